@@ -1,0 +1,53 @@
+#include "core/text_blocks.hpp"
+
+#include <gmp.h>
+// <cstdio> ahead of <mpfr.h> is what declares the printing functions.
+#include <mpfr.h>
+#include <cstdio>
+
+namespace sml::core {
+
+namespace {
+
+constexpr int number_base = 16;
+
+}  // namespace
+
+TextBlock make_block(std::int32_t length) {
+    if (length == -1) return nullptr;
+    auto const size = static_cast<std::size_t>(static_cast<std::int64_t>(length) + 1);
+    return std::make_unique<char[]>(size);
+}
+
+std::string text_of(BigInteger const& value) {
+    mpz_srcptr const number = value.backend().data();
+    auto const       digits = static_cast<std::int32_t>(mpz_sizeinbase(number, number_base));
+    // One more for the terminator of a negative number; the block leaves that one out.
+    std::string text(static_cast<std::size_t>(digits) + 3, '\0');
+    mpz_get_str(text.data(), number_base, number);
+    text.pop_back();
+    return text;
+}
+
+std::string text_of(double value) { return std::to_string(value); }
+
+void parse(TextBlock const& text, BigInteger& value) {
+    mpz_set_str(value.backend().data(), text.get(), number_base);
+}
+
+void parse(TextBlock const& text, zelvanite::IEEE754Float& value) {
+    auto const format = zelvanite::IEEE754Float::Format::of(value.width);
+    zelvanite::IEEE754Float::set_range(format);
+    mpfr_set_prec(value.number(), format.mantissa_bits);
+    mpfr_set_str(value.number(), text.get(), number_base, MPFR_RNDN);
+}
+
+double double_of(TextBlock const& text) { return std::stod(std::string(text.get())); }
+
+FloatText::FloatText(zelvanite::IEEE754Float const& value) {
+    zelvanite::IEEE754Float::set_range(zelvanite::IEEE754Float::Format::of(value.width));
+    int const length = mpfr_snprintf(text_, capacity, "%R*A", MPFR_RNDN, value.number());
+    size_ = static_cast<std::size_t>(length) & 0xff;
+}
+
+}  // namespace sml::core

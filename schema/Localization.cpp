@@ -1,0 +1,9 @@
+#include "schema/Localization.hpp"
+
+#include "core/define.hpp"
+
+namespace sml::Localization {
+
+SML_DEFINE_RECORD(T_Localization);
+
+}  // namespace sml::Localization

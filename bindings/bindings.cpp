@@ -1,0 +1,62 @@
+#include "bindings/bindings.hpp"
+
+#include "core/transfer.hpp"
+
+namespace sml {
+
+namespace {
+
+// Holds the bytes of the latest `fromCxx` of any root. Built right after the string table and
+// destroyed right before it.
+__attribute__((init_priority(102))) std::string shared_result;
+
+template <class T>
+void read_bytes(T& value, char const* bytes) {
+    StringIArchive archive(bytes);
+    core::Reader{archive}(value);
+}
+
+template <class T>
+std::string const& write_bytes(T const& value) {
+    StringOArchive archive;
+    core::Writer{archive}(value);
+    shared_result = archive.take();
+    return shared_result;
+}
+
+template <class T>
+void write_stream(T const& value, std::ostream& stream) {
+    StreamOArchive archive(stream);
+    core::Writer{archive}(value);
+}
+
+template <class T>
+void read_stream(T& value, std::istream& stream) {
+    StreamIArchive archive(stream);
+    core::Reader{archive}(value);
+}
+
+}  // namespace
+
+#define ROOT(Stem, ...)                                                                            \
+    void Stem##_toCxx(__VA_ARGS__& value, char const* bytes) { read_bytes(value, bytes); }         \
+    void deserializeSmlData(__VA_ARGS__& value, char const* bytes) { Stem##_toCxx(value, bytes); } \
+    std::string const& Stem##_fromCxx(__VA_ARGS__ const& value) { return write_bytes(value); }     \
+    void               Stem##_toStream(__VA_ARGS__ const& value, std::ostream& stream) {           \
+                      write_stream(value, stream);                                                 \
+    }                                                                                              \
+    void Stem##_fromStream(__VA_ARGS__& value, std::istream& stream) { read_stream(value, stream); }
+#include "bindings/roots.def"
+
+}  // namespace sml
+
+extern "C" {
+
+#define ROOT(Stem, ...)                                                                            \
+    void Stem##_toCxx(__VA_ARGS__* value, char const* bytes) { sml::Stem##_toCxx(*value, bytes); } \
+    char const* Stem##_fromCxx(__VA_ARGS__ const* value) {                                         \
+        return sml::Stem##_fromCxx(*value).data();                                                 \
+    }
+#include "bindings/roots.def"
+
+}  // extern "C"

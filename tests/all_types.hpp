@@ -1,0 +1,288 @@
+#pragma once
+// Every class that crosses the wire, by area; names are relative to `sml`. A new record or variant
+// gets one line here. `X` takes the type.
+
+#include "schema/AccessPath.hpp"
+#include "schema/AccessProtections.hpp"
+#include "schema/Answers.hpp"
+#include "schema/Application_Results.hpp"
+#include "schema/Atomicity_Condition.hpp"
+#include "schema/Base_Gui_Internal_Form_Datas.hpp"
+#include "schema/BlockKind.hpp"
+#include "schema/Blocks.hpp"
+#include "schema/Check_Classification.hpp"
+#include "schema/Checks.hpp"
+#include "schema/Data_Table_Access.hpp"
+#include "schema/Event_Path.hpp"
+#include "schema/Events.hpp"
+#include "schema/Expressiveness.hpp"
+#include "schema/Failure.hpp"
+#include "schema/Functions.hpp"
+#include "schema/GUI_Check_Classification.hpp"
+#include "schema/GUI_Events.hpp"
+#include "schema/IEEE754.hpp"
+#include "schema/IL.hpp"
+#include "schema/IL_Attribute.hpp"
+#include "schema/IL_Extras.hpp"
+#include "schema/Infos.hpp"
+#include "schema/InfosTypes.hpp"
+#include "schema/Interrogators.hpp"
+#include "schema/Localization.hpp"
+#include "schema/Long_Operation.hpp"
+#include "schema/Mem_Alloc_BuiltIn_Operation.hpp"
+#include "schema/PackagedPrettySignature.hpp"
+#include "schema/QualifiedPrettyName.hpp"
+#include "schema/QualifiedPrettySignature.hpp"
+#include "schema/SignaturePrefixedQualifiedPrettyName.hpp"
+#include "schema/SourceLocRef.hpp"
+#include "schema/Technology.hpp"
+
+#define LOCATION_TYPES(X)                                             \
+    X(Localization::T_Localization)                                   \
+    X(SourceLocRef::T_SourceLocRef)                                   \
+    X(QualifiedPrettyName::T)                                         \
+    X(QualifiedPrettySignature::T)                                    \
+    X(PackagedPrettySignature::T)                                     \
+    X(SignaturePrefixedQualifiedPrettyName::T)                        \
+    X(AccessPath::Selector::T_private_selector)                       \
+    X(Data_Table_Access::T)                                           \
+    X(AccessProtections::T_AccessProtections::CRITICAL_SECTION_args)  \
+    X(AccessProtections::T_AccessProtections)                         \
+    X(Atomicity_Condition::T_Atomicity_Condition::ARCH_SIZE_args)     \
+    X(Atomicity_Condition::T_Atomicity_Condition::FUNCTION_CALL_args) \
+    X(Atomicity_Condition::T_Atomicity_Condition::MULTI_INSTR_args)   \
+    X(Atomicity_Condition::T_Atomicity_Condition)
+
+#define CHECK_TYPES(X)                                                    \
+    X(Checks::Data_Flow_Kind::T)                                          \
+    X(Checks::T_Ovfl_Data::Linked_Ovfl_args)                              \
+    X(Checks::T_Ovfl_Data::Merged_Ovfl_args)                              \
+    X(Checks::T_Ovfl_Data::Single_Ovfl_args)                              \
+    X(Checks::T_Ovfl_Data)                                                \
+    X(Checks::T_Incorrect_Call::CALL_RTF_args)                            \
+    X(Checks::T_Incorrect_Call::CALL_WNA_args)                            \
+    X(Checks::T_Incorrect_Call::CALL_WTA_args)                            \
+    X(Checks::T_Incorrect_Call)                                           \
+    X(Checks::T_Valid_Args_Checks_Datas)                                  \
+    X(Checks::T_Check_Category::ABSOLUTE_ADDRESS_args)                    \
+    X(Checks::T_Check_Category::ADA_EXCP_args)                            \
+    X(Checks::T_Check_Category::ADA_FE_args)                              \
+    X(Checks::T_Check_Category::ASSERT_QUESTION_args)                     \
+    X(Checks::T_Check_Category::BF_CHECKER_WITH_PRECOMPUTED_MESSAGE_args) \
+    X(Checks::T_Check_Category::BLOCKING_WHILE_LOCKED_args)               \
+    X(Checks::T_Check_Category::CALL_FPPF_args)                           \
+    X(Checks::T_Check_Category::CALL_IRV_args)                            \
+    X(Checks::T_Check_Category::CC_args)                                  \
+    X(Checks::T_Check_Category::CONV_OVFL_args)                           \
+    X(Checks::T_Check_Category::CTR_args)                                 \
+    X(Checks::T_Check_Category::DATA_FLOW_FINDING_args)                   \
+    X(Checks::T_Check_Category::DATA_RACE_args)                           \
+    X(Checks::T_Check_Category::DATA_RACE_BIT_FIELDS_args)                \
+    X(Checks::T_Check_Category::DATA_RACE_STD_LIB_args)                   \
+    X(Checks::T_Check_Category::DESTROY_LOCKED_args)                      \
+    X(Checks::T_Check_Category::DRS_args)                                 \
+    X(Checks::T_Check_Category::DV_ASSERT_args)                           \
+    X(Checks::T_Check_Category::FLOAT_ABSORPTION_args)                    \
+    X(Checks::T_Check_Category::FNC_args)                                 \
+    X(Checks::T_Check_Category::FNR_args)                                 \
+    X(Checks::T_Check_Category::IDR_args)                                 \
+    X(Checks::T_Check_Category::LEAK_args)                                \
+    X(Checks::T_Check_Category::NIP_args)                                 \
+    X(Checks::T_Check_Category::NIV_args)                                 \
+    X(Checks::T_Check_Category::NIV_STRUCT_args)                          \
+    X(Checks::T_Check_Category::NNR_args)                                 \
+    X(Checks::T_Check_Category::NON_FINITE_INF_args)                      \
+    X(Checks::T_Check_Category::NON_FINITE_NAN_args)                      \
+    X(Checks::T_Check_Category::NTA_args)                                 \
+    X(Checks::T_Check_Category::NTC_args)                                 \
+    X(Checks::T_Check_Category::NTL_args)                                 \
+    X(Checks::T_Check_Category::OBAI_args)                                \
+    X(Checks::T_Check_Category::OVFL_args)                                \
+    X(Checks::T_Check_Category::PVC_args)                                 \
+    X(Checks::T_Check_Category::RESOURCE_args)                            \
+    X(Checks::T_Check_Category::SECURITY_args)                            \
+    X(Checks::T_Check_Category::SHF_args)                                 \
+    X(Checks::T_Check_Category::STACK_POINTER_args)                       \
+    X(Checks::T_Check_Category::STD_LIB_args)                             \
+    X(Checks::T_Check_Category::SUBNORMAL_args)                           \
+    X(Checks::T_Check_Category::THD_args)                                 \
+    X(Checks::T_Check_Category::THR_args)                                 \
+    X(Checks::T_Check_Category::USER_GLOBAL_ASSERT_args)                  \
+    X(Checks::T_Check_Category)                                           \
+    X(Checks::T_A_Check)                                                  \
+    X(Failure::T)                                                         \
+    X(Check_Classification::T_Check_Classification::INPUT_IMPACT_args)    \
+    X(Check_Classification::T_Check_Classification)                       \
+    X(GUI_Check_Classification::T_GUI_Check_Event)                        \
+    X(GUI_Check_Classification::T_GUI_Input_Source)                       \
+    X(GUI_Check_Classification::T_GUI_Check_Classification)               \
+    X(Event_Path::Event_Value::T_value::WithValue_args)                   \
+    X(Event_Path::Event_Value::T_value)                                   \
+    X(GUI_Events::GUI_Event_Path_Step::T)
+
+#define INFO_TYPES(X)                                                    \
+    X(Infos::T_Range)                                                    \
+    X(Infos::Multiplicity::T)                                            \
+    X(Infos::T_Value_Range::Int_Full_Range_args)                         \
+    X(Infos::T_Value_Range)                                              \
+    X(Infos::T_Info_Type::Inf_Type_Ada_Fixed_args)                       \
+    X(Infos::T_Info_Type::Inf_Type_Ada_Float_args)                       \
+    X(Infos::T_Info_Type::Inf_Type_DRSFloat_args)                        \
+    X(Infos::T_Info_Type::Inf_Type_DRSInteger_args)                      \
+    X(Infos::T_Info_Type::Inf_Type_Float_args)                           \
+    X(Infos::T_Info_Type::Inf_Type_Integer_args)                         \
+    X(Infos::T_Info_Type)                                                \
+    X(Infos::T_Information_Value)                                        \
+    X(Infos::T_Pointer_Null_Value)                                       \
+    X(Infos::T_Field_Information_Kind)                                   \
+    X(Infos::T_Info_Operator_Kind::BINARY_OP_args)                       \
+    X(Infos::T_Info_Operator_Kind::CONV_args)                            \
+    X(Infos::T_Info_Operator_Kind::UNARY_OP_args)                        \
+    X(Infos::T_Info_Operator_Kind)                                       \
+    X(Infos::Concurrency_Info::T_Origin::Spawned_args)                   \
+    X(Infos::Concurrency_Info::T_Origin)                                 \
+    X(Infos::Concurrency_Info::T::ConcurrentItem_args)                   \
+    X(Infos::Concurrency_Info::T::ConcurrentRoutine_args)                \
+    X(Infos::Concurrency_Info::T)                                        \
+    X(Infos::T_Information_Category::IPT_args)                           \
+    X(Infos::T_Information_Category::QUESTION_IPT_args)                  \
+    X(Infos::T_Information_Category::RELATION_args)                      \
+    X(Infos::T_Information_Category::TOOLTIP_INFO_args)                  \
+    X(Infos::T_Information_Category::VAI_args)                           \
+    X(Infos::T_Information_Category::VCS_args)                           \
+    X(Infos::T_Information_Category::VNTC_args)                          \
+    X(Infos::T_Information_Category::VNTL_args)                          \
+    X(Infos::T_Information_Category::VOL_args)                           \
+    X(Infos::T_Information_Category::VOO_args)                           \
+    X(Infos::T_Information_Category::VOR_args)                           \
+    X(Infos::T_Information_Category::VORP_args)                          \
+    X(Infos::T_Information_Category::VORPF_args)                         \
+    X(Infos::T_Information_Category::VORS_args)                          \
+    X(Infos::T_Information_Category)                                     \
+    X(Infos::T_An_Info)                                                  \
+    X(InfosTypes::T_Variable_Name)                                       \
+    X(InfosTypes::T_Info_Statement_Kind::CONSTRUCTION_VIRTUAL_CALL_args) \
+    X(InfosTypes::T_Info_Statement_Kind::DESTRUCTION_VIRTUAL_CALL_args)  \
+    X(InfosTypes::T_Info_Statement_Kind::DISPATCH_VIRTUAL_CALL_args)     \
+    X(InfosTypes::T_Info_Statement_Kind::STDLIB_PARAM_args)              \
+    X(InfosTypes::T_Info_Statement_Kind::STUB_OF_VIRTUAL_CALL_args)      \
+    X(InfosTypes::T_Info_Statement_Kind)                                 \
+    X(InfosTypes::Relation_Info::T)                                      \
+    X(IEEE754::T)
+
+#define EVENT_TYPES(X)                                           \
+    X(Events::T_RaceConditionAccess)                             \
+    X(Events::T_Imprecision_Event_Kind)                          \
+    X(Events::T_Event_Kind::ARGUMENT_OF_CALL_EVENT_args)         \
+    X(Events::T_Event_Kind::CONTROL_FLOW_POINT_args)             \
+    X(Events::T_Event_Kind::CRITICAL_SECTION_EVENT_args)         \
+    X(Events::T_Event_Kind::DATA_RACE_ACCESS_EVENT_args)         \
+    X(Events::T_Event_Kind::INPUT_EXTERN_args)                   \
+    X(Events::T_Event_Kind::INPUT_MAIN_GENERATOR_CALL_args)      \
+    X(Events::T_Event_Kind::INPUT_MAIN_GENERATOR_INIT_args)      \
+    X(Events::T_Event_Kind::INPUT_MAIN_GENERATOR_PERMANENT_args) \
+    X(Events::T_Event_Kind::INPUT_STUB_CALL_args)                \
+    X(Events::T_Event_Kind::INPUT_VOLATILE_args)                 \
+    X(Events::T_Event_Kind::RACE_CONDITION_EVENT_args)           \
+    X(Events::T_Event_Kind::RUNTIME_ERROR_args)                  \
+    X(Events::T_Event_Kind::SECURITY_EVENT_args)                 \
+    X(Events::T_Event_Kind::SHRINK_CAST_args)                    \
+    X(Events::T_Event_Kind::VARIABLE_ACCESS_EVENT_args)          \
+    X(Events::T_Event_Kind::VARIABLE_TASK_ACCESS_EVENT_args)     \
+    X(Events::T_Event_Kind)                                      \
+    X(Events::T_An_Event)                                        \
+    X(BlockKind::T_BlockKind)                                    \
+    X(BlockKind::T_ControlFlowPoint)                             \
+    X(Blocks::T_BlockLocalization)                               \
+    X(Blocks::T_BlockAttribute)
+
+#define IL_TYPES(X)                                                                            \
+    X(IL::T_Type_Op::Float_Op_args)                                                            \
+    X(IL::T_Type_Op)                                                                           \
+    X(IL::T_Info_Expr)                                                                         \
+    X(IL::T_Annotation::Long_Annote_args)                                                      \
+    X(IL::T_Annotation)                                                                        \
+    X(IL_Attribute::T_Kind::NUMERICAL_ATTRIBUTE_args)                                          \
+    X(IL_Attribute::T_Kind)                                                                    \
+    X(IL_Attribute::T)                                                                         \
+    X(Mem_Alloc_BuiltIn_Operation::T_can_initialize)                                           \
+    X(Mem_Alloc_BuiltIn_Operation::T_stub_mem_alloc_builtin_param)                             \
+    X(Mem_Alloc_BuiltIn_Operation::T_Operation)                                                \
+    X(Long_Operation::T_Long_Op_T)                                                             \
+    X(IL_Extras::ExprExtraData::T)                                                             \
+    X(IL_Extras::VVIRZelvanitePragmasTag::T_PragmaParameter::SOURCE_LOC_PRAGMA_PARAMETER_args) \
+    X(IL_Extras::VVIRZelvanitePragmasTag::T_PragmaParameter)                                   \
+    X(IL_Extras::T_ZelvaniteResultData::__unnamed_record_1)                                    \
+    X(IL_Extras::T_ZelvaniteResultData::__unnamed_record_2)                                    \
+    X(IL_Extras::T_ZelvaniteResultData::__unnamed_record_3)                                    \
+    X(IL_Extras::T_ZelvaniteResultData::__unnamed_record_4)                                    \
+    X(IL_Extras::T_ZelvaniteResultData::ATTRIBUTE_COPY_ALL_EXCEPT_args)                        \
+    X(IL_Extras::T_ZelvaniteResultData::Attribute_Pred_args)                                   \
+    X(IL_Extras::T_ZelvaniteResultData::Call_args)                                             \
+    X(IL_Extras::T_ZelvaniteResultData::Event_args)                                            \
+    X(IL_Extras::T_ZelvaniteResultData::FLOAT_MODEL_ROUND_args)                                \
+    X(IL_Extras::T_ZelvaniteResultData::Inspection_Point_IPT_args)                             \
+    X(IL_Extras::T_ZelvaniteResultData::Inspection_Point_Points_To_args)                       \
+    X(IL_Extras::T_ZelvaniteResultData::Loop_Until_args)                                       \
+    X(IL_Extras::T_ZelvaniteResultData::MEM_ALLOC_args)                                        \
+    X(IL_Extras::T_ZelvaniteResultData::Marker_args)                                           \
+    X(IL_Extras::T_ZelvaniteResultData::Procedure_Declaration_args)                            \
+    X(IL_Extras::T_ZelvaniteResultData::Program_args)                                          \
+    X(IL_Extras::T_ZelvaniteResultData)
+
+#define QUESTION_TYPES(X)                            \
+    X(Interrogators::T_RepositoryRef)                \
+    X(Interrogators::T_InterrogatorRef)              \
+    X(Interrogators::T_QuestionRef)                  \
+    X(Interrogators::T_AnswerRef)                    \
+    X(Interrogators::T_ContextRef)                   \
+    X(Interrogators::T_FunctionRef)                  \
+    X(Interrogators::T_Function)                     \
+    X(Interrogators::T_ZvFunction)                   \
+    X(Interrogators::T_Interrogator)                 \
+    X(Interrogators::T_InterrogatorCheckZDV)         \
+    X(Interrogators::T_InterrogatorCheckSHF)         \
+    X(Interrogators::T_InterrogatorCheckOVFL)        \
+    X(Interrogators::T_InterrogatorCheckCONV_OVFL)   \
+    X(Interrogators::T_InterrogatorInfoOperator)     \
+    X(Interrogators::T_InterrogatorInfoConversion)   \
+    X(Interrogators::T_InterrogatorInfoReadOrAssign) \
+    X(Interrogators::T_Question)                     \
+    X(Interrogators::T_QuestionAssert)               \
+    X(Interrogators::T_QuestionInspectionPoint)      \
+    X(Answers::T_Answer)                             \
+    X(Answers::T_AnswerAssert)                       \
+    X(Answers::T_AnswerInspectionPoint)              \
+    X(Answers::T_Context)                            \
+    X(Answers::T_ContextCallSite)                    \
+    X(Answers::T_ContextCxx)                         \
+    X(Answers::T_ContextInline)                      \
+    X(Answers::T_ContextRegion)                      \
+    X(Answers::T_ContextCounterExample)
+
+#define RESULT_TYPES(X)                                              \
+    X(Functions::Cxx_Clone_Context::T::During_Constr_Destr_args)     \
+    X(Functions::Cxx_Clone_Context::T)                               \
+    X(Functions::T_Function_Context)                                 \
+    X(Functions::T_Function_Context_Option)                          \
+    X(Functions::T_A_Function)                                       \
+    X(Technology::Technics::T)                                       \
+    X(Technology::T)                                                 \
+    X(Expressiveness::T_relational_level)                            \
+    X(Base_Gui_Internal_Form_Datas::T_Caller)                        \
+    X(Base_Gui_Internal_Form_Datas::T_Chk_Context::Chk_Clone_args)   \
+    X(Base_Gui_Internal_Form_Datas::T_Chk_Context::Chk_Context_args) \
+    X(Base_Gui_Internal_Form_Datas::T_Chk_Context)                   \
+    X(Base_Gui_Internal_Form_Datas::T_Info_Definition)               \
+    X(Base_Gui_Internal_Form_Datas::T_Chk_Data)                      \
+    X(Base_Gui_Internal_Form_Datas::T_Aggregated_Results)            \
+    X(Application_Results::T_Application_Results)
+
+#define ALL_TYPES(X)  \
+    LOCATION_TYPES(X) \
+    CHECK_TYPES(X)    \
+    INFO_TYPES(X)     \
+    EVENT_TYPES(X)    \
+    IL_TYPES(X)       \
+    QUESTION_TYPES(X) \
+    RESULT_TYPES(X)

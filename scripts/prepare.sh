@@ -1,0 +1,41 @@
+# Sourced by run.sh and test.sh: makes a Debian 12 machine ready to build, as root or with sudo.
+
+export DEBIAN_FRONTEND=noninteractive
+export LC_ALL=C.UTF-8
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo --preserve-env=DEBIAN_FRONTEND "$@"
+    fi
+}
+
+# Installs those of packages.txt that are missing; asks no server when none is.
+install_packages() {
+    local missing=() package
+    while read -r package; do
+        [ -n "$package" ] || continue
+        dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
+            missing+=("$package")
+    done < packages.txt
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update -q
+    as_root apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# The tests of locale-dependent text need a locale with a decimal comma.
+generate_comma_locale() {
+    locale -a | grep -qix 'de_DE\.utf-\?8' && return 0
+    echo "Generating the locale de_DE.UTF-8"
+    as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
+}
+
+# build PRESET [TARGET...]
+build() {
+    local preset=$1
+    shift
+    cmake --preset "$preset"
+    cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
+}

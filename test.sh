@@ -1,0 +1,33 @@
+#!/bin/bash
+# Installs what is missing, builds, and runs all tests: built by g++, then again under
+# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection.
+#
+#   ./test.sh          what every change must pass
+#   ./test.sh --all    also built by clang, and random tests at their slow counts
+set -euo pipefail
+cd "$(dirname "$0")"
+source scripts/prepare.sh
+
+presets=(dev asan)
+case "${1:-}" in
+    "") ;;
+    --all)
+        presets=(clang dev asan)
+        export BRADEP_SLOW_TESTS=1
+        ;;
+    *)
+        echo "usage: ./test.sh [--all]" >&2
+        exit 2
+        ;;
+esac
+
+install_packages
+generate_comma_locale
+
+export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
+export UBSAN_OPTIONS=print_stacktrace=1
+for preset in "${presets[@]}"; do
+    echo "== $preset"
+    build "$preset"
+    ctest --preset "$preset" --parallel "$(nproc)"
+done

@@ -1,0 +1,41 @@
+/* Days and months. The defects are on purpose. */
+
+static int const days[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+
+/* Defect: months count from 1 here, so December reads behind the table. */
+int days_of_december(void)
+{
+    int const december = 12;
+    return days[december];
+}
+
+static int is_leap(int year)
+{
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+/* Defect: a caller that wants no day of the month gives a null pointer, which the last branch
+   forgets. */
+int month_of(int day_of_year, int year, int *day_of_month)
+{
+    int month = 0;
+    while (month < 11) {
+        int length = days[month] + (month == 1 && is_leap(year));
+        if (day_of_year <= length)
+            break;
+        day_of_year -= length;
+        ++month;
+    }
+    if (day_of_month == 0 && month == 0)
+        return 0;
+    *day_of_month = day_of_year;
+    return month;
+}
+
+/* Defect: shifts by more than an int is wide. */
+unsigned month_bit(int month)
+{
+    if (month < 0)
+        month = 32;
+    return 1u << month;
+}

@@ -1,0 +1,38 @@
+/* A queue of messages that own their text. The defects are on purpose. */
+
+#include <stdio.h>
+#include <stdlib.h>
+
+struct message {
+    char *text;
+    struct message *next;
+};
+
+static void destroy(struct message *message)
+{
+    free(message->text);
+    free(message);
+}
+
+/* Defect: the next message is asked of one that is gone. */
+void drop_all(struct message *first)
+{
+    while (first != NULL) {
+        destroy(first);
+        first = first->next;
+    }
+}
+
+/* Defect: a message with an empty text is destroyed twice. */
+int deliver(struct message *message)
+{
+    int delivered = 1;
+    if (message->text[0] == '\0') {
+        destroy(message);
+        delivered = 0;
+    } else {
+        puts(message->text);
+    }
+    destroy(message);
+    return delivered;
+}

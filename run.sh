@@ -1,0 +1,26 @@
+#!/bin/bash
+# Installs what is missing, builds, analyses the C programs in examples/analysed with the Clang
+# static analyser, imports its SARIF into a result set and shows it. Ends with the result set's path.
+set -euo pipefail
+cd "$(dirname "$0")"
+source scripts/prepare.sh
+
+install_packages
+build release bradep
+
+bradep=build/release/tools/bradep
+result_set=results/analysed.bradep
+rm -rf results
+mkdir -p results/sarif
+
+echo "== analysing examples/analysed"
+for program in examples/analysed/*.c; do
+    clang --analyze -Xclang -analyzer-output=sarif \
+        -o "results/sarif/$(basename "$program" .c).sarif" "$program"
+done
+
+echo "== importing"
+"$bradep" import results/sarif/*.sarif -o "$result_set"
+"$bradep" show "$result_set"
+echo
+echo "$PWD/$result_set"

@@ -1,0 +1,312 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+
+#include "cli_support.hpp"
+
+namespace {
+
+using namespace cli_test;
+
+std::size_t line_count(std::string const& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+bool contains(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// One line on standard error, nothing on standard output.
+void expect_refused(Outcome const& outcome, int code, std::string const& line) {
+    EXPECT_EQ(outcome.code, code);
+    EXPECT_EQ(outcome.err, "bradep: " + line + "\n");
+    EXPECT_EQ(outcome.out, "");
+}
+
+std::string imported(Scratch const& scratch, fs::path const& log) {
+    auto const set = (scratch / "set").string();
+    auto const outcome = run_command({"import", log.string(), "-o", set});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+    return set;
+}
+
+TEST(Command, HelpTellsTheCommandsAndTheExitCodes) {
+    auto const help = run_command({"--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_EQ(help.err, "");
+    for (char const* part :
+         {"import", "show", "--version", "Exit codes: 0 done, 1 the input is damaged, 2 "})
+        EXPECT_TRUE(contains(help.out, part)) << part;
+    EXPECT_TRUE(contains(run_command({"import", "--help"}).out, "--output"));
+    EXPECT_TRUE(contains(run_command({"show", "--help"}).out, "--json"));
+}
+
+TEST(Command, ShowSaysThatItTrustsItsInput) {
+    EXPECT_TRUE(contains(run_command({"show", "--help"}).out, "The file is trusted"));
+}
+
+TEST(Command, VersionIsOneLine) {
+    auto const version = run_command({"--version"});
+    EXPECT_EQ(version.code, 0);
+    EXPECT_EQ(version.out, "bradep " BRADEP_VERSION "\n");
+    EXPECT_EQ(version.err, "");
+}
+
+TEST(Command, WrongUsageIsOneLineAndCodeTwo) {
+    std::string const more = " (bradep --help tells more)";
+    expect_refused(run_command({}), 2, "A command is required" + more);
+    expect_refused(run_command({"frob"}), 2,
+                   "The following argument was not expected: frob" + more);
+    expect_refused(run_command({"import", "log"}), 2, "--output is required" + more);
+    expect_refused(run_command({"import", "-o", "set"}), 2, "RESULTS.sarif is required" + more);
+    expect_refused(run_command({"show"}), 2, "FILE is required" + more);
+    for (auto const& args : std::vector<std::vector<std::string>>{{"show", "a", "b"},
+                                                                  {"show", "--rows", "x", "a"},
+                                                                  {"show", "--none", "a"},
+                                                                  {"--none"},
+                                                                  {"import", "-x"}}) {
+        auto const outcome = run_command(args);
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(line_count(outcome.err), 1U) << outcome.err;
+    }
+}
+
+TEST(Import, DamagedLogIsOneLineAndCodeOneAndLeavesNoFile) {
+    for (auto const& entry : fs::directory_iterator(BRADEP_FIXTURES)) {
+        if (!entry.path().filename().string().starts_with("bad-")) continue;
+        Scratch const scratch;
+        auto const    outcome =
+            run_command({"import", entry.path().string(), "-o", (scratch / "set").string()});
+        EXPECT_EQ(outcome.code, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(line_count(outcome.err), 1U);
+        EXPECT_TRUE(outcome.err.starts_with("bradep: " + entry.path().string() + ":"))
+            << outcome.err;
+        EXPECT_TRUE(scratch.names().empty()) << entry.path();
+    }
+}
+
+TEST(Import, DamagedLogLeavesTheOldFile) {
+    Scratch const scratch;
+    write_bytes(scratch / "set", "old");
+    auto const sound = fixture("flows.sarif").string();
+    auto const damaged = fixture("bad-rule-index.sarif").string();
+    EXPECT_EQ(run_command({"import", sound, damaged, "-o", (scratch / "set").string()}).code, 1);
+    EXPECT_EQ(bytes_of(scratch / "set"), "old");
+    EXPECT_EQ(scratch.names().size(), 1U);
+}
+
+TEST(Import, MissingInputIsCodeTwo) {
+    Scratch const scratch;
+    auto const    set = (scratch / "set").string();
+    expect_refused(run_command({"import", "/no/such.sarif", "-o", set}), 2,
+                   "cannot read /no/such.sarif: No such file or directory");
+    expect_refused(run_command({"import", scratch.path().string(), "-o", set}), 2,
+                   "cannot read " + scratch.path().string() + ": Is a directory");
+    EXPECT_TRUE(scratch.names().empty());
+}
+
+TEST(Import, OutputThatCannotBeWrittenIsCodeTwo) {
+    Scratch const scratch;
+    auto const    log = fixture("flows.sarif").string();
+    expect_refused(run_command({"import", log, "-o", "/dev/full"}), 2,
+                   "cannot write /dev/full: No space left on device");
+    expect_refused(run_command({"import", log, "-o", scratch.path().string()}), 2,
+                   "cannot write " + scratch.path().string() + ": Is a directory");
+    auto const beyond = (scratch / "none/set").string();
+    expect_refused(run_command({"import", log, "-o", beyond}), 2,
+                   "cannot write " + beyond + ": No such file or directory");
+    EXPECT_TRUE(scratch.names().empty());
+}
+
+TEST(Import, FullDiskLeavesTheOldFileInTheRealCommand) {
+    Scratch const scratch;
+    write_bytes(scratch / "set", "old");
+    auto const command = "ulimit -f 1; '" BRADEP_COMMAND "' import '" +
+                         fixture("flows.sarif").string() + "' -o '" + (scratch / "set").string() +
+                         "' 2> '" + (scratch / "err").string() + "'";
+    int const status = std::system(("bash -c \"" + command + "\"").c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_EQ(bytes_of(scratch / "err"),
+              "bradep: cannot write " + (scratch / "set").string() + ": File too large\n");
+    EXPECT_EQ(bytes_of(scratch / "set"), "old");
+    EXPECT_EQ(scratch.names().size(), 2U);
+}
+
+TEST(Import, AnInputIsNotOverwritten) {
+    Scratch const scratch;
+    auto const    log = (scratch / "log.sarif").string();
+    fs::copy_file(fixture("flows.sarif"), log);
+    expect_refused(run_command({"import", log, "-o", log}), 2,
+                   "the output " + log + " is also an input");
+    EXPECT_EQ(bytes_of(log), bytes_of(fixture("flows.sarif")));
+}
+
+TEST(Import, SeveralLogsCountTheirRunsOn) {
+    Scratch const scratch;
+    auto const    set = (scratch / "set").string();
+    auto const    log = fixture("many_runs.sarif").string();
+    ASSERT_EQ(run_command({"import", log, log, "-o", set}).code, 0);
+    auto const lines = run_command({"show", "--json", set}).out;
+    EXPECT_EQ(line_count(lines), 18U);
+    EXPECT_TRUE(contains(lines, R"({"key":["first.c",3],"run":9,"tool":"First","rule":"one",)"));
+    EXPECT_TRUE(contains(run_command({"show", set}).out, ": 18 checks from 18 runs\n"));
+}
+
+TEST(Import, DashIsStandardInputAndOutput) {
+    auto const made = run_command({"import", "-", "-o", "-"}, bytes_of(fixture("flows.sarif")));
+    EXPECT_EQ(made.code, 0);
+    EXPECT_EQ(made.err, "");
+    Scratch const scratch;
+    EXPECT_EQ(made.out, bytes_of(imported(scratch, fixture("flows.sarif"))));
+    auto const shown = run_command({"show", "--json", "-"}, made.out);
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_EQ(line_count(shown.out), 9U);
+    auto const damaged = run_command({"import", "-", "-o", "-"}, "{");
+    expect_refused(damaged, 1, "standard input:1:2: the JSON text ends too early");
+}
+
+TEST(Import, MessageStaysOneLineWhateverTheNames) {
+    auto const outcome = run_command({"import", "no\nsuch\x1B[31m.sarif", "-o", "set"});
+    expect_refused(outcome, 2, "cannot read no such\\u{1b}[31m.sarif: No such file or directory");
+}
+
+TEST(Show, JsonLinesHaveTheDocumentedForm) {
+    Scratch const scratch;
+    write_bytes(scratch / "log", log_with(R"j(
+        {"ruleId": "R", "message": {"text": "m [x](1)"},
+         "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a.c", "uriBaseId": "SRC"},
+                        "region": {"startLine": 1, "startColumn": 2, "endLine": 3, "endColumn": 4}}}],
+         "relatedLocations": [{"id": 1, "message": {"text": "x"}, "physicalLocation": {"artifactLocation": {"uri": "b.c"}}}],
+         "codeFlows": [{"threadFlows": [{"locations": [{"location": {"message": {"text": ""},
+                        "physicalLocation": {"artifactLocation": {"uri": "c.c", "uriBaseId": "SRC"},
+                        "region": {"startLine": 5, "startColumn": 6, "endLine": 7}}}}]}]}],
+         "partialFingerprints": {"p": "1"}, "fingerprints": {"f": "2"}},
+        {})j"));
+    auto const shown = run_command({"show", "--json", imported(scratch, scratch / "log")});
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_EQ(shown.err, "");
+    EXPECT_EQ(
+        shown.out,
+        R"j({"key":["a.c",1],"run":0,"tool":"Tool","rule":"R","level":"warning","message":"m [x](1)",)j"
+        R"("locations":[{"uri":"a.c","base":"SRC","line":1,"column":2,"endLine":3,"endColumn":4}],)"
+        R"("related":[{"id":1,"uri":"b.c","message":"x"}],)"
+        R"("flows":[[[{"uri":"c.c","line":5,"column":6,"message":""}]]],)"
+        R"("fingerprints":{"f":"2","p":"1"}})"
+        "\n"
+        R"({"key":["",1],"run":0,"tool":"Tool","level":"warning"})"
+        "\n");
+}
+
+TEST(Show, SummaryTellsTablesRankingsAndFirstChecks) {
+    Scratch const scratch;
+    auto const    set = imported(scratch, fixture("flows.sarif"));
+    auto const    shown = run_command({"show", set});
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_EQ(shown.err, "");
+    EXPECT_TRUE(shown.out.starts_with(set + ": 9 checks from 1 run\n" +
+                                      std::to_string(fs::file_size(set)) + " bytes, read in "))
+        << shown.out;
+    for (char const* part :
+         {"\nTables\n   9  checks\n   2  check_numbers\n   9  check_data\n  26  events\n   3  "
+          "event_numbers\n",
+          "  empty: infos, info_numbers, ", "\nChecks by tool\n  9  Flows\n",
+          "\nChecks by category\n  9  BF_CHECKER_WITH_PRECOMPUTED_MESSAGE\n",
+          "\nChecks by level\n  9  warning\n", "\nChecks by rule\n  9  (no rule)\n",
+          "\nFiles with most checks\n  8  (no file)\n  1  a.c\n",
+          "\nFirst checks\n  a.c: warning: several flows, 2 flows of 8 steps\n  (no place): "
+          "warning: one flow only, "
+          "1 flow of 1 step\n"})
+        EXPECT_TRUE(contains(shown.out, part)) << part << "\nis not in\n" << shown.out;
+}
+
+TEST(Show, SuppressedChecksAreCountedOnce) {
+    Scratch const scratch;
+    auto const    set = imported(scratch, fixture("review.sarif"));
+    EXPECT_TRUE(contains(run_command({"show", set}).out, ": 9 checks from 1 run, 2 suppressed\n"));
+}
+
+TEST(Show, RankingsAreCutAndSaySo) {
+    Scratch const scratch;
+    std::string   results;
+    for (int i = 0; i < 1234; ++i)
+        results += (i ? "," : "") +
+                   (R"({"message": {"text": "m"}, "ruleId": "R)" + std::to_string(i % 7)) + "\"}";
+    write_bytes(scratch / "log", log_with(results));
+    auto const set = imported(scratch, scratch / "log");
+    auto const shown = run_command({"show", "-n", "2", set}).out;
+    EXPECT_TRUE(contains(shown, ": 1234 checks from 1 run\n"));
+    EXPECT_TRUE(contains(shown, "\nChecks by rule\n  177  R0\n  177  R1\n  and 5 more rules\n"))
+        << shown;
+    EXPECT_TRUE(contains(shown, "  and 1232 more checks\n")) << shown;
+    auto const nothing = run_command({"show", "-n", "0", set}).out;
+    EXPECT_FALSE(contains(nothing, "First checks"));
+}
+
+TEST(Show, TerminalIsSafeFromTheTexts) {
+    Scratch const scratch;
+    write_bytes(
+        scratch / "log",
+        log_with(R"({"ruleId": "\u001b[2J", "message": {"text": "a\u001b]0;x\u0007\nb\u009b"},
+        "locations": [{"physicalLocation": {"artifactLocation": {"uri": "\u001b[31m.c"}}}]})"));
+    auto const set = imported(scratch, scratch / "log");
+    for (auto const& args : {std::vector<std::string>{"show", set}, {"show", "--json", set}}) {
+        auto const shown = run_command(args);
+        EXPECT_EQ(shown.code, 0);
+        EXPECT_FALSE(contains(shown.out, "\x1B"));
+        EXPECT_FALSE(contains(shown.out, "\x07"));
+        EXPECT_FALSE(contains(shown.out, "\xC2\x9B"));
+    }
+    EXPECT_TRUE(contains(run_command({"show", set}).out,
+                         "  \\u{1b}[31m.c: warning: a\\u{1b}]0;x\\u{7} b\\u{9b} [\\u{1b}[2J]\n"));
+}
+
+TEST(Show, MissingFileIsCodeTwo) {
+    expect_refused(run_command({"show", "/no/such"}), 2,
+                   "cannot read /no/such: No such file or directory");
+}
+
+TEST(Show, EmptyShortAndLongFilesAreDamaged) {
+    Scratch const scratch;
+    auto const    bytes = bytes_of(imported(scratch, fixture("flows.sarif")));
+    auto const    file = (scratch / "broken").string();
+    auto const    refused = [&](std::string const& broken, std::string const& what) {
+        write_bytes(file, broken);
+        expect_refused(run_command({"show", file}), 1, file + ": not a result set: " + what);
+    };
+    auto const size = bytes.size();
+    refused("", "the file is empty");
+    refused(bytes.substr(0, size - 1), "it ends too early, at byte " + std::to_string(size - 1));
+    refused(bytes.substr(0, size / 2), "it ends too early, at byte " + std::to_string(size / 2));
+    refused(bytes + "x", "it should end at byte " + std::to_string(size));
+}
+
+TEST(Show, ALogIsNoResultSet) {
+    auto const log = fixture("flows.sarif").string();
+    auto const shown = run_command({"show", log});
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_EQ(shown.out, "");
+    EXPECT_EQ(line_count(shown.err), 1U);
+}
+
+TEST(Show, FullStandardOutputIsCodeTwo) {
+    Scratch const scratch;
+    auto const    set = imported(scratch, fixture("flows.sarif"));
+    for (char const* option : {"", "--json"}) {
+        auto const command = std::string("'" BRADEP_COMMAND "' show ") + option + " '" + set +
+                             "' > /dev/full 2> '" + (scratch / "err").string() + "'";
+        int const status = std::system(command.c_str());
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 2);
+        EXPECT_EQ(bytes_of(scratch / "err"),
+                  "bradep: cannot write standard output: No space left on device\n");
+    }
+}
+
+}  // namespace

@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Damages sound SARIF logs at random places and asks both readings what they make of it.
+
+Usage: compare_mutations.py BRADEP DIRECTORY [COUNT [SEED]]
+Either both refuse a damaged log or both read the same out of it. BRADEP_SLOW_TESTS asks for more.
+"""
+
+import json
+import os
+import random
+import sys
+import tempfile
+from pathlib import Path
+
+import sarif_reference
+from compare_with_reference import canonical, run_bradep, shown_checks
+
+ODD_VALUES = [None, True, 2**31, 1.5, [], {}, [None], [{}], "x", 7, -1]
+FITTING_VALUES = {
+    int: [0, 1, 2, 3, -1, 99, 3.0, None],
+    str: ["", "x", "R0", "M0", "P0", "default", "shared", "fail", "pass", "a.c", "{0}", None],
+    list: [[], None, [{}]],
+    dict: [{}, None, {"index": 0}, {"index": 1}, {"id": "default"}, {"text": "{0}", "arguments": ["a"]}],
+}
+
+
+def containers(value):
+    """Every object and array of a document that is not empty."""
+    if isinstance(value, dict) and value:
+        yield value
+        for child in value.values():
+            yield from containers(child)
+    elif isinstance(value, list) and value:
+        yield value
+        for child in value:
+            yield from containers(child)
+
+
+def mutate(document, choice):
+    """Replaces, removes or repeats one value somewhere."""
+    candidates = list(containers(document))
+    if not candidates:
+        return  # an earlier mutation left nothing
+    container = choice.choice(candidates)
+    at = choice.choice(list(container) if isinstance(container, dict) else range(len(container)))
+    action = choice.random()
+    if action < 0.6:
+        fitting = FITTING_VALUES.get(type(container[at]), ODD_VALUES)
+        container[at] = choice.choice(fitting if choice.random() < 0.8 else ODD_VALUES)
+    elif action < 0.8:
+        del container[at]
+    elif isinstance(container, list):
+        container.insert(at, container[choice.randrange(len(container))])
+    else:
+        container[at] = container[choice.choice(list(container))]
+
+
+def expected_checks(log):
+    try:
+        return sarif_reference.checks([log])
+    except sarif_reference.Damaged:
+        return None
+
+
+def agreement(bradep, log, result_set):
+    """None where both readings agree, else what they disagree about."""
+    expected = expected_checks(log)
+    imported = run_bradep(bradep, "import", log, "-o", result_set)
+    if imported.returncode not in (0, 1):
+        return f"exit code {imported.returncode}: {imported.stderr!r}"
+    if imported.returncode == 1:
+        one_line = imported.stderr.count(b"\n") == 1 and not result_set.exists()
+        return None if expected is None and one_line else f"bradep alone refuses: {imported.stderr!r}"
+    if expected is None:
+        return "the reference alone refuses"
+    shown = list(shown_checks(bradep, result_set))
+    if [canonical(check) for check in shown] == [canonical(check) for check in expected]:
+        return None
+    return f"shown {shown}\nexpected {expected}"
+
+
+def main(bradep, directory, count="300", seed=None):
+    count = int(count) * (5 if os.environ.get("BRADEP_SLOW_TESTS") else 1)
+    seed = int(seed) if seed else random.SystemRandom().randrange(2**32)
+    choice = random.Random(seed)
+    logs = sorted(p for p in Path(directory).glob("*.sarif") if not p.name.startswith(("bad-", "deep")))
+    texts = [sarif_reference.load(log) for log in logs]
+    refused = failed = 0
+    with tempfile.TemporaryDirectory() as scratch:
+        for number in range(count):
+            document = json.loads(json.dumps(choice.choice(texts)))
+            for _ in range(choice.choice([1, 1, 1, 2, 3])):
+                mutate(document, choice)
+            log, result_set = Path(scratch) / "log.sarif", Path(scratch) / f"{number}.bradep"
+            log.write_text(json.dumps(document), encoding="utf-8")
+            disagreement = agreement(bradep, log, result_set)
+            refused += not result_set.exists()
+            if disagreement:
+                failed += 1
+                print(f"FAIL  mutation {number} of seed {seed}: {disagreement}\n{json.dumps(document)}")
+    print(f"seed {seed}: {refused} of {count} logs were refused")
+    print(f"{count - failed} passed, {failed} failed")
+    return 1 if failed or not 0 < refused < count else 0
+
+
+if __name__ == "__main__":
+    sys.stdout.reconfigure(encoding="utf-8", errors="backslashreplace")
+    sys.exit(sarif_reference.on_a_deep_stack(lambda: main(*sys.argv[1:])))

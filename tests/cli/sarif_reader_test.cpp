@@ -1,0 +1,270 @@
+#include "sarif_reader.hpp"
+
+#include <gtest/gtest.h>
+
+#include "cli_support.hpp"
+#include "errors.hpp"
+
+namespace {
+
+using namespace cli_test;
+using bradep::sarif::Suppression;
+using Texts = std::vector<std::optional<std::string>>;
+
+std::string complaint_about(std::string const& log) {
+    try {
+        results_of(log);
+    } catch (bradep::Damaged_Input const& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+template <typename Member>
+Texts each(std::vector<bradep::sarif::Result> const& results, Member member) {
+    Texts texts;
+    for (auto const& result : results) texts.push_back(result.*member);
+    return texts;
+}
+
+using bradep::sarif::Result;
+
+TEST(SarifReader, LevelIsTheResultsThenTheRulesThenWarning) {
+    auto const results = results_of(bytes_of(fixture("rules.sarif")));
+    auto const level = [&](std::string const& message) {
+        for (auto const& result : results)
+            if (result.message == message) return result.level;
+        return "no such result: " + message;
+    };
+    EXPECT_EQ(level("own level"), "note");
+    EXPECT_EQ(level("index alone"), "error");
+    EXPECT_EQ(level("the rule has no level"), "warning");
+    EXPECT_EQ(level("no rule at all"), "warning");
+    EXPECT_EQ(level("passed"), "none");
+    EXPECT_EQ(level("informational"), "none");
+    EXPECT_EQ(level("open, with a level"), "note");
+    EXPECT_EQ(level("kind given as fail"), "error");
+    EXPECT_EQ(level("a level of its own making"), "fatal");
+}
+
+TEST(SarifReader, RulesAreFoundByIndexIdAndGuidInDriverAndExtensions) {
+    auto const results = results_of(bytes_of(fixture("rules.sarif")));
+    auto const rule = [&](std::string const& message) {
+        for (auto const& result : results)
+            if (result.message == message) return result.rule.value_or("none") + " " + result.level;
+        return "no such result: " + message;
+    };
+    EXPECT_EQ(rule("index alone"), "R0 error");
+    EXPECT_EQ(rule("index -1 is none"), "none warning");
+    EXPECT_EQ(rule("id alone"), "R1 note");
+    EXPECT_EQ(rule("the rule has no id"), "none error");
+    EXPECT_EQ(rule("finer id than the rule's"), "R1/fine/finer note");
+    EXPECT_EQ(rule("an id with a slash"), "scope/name/x note");
+    EXPECT_EQ(rule("index wins over another rule's id"), "R1 error");
+    EXPECT_EQ(rule("index outside, id known"), "R0 error");
+    EXPECT_EQ(rule("empty id"), " warning");
+    EXPECT_EQ(rule("rule.guid"), "R1 note");
+    EXPECT_EQ(rule("extension by index"), "A0 error");
+    EXPECT_EQ(rule("same id, another rule in the extension"), "R0 none");
+    EXPECT_EQ(rule("extension by guid"), "B1 note");
+    EXPECT_EQ(rule("extension by name"), "B1 note");
+    EXPECT_EQ(rule("guid in an extension"), "B1 note");
+    EXPECT_EQ(rule("id known to an extension only"), "A0 error");
+    EXPECT_EQ(rule("an extension without rules"), "R0 warning");
+}
+
+TEST(SarifReader, AbsentMessageIsNotAnEmptyOne) {
+    auto const results = results_of(
+        log_with(R"({}, {"message": {}}, {"message": {"text": ""}}, {"message": null})"));
+    EXPECT_EQ(each(results, &Result::message),
+              (Texts{std::nullopt, std::nullopt, "", std::nullopt}));
+}
+
+TEST(SarifReader, BracesStayWhereThereAreNoArguments) {
+    auto const results = results_of(log_with(R"j({"message": {"text": "{0} {{ [x](1)"}})j"));
+    EXPECT_EQ(results.at(0).message, "{0} {{ [x](1)");
+}
+
+TEST(SarifReader, ToolVersionIsTheVersionOrElseTheSemanticOne) {
+    EXPECT_EQ(results_of(bytes_of(fixture("rules.sarif"))).at(0).tool_version, "3.1");
+    EXPECT_EQ(results_of(bytes_of(fixture("review.sarif"))).at(0).tool_version, "1.2.3-beta");
+    EXPECT_EQ(results_of(bytes_of(fixture("flows.sarif"))).at(0).tool_version, std::nullopt);
+}
+
+TEST(SarifReader, LogicalLocationsAreResolved) {
+    Texts names;
+    for (auto const& result : results_of(bytes_of(fixture("logical.sarif"))))
+        names.push_back(result.locations.at(0).logical);
+    EXPECT_EQ(names, (Texts{"ns::f(int)", "g", "ns::f(int)", "own::full", "mine", "one",
+                            std::nullopt, std::nullopt, std::nullopt}));
+    auto const last = results_of(bytes_of(fixture("logical.sarif"))).back();
+    EXPECT_EQ(last.locations.at(1).logical, "ns::f(int)");
+    EXPECT_EQ(last.related.at(0).place.logical, "g");
+    EXPECT_EQ(last.flows.at(0).at(0).at(0).place.value().logical, "ns::f(int)");
+}
+
+TEST(SarifReader, SuppressionsKeepKindStatusOrderAndRepetition) {
+    auto const results = results_of(bytes_of(fixture("review.sarif")));
+    using List = std::vector<Suppression>;
+    EXPECT_EQ(results.at(0).suppressions,
+              (List{{"inSource", std::nullopt}, {"external", "underReview"}}));
+    EXPECT_EQ(results.at(1).suppressions, (List{{"external", "rejected"},
+                                                {"external", "rejected"},
+                                                {std::nullopt, std::nullopt},
+                                                {std::nullopt, "accepted"}}));
+    EXPECT_EQ(results.at(0).baseline_state, "unchanged");
+    EXPECT_EQ(results.at(2).baseline_state, std::nullopt);
+}
+
+TEST(SarifReader, TheTwoFamiliesOfFingerprintsStayApart) {
+    auto const result = results_of(bytes_of(fixture("review.sarif"))).at(4);
+    EXPECT_EQ(result.fingerprints, (bradep::sarif::Fingerprints{{"hash/v1", "complete"}}));
+    EXPECT_EQ(result.partial_fingerprints,
+              (bradep::sarif::Fingerprints{{"hash/v1", "partial"}, {"other", "abc"}}));
+}
+
+TEST(SarifReader, FlowsKeepTheirBoundsEvenWhenEmpty) {
+    auto const flows = results_of(bytes_of(fixture("flows.sarif"))).at(6).flows;
+    ASSERT_EQ(flows.size(), 4U);
+    EXPECT_TRUE(flows[0].empty());
+    EXPECT_TRUE(flows[1].empty());
+    ASSERT_EQ(flows[2].size(), 4U);
+    EXPECT_TRUE(flows[2][0].empty());
+    EXPECT_TRUE(flows[2][1].empty());
+    EXPECT_EQ(flows[2][2].size(), 1U);
+    EXPECT_TRUE(flows[2][3].empty());
+    EXPECT_TRUE(flows[3].empty());
+}
+
+TEST(SarifReader, EachRunResolvesWithinItself) {
+    auto const results = results_of(bytes_of(fixture("many_runs.sarif")));
+    ASSERT_EQ(results.size(), 9U);
+    EXPECT_EQ(results[0].locations.at(0).uri, "first.c");
+    EXPECT_EQ(results[3].locations.at(0).uri, "common.c");
+    EXPECT_EQ(results[3].rule, "five");
+    EXPECT_EQ(results[3].run, 4);
+    EXPECT_EQ(results[8].run, 7);
+    EXPECT_EQ(results[6].tool, std::nullopt);
+}
+
+TEST(SarifReader, RunsAreCountedOnFromTheFirstNumber) {
+    std::vector<std::int32_t> runs;
+    auto const count = bradep::sarif::read_log(bytes_of(fixture("many_runs.sarif")), "log", 100,
+                                               [&](auto&& result) { runs.push_back(result.run); });
+    EXPECT_EQ(count, 9);
+    EXPECT_EQ(runs.front(), 100);
+    EXPECT_EQ(runs.back(), 107);
+}
+
+struct Damage {
+    char const* fixture;
+    char const* complaint;
+};
+
+// Every damaged fixture with what is said of it, place first.
+constexpr Damage damages[] = {
+    {"bad-array.sarif", "1:1: not SARIF: the document is no object"},
+    {"bad-artifact-index.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/artifactLocation/index: index 0 points "
+     "outside the run's "
+     "artifacts"},
+    {"bad-column-huge.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/region/endColumn: expected an integer from "
+     "-2147483648 to "
+     "2147483647"},
+    {"bad-empty.sarif", "1:1: the JSON text ends too early"},
+    {"bad-extension-index.sarif",
+     "/runs/1/results/1/rule/toolComponent/index: index 0 points outside the tool's extensions"},
+    {"bad-fingerprint-number.sarif",
+     "/runs/1/results/1/fingerprints/a~1b: expected a string, found a number"},
+    {"bad-flow-null.sarif", "/runs/1/results/1/codeFlows/0: expected an object, found null"},
+    {"bad-huge-index.sarif",
+     "/runs/1/results/1/ruleIndex: expected an integer from -2147483648 to 2147483647"},
+    {"bad-latin-1.sarif", "1:64: not JSON: syntax error"},
+    {"bad-level-number.sarif", "/runs/1/results/1/level: expected a string, found a number"},
+    {"bad-line-boolean.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/region/startLine: expected an integer, found "
+     "a boolean"},
+    {"bad-line-break-in-string.sarif", "1:65: not JSON: syntax error"},
+    {"bad-line-fraction.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/region/startLine: expected an integer from "
+     "-2147483648 to "
+     "2147483647"},
+    {"bad-line-huge.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/region/startLine: expected an integer from "
+     "-2147483648 to "
+     "2147483647"},
+    {"bad-line-string.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/region/startLine: expected an integer, found "
+     "a string"},
+    {"bad-locations-object.sarif",
+     "/runs/1/results/1/locations: expected an array, found an object"},
+    {"bad-logical-index.sarif",
+     "/runs/1/results/1/locations/0/logicalLocations/0/index: index 0 points outside the run's "
+     "logicalLocations"},
+    {"bad-message-argument.sarif",
+     "/runs/1/results/1/message/arguments/0: expected a string, found a number"},
+    {"bad-message-id.sarif",
+     "/runs/1/results/1/message/id: no message string has the id \"nowhere\""},
+    {"bad-message-string.sarif", "/runs/1/results/1/message: expected an object, found a string"},
+    {"bad-nan.sarif", "1:30: not JSON: syntax error"},
+    {"bad-negative-index.sarif", "/runs/1/results/1/ruleIndex: index -2 is negative"},
+    {"bad-no-runs.sarif", "1:1: not SARIF: the member \"runs\" is missing"},
+    {"bad-null.sarif", "1:1: not SARIF: the document is no object"},
+    {"bad-null-runs.sarif", "1:1: not SARIF: the member \"runs\" is missing"},
+    {"bad-other-json.sarif", "1:1: not SARIF: the member \"version\" is missing"},
+    {"bad-related-id-string.sarif",
+     "/runs/1/results/1/relatedLocations/0/id: expected an integer, found a string"},
+    {"bad-result-array.sarif", "/runs/1/results/1: expected an object, found an array"},
+    {"bad-result-null.sarif", "/runs/1/results/1: expected an object, found null"},
+    {"bad-rule-index.sarif", "/runs/1/results/1/ruleIndex: index 0 points outside the rules"},
+    {"bad-rule-reference-index.sarif",
+     "/runs/1/results/1/rule/index: index 5 points outside the rules"},
+    {"bad-runs-object.sarif", "/runs: expected an array, found an object"},
+    {"bad-step-index.sarif",
+     "/runs/1/results/1/codeFlows/0/threadFlows/0/locations/0/index: index 3 points outside the "
+     "run's "
+     "threadFlowLocations"},
+    {"bad-surrogate.sarif", "1:72: not JSON: syntax error"},
+    {"bad-syntax.sarif", "3:24: not JSON: syntax error"},
+    {"bad-trailing-comma.sarif", "1:33: not JSON: syntax error"},
+    {"bad-truncated.sarif", "4:1: the JSON text ends too early"},
+    {"bad-two-documents.sarif", "2:1: not JSON: more text after the end of the document"},
+    {"bad-uri-number.sarif",
+     "/runs/1/results/1/locations/0/physicalLocation/artifactLocation/uri: expected a string, "
+     "found a number"},
+    {"bad-utf-16.sarif", "1:1: not JSON: syntax error"},
+    {"bad-version.sarif", "/version: SARIF version \"2.0.0\" is not read, only \"2.1.0\""},
+    {"bad-version-number.sarif", "/version: expected a string, found a number"},
+    {"bad-xml.sarif", "1:1: not JSON: syntax error"},
+};
+
+TEST(SarifReader, DamageIsToldWithItsPlace) {
+    for (auto const& [name, complaint] : damages)
+        EXPECT_EQ(complaint_about(bytes_of(fixture(name))), std::string("log:") + complaint)
+            << name;
+}
+
+TEST(SarifReader, EveryDamagedFixtureIsInTheTable) {
+    std::size_t damaged = 0;
+    for (auto const& entry : fs::directory_iterator(BRADEP_FIXTURES))
+        damaged += entry.path().filename().string().starts_with("bad-");
+    EXPECT_EQ(damaged, std::size(damages));
+}
+
+TEST(SarifReader, NestingHasALimitAndNoEffectOnTheStack) {
+    auto const nested = [](std::size_t depth) {
+        return R"({"version": "2.1.0", "runs": [], "properties": )" + std::string(depth, '[') +
+               std::string(depth, ']') + "}";
+    };
+    EXPECT_EQ(complaint_about(nested(999)), "nothing");
+    EXPECT_EQ(complaint_about(nested(1000)), "log:1:1047: not JSON: too deep");
+    EXPECT_EQ(complaint_about(nested(1000000)), "log:1:1047: not JSON: too deep");
+}
+
+TEST(SarifReader, ColumnsCountCharacters) {
+    EXPECT_EQ(complaint_about("{\"größe\": }"), "log:1:11: not JSON: syntax error");
+    EXPECT_EQ(complaint_about("\xEF\xBB\xBF{\"a\": }"), "log:1:7: not JSON: syntax error");
+}
+
+}  // namespace

@@ -1,0 +1,331 @@
+#!/usr/bin/env python3
+"""What `bradep show --json` has to print for SARIF logs, worked out from the SARIF 2.1.0 rules.
+
+Usage: sarif_reference.py LOG.sarif... prints the lines. Exit code 1: a log is damaged.
+
+This is a second reading on purpose: it shares no code and no shape with the C++ reader.
+"""
+
+import json
+import re
+import sys
+import threading
+from collections import Counter
+
+
+class Damaged(Exception):
+    pass
+
+
+def demand(condition, what):
+    if not condition:
+        raise Damaged(what)
+
+
+def typed(container, name, kind):
+    """The member, or None where it is absent or null."""
+    demand(isinstance(container, dict), f"{container!r:.60} is no object")
+    value = container.get(name)
+    if value is None:
+        return None
+    demand(isinstance(value, kind), f"{name} is {value!r:.60}")
+    return value
+
+
+def obj(container, name):
+    return typed(container, name, dict)
+
+
+def array(container, name):
+    return typed(container, name, list) or []
+
+
+def string(container, name):
+    return typed(container, name, str)
+
+
+def integer(container, name):
+    value = typed(container, name, (int, float))
+    if value is None:
+        return None
+    demand(not isinstance(value, bool), f"{name} is a boolean")
+    demand(-(2**31) <= value < 2**31 and int(value) == value, f"{name} is {value}")
+    return int(value)
+
+
+def array_index(container, name="index"):
+    """SARIF gives every index property the default -1, which stands for none."""
+    value = integer(container, name)
+    demand(value is None or value >= -1, f"{name} is {value}")
+    return None if value == -1 else value
+
+
+def first(*candidates):
+    return next((c for c in candidates if c is not None), None)
+
+
+def without_absent(**members):
+    return {name: value for name, value in members.items() if value is not None and value != [] and value != {}}
+
+
+class Run:
+    def __init__(self, number, run):
+        self.number = number
+        self.run = run
+        tool = obj(run, "tool") or {}
+        self.driver = obj(tool, "driver") or {}
+        self.extensions = array(tool, "extensions")
+        self.tool_name = string(self.driver, "name")
+        self.check_what_is_not_printed()
+
+    def check_what_is_not_printed(self):
+        string(self.driver, "version"), string(self.driver, "semanticVersion")
+        for name in ("artifacts", "logicalLocations", "threadFlowLocations"):
+            array(self.run, name)
+        for component in [self.driver, *self.extensions]:
+            for rule in array(component, "rules"):
+                string(rule, "id")
+
+    def component(self, reference):
+        """A toolComponentReference points into tool.extensions by index, guid or name; with none
+        of them it means the driver."""
+        if reference is None:
+            return self.driver
+        at = array_index(reference)
+        if at is not None:
+            demand(at < len(self.extensions), f"toolComponent.index {at}")
+            return self.extensions[at]
+        for name in ("guid", "name"):
+            wanted = string(reference, name)
+            if wanted is not None:
+                for extension in self.extensions:
+                    if string(extension, name) == wanted:
+                        return extension
+        return self.driver
+
+    def rule_by_id(self, component, rule_id):
+        """A hierarchical rule id belongs to the rule whose id is its longest leading part."""
+        parts = rule_id.split("/")
+        for length in range(len(parts), 0, -1):
+            wanted = "/".join(parts[:length])
+            for rule in array(component, "rules"):
+                if string(rule, "id") == wanted:
+                    return rule
+        return None
+
+    def rule(self, result):
+        reference = obj(result, "rule") or {}
+        component_reference = obj(reference, "toolComponent")
+        component = self.component(component_reference)
+        rules = array(component, "rules")
+        rule_id = first(string(result, "ruleId"), string(reference, "id"))
+        at = first(array_index(reference), array_index(result, "ruleIndex"))
+        if at is not None and at < len(rules):
+            return rules[at], component
+        guid = string(reference, "guid")
+        if guid is not None:
+            for rule in rules:
+                if string(rule, "guid") == guid:
+                    return rule, component
+        demand(at is None or rule_id is not None, f"rule index {at}")
+        if rule_id is not None:
+            searched = [component] if component_reference is not None else [component, *self.extensions]
+            for candidate in searched:
+                rule = self.rule_by_id(candidate, rule_id)
+                if rule is not None:
+                    return rule, candidate
+        return {}, component
+
+    def message(self, holder, rule, component):
+        message = obj(holder, "message")
+        if message is None:
+            return None
+        arguments = array(message, "arguments")
+        for argument in arguments:
+            demand(isinstance(argument, str), f"argument {argument!r:.60}")
+        text = string(message, "text")
+        if text is not None:
+            return filled_in(text, arguments) if arguments else text
+        message_id = string(message, "id")
+        markdown = string(message, "markdown")
+        if message_id is None:
+            return markdown
+        for owner, table in (
+            (rule, "messageStrings"),
+            (component, "globalMessageStrings"),
+            (self.driver, "globalMessageStrings"),
+        ):
+            found = obj(obj(owner, table) or {}, message_id) or {}
+            pattern = first(string(found, "text"), string(found, "markdown"))
+            if pattern is not None:
+                return filled_in(pattern, arguments)
+        demand(markdown is not None, f"message id {message_id}")
+        return markdown
+
+    def artifact(self, artifact_location):
+        uri = string(artifact_location, "uri")
+        base = string(artifact_location, "uriBaseId")
+        at = array_index(artifact_location)
+        if uri is None and at is not None:
+            artifacts = array(self.run, "artifacts")
+            demand(at < len(artifacts), f"artifact index {at}")
+            location = obj(artifacts[at], "location") or {}
+            uri = string(location, "uri")
+            base = first(base, string(location, "uriBaseId"))
+        return uri, base
+
+    def check_logical_location(self, location):
+        logical = array(location, "logicalLocations")[:1]
+        for one in logical:
+            if string(one, "fullyQualifiedName") is not None:
+                continue
+            name, at = string(one, "name"), array_index(one)
+            known = array(self.run, "logicalLocations")
+            demand(at is None or name is not None or at < len(known), f"logicalLocation index {at}")
+            if at is not None and at < len(known) and string(known[at], "fullyQualifiedName") is None:
+                string(known[at], "name")
+
+    def place(self, location):
+        self.check_logical_location(location)
+        physical = obj(location, "physicalLocation") or {}
+        region = obj(physical, "region") or {}
+        uri, base = self.artifact(obj(physical, "artifactLocation") or {})
+        return dict(
+            uri=uri,
+            base=base,
+            line=integer(region, "startLine"),
+            column=integer(region, "startColumn"),
+            endLine=integer(region, "endLine"),
+            endColumn=integer(region, "endColumn"),
+        )
+
+    def step(self, thread_flow_location, rule, component):
+        location = obj(thread_flow_location, "location")
+        at = array_index(thread_flow_location)
+        if location is None and at is not None:
+            shared = array(self.run, "threadFlowLocations")
+            demand(at < len(shared), f"threadFlowLocation index {at}")
+            location = obj(shared[at], "location")
+        location = location if location is not None else {}
+        place = self.place(location)
+        return without_absent(
+            uri=place["uri"],
+            line=place["line"],
+            column=place["column"],
+            message=self.message(location, rule, component),
+        )
+
+    def check(self, result, ordinals):
+        rule, component = self.rule(result)
+        kind = first(string(result, "kind"), "fail")
+        defaults = obj(rule, "defaultConfiguration") or {}
+        by_default = "none" if kind != "fail" else first(string(defaults, "level"), "warning")
+        locations = [self.place(location) for location in array(result, "locations")]
+        uri = first(locations[0]["uri"] if locations else None, "")
+        ordinals[uri] += 1
+        related = []
+        for location in array(result, "relatedLocations"):
+            message = self.message(location, rule, component)
+            related.append(without_absent(id=integer(location, "id"), **self.place(location), message=message))
+        flows = [
+            [
+                [self.step(step, rule, component) for step in array(thread_flow, "locations")]
+                for thread_flow in array(code_flow, "threadFlows")
+            ]
+            for code_flow in array(result, "codeFlows")
+        ]
+        string(result, "baselineState")
+        for suppression in array(result, "suppressions"):
+            string(suppression, "kind"), string(suppression, "status")
+        check = without_absent(
+            tool=self.tool_name,
+            rule=first(string(result, "ruleId"), string(obj(result, "rule") or {}, "id"), string(rule, "id")),
+            level=first(string(result, "level"), by_default),
+            message=self.message(result, rule, component),
+            locations=[without_absent(**place) for place in locations],
+            related=related,
+            flows=flows,
+            fingerprints=fingerprints(result),
+        )
+        return {"key": [uri, ordinals[uri]], "run": self.number, **check}
+
+
+def filled_in(pattern, arguments):
+    def replacement(match):
+        if match["brace"]:
+            return match["brace"][0]
+        at = int(match["number"])
+        return arguments[at] if at < len(arguments) else match[0]
+
+    return re.sub(r"(?P<brace>\{\{|\}\})|\{(?P<number>[0-9]+)\}", replacement, pattern)
+
+
+def fingerprints(result):
+    merged = {}
+    for family in ("partialFingerprints", "fingerprints"):
+        for name, value in (obj(result, family) or {}).items():
+            if value is not None:
+                demand(isinstance(value, str), f"{family}.{name}")
+                merged[name] = value
+    return merged
+
+
+def refuse_constant(name):
+    raise Damaged(f"{name} is not JSON")
+
+
+def load(path):
+    with open(path, "rb") as file:
+        data = file.read()
+    try:
+        log = json.loads(data.decode("utf-8-sig"), parse_constant=refuse_constant)
+        json.dumps(log, ensure_ascii=False).encode("utf-8")  # half of a surrogate pair is no text
+    except (ValueError, RecursionError) as error:
+        raise Damaged(str(error)) from error
+    return log
+
+
+def checks(paths):
+    """The expected objects, in order. Runs and ordinals count on from log to log."""
+    ordinals = Counter()
+    runs_before = 0
+    expected = []
+    for path in paths:
+        log = load(path)
+        demand(isinstance(log, dict), "the log is no object")
+        demand(string(log, "version") == "2.1.0", f"version {log.get('version')!r}")
+        demand(isinstance(log.get("runs"), list), "no runs")
+        for number, run in enumerate(log["runs"], runs_before):
+            reader = Run(number, run)
+            expected += [reader.check(result, ordinals) for result in array(run, "results")]
+        runs_before += len(log["runs"])
+    return expected
+
+
+def main(paths):
+    for check in checks(paths):
+        print(json.dumps(check, ensure_ascii=False))
+
+
+def on_a_deep_stack(action):
+    """Logs nest deeper than the interpreter's own limit. Returns the action's exit code."""
+    sys.setrecursionlimit(20000)
+    threading.stack_size(512 * 1024 * 1024)
+    codes = []
+
+    def guarded():
+        try:
+            codes.append(action() or 0)
+        except Damaged as damage:
+            print(f"sarif_reference: {damage}", file=sys.stderr)
+            codes.append(1)
+
+    thread = threading.Thread(target=guarded)
+    thread.start()
+    thread.join()
+    return codes[0] if codes else 2
+
+
+if __name__ == "__main__":
+    sys.stdout.reconfigure(encoding="utf-8")
+    sys.exit(on_a_deep_stack(lambda: main(sys.argv[1:])))

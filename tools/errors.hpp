@@ -1,0 +1,20 @@
+#pragma once
+// What can go wrong in a command. Each kind has an exit code of its own.
+
+#include <stdexcept>
+
+namespace bradep {
+
+enum Exit_Code : int { exit_done = 0, exit_damaged_input = 1, exit_usage_or_io = 2 };
+
+// The input was read but is not what it has to be. The text starts with the place.
+struct Damaged_Input : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// A file could not be opened, read or written.
+struct Io_Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace bradep

@@ -1,0 +1,167 @@
+#include "json_input.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "errors.hpp"
+
+namespace bradep::json_input {
+namespace {
+
+// Deeper than any log in use, shallow enough for the parser's recursion on a small stack.
+constexpr std::size_t max_depth = 1000;
+
+std::string line_and_column(std::string_view text, std::size_t offset) {
+    auto const before = text.substr(0, offset);
+    auto const line = 1 + std::count(before.begin(), before.end(), '\n');
+    auto const line_start = before.rfind('\n') + 1;  // npos + 1 is 0
+    auto const in_line = before.substr(line_start);
+    auto const is_character_start = [](char byte) { return (byte & 0xC0) != 0x80; };
+    auto const column = 1 + std::count_if(in_line.begin(), in_line.end(), is_character_start);
+    return std::to_string(line) + ":" + std::to_string(column);
+}
+
+[[noreturn]] void fail_at(std::string const& name, std::string_view text, std::size_t offset,
+                          std::string const& what) {
+    throw Damaged_Input(name + ":" + line_and_column(text, offset) + ": " + what);
+}
+
+std::string_view without_byte_order_mark(std::string_view text) {
+    return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
+}
+
+json::value parse(std::string_view text, std::string const& name, json::storage_ptr storage) {
+    json::parse_options options;
+    options.max_depth = max_depth;
+    json::parser     parser(storage, options);
+    json::error_code error;
+    auto const       used = parser.write_some(text.data(), text.size(), error);
+    if (error == json::error::incomplete)
+        fail_at(name, text, text.size(), "the JSON text ends too early");
+    if (error) fail_at(name, text, used, "not JSON: " + error.message());
+    if (used != text.size())
+        fail_at(name, text, used, "not JSON: more text after the end of the document");
+    return parser.release();
+}
+
+char const* kind_name(json::value const& value) {
+    switch (value.kind()) {
+        case json::kind::null: return "null";
+        case json::kind::bool_: return "a boolean";
+        case json::kind::int64:
+        case json::kind::uint64:
+        case json::kind::double_: return "a number";
+        case json::kind::string: return "a string";
+        case json::kind::array: return "an array";
+        case json::kind::object: return "an object";
+    }
+    return "an unknown kind of value";
+}
+
+[[noreturn]] void misfit(json::value const& value, char const* expected) {
+    throw Misfit{&value, std::string("expected ") + expected + ", found " + kind_name(value)};
+}
+
+// JSON has one kind of number: 12 and 12.0 are the same integer.
+std::optional<std::int64_t> integer(json::value const& value) {
+    if (auto const* exact = value.if_int64()) return *exact;
+    auto const*      real = value.if_double();
+    constexpr double limit = 9007199254740992.0;  // integers up to here are exact in a double
+    if (real && std::nearbyint(*real) == *real && std::abs(*real) <= limit)
+        return static_cast<std::int64_t>(*real);
+    return std::nullopt;
+}
+
+std::string escaped_token(std::string_view name) {
+    std::string token;
+    for (char const c : name) {
+        if (c == '~')
+            token += "~0";
+        else if (c == '/')
+            token += "~1";
+        else
+            token += c;
+    }
+    return token;
+}
+
+// Appends the way from `here` to `wanted`; false where it is not below.
+bool find_path(json::value const& here, json::value const* wanted, std::vector<std::string>& path) {
+    if (&here == wanted) return true;
+    auto const below = [&](std::string token, json::value const& child) {
+        path.push_back(std::move(token));
+        if (find_path(child, wanted, path)) return true;
+        path.pop_back();
+        return false;
+    };
+    if (auto const* object = here.if_object()) {
+        for (auto const& entry : *object)
+            if (below(escaped_token(entry.key()), entry.value())) return true;
+    } else if (auto const* array = here.if_array()) {
+        for (std::size_t i = 0; i < array->size(); ++i)
+            if (below(std::to_string(i), (*array)[i])) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+Document::Document(std::string_view text, std::string const& name)
+    : root_(parse(without_byte_order_mark(text), name, &arena_)) {}
+
+std::string Document::pointer_to(json::value const& value) const {
+    std::vector<std::string> path;
+    find_path(root_, &value, path);
+    std::string pointer;
+    for (auto const& token : path) pointer += "/" + token;
+    return pointer;
+}
+
+json::value const* member(json::value const& object, std::string_view name) {
+    auto const* members = object.if_object();
+    if (!members) misfit(object, "an object");
+    auto const* value = members->if_contains(name);
+    return value && !value->is_null() ? value : nullptr;
+}
+
+json::array const* list(json::value const& object, std::string_view name) {
+    auto const* value = member(object, name);
+    if (!value) return nullptr;
+    if (!value->is_array()) misfit(*value, "an array");
+    return &value->get_array();
+}
+
+std::string text_of(json::value const& value) {
+    auto const* string = value.if_string();
+    if (!string) misfit(value, "a string");
+    return std::string(string->begin(), string->end());
+}
+
+std::optional<std::string> text(json::value const& object, std::string_view name) {
+    auto const* value = member(object, name);
+    if (!value) return std::nullopt;
+    return text_of(*value);
+}
+
+std::optional<std::int32_t> number(json::value const& object, std::string_view name) {
+    auto const* value = member(object, name);
+    if (!value) return std::nullopt;
+    if (!value->is_number()) misfit(*value, "an integer");
+    using Limits = std::numeric_limits<std::int32_t>;
+    auto const whole = integer(*value);
+    if (!whole || *whole < Limits::min() || *whole > Limits::max())
+        throw Misfit{value, "expected an integer from -2147483648 to 2147483647"};
+    return static_cast<std::int32_t>(*whole);
+}
+
+std::optional<std::size_t> index(json::value const& object, std::string_view name) {
+    auto const at = number(object, name);
+    if (!at || *at == -1) return std::nullopt;
+    if (*at < 0)
+        throw Misfit{member(object, name), "index " + std::to_string(*at) + " is negative"};
+    return static_cast<std::size_t>(*at);
+}
+
+}  // namespace bradep::json_input

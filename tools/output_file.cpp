@@ -1,0 +1,155 @@
+#include "output_file.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include "errors.hpp"
+
+namespace bradep {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void cannot_write(fs::path const& target, int error) {
+    throw Io_Failure("cannot write " + target.string() + ": " + std::strerror(error ? error : EIO));
+}
+
+// A file that outgrows its limit is to fail like a full disk, not to end the process.
+class Ignored_Signal {
+public:
+    explicit Ignored_Signal(int signal) : signal_(signal), before_(std::signal(signal, SIG_IGN)) {}
+    ~Ignored_Signal() { std::signal(signal_, before_); }
+    Ignored_Signal(Ignored_Signal const&) = delete;
+    Ignored_Signal& operator=(Ignored_Signal const&) = delete;
+
+private:
+    int signal_;
+    void (*before_)(int);
+};
+
+std::string file_to_remove;  // while the handlers below stand
+
+extern "C" void remove_and_die(int signal) {
+    ::unlink(file_to_remove.c_str());
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+// A command that is interrupted leaves no half-written file either.
+class Removal_On_Interrupt {
+public:
+    explicit Removal_On_Interrupt(std::string const& path) {
+        file_to_remove = path;
+        for (auto& [signal, before] : handlers_) {
+            before = std::signal(signal, remove_and_die);
+            if (before != SIG_DFL)
+                std::signal(signal, before);  // ignored, or somebody else's to handle
+        }
+    }
+    ~Removal_On_Interrupt() {
+        for (auto const& [signal, before] : handlers_) std::signal(signal, before);
+    }
+    Removal_On_Interrupt(Removal_On_Interrupt const&) = delete;
+    Removal_On_Interrupt& operator=(Removal_On_Interrupt const&) = delete;
+
+private:
+    struct Handler {
+        int signal;
+        void (*before)(int);
+    };
+    Handler handlers_[3] = {{SIGINT, SIG_DFL}, {SIGTERM, SIG_DFL}, {SIGHUP, SIG_DFL}};
+};
+
+fs::path without_links(fs::path target) {
+    constexpr int most_links = 40;  // as many as the kernel follows
+    auto const    named_target = target;
+    for (int i = 0; fs::is_symlink(fs::symlink_status(target)); ++i) {
+        if (i == most_links) cannot_write(named_target, ELOOP);
+        target = target.parent_path() / fs::read_symlink(target);
+    }
+    return target;
+}
+
+void write_to(fs::path const& file, fs::path const& target,
+              std::function<void(std::ostream&)> const& write) {
+    errno = 0;
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    if (!stream) cannot_write(target, errno);
+    try {
+        // Stop at the first byte that finds no place, not at the end of the object.
+        stream.exceptions(std::ios::badbit | std::ios::failbit);
+        write(stream);
+        stream.close();
+    } catch (std::ios_base::failure const&) {
+        cannot_write(target, errno);
+    }
+}
+
+// A file of its own name beside the target, removed again unless it takes the target's place.
+class Sibling_File {
+public:
+    explicit Sibling_File(fs::path const& target) : target_(target) {
+        auto const parent = target.parent_path();
+        path_ = (parent.empty() ? fs::path(".") : parent) / ".bradep-XXXXXX";
+        descriptor_ = ::mkostemp(path_.data(), O_CLOEXEC);
+        if (descriptor_ < 0) cannot_write(target, errno);
+    }
+    ~Sibling_File() {
+        ::close(descriptor_);
+        if (!path_.empty()) ::unlink(path_.c_str());
+    }
+    Sibling_File(Sibling_File const&) = delete;
+    Sibling_File& operator=(Sibling_File const&) = delete;
+
+    fs::path path() const { return path_; }
+
+    void take_place() {
+        take_mode();
+        if (::fsync(descriptor_) != 0 || ::rename(path_.c_str(), target_.c_str()) != 0)
+            cannot_write(target_, errno);
+        path_.clear();
+    }
+
+private:
+    // A replaced file keeps its mode and owner, a new one gets what the process gives new files.
+    void take_mode() {
+        struct stat before {};
+        if (::stat(target_.c_str(), &before) != 0) {
+            auto const mask = ::umask(0);
+            ::umask(mask);
+            before.st_mode = static_cast<mode_t>(0666 & ~mask);
+        } else if (::fchown(descriptor_, before.st_uid, before.st_gid) != 0) {
+            before.st_mode &= 0777;  // another's file: its special bits do not pass to us
+        }
+        if (::fchmod(descriptor_, before.st_mode & 07777) != 0) cannot_write(target_, errno);
+    }
+
+    fs::path    target_;
+    std::string path_;
+    int         descriptor_ = -1;
+};
+
+}  // namespace
+
+void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write) {
+    std::error_code      error;
+    auto const           status = fs::status(named_target, error);
+    Ignored_Signal const file_too_large(SIGXFSZ);
+    if (fs::is_directory(status)) cannot_write(named_target, EISDIR);
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        return write_to(named_target, named_target, write);
+    auto const                 target = without_links(named_target);
+    Sibling_File               sibling(target);
+    Removal_On_Interrupt const removal(sibling.path());
+    write_to(sibling.path(), named_target, write);
+    sibling.take_place();
+}
+
+}  // namespace bradep

@@ -1,0 +1,81 @@
+#include "run.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include "command.hpp"
+#include "errors.hpp"
+#include "printable.hpp"
+
+namespace bradep {
+namespace {
+
+constexpr Command commands[] = {
+    {"import", "Make a result set from the SARIF output of an analyser", declare_import},
+    {"show", "Print what a result set holds", declare_show},
+};
+
+constexpr char const* exit_codes =
+    "Exit codes: 0 done, 1 the input is damaged, 2 wrong usage or a file that cannot be read or "
+    "written.\n"
+    "An error is one line on standard error.";
+
+int report(std::ostream& err, Exit_Code code, std::string const& what) {
+    err << "bradep: " << printable(what) << '\n';
+    return code;
+}
+
+// Standard output can be a full disk, too.
+void finish(std::ostream& out) {
+    errno = 0;
+    if (!out.flush())
+        throw Io_Failure(std::string("cannot write standard output: ") +
+                         std::strerror(errno ? errno : EIO));
+}
+
+int parse_and_act(CLI::App& app, std::vector<std::string> args, std::vector<Action> const& actions,
+                  Streams streams) {
+    try {
+        std::reverse(args.begin(), args.end());  // as the parser wants them
+        app.parse(std::move(args));
+        if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
+        for (std::size_t i = 0; i < actions.size(); ++i)
+            if (app.got_subcommand(commands[i].name)) actions[i](streams);
+    } catch (CLI::Success const& help_or_version) {
+        app.exit(help_or_version, streams.out, streams.err);
+    }
+    finish(streams.out);
+    return exit_done;
+}
+
+}  // namespace
+
+int run(std::vector<std::string> const& args, std::istream& in, std::ostream& out,
+        std::ostream& err) {
+    CLI::App app("Carries the results of static analysers.", "bradep");
+    app.set_version_flag("--version", "bradep " BRADEP_VERSION);
+    app.require_subcommand(0, 1);
+    app.footer(exit_codes);
+    std::vector<Action> actions;
+    for (auto const& command : commands) {
+        auto* subcommand = app.add_subcommand(command.name, command.summary);
+        actions.push_back(command.declare(*subcommand));
+        subcommand->footer(subcommand->get_footer() + exit_codes);
+    }
+    try {
+        return parse_and_act(app, args, actions, {in, out, err});
+    } catch (CLI::ParseError const& error) {
+        return report(err, exit_usage_or_io,
+                      std::string(error.what()) + " (bradep --help tells more)");
+    } catch (Damaged_Input const& error) {
+        return report(err, exit_damaged_input, error.what());
+    } catch (std::bad_alloc const&) {
+        return report(err, exit_usage_or_io, "out of memory");
+    } catch (std::exception const& error) {
+        return report(err, exit_usage_or_io, error.what());
+    }
+}
+
+}  // namespace bradep

@@ -1,0 +1,53 @@
+#include "sarif_reader.hpp"
+
+#include "errors.hpp"
+#include "json_input.hpp"
+#include "sarif_run.hpp"
+
+namespace bradep::sarif {
+namespace {
+
+namespace json = boost::json;
+using json_input::Misfit;
+
+json::array const& runs_of(json::value const& log) {
+    if (!log.is_object()) throw Misfit{&log, "not SARIF: the document is no object"};
+    auto const version = json_input::text(log, "version");
+    if (!version) throw Misfit{&log, "not SARIF: the member \"version\" is missing"};
+    if (*version != "2.1.0")
+        throw Misfit{json_input::member(log, "version"),
+                     "SARIF version \"" + *version + "\" is not read, only \"2.1.0\""};
+    auto const* runs = json_input::list(log, "runs");
+    if (!runs) throw Misfit{&log, "not SARIF: the member \"runs\" is missing"};
+    return *runs;
+}
+
+std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink) {
+    std::int32_t count = 0;
+    for (auto const& given : runs_of(log)) {
+        Run const run(given, first_run + count++);
+        if (!run.results()) continue;
+        for (auto const& result : *run.results()) sink(run.resolve(result));
+    }
+    return count;
+}
+
+// The root's JSON pointer is empty and shows nobody a place.
+std::string place_name(json_input::Document const& document, json::value const& where) {
+    auto const pointer = document.pointer_to(where);
+    return pointer.empty() ? "1:1" : pointer;
+}
+
+}  // namespace
+
+std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
+                      Result_Sink const& sink) {
+    json_input::Document const document(text, name);
+    try {
+        return read_runs(document.root(), first_run, sink);
+    } catch (Misfit const& misfit) {
+        throw Damaged_Input(name + ":" + place_name(document, *misfit.where) + ": " + misfit.what);
+    }
+}
+
+}  // namespace bradep::sarif

@@ -1,0 +1,22 @@
+#pragma once
+// Reads SARIF 2.1.0 as analysers write it.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "sarif_result.hpp"
+
+namespace bradep::sarif {
+
+using Result_Sink = std::function<void(Result&&)>;
+
+// Hands every result of every run to `sink`, in the order of the log, and returns the number of
+// runs. Runs are numbered from `first_run` on. Throws Damaged_Input, its text starting with `name`
+// and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
+// not SARIF. Results handed over before that are to be thrown away.
+std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
+                      Result_Sink const& sink);
+
+}  // namespace bradep::sarif

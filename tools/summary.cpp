@@ -1,0 +1,196 @@
+#include "summary.hpp"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "errors.hpp"
+#include "printable.hpp"
+
+namespace bradep {
+namespace {
+
+using Counts = std::map<std::string, std::size_t>;
+using Rows = std::vector<std::pair<std::string, std::size_t>>;
+
+std::string counted(std::size_t count, std::string const& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// The counts stand in one column before the names, which may hold characters of any width.
+void write_rows(std::ostream& out, Rows const& rows, std::size_t limit) {
+    auto const  shown = std::min(limit, rows.size());
+    std::size_t width = 0;
+    for (std::size_t i = 0; i < shown; ++i)
+        width = std::max(width, std::to_string(rows[i].second).size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        auto const digits = std::to_string(rows[i].second);
+        out << "  " << std::string(width - digits.size(), ' ') << digits << "  " << rows[i].first
+            << '\n';
+    }
+}
+
+void write_ranking(std::ostream& out, std::string const& title, std::string const& noun,
+                   Counts const& counts, std::size_t limit) {
+    if (counts.empty()) return;
+    Rows rows(counts.begin(), counts.end());
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](auto const& a, auto const& b) { return a.second > b.second; });
+    out << '\n' << title << '\n';
+    write_rows(out, rows, limit);
+    if (rows.size() > limit)
+        out << "  and " << counted(rows.size() - limit, "more " + noun) << '\n';
+}
+
+void write_tables(std::ostream& out, Result_Set const& set) {
+    auto const& tables = set.application_results;
+    Rows const  all = {
+         {"checks", tables.checks.size()},
+         {"check_numbers", tables.check_numbers.size()},
+         {"check_data", set.check_data.size()},
+         {"events", tables.events.size()},
+         {"event_numbers", tables.event_numbers.size()},
+         {"infos", tables.infos.size()},
+         {"info_numbers", tables.info_numbers.size()},
+         {"info_definitions", set.info_definitions.size()},
+         {"kernel_to_gui_info_ids", set.kernel_to_gui_info_ids.size()},
+         {"first_key_sets", tables.first_key_sets.size()},
+         {"second_key_sets", tables.second_key_sets.size()},
+         {"blocks", tables.blocks.size()},
+         {"block_numbers", tables.block_numbers.size()},
+         {"functions", tables.functions.size()},
+         {"integer_sets", tables.integer_sets.size()},
+         {"signatures", tables.signatures.size()},
+    };
+    Rows        filled;
+    std::string empty;
+    for (auto const& [name, size] : all) {
+        if (size)
+            filled.emplace_back(name, size);
+        else
+            empty += (empty.empty() ? "" : ", ") + name;
+    }
+    out << "\nTables\n";
+    write_rows(out, filled, filled.size());
+    if (!empty.empty()) out << "  empty: " << empty << '\n';
+}
+
+std::string category_name(sml::Checks::T_Check_Category const& category) {
+    if (category.tag < 0) return "(none)";  // the arm's name would be that of arm 0
+    auto const* name = category.toString();
+    return name ? name : "(tag " + std::to_string(category.tag) + ")";
+}
+
+std::string or_blank(std::string const& text, char const* blank) {
+    return text.empty() ? blank : printable(text);
+}
+
+std::string tool_text(sml::Checks::T_A_Check const& check) {
+    auto const& version = check.second_string.str();
+    return or_blank(check.first_string.str(), "(no tool)") +
+           (version.empty() ? "" : " " + printable(version));
+}
+
+struct Check_Counts {
+    Counts by_category, by_rule, by_level, by_tool, by_kind, by_baseline_state, by_file;
+};
+
+Check_Counts counts_of(Result_Set const& set) {
+    Check_Counts counts;
+    for (auto const& [key, check] : set.application_results.checks) {
+        ++counts.by_category[category_name(check.category)];
+        ++counts.by_rule[or_blank(check.optional_string.value_or(sml::Strings_T()).str(),
+                                  "(no rule)")];
+        ++counts.by_level[or_blank(check.third_string.str(), "(no level)")];
+        ++counts.by_tool[tool_text(check)];
+        ++counts.by_kind[or_blank(check.fourth_string.str(), "(no kind)")];
+        ++counts.by_baseline_state[or_blank(check.sixth_string.str(), "(no state)")];
+        ++counts.by_file[or_blank(key.first.str(), "(no file)")];
+    }
+    return counts;
+}
+
+std::string place_text(sarif::Place const& place) {
+    std::string text = place.uri ? printable(*place.uri) : "(no file)";
+    if (place.line) text += ":" + std::to_string(*place.line);
+    if (place.line && place.column) text += ":" + std::to_string(*place.column);
+    return text;
+}
+
+std::string check_text(sarif::Result const& result) {
+    std::string text =
+        result.locations.empty() ? "(no place)" : place_text(result.locations.front());
+    text += ": " + printable(result.level) + ": ";
+    text += result.message ? printable(*result.message) : "(no message)";
+    if (result.rule) text += " [" + printable(*result.rule) + "]";
+    std::size_t steps = 0;
+    for (auto const& flow : result.flows)
+        for (auto const& thread : flow) steps += thread.size();
+    if (!result.flows.empty())
+        text += ", " + counted(result.flows.size(), "flow") + " of " + counted(steps, "step");
+    return text;
+}
+
+std::string form_text(Check_Form const& form, Result_Set const& set) {
+    try {
+        return check_text(restored_result(form, set));
+    } catch (Damaged_Input const&) {  // another's set, whose fields may mean something else
+        return printable(form.localization.file.str()) + ": " + category_name(form.category);
+    }
+}
+
+std::size_t suppressed_checks(Result_Set const& set) {
+    std::map<Numbered_Key, std::size_t> suppressions;
+    for (auto const& [key, info] : set.application_results.infos)
+        if (info.first_string.str() == suppression_role)
+            ++suppressions[{info.second_string, info.second_int}];
+    return suppressions.size();
+}
+
+void write_first_checks(std::ostream& out, Result_Set const& set, std::size_t limit) {
+    if (set.check_data.empty() || limit == 0) return;
+    out << "\nFirst checks\n";
+    std::size_t shown = 0;
+    for (auto const& [id, form] : set.check_data) {
+        if (shown++ == limit) break;
+        out << "  " << form_text(form, set) << '\n';
+    }
+    if (set.check_data.size() > limit)
+        out << "  and " << counted(set.check_data.size() - limit, "more check") << '\n';
+}
+
+std::string milliseconds(std::chrono::microseconds time) {
+    auto const tenths = (time.count() + 50) / 100;
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " ms";
+}
+
+}  // namespace
+
+void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const& facts) {
+    auto const& tables = set.application_results;
+    auto const  runs = static_cast<std::size_t>(std::max(tables.first_int, 0));
+    out << printable(facts.name) << ": " << counted(tables.checks.size(), "check") << " from "
+        << counted(runs, "run");
+    if (auto const suppressed = suppressed_checks(set))
+        out << ", " << std::to_string(suppressed) << " suppressed";
+    out << '\n';
+    out << counted(facts.bytes, "byte") << ", read in " << milliseconds(facts.read_time) << '\n';
+    write_tables(out, set);
+
+    auto const counts = counts_of(set);
+    write_ranking(out, "Checks by tool", "tool", counts.by_tool, facts.rows);
+    write_ranking(out, "Checks by category", "category", counts.by_category,
+                  counts.by_category.size());
+    write_ranking(out, "Checks by level", "level", counts.by_level, counts.by_level.size());
+    if (counts.by_kind.size() > 1)
+        write_ranking(out, "Checks by kind", "kind", counts.by_kind, facts.rows);
+    if (counts.by_baseline_state.size() > 1)
+        write_ranking(out, "Checks by baseline state", "state", counts.by_baseline_state,
+                      facts.rows);
+    write_ranking(out, "Checks by rule", "rule", counts.by_rule, facts.rows);
+    write_ranking(out, "Files with most checks", "file", counts.by_file, facts.rows);
+    write_first_checks(out, set, facts.rows);
+}
+
+}  // namespace bradep

@@ -11,13 +11,8 @@ build release bradep
 bradep=build/release/tools/bradep
 result_set=results/analysed.bradep
 rm -rf results
-mkdir -p results/sarif
-
 echo "== analysing examples/analysed"
-for program in examples/analysed/*.c; do
-    clang --analyze -Xclang -analyzer-output=sarif \
-        -o "results/sarif/$(basename "$program" .c).sarif" "$program"
-done
+analyse_examples results/sarif
 
 echo "== importing"
 "$bradep" import results/sarif/*.sarif -o "$result_set"

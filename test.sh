@@ -24,6 +24,11 @@ esac
 install_packages
 generate_comma_locale
 
+# Real logs for the comparison of `import` and `show` with an independent reading; more directories
+# may be given from outside.
+analyse_examples build/analysed
+export BRADEP_SARIF_DIRS="$PWD/build/analysed${BRADEP_SARIF_DIRS:+:$BRADEP_SARIF_DIRS}"
+
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
 for preset in "${presets[@]}"; do

@@ -32,6 +32,16 @@ generate_comma_locale() {
     as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
 }
 
+# analyse_examples DIR: the SARIF logs that the Clang static analyser writes of examples/analysed.
+analyse_examples() {
+    local program
+    mkdir -p "$1"
+    for program in examples/analysed/*.c; do
+        clang --analyze -Xclang -analyzer-output=sarif \
+            -o "$1/$(basename "$program" .c).sarif" "$program"
+    done
+}
+
 # build PRESET [TARGET...]
 build() {
     local preset=$1

@@ -38,7 +38,7 @@ void read_stream(T& value, std::istream& stream) {
 
 }  // namespace
 
-#define ROOT(Stem, ...)                                                                            \
+#define SML_ROOT(Stem, ...)                                                                        \
     void Stem##_toCxx(__VA_ARGS__& value, char const* bytes) { read_bytes(value, bytes); }         \
     void deserializeSmlData(__VA_ARGS__& value, char const* bytes) { Stem##_toCxx(value, bytes); } \
     std::string const& Stem##_fromCxx(__VA_ARGS__ const& value) { return write_bytes(value); }     \
@@ -52,7 +52,7 @@ void read_stream(T& value, std::istream& stream) {
 
 extern "C" {
 
-#define ROOT(Stem, ...)                                                                            \
+#define SML_ROOT(Stem, ...)                                                                        \
     void Stem##_toCxx(__VA_ARGS__* value, char const* bytes) { sml::Stem##_toCxx(*value, bytes); } \
     char const* Stem##_fromCxx(__VA_ARGS__ const* value) {                                         \
         return sml::Stem##_fromCxx(*value).data();                                                 \

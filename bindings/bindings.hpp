@@ -41,7 +41,7 @@
 
 namespace sml {
 
-#define ROOT(Stem, ...)                                                                         \
+#define SML_ROOT(Stem, ...)                                                                     \
     SML_API void Stem##_toCxx(__VA_ARGS__& value, char const* bytes);                           \
     SML_API void deserializeSmlData(__VA_ARGS__& value, char const* bytes);                     \
     SML_API std::string const& Stem##_fromCxx(__VA_ARGS__ const& value);                        \
@@ -53,7 +53,7 @@ namespace sml {
 
 extern "C" {
 
-#define ROOT(Stem, ...)                                                      \
+#define SML_ROOT(Stem, ...)                                                  \
     SML_API void        Stem##_toCxx(__VA_ARGS__* value, char const* bytes); \
     SML_API char const* Stem##_fromCxx(__VA_ARGS__ const* value);
 #include "bindings/roots.def"

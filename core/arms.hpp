@@ -69,7 +69,7 @@ struct Arms {
     template <Name ArmName>
     static consteval std::int32_t tag_of() {
         std::int32_t tag = 0;
-        ((A::name() == ArmName.view() || (++tag, false)) || ...);
+        static_cast<void>(((A::name() == ArmName.view() || (++tag, false)) || ...));
         return tag;
     }
 
@@ -89,6 +89,10 @@ private:
 /// The tag of a variant: reads as an `int32`, changes only with the arm. -1: no arm chosen yet.
 class Tag {
 public:
+    Tag() = default;
+    Tag(Tag const&) = default;
+    Tag& operator=(Tag const&) = delete;
+
     constexpr operator std::int32_t() const noexcept { return value_; }
 
 private:

@@ -42,11 +42,11 @@
     Type::Type(Type const& other) { ::sml::core::VariantAccess::copy(*this, other); }      \
     Type::Type(Type&& other) { ::sml::core::VariantAccess::move(*this, other); }           \
     Type& Type::operator=(Type const& other) {                                             \
-        ::sml::core::VariantAccess::assign(*this, Type(other));                            \
+        ::sml::core::VariantAccess::assign(*this, other);                                  \
         return *this;                                                                      \
     }                                                                                      \
     Type& Type::operator=(Type&& other) {                                                  \
-        ::sml::core::VariantAccess::assign(*this, Type(std::move(other)));                 \
+        ::sml::core::VariantAccess::assign(*this, std::move(other));                       \
         return *this;                                                                      \
     }                                                                                      \
     Type::~Type() { ::sml::core::VariantAccess::destroy(*this); }                          \

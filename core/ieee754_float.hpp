@@ -44,16 +44,17 @@ struct IEEE754Float {
     /// 0 in the 64-bit format.
     SML_API IEEE754Float();
 
-    // A move copies too: the wrapper's moved-from numbers may not be touched.
+    /// Takes the mantissa size of the format, whatever that of `other`.
     SML_API IEEE754Float(IEEE754Float const& other);
 
+    // Copies, with the mantissa size that `other` has: the wrapper's moved-from numbers may not be
+    // touched.
+    IEEE754Float(IEEE754Float&& other) : width(other.width) { take(other); }
+
+    /// Takes the mantissa size that `other` has.
     IEEE754Float& operator=(IEEE754Float const& other) {
-        Format const format = Format::of(other.width);
-        set_range(format);
-        if (this == &other) return *this;
         width = other.width;
-        mpfr_set_prec(number(), format.mantissa_bits);
-        mpfr_set4(number(), other.number(), MPFR_RNDN, MPFR_SIGN(other.number()));
+        take(other);
         return *this;
     }
 
@@ -74,6 +75,14 @@ struct IEEE754Float {
     /// By value and width; a NaN is unequal to everything, itself included.
     bool operator==(IEEE754Float const& other) const noexcept {
         return mpfr_equal_p(number(), other.number()) != 0 && width == other.width;
+    }
+
+private:
+    void take(IEEE754Float const& other) {
+        set_range(Format::of(other.width));
+        if (this == &other) return;
+        mpfr_set_prec(number(), mpfr_get_prec(other.number()));
+        mpfr_set4(number(), other.number(), MPFR_RNDN, MPFR_SIGN(other.number()));
     }
 };
 

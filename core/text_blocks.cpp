@@ -3,7 +3,9 @@
 #include <gmp.h>
 // <cstdio> ahead of <mpfr.h> is what declares the printing functions.
 #include <mpfr.h>
+
 #include <cstdio>
+#include <stdexcept>
 
 namespace sml::core {
 
@@ -42,7 +44,11 @@ void parse(TextBlock const& text, zelvanite::IEEE754Float& value) {
     mpfr_set_str(value.number(), text.get(), number_base, MPFR_RNDN);
 }
 
-double double_of(TextBlock const& text) { return std::stod(std::string(text.get())); }
+// Required: the error of a null block has this text whatever the standard library's own says.
+double double_of(TextBlock const& text) {
+    if (text == nullptr) throw std::logic_error("basic_string::_M_construct null not valid");
+    return std::stod(std::string(text.get()));
+}
 
 FloatText::FloatText(zelvanite::IEEE754Float const& value) {
     zelvanite::IEEE754Float::set_range(zelvanite::IEEE754Float::Format::of(value.width));

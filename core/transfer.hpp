@@ -189,16 +189,29 @@ private:
         });
     }
 
-    // Required: the first entry for a key stays.
+    // Required: the first entry for a key stays, a later one is read and dropped, and one whose
+    // reading throws is not left behind.
     template <Map T>
         requires(!last_wins<T>)
     void read(T& map) {
         repeat([&] {
-            std::pair<typename T::key_type, typename T::mapped_type> entry{};
-            (*this)(entry.first);
-            (*this)(entry.second);
-            map.insert(std::move(entry));
+            typename T::key_type key{};
+            (*this)(key);
+            auto const [entry, inserted] = map.try_emplace(std::move(key));
+            if (!inserted) return drop<typename T::mapped_type>();
+            try {
+                (*this)(entry->second);
+            } catch (...) {
+                map.erase(entry);
+                throw;
+            }
         });
+    }
+
+    template <class T>
+    void drop() {
+        T value{};
+        (*this)(value);
     }
 
     // Required: the first key object for a key stays, the value is read over the one held.

@@ -46,12 +46,23 @@ struct VariantAccess {
         target.tag.value_ = source.tag;
     }
 
-    /// `source` is a value of its own: what it was made from may sit inside the target.
+    // What is assigned from may sit inside the target, so it is taken before the target's own goes.
     template <class V>
-    static void assign(V& target, V source) {
-        destroy(target);
-        target.tag.value_ = -1;
-        move(target, source);
+    static void assign(V& target, V&& source) {
+        V taken(std::move(source));
+        replace(target, taken);
+    }
+
+    /// The payload is assigned to a default one, not copy-constructed.
+    template <class V>
+    static void assign(V& target, V const& source) {
+        V fresh;
+        build(fresh, source.alive_);
+        with_arm<V>(source.alive_, [&]<std::int32_t Index>() {
+            V::template payload_at<Index>(fresh) = V::template payload_at<Index>(source);
+        });
+        fresh.tag.value_ = source.tag;
+        replace(target, fresh);
     }
 
     template <class V>
@@ -108,6 +119,13 @@ private:
         std::int32_t const served = V::arms::serving(tag);
         if (tag != variant.tag || served != variant.alive_) choose(variant, tag);
         at(variant, served, reader);
+    }
+
+    template <class V>
+    static void replace(V& target, V& source) {
+        destroy(target);
+        target.tag.value_ = -1;
+        move(target, source);
     }
 
     template <class V>

@@ -71,6 +71,37 @@ SML_DEFINE_RECORD(T_Check_Category::THR_args);
 SML_DEFINE_RECORD(T_Check_Category::USER_GLOBAL_ASSERT_args);
 SML_DEFINE_VARIANT(T_Check_Category);
 SML_DEFINE_RECORD(T_A_Check);
-SML_DEFAULT_LIFE(T_A_Check);
+
+namespace {
+
+/// Takes the tables of a check, copies everything else.
+void take(T_A_Check& target, T_A_Check& source) {
+    auto take_field = []<class Field>(Field& to, Field& from) {
+        if constexpr (core::Set<Field> || core::Map<Field>) {
+            to.clear();
+            to.swap(from);
+        } else {
+            to = std::as_const(from);
+        }
+    };
+    target.with_fields([&](auto&... to) {
+        source.with_fields([&](auto&... from) { (take_field(to, from), ...); });
+    });
+}
+
+}  // namespace
+
+T_A_Check::T_A_Check() = default;
+T_A_Check::T_A_Check(T_A_Check const& other) = default;
+T_A_Check& T_A_Check::operator=(T_A_Check const& other) = default;
+T_A_Check::~T_A_Check() = default;
+
+// Required: a move empties the classifications and the located names of the source; all else of it
+// stays whole, the failure and what the category holds too.
+T_A_Check::T_A_Check(T_A_Check&& other) : T_A_Check() { take(*this, other); }
+T_A_Check& T_A_Check::operator=(T_A_Check&& other) {
+    if (this != &other) take(*this, other);
+    return *this;
+}
 
 }  // namespace sml::Checks

@@ -73,8 +73,8 @@ T_An_Info::T_An_Info(T_An_Info const& other) = default;
 T_An_Info& T_An_Info::operator=(T_An_Info const& other) = default;
 T_An_Info::~T_An_Info() = default;
 
-// Required: a move copies, and the source stays whole and equal.
-T_An_Info::T_An_Info(T_An_Info&& other) : T_An_Info(std::as_const(other)) {}
+// Required: a move copies by assignment, and the source stays whole and equal.
+T_An_Info::T_An_Info(T_An_Info&& other) : T_An_Info() { *this = std::as_const(other); }
 T_An_Info& T_An_Info::operator=(T_An_Info&& other) { return *this = std::as_const(other); }
 
 }  // namespace sml::Infos

@@ -1,0 +1,159 @@
+// What memory that runs out leaves behind: nothing that is half alive, lost or still counted.
+// Every allocation of an operation fails once, the first, the second and so on.
+
+#include "bindings/bindings.hpp"
+#include "schema/IL.hpp"
+#include "tests/core/string_table.hpp"
+#include "tests/random_values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <sstream>
+#include <string>
+
+namespace {
+
+/// How many allocations are still granted; negative: all.
+long granted = -1;
+
+}  // namespace
+
+// Not inlined: the compiler would take malloc() and `delete` for a mismatched pair.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    if (granted == 0) throw std::bad_alloc();
+    if (granted > 0) --granted;
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace {
+
+using sml::Strings_T;
+using sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
+using sml::IL::T_Info_Expr;
+
+/// Whether `operation` ends within so many allocations. It may throw nothing but `std::bad_alloc`.
+template <class Operation>
+bool ends_within(long allocations, Operation&& operation) {
+    granted = allocations;
+    try {
+        operation();
+        granted = -1;
+        return true;
+    } catch (std::bad_alloc const&) {
+        granted = -1;
+        return false;
+    }
+}
+
+/// Lets each allocation of `operation` fail once and calls `check` after each failure; gives how
+/// many there were. `operation` starts anew each time.
+template <class Operation, class Check>
+long fail_each_allocation(Operation&& operation, Check&& check) {
+    long allocations = 0;
+    while (!ends_within(allocations, operation)) {
+        check();
+        ++allocations;
+    }
+    return allocations;
+}
+
+T_Aggregated_Results results() { return RandomValues(11, {2, 3}).make<T_Aggregated_Results>(); }
+
+std::string const long_text = "a text that is too long to stand inside its string object";
+
+TEST(OutOfMemory, LeavesAHandleAndTheTableAsTheyWere) {
+    Strings_T         handle("allocations: held");
+    std::size_t const entries = string_table::size();
+    auto const        check = [&] {
+        EXPECT_EQ(handle.str(), "allocations: held");
+        EXPECT_EQ(string_table::size(), entries);
+    };
+    EXPECT_GE(fail_each_allocation([&] { handle.setStr(long_text); }, check), 2);
+    EXPECT_EQ(handle.str(), long_text);
+    Strings_T::fAllStrings.erase(*string_table::entry_of("allocations: held"));
+}
+
+TEST(OutOfMemory, OfASecondChildFreesTheFirst) {
+    T_Info_Expr value;
+    long const  allocations = fail_each_allocation([&] { value.choose<"Info_Pred">(); },
+                                                  [&] { EXPECT_EQ(value.tag, -1); });
+    EXPECT_EQ(allocations, 2);
+    EXPECT_TRUE(value.holds<"Info_Pred">());
+}
+
+TEST(OutOfMemory, LeavesTheTargetOfAnAssignedVariant) {
+    T_Info_Expr source;
+    auto&       field = source.choose<"Info_Field">();
+    field.first->choose<"Info_Ptr_Builtin">();
+    T_Info_Expr target;
+    target.choose<"Info_Var">() = std::string("kept");
+    long const allocations = fail_each_allocation(
+        [&] { target = source; }, [&] { EXPECT_EQ(target.arm<"Info_Var">().str(), "kept"); });
+    EXPECT_EQ(allocations, 2);
+    EXPECT_TRUE(target.holds<"Info_Field">());
+}
+
+TEST(OutOfMemory, PassesThroughTheReadersAndReleasesTheirStrings) {
+    std::string const bytes =
+        sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(results());
+    std::size_t const entries = string_table::size();
+    auto const        check = [&] { EXPECT_EQ(string_table::size(), entries); };
+
+    long const from_bytes = fail_each_allocation(
+        [&] {
+            T_Aggregated_Results value;
+            Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(&value, bytes.data());
+        },
+        check);
+    EXPECT_GT(from_bytes, 100);
+
+    std::istringstream stream(bytes);
+    fail_each_allocation(
+        [&] {
+            stream.clear();
+            stream.seekg(0);
+            T_Aggregated_Results value;
+            sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromStream(value, stream);
+        },
+        check);
+}
+
+TEST(OutOfMemory, PassesThroughTheWritersAndKeepsTheLatestResult) {
+    T_Aggregated_Results const value = results();
+    std::size_t const          entries = string_table::size();
+    std::string const&         result = sml::Interrogators_ClassKey_fromCxx(7);
+    std::string const          latest = result;
+
+    long const allocations = fail_each_allocation(
+        [&] { Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(&value); },
+        [&] {
+            EXPECT_TRUE(result == latest);
+            EXPECT_EQ(string_table::size(), entries);
+        });
+    EXPECT_GT(allocations, 20);
+    EXPECT_FALSE(result == latest);
+    for (auto const& entry : Strings_T::fAllStrings) EXPECT_GT(entry.count, 0u);
+}
+
+TEST(OutOfMemory, LosesNoCountOfAString) {
+    T_Aggregated_Results const value = results();
+    auto const                 count = [] {
+        std::size_t sum = 0;
+        for (auto const& entry : Strings_T::fAllStrings) sum += entry.count;
+        return sum;
+    };
+    std::size_t const handles = count();
+    auto const        check = [&] { EXPECT_EQ(count(), handles); };
+    fail_each_allocation(
+        [&] { sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(value); }, check);
+    fail_each_allocation([&] { T_Aggregated_Results copy(value); }, check);
+    check();
+}
+
+}  // namespace

@@ -1,0 +1,323 @@
+#include "tests/core/string_table.hpp"
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <iomanip>
+#include <ios>
+#include <istream>
+#include <list>
+#include <optional>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+using sml::int32;
+using sml::int64;
+using sml::Strings_T;
+
+namespace {
+
+/// Gives its bytes one at a time, can't seek, and tells when more is asked for than it has.
+class Trickle : public std::streambuf {
+public:
+    explicit Trickle(std::string bytes) : bytes_(std::move(bytes)) {}
+
+    std::size_t taken() const { return next_ - static_cast<std::size_t>(egptr() - gptr()); }
+    bool        asked_for_more() const { return asked_for_more_; }
+
+protected:
+    int_type underflow() override {
+        if (next_ == bytes_.size()) {
+            asked_for_more_ = true;
+            return traits_type::eof();
+        }
+        char* const byte = &bytes_[next_++];
+        setg(byte, byte, byte + 1);
+        return traits_type::to_int_type(*byte);
+    }
+
+private:
+    std::string bytes_;
+    std::size_t next_ = 0;
+    bool        asked_for_more_ = false;
+};
+
+/// Takes so many bytes and no more; counts how often it is told to flush or to seek.
+class Sink : public std::streambuf {
+public:
+    explicit Sink(std::size_t room = 1000) : room_(room) {}
+
+    std::string bytes;
+    int         flushes = 0;
+    int         seeks = 0;
+
+protected:
+    int_type overflow(int_type c) override {
+        if (bytes.size() == room_) return traits_type::eof();
+        bytes += traits_type::to_char_type(c);
+        return c;
+    }
+    int sync() override {
+        ++flushes;
+        return 0;
+    }
+    pos_type seekoff(off_type, std::ios::seekdir, std::ios::openmode) override {
+        ++seeks;
+        return pos_type(off_type(-1));
+    }
+
+private:
+    std::size_t room_;
+};
+
+struct BrokenLine : std::runtime_error {
+    BrokenLine() : std::runtime_error("the line broke") {}
+};
+
+/// Throws at the first byte in either direction.
+class Broken : public std::streambuf {
+protected:
+    int_type overflow(int_type) override { throw BrokenLine(); }
+    int_type underflow() override { throw BrokenLine(); }
+};
+
+/// One of everything that is read in a way of its own.
+using Everything = std::tuple<Strings_T, std::list<int32>, std::optional<bool>, std::string,
+                              sml::BigInteger, zelvanite::IEEE754Float, double, Strings_T, int64>;
+
+Everything one_of_everything() {
+    return {Strings_T("text"),
+            std::list<int32>{1, 2},
+            true,
+            std::string("plain"),
+            sml::BigInteger(255),
+            {},
+            1.5,
+            Strings_T("text"),
+            int64{7}};
+}
+
+template <class T>
+std::string write_to(std::ostringstream& stream, T const& value) {
+    sml::StreamOArchive archive(stream);
+    sml::core::Writer{archive}(value);
+    return stream.str();
+}
+
+template <class T>
+T read_from(std::istream& stream) {
+    T value{};
+    wire::read_over_from_stream(value, stream);
+    return value;
+}
+
+/// Reads a value from a stream that ends too early.
+template <class T>
+T read_short(std::string_view hex) {
+    std::istringstream stream(wire::bytes(hex));
+    T                  value = read_from<T>(stream);
+    EXPECT_TRUE(stream.fail());
+    return value;
+}
+
+TEST(StreamWriter, PadsFlagsToTheStreamsWidth) {
+    std::ostringstream stream;
+    stream << std::setfill('*') << std::setw(4);
+    EXPECT_EQ(write_to(stream, std::tuple(int32{1}, true, false)),
+              wire::bytes("01 00 00 00 '***T' 'F'"));
+}
+
+TEST(StreamWriter, PadsFlagsAsTheStreamAdjusts) {
+    std::ostringstream stream;
+    stream << std::setfill('.') << std::left << std::setw(3);
+    EXPECT_EQ(write_to(stream, std::optional<int32>()), "F..");
+}
+
+TEST(StreamWriter, PadsNothingButFlags) {
+    std::ostringstream stream;
+    stream << std::setfill('*') << std::setw(9);
+    EXPECT_EQ(write_to(stream, std::tuple(Strings_T("ab"), int64{1}, std::string("c"))),
+              wire::bytes("FF FF FF FF  02 00 00 00 'ab'"
+                          "01 00 00 00 00 00 00 00"
+                          "01 00 00 00 'c'"));
+    EXPECT_EQ(stream.width(), 9);
+}
+
+TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
+    Sink         sink;
+    std::ostream stream(&sink);
+    {
+        sml::StreamOArchive archive(stream);
+        sml::core::Writer{archive}(one_of_everything());
+        EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+    }
+    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+    EXPECT_EQ(sink.flushes, 0);
+    EXPECT_EQ(sink.seeks, 0);
+}
+
+TEST(StreamWriter, IgnoresAStreamThatTakesNoMore) {
+    Sink         sink(6);
+    std::ostream stream(&sink);
+    {
+        sml::StreamOArchive archive(stream);
+        EXPECT_NO_THROW(sml::core::Writer{archive}(one_of_everything()));
+    }
+    EXPECT_TRUE(stream.bad());
+    EXPECT_EQ(sink.bytes.size(), 6u);
+}
+
+TEST(StreamWriter, LetsTheStreamsExceptionPass) {
+    std::size_t const before = string_table::size();
+    Sink              sink(6);
+    std::ostream      stream(&sink);
+    stream.exceptions(std::ios::badbit);
+    EXPECT_THROW(
+        {
+            sml::StreamOArchive archive(stream);
+            sml::core::Writer{archive}(std::tuple(Strings_T("streams: lost"), int32{1}));
+        },
+        std::ios_base::failure);
+    EXPECT_EQ(string_table::size(), before);
+}
+
+TEST(StreamWriter, LetsTheBuffersExceptionPassWhereTheStreamDoes) {
+    Broken       broken;
+    std::ostream stream(&broken);
+    stream.exceptions(std::ios::badbit);
+    sml::StreamOArchive archive(stream);
+    EXPECT_THROW(sml::core::Writer{archive}(int32{1}), BrokenLine);
+    stream.exceptions(std::ios::goodbit);
+    stream.clear();
+    EXPECT_NO_THROW(sml::core::Writer{archive}(int32{1}));
+}
+
+TEST(StreamReader, SkipsWhiteSpaceBeforeAFlag) {
+    std::istringstream stream(" \n\tT");
+    EXPECT_TRUE(read_from<bool>(stream));
+    EXPECT_EQ(stream.tellg(), 4);
+}
+
+TEST(StreamReader, SkipsWhiteSpaceBeforeThePresenceOfAValue) {
+    std::istringstream stream(wire::bytes("' T' 07 00 00 00"));
+    EXPECT_EQ(read_from<std::optional<int32>>(stream), 7);
+}
+
+TEST(StreamReader, TakesABlankAsAFlagWhereTheStreamSkipsNone) {
+    std::istringstream stream(" T");
+    stream >> std::noskipws;
+    EXPECT_FALSE(read_from<bool>(stream));
+    EXPECT_EQ(stream.tellg(), 1);
+}
+
+TEST(StreamReader, SkipsWhiteSpaceBeforeNothingElse) {
+    std::istringstream stream(wire::bytes("20 20 20 20  01 00 00 00 20"));
+    EXPECT_EQ(read_from<int32>(stream), 0x20202020);
+    EXPECT_EQ(read_from<std::string>(stream), " ");
+}
+
+TEST(StringReader, TakesABlankAsAFlag) {
+    bool flag = true;
+    EXPECT_EQ(wire::read_over(flag, " T"), 1u);
+    EXPECT_FALSE(flag);
+}
+
+TEST(StreamReader, TakesNoByteBeyondItsObject) {
+    std::string const bytes = wire::write(one_of_everything());
+    Trickle           trickle(bytes + bytes);
+    std::istream      stream(&trickle);
+
+    EXPECT_TRUE(read_from<Everything>(stream) == one_of_everything());
+    EXPECT_EQ(trickle.taken(), bytes.size());
+    EXPECT_TRUE(read_from<Everything>(stream) == one_of_everything());
+    EXPECT_EQ(trickle.taken(), 2 * bytes.size());
+    EXPECT_FALSE(trickle.asked_for_more());
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(StreamReader, NeedsNoStreamThatSeeks) {
+    Trickle      trickle(wire::write(one_of_everything()));
+    std::istream stream(&trickle);
+    ASSERT_EQ(stream.tellg(), -1);
+    stream.clear();
+    EXPECT_TRUE(read_from<Everything>(stream) == one_of_everything());
+}
+
+TEST(StreamReader, FirstFailedReadGivesZero) {
+    int32 number = 5;
+    bool  flag = true;
+
+    std::istringstream empty;
+    wire::read_over_from_stream(number, empty);
+    EXPECT_EQ(number, 0);
+    wire::read_over_from_stream(flag, empty);
+    EXPECT_FALSE(flag);
+}
+
+TEST(StreamReader, FailedReadRepeatsTheWordBefore) {
+    EXPECT_EQ((read_short<std::tuple<int32, int32, int32>>("07 00 00 00")), std::tuple(7, 7, 7));
+    EXPECT_EQ(read_short<std::list<int32>>("03 00 00 00  09 00 00 00"),
+              (std::list<int32>{9, 9, 9}));
+}
+
+TEST(StreamReader, WordThatEndsEarlyTakesTheRestFromTheWordBefore) {
+    EXPECT_EQ((read_short<std::pair<int32, int32>>("44 33 22 11  FF EE")),
+              std::pair(0x11223344, 0x1122EEFF));
+}
+
+TEST(StreamReader, FlagsAndWordsShareOneScratchWord) {
+    EXPECT_EQ((read_short<std::pair<int32, bool>>("54 00 00 00")), std::pair(0x54, true));
+    EXPECT_EQ((read_short<std::tuple<int32, bool, int32>>("00 01 00 00 54")),
+              std::tuple(0x100, true, 0x154));
+}
+
+TEST(StreamReader, StringThatEndsEarlyKeepsBlanks) {
+    EXPECT_EQ(read_short<Strings_T>("FF FF FF FF  05 00 00 00 'ab'").str(), "ab   ");
+    EXPECT_EQ(read_short<std::string>("04 00 00 00 'a'"), "a   ");
+    EXPECT_EQ(read_short<std::string>("02 00 00 00"), "  ");
+}
+
+TEST(StreamReader, StringOfAnEmptyStreamIsEmpty) {
+    EXPECT_TRUE(read_short<Strings_T>("") == Strings_T());
+}
+
+TEST(StreamReader, LengthThatFailsIsTheWordBefore) {
+    // The first sight's own word -1 is taken for the length.
+    std::istringstream stream(wire::bytes("FF FF FF FF"));
+    Strings_T          handle;
+    EXPECT_THROW(wire::read_over_from_stream(handle, stream), std::length_error);
+}
+
+TEST(StreamReader, LetsTheStreamsExceptionPass) {
+    std::size_t const  before = string_table::size();
+    std::istringstream stream(wire::bytes("FF FF FF FF  04 00 00 00 'text'  07 00"));
+    stream.exceptions(std::ios::eofbit);
+    {
+        std::pair<Strings_T, int32> value("streams: before", 5);
+        EXPECT_THROW(wire::read_over_from_stream(value, stream), std::ios_base::failure);
+        EXPECT_EQ(value.first.str(), "text");
+        EXPECT_EQ(value.second, 5);
+        EXPECT_EQ(string_table::count_of("text"), 1u);
+    }
+    EXPECT_EQ(string_table::size(), before);
+}
+
+TEST(StreamReader, LetsTheBuffersExceptionPassWhereTheStreamDoes) {
+    Broken       broken;
+    std::istream stream(&broken);
+    stream.exceptions(std::ios::badbit);
+    EXPECT_THROW(read_from<int32>(stream), BrokenLine);
+
+    std::istream flags(&broken);
+    flags.exceptions(std::ios::badbit);
+    EXPECT_THROW(read_from<bool>(flags), BrokenLine);
+}
+
+}  // namespace

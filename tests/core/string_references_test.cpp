@@ -1,0 +1,204 @@
+#include "tests/core/string_table.hpp"
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+
+using sml::int32;
+using sml::Strings_T;
+using string_table::count_of;
+using string_table::entry_of;
+
+namespace {
+
+using Two = std::pair<Strings_T, Strings_T>;
+using Three = std::tuple<Strings_T, Strings_T, Strings_T>;
+
+/// The texts that both readers make of the bytes.
+std::list<std::string> texts(std::size_t count, std::string const& hex) {
+    // The texts follow a count, as a list has it.
+    std::string const bytes = wire::write(static_cast<int32>(count)) + wire::bytes(hex);
+
+    std::list<std::string> result;
+    for (Strings_T const& handle : wire::read<std::list<Strings_T>>(bytes))
+        result.push_back(handle.str());
+    std::list<std::string> from_stream;
+    for (Strings_T const& handle : wire::read_from_stream<std::list<Strings_T>>(bytes))
+        from_stream.push_back(handle.str());
+    EXPECT_EQ(from_stream, result);
+    return result;
+}
+
+TEST(StringReference, FirstSightHasALengthAndARepeatHasNone) {
+    wire::expect(Two("text", "text"),
+                 "FF FF FF FF  04 00 00 00 'text'"
+                 "01 00 00 00");
+}
+
+TEST(StringReference, EmptyTextTakesAnIdLikeAnyOther) {
+    wire::expect(Two(), "FF FF FF FF  00 00 00 00  01 00 00 00");
+    wire::expect(Three("a", "", "a"),
+                 "FF FF FF FF  01 00 00 00 'a'"
+                 "FE FF FF FF  00 00 00 00"
+                 "01 00 00 00");
+}
+
+TEST(StringReference, IdsCountFromOneInOrderOfFirstSight) {
+    wire::expect(std::list<Strings_T>{{"c"}, {"a"}, {"b"}, {"a"}, {"b"}, {"c"}},
+                 "06 00 00 00"
+                 "FF FF FF FF  01 00 00 00 'c'"
+                 "FE FF FF FF  01 00 00 00 'a'"
+                 "FD FF FF FF  01 00 00 00 'b'"
+                 "02 00 00 00"
+                 "03 00 00 00"
+                 "01 00 00 00");
+}
+
+TEST(StringReference, TableSpansTheWholeObject) {
+    using Nested = std::map<int32, std::list<std::optional<std::pair<Strings_T, bool>>>>;
+    wire::expect(std::pair<Nested, Strings_T>(Nested{{1, {std::pair(Strings_T("a"), true)}},
+                                                     {2, {std::pair(Strings_T("a"), false)}}},
+                                              "a"),
+                 "02 00 00 00"
+                 "01 00 00 00  01 00 00 00  54  FF FF FF FF  01 00 00 00 'a'  54"
+                 "02 00 00 00  01 00 00 00  54  01 00 00 00  46"
+                 "01 00 00 00");
+}
+
+TEST(StringReference, EveryObjectHasIdsOfItsOwn) {
+    EXPECT_EQ(wire::write(Strings_T("a")), wire::bytes("FF FF FF FF  01 00 00 00 'a'"));
+    EXPECT_EQ(wire::write(Strings_T("b")), wire::bytes("FF FF FF FF  01 00 00 00 'b'"));
+}
+
+TEST(StringReference, TextOfAnyBytesGoesOutWhole) {
+    wire::expect(Strings_T(std::string("a\0\xff\n", 4)), "FF FF FF FF  04 00 00 00  61 00 FF 0A");
+}
+
+TEST(StringReference, PlainTextsAreNoReferences) {
+    wire::expect(std::tuple(Strings_T("a"), std::string("a"), Strings_T("a")),
+                 "FF FF FF FF  01 00 00 00 'a'"
+                 "01 00 00 00 'a'"
+                 "01 00 00 00");
+}
+
+TEST(StringReference, ZeroIsAFirstSight) {
+    EXPECT_EQ(texts(2,
+                    "00 00 00 00  02 00 00 00 'ab'"
+                    "00 00 00 00  01 00 00 00 'c'"),
+              (std::list<std::string>{"ab", "c"}));
+}
+
+TEST(StringReference, ZeroDefinesTheIdZero) {
+    std::string const   bytes = wire::bytes("00 00 00 00  01 00 00 00 'z'");
+    sml::StringIArchive archive(bytes.data());
+    Strings_T           handle;
+    sml::core::Reader{archive}(handle);
+    ASSERT_EQ(archive.strings_by_id.size(), 1u);
+    EXPECT_EQ(archive.strings_by_id.at(0).str(), "z");
+}
+
+TEST(StringReference, UndefinedIdReadsAsTheNullHandle) {
+    EXPECT_EQ(texts(2,
+                    "05 00 00 00"
+                    "FF FF FF 7F"),
+              (std::list<std::string>{"", ""}));
+    Strings_T handle("references: overwritten");
+    EXPECT_EQ(wire::read_over(handle, wire::bytes("01 00 00 00")), 4u);
+    EXPECT_TRUE(handle == Strings_T());
+}
+
+TEST(StringReference, UndefinedIdStaysNullWhenDefinedLater) {
+    EXPECT_EQ(texts(3,
+                    "01 00 00 00"
+                    "FF FF FF FF  01 00 00 00 'a'"
+                    "01 00 00 00"),
+              (std::list<std::string>{"", "a", ""}));
+}
+
+TEST(StringReference, IdDefinedTwiceKeepsItsFirstText) {
+    EXPECT_EQ(texts(3,
+                    "FF FF FF FF  01 00 00 00 'a'"
+                    "FF FF FF FF  01 00 00 00 'b'"
+                    "01 00 00 00"),
+              (std::list<std::string>{"a", "b", "a"}));
+}
+
+TEST(StringReference, IdsNeedNotCountUp) {
+    EXPECT_EQ(texts(3,
+                    "F9 FF FF FF  01 00 00 00 'a'"
+                    "07 00 00 00"
+                    "01 00 00 00"),
+              (std::list<std::string>{"a", "a", ""}));
+}
+
+TEST(StringReference, IdOfTheSmallestWordWrapsToItself) {
+    std::string const   bytes = wire::bytes("00 00 00 80  01 00 00 00 'm'");
+    sml::StringIArchive archive(bytes.data());
+    Strings_T           handle;
+    sml::core::Reader{archive}(handle);
+    EXPECT_EQ(handle.str(), "m");
+    EXPECT_EQ(archive.strings_by_id.at(INT32_MIN).str(), "m");
+}
+
+TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
+    Strings_T handle("references: emptied");
+    wire::read_over(handle, wire::bytes("FF FF FF FF  00 00 00 00"));
+    EXPECT_TRUE(handle == Strings_T());
+    EXPECT_EQ(entry_of("references: emptied"), nullptr);
+}
+
+TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
+    std::string const   bytes = wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
+    sml::StringIArchive archive(bytes.data());
+    Strings_T           handle;
+    sml::core::Reader   read{archive};
+    read(handle);
+    EXPECT_EQ(count_of("kept"), 2u);
+    read(handle);
+    EXPECT_EQ(count_of("kept"), 2u);
+}
+
+TEST(StringReference, FirstSightSharesTheEntryOfAnEqualText) {
+    Strings_T const held("references: shared");
+    auto const      read = wire::read<Strings_T>(wire::write(held));
+    EXPECT_TRUE(read == held);
+    EXPECT_EQ(count_of("references: shared"), 2u);
+}
+
+TEST(StringReference, ReaderPinsItsStringsUntilItEnds) {
+    std::string const bytes = wire::bytes("FF FF FF FF  06 00 00 00 'pinned'");
+    {
+        sml::StringIArchive archive(bytes.data());
+        Strings_T           handle;
+        sml::core::Reader{archive}(handle);
+        handle = Strings_T();
+        EXPECT_EQ(count_of("pinned"), 1u);
+    }
+    EXPECT_EQ(entry_of("pinned"), nullptr);
+}
+
+TEST(StringReference, WriterPinsItsStringsUntilItEnds) {
+    {
+        sml::StringOArchive archive;
+        Strings_T           handle("references: written");
+        sml::core::Writer{archive}(handle);
+        EXPECT_EQ(count_of("references: written"), 2u);
+        handle = Strings_T();
+        EXPECT_EQ(count_of("references: written"), 1u);
+
+        // Interned anew it is still the string of id 1.
+        sml::core::Writer{archive}(Strings_T("references: written"));
+        EXPECT_TRUE(archive.take().ends_with(wire::bytes("01 00 00 00")));
+    }
+    EXPECT_EQ(entry_of("references: written"), nullptr);
+}
+
+}  // namespace

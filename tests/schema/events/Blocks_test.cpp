@@ -1,0 +1,140 @@
+#include "schema/Blocks.hpp"
+#include "tests/schema/order.hpp"
+#include "tests/schema/tables.hpp"
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace {
+
+using sml::Blocks::T_BlockAttribute;
+using sml::Blocks::T_BlockLocalization;
+using sml::Blocks::T_BlockUnreachable;
+using std::string_literals::operator""s;
+
+T_BlockAttribute then_block() {
+    T_BlockAttribute block;
+    block.kind.choose<"B_THEN">();
+    return block;
+}
+
+TEST(BlockUnreachable, PrintsItsNames) {
+    tables::expect_enumerators<T_BlockUnreachable>(
+        {"COMPLETELY_UNREACHABLE", "NOT_UNREACHABLE", "PARTIALLY_UNREACHABLE"});
+}
+
+TEST(BlockLocalization, WritesStartThenEnd) {
+    wire::expect(T_BlockLocalization{{1, {2, "f"s, 3}, 4}, {5, {6, "g"s, 7}, -1}},
+                 "01000000  02000000 FFFFFFFF 01000000 'f' 03000000  0400000000000000"
+                 "  05000000  06000000 FEFFFFFF 01000000 'g' 07000000  FFFFFFFFFFFFFFFF");
+}
+
+TEST(BlockLocalization, OrdersByStartThenEnd) {
+    order::expect_lexicographic<T_BlockLocalization>(
+        {{1, {}, 0}, {1, {}, 0}}, {[](auto& v) { v.block_start.kind = 0xFFFFFFFF; },
+                                   [](auto& v) { v.block_end.reference = 1; }});
+}
+
+TEST(BlockAttribute, DefaultHasNoKind) {
+    T_BlockAttribute const block;
+    EXPECT_EQ(block.kind.tag, -1);
+    wire::expect(block,
+                 "'F'  'F'  FFFFFFFF 00000000  00000000  01000000  00000000  'F'  FFFFFFFF"
+                 "  00000000 00000000 01000000 00000000 0000000000000000"
+                 "  00000000 00000000 01000000 00000000 0000000000000000"
+                 "  01000000  00000000  00000000");
+    order::expect_unordered(block, block);
+}
+
+TEST(BlockAttribute, WritesItsTwelveFieldsInOrder) {
+    T_BlockAttribute block;
+    block.function_ref.emplace("f"s, -1);
+    block.source_ref = {1, {2, "s"s, 3}, 4};
+    block.first_text = "a";
+    block.first_number = 5;
+    block.second_text = "b";
+    block.second_number = 6;
+    block.flag = true;
+    block.kind.choose<"B_SWITCH_CASE">() = 3;
+    block.localization.block_start.kind = 7;
+    block.localization.block_end.kind = 8;
+    block.third_text = "c";
+    block.third_number = 9;
+    block.last_number = 10;
+    wire::expect(block,
+                 "'T' FFFFFFFF 01000000 'f' FFFFFFFF"
+                 "  'T' 01000000 02000000 FEFFFFFF 01000000 's' 03000000 0400000000000000"
+                 "  FDFFFFFF 01000000 'a'  05000000  FCFFFFFF 01000000 'b'  06000000  'T'"
+                 "  05000000 03000000 '3' 00 00"
+                 "  07000000 00000000 FBFFFFFF 00000000 00000000 0000000000000000"
+                 "  08000000 00000000 05000000 00000000 0000000000000000"
+                 "  FAFFFFFF 01000000 'c'  09000000  0A000000");
+}
+
+TEST(BlockAttribute, OfASwitchCaseOrdersByItsTwelveFieldsInTurn) {
+    order::Handles const names;
+    T_BlockAttribute     base;
+    base.first_text = names.lesser;
+    base.first_number = -1;
+    base.second_text = names.lesser;
+    base.second_number = -1;
+    base.kind.choose<"B_SWITCH_CASE">() = 9;
+    base.third_text = names.lesser;
+    base.third_number = -1;
+    base.last_number = -1;
+    order::expect_lexicographic<T_BlockAttribute>(
+        base, {[](auto& v) { v.function_ref.emplace(); }, [](auto& v) { v.source_ref.emplace(); },
+               [&](auto& v) { v.first_text = names.greater; }, [](auto& v) { v.first_number = 0; },
+               [&](auto& v) { v.second_text = names.greater; },
+               [](auto& v) { v.second_number = 0; }, [](auto& v) { v.flag = true; },
+               [](auto& v) { v.kind.template arm<"B_SWITCH_CASE">() = 16; },
+               [](auto& v) { v.localization.block_end.kind = 1; },
+               [&](auto& v) { v.third_text = names.greater; }, [](auto& v) { v.third_number = 0; },
+               [](auto& v) { v.last_number = 0; }});
+}
+
+TEST(BlockAttribute, FunctionReferencesOrderByTextThenNumber) {
+    order::Handles const names;
+    T_BlockAttribute     base;
+    base.function_ref.emplace(names.lesser, -1);
+    base.kind.choose<"B_SWITCH_CASE">();
+    order::expect_lexicographic<T_BlockAttribute>(
+        base,
+        {[&](auto& v) { v.function_ref->first = names.greater; },
+         [](auto& v) { v.function_ref->second = 0; }, [](auto& v) { v.source_ref.emplace(); }});
+}
+
+TEST(BlockAttribute, EqualOnesOfKindThenAreEachLessThanTheOther) {
+    auto const a = then_block();
+    auto const b = then_block();
+    EXPECT_TRUE(a == b);
+    order::expect_each_less(a, b);
+    order::expect_each_less(a, a);
+}
+
+TEST(BlockAttribute, AKindWithoutPayloadEndsTheOrderBeforeThePlace) {
+    auto const a = then_block();
+    for (int field = 0; field < 4; ++field) {
+        auto b = a;
+        if (field == 0) b.localization.block_start.kind = 1;
+        if (field == 1) b.third_text = "t";
+        if (field == 2) b.third_number = 1;
+        if (field == 3) b.last_number = 1;
+        order::expect_each_less(a, b);
+        EXPECT_FALSE(a == b) << field;
+    }
+    auto ahead = a;
+    ahead.flag = true;
+    order::expect_less(a, ahead);
+}
+
+TEST(BlockAttribute, AnOrderedSetKeepsAllOfOneKind) {
+    std::set<T_BlockAttribute> blocks;
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(blocks.insert(then_block()).second);
+    EXPECT_EQ(blocks.size(), 3u);
+}
+
+}  // namespace

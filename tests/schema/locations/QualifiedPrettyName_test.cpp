@@ -1,0 +1,49 @@
+#include "schema/QualifiedPrettyName.hpp"
+#include "tests/schema/fields.hpp"
+#include "tests/schema/order.hpp"
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+using Name = sml::QualifiedPrettyName::T;
+
+namespace {
+
+TEST(QualifiedPrettyName, WritesTwoStringReferences) {
+    wire::expect(Name(), "FFFFFFFF 00000000  01000000");
+    wire::expect(Name{{"std"}, {"sort"}}, "FFFFFFFF 03000000 'std'  FEFFFFFF 04000000 'sort'");
+    wire::expect(Name{{"std"}, {"std"}}, "FFFFFFFF 03000000 'std'  01000000");
+}
+
+TEST(QualifiedPrettyName, FieldsDecideInOrder) {
+    fields::expect_order(&Name::qualifier, &Name::name);
+}
+
+// Null handles take part with the value 0, which still multiplies and adds.
+TEST(QualifiedPrettyName, HashOfDefaultCombinesTwoZeros) {
+    EXPECT_EQ(Name().hash(), 0xcb34c5ae03d8f098u);
+}
+
+// The literals come from a computation outside this library: they hold in every process.
+TEST(QualifiedPrettyName, HashDependsOnTextsAndTheirOrder) {
+    EXPECT_EQ((Name{{"std"}, {"vector"}}.hash()), 0x79fe19316b7ef261u);
+    EXPECT_EQ((Name{{"vector"}, {"std"}}.hash()), 0xaeff9f6242d75f4du);
+    EXPECT_EQ((Name{{}, {"vector"}}.hash()), 0xc31b12a851fc3829u);
+    EXPECT_EQ((Name{{"std"}, {}}.hash()), 0x77df196cc7d5b370u);
+}
+
+// An order by address holds for one process only; the hash must not share that.
+TEST(QualifiedPrettyName, OrderFollowsAddressesWhileHashFollowsTexts) {
+    order::Handles const texts;
+    ASSERT_GT(texts.lesser.str(), texts.greater.str());
+    Name const lesser{{}, texts.lesser};
+    Name const greater{{}, texts.greater};
+    order::expect_less(lesser, greater);
+    for (int round = 0; round < 2; ++round) {
+        // Each round interns the two texts anew.
+        sml::Strings_T const taking_its_place(round == 0 ? "" : "takes the freed place");
+        EXPECT_EQ((Name{{"std"}, {"vector"}}.hash()), 0x79fe19316b7ef261u);
+    }
+}
+
+}  // namespace

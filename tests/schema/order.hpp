@@ -1,0 +1,87 @@
+#pragma once
+// What `<` and `==` say of two values, always asked in both directions.
+
+#include "core/Strings.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace order {
+
+/// Two handles whose order is against the order of their texts.
+struct Handles {
+    sml::Strings_T lesser;
+    sml::Strings_T greater;
+
+    Handles() {
+        std::vector<sml::Strings_T> all;
+        for (char c = 'a'; c <= 'z'; ++c) all.emplace_back(std::string(1, c));
+        for (char c = 'Z'; c >= 'A'; --c) all.emplace_back(std::string(1, c));
+        for (auto const& left : all)
+            for (auto const& right : all)
+                if (left < right && right.str() < left.str()) {
+                    lesser = left;
+                    greater = right;
+                    return;
+                }
+        throw std::logic_error("handles order as their texts do");
+    }
+};
+
+template <class T>
+void expect_less(T const& a, T const& b) {
+    EXPECT_TRUE(a < b);
+    EXPECT_FALSE(b < a);
+    EXPECT_FALSE(a == b);
+    EXPECT_FALSE(b == a);
+}
+
+/// Equal, and neither less.
+template <class T>
+void expect_equal(T const& a, T const& b) {
+    EXPECT_FALSE(a < b);
+    EXPECT_FALSE(b < a);
+    EXPECT_TRUE(a == b);
+    EXPECT_TRUE(b == a);
+}
+
+/// Neither less nor greater, yet unequal.
+template <class T>
+void expect_unordered(T const& a, T const& b) {
+    EXPECT_FALSE(a < b);
+    EXPECT_FALSE(b < a);
+    EXPECT_FALSE(a == b);
+    EXPECT_FALSE(b == a);
+}
+
+template <class T>
+void expect_each_less(T const& a, T const& b) {
+    EXPECT_TRUE(a < b);
+    EXPECT_TRUE(b < a);
+}
+
+/// Each step makes the value greater, in one field after the other; an earlier step outweighs a
+/// later one. `base` is equal to itself and not less.
+template <class T>
+void expect_lexicographic(T const& base, std::vector<std::function<void(T&)>> const& raise) {
+    expect_equal(base, T(base));
+    for (std::size_t field = 0; field < raise.size(); ++field) {
+        T raised = base;
+        raise[field](raised);
+        SCOPED_TRACE(testing::Message() << "step " << field);
+        expect_less(base, raised);
+        for (std::size_t later = field + 1; later < raise.size(); ++later) {
+            SCOPED_TRACE(testing::Message() << "against step " << later);
+            T raised_later = base;
+            raise[later](raised_later);
+            expect_less(raised_later, raised);
+        }
+    }
+}
+
+}  // namespace order

@@ -1,0 +1,9 @@
+// error: enumerators stand in ascending byte order
+
+#include "core/declare.hpp"
+
+#ifdef MISTAKE
+SML_ENUM(Enumeration, First, Second, SECOND);
+#else
+SML_ENUM(Enumeration, First, SECOND, Second);
+#endif

@@ -1,0 +1,16 @@
+// error: this type has no wire form
+// errors: 1
+
+#include "core/define.hpp"
+
+struct Record {
+#ifdef MISTAKE
+    short first{};
+#else
+    std::int32_t first{};
+#endif
+
+    SML_RECORD(Record, first);
+};
+
+SML_DEFINE_RECORD(Record);

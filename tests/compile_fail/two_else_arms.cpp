@@ -1,0 +1,14 @@
+// error: only the last arm can take the remaining tags
+
+#include "core/declare.hpp"
+
+using sml::core::Arm, sml::core::ElseArm;
+
+struct Variant {
+#ifdef MISTAKE
+    using arms = sml::core::Arms<ElseArm<"A", bool>, ElseArm<"B", bool>>;
+#else
+    using arms = sml::core::Arms<Arm<"A", bool>, ElseArm<"B", bool>>;
+#endif
+    SML_VARIANT(Variant);
+};

@@ -1,0 +1,11 @@
+// error: no arm has this name
+
+#include "schema/Atomicity_Condition.hpp"
+
+void use(sml::Atomicity_Condition::T_Atomicity_Condition& condition) {
+#ifdef MISTAKE
+    condition.choose<"Atomic">();
+#else
+    condition.choose<"ATOMIC">();
+#endif
+}

@@ -1,0 +1,11 @@
+// error: no arm has this name
+
+#include "schema/Atomicity_Condition.hpp"
+
+bool use(sml::Atomicity_Condition::T_Atomicity_Condition const& condition) {
+#ifdef MISTAKE
+    return condition.holds<"ATOMI">();
+#else
+    return condition.holds<"ATOMIC">();
+#endif
+}

@@ -1,0 +1,11 @@
+// error: no arm has this name
+
+#include "schema/Interrogators.hpp"
+
+void use(sml::Interrogators::T_QuestionRef& question) {
+#ifdef MISTAKE
+    question.choose<"AnswerId">() = 7;
+#else
+    question.choose<"QuestionId">() = 7;
+#endif
+}

@@ -1,0 +1,3 @@
+#include "tests/exports/consumer.hpp"
+
+USE_TYPES(CheckTypesAreUsable, CHECK_TYPES)

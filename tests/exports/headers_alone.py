@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Compiles every public header alone, with nothing but the source tree to include from.
+
+    headers_alone.py SOURCE COMPILER
+
+Most headers include the same one first. It is compiled once, and they continue from there.
+"""
+
+import concurrent.futures
+import os
+import pathlib
+import re
+import sys
+import tempfile
+
+sys.path.append(str(pathlib.Path(__file__).parent.parent / "compile_fail"))
+
+from compiler import Compiler  # noqa: E402
+
+CORE = ["Strings", "arms", "big_integer", "box", "declare", "export", "hash", "ieee754_float",
+        "names"]
+BASE = "core/declare.hpp"
+
+
+def public_headers(source):
+    schema = sorted(path.relative_to(source) for path in (source / "schema").glob("*.hpp"))
+    core = [pathlib.Path("core") / f"{name}.hpp" for name in CORE]
+    return [str(path) for path in [*core, *schema, "bindings/bindings.hpp"]]
+
+
+def starts_with_base(header):
+    includes = re.findall(r"^#include (.*)$", header.read_text(), re.MULTILINE)
+    return includes[:1] == [f'"{BASE}"']
+
+
+def main():
+    source, command = pathlib.Path(sys.argv[1]), sys.argv[2]
+
+    def complaint(header):
+        from_base = starts_with_base(source / header)
+        result = compiler.check_text(f'#include "{header}"\n', from_base)
+        return result.stderr if result.returncode != 0 or result.stderr else ""
+
+    headers = public_headers(source)
+    with tempfile.TemporaryDirectory() as folder:
+        compiler = Compiler(source, command, BASE, folder, ["-Wpedantic", "-Werror"])
+        base = compiler.precompile()
+        if base.returncode != 0:
+            sys.exit(base.stderr)
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            complaints = list(pool.map(complaint, headers))
+    for header, text in zip(headers, complaints):
+        if text:
+            print(f"{header} does not compile alone:\n{text}")
+    print(f"{command}: {len(headers)} headers")
+    return 1 if any(complaints) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

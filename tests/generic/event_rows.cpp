@@ -1,0 +1,3 @@
+#include "tests/generic/row_of.hpp"
+
+DEFINE_ROWS(event_rows, EVENT_TYPES)

@@ -1,0 +1,3 @@
+#include "tests/generic/row_of.hpp"
+
+DEFINE_ROWS(il_rows, IL_TYPES)

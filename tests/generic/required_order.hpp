@@ -1,0 +1,11 @@
+#pragma once
+// The order and equality that all types must have, told a second time: slowly, over trees.
+
+#include "tests/generic/node.hpp"
+
+namespace generic {
+
+bool required_equal(Node const& a, Node const& b);
+bool required_less(Node const& a, Node const& b);
+
+}  // namespace generic

@@ -1,0 +1,3 @@
+#include "tests/generic/row_of.hpp"
+
+DEFINE_ROWS(result_rows, RESULT_TYPES)

@@ -1,0 +1,113 @@
+#pragma once
+// The types of the schema as a table of functions, and values of any of them.
+
+#include "tests/generic/node.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <typeindex>
+#include <utility>
+#include <vector>
+
+namespace generic {
+
+enum class Form { record, variant, reference };
+
+/// Where the parts of a record or of an arm stand.
+struct FieldList {
+    char const*                 owner;
+    std::vector<std::string>    names;
+    std::vector<std::ptrdiff_t> offsets;
+};
+
+/// One type of the schema.
+struct Row {
+    char const*     name;
+    std::type_index type;
+    Form            form;
+    bool            compared;  ///< has `==` and `<`
+    Shape const*    arms;      ///< of a variant or reference
+
+    void* (*make)();
+    void* (*copy)(void const* source);
+    void* (*move)(void* source);
+    void (*assign)(void* target, void const* source);
+    void (*move_assign)(void* target, void* source);
+    void (*destroy)(void* object);
+
+    void (*fill)(void* object, RandomValues& random);
+    void (*fill_arm)(void* variant, std::int32_t tag, RandomValues& random);
+    Node (*view)(void const* object);
+
+    bool (*equal)(void const* a, void const* b);
+    bool (*less)(void const* a, void const* b);
+    char const* (*to_string)(void const* object);
+
+    std::string (*write)(void const* object);
+    void (*write_to_stream)(void const* object, std::ostream& stream);
+    std::size_t (*read)(void* object, char const* bytes);
+    void (*read_from_stream)(void* object, std::istream& stream);
+
+    /// Of a record: all fields; of a variant: the parts of its arms that have no record.
+    std::vector<FieldList> (*field_lists)();
+    void (*assign_field)(void* target, void const* source, std::size_t field);
+};
+
+std::vector<Row> const& all_rows();
+
+/// Throws `std::out_of_range` where no type has the name.
+Row const& row_named(std::string_view name);
+
+/// A value of the type of a row.
+class Value {
+public:
+    explicit Value(Row const& row) : row_(&row), object_(row.make()) {}
+    Value(Row const& row, RandomValues& random) : Value(row) { row.fill(object_, random); }
+    Value(Value const& other) : row_(other.row_), object_(row_->copy(other.object_)) {}
+    Value(Value&& other) : row_(other.row_), object_(row_->move(other.object_)) {}
+    Value& operator=(Value const& other) {
+        row_->assign(object_, other.object_);
+        return *this;
+    }
+    Value& operator=(Value&& other) {
+        row_->move_assign(object_, other.object_);
+        return *this;
+    }
+    ~Value() { row_->destroy(object_); }
+
+    /// A variant or reference on an arm with random content.
+    static Value on_arm(Row const& row, std::int32_t tag, RandomValues& random) {
+        Value value(row);
+        row.fill_arm(value.object_, tag, random);
+        return value;
+    }
+
+    bool operator==(Value const& other) const { return row_->equal(object_, other.object_); }
+    bool operator<(Value const& other) const { return row_->less(object_, other.object_); }
+
+    Node        view() const { return row_->view(object_); }
+    std::string text() const { return text_of(view()); }
+    char const* to_string() const { return row_->to_string(object_); }
+
+    std::string bytes() const { return row_->write(object_); }
+    std::string stream_bytes() const;
+    /// Reads over the value; gives how many bytes were taken.
+    std::size_t read(std::string const& bytes);
+    std::size_t read_from_stream(std::string const& bytes);
+
+    void choose(std::int32_t tag) { row_->arms->choose(object_, tag); }
+    /// Changes one part at random; false where the value has none that can change.
+    bool mutate(RandomValues& random) { return generic::mutate(view(), random); }
+    void assign_field(Value const& source, std::size_t field) {
+        row_->assign_field(object_, source.object_, field);
+    }
+
+private:
+    Row const* row_;
+    void*      object_;
+};
+
+}  // namespace generic

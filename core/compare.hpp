@@ -31,7 +31,7 @@ struct Comparison {
 
     template <class T>
     static bool less(T const& a, T const& b) {
-        static_assert(Leaf<T> || Boxed<T> || Serialized<T>);
+        static_assert(!WireForm<T>::exists || Leaf<T> || Boxed<T> || Serialized<T>);
         return a < b;
     }
 

@@ -72,4 +72,12 @@ template <class T>
 concept WireType = Leaf<T> || List<T> || Set<T> || Map<T> || Optional<T> || Boxed<T> ||
     PairOrTuple<T> || FlagArray<T> || Fielded<T> || Serialized<T>;
 
+/// Asking for a type that is none gives one error, however often it is asked.
+template <class T>
+struct WireForm {
+    static_assert(WireType<T>, "this type has no wire form");
+
+    static constexpr bool exists = WireType<T>;
+};
+
 }  // namespace sml::core

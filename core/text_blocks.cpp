@@ -5,6 +5,7 @@
 #include <mpfr.h>
 
 #include <cstdio>
+#include <new>
 #include <stdexcept>
 
 namespace sml::core {
@@ -17,6 +18,7 @@ constexpr int number_base = 16;
 
 TextBlock make_block(std::int32_t length) {
     if (length == -1) return nullptr;
+    if (length < -1) throw std::bad_array_new_length();
     auto const size = static_cast<std::size_t>(static_cast<std::int64_t>(length) + 1);
     return std::make_unique<char[]>(size);
 }

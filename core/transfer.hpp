@@ -18,8 +18,7 @@ public:
 
     template <class T>
     void operator()(T const& value) {
-        static_assert(WireType<T>, "this type has no wire form");
-        write(value);
+        if constexpr (WireForm<T>::exists) write(value);
     }
 
 private:
@@ -105,8 +104,7 @@ public:
 
     template <class T>
     void operator()(T& value) {
-        static_assert(WireType<T>, "this type has no wire form");
-        read(value);
+        if constexpr (WireForm<T>::exists) read(value);
     }
 
 private:

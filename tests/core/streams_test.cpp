@@ -242,6 +242,31 @@ TEST(StreamReader, TakesNoByteBeyondItsObject) {
     EXPECT_TRUE(stream.good());
 }
 
+template <class T>
+void expect_asks_for_no_more(T const& value) {
+    Trickle      trickle(wire::write(value));
+    std::istream stream(&trickle);
+    EXPECT_TRUE(read_from<T>(stream) == value);
+    EXPECT_FALSE(trickle.asked_for_more());
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(StreamReader, AsksForNoMoreWhateverComesLast) {
+    expect_asks_for_no_more(int64{7});
+    expect_asks_for_no_more(true);
+    expect_asks_for_no_more(std::optional<bool>());
+    expect_asks_for_no_more(Strings_T("text"));
+    expect_asks_for_no_more(std::pair(Strings_T("text"), Strings_T("text")));
+    expect_asks_for_no_more(Strings_T());
+    expect_asks_for_no_more(std::string("text"));
+    expect_asks_for_no_more(std::string());
+    expect_asks_for_no_more(std::list<int32>{1, 2});
+    expect_asks_for_no_more(std::list<int32>());
+    expect_asks_for_no_more(sml::BigInteger(-255));
+    expect_asks_for_no_more(zelvanite::IEEE754Float());
+    expect_asks_for_no_more(1.5);
+}
+
 TEST(StreamReader, NeedsNoStreamThatSeeks) {
     Trickle      trickle(wire::write(one_of_everything()));
     std::istream stream(&trickle);

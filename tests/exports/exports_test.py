@@ -86,7 +86,7 @@ def listed_types(header):
 
 def stems():
     text = (HERE.parent.parent / "bindings" / "roots.def").read_text()
-    return re.findall(r"^ROOT\((\w+),", text, re.MULTILINE)
+    return re.findall(r"^SML_ROOT\((\w+),", text, re.MULTILINE)
 
 
 def special_members(name):

@@ -486,6 +486,38 @@ TEST(ACheck, MoveKeepsStringsOfEveryCategory) {
     EXPECT_EQ(source.category, before);
 }
 
+// Only the two tables of the check itself are taken.
+TEST(ACheck, MoveKeepsTheContainersOfCategoryAndFailure) {
+    Check source;
+    source.category.choose<"STACK_POINTER">() = {{{"a"}, {"b"}}, {"c"}};
+    source.failure.emplace().steps = {{{{"d"}, 1}, {}}};
+    source.failure->named_ints = {{{"e"}, 2}};
+    source.failure->technology.choose<"FORWARD">();
+    Check const before = source;
+    Check const moved = std::move(source);
+    EXPECT_TRUE(moved == before);
+    EXPECT_TRUE(source == before);
+
+    source.category.choose<"DESTROY_LOCKED">().string_set = {{"a"}, {"b"}};
+    Check const moved_again = std::move(source);
+    EXPECT_EQ(source.category.arm<"DESTROY_LOCKED">().string_set.size(), 2u);
+    EXPECT_TRUE(source == moved_again);
+}
+
+TEST(ACheck, MoveAssignmentDoesTheSame) {
+    Check       source = full("kept by the source");
+    Check const before = source;
+    Check       target = full("let go");
+    target = std::move(source);
+    EXPECT_TRUE(target == before);
+    EXPECT_EQ(string_table::count_of("let go"), 0u);
+    EXPECT_EQ(string_table::count_of("kept by the source"), 3 * strings_in_full);
+    EXPECT_TRUE(source.classifications.empty());
+    EXPECT_TRUE(source.located_names.empty());
+    EXPECT_EQ(source.category, before.category);
+    EXPECT_TRUE(source.failure == before.failure);
+}
+
 TEST(ACheck, DestructionReleasesEveryString) {
     {
         Check check = full("released at the end");

@@ -71,8 +71,8 @@ void expect_all_seven_agree(typename Signatures<T>::ToCxx       to_cxx,
     to_stream(value, out);
     EXPECT_EQ(out.str(), bytes);
     std::string const& shared = from_cxx(value);
-    char const* const  flat = flat_from_cxx(&value);
-    EXPECT_EQ(flat, shared.data()) << "all share one result string";
+    char const* const  flat_bytes = flat_from_cxx(&value);
+    EXPECT_EQ(flat_bytes, shared.data()) << "all share one result string";
     EXPECT_EQ(shared, bytes);
 
     T read{};

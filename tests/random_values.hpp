@@ -48,7 +48,7 @@ public:
             for (int i = below(limits_.elements + 1); i > 0; --i)
                 value.emplace(make<typename T::key_type>(), make<typename T::mapped_type>());
         } else if constexpr (PairOrTuple<T>) {
-            std::apply([this](auto&... part) { (fill(part), ...); }, value);
+            std::apply([this](auto&... part) { (this->fill(part), ...); }, value);
         } else if constexpr (FlagArray<T>) {
             for (bool& flag : value) fill(flag);
         } else if constexpr (requires { value.which; }) {
@@ -57,7 +57,7 @@ public:
         } else if constexpr (HashedVariant<T>) {
             fill_arm(value, below(T::arms::count));
         } else if constexpr (Fielded<T>) {
-            value.with_fields([this](auto&... field) { (fill(field), ...); });
+            value.with_fields([this](auto&... field) { (this->fill(field), ...); });
         } else {
             fill_leaf(value);
         }
@@ -70,7 +70,7 @@ public:
         if constexpr (requires { Variant::arms::names; }) {
             value.choose_tag(nesting_ > limits_.depth ? shallow_tag<Variant>() : tag);
             value.visit_payload([this](auto const& payload) {
-                fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload));
+                this->fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload));
             });
         }
         --nesting_;

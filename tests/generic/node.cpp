@@ -78,7 +78,7 @@ Texts appended(Node const& held, Node const& read) {
 Texts united(Node const& held, Node const& read) {
     Texts texts = appended(held, read);
     std::ranges::sort(texts);
-    texts.erase(std::ranges::unique(texts).begin(), texts.end());
+    texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
     return texts;
 }
 

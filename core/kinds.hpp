@@ -72,12 +72,16 @@ template <class T>
 concept WireType = Leaf<T> || List<T> || Set<T> || Map<T> || Optional<T> || Boxed<T> ||
     PairOrTuple<T> || FlagArray<T> || Fielded<T> || Serialized<T>;
 
-/// Asking for a type that is none gives one error, however often it is asked.
 template <class T>
-struct WireForm {
-    static_assert(WireType<T>, "this type has no wire form");
-
+struct WireFormAnswer {
     static constexpr bool exists = WireType<T>;
+};
+
+/// Asking for a type that is none gives one error, however often it is asked. The answer is
+/// inherited: clang drops the members that stand beside a failed assertion.
+template <class T>
+struct WireForm : WireFormAnswer<T> {
+    static_assert(WireType<T>, "this type has no wire form");
 };
 
 }  // namespace sml::core

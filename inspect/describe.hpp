@@ -1,0 +1,247 @@
+#pragma once
+// Descriptors from declarations: `describe<T>()`.
+
+#include "core/kinds.hpp"
+#include "inspect/type.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace detail {
+
+/// The fully qualified name of a class or enumeration.
+template <class T>
+consteval std::string_view name_of() {
+    std::string_view const function = __PRETTY_FUNCTION__;
+    std::size_t const      start = function.find("T = ") + 4;
+    return function.substr(start, function.find_first_of(";]", start) - start);
+}
+
+template <class... T>
+struct Types {};
+
+/// The types of the parts of a fielded class.
+template <class T>
+using FieldTypes = decltype(std::declval<T&>().with_fields(
+    [](auto&... field) { return Types<std::remove_reference_t<decltype(field)>...>{}; }));
+
+/// Holds the descriptor of a type. Naming its address asks for no more than this declaration, which
+/// is what lets a type hold its own kind.
+template <class T>
+struct Described {
+    static Type const type;
+};
+
+template <class T>
+using BoxedType = std::remove_cvref_t<decltype(*std::declval<T&>())>;
+
+template <class T>
+consteval std::uint32_t least_size();
+
+template <class... T>
+consteval std::uint32_t least_size_of_all(Types<T...>) {
+    return (0 + ... + least_size<T>());
+}
+
+template <class Payload>
+consteval std::uint32_t least_size_of_arm() {
+    if constexpr (std::is_void_v<Payload>)
+        return 0;
+    else
+        return least_size<Payload>();
+}
+
+template <class V, std::int32_t... Index>
+consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
+    // A tag that stands bare needs nothing more; asking no further also ends the recursion of
+    // types that hold their own kind.
+    if constexpr (!V::arms::takes_rest)
+        return 0;
+    else
+        return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
+}
+
+template <class... T>
+Types<T...> parts_of(std::pair<T...> const&);
+template <class... T>
+Types<T...> parts_of(std::tuple<T...> const&);
+
+template <class T>
+consteval std::uint32_t least_size() {
+    using namespace core;
+    if constexpr (Word<T>)
+        return sizeof(T);
+    else if constexpr (std::is_same_v<T, bool> || Optional<T>)
+        return 1;
+    else if constexpr (std::is_same_v<T, zelvanite::IEEE754Float>)
+        return 8;
+    else if constexpr (Leaf<T> || List<T> || Set<T> || Map<T>)
+        return 4;
+    else if constexpr (Boxed<T>)
+        return least_size<BoxedType<T>>();
+    else if constexpr (PairOrTuple<T>)
+        return least_size_of_all(decltype(parts_of(std::declval<T>())){});
+    else if constexpr (FlagArray<T>)
+        return std::tuple_size_v<T>;
+    else if constexpr (Fielded<T>)
+        return least_size_of_all(FieldTypes<T>{});
+    else
+        return 4 +
+               least_size_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
+}
+
+template <class T>
+consteval Kind kind_of_leaf() {
+    if constexpr (std::is_enum_v<T>) return Kind::enumeration;
+    if constexpr (std::is_same_v<T, std::int32_t>) return Kind::int32;
+    if constexpr (std::is_same_v<T, std::uint32_t>) return Kind::uint32;
+    if constexpr (std::is_same_v<T, std::int64_t>) return Kind::int64;
+    if constexpr (std::is_same_v<T, std::uint64_t>) return Kind::uint64;
+    if constexpr (std::is_same_v<T, bool>) return Kind::flag;
+    if constexpr (std::is_same_v<T, double>) return Kind::number;
+    if constexpr (std::is_same_v<T, BigInteger>) return Kind::big_integer;
+    if constexpr (std::is_same_v<T, zelvanite::IEEE754Float>) return Kind::ieee_float;
+    if constexpr (std::is_same_v<T, std::string>) return Kind::text;
+    if constexpr (std::is_same_v<T, Strings_T>) return Kind::string;
+}
+
+/// The tables that a descriptor points to.
+template <class T>
+struct Tables {};
+
+template <class... T>
+constexpr std::array<Part, sizeof...(T)> unnamed_parts(Types<T...>) {
+    return {Part{{}, &Described<T>::type}...};
+}
+
+template <class T>
+    requires core::PairOrTuple<T>
+struct Tables<T> {
+    static constexpr auto parts = unnamed_parts(decltype(parts_of(std::declval<T>())){});
+};
+
+template <class T>
+struct FieldNames {
+    static constexpr std::string_view list = T::field_names();
+    static constexpr std::size_t      count = core::count_names(list);
+
+    static constexpr std::string_view at(std::size_t index) {
+        std::size_t start = 0;
+        for (; index > 0; --index) start = list.find(',', start) + 1;
+        start = list.find_first_not_of(' ', start);
+        return list.substr(start, list.find(',', start) - start);
+    }
+};
+
+template <class T, class... Field, std::size_t... Index>
+constexpr std::array<Part, sizeof...(Field)> named_parts(Types<Field...>,
+                                                         std::index_sequence<Index...>) {
+    return {Part{FieldNames<T>::at(Index), &Described<Field>::type}...};
+}
+
+template <class T>
+    requires core::Fielded<T>
+struct Tables<T> {
+    static constexpr auto parts =
+        named_parts<T>(FieldTypes<T>{}, std::make_index_sequence<FieldNames<T>::count>{});
+};
+
+template <class Payload>
+constexpr Type const* describe_payload() {
+    if constexpr (std::is_void_v<Payload>)
+        return nullptr;
+    else
+        return &Described<Payload>::type;
+}
+
+template <class V, std::int32_t... Index>
+constexpr std::array<Arm, sizeof...(Index)> arms_of(std::integer_sequence<std::int32_t, Index...>) {
+    return {Arm{V::arms::names[Index],
+                describe_payload<typename V::arms::template payload<Index>>()}...};
+}
+
+template <class T>
+concept HasArms = requires {
+    T::arms::count;
+};
+
+/// Arms of a variant or a reference.
+template <class T>
+struct ArmTable {
+    static constexpr auto arms =
+        arms_of<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
+};
+
+template <class T>
+struct EnumeratorTable {
+    static constexpr auto names = enumerators(T{});
+    static constexpr auto views = [] {
+        std::array<std::string_view, names.start.size()> result;
+        for (std::size_t i = 0; i < result.size(); ++i) result[i] = names[i];
+        return result;
+    }();
+};
+
+template <class T>
+constexpr Type make() {
+    using namespace core;
+    Type type{
+        .kind = Kind::record, .name = {}, .least_size = least_size<T>(), .object_size = sizeof(T)};
+    if constexpr (Leaf<T>) {
+        type.kind = kind_of_leaf<T>();
+        if constexpr (std::is_enum_v<T>) {
+            type.name = name_of<T>();
+            type.enumerators = EnumeratorTable<T>::views;
+        }
+    } else if constexpr (Optional<T> || List<T>) {
+        type.kind = Optional<T> ? Kind::optional : Kind::list;
+        type.element = &Described<typename T::value_type>::type;
+    } else if constexpr (Boxed<T>) {
+        type.kind = Kind::boxed;
+        type.element = &Described<BoxedType<T>>::type;
+    } else if constexpr (Set<T>) {
+        type.kind = Kind::set;
+        type.element = &Described<typename T::value_type>::type;
+        type.hashed = HashSet<T>;
+    } else if constexpr (Map<T>) {
+        type.kind = Kind::map;
+        type.key = &Described<typename T::key_type>::type;
+        type.element = &Described<typename T::mapped_type>::type;
+        type.hashed = HashMap<T>;
+        type.last_wins = last_wins<T>;
+    } else if constexpr (PairOrTuple<T>) {
+        type.kind = Kind::tuple;
+        type.parts = Tables<T>::parts;
+    } else if constexpr (FlagArray<T>) {
+        type.kind = Kind::flags;
+        type.flag_count = std::tuple_size_v<T>;
+    } else if constexpr (HasArms<T>) {
+        type.kind = Fielded<T> ? Kind::reference : Kind::variant;
+        type.name = name_of<T>();
+        type.arms = ArmTable<T>::arms;
+        type.takes_rest = T::arms::takes_rest;
+    } else {
+        type.kind = Serialized<T> ? Kind::record : Kind::group;
+        type.name = name_of<T>();
+        type.parts = Tables<T>::parts;
+    }
+    return type;
+}
+
+template <class T>
+constinit Type const Described<T>::type = make<T>();
+
+}  // namespace detail
+
+/// The descriptor of a type of the schema.
+template <class T>
+constexpr Type const* describe() {
+    return &detail::Described<T>::type;
+}
+
+}  // namespace sml::inspect

@@ -1,0 +1,41 @@
+#pragma once
+// What a walk says about bytes that are not as a writer makes them.
+
+#include <cstdint>
+#include <string>
+
+namespace sml::inspect {
+
+enum class Severity : std::uint8_t {
+    odd,     ///< defined for every reader, but no writer makes it
+    unsafe,  ///< a reader could read beyond the bytes, throw, abort, overflow or stop early
+};
+
+enum class Oddity : std::uint8_t {
+    unknown,   ///< a variant never set, an unknown tag or enumerator: told and encoded as it is
+    repeated,  ///< an entry whose key is there already
+    other,     ///< lost in the value that a reader has
+};
+
+/// One thing found.
+struct Finding {
+    Severity      severity;
+    std::uint64_t offset;  ///< of the first byte concerned
+    std::string   path;    ///< as in `checks[("src/a.c",3)].category.OVFL.ovfl_data`
+    std::string   expected;
+    std::string   found;
+};
+
+/// What a walk puts up with. Beyond any of these the bytes are unsafe.
+struct Limits {
+    std::uint32_t depth = default_depth;              ///< values inside values; at most `depth_cap`
+    std::uint64_t elements = std::uint64_t{1} << 32;  ///< of all containers together
+    std::uint64_t text_bytes = std::uint64_t{1} << 30;  ///< of one text
+    std::uint64_t memory = std::uint64_t{1} << 36;      ///< estimated heap of the object read
+
+    // The walk itself recurses, so there is a depth that no setting goes beyond.
+    static constexpr std::uint32_t default_depth = 400;
+    static constexpr std::uint32_t depth_cap = 4000;
+};
+
+}  // namespace sml::inspect

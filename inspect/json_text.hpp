@@ -1,0 +1,25 @@
+#pragma once
+// Texts and numbers as JSON spells them.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace sml::inspect {
+
+/// Adds a text in quotes. A byte that is not UTF-8 becomes the lone surrogate U+DC80 + (byte -
+/// 0x80), so that nothing is lost; what a terminal would obey is escaped.
+void append_json_string(std::string& json, std::string_view text);
+
+/// Adds a finite double so that it reads back as the same, or "inf", "-inf", "nan", "-nan".
+void append_json_double(std::string& json, double value);
+
+/// Adds an integer.
+void append_json_integer(std::string& json, std::int64_t value);
+void append_json_integer(std::string& json, std::uint64_t value);
+
+/// Hexadecimal digits in lower case with an optional sign, in decimal, and back.
+void        append_decimal(std::string& text, std::string_view hexadecimal);
+std::string hexadecimal_of(std::string_view decimal);
+
+}  // namespace sml::inspect

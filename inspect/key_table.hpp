@@ -1,0 +1,43 @@
+#pragma once
+// The keys of the containers that are open in a walk, to find one that is there already.
+
+#include "inspect/walk.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace sml::inspect {
+
+/// 24 bytes a key, for as long as its container is open; exact when hashes collide.
+class KeyTable {
+public:
+    /// Opens a container with this many entries.
+    void open(std::uint64_t count);
+    void close();
+
+    /// Adds the key at an offset to the container opened last; false when it is there already.
+    bool add(Walk const& walk, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
+
+private:
+    struct Slot {
+        std::uint64_t hash;
+        std::uint64_t key_offset;
+    };
+
+    std::vector<std::vector<Slot>> tables_;    // of the open containers, then some to use again
+    std::size_t                    open_ = 0;  // how many are open
+};
+
+/// Where a table of so many slots starts its search.
+inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
+    __extension__ using Product = unsigned __int128;
+    return static_cast<std::size_t>((static_cast<Product>(hash) * slots) >> 64);
+}
+
+/// Half as many again as there are keys, so that a search is short and ends.
+inline std::size_t slots_for(std::uint64_t keys) {
+    return static_cast<std::size_t>(keys + keys / 2 + 1);
+}
+
+}  // namespace sml::inspect

@@ -1,0 +1,40 @@
+#pragma once
+// Numbers as they stand on the wire, judged without the process's locale and without leaving a
+// trace in MPFR's exponent range.
+
+#include "core/export.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace sml::inspect {
+
+/// Whether a block is exactly what the writer prints for the integer that is read from it.
+SML_API bool is_written_integer(std::string_view block);
+
+/// The integer that a reader has after this block, as the writer prints it but without the zero
+/// bytes; 0 where the block is no number.
+SML_API std::string integer_of(std::string_view block);
+
+/// An integer's block from its hexadecimal digits as the writer prints them.
+SML_API std::string written_integer(std::string_view hexadecimal);
+
+/// Whether a float format has this width.
+SML_API bool is_float_width(std::int32_t width);
+
+/// Whether a block is exactly what the writer prints for the float that is read from it. The width
+/// is one of the seven.
+SML_API bool is_written_float(std::string_view block, std::int32_t width);
+
+/// The float that a reader has after this block, as the writer prints it.
+SML_API std::string float_of(std::string_view block, std::int32_t width);
+
+/// The double that a reader has after this block; none where reading it throws.
+SML_API std::optional<double> double_of(std::string_view block);
+
+/// What the writer prints for a double.
+SML_API std::string written_double(double value);
+
+}  // namespace sml::inspect

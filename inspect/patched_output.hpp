@@ -1,0 +1,56 @@
+#pragma once
+// Bytes that go out, where a count is known only when its entries are over.
+
+#include <cstdint>
+#include <cstring>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace sml::inspect {
+
+/// Writes to a stream that can seek, from where it stands.
+class PatchedOutput {
+public:
+    explicit PatchedOutput(std::ostream& out) : out_(out), start_(out.tellp()) {}
+
+    std::uint64_t offset() const noexcept { return flushed_ + buffer_.size(); }
+
+    void append(std::string_view bytes) {
+        if (buffer_.size() >= flushed_at) flush();
+        buffer_ += bytes;
+    }
+
+    template <class Word>
+    void append_word(Word word) {
+        append({reinterpret_cast<char const*>(&word), sizeof word});
+    }
+
+    /// Replaces the word that was appended at an offset.
+    void patch(std::uint64_t offset, std::uint32_t word) {
+        if (offset >= flushed_) {
+            std::memcpy(buffer_.data() + (offset - flushed_), &word, sizeof word);
+            return;
+        }
+        flush();
+        out_.seekp(start_ + static_cast<std::streamoff>(offset));
+        out_.write(reinterpret_cast<char const*>(&word), sizeof word);
+        out_.seekp(start_ + static_cast<std::streamoff>(flushed_));
+    }
+
+    void flush() {
+        out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+        flushed_ += buffer_.size();
+        buffer_.clear();
+    }
+
+private:
+    static constexpr std::size_t flushed_at = std::size_t{1} << 20;
+
+    std::ostream&  out_;
+    std::streampos start_;
+    std::string    buffer_;
+    std::uint64_t  flushed_ = 0;
+};
+
+}  // namespace sml::inspect

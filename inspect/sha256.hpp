@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct evp_md_ctx_st;
+
+namespace sml::inspect {
+
+class Sha256 {
+public:
+    Sha256();
+
+    void add(std::string_view bytes);
+
+    /// 64 hexadecimal digits in lower case; nothing can be added afterwards.
+    std::string hexadecimal();
+
+private:
+    struct Free {
+        void operator()(evp_md_ctx_st* context) const;
+    };
+    std::unique_ptr<evp_md_ctx_st, Free> context_;
+};
+
+}  // namespace sml::inspect

@@ -1,0 +1,120 @@
+#include "inspect/superseded.hpp"
+
+#include "inspect/key_table.hpp"
+#include "inspect/walker.hpp"
+
+#include <unordered_map>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace {
+
+// First half of the search: the hashes that two keys of one container may share, found by 32 bits
+// of each. A false one does no harm.
+class Suspecting : public SilentVisitor {
+public:
+    static constexpr bool compares_keys = true;
+
+    void open_keys(Type const&, std::uint64_t count) {
+        if (open_ == tables_.size()) tables_.emplace_back();
+        tables_[open_++].assign(slots_for(count), 0);
+    }
+
+    void close_keys() {
+        constexpr std::size_t most_kept = 4096;
+        auto&                 table = tables_[--open_];
+        if (table.capacity() > most_kept) table = {};
+    }
+
+    bool add_key(Type const&, std::uint64_t, std::uint64_t hash) {
+        auto&      table = tables_[open_ - 1];
+        auto const mark = static_cast<std::uint32_t>(hash) | 1;
+        for (std::size_t i = first_slot(hash, table.size());;
+             i = i + 1 == table.size() ? 0 : i + 1) {
+            if (table[i] == mark) suspects.insert(hash);
+            if (table[i] == mark || table[i] == 0) {
+                table[i] = mark;
+                return true;
+            }
+        }
+    }
+
+    std::unordered_set<std::uint64_t> suspects;
+
+private:
+    std::vector<std::vector<std::uint32_t>> tables_;  // 0: a free slot
+    std::size_t                             open_ = 0;
+};
+
+// Second half: exact, for the keys with a suspect hash.
+class Settling : public SilentVisitor {
+public:
+    Settling(Walk const& walk, std::unordered_set<std::uint64_t> suspects, std::size_t listed)
+        : walk_(walk), suspects_(std::move(suspects)), listed_(listed) {}
+
+    static constexpr bool compares_keys = true;
+
+    void open_keys(Type const& type, std::uint64_t) { open_.push_back({&type, {}}); }
+    void close_keys() { open_.pop_back(); }
+
+    bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
+        if (!suspects_.contains(hash)) return true;
+        auto& keys = open_.back().keys;
+        auto [known, end] = keys.equal_range(hash);
+        while (known != end && !walk_.same_key(key, known->second, offset)) ++known;
+        if (known == end) {
+            keys.emplace(hash, offset);
+            return true;
+        }
+        if (open_.back().type->last_wins)
+            found.entries.insert(std::exchange(known->second, offset));
+        else
+            found.entries.insert(offset);
+        return false;
+    }
+
+    template <class Make>
+    void odd(Oddity oddity, Make const& make) {
+        if (oddity == Oddity::repeated && found.findings.size() < listed_)
+            found.findings.push_back(make());
+    }
+
+    Superseded found;
+
+private:
+    struct Container {
+        Type const*                                           type;
+        std::unordered_multimap<std::uint64_t, std::uint64_t> keys;  // offsets by hash
+    };
+
+    Walk const&                       walk_;
+    std::unordered_set<std::uint64_t> suspects_;
+    std::size_t                       listed_;
+    std::vector<Container>            open_;
+};
+
+template <class Visitor>
+void walk_with(Visitor& visitor, Walk& walk, Root const& root) {
+    Walker(walk, visitor).run(*root.type);
+}
+
+}  // namespace
+
+Superseded superseded_entries(Root const& root, std::string_view bytes,
+                              VerifyOptions const& options) {
+    Suspecting suspecting;
+    {
+        Walk walk(bytes, options.limits);
+        walk.progress = options.progress;
+        walk_with(suspecting, walk, root);
+    }
+    if (suspecting.suspects.empty()) return {};
+    Walk walk(bytes, options.limits);
+    walk.progress = options.progress;
+    Settling settling(walk, std::move(suspecting.suspects), options.listed);
+    walk_with(settling, walk, root);
+    return std::move(settling.found);
+}
+
+}  // namespace sml::inspect

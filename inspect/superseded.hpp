@@ -1,0 +1,25 @@
+#pragma once
+// Entries that a reader drops because their container has another one with an equal key.
+
+#include "inspect/finding.hpp"
+#include "inspect/type.hpp"
+#include "inspect/verify.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace sml::inspect {
+
+struct Superseded {
+    std::unordered_set<std::uint64_t> entries;   ///< the offsets of their keys
+    std::vector<Finding>              findings;  ///< as many as are to be listed
+};
+
+/// Finds them with 6 bytes a key of the open containers. An unsafe byte ends the search.
+Superseded superseded_entries(Root const& root, std::string_view bytes,
+                              VerifyOptions const& options);
+
+}  // namespace sml::inspect

@@ -1,0 +1,95 @@
+#pragma once
+// Where a walk stands in bytes: what all walks share, whatever they tell to whom.
+
+#include "inspect/finding.hpp"
+#include "inspect/string_table.hpp"
+#include "inspect/type.hpp"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sml::inspect {
+
+/// One step of the path to the value at hand: the container and which of its parts.
+struct Step {
+    Type const*   type;
+    std::uint64_t part = nowhere;        ///< index of a field, part, arm, flag or element
+    std::uint64_t key_offset = nowhere;  ///< of the entry's key, once it has been walked
+
+    static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
+};
+
+/// The bytes, the place in them, the strings met and the estimate of the heap. Takes nothing
+/// beyond the bytes.
+class Walk {
+public:
+    Walk(std::string_view bytes, Limits const& limits);
+
+    std::uint64_t offset() const noexcept { return offset_; }
+    std::uint64_t size() const noexcept { return bytes_.size(); }
+    std::uint64_t left() const noexcept { return bytes_.size() - offset_; }
+
+    /// The next word; `left()` holds it.
+    template <class Word>
+    Word take_word() noexcept {
+        Word word;
+        std::memcpy(&word, bytes_.data() + offset_, sizeof word);
+        offset_ += sizeof word;
+        return word;
+    }
+
+    /// The next bytes; `left()` holds them.
+    std::string_view take(std::size_t size) noexcept {
+        std::string_view const taken(bytes_.data() + offset_, size);
+        offset_ += size;
+        return taken;
+    }
+
+    /// The path from the root to the value at hand, as in
+    /// `checks[("src/a.c",3)].category.OVFL.ovfl_data`; empty at the root.
+    std::string path() const;
+
+    /// Adds a step to a path.
+    void append_step(std::string& path, Step const& step) const;
+
+    /// The key at an offset that has been walked before, as paths show keys.
+    std::string key_text(Type const& type, std::uint64_t offset) const;
+
+    /// Whether the keys at two offsets that have been walked before are equal.
+    bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
+        return take_same_key(type, a, b);
+    }
+
+    StringTable       strings;
+    std::vector<Step> steps;
+    std::uint64_t     heap = 0;      ///< bytes that the object read takes, estimated
+    std::uint64_t     elements = 0;  ///< of all containers so far
+    Limits const      limits;
+
+    /// Told the offset now and then, if there is one: for another thread that shows progress.
+    std::atomic<std::uint64_t>* progress = nullptr;
+
+private:
+    bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
+    std::string_view take_string(std::uint64_t& offset) const;
+    std::string_view take_block(std::uint64_t& offset) const;
+    void             append_key(std::string& text, Type const& type, std::uint64_t& offset) const;
+
+    template <class Word>
+    Word take_word(std::uint64_t& offset) const noexcept {
+        Word word;
+        std::memcpy(&word, bytes_.data() + offset, sizeof word);
+        offset += sizeof word;
+        return word;
+    }
+
+    std::string_view bytes_;
+    std::uint64_t    offset_ = 0;
+};
+
+}  // namespace sml::inspect

@@ -1,0 +1,145 @@
+#include "inspect/number_text.hpp"
+
+#include "bindings/bindings.hpp"
+#include "tests/random_values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using sml::inspect::double_of;
+using sml::inspect::float_of;
+using sml::inspect::integer_of;
+using sml::inspect::is_float_width;
+using sml::inspect::is_written_float;
+using sml::inspect::is_written_integer;
+using sml::inspect::written_double;
+using namespace std::string_literals;
+
+constexpr std::int32_t widths[] = {16, 32, 40, 48, 64, 80, 128};
+
+/// The block of the one number in these bytes: behind a tag word and a length word.
+std::string block_of(std::string const& bytes, std::size_t at) {
+    std::int32_t length;
+    std::memcpy(&length, bytes.data() + at, sizeof length);
+    return bytes.substr(at + sizeof length, static_cast<std::size_t>(length));
+}
+
+/// A float of the format as the library writes it.
+std::string written(zelvanite::IEEE754Float const& value) {
+    sml::Answers::T_AnswerInspectionPoint answer;
+    auto& interval = answer.range.choose<"Value_Range">().intervals.emplace_back();
+    interval.choose<"Real_Interval">().lower = value;
+    std::string const bytes = sml::Answers_AnswerInspectionPoint_fromCxx(answer);
+    return block_of(bytes, 1 + 4 + 4 + 4 + 4);
+}
+
+zelvanite::IEEE754Float random_float(std::mt19937_64& engine, std::int32_t width) {
+    zelvanite::IEEE754Float value;
+    value.width = static_cast<std::uint64_t>(width);
+    auto const format = zelvanite::IEEE754Float::Format::of(value.width);
+    zelvanite::IEEE754Float::set_range(format);
+    mpfr_set_prec(value.number(), format.mantissa_bits);
+    auto const bits = static_cast<long>(engine() >> (engine() % 60));
+    mpfr_set_si(value.number(), engine() % 2 == 0 ? bits : -bits, MPFR_RNDN);
+    if (mpfr_zero_p(value.number()) == 0) {
+        auto const span = static_cast<std::uint64_t>(format.emax - format.emin + 1);
+        mpfr_set_exp(value.number(), format.emin + static_cast<mpfr_exp_t>(engine() % span));
+    }
+    return value;
+}
+
+TEST(NumberText, WrittenFloatsAreKnownAsSuch) {
+    for (std::uint64_t seed = 1; seed <= 20000; ++seed) {
+        std::mt19937_64    engine(seed);
+        std::int32_t const width = widths[engine() % 7];
+        std::string const  text = written(random_float(engine, width));
+        ASSERT_TRUE(is_written_float(text, width)) << text << " seed " << seed;
+        ASSERT_EQ(float_of(text, width), text) << " seed " << seed;
+    }
+}
+
+// Whatever the text, it is known as written exactly when writing what is read gives it again.
+TEST(NumberText, JudgementOfFloatsAgreesWithReadingAndWriting) {
+    constexpr std::string_view alphabet = "0123456789ABCDEFabcXPp+-. INF";
+    int                        known = 0;
+    for (std::uint64_t seed = 1; seed <= 20000; ++seed) {
+        std::mt19937_64    engine(seed);
+        std::int32_t const width = widths[engine() % 7];
+        std::string        text = written(random_float(engine, widths[engine() % 7]));
+        for (auto edits = engine() % 3; edits > 0; --edits) {
+            std::size_t const at = engine() % (text.size() + 1);
+            char const        c = alphabet[engine() % alphabet.size()];
+            switch (engine() % 3) {
+                case 0: text.insert(at, 1, c); break;
+                case 1: text.erase(at, 1); break;
+                default: text[at % text.size()] = c;
+            }
+            if (text.empty()) text = "0";
+        }
+        bool const is_written = is_written_float(text, width);
+        known += is_written;
+        ASSERT_EQ(is_written, float_of(text, width) == text)
+            << '"' << text << "\" width " << width << " seed " << seed;
+    }
+    EXPECT_GT(known, 1000);
+}
+
+TEST(NumberText, FloatWords) {
+    for (std::int32_t const width : widths) {
+        EXPECT_TRUE(is_float_width(width));
+        for (char const* text : {"NAN", "INF", "-INF", "0X0P+0", "-0X0P+0", "0X1.8P+0"})
+            EXPECT_TRUE(is_written_float(text, width)) << text;
+        for (char const* text : {"", "-NAN", "nan", "inf", "+INF", "0x1.8P+0", "0X1.80P+0",
+                                 "0X1.8P+1", "0X1.8P0", "0X01.8P+0", "0XP+0", "1", "0X1.8P+0 "})
+            EXPECT_FALSE(is_written_float(text, width)) << text;
+    }
+    for (std::int32_t const width : {0, -1, 17, 63, 256}) EXPECT_FALSE(is_float_width(width));
+}
+
+TEST(NumberText, ExponentRangeOfTheProcessStays) {
+    zelvanite::IEEE754Float const narrow = [] {
+        zelvanite::IEEE754Float value;
+        value.width = 16;
+        return zelvanite::IEEE754Float(value);
+    }();
+    static_cast<void>(float_of("1.25e3", 128));
+    EXPECT_EQ(mpfr_get_emin(), -23);
+    EXPECT_EQ(mpfr_get_emax(), 16);
+}
+
+TEST(NumberText, Integers) {
+    for (std::string const& block : {"0\0\0"s, "1f\0\0"s, "-1f\0"s, "-ffffffffffffffffff\0"s})
+        EXPECT_TRUE(is_written_integer(block)) << block;
+    for (std::string const& block :
+         {""s, "\0\0"s, "0"s, "0\0"s, "0\0\0\0"s, "-0\0"s, "1F\0\0"s, "01f\0\0"s, "-1f\0\0"s,
+          "1f\0"s, "+1f\0\0"s, " 1f\0\0"s, "1g\0\0"s, "-\0"s, "1\0f\0\0"s})
+        EXPECT_FALSE(is_written_integer(block)) << block;
+    EXPECT_EQ(integer_of("00FF"), "ff");
+    EXPECT_EQ(integer_of("-0\0"s), "0");
+    EXPECT_EQ(integer_of("x"), "0");
+    EXPECT_EQ(integer_of("1\0f\0\0"s), "1");
+}
+
+TEST(NumberText, DoublesThatThrowHaveNoValue) {
+    for (char const* block : {"", "x", "1e999", "-1e999", "1e-310", "."})
+        EXPECT_FALSE(double_of(block)) << block;
+    EXPECT_EQ(double_of("1.5tail"), 1.5);
+    EXPECT_EQ(double_of(" 0x10"), 16.0);
+    EXPECT_EQ(double_of("1.5\0garbage"s), 1.5);
+}
+
+TEST(NumberText, DoublesAsTheyAreWritten) {
+    for (char const* block : {"1.500000", "0.000000", "-0.000000", "inf", "-inf", "nan", "-nan"})
+        EXPECT_EQ(block, written_double(*double_of(block))) << block;
+    for (char const* block :
+         {"1.5", "1.5000000", "+1.500000", "0.1234567", "INF", "infinity", "1e3"})
+        EXPECT_NE(block, written_double(*double_of(block)));
+}
+
+}  // namespace

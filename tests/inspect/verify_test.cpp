@@ -1,0 +1,276 @@
+#include "inspect/verify.hpp"
+
+#include "bindings/bindings.hpp"
+#include "tests/hex.hpp"
+#include "tests/random_values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using sml::inspect::Answer;
+using sml::inspect::find_root;
+using sml::inspect::Finding;
+using sml::inspect::Limits;
+using sml::inspect::Verdict;
+using sml::inspect::verify;
+
+/// What the tests do with a root, whatever its type.
+struct RootCase {
+    char const*                               stem;
+    std::function<std::string(RandomValues&)> random_bytes;
+    std::function<void(std::string const&)>   read_exactly;
+};
+
+/// Reads from a block of exactly these bytes, where a sanitizer sees a read beyond them, and from a
+/// stream that tells how many were taken.
+template <class T>
+void read_exactly(std::string const& bytes, void (*to_cxx)(T&, char const*),
+                  void (*from_stream)(T&, std::istream&)) {
+    auto const block = std::make_unique<char[]>(bytes.size());
+    std::memcpy(block.get(), bytes.data(), bytes.size());
+    T value{};
+    EXPECT_NO_THROW(to_cxx(value, block.get()));
+    T                  streamed{};
+    std::istringstream stream(bytes + "x");
+    stream >> std::noskipws;
+    EXPECT_NO_THROW(from_stream(streamed, stream));
+    EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(bytes.size()));
+}
+
+std::vector<RootCase> const& root_cases() {
+#define SML_ROOT(Stem, ...)                                                                       \
+    {#Stem, [](RandomValues& random) { return sml::Stem##_fromCxx(random.make<__VA_ARGS__>()); }, \
+     [](std::string const& bytes) {                                                               \
+         read_exactly<__VA_ARGS__>(bytes, &sml::Stem##_toCxx, &sml::Stem##_fromStream);           \
+     }},
+    static std::vector<RootCase> const cases{
+#include "bindings/roots.def"
+    };
+    return cases;
+}
+
+std::string told(Finding const& finding) {
+    return std::to_string(finding.offset) + " " + finding.path + ": expected " + finding.expected +
+           ", found " + finding.found;
+}
+
+std::string told(Verdict const& verdict) {
+    std::string all;
+    for (Finding const& finding : verdict.findings) all += told(finding) + "\n";
+    return all;
+}
+
+Verdict verify_hex(char const* stem, std::string_view bytes) {
+    return verify(*find_root(stem), hex::bytes(bytes));
+}
+
+TEST(Verify, WhatIsWrittenIsGood) {
+    for (RootCase const& root : root_cases()) {
+        for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+            SCOPED_TRACE(root.stem + std::string(", seed ") + std::to_string(seed));
+            RandomValues  random(seed);
+            Verdict const verdict = verify(*find_root(root.stem), root.random_bytes(random));
+            EXPECT_EQ(verdict.answer, Answer::good) << told(verdict);
+        }
+    }
+}
+
+TEST(Verify, EveryCutIsUnsafe) {
+    for (RootCase const& root : root_cases()) {
+        SCOPED_TRACE(root.stem);
+        RandomValues      random(3, {.elements = 1, .depth = 3});
+        std::string const bytes = root.random_bytes(random);
+        for (std::size_t size = 0; size < bytes.size(); ++size) {
+            Verdict const verdict = verify(*find_root(root.stem), bytes.substr(0, size));
+            ASSERT_EQ(verdict.answer, Answer::unsafe) << size << " of " << bytes.size();
+            EXPECT_LE(verdict.findings.back().offset, size);
+        }
+    }
+}
+
+TEST(Verify, OneByteMoreIsUnsafe) {
+    for (RootCase const& root : root_cases()) {
+        SCOPED_TRACE(root.stem);
+        RandomValues  random(4);
+        std::string   bytes = root.random_bytes(random);
+        Verdict const verdict = verify(*find_root(root.stem), bytes + '\0');
+        EXPECT_EQ(verdict.answer, Answer::unsafe);
+        EXPECT_EQ(verdict.findings.back().offset, bytes.size());
+    }
+}
+
+TEST(Verify, WhatIsNotUnsafeIsReadToTheLastByte) {
+    constexpr char         bytes_tried[] = {'\0', '\1', 'F', 'T', '0', ' ', '\x7F', '\xFF'};
+    constexpr std::int32_t words_tried[] = {0, -1, std::numeric_limits<std::int32_t>::max(),
+                                            std::numeric_limits<std::int32_t>::min()};
+    Limits const           limits{.memory = std::uint64_t{1} << 24};
+    int                    accepted = 0;
+    for (RootCase const& root : root_cases()) {
+        SCOPED_TRACE(root.stem);
+        RandomValues      random(5, {.elements = 1, .depth = 3});
+        std::string const bytes = root.random_bytes(random);
+        auto              try_bytes = [&](std::string const& mutated) {
+            if (verify(*find_root(root.stem), mutated, {.limits = limits}).answer == Answer::unsafe)
+                return;
+            ++accepted;
+            root.read_exactly(mutated);
+        };
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
+            std::string mutated = bytes;
+            for (char const byte : bytes_tried) {
+                mutated[at] = byte;
+                try_bytes(mutated);
+            }
+            if (at + sizeof(std::int32_t) > bytes.size()) continue;
+            for (std::int32_t const word : words_tried) {
+                mutated = bytes;
+                std::memcpy(mutated.data() + at, &word, sizeof word);
+                try_bytes(mutated);
+            }
+        }
+    }
+    EXPECT_GT(accepted, 1000);
+}
+
+/// The one odd finding of bytes that are otherwise good.
+Finding the_odd_finding(char const* stem, std::string_view bytes) {
+    Verdict const verdict = verify_hex(stem, bytes);
+    EXPECT_EQ(verdict.answer, Answer::odd) << told(verdict);
+    EXPECT_EQ(verdict.odd_count, 1u) << told(verdict);
+    return verdict.findings.empty() ? Finding{} : verdict.findings.front();
+}
+
+TEST(Verify, FlagOtherThanTOrFIsOdd) {
+    Finding const finding = the_odd_finding("Answers_Answer", "20");
+    EXPECT_EQ(told(finding),
+              "0 flag: expected T or F, found ' ', which reading from a stream skips");
+    EXPECT_EQ(the_odd_finding("Answers_Answer", "'t'").found, "'t'");
+}
+
+TEST(Verify, UnsetVariantIsOdd) {
+    Finding const finding =
+        the_odd_finding("Interrogators_QuestionRef", "FF FF FF FF  00 00 00 00 00 00 00 00");
+    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 1, found -1, a variant never set");
+}
+
+TEST(Verify, UnknownTagIsOddAndServedByTheLastArm) {
+    Finding const finding =
+        the_odd_finding("IL_Extras_ZelvaniteResultData", "1A 00 00 00  01 00 00 00");
+    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 25, found 26");
+}
+
+TEST(Verify, UnknownEnumeratorIsOdd) {
+    Finding const finding =
+        the_odd_finding("IL_Extras_ZelvaniteResultData", "19 00 00 00  04 00 00 00");
+    EXPECT_EQ(told(finding),
+              "4 Variable_Value_Scalar: expected an enumerator from 0 to 3, found 4");
+}
+
+TEST(Verify, DuplicateKeyIsOddWhateverItsSpelling) {
+    Finding const finding = the_odd_finding("String_To_StringSet_T",
+                                            "02 00 00 00"
+                                            "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
+                                            "01 00 00 00  00 00 00 00");
+    EXPECT_EQ(told(finding),
+              "17 [#1].key: expected a key or element that is not there yet, "
+              "found \"a\" again");
+}
+
+TEST(Verify, DuplicateElementIsOdd) {
+    Finding const finding = the_odd_finding("String_To_StringSet_T",
+                                            "01 00 00 00"
+                                            "FF FF FF FF  01 00 00 00 'a'"
+                                            "02 00 00 00  01 00 00 00  01 00 00 00");
+    EXPECT_EQ(finding.offset, 21u);
+    EXPECT_EQ(finding.path, "[\"a\"][1]");
+}
+
+TEST(Verify, TextToldTwiceIsOdd) {
+    Finding const finding = the_odd_finding("String_To_StringSet_T",
+                                            "01 00 00 00"
+                                            "FF FF FF FF  01 00 00 00 'a'"
+                                            "01 00 00 00  FE FF FF FF  01 00 00 00 'a'");
+    EXPECT_EQ(told(finding),
+              "17 [\"a\"][0]: expected a reference to the text told before, "
+              "found the text told again");
+}
+
+TEST(Verify, IdOutOfSequenceIsOdd) {
+    EXPECT_EQ(the_odd_finding("String_To_StringSet_T",
+                              "01 00 00 00  FD FF FF FF  01 00 00 00 'a'  00 00 00 00")
+                  .found,
+              "id 3");
+    EXPECT_EQ(the_odd_finding("String_To_StringSet_T",
+                              "01 00 00 00  00 00 00 00  01 00 00 00 'a'  00 00 00 00")
+                  .found,
+              "id 0");
+}
+
+TEST(Verify, UndefinedIdIsOddAndIsTheEmptyTextFromThenOn) {
+    // Id 1 is used, then told: the reader's table keeps the empty text for it.
+    Verdict const verdict = verify_hex("String_To_StringSet_T",
+                                       "02 00 00 00"
+                                       "01 00 00 00  00 00 00 00"
+                                       "FF FF FF FF  01 00 00 00 'a'"
+                                       "01 00 00 00  01 00 00 00");
+    ASSERT_EQ(verdict.odd_count, 1u) << told(verdict);
+    EXPECT_EQ(told(verdict.findings.front()), "4 [#0].key: expected an id told before, found id 1");
+}
+
+TEST(Verify, LengthBeyondTheBytesIsUnsafe) {
+    Verdict const verdict =
+        verify_hex("String_To_StringSet_T", "01 00 00 00  FF FF FF FF  02 00 00 00 'a'");
+    ASSERT_EQ(verdict.answer, Answer::unsafe);
+    EXPECT_EQ(told(verdict), "8 [#0].key: expected a length from 0 to 1, found 2\n");
+}
+
+TEST(Verify, NegativeLengthIsUnsafe) {
+    Verdict const verdict =
+        verify_hex("String_To_StringSet_T", "01 00 00 00  FF FF FF FF  FF FF FF FF  00 00 00 00");
+    ASSERT_EQ(verdict.answer, Answer::unsafe);
+    EXPECT_EQ(verdict.findings.back().found, "-1");
+}
+
+TEST(Verify, CountThatCannotFitIsUnsafe) {
+    Verdict const verdict = verify_hex("String_To_StringSet_T", "FF FF FF FF  00 00 00 00");
+    ASSERT_EQ(verdict.answer, Answer::unsafe);
+    EXPECT_EQ(told(verdict), "0 : expected a count of at most 0, found 4294967295\n");
+}
+
+TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
+    Verdict const verdict =
+        verify(*find_root("IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList"),
+               hex::bytes("05 00 00 00  00 00 00 00 00  00 00 00 00 00  00 00 00 00 00"
+                          "00 00 00 00 00  00 00 00 00 00"),
+               {.limits = {}, .listed = 2});
+    EXPECT_EQ(verdict.answer, Answer::odd);
+    EXPECT_EQ(verdict.odd_count, 5u);
+    EXPECT_EQ(verdict.findings.size(), 2u);
+}
+
+TEST(Verify, DepthBeyondTheLimitIsUnsafe) {
+    std::string const bytes = hex::bytes("01 00 00 00  FF FF FF FF  01 00 00 00 'a'  00 00 00 00");
+    auto const&       root = *find_root("String_To_StringSet_T");
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 2}}).answer, Answer::good);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 1}}).answer, Answer::unsafe);
+}
+
+TEST(Verify, HeapEstimateBeyondTheLimitIsUnsafe) {
+    std::string const bytes = hex::bytes("01 00 00 00  FF FF FF FF  01 00 00 00 'a'  00 00 00 00");
+    auto const&       root = *find_root("String_To_StringSet_T");
+    std::uint64_t const heap = verify(root, bytes).heap;
+    EXPECT_GT(heap, 0u);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap}}).answer, Answer::good);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap - 1}}).answer, Answer::unsafe);
+}
+
+}  // namespace

@@ -6,6 +6,8 @@
 #include <istream>
 #include <ostream>
 
+#include "errors.hpp"
+
 namespace bradep {
 
 struct Streams {
@@ -14,7 +16,7 @@ struct Streams {
     std::ostream& err;
 };
 
-using Action = std::function<void(Streams&)>;
+using Action = std::function<Exit_Code(Streams&)>;
 
 struct Command {
     char const* name;
@@ -22,7 +24,15 @@ struct Command {
     Action (*declare)(CLI::App&);  // declares the options and returns what to do with them
 };
 
+Action declare_canon(CLI::App& app);
+Action declare_digest(CLI::App& app);
+Action declare_dump(CLI::App& app);
+Action declare_encode(CLI::App& app);
+Action declare_identify(CLI::App& app);
 Action declare_import(CLI::App& app);
+Action declare_roots(CLI::App& app);
+Action declare_schema(CLI::App& app);
 Action declare_show(CLI::App& app);
+Action declare_verify(CLI::App& app);
 
 }  // namespace bradep

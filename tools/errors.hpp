@@ -5,7 +5,11 @@
 
 namespace bradep {
 
-enum Exit_Code : int { exit_done = 0, exit_damaged_input = 1, exit_usage_or_io = 2 };
+enum Exit_Code : int {
+    exit_done = 0,
+    exit_no = 1,  // the input is damaged, or the answer is no
+    exit_usage_or_io = 2
+};
 
 // The input was read but is not what it has to be. The text starts with the place.
 struct Damaged_Input : std::runtime_error {

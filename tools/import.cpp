@@ -57,7 +57,10 @@ Action declare_import(CLI::App& app) {
                    "The result set to write; it appears whole or not at all. - is standard output")
         ->required()
         ->type_name("FILE");
-    return [options](Streams& streams) { import_logs(*options, streams); };
+    return [options](Streams& streams) {
+        import_logs(*options, streams);
+        return exit_done;
+    };
 }
 
 }  // namespace bradep

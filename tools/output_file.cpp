@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 #include <string>
 
 #include "errors.hpp"
@@ -150,6 +151,21 @@ void write_file(fs::path const& named_target, std::function<void(std::ostream&)>
     Removal_On_Interrupt const removal(sibling.path());
     write_to(sibling.path(), named_target, write);
     sibling.take_place();
+}
+
+void write_seekable(std::string const& target, std::ostream& standard_output,
+                    std::function<void(std::ostream&)> const& write) {
+    std::error_code error;
+    auto const      status = fs::status(target, error);
+    bool const      can_seek = !fs::exists(status) || fs::is_regular_file(status);
+    if (target != "-" && (can_seek || fs::is_directory(status))) return write_file(target, write);
+    std::ostringstream whole(std::ios::binary);
+    write(whole);
+    auto const write_whole = [&](std::ostream& out) { out << whole.view(); };
+    if (target == "-")
+        write_whole(standard_output);
+    else
+        write_file(target, write_whole);
 }
 
 }  // namespace bradep

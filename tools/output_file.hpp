@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
+#include <string>
 
 namespace bradep {
 
@@ -11,5 +12,10 @@ namespace bradep {
 // regular file (a pipe, a device) is written to directly. Throws Io_Failure.
 void write_file(std::filesystem::path const&              target,
                 std::function<void(std::ostream&)> const& write);
+
+// The same for a `write` that seeks; "-" is `standard_output`. A target that can't seek gets all of
+// it at the end.
+void write_seekable(std::string const& target, std::ostream& standard_output,
+                    std::function<void(std::ostream&)> const& write);
 
 }  // namespace bradep

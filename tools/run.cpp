@@ -15,12 +15,19 @@ namespace {
 constexpr Command commands[] = {
     {"import", "Make a result set from the SARIF output of an analyser", declare_import},
     {"show", "Print what a result set holds", declare_show},
+    {"verify", "Tell whether bytes are safe to read, and what is odd about them", declare_verify},
+    {"dump", "Print bytes as JSON", declare_dump},
+    {"encode", "Make bytes of that JSON again", declare_encode},
+    {"identify", "List the roots that bytes can be", declare_identify},
+    {"canon", "Write the canonical bytes", declare_canon},
+    {"digest", "Print the SHA-256 of the canonical bytes", declare_digest},
+    {"schema", "Print the types of the wire form as JSON, or what changed in them", declare_schema},
+    {"roots", "List the root types", declare_roots},
 };
 
 constexpr char const* exit_codes =
-    "Exit codes: 0 done, 1 the input is damaged, 2 wrong usage or a file that cannot be read or "
-    "written.\n"
-    "An error is one line on standard error.";
+    "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage or a file that\n"
+    "cannot be read or written. Errors go to standard error.";
 
 int report(std::ostream& err, Exit_Code code, std::string const& what) {
     err << "bradep: " << printable(what) << '\n';
@@ -35,19 +42,20 @@ void finish(std::ostream& out) {
                          std::strerror(errno ? errno : EIO));
 }
 
-int parse_and_act(CLI::App& app, std::vector<std::string> args, std::vector<Action> const& actions,
-                  Streams streams) {
+Exit_Code parse_and_act(CLI::App& app, std::vector<std::string> args,
+                        std::vector<Action> const& actions, Streams streams) {
+    Exit_Code code = exit_done;
     try {
         std::reverse(args.begin(), args.end());  // as the parser wants them
         app.parse(std::move(args));
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
         for (std::size_t i = 0; i < actions.size(); ++i)
-            if (app.got_subcommand(commands[i].name)) actions[i](streams);
+            if (app.got_subcommand(commands[i].name)) code = actions[i](streams);
     } catch (CLI::Success const& help_or_version) {
         app.exit(help_or_version, streams.out, streams.err);
     }
     finish(streams.out);
-    return exit_done;
+    return code;
 }
 
 }  // namespace
@@ -70,7 +78,7 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
         return report(err, exit_usage_or_io,
                       std::string(error.what()) + " (bradep --help tells more)");
     } catch (Damaged_Input const& error) {
-        return report(err, exit_damaged_input, error.what());
+        return report(err, exit_no, error.what());
     } catch (std::bad_alloc const&) {
         return report(err, exit_usage_or_io, "out of memory");
     } catch (std::exception const& error) {

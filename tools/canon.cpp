@@ -1,0 +1,66 @@
+#include <memory>
+
+#include "errors.hpp"
+#include "inspect/canonical.hpp"
+#include "output_file.hpp"
+#include "walk_options.hpp"
+
+namespace bradep {
+namespace {
+
+using namespace sml::inspect;
+
+struct Options : Walk_Options {
+    std::string output;
+};
+
+// Throws Damaged_Input for bytes that have no canonical form.
+void refuse_without_canonical_form(Walked_Input const& input) {
+    Verdict const verdict = verify(input.root(), input.bytes(), input.verify());
+    if (verdict.reason_against_encoding)
+        throw Damaged_Input(input.name() +
+                            ": no canonical form: " + described(*verdict.reason_against_encoding));
+}
+
+Exit_Code write_canon(Options const& options, Streams& streams) {
+    Walked_Input const input(options, streams);
+    refuse_without_canonical_form(input);
+    write_seekable(options.output, streams.out, [&](std::ostream& out) {
+        write_canonical(input.root(), input.bytes(), out, input.verify().limits);
+    });
+    return exit_done;
+}
+
+Exit_Code print_digest(Walk_Options const& options, Streams& streams) {
+    Walked_Input const input(options, streams);
+    refuse_without_canonical_form(input);
+    streams.out << digest(input.root(), input.bytes(), input.verify().limits) << '\n';
+    return exit_done;
+}
+
+constexpr char const* what_is_canonical =
+    "Canonical bytes have the entries of sets and tables in the order of their bytes, with "
+    "strings\n"
+    "compared by text and numbered anew: equal bytes for equal content.\n";
+
+}  // namespace
+
+Action declare_canon(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    declare_walk_options(app, *options);
+    app.add_option("-o,--output", options->output,
+                   "The bytes to write; they appear whole or not at all. - is standard output")
+        ->required()
+        ->type_name("FILE");
+    app.footer(what_is_canonical);
+    return [options](Streams& streams) { return write_canon(*options, streams); };
+}
+
+Action declare_digest(CLI::App& app) {
+    auto options = std::make_shared<Walk_Options>();
+    declare_walk_options(app, *options);
+    app.footer(what_is_canonical);
+    return [options](Streams& streams) { return print_digest(*options, streams); };
+}
+
+}  // namespace bradep

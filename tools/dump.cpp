@@ -1,0 +1,62 @@
+#include "inspect/dump.hpp"
+
+#include <memory>
+
+#include "errors.hpp"
+#include "printable.hpp"
+#include "walk_options.hpp"
+
+namespace bradep {
+namespace {
+
+using namespace sml::inspect;
+
+struct Options : Walk_Options {
+    bool        pretty = false;
+    std::string part;
+    std::string table;
+};
+
+Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& streams) {
+    Walked_Input const input(options, streams);
+    DumpOptions        dump_options{.walk = input.verify()};
+    bool const         in_lines = app.count("--ndjson") > 0;
+    dump_options.path = in_lines ? options.table : options.part;
+    if (in_lines)
+        dump_options.form = DumpOptions::Form::lines;
+    else if (options.pretty)
+        dump_options.form = DumpOptions::Form::pretty;
+
+    Dumped const dumped = dump(input.root(), input.bytes(), streams.out, dump_options);
+    report_findings(streams.err, input.name(), dumped.findings, dumped.odd_count);
+    if (!dumped.found && dumped.answer != Answer::unsafe)
+        streams.err << "bradep: "
+                    << printable(input.name() + ": there is no " + (in_lines ? "table " : "") +
+                                 dump_options.path)
+                    << '\n';
+    return dumped.found && dumped.answer != Answer::unsafe ? exit_done : exit_no;
+}
+
+}  // namespace
+
+Action declare_dump(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    declare_walk_options(app, *options);
+    declare_findings_option(app, *options);
+    auto* const pretty = app.add_flag("--pretty", options->pretty, "With line breaks");
+    auto* const select =
+        app.add_option("--select", options->part,
+                       "Only this part, as in checks[(\"src/a.c\",3)].category.OVFL")
+            ->type_name("PATH");
+    app.add_option("--ndjson", options->table,
+                   "One line for each element or [key, value] of this list, set or table")
+        ->type_name("PATH")
+        ->excludes(pretty)
+        ->excludes(select);
+    app.footer(
+        "Prints JSON of whatever a reader of the bytes would have. Bytes that are unsafe end the\n"
+        "value: {\"unsafe\": ...} stands in its place, and the finding goes to standard error.\n");
+    return [options, &app](Streams& streams) { return dump_file(*options, app, streams); };
+}
+
+}  // namespace bradep

@@ -1,0 +1,41 @@
+#include <memory>
+
+#include "errors.hpp"
+#include "input_file.hpp"
+#include "printable.hpp"
+#include "walk_options.hpp"
+
+namespace bradep {
+namespace {
+
+using namespace sml::inspect;
+
+Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
+    auto const        name = input_name(options.file);
+    Input_Bytes const input(options.file, streams.in);
+    auto const        candidates = identify(input.view(), options.verify);
+    for (Candidate const& candidate : candidates)
+        if (candidate.answer != Answer::unsafe) streams.out << candidate.root->stem << '\n';
+    Candidate const& best = candidates.front();
+    if (best.answer != Answer::unsafe) return exit_done;
+    streams.err << "bradep: " << printable(name) << ": fits no root; " << best.root->stem
+                << " came furthest, to byte " << best.walked << " of " << input.view().size()
+                << '\n';
+    return exit_no;
+}
+
+}  // namespace
+
+Action declare_identify(CLI::App& app) {
+    auto options = std::make_shared<Walk_Options>();
+    app.add_option("FILE", options->file, "The bytes. - is standard input")
+        ->required()
+        ->type_name("");
+    declare_limits(app, options->verify.limits);
+    app.footer(
+        "Prints one stem a line: the roots that the bytes are good for, then those that they are\n"
+        "odd for.\n");
+    return [options](Streams& streams) { return identify_file(*options, streams); };
+}
+
+}  // namespace bradep

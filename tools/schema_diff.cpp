@@ -1,0 +1,250 @@
+#include "schema_diff.hpp"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace bradep {
+namespace {
+
+namespace json = boost::json;
+using json_input::Misfit;
+
+constexpr std::string_view inner_kinds[] = {"optional", "boxed", "list", "set",
+                                            "map",      "tuple", "flags"};
+
+std::string text(json::value const& object, std::string_view name) {
+    if (auto found = json_input::text(object, name)) return *std::move(found);
+    throw Misfit{&object, "not a schema: the member \"" + std::string(name) + "\" is missing"};
+}
+
+json::array const& list(json::value const& object, std::string_view name) {
+    if (auto const* const found = json_input::list(object, name)) return *found;
+    throw Misfit{&object, "not a schema: the member \"" + std::string(name) + "\" is missing"};
+}
+
+json::value const& part(json::value const& object, std::string_view name) {
+    if (auto const* const found = json_input::member(object, name)) return *found;
+    throw Misfit{&object, "not a schema: the member \"" + std::string(name) + "\" is missing"};
+}
+
+// What a type is made of: its name or kind, and the types inside one without a name.
+struct Shape {
+    std::string                     kind;
+    std::vector<json::value const*> inner;
+    std::int64_t                    flags = 0;
+};
+
+Shape shape_of(json::value const& use) {
+    if (auto const* const name = use.if_string()) return {std::string(*name), {}, 0};
+    for (std::string_view const kind : inner_kinds) {
+        auto const* const inside = json_input::member(use, kind);
+        if (inside == nullptr) continue;
+        if (kind == "boxed") return shape_of(*inside);
+        Shape shape{std::string(kind), {}, 0};
+        if (auto const* const number = inside->if_int64())
+            shape.flags = *number;
+        else if (auto const* const several = inside->if_array())
+            for (json::value const& one : *several) shape.inner.push_back(&one);
+        else
+            shape.inner.push_back(inside);
+        return shape;
+    }
+    throw Misfit{&use, "not a schema: no type"};
+}
+
+std::string spelled(json::value const& use) {
+    Shape const shape = shape_of(use);
+    if (shape.kind == "flags") return std::to_string(shape.flags) + " flags";
+    std::string text = shape.kind;
+    for (std::size_t i = 0; i < shape.inner.size(); ++i)
+        text += (i == 0 ? "<" : ", ") + spelled(*shape.inner[i]);
+    return shape.inner.empty() ? text : text + ">";
+}
+
+struct Named {
+    std::string        name;
+    json::value const* type;  // null where there is none
+};
+
+std::vector<Named> fields_of(json::value const& definition) {
+    std::vector<Named> fields;
+    for (json::value const& field : list(definition, "fields"))
+        fields.push_back({text(field, "name"), &part(field, "type")});
+    return fields;
+}
+
+// Arms with their payloads, or enumerators; the place is the tag.
+std::vector<Named> tagged_of(json::value const& definition) {
+    std::vector<Named> all;
+    if (auto const* const enumerators = json_input::list(definition, "enumerators")) {
+        for (json::value const& one : *enumerators) all.push_back({json_input::text_of(one), {}});
+        return all;
+    }
+    for (json::value const& arm : list(definition, "arms"))
+        all.push_back({text(arm, "name"), json_input::member(arm, "payload")});
+    return all;
+}
+
+bool takes_rest(json::value const& definition) {
+    auto const* const arms = json_input::list(definition, "arms");
+    return arms != nullptr && !arms->empty() &&
+           json_input::member(arms->back(), "serves_all_other_tags") != nullptr;
+}
+
+std::vector<Named>::const_iterator find(std::vector<Named> const& all, std::string const& name) {
+    return std::ranges::find(all, name, &Named::name);
+}
+
+class Comparison {
+public:
+    Comparison(json::value const& old, json::value const& now)
+        : old_types_(part(old, "types")), now_types_(part(now, "types")) {}
+
+    std::vector<std::string> changes;
+
+    void compare(json::value const& old, json::value const& now, std::string const& where) {
+        Shape const       was = shape_of(old);
+        Shape const       is = shape_of(now);
+        auto const* const old_type = json_input::member(old_types_, was.kind);
+        auto const* const now_type = json_input::member(now_types_, is.kind);
+        if (old_type != nullptr && now_type != nullptr)
+            return compare_named({was.kind, old_type}, {is.kind, now_type}, where);
+        if (was.kind != is.kind || was.inner.size() != is.inner.size() || was.flags != is.flags)
+            return tell(where, "was " + spelled(old) + ", is " + spelled(now));
+        for (std::size_t i = 0; i < was.inner.size(); ++i)
+            compare(*was.inner[i], *is.inner[i], where);
+    }
+
+private:
+    void tell(std::string const& where, std::string const& what) {
+        changes.push_back(where + ": " + what);
+    }
+
+    void compare_named(Named const& old, Named const& now, std::string const& where) {
+        if (!compared_.emplace(old.name, now.name).second) return;
+        auto const kind_of = [](Named const& type) {
+            auto kind = text(*type.type, "kind");
+            return kind == "group" ? "record" : kind;
+        };
+        auto const was = kind_of(old);
+        auto const is = kind_of(now);
+        if (was != is)
+            return tell(where,
+                        "was the " + was + " " + old.name + ", is the " + is + " " + now.name);
+        if (was == "record")
+            compare_fields(now.name, fields_of(*old.type), fields_of(*now.type));
+        else
+            compare_tagged(now.name, was == "enumeration" ? "enumerator" : "arm", *old.type,
+                           *now.type);
+    }
+
+    void compare_fields(std::string const& type, std::vector<Named> const& old,
+                        std::vector<Named> const& now) {
+        std::vector<std::string> kept_before;
+        for (Named const& field : old)
+            if (find(now, field.name) == now.end())
+                tell(type, "the field " + field.name + " is gone");
+            else
+                kept_before.push_back(field.name);
+        std::vector<std::string> kept_now;
+        for (Named const& field : now) {
+            auto const was = find(old, field.name);
+            if (was == old.end()) {
+                tell(type, "the field " + field.name + " is new");
+                continue;
+            }
+            kept_now.push_back(field.name);
+            compare(*was->type, *field.type, type + "." + field.name);
+        }
+        for (std::size_t i = 0; i < kept_now.size(); ++i)
+            if (kept_before[i] != kept_now[i])
+                return tell(type,
+                            "the fields from " + kept_before[i] + " on stand in another order");
+    }
+
+    void compare_tagged(std::string const& type, std::string const& noun, json::value const& old,
+                        json::value const& now) {
+        auto const  was = tagged_of(old);
+        auto const  is = tagged_of(now);
+        std::string moved;
+        for (std::size_t tag = 0; tag < was.size(); ++tag) {
+            auto const found = find(is, was[tag].name);
+            if (found == is.end()) {
+                tell(type, "the " + noun + " " + was[tag].name + " with tag " +
+                               std::to_string(tag) + " is gone");
+                continue;
+            }
+            auto const tag_now = static_cast<std::size_t>(found - is.begin());
+            if (tag_now != tag)
+                moved += (moved.empty() ? "" : ", ") + was[tag].name + " " + std::to_string(tag) +
+                         " -> " + std::to_string(tag_now);
+            compare_payloads(type + "." + was[tag].name, was[tag].type, found->type);
+        }
+        if (!moved.empty()) tell(type, news(noun, was, is) + "tags move: " + moved);
+        compare_rest(type, was, is, takes_rest(old), takes_rest(now));
+    }
+
+    // Which names push the others aside.
+    static std::string news(std::string const& noun, std::vector<Named> const& was,
+                            std::vector<Named> const& is) {
+        std::string all;
+        for (Named const& one : is)
+            if (find(was, one.name) == was.end()) all += (all.empty() ? "" : ", ") + one.name;
+        return all.empty() ? "" : "with the new " + noun + " " + all + " ";
+    }
+
+    void compare_payloads(std::string const& where, json::value const* old,
+                          json::value const* now) {
+        if (old != nullptr && now != nullptr) return compare(*old, *now, where);
+        if (old != nullptr) tell(where, "has no payload any more");
+        if (now != nullptr) tell(where, "has a payload now");
+    }
+
+    void compare_rest(std::string const& type, std::vector<Named> const& was,
+                      std::vector<Named> const& is, bool took, bool takes) {
+        auto const taker = [](std::vector<Named> const& arms, bool does) {
+            return does ? arms.back().name : std::string("no arm");
+        };
+        if (taker(was, took) != taker(is, takes))
+            tell(type, "all other tags were served by " + taker(was, took) + ", are served by " +
+                           taker(is, takes));
+    }
+
+    json::value const&                            old_types_;
+    json::value const&                            now_types_;
+    std::set<std::pair<std::string, std::string>> compared_;
+};
+
+json::value const* root_with(json::value const& schema, std::string const& stem) {
+    for (json::value const& root : list(schema, "roots"))
+        if (text(root, "stem") == stem) return &root;
+    return nullptr;
+}
+
+}  // namespace
+
+std::vector<std::string> breaking_changes(json::value const& old, json::value const& now) {
+    Comparison comparison(old, now);
+    for (json::value const& root : list(old, "roots")) {
+        auto const        stem = text(root, "stem");
+        auto const* const same = root_with(now, stem);
+        if (same == nullptr)
+            comparison.changes.push_back("the root " + stem + " is gone");
+        else
+            comparison.compare(part(root, "type"), part(*same, "type"), "the root " + stem);
+    }
+    return std::move(comparison.changes);
+}
+
+std::vector<std::string> changed_roots(json::value const& old, json::value const& now) {
+    std::vector<std::string> stems;
+    for (json::value const& root : list(old, "roots")) {
+        auto const        stem = text(root, "stem");
+        auto const* const same = root_with(now, stem);
+        if (same == nullptr || text(*same, "digest") != text(root, "digest")) stems.push_back(stem);
+    }
+    return stems;
+}
+
+}  // namespace bradep

@@ -1,0 +1,118 @@
+#include "walk_options.hpp"
+
+#include <algorithm>
+
+#include "input_file.hpp"
+#include "inspect/nearest.hpp"
+#include "printable.hpp"
+
+namespace bradep {
+
+using namespace sml::inspect;
+
+namespace {
+
+std::string stems_of(std::vector<Candidate> const& candidates) {
+    std::string stems;
+    for (Candidate const& candidate : candidates)
+        (stems += stems.empty() ? "" : ", ") += candidate.root->stem;
+    return stems;
+}
+
+}  // namespace
+
+void declare_root_option(CLI::App& app, std::string& stem) {
+    app.add_option("--root", stem, "The stem of the root, as `bradep roots` lists them")
+        ->type_name("STEM");
+}
+
+void declare_limits(CLI::App& app, Limits& limits) {
+    auto const add = [&](char const* name, auto& limit, char const* meaning) {
+        return app.add_option(name, limit, meaning)
+            ->capture_default_str()
+            ->group("Limits, beyond which bytes are unsafe");
+    };
+    add("--max-depth", limits.depth, "Values inside values, at most 4000")
+        ->check(CLI::Range(1U, Limits::depth_cap))
+        ->type_name("NUMBER");
+    add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")
+        ->type_name("NUMBER");
+    add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
+    add("--max-memory", limits.memory, "Estimated heap of the object that is read")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
+}
+
+void declare_findings_option(CLI::App& app, Walk_Options& options) {
+    app.add_option("-n,--findings", options.verify.listed,
+                   "How many odd findings to list; all are counted")
+        ->capture_default_str()
+        ->type_name("NUMBER");
+}
+
+void declare_walk_options(CLI::App& app, Walk_Options& options) {
+    app.add_option("FILE", options.file, "The bytes. - is standard input")
+        ->required()
+        ->type_name("");
+    declare_root_option(app, options.stem);
+    declare_limits(app, options.verify.limits);
+}
+
+Walked_Input::Walked_Input(Walk_Options const& options, Streams& streams)
+    : name_(input_name(options.file)),
+      bytes_(options.file, streams.in),
+      progress_(streams.err, name_, bytes_.view().size()),
+      verify_(options.verify),
+      root_(options.stem.empty() ? nullptr : &root_of(options.stem)) {
+    verify_.progress = progress_.done();
+    if (root_ == nullptr) root_ = choose_root(streams.err);
+}
+
+Root const* Walked_Input::choose_root(std::ostream& err) const {
+    auto       candidates = identify(bytes(), verify_);
+    auto const best = candidates.front();
+    auto const name = printable(name_);
+    if (best.answer == Answer::unsafe) {
+        err << "bradep: " << name << ": fits no root, read as " << best.root->stem
+            << ", which came furthest: to byte " << best.walked << " of " << bytes().size() << '\n';
+        return best.root;
+    }
+    err << "bradep: " << name << ": read as " << best.root->stem;
+    std::erase_if(candidates, [&](Candidate const& other) {
+        return other.answer == Answer::unsafe || other.root == best.root;
+    });
+    if (!candidates.empty()) err << "; it also fits " << stems_of(candidates);
+    err << '\n';
+    return best.root;
+}
+
+Root const& root_of(std::string const& stem) {
+    if (Root const* const root = find_root(stem)) return *root;
+    auto const nearest = nearest_name(stem, roots(), [](Root const& root) { return root.stem; });
+    throw CLI::ValidationError("--root",
+                               "no root is called " + stem + "; there is " + std::string(nearest));
+}
+
+std::string described(Finding const& finding) {
+    std::string const place = finding.path.empty() ? "" : " at " + finding.path;
+    return "byte " + std::to_string(finding.offset) + place + ": expected " + finding.expected +
+           ", found " + finding.found;
+}
+
+void report_findings(std::ostream& err, std::string const& name,
+                     std::vector<Finding> const& findings, std::uint64_t odd_count) {
+    std::uint64_t listed = 0;
+    for (Finding const& finding : findings) {
+        bool const is_odd = finding.severity == Severity::odd;
+        listed += is_odd ? 1 : 0;
+        err << "bradep: " << printable(name + ": " + described(finding))
+            << (is_odd ? " (odd)\n" : " (unsafe)\n");
+    }
+    if (odd_count > listed)
+        err << "bradep: " << printable(name) << ": " << odd_count - listed
+            << " more odd findings\n";
+}
+
+}  // namespace bradep

@@ -1,0 +1,58 @@
+#pragma once
+// What all commands share that look into bytes of unknown origin.
+
+#include <string>
+#include <vector>
+
+#include "command.hpp"
+#include "input_bytes.hpp"
+#include "inspect/verify.hpp"
+#include "progress.hpp"
+
+namespace bradep {
+
+struct Walk_Options {
+    std::string                 file;
+    std::string                 stem;  // empty: to be found out
+    sml::inspect::VerifyOptions verify;
+};
+
+// Declares FILE, --root and the limits. Whether and how many findings are told is not asked.
+void declare_walk_options(CLI::App& app, Walk_Options& options);
+void declare_root_option(CLI::App& app, std::string& stem);
+void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
+void declare_findings_option(CLI::App& app, Walk_Options& options);
+
+// The input of such a command, the root that it is read as, and the line that shows how far it is.
+class Walked_Input {
+public:
+    // Without a stem the root is the first that fits, or the one whose walk came furthest; which
+    // one, and what else fits, is told on standard error.
+    Walked_Input(Walk_Options const& options, Streams& streams);
+
+    std::string const&                 name() const { return name_; }
+    std::string_view                   bytes() const { return bytes_.view(); }
+    sml::inspect::Root const&          root() const { return *root_; }
+    sml::inspect::VerifyOptions const& verify() const { return verify_; }
+
+private:
+    sml::inspect::Root const* choose_root(std::ostream& err) const;
+
+    std::string                 name_;
+    Input_Bytes                 bytes_;
+    Progress                    progress_;
+    sml::inspect::VerifyOptions verify_;
+    sml::inspect::Root const*   root_;
+};
+
+// The root with this stem. Throws a usage error that names one like it.
+sml::inspect::Root const& root_of(std::string const& stem);
+
+// "checks[2].category: expected X, found Y" and where.
+std::string described(sml::inspect::Finding const& finding);
+
+// One line a finding, and how many odd ones are not listed.
+void report_findings(std::ostream& err, std::string const& name,
+                     std::vector<sml::inspect::Finding> const& findings, std::uint64_t odd_count);
+
+}  // namespace bradep

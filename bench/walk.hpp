@@ -1,0 +1,31 @@
+#pragma once
+// Looks at every part of a value.
+
+#include "core/kinds.hpp"
+
+#include <tuple>
+
+namespace bench {
+
+/// Calls `use(part)` for the value and everything inside it, the holder before what it holds.
+template <class T, class Use>
+void walk(T const& value, Use& use) {
+    using namespace sml::core;
+    use(value);
+    auto const descend = [&use](auto const&... parts) { (walk(parts, use), ...); };
+    if constexpr (Optional<T>) {
+        if (value) descend(*value);
+    } else if constexpr (Boxed<T>) {
+        descend(*value);
+    } else if constexpr (List<T> || Set<T> || Map<T>) {
+        for (auto const& element : value) descend(element);
+    } else if constexpr (PairOrTuple<T> || FlagArray<T>) {
+        std::apply(descend, value);
+    } else if constexpr (HashedVariant<T>) {
+        value.visit_payload(descend);
+    } else if constexpr (Fielded<T>) {
+        value.with_fields(descend);
+    }
+}
+
+}  // namespace bench

@@ -1,0 +1,19 @@
+#pragma once
+// The result set that all measurements are taken on.
+
+#include "schema/Application_Results.hpp"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace bench {
+
+constexpr std::uint64_t default_seed = 20240229;
+
+/// A result set of `checks` checks and what belongs to them, the same for the same seed on every
+/// machine: three infos, one event, half a block and a twentieth of a function for each check. A
+/// million checks take about 7 GB.
+sml::Application_Results::T_Application_Results workload(std::size_t   checks,
+                                                         std::uint64_t seed = default_seed);
+
+}  // namespace bench

@@ -2,6 +2,7 @@
 
 #include "inspect/json_writer.hpp"
 #include "inspect/path_match.hpp"
+#include "inspect/reread.hpp"
 #include "inspect/superseded.hpp"
 #include "inspect/walker.hpp"
 
@@ -60,6 +61,13 @@ public:
         json_.member("unsafe");
         write_unsafe(json_, finding);
         json_.close('}');
+        if (in_lines_ && depth_ == 0) json_.end_line();
+    }
+
+    /// In the place of an entry of the container at hand.
+    void mark_entry(Finding const& finding) {
+        begin_entry();
+        mark(finding);
     }
 
     void integer(Type const& type, std::int64_t value) { put(value, type.kind == Kind::int64); }
@@ -100,10 +108,7 @@ public:
 
     void part(Type const& type, std::uint64_t index) {
         if (has_names(type)) return json_.member(type.parts[index].name);
-        if (depth_ > 1 || !in_lines_)
-            json_.next();
-        else if (std::exchange(line_is_open_, true))
-            json_.end_line();
+        begin_entry();
         if (type.kind != Kind::map) return;
         json_.open('[');
         json_.next();
@@ -135,11 +140,21 @@ public:
     void reference(Type const& type, std::int32_t tag, std::uint64_t word) {
         begin_variant(type, tag);
         payload();
-        put(word, true);
+        if (type.is_signed_word(tag))
+            put(static_cast<std::int64_t>(word), true);
+        else
+            put(word, true);
         end_variant();
     }
 
 private:
+    void begin_entry() {
+        if (depth_ > 1 || !in_lines_)
+            json_.next();
+        else if (std::exchange(line_is_open_, true))
+            json_.end_line();
+    }
+
     template <class Number>
     void put(Number value, bool in_quotes) {
         if (in_quotes) json_.text += '"';
@@ -223,7 +238,7 @@ public:
         leave_part();
         end_skipping();
         if (!superseded_.empty() && is_container(type) && superseded_.contains(walk_.offset()))
-            skipped_depth_ = std::min(skipped_depth_, walk_.steps.size());
+            skipped_depth_ = std::min(skipped_depth_, walk_.depth());
         if (is_on()) json_.part(type, index);
         enter_part(type.kind == Kind::map ? *type.key
                    : is_container(type)   ? *type.element
@@ -254,7 +269,7 @@ public:
 
     void payload(Type const& type) {
         if (is_on()) json_.payload();
-        enter_part(*type.arms[walk_.steps.back().part].payload);
+        enter_part(*type.arms[walk_.step().part].payload);
     }
 
     void end_variant(Type const&) {
@@ -277,6 +292,8 @@ public:
             behind_value_ = &dumped.findings.back();
         else if (is_on())
             json_.mark(finding);
+        else if (is_selected_)
+            json_.mark_entry(finding);
     }
 
     Dumped dumped;
@@ -305,16 +322,17 @@ private:
     }
 
     void enter_part(Type const& type) {
-        if (!options_.path.empty() && match_.step()) select(type, walk_.steps.size());
+        bool const is_searched = !options_.path.empty() && skipped_depth_ == no_depth;
+        if (is_searched && match_.step()) select(type, walk_.depth());
     }
 
     // The part that was selected ends where another one of its owner begins, or its owner ends.
     void leave_part() {
-        if (is_selected_ && walk_.steps.size() <= selected_depth_) deselect();
+        if (is_selected_ && walk_.depth() <= selected_depth_) deselect();
     }
 
     void end_skipping() {
-        if (walk_.steps.size() <= skipped_depth_) skipped_depth_ = no_depth;
+        if (walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
     }
 
     Walk const&                       walk_;
@@ -332,17 +350,31 @@ private:
     std::size_t                       skipped_depth_ = no_depth;
 };
 
-}  // namespace
-
-Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
-            DumpOptions const& options) {
-    Superseded superseded = superseded_entries(root, bytes, options.walk);
-    Walk       walk(bytes, options.walk.limits);
+Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
+                    DumpOptions const& options, Superseded superseded) {
+    Walk walk(bytes, options.walk.limits);
     walk.progress = options.walk.progress;
     Picker picker(walk, root, out, options, std::move(superseded));
     Walker(walk, picker).run(*root.type);
     picker.finish();
     return std::move(picker.dumped);
+}
+
+}  // namespace
+
+Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
+            DumpOptions const& options) {
+    Superseded superseded = superseded_entries(root, bytes, options.walk);
+    if (superseded.are_read_over) {
+        // What a reader keeps of a value that it reads another one over, only a reader can tell.
+        Verdict verdict = verify(root, bytes, options.walk);
+        if (verdict.answer != Answer::unsafe) {
+            Dumped dumped =
+                dump_entries(root, read_and_write(root, bytes.data()), out, options, {});
+            return {verdict.answer, verdict.odd_count, std::move(verdict.findings), dumped.found};
+        }
+    }
+    return dump_entries(root, bytes, out, options, std::move(superseded));
 }
 
 }  // namespace sml::inspect

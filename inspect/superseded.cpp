@@ -15,6 +15,7 @@ namespace {
 class Suspecting : public SilentVisitor {
 public:
     static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
 
     void open_keys(Type const&, std::uint64_t count) {
         if (open_ == tables_.size()) tables_.emplace_back();
@@ -54,6 +55,7 @@ public:
         : walk_(walk), suspects_(std::move(suspects)), listed_(listed) {}
 
     static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
 
     void open_keys(Type const& type, std::uint64_t) { open_.push_back({&type, {}}); }
     void close_keys() { open_.pop_back(); }
@@ -67,10 +69,15 @@ public:
             keys.emplace(hash, offset);
             return true;
         }
-        if (open_.back().type->last_wins)
-            found.entries.insert(std::exchange(known->second, offset));
-        else
+        Type const& table = *open_.back().type;
+        if (!table.last_wins) {
             found.entries.insert(offset);
+            return false;
+        }
+        found.entries.insert(std::exchange(known->second, offset));
+        bool const is_word =
+            table.element->is_plain_word() || table.element->kind == Kind::enumeration;
+        found.are_read_over = found.are_read_over || !is_word;
         return false;
     }
 

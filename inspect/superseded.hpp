@@ -16,6 +16,10 @@ namespace sml::inspect {
 struct Superseded {
     std::unordered_set<std::uint64_t> entries;   ///< the offsets of their keys
     std::vector<Finding>              findings;  ///< as many as are to be listed
+
+    /// Whether one is in a table whose reader reads the later value over the earlier one and may
+    /// keep some of it.
+    bool are_read_over = false;
 };
 
 /// Finds them with 6 bytes a key of the open containers. An unsafe byte ends the search.

@@ -151,6 +151,96 @@ struct Tables<T> {
         named_parts<T>(FieldTypes<T>{}, std::make_index_sequence<FieldNames<T>::count>{});
 };
 
+/// The types of the parts of what has parts.
+template <class T>
+struct PartTypesOf;
+template <class T>
+    requires core::PairOrTuple<T>
+struct PartTypesOf<T> {
+    using type = decltype(parts_of(std::declval<T>()));
+};
+template <class T>
+    requires core::Fielded<T>
+struct PartTypesOf<T> {
+    using type = FieldTypes<T>;
+};
+template <class T>
+using PartTypes = typename PartTypesOf<T>::type;
+
+template <class T>
+concept HasArms = requires {
+    T::arms::count;
+};
+
+template <class T>
+concept HasParts = core::PairOrTuple<T> ||(core::Fielded<T> && !HasArms<T>);
+
+template <class... T>
+constexpr std::size_t count_flat_parts(Types<T...>);
+
+template <class T>
+constexpr std::size_t count_flat_part() {
+    if constexpr (HasParts<T>)
+        return count_flat_parts(PartTypes<T>{});
+    else
+        return 1;
+}
+
+template <class... T>
+constexpr std::size_t count_flat_parts(Types<T...>) {
+    return (std::size_t{0} + ... + count_flat_part<T>());
+}
+
+template <class T>
+constexpr bool is_plain_word = core::Word<T> && !std::is_enum_v<T>;
+
+/// Takes parts apart. There is room for all of them and for the end.
+template <std::size_t Size>
+struct FlatParts {
+    std::array<FlatPart, Size + 1> parts{};
+    std::size_t                    count = 0;
+    FlatPart next{};  // what is added next: the words before it, the way to it
+
+    template <class... T>
+    constexpr void add_all(Types<T...>) {
+        std::uint8_t const level = next.way_length++;
+        next.way[level] = 0;
+        ((add<T>(), ++next.way[level]), ...);
+        --next.way_length;
+    }
+
+    template <class T>
+    constexpr void add() {
+        if constexpr (HasParts<T>)
+            add_all(PartTypes<T>{});
+        else if constexpr (is_plain_word<T>)
+            next.words_before += sizeof(T);
+        else
+            add_part(&Described<T>::type, least_size<T>());
+    }
+
+    constexpr void add_part(Type const* type, std::uint32_t size) {
+        parts[count] = next;
+        parts[count].type = type;
+        parts[count].least_size = next.words_before + size;
+        ++count;
+        next.words_before = 0;
+    }
+};
+
+template <class T>
+constexpr auto flat_parts() {
+    FlatParts<count_flat_part<T>()> flat;
+    flat.template add<T>();
+    flat.add_part(nullptr, 0);
+    return flat.parts;
+}
+
+template <class T>
+struct FlatTable {
+    static constexpr auto parts = flat_parts<T>();
+};
+
 template <class Payload>
 constexpr Type const* describe_payload() {
     if constexpr (std::is_void_v<Payload>)
@@ -164,11 +254,6 @@ constexpr std::array<Arm, sizeof...(Index)> arms_of(std::integer_sequence<std::i
     return {Arm{V::arms::names[Index],
                 describe_payload<typename V::arms::template payload<Index>>()}...};
 }
-
-template <class T>
-concept HasArms = requires {
-    T::arms::count;
-};
 
 /// Arms of a variant or a reference.
 template <class T>
@@ -190,8 +275,7 @@ struct EnumeratorTable {
 template <class T>
 constexpr Type make() {
     using namespace core;
-    Type type{
-        .kind = Kind::record, .name = {}, .least_size = least_size<T>(), .object_size = sizeof(T)};
+    Type type{.kind = Kind::record, .least_size = least_size<T>(), .object_size = sizeof(T)};
     if constexpr (Leaf<T>) {
         type.kind = kind_of_leaf<T>();
         if constexpr (std::is_enum_v<T>) {
@@ -217,6 +301,7 @@ constexpr Type make() {
     } else if constexpr (PairOrTuple<T>) {
         type.kind = Kind::tuple;
         type.parts = Tables<T>::parts;
+        type.flat = FlatTable<T>::parts.data();
     } else if constexpr (FlagArray<T>) {
         type.kind = Kind::flags;
         type.flag_count = std::tuple_size_v<T>;
@@ -229,6 +314,7 @@ constexpr Type make() {
         type.kind = Serialized<T> ? Kind::record : Kind::group;
         type.name = name_of<T>();
         type.parts = Tables<T>::parts;
+        type.flat = FlatTable<T>::parts.data();
     }
     return type;
 }

@@ -86,11 +86,20 @@ private:
     }
 
     void nested(Type const& type) {
-        if (steps_.size() >= std::min(options_.limits.depth, Limits::depth_cap))
-            json_.fail(
-                json_.offset(),
-                "no more than " + std::to_string(options_.limits.depth) + " values inside values",
-                "one more");
+        std::uint32_t const most = std::min(options_.limits.depth, Limits::depth_cap);
+        bool const          counts = type.kind != Kind::flags && !type.has_parts();
+        if (counts && nesting_ >= most)
+            json_.fail(json_.offset(),
+                       "no more than " + std::to_string(most) +
+                           " variants and containers inside "
+                           "one another",
+                       "one more");
+        nesting_ += counts ? 1 : 0;
+        inside(type);
+        nesting_ -= counts ? 1 : 0;
+    }
+
+    void inside(Type const& type) {
         steps_.push_back({&type});
         switch (type.kind) {
             case Kind::variant: variant(type); break;
@@ -194,21 +203,22 @@ private:
         steps_.back().key = key(*type.key, keys);
         take_element(2);
         value(*type.element);
-        steps_.back().key.clear();
         json_.close(']', "no more than a key and a value");
+        steps_.back().key.clear();
     }
 
     /// The key as paths show it.
     std::string key(Type const& type, Keys& keys) {
         std::size_t const at = json_.offset();
-        key_text_.clear();
+        whole_key_.clear();
+        shown_key_.clear();
         in_key_ = true;
         key_is_unequal_ = false;
         value(type);
         in_key_ = false;
-        if (!key_is_unequal_ && !keys.insert(key_text_).second)
-            json_.fail(at, "a key or element that is not there yet", key_text_ + " again");
-        return key_text_;
+        if (!key_is_unequal_ && !keys.insert(whole_key_).second)
+            json_.fail(at, "a key or element that is not there yet", shown_key_ + " again");
+        return shown_key_;
     }
 
     void variant(Type const& type) {
@@ -217,12 +227,12 @@ private:
         Arm const* const serving = type.serving(tag);
         if (in_key_) {
             key_is_unequal_ = key_is_unequal_ || tag < 0;
-            if (type.knows_tag(tag)) key_text_ += serving->name;
+            if (type.knows_tag(tag)) add_key_text(serving->name);
         }
         if (serving != nullptr && serving->payload != nullptr) {
             take_member("args");
             steps_.back().part = static_cast<std::uint64_t>(serving - type.arms.data());
-            if (in_key_) key_text_ += ' ';
+            if (in_key_) add_key_text(" ");
             value(*serving->payload);
             steps_.back().part = Step::nowhere;
         }
@@ -230,9 +240,13 @@ private:
     }
 
     void reference(Type const& type) {
-        word(arm(type));
+        std::int32_t const tag = arm(type);
+        word(tag);
         take_member("args");
-        word(large_integer<std::uint64_t>());
+        if (type.is_signed_word(tag))
+            word(large_integer<std::int64_t>());
+        else
+            word(large_integer<std::uint64_t>());
         json_.close('}', "the end of the object");
     }
 
@@ -274,7 +288,7 @@ private:
         std::string const name = json_.string("the name of an enumerator");
         auto const        found = std::ranges::find(type.enumerators, name);
         if (found != type.enumerators.end()) {
-            if (in_key_) key_text_ += name;
+            if (in_key_) add_key_text(name);
             return word(static_cast<std::int32_t>(found - type.enumerators.begin()));
         }
         auto const nearest =
@@ -336,7 +350,7 @@ private:
         if (digits.empty() || digits.find_first_not_of("0123456789") != digits.npos)
             json_.fail(at, "an integer", quoted(text));
         std::string const hexadecimal = hexadecimal_of(text);
-        if (in_key_) key_text_ += hexadecimal;
+        if (in_key_) add_key_text(hexadecimal);
         block(written_integer(hexadecimal));
     }
 
@@ -379,7 +393,7 @@ private:
         std::size_t const at = json_.offset();
         std::string       text = json_.string("a string");
         if (text.size() > longest_block) json_.fail(at, "a shorter string", "2 GiB or more");
-        if (in_key_) key_text_ += key_string(text);
+        if (in_key_) add_key_string(text);
         auto const [known, is_new] = ids_.try_emplace(std::move(text), 0);
         if (!is_new) return word(known->second);
         if (ids_.size() > longest_block) json_.fail(at, "fewer strings", "one more");
@@ -388,9 +402,13 @@ private:
         block(known->first);
     }
 
-    /// As paths show it, but never cut: keys are compared by it.
-    static std::string key_string(std::string_view text) {
-        return quoted(text, std::numeric_limits<std::size_t>::max());
+    void add_key_text(std::string_view text) {
+        whole_key_ += text;
+        shown_key_ += text;
+    }
+    void add_key_string(std::string_view text) {
+        whole_key_ += quoted(text, std::numeric_limits<std::size_t>::max());
+        shown_key_ += quoted(text);
     }
 
     void flag(bool is_true) { out_.append(is_true ? "T" : "F"); }
@@ -409,26 +427,28 @@ private:
 
     template <class Number>
     void mix(Number number) {
-        if (in_key_) key_text_ += std::to_string(number);
+        if (in_key_) add_key_text(std::to_string(number));
     }
     void begin_key_parts() {
-        if (in_key_) key_text_ += '(';
+        if (in_key_) add_key_text("(");
     }
     void next_key_part(std::uint64_t index) {
-        if (in_key_ && index > 0) key_text_ += ',';
+        if (in_key_ && index > 0) add_key_text(",");
     }
     void end_key_parts() {
-        if (in_key_) key_text_ += ')';
+        if (in_key_) add_key_text(")");
     }
 
     JsonReader                                    json_;
     PatchedOutput                                 out_;
     EncodeOptions const&                          options_;
     std::vector<Step>                             steps_;
+    std::uint32_t                                 nesting_ = 0;
     std::unordered_map<std::string, std::int32_t> ids_;
     bool                                          in_key_ = false;
     bool                                          key_is_unequal_ = false;
-    std::string                                   key_text_;
+    std::string                                   whole_key_;  // keys are compared by it
+    std::string                                   shown_key_;  // as paths show it
 };
 
 }  // namespace

@@ -28,8 +28,9 @@ struct Finding {
 
 /// What a walk puts up with. Beyond any of these the bytes are unsafe.
 struct Limits {
-    std::uint32_t depth = default_depth;              ///< values inside values; at most `depth_cap`
-    std::uint64_t elements = std::uint64_t{1} << 32;  ///< of all containers together
+    std::uint32_t depth =
+        default_depth;  ///< variants and containers in one another, up to `depth_cap`
+    std::uint64_t elements = std::uint64_t{1} << 32;    ///< of all containers together
     std::uint64_t text_bytes = std::uint64_t{1} << 30;  ///< of one text
     std::uint64_t memory = std::uint64_t{1} << 36;      ///< estimated heap of the object read
 

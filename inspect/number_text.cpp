@@ -11,6 +11,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 namespace sml::inspect {
@@ -49,10 +50,35 @@ core::TextBlock terminated(std::string_view block) {
     return text;
 }
 
-/// A hexadecimal digit of one case, -1 for any other character.
-int digit_of(char c, char ten) {
-    if (c >= '0' && c <= '9') return c - '0';
-    return c >= ten && c < ten + 6 ? c - ten + 10 : -1;
+/// Of each character the hexadecimal digit of one case, -1 for any other.
+using Digits = std::array<signed char, 256>;
+
+consteval Digits digits_with(char ten) {
+    Digits digits;
+    digits.fill(-1);
+    for (int i = 0; i < 10; ++i)
+        digits[static_cast<std::size_t>('0' + i)] = static_cast<signed char>(i);
+    for (int i = 0; i < 6; ++i)
+        digits[static_cast<std::size_t>(ten + i)] = static_cast<signed char>(10 + i);
+    return digits;
+}
+
+constexpr Digits lower_digits = digits_with('a');
+constexpr Digits upper_digits = digits_with('A');
+
+int digit_of(char c, Digits const& digits) { return digits[static_cast<unsigned char>(c)]; }
+
+/// Whether eight characters are hexadecimal digits in lower case.
+bool are_lower_digits(char const* text) {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    std::uint64_t           bytes;
+    std::memcpy(&bytes, text, sizeof bytes);
+    // The high bit of a byte says that the byte is at least, or more than, a character.
+    auto const at_least = [&](char c) { return bytes + ones * static_cast<unsigned>(0x80 - c); };
+    auto const more_than = [&](char c) { return at_least(static_cast<char>(c + 1)); };
+    std::uint64_t const digit = at_least('0') & ~more_than('9');
+    std::uint64_t const letter = at_least('a') & ~more_than('f');
+    return ((digit | letter) & ~bytes & ones * 0x80) == ones * 0x80 && (bytes & ones * 0x80) == 0;
 }
 
 /// Takes a prefix off `text`, if it is there.
@@ -84,17 +110,17 @@ bool is_written_finite(std::string_view text, IEEE754Float::Format const& format
     std::size_t const mark = text.find('P');
     if (mark == std::string_view::npos || mark == 0) return false;
     auto const exponent = written_exponent(text.substr(mark + 1));
-    int const  leading = digit_of(text.front(), 'A');
+    int const  leading = digit_of(text.front(), upper_digits);
     if (!exponent || leading <= 0) return false;
 
     std::string_view fraction = text.substr(1, mark - 1);
     if (!fraction.empty() && (!take(fraction, ".") || fraction.empty())) return false;
     int last = leading;
     for (char const c : fraction)
-        if ((last = digit_of(c, 'A')) < 0) return false;
+        if ((last = digit_of(c, upper_digits)) < 0) return false;
     if (last == 0) return false;
 
-    int const  leading_bits = std::bit_width(static_cast<unsigned>(leading));
+    auto const leading_bits = static_cast<int>(std::bit_width(static_cast<unsigned>(leading)));
     auto const bits = leading_bits + 4 * static_cast<std::ptrdiff_t>(fraction.size()) -
                       std::countr_zero(static_cast<unsigned>(last));
     auto const mpfr_exponent = *exponent + leading_bits;  // of a mantissa in [1/2, 1)
@@ -105,14 +131,18 @@ bool is_written_finite(std::string_view text, IEEE754Float::Format const& format
 }  // namespace
 
 bool is_written_integer(std::string_view block) {
-    std::string_view  digits = block;
-    bool const        negative = take(digits, "-");
-    std::size_t const zeros = negative ? 1 : 2;
-    if (digits.size() <= zeros) return false;
-    if (digits.substr(digits.size() - zeros) != std::string_view("\0\0", zeros)) return false;
-    digits.remove_suffix(zeros);
-    if (digits.front() == '0' && (negative || digits.size() > 1)) return false;
-    return std::ranges::all_of(digits, [](char c) { return digit_of(c, 'a') >= 0; });
+    char const* at = block.data();
+    char const* end = at + block.size();
+    bool const  negative = at != end && *at == '-';
+    if (negative) ++at;
+    if (end - at < (negative ? 2 : 3) || *--end != '\0') return false;
+    if (!negative && *--end != '\0') return false;
+    if (*at == '0' && (negative || end - at > 1)) return false;
+    for (; end - at >= 8; at += 8)
+        if (!are_lower_digits(at)) return false;
+    int all = 0;  // negative where one is no digit
+    for (; at != end; ++at) all |= digit_of(*at, lower_digits);
+    return all >= 0;
 }
 
 std::string integer_of(std::string_view block) {

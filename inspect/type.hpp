@@ -5,6 +5,7 @@
 
 #include "core/export.hpp"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -46,6 +47,21 @@ struct Part {
     Type const*      type;
 };
 
+/// A part of a record, group or tuple in which the parts that are such themselves are taken apart,
+/// too: what stands on the wire in a row. Words that may have any value are told by the part behind
+/// them.
+struct FlatPart {
+    Type const*   type;              ///< null for the end, which has only words before it
+    std::uint32_t words_before = 0;  ///< in bytes
+    std::uint32_t least_size = 0;    ///< with the words before it
+
+    // The way to it: indices of parts, the outermost first.
+    static constexpr std::size_t longest_way = 7;
+
+    std::uint8_t                          way_length = 0;
+    std::array<std::uint8_t, longest_way> way{};
+};
+
 /// An arm of a variant.
 struct Arm {
     std::string_view name;
@@ -54,25 +70,40 @@ struct Arm {
 
 /// A descriptor. All that it points to lives as long as the program.
 struct Type {
-    Kind             kind;
-    std::string_view name;           ///< the C++ name of a class or enumeration, else empty
-    std::uint32_t    least_size{};   ///< no value takes fewer bytes
-    std::uint32_t    object_size{};  ///< of the C++ object, in bytes
+    Kind          kind;
+    bool          takes_rest{};  ///< the last arm serves every other tag
+    bool          hashed{};      ///< a set or map in no order of its keys
+    bool          last_wins{};   ///< a map read insert-then-read
+    std::uint32_t least_size{};  ///< no value takes fewer bytes
 
-    std::span<Part const>             parts{};        ///< tuple, record, group
-    std::span<Arm const>              arms{};         ///< variant, reference; the index is the tag
-    bool                              takes_rest{};   ///< the last arm serves every other tag
-    std::span<std::string_view const> enumerators{};  ///< the index is the value
-    Type const*                       element{};    ///< of optional, list, set, boxed; value of map
-    Type const*                       key{};        ///< of map
-    bool                              hashed{};     ///< a set or map in no order of its keys
-    bool                              last_wins{};  ///< a map read insert-then-read
+    FlatPart const*       flat{};     ///< of those: the parts taken apart, and the end
+    std::span<Part const> parts{};    ///< tuple, record, group
+    std::span<Arm const>  arms{};     ///< variant, reference; the index is the tag
+    Type const*           element{};  ///< of optional, list, set, boxed; value of map
+    Type const*           key{};      ///< of map
+
+    std::uint32_t                     object_size{};  ///< of the C++ object, in bytes
     std::uint32_t                     flag_count{};
+    std::string_view                  name{};         ///< the C++ name, where it is a type's own
+    std::span<std::string_view const> enumerators{};  ///< the index is the value
+
+    /// A record, group or tuple.
+    bool has_parts() const noexcept {
+        return kind == Kind::record || kind == Kind::group || kind == Kind::tuple;
+    }
+
+    /// A word that may have any value.
+    bool is_plain_word() const noexcept { return kind <= Kind::uint64; }
 
     /// Whether a variant, reference or enumeration has this tag or value.
     bool knows_tag(std::int32_t tag) const noexcept {
         std::size_t const count = kind == Kind::enumeration ? enumerators.size() : arms.size();
         return tag >= 0 && static_cast<std::size_t>(tag) < count;
+    }
+
+    /// Whether the word of a reference has a sign.
+    bool is_signed_word(std::int32_t tag) const noexcept {
+        return knows_tag(tag) && arms[static_cast<std::size_t>(tag)].payload->kind == Kind::int64;
     }
 
     /// The arm that serves a tag, null where the tag stands bare.

@@ -14,6 +14,7 @@ public:
     Verifier(Walk const& walk, std::size_t listed) : walk_(walk), listed_(listed) {}
 
     static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
 
     void open_keys(Type const&, std::uint64_t count) { keys_.open(count); }
     void close_keys() { keys_.close(); }

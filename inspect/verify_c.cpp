@@ -46,7 +46,7 @@ sml_inspect_answer sml_inspect_verify(char const* stem, void const* bytes, std::
                                       sml_inspect_limits const* limits, sml_inspect_verdict* out,
                                       std::uint64_t listed, sml_inspect_listener listener,
                                       void* context) try {
-    Root const* const root = find_root(stem);
+    Root const* const root = stem == nullptr ? nullptr : find_root(stem);
     if (root == nullptr) return SML_INSPECT_NO_SUCH_ROOT;
     Verdict const verdict =
         verify(*root, {static_cast<char const*>(bytes), size},

@@ -12,13 +12,13 @@ enum sml_inspect_answer {
     SML_INSPECT_GOOD = 0,         /* what a writer makes */
     SML_INSPECT_ODD = 1,          /* safe to read, but not what a writer makes */
     SML_INSPECT_UNSAFE = 2,       /* not to be given to a reader */
-    SML_INSPECT_NO_SUCH_ROOT = 3, /* no root has this stem */
+    SML_INSPECT_NO_SUCH_ROOT = 3, /* no root has this stem, or there is none given */
     SML_INSPECT_NO_MEMORY = 4     /* the walk's own tables found no memory */
 };
 
 /* What a walk puts up with; 0 stands for the default. */
 struct sml_inspect_limits {
-    uint32_t depth;      /* values inside values; at most 4000 */
+    uint32_t depth;      /* variants and containers inside one another; at most 4000 */
     uint64_t elements;   /* of all containers together */
     uint64_t text_bytes; /* of one text */
     uint64_t memory;     /* estimated heap of the object read, in bytes */

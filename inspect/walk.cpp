@@ -5,6 +5,7 @@
 #include "inspect/quote.hpp"
 
 #include <algorithm>
+#include <vector>
 
 namespace sml::inspect {
 
@@ -18,23 +19,35 @@ Limits capped(Limits limits) {
 }  // namespace
 
 Walk::Walk(std::string_view bytes, Limits const& given)
-    : strings(bytes), limits(capped(given)), bytes_(bytes) {
-    steps.reserve(64);
-}
+    : strings(bytes),
+      limits(capped(given)),
+      start_(bytes.data()),
+      end_(start_ + bytes.size()),
+      at_(start_) {}
 
 std::string Walk::path() const {
+    std::vector<Step const*> steps;
+    for (Step const* step = top_; step != nullptr; step = step->up) steps.push_back(step);
     std::string path;
-    for (Step const& step : steps)
-        if (step.part != Step::nowhere) append_step(path, step);
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step)
+        if ((*step)->part != Step::nowhere) append_step(path, **step);
     return path;
 }
 
 void Walk::append_step(std::string& path, Step const& step) const {
-    if (step.key_offset == Step::nowhere)
+    if (step.is_flat) {
+        FlatPart const& part = step.type->flat[step.part];
+        Type const*     type = step.type;
+        for (std::size_t i = 0; i < part.way_length; ++i) {
+            inspect::append_step(path, *type, part.way[i], {});
+            type = type->parts[part.way[i]].type;
+        }
+    } else if (step.key_offset == Step::nowhere) {
         inspect::append_step(path, *step.type, step.part, {});
-    else
+    } else {
         inspect::append_step(path, *step.type, step.part,
                              key_text(*step.type->key, step.key_offset));
+    }
 }
 
 std::string Walk::key_text(Type const& type, std::uint64_t offset) const {
@@ -96,7 +109,7 @@ std::string_view Walk::take_string(std::uint64_t& offset) const {
 std::string_view Walk::take_block(std::uint64_t& offset) const {
     auto const length = static_cast<std::size_t>(take_word<std::int32_t>(offset));
     offset += length;
-    return bytes_.substr(offset - length, length);
+    return {start_ + (offset - length), length};
 }
 
 }  // namespace sml::inspect

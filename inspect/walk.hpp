@@ -11,13 +11,16 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace sml::inspect {
 
-/// One step of the path to the value at hand: the container and which of its parts.
+/// One step of the path to the value at hand: the value that it is in and which of its parts. Lives
+/// on the stack for as long as the walk is in there.
 struct Step {
     Type const*   type;
+    Step const*   up;                    ///< the step before it
+    std::size_t   depth;                 ///< counted from 1
+    bool          is_flat = false;       ///< the part is one of the flat ones
     std::uint64_t part = nowhere;        ///< index of a field, part, arm, flag or element
     std::uint64_t key_offset = nowhere;  ///< of the entry's key, once it has been walked
 
@@ -30,23 +33,24 @@ class Walk {
 public:
     Walk(std::string_view bytes, Limits const& limits);
 
-    std::uint64_t offset() const noexcept { return offset_; }
-    std::uint64_t size() const noexcept { return bytes_.size(); }
-    std::uint64_t left() const noexcept { return bytes_.size() - offset_; }
+    std::uint64_t offset() const noexcept { return static_cast<std::uint64_t>(at_ - start_); }
+    std::uint64_t left() const noexcept { return static_cast<std::uint64_t>(end_ - at_); }
 
     /// The next word; `left()` holds it.
     template <class Word>
     Word take_word() noexcept {
         Word word;
-        std::memcpy(&word, bytes_.data() + offset_, sizeof word);
-        offset_ += sizeof word;
+        std::memcpy(&word, at_, sizeof word);
+        at_ += sizeof word;
         return word;
     }
 
+    void skip(std::size_t size) noexcept { at_ += size; }
+
     /// The next bytes; `left()` holds them.
     std::string_view take(std::size_t size) noexcept {
-        std::string_view const taken(bytes_.data() + offset_, size);
-        offset_ += size;
+        std::string_view const taken(at_, size);
+        at_ += size;
         return taken;
     }
 
@@ -65,11 +69,20 @@ public:
         return take_same_key(type, a, b);
     }
 
-    StringTable       strings;
-    std::vector<Step> steps;
-    std::uint64_t     heap = 0;      ///< bytes that the object read takes, estimated
-    std::uint64_t     elements = 0;  ///< of all containers so far
-    Limits const      limits;
+    /// A step into a value, which is to be left again.
+    Step enter(Type const& type) const noexcept { return {&type, top_, depth() + 1}; }
+    void go_to(Step const* step) noexcept { top_ = step; }
+
+    /// How many steps the walk is in.
+    std::size_t depth() const noexcept { return top_ == nullptr ? 0 : top_->depth; }
+    /// The step taken last; there is one.
+    Step const& step() const noexcept { return *top_; }
+
+    StringTable   strings;
+    std::uint64_t heap = 0;      ///< bytes that the object read takes, estimated
+    std::uint64_t elements = 0;  ///< of all containers so far
+    std::uint32_t nesting = 0;   ///< variants and containers that the walk is in
+    Limits const  limits;
 
     /// Told the offset now and then, if there is one: for another thread that shows progress.
     std::atomic<std::uint64_t>* progress = nullptr;
@@ -83,13 +96,15 @@ private:
     template <class Word>
     Word take_word(std::uint64_t& offset) const noexcept {
         Word word;
-        std::memcpy(&word, bytes_.data() + offset, sizeof word);
+        std::memcpy(&word, start_ + offset, sizeof word);
         offset += sizeof word;
         return word;
     }
 
-    std::string_view bytes_;
-    std::uint64_t    offset_ = 0;
+    char const* start_;
+    char const* end_;
+    char const* at_;
+    Step const* top_ = nullptr;
 };
 
 }  // namespace sml::inspect

@@ -20,6 +20,9 @@ struct SilentVisitor {
     /// Whether the keys and elements of tables and sets are told to `add_key`.
     static constexpr bool compares_keys = false;
 
+    /// Whether words, strings and the parts of records are told.
+    static constexpr bool hears_values = true;
+
     void integer(Type const&, std::int64_t) {}
     void natural(Type const&, std::uint64_t) {}
     void flag(bool) {}
@@ -81,8 +84,19 @@ public:
     }
 
 private:
-    bool value(Type const& type) {
-        if (walk_.left() < type.least_size) return too_short(type);
+    [[gnu::noinline]] bool value(Type const& type) { return inline_value(type); }
+
+    // Inlined where values are walked in a row; what is rare, or walks on, stands outside.
+    [[gnu::always_inline]] bool inline_value(Type const& type) {
+        // Of what has parts the first one that is not there is told.
+        if (walk_.left() < type.least_size && !type.has_parts()) [[unlikely]]
+            return too_short(type.least_size);
+        return whole_value(type);
+    }
+
+    /// The same for a type whose least size is there.
+    [[gnu::always_inline]] bool whole_value(Type const& type) {
+        if (type.kind == Kind::string) return string();
         switch (type.kind) {
             case Kind::int32: return integer<std::int32_t>(type);
             case Kind::int64: return integer<std::int64_t>(type);
@@ -98,21 +112,6 @@ private:
             case Kind::optional: return optional(type);
             case Kind::boxed: return boxed(type);
             case Kind::reference: return reference(type);
-            default: return nested(type);
-        }
-    }
-
-    /// What holds other values: bounded in depth.
-    bool nested(Type const& type) {
-        if (walk_.steps.size() >= walk_.limits.depth) return too_deep();
-        walk_.steps.push_back({&type});
-        bool const whole = composite(type);
-        walk_.steps.pop_back();
-        return whole;
-    }
-
-    bool composite(Type const& type) {
-        switch (type.kind) {
             case Kind::variant: return variant(type);
             case Kind::flags: return flags(type);
             case Kind::list:
@@ -122,76 +121,156 @@ private:
         }
     }
 
-    bool parts(Type const& type) {
+    /// Calls `use` with the step into a value.
+    template <class Use>
+    bool inside(Type const& type, Use use) {
+        Step step = walk_.enter(type);
+        walk_.go_to(&step);
+        bool const whole = use(step);
+        walk_.go_to(step.up);
+        return whole;
+    }
+
+    /// The same for what can hold its own kind, as deep as is allowed.
+    template <class Use>
+    bool inside_nesting(Type const& type, Use use) {
+        if (walk_.nesting >= walk_.limits.depth) [[unlikely]]
+            return too_deep();
+        ++walk_.nesting;
+        bool const whole = inside(type, use);
+        --walk_.nesting;
+        return whole;
+    }
+
+    [[gnu::noinline]] bool parts(Type const& type) {
+        return inside(type, [&](Step& step) {
+            if (Visitor::hears_values || in_key_) return heard_parts(type, step);
+            return flat_parts(type, step);
+        });
+    }
+
+    bool heard_parts(Type const& type, Step& step) {
         visitor_.begin(type, type.parts.size());
         bool          whole = true;
         std::uint64_t index = 0;
         for (Part const& part : type.parts) {
-            walk_.steps.back().part = index;
+            step.part = index;
             visitor_.part(type, index++);
-            if (!(whole = value(*part.type))) break;
+            if (!(whole = inline_value(*part.type))) break;
         }
         visitor_.end(type);
         return whole;
     }
 
-    bool variant(Type const& type) {
-        std::uint64_t const at = walk_.offset();
-        auto const          tag = walk_.take_word<std::int32_t>();
-        Arm const* const    arm = type.serving(tag);
-        mix(static_cast<std::uint32_t>(tag));
-        if (!type.knows_tag(tag)) odd_tag(type, at, tag);
-        if (tag < 0) key_is_unequal_ = true;
+    /// Parts inside parts are walked in a row. Words that nobody hears, and that can't be odd, are
+    /// skipped.
+    bool flat_parts(Type const& type, Step& step) {
+        step.is_flat = true;
+        for (FlatPart const* part = type.flat;; ++part) {
+            step.part = static_cast<std::uint64_t>(part - type.flat);
+            if (walk_.left() < part->least_size) [[unlikely]]
+                return parts_too_short(type, step);
+            walk_.skip(part->words_before);
+            if (part->type == nullptr) return true;
+            if (!whole_value(*part->type)) return false;
+        }
+    }
+
+    /// Tells which of the parts is missing: a word before a flat part, or that part itself.
+    [[gnu::cold, gnu::noinline]] bool parts_too_short(Type const& type, Step& step) {
+        std::uint64_t flat_parts_before = step.part;
+        step.is_flat = false;
+        return pass_parts(type, step, flat_parts_before);
+    }
+
+    /// Takes words once the flat parts before them are passed. False at what is missing.
+    bool pass_parts(Type const& type, Step& step, std::uint64_t& flat_parts_before) {
+        for (step.part = 0; step.part < type.parts.size(); ++step.part) {
+            Type const& part = *type.parts[step.part].type;
+            if (part.has_parts()) {
+                if (!inside(part, [&](Step& inner) {
+                        return pass_parts(part, inner, flat_parts_before);
+                    }))
+                    return false;
+            } else if (!part.is_plain_word()) {
+                if (flat_parts_before-- == 0) return too_short(part.least_size);
+            } else if (flat_parts_before == 0) {
+                if (walk_.left() < part.least_size) return too_short(part.least_size);
+                walk_.skip(part.least_size);
+            }
+        }
+        return true;
+    }
+
+    [[gnu::noinline]] bool variant(Type const& type) {
+        return inside_nesting(type, [&](Step& step) { return arm(type, step); });
+    }
+
+    bool arm(Type const& type, Step& step) {
+        auto const tag = walk_.take_word<std::int32_t>();
+        auto       index = static_cast<std::uint32_t>(tag);
+        Arm const* arm = nullptr;
+        mix(index);
+        if (index < type.arms.size()) [[likely]] {
+            arm = &type.arms[index];
+        } else {
+            odd_tag(type, tag);
+            key_is_unequal_ = key_is_unequal_ || tag < 0;
+            index = static_cast<std::uint32_t>(type.arms.size() - 1);
+            if (type.takes_rest) arm = &type.arms[index];
+        }
         visitor_.begin_variant(type, tag, arm);
         bool whole = true;
         if (arm != nullptr && arm->payload != nullptr) {
-            walk_.steps.back().part = static_cast<std::uint64_t>(arm - type.arms.data());
+            step.part = index;
             visitor_.payload(type);
-            whole = value(*arm->payload);
+            whole = inline_value(*arm->payload);
         }
         visitor_.end_variant(type);
         return whole;
     }
 
-    bool container(Type const& type) {
+    [[gnu::noinline]] bool container(Type const& type) {
+        return inside_nesting(type, [&](Step& step) { return entries(type, step); });
+    }
+
+    bool entries(Type const& type, Step& step) {
         std::uint64_t const at = walk_.offset();
         std::uint64_t const count = walk_.take_word<std::uint32_t>();
         std::uint64_t const least =
             type.element->least_size + (type.key != nullptr ? type.key->least_size : 0);
-        if (count * least > walk_.left())
-            return fail(at, "a count of at most " + std::to_string(walk_.left() / least),
-                        std::to_string(count));
+        if (count * least > walk_.left()) [[unlikely]]
+            return too_large("a count of at most ", walk_.left() / least, count);
         walk_.elements += count;
-        if (walk_.elements > walk_.limits.elements)
-            return fail(at, "no more than " + std::to_string(walk_.limits.elements) + " elements",
-                        std::to_string(walk_.elements));
+        if (walk_.elements > walk_.limits.elements) [[unlikely]]
+            return too_large("elements in all up to ", walk_.limits.elements, walk_.elements);
         if (!grow_heap(at, container_size(type, count))) return false;
 
         bool const keyed = Visitor::compares_keys && type.kind != Kind::list && count > 1;
         if (keyed) visitor_.open_keys(type, count);
         visitor_.begin(type, count);
         bool whole = true;
-        for (std::uint64_t i = 0; whole && i < count; ++i) whole = entry(type, i, keyed);
+        for (std::uint64_t i = 0; whole && i < count; ++i) whole = entry(type, step, i, keyed);
         visitor_.end(type);
         if (keyed) visitor_.close_keys();
         return whole;
     }
 
-    bool entry(Type const& type, std::uint64_t index, bool keyed) {
-        walk_.steps.back().part = index;
+    bool entry(Type const& type, Step& step, std::uint64_t index, bool keyed) {
+        step.part = index;
         if (walk_.progress != nullptr)
             walk_.progress->store(walk_.offset(), std::memory_order_relaxed);
         visitor_.part(type, index);
-        if (type.kind == Kind::list) return value(*type.element);
+        if (type.kind == Kind::list) return inline_value(*type.element);
         if (type.kind == Kind::set) return key(*type.element, keyed);
 
         std::uint64_t const at = walk_.offset();
         bool                whole = key(*type.key, keyed);
         if (whole) {
-            walk_.steps.back().key_offset = at;
+            step.key_offset = at;
             visitor_.entry_value(type);
             whole = value(*type.element);
-            walk_.steps.back().key_offset = Step::nowhere;
+            step.key_offset = Step::nowhere;
         }
         visitor_.end_entry(type);
         return whole;
@@ -206,8 +285,7 @@ private:
         bool const whole = value(type);
         in_key_ = false;
         if (!whole || key_is_unequal_ || visitor_.add_key(type, at, key_hash_)) return whole;
-        odd(Oddity::repeated, at, "a key or element that is not there yet",
-            [&] { return walk_.key_text(type, at) + " again"; });
+        odd_key(type, at);
         return true;
     }
 
@@ -220,37 +298,35 @@ private:
         return value(*type.element);
     }
 
-    bool boxed(Type const& type) {
+    [[gnu::noinline]] bool boxed(Type const& type) {
         return grow_heap(walk_.offset(), 16 + type.element->object_size) && value(*type.element);
     }
 
-    bool flags(Type const& type) {
-        visitor_.begin(type, type.flag_count);
-        for (std::uint32_t i = 0; i < type.flag_count; ++i) {
-            walk_.steps.back().part = i;
-            visitor_.part(type, i);
-            visitor_.flag(flag());
-        }
-        visitor_.end(type);
-        return true;
+    [[gnu::noinline]] bool flags(Type const& type) {
+        return inside(type, [&](Step& step) {
+            visitor_.begin(type, type.flag_count);
+            for (std::uint32_t i = 0; i < type.flag_count; ++i) {
+                step.part = i;
+                visitor_.part(type, i);
+                visitor_.flag(flag());
+            }
+            visitor_.end(type);
+            return true;
+        });
     }
 
-    bool reference(Type const& type) {
-        std::uint64_t const at = walk_.offset();
-        auto const          tag = walk_.take_word<std::int32_t>();
-        if (!type.knows_tag(tag)) odd_tag(type, at, tag);
+    [[gnu::noinline]] bool reference(Type const& type) {
+        auto const tag = walk_.take_word<std::int32_t>();
+        if (!type.knows_tag(tag)) odd_tag(type, tag);
         visitor_.reference(type, tag, walk_.take_word<std::uint64_t>());
         return true;
     }
 
     bool enumeration(Type const& type) {
-        std::uint64_t const at = walk_.offset();
-        auto const          number = walk_.take_word<std::int32_t>();
+        auto const number = walk_.take_word<std::int32_t>();
         mix(static_cast<std::uint32_t>(number));
-        if (!type.knows_tag(number))
-            odd(Oddity::unknown, at,
-                "an enumerator from 0 to " + std::to_string(type.enumerators.size() - 1),
-                [&] { return std::to_string(number); });
+        if (static_cast<std::uint32_t>(number) >= type.enumerators.size()) [[unlikely]]
+            odd_enumerator(type, number);
         visitor_.enumeration(type, number);
         return true;
     }
@@ -281,33 +357,31 @@ private:
     }
 
     bool string() {
-        std::uint64_t const at = walk_.offset();
-        auto const          word = walk_.take_word<std::int32_t>();
-        if (word >= 1) return repeated_string(at, word);
+        auto const word = walk_.take_word<std::int32_t>();
+        if (word < 1) return told_string(word);
+        if (!walk_.strings.refer(word)) [[unlikely]]
+            odd_reference(word);
+        if (Visitor::compares_keys && in_key_) mix(walk_.strings.hash_of(word));
+        if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word));
+        return true;
+    }
+
+    [[gnu::noinline]] bool told_string(std::int32_t word) {
         std::uint64_t const length_offset = walk_.offset();
+        std::uint64_t const at = length_offset - sizeof word;
         std::string_view    told;
         if (!block(told, "a string")) return false;
         if (walk_.strings.told() == StringTable::most) return too_many_strings(at);
         auto const first_sight = walk_.strings.tell(word, length_offset);
         if (!first_sight.in_sequence) odd_id(at, word);
-        if (!first_sight.text_is_new)
-            odd(Oddity::other, at, "a reference to the text told before",
-                [] { return "the text told again"; });
+        if (!first_sight.text_is_new) odd_repetition(at);
         if (!grow_heap(at, string_size(told.size()))) return false;
         mix(first_sight.hash);
         visitor_.string(told);
         return true;
     }
 
-    bool repeated_string(std::uint64_t at, std::int32_t id) {
-        if (!walk_.strings.refer(id))
-            odd(Oddity::other, at, "an id told before", [&] { return "id " + std::to_string(id); });
-        mix(walk_.strings.hash_of(id));
-        visitor_.string(walk_.strings.text_of(id));
-        return true;
-    }
-
-    bool text() {
+    [[gnu::noinline]] bool text() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "a text") || !grow_heap(at, told.size())) return false;
@@ -315,7 +389,7 @@ private:
         return true;
     }
 
-    bool number() {
+    [[gnu::noinline]] bool number() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "a number")) return false;
@@ -326,7 +400,7 @@ private:
         return true;
     }
 
-    bool big_integer() {
+    [[gnu::noinline]] bool big_integer() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "an integer") || !grow_heap(at, number_size(told.size()))) return false;
@@ -343,7 +417,7 @@ private:
         return true;
     }
 
-    bool ieee_float() {
+    [[gnu::noinline]] bool ieee_float() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "a float")) return false;
@@ -366,15 +440,13 @@ private:
 
     /// A length word and so many bytes.
     bool block(std::string_view& bytes, char const* what) {
-        std::uint64_t const at = walk_.offset();
-        if (walk_.left() < sizeof(std::int32_t)) return no_length(what);
+        if (walk_.left() < sizeof(std::int32_t)) [[unlikely]]
+            return no_length(what);
         auto const length = walk_.take_word<std::int32_t>();
-        if (length < 0 || static_cast<std::uint64_t>(length) > walk_.left())
-            return fail(at, "a length from 0 to " + std::to_string(walk_.left()),
-                        std::to_string(length));
-        if (static_cast<std::uint64_t>(length) > walk_.limits.text_bytes)
-            return fail(at, "no text longer than " + std::to_string(walk_.limits.text_bytes),
-                        std::to_string(length));
+        if (length < 0 || static_cast<std::uint64_t>(length) > walk_.left()) [[unlikely]]
+            return too_large("a length from 0 to ", walk_.left(), length);
+        if (static_cast<std::uint64_t>(length) > walk_.limits.text_bytes) [[unlikely]]
+            return too_large("a text of at most ", walk_.limits.text_bytes, length);
         bytes = walk_.take(static_cast<std::size_t>(length));
         return true;
     }
@@ -390,9 +462,7 @@ private:
 
     bool grow_heap(std::uint64_t at, std::uint64_t bytes) {
         walk_.heap += bytes;
-        if (walk_.heap <= walk_.limits.memory) return true;
-        return fail(at, "an object of at most " + std::to_string(walk_.limits.memory) + " bytes",
-                    "at least " + std::to_string(walk_.heap));
+        return walk_.heap <= walk_.limits.memory || too_much_heap(at);
     }
 
     void mix(std::uint64_t word) {
@@ -403,55 +473,90 @@ private:
     }
 
     // Kept out of the way of what is as it should be.
-    [[gnu::cold]] bool too_short(Type const& type) {
-        return fail(walk_.offset(), "at least " + std::to_string(type.least_size) + " bytes",
+    [[gnu::cold, gnu::noinline]] bool too_short(std::uint32_t least_size) {
+        return fail(walk_.offset(), "at least " + std::to_string(least_size) + " bytes",
                     std::to_string(walk_.left()));
     }
-    [[gnu::cold]] bool too_deep() {
+    // Of the word just taken.
+    template <class Number>
+    [[gnu::cold, gnu::noinline]] bool too_large(char const* expected, std::uint64_t most,
+                                                Number found) {
+        return fail(walk_.offset() - sizeof(std::int32_t), expected + std::to_string(most),
+                    std::to_string(found));
+    }
+    [[gnu::cold, gnu::noinline]] bool too_deep() {
         return fail(walk_.offset(),
-                    "no more than " + std::to_string(walk_.limits.depth) + " values inside values",
+                    "no more than " + std::to_string(walk_.limits.depth) +
+                        " variants and containers inside one another",
                     "one more");
     }
-    [[gnu::cold]] bool no_length(char const* what) {
+    [[gnu::cold, gnu::noinline]] bool too_much_heap(std::uint64_t at) {
+        return fail(at, "an object of at most " + std::to_string(walk_.limits.memory) + " bytes",
+                    "at least " + std::to_string(walk_.heap));
+    }
+    [[gnu::cold, gnu::noinline]] bool no_length(char const* what) {
         return fail(walk_.offset(), std::string("the length of ") + what, "the end of the bytes");
     }
 
-    [[gnu::cold]] bool too_many_strings(std::uint64_t at) {
+    [[gnu::cold, gnu::noinline]] bool too_many_strings(std::uint64_t at) {
         return fail(at, "no more than " + std::to_string(StringTable::most) + " strings",
                     "one more");
     }
 
-    [[gnu::cold]] void odd_tag(Type const& type, std::uint64_t at, std::int32_t tag) {
-        odd(Oddity::unknown, at, "a tag from 0 to " + std::to_string(type.arms.size() - 1), [&] {
-            return tag == -1 ? std::string("-1, a variant never set") : std::to_string(tag);
-        });
+    [[gnu::cold, gnu::noinline]] void odd_tag(Type const& type, std::int32_t tag) {
+        odd(Oddity::unknown, walk_.offset() - sizeof tag,
+            "a tag from 0 to " + std::to_string(type.arms.size() - 1), [&] {
+                return tag == -1 ? std::string("-1, a variant never set") : std::to_string(tag);
+            });
     }
 
-    [[gnu::cold]] void odd_flag(std::uint64_t at, char byte) {
+    [[gnu::cold, gnu::noinline]] void odd_flag(std::uint64_t at, char byte) {
         bool const is_blank = byte == ' ' || (byte >= '\t' && byte <= '\r');
         odd(Oddity::other, at, "T or F", [&] {
             return byte_text(byte) + (is_blank ? ", which reading from a stream skips" : "");
         });
     }
 
-    [[gnu::cold]] void odd_id(std::uint64_t at, std::int32_t word) {
+    [[gnu::cold, gnu::noinline]] void odd_id(std::uint64_t at, std::int32_t word) {
         odd(Oddity::other, at, "id " + std::to_string(walk_.strings.told()),
             [&] { return "id " + std::to_string(-static_cast<std::int64_t>(word)); });
     }
 
-    [[gnu::cold]] void odd_number(std::uint64_t at, std::string_view told) {
+    [[gnu::cold, gnu::noinline]] void odd_reference(std::int32_t id) {
+        odd(Oddity::other, walk_.offset() - sizeof id, "an id told before",
+            [&] { return "id " + std::to_string(id); });
+    }
+
+    [[gnu::cold, gnu::noinline]] void odd_repetition(std::uint64_t at) {
+        odd(Oddity::other, at, "a reference to the text told before",
+            [] { return "the text told again"; });
+    }
+
+    [[gnu::cold, gnu::noinline]] void odd_enumerator(Type const& type, std::int32_t number) {
+        odd(Oddity::unknown, walk_.offset() - sizeof number,
+            "an enumerator from 0 to " + std::to_string(type.enumerators.size() - 1),
+            [&] { return std::to_string(number); });
+    }
+
+    [[gnu::cold, gnu::noinline]] void odd_key(Type const& type, std::uint64_t at) {
+        odd(Oddity::repeated, at, "a key or element that is not there yet",
+            [&] { return walk_.key_text(type, at) + " again"; });
+    }
+
+    [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view told) {
         odd(Oddity::other, at, "a number as it is written", [&] { return quoted(told); });
     }
 
     template <class Found>
-    [[gnu::cold]] void odd(Oddity oddity, std::uint64_t at, std::string_view expected,
-                           Found const& found) {
+    [[gnu::cold, gnu::noinline]] void odd(Oddity oddity, std::uint64_t at,
+                                          std::string_view expected, Found const& found) {
         visitor_.odd(oddity, [&] {
             return Finding{Severity::odd, at, walk_.path(), std::string(expected), found()};
         });
     }
 
-    [[gnu::cold]] bool fail(std::uint64_t at, std::string expected, std::string found) {
+    [[gnu::cold, gnu::noinline]] bool fail(std::uint64_t at, std::string expected,
+                                           std::string found) {
         visitor_.unsafe(
             {Severity::unsafe, at, walk_.path(), std::move(expected), std::move(found)});
         return false;

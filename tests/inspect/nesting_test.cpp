@@ -1,0 +1,267 @@
+// Values of the types that hold their own kind, nested as deep as the default limit allows: the
+// real readers, copies, comparisons and destructors put up with them on a stack of 8 MB.
+
+#include "inspect/verify.hpp"
+#include "tests/inspect/real_roots.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <set>
+#include <vector>
+
+namespace {
+
+using namespace sml::inspect;
+
+/// One way from a type to a type that it holds.
+struct Way {
+    Type const*  to;
+    std::int32_t index;  ///< of the part or arm; 0 for an element, 1 for a key
+};
+
+std::vector<Way> ways_from(Type const& type) {
+    std::vector<Way> ways;
+    if (type.element != nullptr) ways.push_back({type.element, 0});
+    if (type.key != nullptr) ways.push_back({type.key, 1});
+    for (std::int32_t index = 0; Part const& part : type.parts)
+        ways.push_back({part.type, index++});
+    if (type.kind == Kind::variant)
+        for (std::int32_t index = 0; Arm const& arm : type.arms) {
+            if (arm.payload != nullptr) ways.push_back({arm.payload, index});
+            ++index;
+        }
+    return ways;
+}
+
+/// The shortest chain of ways from one type to another, of at least one way; empty where none is.
+std::vector<Way> shortest(Type const& from, Type const& to) {
+    std::map<Type const*, std::vector<Way>> known;
+    std::vector<Type const*>                edge{&from};
+    for (std::size_t i = 0; i < edge.size(); ++i) {
+        std::vector<Way> const so_far = known[edge[i]];
+        for (Way const& way : ways_from(*edge[i])) {
+            std::vector<Way> longer = so_far;
+            longer.push_back(way);
+            if (way.to == &to) return longer;
+            if (way.to != &from && known.emplace(way.to, longer).second) edge.push_back(way.to);
+        }
+    }
+    return {};
+}
+
+/// Writes the smallest value of a type that goes along a chain of ways; where the chain ends, and
+/// beside it, variants take their first tag that holds the least.
+class ChainWriter {
+public:
+    explicit ChainWriter(std::vector<Way> const& ways) : ways_(ways) {}
+
+    std::string bytes;
+
+    void write(Type const& type) { value(type, true); }
+
+private:
+    void value(Type const& type, bool on_chain) {
+        bool const goes_on = on_chain && at_ < ways_.size();
+        Way const  way = goes_on ? ways_[at_++] : Way{nullptr, -1};
+        switch (type.kind) {
+            case Kind::flag: bytes += 'F'; return;
+            case Kind::flags: bytes.append(type.flag_count, 'F'); return;
+            case Kind::number: return block("0.000000");
+            case Kind::big_integer: return block(std::string("0\0\0", 3));
+            case Kind::ieee_float: block("0X0P+0"); return word(64);
+            case Kind::text: return block("");
+            case Kind::string: return string();
+            case Kind::boxed: return value(*type.element, goes_on);
+            case Kind::optional:
+                bytes += goes_on ? 'T' : 'F';
+                if (goes_on) value(*type.element, true);
+                return;
+            case Kind::list:
+            case Kind::set:
+            case Kind::map: return container(type, way);
+            case Kind::variant: return variant(type, way);
+            case Kind::record:
+            case Kind::group:
+            case Kind::tuple:
+                for (std::int32_t index = 0; Part const& part : type.parts)
+                    value(*part.type, index++ == way.index);
+                return;
+            default: bytes.append(type.least_size, '\0');
+        }
+    }
+
+    void container(Type const& type, Way const& way) {
+        word(way.to != nullptr ? 1 : 0);
+        if (way.to == nullptr) return;
+        if (type.key != nullptr) value(*type.key, way.index == 1);
+        value(*type.element, way.index == 0);
+    }
+
+    void variant(Type const& type, Way const& way) {
+        std::int32_t const tag = way.to != nullptr ? way.index : least_tag(type);
+        word(tag);
+        Type const* const payload = type.arms[static_cast<std::size_t>(tag)].payload;
+        if (payload != nullptr) value(*payload, way.to != nullptr);
+    }
+
+    /// The first arm without payload, else the first that does not lead back to the type.
+    static std::int32_t least_tag(Type const& type) {
+        auto const bare = std::ranges::find(type.arms, nullptr, &Arm::payload);
+        if (bare != type.arms.end()) return static_cast<std::int32_t>(bare - type.arms.begin());
+        auto const flat = std::ranges::find_if(
+            type.arms, [&](Arm const& arm) { return shortest(*arm.payload, type).empty(); });
+        return static_cast<std::int32_t>(flat - type.arms.begin());
+    }
+
+    void string() {
+        if (std::exchange(told_, true)) return word(1);
+        word(-1);
+        block("s");
+    }
+
+    void block(std::string const& text) {
+        word(static_cast<std::int32_t>(text.size()));
+        bytes += text;
+    }
+    void word(std::int32_t word) {
+        bytes.append(reinterpret_cast<char const*>(&word), sizeof word);
+    }
+
+    std::vector<Way> const& ways_;
+    std::size_t             at_ = 0;
+    bool                    told_ = false;
+};
+
+/// All types that hold their own kind and have a name.
+std::set<Type const*> recursive_types() {
+    std::set<Type const*>    found;
+    std::set<Type const*>    met;
+    std::vector<Type const*> to_do;
+    for (Root const& root : roots()) to_do.push_back(root.type);
+    while (!to_do.empty()) {
+        Type const& type = *to_do.back();
+        to_do.pop_back();
+        if (!met.insert(&type).second) continue;
+        if (!type.name.empty() && !shortest(type, type).empty()) found.insert(&type);
+        for (Way const& way : ways_from(type)) to_do.push_back(way.to);
+    }
+    return found;
+}
+
+/// A way to nest a type in itself again and again, inside a root.
+struct Loop {
+    Root const*      root;
+    Type const*      type;
+    std::vector<Way> before;
+    std::vector<Way> around;
+
+    std::string bytes(std::size_t rounds) const {
+        std::vector<Way> ways = before;
+        for (std::size_t i = 0; i < rounds; ++i)
+            ways.insert(ways.end(), around.begin(), around.end());
+        ChainWriter writer(ways);
+        writer.write(*root->type);
+        return writer.bytes;
+    }
+
+    std::string name() const {
+        std::string name = std::string(root->stem) + ": " + std::string(type->name);
+        if (!type->arms.empty())
+            name += " by " +
+                    std::string(type->arms[static_cast<std::size_t>(around.front().index)].name);
+        return name;
+    }
+};
+
+/// For each recursive type, each of its ways back to itself, in the first root that holds it.
+std::vector<Loop> loops() {
+    std::vector<Loop> all;
+    for (Type const* const type : recursive_types()) {
+        Root const* root = nullptr;
+        for (Root const& other : roots())
+            if (root == nullptr && !shortest(*other.type, *type).empty()) root = &other;
+        for (Way const& way : ways_from(*type)) {
+            std::vector<Way>       around{way};
+            std::vector<Way> const back =
+                way.to == type ? std::vector<Way>{} : shortest(*way.to, *type);
+            if (way.to != type && back.empty()) continue;
+            around.insert(around.end(), back.begin(), back.end());
+            all.push_back({root, type, shortest(*root->type, *type), around});
+        }
+    }
+    return all;
+}
+
+Answer answer_at(Loop const& loop, std::size_t rounds, Limits const& limits = {}) {
+    return verify(*loop.root, loop.bytes(rounds), {.limits = limits}).answer;
+}
+
+/// The most rounds that the default limits allow.
+std::size_t most_rounds(Loop const& loop) {
+    std::size_t rounds = 0;
+    while (rounds < Limits::depth_cap && answer_at(loop, rounds + 1) != Answer::unsafe) ++rounds;
+    return rounds;
+}
+
+void run_on_stack(std::size_t bytes, std::function<void()> work) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+    pthread_t  thread;
+    auto const run = [](void* given) -> void* {
+        (*static_cast<std::function<void()>*>(given))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(Nesting, TheTypesThatHoldTheirOwnKind) {
+    std::set<std::string> names;
+    for (Type const* const type : recursive_types()) names.emplace(type->name);
+    EXPECT_EQ(names, (std::set<std::string>{"sml::Events::T_Event_Kind",
+                                            "sml::Events::T_Event_Kind::SECURITY_EVENT_args",
+                                            "sml::IL::T_Info_Expr"}));
+}
+
+TEST(Nesting, TheDepthLimitIsExact) {
+    for (Loop const& loop : loops()) {
+        SCOPED_TRACE(loop.name());
+        Limits limits;
+        limits.depth = 1;
+        while (answer_at(loop, 3, limits) == Answer::unsafe && limits.depth < 100) ++limits.depth;
+        std::uint32_t const depth = limits.depth;
+        limits.depth = depth - 1;
+        auto const verdict = verify(*loop.root, loop.bytes(3), {.limits = limits});
+        ASSERT_EQ(verdict.answer, Answer::unsafe);
+        EXPECT_EQ(verdict.findings.back().expected,
+                  "no more than " + std::to_string(depth - 1) +
+                      " variants and containers inside one another");
+    }
+}
+
+TEST(Nesting, ReadersBearTheDefaultLimitOnEightMegabytes) {
+    constexpr std::size_t stack = std::size_t{8} << 20;
+    for (Loop const& loop : loops()) {
+        SCOPED_TRACE(loop.name());
+        std::size_t const rounds = most_rounds(loop);
+        ASSERT_GT(rounds, 50u);
+        auto const deeper = verify(*loop.root, loop.bytes(rounds + 1));
+        ASSERT_EQ(deeper.answer, Answer::unsafe);
+        EXPECT_EQ(deeper.findings.back().found, "one more");
+        std::string const bytes = loop.bytes(rounds);
+        bool const        is_good = verify(*loop.root, bytes).answer == Answer::good;
+        std::string       fault = "not run";
+        run_on_stack(stack,
+                     [&] { fault = real_root(*loop.root).fault_of_reading(bytes, is_good); });
+        EXPECT_EQ(fault, "");
+        std::cout << loop.name() << ": " << rounds << " rounds, " << bytes.size() << " bytes\n";
+    }
+}
+
+}  // namespace

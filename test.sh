@@ -1,6 +1,7 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests: built by g++, then again under
-# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection.
+# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs each fuzz target for
+# BRADEP_FUZZ_SECONDS, 60 by default.
 #
 #   ./test.sh          what every change must pass
 #   ./test.sh --all    also built by clang, and random tests at their slow counts
@@ -36,3 +37,6 @@ for preset in "${presets[@]}"; do
     build "$preset"
     ctest --preset "$preset" --parallel "$(nproc)"
 done
+
+echo "== fuzz"
+./fuzz.sh "${BRADEP_FUZZ_SECONDS:-60}"

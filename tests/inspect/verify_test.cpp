@@ -1,16 +1,12 @@
 #include "inspect/verify.hpp"
 
-#include "bindings/bindings.hpp"
 #include "tests/hex.hpp"
-#include "tests/random_values.hpp"
+#include "tests/inspect/root_cases.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <limits>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -22,41 +18,6 @@ using sml::inspect::Finding;
 using sml::inspect::Limits;
 using sml::inspect::Verdict;
 using sml::inspect::verify;
-
-/// What the tests do with a root, whatever its type.
-struct RootCase {
-    char const*                               stem;
-    std::function<std::string(RandomValues&)> random_bytes;
-    std::function<void(std::string const&)>   read_exactly;
-};
-
-/// Reads from a block of exactly these bytes, where a sanitizer sees a read beyond them, and from a
-/// stream that tells how many were taken.
-template <class T>
-void read_exactly(std::string const& bytes, void (*to_cxx)(T&, char const*),
-                  void (*from_stream)(T&, std::istream&)) {
-    auto const block = std::make_unique<char[]>(bytes.size());
-    std::memcpy(block.get(), bytes.data(), bytes.size());
-    T value{};
-    EXPECT_NO_THROW(to_cxx(value, block.get()));
-    T                  streamed{};
-    std::istringstream stream(bytes + "x");
-    stream >> std::noskipws;
-    EXPECT_NO_THROW(from_stream(streamed, stream));
-    EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(bytes.size()));
-}
-
-std::vector<RootCase> const& root_cases() {
-#define SML_ROOT(Stem, ...)                                                                       \
-    {#Stem, [](RandomValues& random) { return sml::Stem##_fromCxx(random.make<__VA_ARGS__>()); }, \
-     [](std::string const& bytes) {                                                               \
-         read_exactly<__VA_ARGS__>(bytes, &sml::Stem##_toCxx, &sml::Stem##_fromStream);           \
-     }},
-    static std::vector<RootCase> const cases{
-#include "bindings/roots.def"
-    };
-    return cases;
-}
 
 std::string told(Finding const& finding) {
     return std::to_string(finding.offset) + " " + finding.path + ": expected " + finding.expected +

@@ -1,0 +1,86 @@
+#!/bin/bash
+# Builds the fuzz targets, replays their corpus, and runs each target from it, two at a time.
+#
+#   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS a target, 60 without; all targets without
+#
+# Ends with 1 on any finding; what was found and the logs are in build/fuzz/found. The corpus is made
+# of the golden files and of what stands in fuzz/corpus; BRADEP_FUZZ_BUILD names another build
+# directory, BRADEP_FUZZ_KEEP one where the inputs that were found worth keeping go.
+set -euo pipefail
+cd "$(dirname "$0")"
+source scripts/prepare.sh
+
+seconds=${1:-60}
+shift $(($# > 0 ? 1 : 0))
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(walk_fuzz check_fuzz read_fuzz encode_fuzz)
+build=${BRADEP_FUZZ_BUILD:-build/fuzz}
+found=$build/found
+
+export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
+export UBSAN_OPTIONS=print_stacktrace=1
+
+install_packages
+mkdir -p "$build"
+cmake --preset fuzz -B "$build"
+cmake --build "$build" --parallel "${BRADEP_FUZZ_JOBS:-$(nproc)}" --target fuzz_seeds "${targets[@]}"
+
+rm -rf "$found" "$build/seeds"
+mkdir -p "$found"
+"$build/fuzz/fuzz_seeds" tests/golden/files "$build/seeds"
+
+# The directories whose files a target starts from.
+starts() {
+    local kind=bytes
+    [ "$1" != encode_fuzz ] || kind=json
+    echo "$build/seeds/$kind"
+    [ ! -d "fuzz/corpus/$kind" ] || echo "fuzz/corpus/$kind"
+}
+
+# Judges every input of the corpus once, then looks for new ones.
+run_target() {
+    local target=$1 program=$build/fuzz/$1 new=${BRADEP_FUZZ_KEEP:-$build/new}/$1
+    local start most_bytes=8193
+    [ "$target" != encode_fuzz ] || most_bytes=32768
+    mapfile -t start < <(starts "$target")
+    mkdir -p "$new"
+    "$program" -runs=0 -max_len=$most_bytes -artifact_prefix="$found/$target-" "${start[@]}" \
+        >"$found/$target.replay.log" 2>&1 || return 1
+    "$program" -max_total_time="$seconds" -max_len=$most_bytes -timeout=20 -rss_limit_mb=2048 \
+        -print_final_stats=1 -artifact_prefix="$found/$target-" "$new" "${start[@]}" \
+        >"$found/$target.log" 2>&1
+}
+
+# A line of figures out of a log.
+report() {
+    local log=$found/$1.log last
+    if [ ! -f "$log" ]; then
+        echo "$1: the replay failed"
+        return
+    fi
+    last=$(grep -E '^#[0-9]+.* cov: ' "$log" | tail -1)
+    printf '%-12s %10s executions %7s/s %6s edges, corpus %s\n' "$1" \
+        "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" \
+        "$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log")" \
+        "$(sed -n 's/.* cov: \([0-9]*\).*/\1/p' <<<"$last")" \
+        "$(sed -n 's/.* corp: \([^ ]*\).*/\1/p' <<<"$last")"
+}
+
+failed=()
+for ((i = 0; i < ${#targets[@]}; i += 2)); do
+    running=()
+    for target in "${targets[@]:i:2}"; do
+        run_target "$target" &
+        running+=("$!:$target")
+    done
+    for job in "${running[@]}"; do
+        wait "${job%%:*}" || failed+=("${job#*:}")
+        report "${job#*:}"
+    done
+done
+
+for target in "${failed[@]}"; do
+    echo "== $target found something:"
+    cat "$found/$target".*log | grep -E '^(FINDING|root:|bytes:|SUMMARY|==.*ERROR|artifact_prefix)|runtime error' || true
+done
+[ ${#failed[@]} -eq 0 ]

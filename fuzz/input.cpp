@@ -1,0 +1,30 @@
+#include "fuzz/input.hpp"
+
+#include "tests/hex.hpp"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace fuzz {
+
+Input input_of(std::uint8_t const* data, std::size_t size) {
+    auto const all = sml::inspect::roots();
+    return {&all[data[0] % all.size()], {reinterpret_cast<char const*>(data) + 1, size - 1}};
+}
+
+std::string input_for(sml::inspect::Root const& root, std::string_view bytes) {
+    Input const input{&root, bytes};
+    return static_cast<char>(input.root_index()) + std::string(bytes);
+}
+
+void fail(Input const& input, std::string_view what) {
+    std::cerr << "FINDING: " << what << "\nroot: " << input.root->stem
+              << "\nbytes: " << hex::shown(input.bytes) << std::endl;
+    std::abort();
+}
+
+void require(bool holds, Input const& input, std::string_view what) {
+    if (!holds) fail(input, what);
+}
+
+}  // namespace fuzz

@@ -1,0 +1,39 @@
+#pragma once
+// The golden files: bytes of all roots, small, which together reach all that the schema has.
+
+#include "inspect/type.hpp"
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace golden {
+
+constexpr std::size_t most_bytes = 8192;  ///< of one file
+
+struct File {
+    std::string               name;  ///< STEM.NUMBER.bin
+    sml::inspect::Root const* root;
+    std::string               bytes;
+};
+
+/// All golden files of a directory by name. Throws `std::runtime_error` for what is none.
+std::vector<File> files_in(std::filesystem::path const& directory);
+
+/// Types, and arms and enumerators of types; -1 is the type itself. An arm is reached with its
+/// payload; a container is reached when it has an entry, an optional when it has a value.
+using Reached = std::set<std::pair<sml::inspect::Type const*, std::int32_t>>;
+
+/// All that can be reached from a root.
+Reached reachable_from(sml::inspect::Root const& root);
+
+/// What a good value reaches.
+Reached reached_by(sml::inspect::Root const& root, std::string_view bytes);
+
+/// As a person names it.
+std::string name_of(Reached::value_type const& reached);
+
+}  // namespace golden

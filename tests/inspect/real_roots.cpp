@@ -1,0 +1,120 @@
+#include "tests/inspect/real_roots.hpp"
+
+#include "bindings/bindings.hpp"
+#include "core/compare.hpp"
+#include "inspect/canonical.hpp"
+#include "inspect/verify.hpp"
+
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+namespace {
+
+using sml::inspect::Answer;
+using sml::inspect::find_root;
+
+template <class T>
+struct Entries {
+    char const* stem;
+    void (*to_cxx)(T&, char const*);
+    void (*from_stream)(T&, std::istream&);
+    std::string const& (*from_cxx)(T const&);
+};
+
+/// Some classes have no comparison, so tables of them have none either.
+template <class T>
+constexpr bool is_comparable = !sml::core::Serialized<T> || requires(T const& a) {
+    a == a;
+    a < a;
+};
+template <class T>
+constexpr bool is_comparable<std::list<T>> = is_comparable<T>;
+
+template <class T>
+void read_block(T& value, Entries<T> const& entries, std::string_view bytes) {
+    auto const block = std::make_unique<char[]>(bytes.size());
+    if (!bytes.empty()) std::memcpy(block.get(), bytes.data(), bytes.size());
+    entries.to_cxx(value, block.get());
+}
+
+/// How many bytes the stream reader takes, which skips no white space here.
+template <class T>
+std::streamoff bytes_taken(Entries<T> const& entries, std::string_view bytes) {
+    std::istringstream stream(std::string(bytes) + "behind");
+    stream >> std::noskipws;
+    T value{};
+    entries.from_stream(value, stream);
+    return stream.tellg();
+}
+
+/// A copy, and one that was assigned over another value, are written as the value itself is.
+template <class T>
+std::string fault_of_copying(T const& value, Entries<T> const& entries) {
+    std::string const written = entries.from_cxx(value);
+    T                 copy(value);
+    if (entries.from_cxx(copy) != written) return "a copy is written in another way";
+    T assigned{};
+    assigned = value;
+    if (entries.from_cxx(assigned) != written) return "an assigned value is written otherwise";
+    T const moved(std::move(copy));
+    if (entries.from_cxx(moved) != written) return "a moved value is written in another way";
+    if constexpr (is_comparable<T>) {
+        using sml::core::Comparison;
+        if (Comparison::equal(value, assigned) != Comparison::equal(assigned, value))
+            return "a value and its copy disagree on being equal";
+        if (Comparison::less(value, assigned) != Comparison::less(assigned, value))
+            return "a value and its copy disagree on which is less";
+    }
+    return {};
+}
+
+/// What is written of any value can be encoded, and of good bytes it has their digest.
+std::string fault_of_writing(char const* stem, std::string_view read, std::string const& written,
+                             bool are_good) {
+    auto const& root = *find_root(stem);
+    auto const  verdict = verify(root, written);
+    if (verdict.answer == Answer::unsafe) return "what is written again is unsafe";
+    if (verdict.reason_against_encoding) return "what is written again can't be encoded";
+    if (!are_good) return {};
+    if (verdict.answer != Answer::good) return "what is written of good bytes is not good";
+    if (digest(root, read) != digest(root, written)) return "the digest is another one";
+    return {};
+}
+
+template <class T>
+std::string fault_of_reading(Entries<T> const& entries, std::string_view bytes, bool are_good) try {
+    T value{};
+    read_block(value, entries, bytes);
+    std::streamoff const taken = bytes_taken(entries, bytes);
+    if (taken != static_cast<std::streamoff>(bytes.size()))
+        return std::to_string(taken) + " bytes were taken of " + std::to_string(bytes.size());
+    if (std::string fault = fault_of_copying(value, entries); !fault.empty()) return fault;
+    return fault_of_writing(entries.stem, bytes, std::string(entries.from_cxx(value)), are_good);
+} catch (std::exception const& thrown) {
+    return std::string("thrown: ") + thrown.what();
+}
+
+#define SML_ROOT(Stem, ...)                                                                     \
+    {#Stem,                                                                                     \
+     [](RandomValues& random) {                                                                 \
+         return std::string(sml::Stem##_fromCxx(random.make<__VA_ARGS__>()));                   \
+     },                                                                                         \
+     [](std::string_view bytes, bool are_good) {                                                \
+         constexpr Entries<__VA_ARGS__> entries{#Stem, &sml::Stem##_toCxx,                      \
+                                                &sml::Stem##_fromStream, &sml::Stem##_fromCxx}; \
+         return fault_of_reading(entries, bytes, are_good);                                     \
+     }},
+constexpr RealRoot all_roots[] = {
+#include "bindings/roots.def"
+};
+
+}  // namespace
+
+std::span<RealRoot const> real_roots() { return all_roots; }
+
+RealRoot const& real_root(sml::inspect::Root const& root) {
+    return all_roots[&root - sml::inspect::roots().data()];
+}

@@ -48,7 +48,8 @@ Action declare_encode(CLI::App& app) {
                    "The bytes to write; they appear whole or not at all. - is standard output")
         ->required()
         ->type_name("FILE");
-    app.add_option("--max-depth", options->limits.depth, "Values inside values, at most 4000")
+    app.add_option("--max-depth", options->limits.depth,
+                   "Variants and containers inside one another, at most 4000")
         ->capture_default_str()
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");

@@ -42,7 +42,8 @@ Exit_Code print_diff(Options const& options, Streams& streams) {
             streams.out << "Roots of another form: " << printable(affected) << '\n';
         return changes.empty() ? exit_done : exit_no;
     } catch (json_input::Misfit const& misfit) {
-        throw Damaged_Input(name + ": " + old.pointer_to(*misfit.where) + ": " + misfit.what);
+        auto const pointer = old.pointer_to(*misfit.where);
+        throw Damaged_Input(name + ": " + (pointer.empty() ? "" : pointer + ": ") + misfit.what);
     }
 }
 

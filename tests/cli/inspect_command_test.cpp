@@ -1,0 +1,553 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "bindings/bindings.hpp"
+#include "cli_support.hpp"
+#include "inspect/verify.hpp"
+#include "tests/core/comma_locale.hpp"
+#include "tests/hex.hpp"
+
+namespace {
+
+using namespace cli_test;
+using namespace std::string_literals;
+
+constexpr char const* result_set = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
+constexpr char const* sets = "String_To_StringSet_T";
+constexpr char const* more = " (bradep --help tells more)";
+
+bool contains(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// {"b": {"z", "a"}, "a": {}}
+std::string two_sets() {
+    return hex::bytes(
+        "02 00 00 00  FF FF FF FF 01 00 00 00 'b'  02 00 00 00"
+        "FE FF FF FF 01 00 00 00 'z'  FD FF FF FF 01 00 00 00 'a'  03 00 00 00  00 00 00 00");
+}
+
+std::string imported_flows() {
+    return run_command({"import", fixture("flows.sarif").string(), "-o", "-"}).out;
+}
+
+void expect_outcome(Outcome const& outcome, int code, std::string const& out,
+                    std::string const& err) {
+    EXPECT_EQ(outcome.code, code);
+    EXPECT_EQ(outcome.out, out);
+    EXPECT_EQ(outcome.err, err);
+}
+
+TEST(VerifyCommand, GoodBytesAreCodeZeroAndTheirFigures) {
+    std::string const bytes = hex::bytes("07 00 00 00");
+    expect_outcome(run_command({"verify", "--root", "Interrogators_ClassKey", "-"}, bytes), 0,
+                   "standard input: good\n"
+                   "  root      Interrogators_ClassKey\n"
+                   "  bytes     4 of 4\n"
+                   "  odd       0\n"
+                   "  strings   0\n"
+                   "  elements  0\n"
+                   "  heap      about 0 bytes when read\n",
+                   "");
+}
+
+TEST(VerifyCommand, OddBytesAreCodeZeroAndCodeOneWhenStrict) {
+    auto const odd = run_command({"verify", "--root", "Answers_Context", "-"}, "x");
+    EXPECT_EQ(odd.code, 0);
+    EXPECT_TRUE(odd.out.starts_with("standard input: odd\n")) << odd.out;
+    EXPECT_EQ(odd.err,
+              "bradep: standard input: byte 0 at flag: expected T or F, found 'x' (odd)\n");
+    auto const strict = run_command({"verify", "--strict", "--root", "Answers_Context", "-"}, "x");
+    EXPECT_EQ(strict.code, 1);
+    EXPECT_EQ(strict.out, odd.out);
+    EXPECT_EQ(strict.err, odd.err);
+    EXPECT_EQ(run_command({"verify", "--strict", "--root", "Answers_Context", "-"}, "T").code, 0);
+}
+
+TEST(VerifyCommand, UnsafeBytesAreCodeOne) {
+    auto const outcome = run_command({"verify", "--root", sets, "-"}, two_sets() + "x");
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(outcome.out.starts_with("standard input: unsafe\n")) << outcome.out;
+    EXPECT_TRUE(contains(outcome.out, "  bytes     43 of 44\n")) << outcome.out;
+    EXPECT_EQ(outcome.err,
+              "bradep: standard input: byte 43: expected the end of the bytes, "
+              "found 1 more bytes (unsafe)\n");
+}
+
+TEST(VerifyCommand, FindingsAreBoundedAndAllAreCounted) {
+    std::string bytes = hex::bytes("03 00 00 00");
+    for (int i = 0; i < 3; ++i) bytes += hex::bytes("00 00 00 00 'x'");
+    auto const outcome =
+        run_command({"verify", "-n", "1", "--root",
+                     "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList", "-"},
+                    bytes);
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(contains(outcome.out, "  odd       3\n"));
+    EXPECT_EQ(outcome.err,
+              "bradep: standard input: byte 8 at [0].BOOL_PRAGMA_PARAMETER: expected T or F, "
+              "found 'x' (odd)\n"
+              "bradep: standard input: 2 more odd findings\n");
+}
+
+TEST(VerifyCommand, FileIsReadLikeStandardInput) {
+    Scratch const scratch;
+    auto const    file = (scratch / "bytes").string();
+    write_bytes(file, two_sets());
+    auto const outcome = run_command({"verify", "--root", sets, file});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(outcome.out.starts_with(file + ": good\n")) << outcome.out;
+    write_bytes(file, "");
+    EXPECT_EQ(run_command({"verify", "--root", sets, file}).code, 1);
+}
+
+TEST(VerifyCommand, FindingStaysOneLineWhateverTheBytes) {
+    std::string const bytes =
+        hex::bytes("01 00 00 00  FF FF FF FF 04 00 00 00 0A 1B 5B FF  01 00 00 00  07 00 00 00");
+    auto const outcome = run_command({"verify", "--root", sets, "-"}, bytes);
+    EXPECT_EQ(outcome.err, R"(bradep: standard input: byte 20 at ["\x0A\x1B[\xFF"][0]: )"
+                           "expected an id told before, found id 7 (odd)\n");
+}
+
+TEST(RootOption, IsToldWithItsNearestWhenThereIsNone) {
+    Scratch const scratch;
+    auto const    target = (scratch / "out").string();
+    for (auto const& args : std::vector<std::vector<std::string>>{{"verify", "-"},
+                                                                  {"dump", "-"},
+                                                                  {"canon", "-", "-o", target},
+                                                                  {"digest", "-"},
+                                                                  {"schema"}}) {
+        auto with_root = args;
+        with_root.insert(with_root.end(), {"--root", "Answers_Contex"});
+        expect_outcome(run_command(with_root, "T"), 2, "",
+                       "bradep: --root: no root is called Answers_Contex; "
+                       "there is Answers_Context"s +
+                           more + "\n");
+    }
+    EXPECT_TRUE(scratch.names().empty());
+}
+
+TEST(ChosenRoot, FirstThatFitsIsTakenAndTheOthersAreTold) {
+    std::string const told =
+        "bradep: standard input: read as Answers_Answer; it also fits Answers_Context\n";
+    auto const verified = run_command({"verify", "-"}, "T");
+    EXPECT_EQ(verified.code, 0);
+    EXPECT_TRUE(contains(verified.out, "  root      Answers_Answer\n"));
+    EXPECT_EQ(verified.err, told);
+    expect_outcome(run_command({"dump", "-"}, "T"), 0,
+                   "{\"root\":\"Answers_Answer\",\"value\":{\"flag\":true}}\n", told);
+    EXPECT_EQ(run_command({"digest", "-"}, "T").err, told);
+    EXPECT_EQ(run_command({"canon", "-", "-o", "-"}, "T").err, told);
+}
+
+TEST(ChosenRoot, OnlyOneThatFitsIsToldAlone) {
+    EXPECT_EQ(run_command({"verify", "-"}, imported_flows()).err,
+              "bradep: standard input: read as "s + result_set + "\n");
+}
+
+TEST(ChosenRoot, OfDamagedBytesIsTheOneThatCameFurthest) {
+    std::string bytes = imported_flows();
+    bytes.pop_back();
+    sml::inspect::Candidate const best = sml::inspect::identify(bytes).front();
+    ASSERT_EQ(best.root->stem, result_set);
+    std::string const told = "bradep: standard input: fits no root, read as "s + result_set +
+                             ", which came furthest: to byte " + std::to_string(best.walked) +
+                             " of " + std::to_string(bytes.size()) + "\n";
+    for (auto const& args : std::vector<std::vector<std::string>>{
+             {"verify", "-"}, {"dump", "-"}, {"digest", "-"}, {"canon", "-", "-o", "-"}}) {
+        auto const outcome = run_command(args, bytes);
+        EXPECT_EQ(outcome.code, 1) << args.front();
+        EXPECT_TRUE(outcome.err.starts_with(told)) << outcome.err;
+    }
+}
+
+TEST(DumpCommand, PrintsJson) {
+    expect_outcome(run_command({"dump", "--root", sets, "-"}, two_sets()), 0,
+                   "{\"root\":\"String_To_StringSet_T\","
+                   "\"value\":[[\"b\",[\"z\",\"a\"]],[\"a\",[]]]}\n",
+                   "");
+    auto const pretty = run_command({"dump", "--pretty", "--root", "Answers_Context", "-"}, "T");
+    EXPECT_EQ(pretty.out,
+              "{\n  \"root\": \"Answers_Context\",\n  \"value\": {\n    \"flag\": true\n  }\n}\n");
+}
+
+TEST(DumpCommand, PrintsAPart) {
+    expect_outcome(
+        run_command({"dump", "--root", sets, "--select", R"(["b"][1])", "-"}, two_sets()), 0,
+        "{\"root\":\"String_To_StringSet_T\",\"path\":\"[\\\"b\\\"][1]\",\"value\":\"a\"}\n", "");
+    expect_outcome(
+        run_command({"dump", "--root", sets, "--select", R"(["b"][2])", "-"}, two_sets()), 1, "",
+        "bradep: standard input: there is no [\"b\"][2]\n");
+}
+
+TEST(DumpCommand, PrintsLines) {
+    expect_outcome(run_command({"dump", "--root", sets, "--ndjson", "", "-"}, two_sets()), 0,
+                   "[\"b\",[\"z\",\"a\"]]\n[\"a\",[]]\n", "");
+    expect_outcome(run_command({"dump", "--root", sets, "--ndjson", R"(["b"])", "-"}, two_sets()),
+                   0, "\"z\"\n\"a\"\n", "");
+    expect_outcome(
+        run_command({"dump", "--root", sets, "--ndjson", R"(["b"][0])", "-"}, two_sets()), 1, "",
+        "bradep: standard input: there is no table [\"b\"][0]\n");
+}
+
+TEST(DumpCommand, FormsExcludeOneAnother) {
+    for (auto const& args :
+         std::vector<std::vector<std::string>>{{"dump", "--ndjson", "a", "--pretty", "-"},
+                                               {"dump", "--ndjson", "a", "--select", "a", "-"}}) {
+        auto const outcome = run_command(args, "T");
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+TEST(DumpCommand, OddBytesAreCodeZero) {
+    expect_outcome(run_command({"dump", "--root", "Answers_Context", "-"}, "x"), 0,
+                   "{\"root\":\"Answers_Context\",\"value\":{\"flag\":false}}\n",
+                   "bradep: standard input: byte 0 at flag: expected T or F, found 'x' (odd)\n");
+}
+
+TEST(DumpCommand, UnsafeBytesAreCodeOneWithAllThatCameBefore) {
+    std::string const cut = two_sets().substr(0, 30);
+    expect_outcome(
+        run_command({"dump", "--root", sets, "-"}, cut), 1,
+        "{\"root\":\"String_To_StringSet_T\",\"value\":[[\"b\",[\"z\","
+        "{\"unsafe\":{\"offset\":30,\"expected\":\"the length of a string\","
+        "\"found\":\"the end of the bytes\"}}]]]}\n",
+        "bradep: standard input: byte 30 at [\"b\"][1]: expected the length of a string, "
+        "found the end of the bytes (unsafe)\n");
+}
+
+TEST(DumpCommand, FullStandardOutputIsCodeTwo) {
+    Scratch const scratch;
+    write_bytes(scratch / "bytes", two_sets());
+    std::string const command = "'" BRADEP_COMMAND "' dump --root String_To_StringSet_T '" +
+                                (scratch / "bytes").string() + "' > /dev/full 2> '" +
+                                (scratch / "err").string() + "'";
+    int const status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_EQ(bytes_of(scratch / "err"),
+              "bradep: cannot write standard output: No space left on device\n");
+}
+
+std::string json_of(std::string const& bytes) {
+    return run_command({"dump", "--root", sets, "-"}, bytes).out;
+}
+
+TEST(EncodeCommand, WritesTheBytesAgain) {
+    Scratch const scratch;
+    auto const    target = (scratch / "out").string();
+    expect_outcome(run_command({"encode", "-", "-o", target}, json_of(two_sets())), 0, "", "");
+    EXPECT_EQ(bytes_of(target), two_sets());
+    write_bytes(scratch / "in.json", json_of(two_sets()));
+    expect_outcome(run_command({"encode", (scratch / "in.json").string(), "-o", "-"}), 0,
+                   two_sets(), "");
+}
+
+TEST(EncodeCommand, BadJsonIsCodeOneAndLeavesNoFile) {
+    Scratch const     scratch;
+    auto const        target = (scratch / "out").string();
+    std::string const json = "{\"root\":\"Answers_Context\",\n \"value\":{\"flag\":1}}";
+    std::string const told =
+        "bradep: standard input:2:18 at flag: expected true or false, found the number 1\n";
+    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", told);
+    EXPECT_TRUE(scratch.names().empty());
+    write_bytes(target, "old");
+    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", told);
+    EXPECT_EQ(bytes_of(target), "old");
+    EXPECT_EQ(scratch.names().size(), 1U);
+    expect_outcome(run_command({"encode", "-", "-o", "-"}, json), 1, "", told);
+}
+
+TEST(EncodeCommand, FileAndPlaceAreToldWhereThereIsNoPath) {
+    Scratch const scratch;
+    auto const    file = (scratch / "in.json").string();
+    write_bytes(file, "{}");
+    expect_outcome(run_command({"encode", file, "-o", "-"}), 1, "",
+                   "bradep: " + file + ":1:2: expected the member \"root\", found the end\n");
+}
+
+TEST(EncodeCommand, DepthIsLimited) {
+    std::string const json = json_of(two_sets());
+    EXPECT_EQ(run_command({"encode", "--max-depth", "2", "-", "-o", "-"}, json).code, 0);
+    EXPECT_EQ(run_command({"encode", "--max-depth", "1", "-", "-o", "-"}, json).code, 1);
+}
+
+TEST(EncodeCommand, TroubleIsCodeTwo) {
+    Scratch const scratch;
+    EXPECT_EQ(run_command({"encode", "-"}, "{}").code, 2);
+    EXPECT_EQ(run_command({"encode", "/no/such", "-o", "-"}).code, 2);
+    auto const full = run_command({"encode", "-", "-o", "/dev/full"}, json_of(two_sets()));
+    EXPECT_EQ(full.code, 2);
+    EXPECT_EQ(full.err, "bradep: cannot write /dev/full: No space left on device\n");
+    EXPECT_EQ(
+        run_command({"encode", "-", "-o", (scratch / "no/out").string()}, json_of(two_sets())).code,
+        2);
+    EXPECT_TRUE(scratch.names().empty());
+}
+
+TEST(IdentifyCommand, PrintsTheRootsThatFitGoodOnesFirst) {
+    expect_outcome(run_command({"identify", "-"}, "T"), 0, "Answers_Answer\nAnswers_Context\n", "");
+    // Good as a reference; odd as a table, which stands before them among the roots.
+    expect_outcome(
+        run_command({"identify", "-"}, hex::bytes("01 00 00 00  05 00 00 00  00 00 00 00")), 0,
+        "Interrogators_AnswerRef\nInterrogators_ContextRef\nInterrogators_FunctionRef\n"
+        "Interrogators_InterrogatorRef\nInterrogators_QuestionRef\nInterrogators_RepositoryRef\n"
+        "String_To_StringSet_T\n",
+        "");
+    EXPECT_EQ(run_command({"identify", "-"}, imported_flows()).out, result_set + "\n"s);
+}
+
+TEST(IdentifyCommand, NothingThatFitsIsCodeOneAndTheFurthestIsTold) {
+    std::string bytes = imported_flows();
+    bytes.pop_back();
+    auto const best = sml::inspect::identify(bytes).front();
+    ASSERT_EQ(best.root->stem, result_set);
+    expect_outcome(run_command({"identify", "-"}, bytes), 1, "",
+                   "bradep: standard input: fits no root; "s + result_set +
+                       " came furthest, to byte " + std::to_string(best.walked) + " of " +
+                       std::to_string(bytes.size()) + "\n");
+    auto const empty = run_command({"identify", "-"}, "");
+    EXPECT_EQ(empty.code, 1);
+    EXPECT_EQ(empty.out, "");
+}
+
+TEST(CanonCommand, WritesBytesThatAreGoodAndStay) {
+    Scratch const scratch;
+    auto const    target = (scratch / "out").string();
+    expect_outcome(run_command({"canon", "--root", sets, "-", "-o", target}, two_sets()), 0, "",
+                   "");
+    std::string const canonical = bytes_of(target);
+    EXPECT_EQ(canonical, hex::bytes("02 00 00 00  FF FF FF FF 01 00 00 00 'a'  00 00 00 00"
+                                    "FE FF FF FF 01 00 00 00 'b'  02 00 00 00  01 00 00 00"
+                                    "FD FF FF FF 01 00 00 00 'z'"));
+    EXPECT_EQ(run_command({"verify", "--strict", "--root", sets, target}).code, 0);
+    expect_outcome(run_command({"canon", "--root", sets, target, "-o", "-"}), 0, canonical, "");
+}
+
+TEST(CanonCommand, UnsafeAndOtherOddBytesAreCodeOneAndLeaveNoFile) {
+    Scratch const     scratch;
+    auto const        target = (scratch / "out").string();
+    std::string const unsafe = two_sets() + "x";
+    std::string const no_form = "bradep: standard input: no canonical form: ";
+    auto const        canon = [&](std::string const& stem, std::string const& bytes) {
+        return run_command({"canon", "--root", stem, "-", "-o", target}, bytes);
+    };
+    expect_outcome(canon(sets, unsafe), 1, "",
+                   no_form + "byte 43: expected the end of the bytes, found 1 more bytes\n");
+    expect_outcome(canon("Answers_Context", "x"), 1, "",
+                   no_form + "byte 0 at flag: expected T or F, found 'x'\n");
+    EXPECT_TRUE(scratch.names().empty());
+    write_bytes(target, "old");
+    EXPECT_EQ(canon(sets, unsafe).code, 1);
+    EXPECT_EQ(bytes_of(target), "old");
+    EXPECT_EQ(scratch.names().size(), 1U);
+}
+
+TEST(CanonCommand, UnknownTagsAreNoHindrance) {
+    std::string const unknown = hex::bytes("09 00 00 00  05 00 00 00 00 00 00 00");
+    expect_outcome(
+        run_command({"canon", "--root", "Interrogators_QuestionRef", "-", "-o", "-"}, unknown), 0,
+        unknown, "");
+}
+
+TEST(CanonCommand, TroubleIsCodeTwo) {
+    EXPECT_EQ(run_command({"canon", "-"}, "T").code, 2);
+    EXPECT_EQ(run_command({"canon", "/no/such", "-o", "-"}).code, 2);
+    EXPECT_EQ(run_command({"canon", "--root", sets, "-", "-o", "/dev/full"}, two_sets()).code, 2);
+}
+
+TEST(DigestCommand, IsThatOfTheCanonicalBytes) {
+    std::string const known = "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195\n";
+    expect_outcome(run_command({"digest", "--root", sets, "-"}, two_sets()), 0, known, "");
+    auto const canonical = run_command({"canon", "--root", sets, "-", "-o", "-"}, two_sets()).out;
+    EXPECT_EQ(run_command({"digest", "--root", sets, "-"}, canonical).out, known);
+    EXPECT_EQ(run_command({"digest", "--root", sets, "-"}, two_sets() + "x").code, 1);
+    EXPECT_EQ(run_command({"digest", "--root", "Answers_Context", "-"}, "x").code, 1);
+    EXPECT_EQ(run_command({"digest", "/no/such"}).code, 2);
+}
+
+TEST(SchemaCommand, DiffWithItselfFindsNothing) {
+    Scratch const scratch;
+    auto const    file = (scratch / "old.json").string();
+    auto const    printed = run_command({"schema"});
+    EXPECT_EQ(printed.code, 0);
+    EXPECT_EQ(printed.err, "");
+    write_bytes(file, printed.out);
+    expect_outcome(run_command({"schema", "--diff", file}), 0, "", "");
+    expect_outcome(run_command({"schema", "--diff", "-"}, printed.out), 0, "", "");
+}
+
+TEST(SchemaCommand, DiffTellsWhatBreaksAndIsCodeOne) {
+    std::string       old = run_command({"schema"}).out;
+    std::string const name = "\"MODE_RANDOM\"";
+    std::size_t const at = old.find(name);
+    ASSERT_NE(at, std::string::npos);
+    std::size_t const before = old.rfind(',', at);
+    old.erase(before, at + name.size() - before);
+    auto const outcome = run_command({"schema", "--diff", "-"}, old);
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "sml::Variable_Value::T_Init_Mode: with the new enumerator MODE_RANDOM tags move: "
+              "MODE_USER_INIT 2 -> 3\n");
+}
+
+TEST(SchemaCommand, DiffWithNoSchemaIsCodeOne) {
+    EXPECT_EQ(run_command({"schema", "--diff", "-"}, "{").code, 1);
+    expect_outcome(run_command({"schema", "--diff", "-"}, "{}"), 1, "",
+                   "bradep: standard input: not a schema: the member \"types\" is missing\n");
+    EXPECT_EQ(run_command({"schema", "--diff", "/no/such"}).code, 2);
+    EXPECT_EQ(run_command({"schema", "--diff", "-", "--root", sets}, "{}").code, 2);
+}
+
+TEST(SchemaCommand, OneRootHasItsClosure) {
+    auto const outcome = run_command({"schema", "--root", "Answers_Context"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(contains(outcome.out, "\"stem\": \"Answers_Context\"")) << outcome.out;
+    EXPECT_FALSE(contains(outcome.out, "T_Question")) << outcome.out;
+}
+
+TEST(RootsCommand, ListsAllStemsWithTheirTypes) {
+    auto const outcome = run_command({"roots"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 40);
+    EXPECT_TRUE(outcome.out.starts_with("Integers64_T ")) << outcome.out;
+    std::istringstream lines(outcome.out);
+    for (sml::inspect::Root const& root : sml::inspect::roots()) {
+        std::string line;
+        std::getline(lines, line);
+        EXPECT_TRUE(line.starts_with(std::string(root.stem) + " ")) << line;
+    }
+    EXPECT_TRUE(contains(outcome.out, "  sml::Interrogators::T_RepositoryRef\n"));
+}
+
+TEST(Limits, EachMakesBytesUnsafe) {
+    auto const code = [](std::string const& option, std::string const& value) {
+        return run_command({"verify", "--root", sets, option, value, "-"}, two_sets()).code;
+    };
+    EXPECT_EQ(code("--max-depth", "2"), 0);
+    EXPECT_EQ(code("--max-depth", "1"), 1);
+    EXPECT_EQ(code("--max-elements", "4"), 0);
+    EXPECT_EQ(code("--max-elements", "3"), 1);
+    EXPECT_EQ(code("--max-text", "1"), 0);
+    EXPECT_EQ(code("--max-text", "0"), 1);
+    EXPECT_EQ(code("--max-memory", "1M"), 0);
+    EXPECT_EQ(code("--max-memory", "100"), 1);
+    EXPECT_EQ(code("--max-depth", "4000"), 0);
+    EXPECT_EQ(code("--max-depth", "4001"), 2);
+    EXPECT_EQ(code("--max-depth", "0"), 2);
+    EXPECT_EQ(code("--max-text", "x"), 2);
+}
+
+TEST(Limits, AreThereForEveryCommand) {
+    for (auto const& args :
+         std::vector<std::vector<std::string>>{{"dump", "--root", sets, "-"},
+                                               {"canon", "--root", sets, "-", "-o", "-"},
+                                               {"digest", "--root", sets, "-"}}) {
+        auto limited = args;
+        limited.insert(limited.end(), {"--max-depth", "1"});
+        EXPECT_EQ(run_command(args, two_sets()).code, 0) << args.front();
+        EXPECT_EQ(run_command(limited, two_sets()).code, 1) << args.front();
+    }
+    EXPECT_EQ(run_command({"identify", "--max-depth", "1", "-"}, two_sets()).code, 1);
+    EXPECT_EQ(run_command({"show", "--max-depth", "1", "-"}, imported_flows()).code, 1);
+}
+
+TEST(InspectCommand, MissingFileIsCodeTwo) {
+    for (char const* const command : {"verify", "dump", "identify", "digest", "show"})
+        expect_outcome(run_command({command, "/no/such"}), 2, "",
+                       "bradep: cannot read /no/such: No such file or directory\n");
+}
+
+TEST(InspectCommand, MissingArgumentIsCodeTwo) {
+    for (char const* const command : {"verify", "dump", "identify", "digest", "canon", "encode"}) {
+        auto const outcome = run_command({command});
+        EXPECT_EQ(outcome.code, 2) << command;
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
+TEST(InspectCommand, HelpTellsTheOptionsAndExitCodes) {
+    struct Help {
+        char const* command;
+        char const* part;
+    };
+    for (Help const& help :
+         {Help{"verify", "--strict"}, Help{"dump", "--ndjson"}, Help{"dump", "--select"},
+          Help{"encode", "--output"}, Help{"identify", "--max-depth"}, Help{"canon", "--output"},
+          Help{"digest", "--root"}, Help{"schema", "--diff"},
+          Help{"roots", "List the root types"}}) {
+        auto const outcome = run_command({help.command, "--help"});
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_TRUE(contains(outcome.out, help.part)) << outcome.out;
+        EXPECT_TRUE(contains(outcome.out, "Exit codes: 0 done, 1 ")) << outcome.out;
+    }
+}
+
+/// The logs that import can be tried on.
+std::vector<fs::path> logs_in_reach() {
+    std::vector<fs::path> logs = sound_logs();
+    char const* const     directories = std::getenv("BRADEP_SARIF_DIRS");
+    std::istringstream    names(directories == nullptr ? "" : directories);
+    for (std::string name; std::getline(names, name, ':');)
+        if (!name.empty())
+            for (auto const& entry : fs::directory_iterator(name))
+                if (entry.path().extension() == ".sarif") logs.push_back(entry.path());
+    return logs;
+}
+
+TEST(Import, WhatItWritesIsGood) {
+    std::size_t good = 0;
+    for (fs::path const& log : logs_in_reach()) {
+        SCOPED_TRACE(log);
+        auto const made = run_command({"import", log.string(), "-o", "-"});
+        if (made.code != 0 && log.filename().string().starts_with("bad-")) continue;
+        ASSERT_EQ(made.code, 0) << made.err;
+        auto const verified =
+            run_command({"verify", "--strict", "--root", result_set, "-"}, made.out);
+        EXPECT_EQ(verified.code, 0);
+        EXPECT_EQ(verified.err, "");
+        EXPECT_TRUE(verified.out.starts_with("standard input: good\n")) << verified.out;
+        ++good;
+    }
+    EXPECT_GE(good, sound_logs().size());
+    EXPECT_GT(good, 5U);
+}
+
+/// A result set with a double and with a float.
+std::string numbers() {
+    sml::Application_Results::T_Application_Results results;
+    auto& fields = results.infos[{sml::Strings_T("k"), 1}].category.choose<"VORS">().fields;
+    auto& value = fields[sml::Strings_T("f")].second.choose<"Field_Scalar">();
+    value.type.choose<"Inf_Type_Ada_Float">().first_double = 0.5;
+    auto& interval = value.range.choose<"Value_Range">().intervals.emplace_back();
+    auto& real = interval.choose<"Real_Interval">();
+    mpfr_set_d(real.lower.number(), 1.5, MPFR_RNDN);
+    mpfr_set_d(real.upper.number(), 1.5, MPFR_RNDN);
+    return sml::Application_Results_Application_Results_fromCxx(results);
+}
+
+TEST(CommaLocale, ChangesNoVerdictNoDumpAndNoEncoding) {
+    std::string const stem = "Application_Results_Application_Results";
+    std::string const bytes = numbers();
+    auto const        verified = run_command({"verify", "--root", stem, "-"}, bytes);
+    auto const        dumped = run_command({"dump", "--root", stem, "-"}, bytes);
+    EXPECT_TRUE(contains(dumped.out, "\"first_double\":0.5,")) << dumped.out;
+    EXPECT_TRUE(contains(dumped.out, R"({"width":64,"hex":"0X1.8P+0"})")) << dumped.out;
+    CommaLocale const comma;
+    ASSERT_COMMA_LOCALE(comma);
+    auto const again = run_command({"verify", "--root", stem, "-"}, bytes);
+    EXPECT_EQ(again.out, verified.out);
+    EXPECT_EQ(again.err, verified.err);
+    EXPECT_EQ(run_command({"dump", "--root", stem, "-"}, bytes).out, dumped.out);
+    EXPECT_EQ(run_command({"encode", "-", "-o", "-"}, dumped.out).out, bytes);
+    std::string odd = bytes;
+    odd[odd.find("0.500000") + 1] = ',';
+    auto const with_comma = run_command({"verify", "--root", stem, "-"}, odd);
+    EXPECT_TRUE(contains(with_comma.err, "found \"0,500000\" (odd)")) << with_comma.err;
+}
+
+}  // namespace

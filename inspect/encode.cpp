@@ -65,7 +65,24 @@ private:
         json_.fail(at, "a root such as " + in_quotes(nearest), quoted(stem));
     }
 
+    // What doesn't recurse is kept out of line here: frames that stay small make deep values safe.
     void value(Type const& type) {
+        switch (type.kind) {
+            case Kind::optional: optional(type); return;
+            case Kind::boxed: value(*type.element); return;
+            case Kind::variant:
+            case Kind::list:
+            case Kind::set:
+            case Kind::map: nested(type); return;
+            case Kind::record:
+            case Kind::group:
+            case Kind::tuple:
+            case Kind::flags: inside(type); return;
+            default: leaf(type); return;
+        }
+    }
+
+    [[gnu::noinline]] void leaf(Type const& type) {
         switch (type.kind) {
             case Kind::int32: word<std::int32_t>(small_integer<std::int32_t>()); return;
             case Kind::uint32: word<std::uint32_t>(small_integer<std::uint32_t>()); return;
@@ -78,25 +95,23 @@ private:
             case Kind::string: string(); return;
             case Kind::text: block(json_.string("a string")); return;
             case Kind::enumeration: enumeration(type); return;
-            case Kind::optional: optional(type); return;
-            case Kind::boxed: value(*type.element); return;
-            case Kind::reference: reference(type); return;
-            default: nested(type); return;
+            default: reference(type); return;
         }
     }
 
     void nested(Type const& type) {
         std::uint32_t const most = std::min(options_.limits.depth, Limits::depth_cap);
-        bool const          counts = type.kind != Kind::flags && !type.has_parts();
-        if (counts && nesting_ >= most)
-            json_.fail(json_.offset(),
-                       "no more than " + std::to_string(most) +
-                           " variants and containers inside "
-                           "one another",
-                       "one more");
-        nesting_ += counts ? 1 : 0;
+        if (nesting_ >= most) refuse_depth(most);
+        ++nesting_;
         inside(type);
-        nesting_ -= counts ? 1 : 0;
+        --nesting_;
+    }
+
+    [[noreturn, gnu::noinline]] void refuse_depth(std::uint32_t most) {
+        json_.fail(
+            json_.offset(),
+            "no more than " + std::to_string(most) + " variants and containers inside one another",
+            "one more");
     }
 
     void inside(Type const& type) {
@@ -113,7 +128,7 @@ private:
         steps_.pop_back();
     }
 
-    void record(Type const& type) {
+    [[gnu::noinline]] void record(Type const& type) {
         json_.open('{', "an object");
         begin_key_parts();
         for (std::uint64_t i = 0; i < type.parts.size(); ++i) {
@@ -127,7 +142,7 @@ private:
         json_.close('}', "no more fields");
     }
 
-    void take_field(Type const& type, std::uint64_t index) {
+    [[gnu::noinline]] void take_field(Type const& type, std::uint64_t index) {
         std::string_view const expected = type.parts[index].name;
         std::size_t const      at = json_.offset();
         if (!json_.next('}')) json_.fail(at, "the field " + in_quotes(expected), "the end");
@@ -141,7 +156,7 @@ private:
                        (is_elsewhere ? ", which has another place" : ", which is no field here"));
     }
 
-    void tuple(Type const& type) {
+    [[gnu::noinline]] void tuple(Type const& type) {
         json_.open('[', "an array of " + std::to_string(type.parts.size()));
         begin_key_parts();
         for (std::uint64_t i = 0; i < type.parts.size(); ++i) {
@@ -155,7 +170,7 @@ private:
         json_.close(']', "no more than " + std::to_string(type.parts.size()) + " elements");
     }
 
-    void flags(Type const& type) {
+    [[gnu::noinline]] void flags(Type const& type) {
         json_.open('[', "an array of " + std::to_string(type.flag_count));
         for (std::uint32_t i = 0; i < type.flag_count; ++i) {
             take_element(type.flag_count);
@@ -166,12 +181,12 @@ private:
         json_.close(']', "no more than " + std::to_string(type.flag_count) + " elements");
     }
 
-    void take_element(std::uint64_t count) {
+    [[gnu::noinline]] void take_element(std::uint64_t count) {
         std::size_t const at = json_.offset();
         if (!json_.next(']')) json_.fail(at, std::to_string(count) + " elements", "the end");
     }
 
-    void container(Type const& type) {
+    [[gnu::noinline]] void container(Type const& type) {
         json_.open('[', type.kind == Kind::map ? "an array of [key, value]" : "an array");
         std::uint64_t const count_offset = out_.offset();
         word(std::uint32_t{0});
@@ -221,7 +236,7 @@ private:
         return shown_key_;
     }
 
-    void variant(Type const& type) {
+    [[gnu::noinline]] void variant(Type const& type) {
         std::int32_t const tag = arm(type);
         word(tag);
         Arm const* const serving = type.serving(tag);
@@ -251,7 +266,7 @@ private:
     }
 
     /// Takes the start of an object as far as it tells the tag.
-    std::int32_t arm(Type const& type) {
+    [[gnu::noinline]] std::int32_t arm(Type const& type) {
         json_.open('{', "an object with \"arm\"");
         take_member("arm");
         std::size_t const at = json_.offset();
@@ -273,7 +288,7 @@ private:
         return tag;
     }
 
-    void take_member(std::string_view expected) {
+    [[gnu::noinline]] void take_member(std::string_view expected) {
         std::size_t const at = json_.offset();
         if (!json_.next('}')) json_.fail(at, "the member " + in_quotes(expected), "the end");
         std::size_t const name_at = json_.offset();

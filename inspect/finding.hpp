@@ -36,7 +36,7 @@ struct Limits {
 
     // The walk itself recurses, so there is a depth that no setting goes beyond.
     static constexpr std::uint32_t default_depth = 400;
-    static constexpr std::uint32_t depth_cap = 4000;
+    static constexpr std::uint32_t depth_cap = 1000;
 };
 
 }  // namespace sml::inspect

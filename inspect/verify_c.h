@@ -18,7 +18,7 @@ enum sml_inspect_answer {
 
 /* What a walk puts up with; 0 stands for the default. */
 struct sml_inspect_limits {
-    uint32_t depth;      /* variants and containers inside one another; at most 4000 */
+    uint32_t depth;      /* variants and containers inside one another; at most 1000 */
     uint64_t elements;   /* of all containers together */
     uint64_t text_bytes; /* of one text */
     uint64_t memory;     /* estimated heap of the object read, in bytes */

@@ -49,7 +49,7 @@ Action declare_encode(CLI::App& app) {
         ->required()
         ->type_name("FILE");
     app.add_option("--max-depth", options->limits.depth,
-                   "Variants and containers inside one another, at most 4000")
+                   "Variants and containers inside one another, at most 1000")
         ->capture_default_str()
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");

@@ -32,7 +32,7 @@ void declare_limits(CLI::App& app, Limits& limits) {
             ->capture_default_str()
             ->group("Limits, beyond which bytes are unsafe");
     };
-    add("--max-depth", limits.depth, "Variants and containers inside one another, at most 4000")
+    add("--max-depth", limits.depth, "Variants and containers inside one another, at most 1000")
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");
     add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")

@@ -436,8 +436,8 @@ TEST(Limits, EachMakesBytesUnsafe) {
     EXPECT_EQ(code("--max-text", "0"), 1);
     EXPECT_EQ(code("--max-memory", "1M"), 0);
     EXPECT_EQ(code("--max-memory", "100"), 1);
-    EXPECT_EQ(code("--max-depth", "4000"), 0);
-    EXPECT_EQ(code("--max-depth", "4001"), 2);
+    EXPECT_EQ(code("--max-depth", "1000"), 0);
+    EXPECT_EQ(code("--max-depth", "1001"), 2);
     EXPECT_EQ(code("--max-depth", "0"), 2);
     EXPECT_EQ(code("--max-text", "x"), 2);
 }

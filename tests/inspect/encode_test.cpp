@@ -579,7 +579,7 @@ TEST(EncodeError, DepthOfAChainIsBounded) {
     ASSERT_TRUE(outcome.encoded.error);
     EXPECT_EQ(outcome.encoded.error->found, "one more");
     EXPECT_EQ(outcome.encoded.error->expected,
-              "no more than 4000 variants and containers inside one another");
+              "no more than 1000 variants and containers inside one another");
 }
 
 TEST(EncodeError, EveryCutIsAnError) {

@@ -1,6 +1,10 @@
 // Values of the types that hold their own kind, nested as deep as the default limit allows: the
-// real readers, copies, comparisons and destructors put up with them on a stack of 8 MB.
+// real readers, copies, comparisons and destructors put up with them on a stack of 8 MB. So do
+// walks, as deep as any limit can be set.
 
+#include "inspect/canonical.hpp"
+#include "inspect/dump.hpp"
+#include "inspect/encode.hpp"
 #include "inspect/verify.hpp"
 #include "tests/inspect/real_roots.hpp"
 
@@ -11,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -200,10 +205,10 @@ Answer answer_at(Loop const& loop, std::size_t rounds, Limits const& limits = {}
     return verify(*loop.root, loop.bytes(rounds), {.limits = limits}).answer;
 }
 
-/// The most rounds that the default limits allow.
-std::size_t most_rounds(Loop const& loop) {
+/// The most rounds that limits allow.
+std::size_t most_rounds(Loop const& loop, Limits const& limits = {}) {
     std::size_t rounds = 0;
-    while (rounds < Limits::depth_cap && answer_at(loop, rounds + 1) != Answer::unsafe) ++rounds;
+    while (rounds < limits.depth && answer_at(loop, rounds + 1, limits) != Answer::unsafe) ++rounds;
     return rounds;
 }
 
@@ -245,8 +250,9 @@ TEST(Nesting, TheDepthLimitIsExact) {
     }
 }
 
+constexpr std::size_t stack = std::size_t{8} << 20;
+
 TEST(Nesting, ReadersBearTheDefaultLimitOnEightMegabytes) {
-    constexpr std::size_t stack = std::size_t{8} << 20;
     for (Loop const& loop : loops()) {
         SCOPED_TRACE(loop.name());
         std::size_t const rounds = most_rounds(loop);
@@ -261,6 +267,26 @@ TEST(Nesting, ReadersBearTheDefaultLimitOnEightMegabytes) {
                      [&] { fault = real_root(*loop.root).fault_of_reading(bytes, is_good); });
         EXPECT_EQ(fault, "");
         std::cout << loop.name() << ": " << rounds << " rounds, " << bytes.size() << " bytes\n";
+    }
+}
+
+TEST(Nesting, WalksBearTheLargestLimitOnEightMegabytes) {
+    Limits const limits{.depth = Limits::depth_cap};
+    for (Loop const& loop : loops()) {
+        SCOPED_TRACE(loop.name());
+        std::string const bytes = loop.bytes(most_rounds(loop, limits));
+        bool const is_good = verify(*loop.root, bytes, {.limits = limits}).answer == Answer::good;
+        run_on_stack(stack, [&] {
+            std::ostringstream json;
+            EXPECT_NE(dump(*loop.root, bytes, json, {.walk = {.limits = limits}}).answer,
+                      Answer::unsafe);
+            std::ostringstream again;
+            EXPECT_FALSE(encode(json.view(), again, {.limits = limits}).error);
+            EXPECT_TRUE(!is_good || again.view() == bytes);
+            std::ostringstream canonical;
+            write_canonical(*loop.root, bytes, canonical, limits);
+            EXPECT_EQ(canonical.view().size(), bytes.size());
+        });
     }
 }
 

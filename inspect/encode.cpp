@@ -1,5 +1,6 @@
 #include "inspect/encode.hpp"
 
+#include "inspect/json_reader.hpp"
 #include "inspect/json_text.hpp"
 #include "inspect/nearest.hpp"
 #include "inspect/number_text.hpp"

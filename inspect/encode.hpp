@@ -3,7 +3,7 @@
 
 #include "core/export.hpp"
 #include "inspect/finding.hpp"
-#include "inspect/json_reader.hpp"
+#include "inspect/position.hpp"
 #include "inspect/type.hpp"
 
 #include <atomic>

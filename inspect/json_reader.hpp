@@ -2,7 +2,7 @@
 // Takes JSON apart token by token, as the schema asks for them. A general parser would lose what is
 // needed here: lone surrogates, the spelling of numbers, and the place of every token.
 
-#include "core/export.hpp"
+#include "inspect/position.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +19,7 @@ struct JsonMisfit {
     std::string found;
 };
 
-class SML_API JsonReader {
+class JsonReader {
 public:
     explicit JsonReader(std::string_view text) : text_(text) {}
 
@@ -58,12 +58,9 @@ private:
 };
 
 /// An integer in any spelling that JSON has for it; none for other numbers and beyond 64 bits.
-SML_API std::optional<std::int64_t> integer_of_json(std::string_view number);
+std::optional<std::int64_t> integer_of_json(std::string_view number);
 
-struct Position {
-    std::size_t line;
-    std::size_t column;  ///< in characters; both count from 1
-};
-SML_API Position position_of(std::string_view text, std::size_t offset);
+/// Where an offset in bytes is.
+Position position_of(std::string_view text, std::size_t offset);
 
 }  // namespace sml::inspect

@@ -19,13 +19,16 @@ from compiler import Compiler  # noqa: E402
 
 CORE = ["Strings", "arms", "big_integer", "box", "declare", "export", "hash", "ieee754_float",
         "names"]
+INSPECT = ["canonical", "dump", "encode", "finding", "position", "schema_json", "type", "verify"]
 BASE = "core/declare.hpp"
 
 
 def public_headers(source):
     schema = sorted(path.relative_to(source) for path in (source / "schema").glob("*.hpp"))
     core = [pathlib.Path("core") / f"{name}.hpp" for name in CORE]
-    return [str(path) for path in [*core, *schema, "bindings/bindings.hpp"]]
+    inspect = [pathlib.Path("inspect") / f"{name}.hpp" for name in INSPECT]
+    others = ["bindings/bindings.hpp", "inspect/verify_c.h"]
+    return [str(path) for path in [*core, *schema, *inspect, *others]]
 
 
 def starts_with_base(header):

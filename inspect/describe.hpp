@@ -194,6 +194,38 @@ constexpr std::size_t count_flat_parts(Types<T...>) {
 template <class T>
 constexpr bool is_plain_word = core::Word<T> && !std::is_enum_v<T>;
 
+template <class T>
+consteval Kind kind_of() {
+    using namespace core;
+    if constexpr (Leaf<T>)
+        return kind_of_leaf<T>();
+    else if constexpr (Optional<T>)
+        return Kind::optional;
+    else if constexpr (List<T>)
+        return Kind::list;
+    else if constexpr (Boxed<T>)
+        return Kind::boxed;
+    else if constexpr (Set<T>)
+        return Kind::set;
+    else if constexpr (Map<T>)
+        return Kind::map;
+    else if constexpr (PairOrTuple<T>)
+        return Kind::tuple;
+    else if constexpr (FlagArray<T>)
+        return Kind::flags;
+    else if constexpr (HasArms<T>)
+        return Fielded<T> ? Kind::reference : Kind::variant;
+    else
+        return Serialized<T> ? Kind::record : Kind::group;
+}
+
+/// Whether a walk can pass a part of this kind at a glance: the id of a string told before, a bare
+/// tag, an optional without its element and so on take just the least size.
+constexpr bool passes_at_a_glance(Kind kind) {
+    return kind == Kind::string || kind == Kind::flag || kind == Kind::enumeration ||
+           kind == Kind::optional || kind == Kind::variant;
+}
+
 /// Takes parts apart. There is room for all of them and for the end.
 template <std::size_t Size>
 struct FlatParts {
@@ -216,15 +248,26 @@ struct FlatParts {
         else if constexpr (is_plain_word<T>)
             next.words_before += sizeof(T);
         else
-            add_part(&Described<T>::type, least_size<T>());
+            add_part(&Described<T>::type, kind_of<T>(), least_size<T>());
     }
 
-    constexpr void add_part(Type const* type, std::uint32_t size) {
-        parts[count] = next;
-        parts[count].type = type;
-        parts[count].least_size = next.words_before + size;
-        ++count;
+    constexpr void add_part(Type const* type, Kind kind, std::uint32_t size) {
+        FlatPart& part = parts[count++] = next;
+        part.type = type;
+        part.kind = kind;
+        part.least_size = next.words_before + size;
         next.words_before = 0;
+    }
+
+    /// Adds the end, and the sizes of rows to all.
+    constexpr void end() {
+        add_part(nullptr, Kind::record, 0);
+        std::uint32_t behind = 0;
+        for (std::size_t i = count; i-- > 0;) {
+            if (!passes_at_a_glance(parts[i].kind)) behind = 0;
+            behind += parts[i].least_size;
+            parts[i].least_size_of_row = behind;
+        }
     }
 };
 
@@ -232,7 +275,7 @@ template <class T>
 constexpr auto flat_parts() {
     FlatParts<count_flat_part<T>()> flat;
     flat.template add<T>();
-    flat.add_part(nullptr, 0);
+    flat.end();
     return flat.parts;
 }
 
@@ -275,43 +318,34 @@ struct EnumeratorTable {
 template <class T>
 constexpr Type make() {
     using namespace core;
-    Type type{.kind = Kind::record, .least_size = least_size<T>(), .object_size = sizeof(T)};
+    Type type{.kind = kind_of<T>(), .least_size = least_size<T>(), .object_size = sizeof(T)};
     if constexpr (Leaf<T>) {
-        type.kind = kind_of_leaf<T>();
         if constexpr (std::is_enum_v<T>) {
             type.name = name_of<T>();
             type.enumerators = EnumeratorTable<T>::views;
         }
     } else if constexpr (Optional<T> || List<T>) {
-        type.kind = Optional<T> ? Kind::optional : Kind::list;
         type.element = &Described<typename T::value_type>::type;
     } else if constexpr (Boxed<T>) {
-        type.kind = Kind::boxed;
         type.element = &Described<BoxedType<T>>::type;
     } else if constexpr (Set<T>) {
-        type.kind = Kind::set;
         type.element = &Described<typename T::value_type>::type;
         type.hashed = HashSet<T>;
     } else if constexpr (Map<T>) {
-        type.kind = Kind::map;
         type.key = &Described<typename T::key_type>::type;
         type.element = &Described<typename T::mapped_type>::type;
         type.hashed = HashMap<T>;
         type.last_wins = last_wins<T>;
     } else if constexpr (PairOrTuple<T>) {
-        type.kind = Kind::tuple;
         type.parts = Tables<T>::parts;
         type.flat = FlatTable<T>::parts.data();
     } else if constexpr (FlagArray<T>) {
-        type.kind = Kind::flags;
         type.flag_count = std::tuple_size_v<T>;
     } else if constexpr (HasArms<T>) {
-        type.kind = Fielded<T> ? Kind::reference : Kind::variant;
         type.name = name_of<T>();
         type.arms = ArmTable<T>::arms;
         type.takes_rest = T::arms::takes_rest;
     } else {
-        type.kind = Serialized<T> ? Kind::record : Kind::group;
         type.name = name_of<T>();
         type.parts = Tables<T>::parts;
         type.flat = FlatTable<T>::parts.data();

@@ -328,11 +328,13 @@ private:
 
     // The part that was selected ends where another one of its owner begins, or its owner ends.
     void leave_part() {
-        if (is_selected_ && walk_.depth() <= selected_depth_) deselect();
+        bool const is_part = is_selected_ && !options_.path.empty();
+        if (is_part && walk_.depth() <= selected_depth_) deselect();
     }
 
     void end_skipping() {
-        if (walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
+        bool const is_skipping = skipped_depth_ != no_depth;
+        if (is_skipping && walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
     }
 
     Walk const&                       walk_;

@@ -4,7 +4,7 @@ namespace sml::inspect {
 
 void KeyTable::open(std::uint64_t count) {
     if (open_ == tables_.size()) tables_.emplace_back();
-    tables_[open_++].assign(slots_for(count), Slot{0, Step::nowhere});
+    tables_[open_++].assign(slots_for(count), Slot{0});
 }
 
 void KeyTable::close() {
@@ -17,13 +17,15 @@ bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
                    std::uint64_t hash) {
     std::vector<Slot>& table = tables_[open_ - 1];
     std::size_t const  slots = table.size();
+    Slot const         key = hash << offset_bits | key_offset;
     for (std::size_t i = first_slot(hash, slots);; i = i + 1 == slots ? 0 : i + 1) {
-        if (table[i].key_offset == Step::nowhere) {
-            table[i] = {hash, key_offset};
+        Slot const other = table[i];
+        if (other == 0) {
+            table[i] = key;
             return true;
         }
-        if (table[i].hash == hash && walk.same_key(type, table[i].key_offset, key_offset))
-            return false;
+        if ((other ^ key) >> offset_bits != 0) continue;
+        if (walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) return false;
     }
 }
 

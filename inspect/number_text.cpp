@@ -50,35 +50,48 @@ core::TextBlock terminated(std::string_view block) {
     return text;
 }
 
-/// Of each character the hexadecimal digit of one case, -1 for any other.
-using Digits = std::array<signed char, 256>;
+/// Sixteen characters, judged at once.
+using Characters = unsigned char __attribute__((vector_size(16)));
+constexpr std::size_t at_once = sizeof(Characters);
 
-consteval Digits digits_with(char ten) {
-    Digits digits;
-    digits.fill(-1);
-    for (int i = 0; i < 10; ++i)
-        digits[static_cast<std::size_t>('0' + i)] = static_cast<signed char>(i);
-    for (int i = 0; i < 6; ++i)
-        digits[static_cast<std::size_t>(ten + i)] = static_cast<signed char>(10 + i);
-    return digits;
+/// Of each of sixteen characters 0xFF if it is a hexadecimal digit of one case, else 0.
+[[gnu::always_inline]] inline Characters digits_among(char const* text, unsigned char ten) {
+    Characters characters;
+    std::memcpy(&characters, text, at_once);
+    return reinterpret_cast<Characters>((characters - '0' <= 9) | (characters - ten <= 5));
 }
 
-constexpr Digits lower_digits = digits_with('a');
-constexpr Digits upper_digits = digits_with('A');
+[[gnu::always_inline]] inline std::array<std::uint64_t, 2> words_of(Characters characters) {
+    std::array<std::uint64_t, 2> words;
+    std::memcpy(words.data(), &characters, at_once);
+    return words;
+}
 
-int digit_of(char c, Digits const& digits) { return digits[static_cast<unsigned char>(c)]; }
+/// Whether the first of sixteen characters, so many of them, are digits in lower case.
+bool are_lower_digits(char const* text, std::size_t count) {
+    static constexpr auto first = [] {
+        std::array<unsigned char, 2 * at_once> bytes{};
+        for (std::size_t i = 0; i < at_once; ++i) bytes[i] = 0xFF;
+        return bytes;
+    }();
+    Characters asked;
+    std::memcpy(&asked, first.data() + at_once - count, at_once);
+    auto const others = words_of(asked & ~digits_among(text, 'a'));
+    return (others[0] | others[1]) == 0;
+}
 
-/// Whether eight characters are hexadecimal digits in lower case.
-bool are_lower_digits(char const* text) {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    std::uint64_t           bytes;
-    std::memcpy(&bytes, text, sizeof bytes);
-    // The high bit of a byte says that the byte is at least, or more than, a character.
-    auto const at_least = [&](char c) { return bytes + ones * static_cast<unsigned>(0x80 - c); };
-    auto const more_than = [&](char c) { return at_least(static_cast<char>(c + 1)); };
-    std::uint64_t const digit = at_least('0') & ~more_than('9');
-    std::uint64_t const letter = at_least('a') & ~more_than('f');
-    return ((digit | letter) & ~bytes & ones * 0x80) == ones * 0x80 && (bytes & ones * 0x80) == 0;
+/// How many of sixteen characters are digits in upper case, before any other.
+std::size_t upper_digits_before_other(char const* text) {
+    static_assert(std::endian::native == std::endian::little);
+    auto const        others = words_of(~digits_among(text, 'A'));
+    std::size_t const word = others[0] == 0 ? 1 : 0;
+    return 8 * word + static_cast<std::size_t>(std::countr_zero(others[word])) / 8;
+}
+
+/// A hexadecimal digit in upper case; below 0 for any other character.
+int upper_digit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
 /// Takes a prefix off `text`, if it is there.
@@ -105,24 +118,31 @@ std::optional<int> written_exponent(std::string_view text) {
 }
 
 /// Judges a finite non-zero float behind its "0X": one digit, a fraction without trailing zeros,
-/// the exponent.
+/// the exponent. Sixteen characters behind the text can be read.
 bool is_written_finite(std::string_view text, IEEE754Float::Format const& format) {
-    std::size_t const mark = text.find('P');
-    if (mark == std::string_view::npos || mark == 0) return false;
-    auto const exponent = written_exponent(text.substr(mark + 1));
-    int const  leading = digit_of(text.front(), upper_digits);
-    if (!exponent || leading <= 0) return false;
-
-    std::string_view fraction = text.substr(1, mark - 1);
-    if (!fraction.empty() && (!take(fraction, ".") || fraction.empty())) return false;
-    int last = leading;
-    for (char const c : fraction)
-        if ((last = digit_of(c, upper_digits)) < 0) return false;
+    if (text.size() < 2) return false;
+    char const*       at = text.data();
+    char const* const end = at + text.size();
+    int const         leading = upper_digit(*at++);
+    std::ptrdiff_t    digits = 0;  // of the fraction
+    if (*at == '.') {
+        char const* const fraction = ++at;
+        std::size_t       more;
+        do {
+            more = upper_digits_before_other(at);
+            at += more;
+        } while (more == at_once && at < end);
+        digits = at - fraction;
+        if (digits == 0) return false;
+    }
+    if (leading <= 0 || at >= end || *at != 'P') return false;
+    int const last = upper_digit(digits == 0 ? text.front() : at[-1]);
     if (last == 0) return false;
+    auto const exponent = written_exponent({at + 1, static_cast<std::size_t>(end - at - 1)});
+    if (!exponent) return false;
 
     auto const leading_bits = static_cast<int>(std::bit_width(static_cast<unsigned>(leading)));
-    auto const bits = leading_bits + 4 * static_cast<std::ptrdiff_t>(fraction.size()) -
-                      std::countr_zero(static_cast<unsigned>(last));
+    auto const bits = leading_bits + 4 * digits - std::countr_zero(static_cast<unsigned>(last));
     auto const mpfr_exponent = *exponent + leading_bits;  // of a mantissa in [1/2, 1)
     return bits <= format.mantissa_bits && mpfr_exponent >= format.emin &&
            mpfr_exponent <= format.emax;
@@ -130,19 +150,25 @@ bool is_written_finite(std::string_view text, IEEE754Float::Format const& format
 
 }  // namespace
 
-bool is_written_integer(std::string_view block) {
-    char const* at = block.data();
-    char const* end = at + block.size();
-    bool const  negative = at != end && *at == '-';
-    if (negative) ++at;
-    if (end - at < (negative ? 2 : 3) || *--end != '\0') return false;
-    if (!negative && *--end != '\0') return false;
-    if (*at == '0' && (negative || end - at > 1)) return false;
-    for (; end - at >= 8; at += 8)
-        if (!are_lower_digits(at)) return false;
-    int all = 0;  // negative where one is no digit
-    for (; at != end; ++at) all |= digit_of(*at, lower_digits);
-    return all >= 0;
+bool is_written_integer(std::string_view block, std::size_t readable) {
+    if (block.size() < 3) return false;
+    bool const        negative = block.front() == '-';
+    char const*       text = block.data() + (negative ? 1 : 0);
+    std::size_t const digits = block.size() - 2;
+    // A sign takes the place of one of the two zero bytes.
+    bool const ends = (block.back() | (negative ? '\0' : block[digits])) == '\0';
+    bool const leads = (*text != '0') | (!negative & (digits == 1));
+    if (!(ends & leads)) return false;
+    if (digits <= at_once) {
+        if (readable > at_once) return are_lower_digits(text, digits);
+        std::array<char, at_once> copy{};
+        std::memcpy(copy.data(), text, digits);
+        return are_lower_digits(copy.data(), digits);
+    }
+    char const* const last = text + digits - at_once;
+    for (; text < last; text += at_once)
+        if (!are_lower_digits(text, at_once)) return false;
+    return are_lower_digits(last, at_once);
 }
 
 std::string integer_of(std::string_view block) {
@@ -164,7 +190,12 @@ bool is_float_width(std::int32_t width) {
            IEEE754Float::Format::of(static_cast<std::uint64_t>(width)).mantissa_bits != 0;
 }
 
-bool is_written_float(std::string_view block, std::int32_t width) {
+bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable) {
+    if (readable < block.size() + at_once) [[unlikely]] {
+        std::string padded(block);
+        padded.append(at_once, '\0');
+        return is_written_float({padded.data(), block.size()}, width, padded.size());
+    }
     if (block == "NAN") return true;
     take(block, "-");
     if (block == "INF" || block == "0X0P+0") return true;

@@ -4,6 +4,7 @@
 
 #include "core/export.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,8 +12,12 @@
 
 namespace sml::inspect {
 
-/// Whether a block is exactly what the writer prints for the integer that is read from it.
-SML_API bool is_written_integer(std::string_view block);
+/// Whether a block is exactly what the writer prints for the integer that is read from it. Faster
+/// where so many bytes from its start on can be read, as there may be more behind it.
+SML_API bool is_written_integer(std::string_view block, std::size_t readable);
+inline bool  is_written_integer(std::string_view block) {
+     return is_written_integer(block, block.size());
+}
 
 /// The integer that a reader has after this block, as the writer prints it but without the zero
 /// bytes; 0 where the block is no number.
@@ -25,8 +30,11 @@ SML_API std::string written_integer(std::string_view hexadecimal);
 SML_API bool is_float_width(std::int32_t width);
 
 /// Whether a block is exactly what the writer prints for the float that is read from it. The width
-/// is one of the seven.
-SML_API bool is_written_float(std::string_view block, std::int32_t width);
+/// is one of the seven. Faster where so many bytes from its start on can be read.
+SML_API bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable);
+inline bool  is_written_float(std::string_view block, std::int32_t width) {
+     return is_written_float(block, width, block.size());
+}
 
 /// The float that a reader has after this block, as the writer prints it.
 SML_API std::string float_of(std::string_view block, std::int32_t width);

@@ -6,19 +6,12 @@
 
 namespace sml::inspect {
 
-namespace {
-
-std::uint64_t const seed = [] {
+std::uint64_t const hash_seed = [] {
     std::random_device device;
     return (std::uint64_t{device()} << 32) ^ device();
 }();
 
-/// Both halves of the full product, folded.
-std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
-    __extension__ using Product = unsigned __int128;
-    Product const product = static_cast<Product>(a) * b;
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-}
+namespace {
 
 std::uint64_t word_at(char const* bytes, std::size_t size) {
     std::uint64_t word = 0;
@@ -27,11 +20,6 @@ std::uint64_t word_at(char const* bytes, std::size_t size) {
 }
 
 }  // namespace
-
-std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {
-    constexpr std::uint64_t odd = 0x9e3779b97f4a7c15;
-    return mix(word ^ seed, state ^ odd ^ (seed << 1 | 1));
-}
 
 std::uint64_t seeded_hash(std::string_view text) {
     std::uint64_t state = text.size();

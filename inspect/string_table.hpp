@@ -10,9 +10,19 @@
 
 namespace sml::inspect {
 
+/// Another one in each process.
+extern std::uint64_t const hash_seed;
+
 /// A seeded hash: what the bytes hold can't make its values collide on purpose.
+inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {
+    __extension__ using Product = unsigned __int128;
+    constexpr std::uint64_t odd = 0x9e3779b97f4a7c15;
+    // Both halves of the full product, folded.
+    Product const product =
+        static_cast<Product>(word ^ hash_seed) * (state ^ odd ^ (hash_seed << 1 | 1));
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
 std::uint64_t seeded_hash(std::string_view text);
-std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state);
 
 /// Texts by id as a reader's table has them. An id keeps its first text; an id that is used before
 /// it is told becomes the empty text.
@@ -31,6 +41,9 @@ public:
 
     /// Takes a first sight: its word and where its length word stands. The text fits the bytes.
     Told tell(std::int32_t word, std::uint64_t length_offset);
+
+    /// How many ids from 1 on are known without looking.
+    std::uint32_t known_at_sight() const noexcept { return static_cast<std::uint32_t>(prefix_); }
 
     /// Whether the id is known; makes it the empty text when it is not.
     bool refer(std::int32_t id) { return id <= prefix_ || refer_other(id); }

@@ -51,9 +51,11 @@ struct Part {
 /// too: what stands on the wire in a row. Words that may have any value are told by the part behind
 /// them.
 struct FlatPart {
-    Type const*   type;              ///< null for the end, which has only words before it
-    std::uint32_t words_before = 0;  ///< in bytes
-    std::uint32_t least_size = 0;    ///< with the words before it
+    Type const*   type;                   ///< null for the end, which has only words before it
+    std::uint32_t words_before = 0;       ///< in bytes
+    std::uint32_t least_size = 0;         ///< with the words before it
+    std::uint32_t least_size_of_row = 0;  ///< from here to the next part of no such size, and of it
+    Kind          kind = Kind::record;    ///< of the type; the end alone has the kind of a record
 
     // The way to it: indices of parts, the outermost first.
     static constexpr std::size_t longest_way = 7;
@@ -76,7 +78,7 @@ struct Type {
     bool          last_wins{};   ///< a map read insert-then-read
     std::uint32_t least_size{};  ///< no value takes fewer bytes
 
-    FlatPart const*       flat{};     ///< of those: the parts taken apart, and the end
+    FlatPart const*       flat{};     ///< of what has parts: the parts taken apart, and the end
     std::span<Part const> parts{};    ///< tuple, record, group
     std::span<Arm const>  arms{};     ///< variant, reference; the index is the tag
     Type const*           element{};  ///< of optional, list, set, boxed; value of map

@@ -18,6 +18,7 @@ public:
 
     void open_keys(Type const&, std::uint64_t count) { keys_.open(count); }
     void close_keys() { keys_.close(); }
+    void expect_key(std::uint64_t hash) { keys_.expect(hash); }
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
         return keys_.add(walk_, key, offset, hash);
     }
@@ -59,6 +60,9 @@ Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& op
     Walker(walk, verifier).run(*root.type);
 
     Verdict& verdict = verifier.verdict;
+    // A key is judged behind its value.
+    auto const odd_end = verdict.findings.end() - (verdict.answer == Answer::unsafe ? 1 : 0);
+    std::ranges::stable_sort(verdict.findings.begin(), odd_end, {}, &Finding::offset);
     if (verdict.answer != Answer::unsafe && verdict.odd_count > 0) verdict.answer = Answer::odd;
     verdict.walked = walk.offset();
     verdict.heap = walk.heap;

@@ -30,17 +30,16 @@ std::string Walk::path() const {
     for (Step const* step = top_; step != nullptr; step = step->up) steps.push_back(step);
     std::string path;
     for (auto step = steps.rbegin(); step != steps.rend(); ++step)
-        if ((*step)->part != Step::nowhere) append_step(path, **step);
+        if ((*step)->part != Step::nowhere || (*step)->flat != nullptr) append_step(path, **step);
     return path;
 }
 
 void Walk::append_step(std::string& path, Step const& step) const {
-    if (step.is_flat) {
-        FlatPart const& part = step.type->flat[step.part];
-        Type const*     type = step.type;
-        for (std::size_t i = 0; i < part.way_length; ++i) {
-            inspect::append_step(path, *type, part.way[i], {});
-            type = type->parts[part.way[i]].type;
+    if (step.flat != nullptr) {
+        Type const* type = step.type;
+        for (std::size_t i = 0; i < step.flat->way_length; ++i) {
+            inspect::append_step(path, *type, step.flat->way[i], {});
+            type = type->parts[step.flat->way[i]].type;
         }
     } else if (step.key_offset == Step::nowhere) {
         inspect::append_step(path, *step.type, step.part, {});
@@ -80,6 +79,65 @@ void Walk::append_key(std::string& text, Type const& type, std::uint64_t& offset
         append_key(text, *part.type, offset);
     }
     text += ')';
+}
+
+/// Takes a key apart and mixes what it holds.
+struct Walk::KeyHash {
+    Walk const&   walk;
+    std::uint64_t offset;
+    std::uint64_t hash = 0;
+    bool          is_unequal = false;
+
+    [[gnu::always_inline]] void add(Type const& type) {
+        switch (type.kind) {
+            case Kind::string: mix(string_hash(walk.take_word<std::int32_t>(offset))); return;
+            case Kind::uint32:
+            case Kind::int32: mix(walk.take_word<std::uint32_t>(offset)); return;
+            default: add_other(type); return;
+        }
+    }
+
+private:
+    [[gnu::noinline]] void add_other(Type const& type) {
+        switch (type.kind) {
+            case Kind::int64: mix(walk.take_word<std::uint64_t>(offset)); return;
+            case Kind::big_integer: {
+                std::string_view const block = walk.take_block(offset);
+                mix(is_written_integer(block) ? seeded_hash(block.substr(0, block.find('\0')))
+                                              : seeded_hash(integer_of(block)));
+                return;
+            }
+            case Kind::variant: {
+                auto const tag = walk.take_word<std::int32_t>(offset);
+                mix(static_cast<std::uint32_t>(tag));
+                is_unequal = is_unequal || tag < 0;
+                Arm const* const arm = type.serving(tag);
+                if (arm != nullptr && arm->payload != nullptr) add_other(*arm->payload);
+                return;
+            }
+            case Kind::string:
+            case Kind::uint32:
+            case Kind::int32: add(type); return;
+            default: break;
+        }
+        for (Part const& part : type.parts) add_other(*part.type);
+    }
+
+    std::uint64_t string_hash(std::int32_t word) {
+        return word >= 1 ? walk.strings.hash_of(word) : seeded_hash(walk.take_block(offset));
+    }
+
+    void mix(std::uint64_t word) { hash = seeded_hash(word, hash); }
+};
+
+std::optional<std::uint64_t> Walk::key_hash(Type const& type, std::uint64_t offset) const {
+    KeyHash key{*this, offset};
+    if (type.has_parts())
+        for (Part const& part : type.parts) key.add(*part.type);
+    else
+        key.add(type);
+    if (key.is_unequal) return std::nullopt;
+    return key.hash;
 }
 
 bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,12 +18,11 @@ namespace sml::inspect {
 /// One step of the path to the value at hand: the value that it is in and which of its parts. Lives
 /// on the stack for as long as the walk is in there.
 struct Step {
-    Type const*   type;
-    Step const*   up;                    ///< the step before it
-    std::size_t   depth;                 ///< counted from 1
-    bool          is_flat = false;       ///< the part is one of the flat ones
-    std::uint64_t part = nowhere;        ///< index of a field, part, arm, flag or element
-    std::uint64_t key_offset = nowhere;  ///< of the entry's key, once it has been walked
+    Type const*     type;
+    Step const*     up;                    ///< the step before it
+    FlatPart const* flat = nullptr;        ///< the flat part, while those are walked
+    std::uint64_t   part = nowhere;        ///< index of a field, part, arm, flag or element
+    std::uint64_t   key_offset = nowhere;  ///< of the entry's key, once it has been walked
 
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
 };
@@ -47,6 +47,10 @@ public:
 
     void skip(std::size_t size) noexcept { at_ += size; }
 
+    /// The bytes not taken yet; who has taken more of them without the walk says how far.
+    char const* at() const noexcept { return at_; }
+    void        go_to(char const* at) noexcept { at_ = at; }
+
     /// The next bytes; `left()` holds them.
     std::string_view take(std::size_t size) noexcept {
         std::string_view const taken(at_, size);
@@ -64,17 +68,25 @@ public:
     /// The key at an offset that has been walked before, as paths show keys.
     std::string key_text(Type const& type, std::uint64_t offset) const;
 
+    /// A hash of the key at an offset that has been walked before; none for a key that equals no
+    /// other one, as it holds a negative tag.
+    std::optional<std::uint64_t> key_hash(Type const& type, std::uint64_t offset) const;
+
     /// Whether the keys at two offsets that have been walked before are equal.
     bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
         return take_same_key(type, a, b);
     }
 
     /// A step into a value, which is to be left again.
-    Step enter(Type const& type) const noexcept { return {&type, top_, depth() + 1}; }
+    Step enter(Type const& type) const noexcept { return {&type, top_}; }
     void go_to(Step const* step) noexcept { top_ = step; }
 
     /// How many steps the walk is in.
-    std::size_t depth() const noexcept { return top_ == nullptr ? 0 : top_->depth; }
+    std::size_t depth() const noexcept {
+        std::size_t depth = 0;
+        for (Step const* step = top_; step != nullptr; step = step->up) ++depth;
+        return depth;
+    }
     /// The step taken last; there is one.
     Step const& step() const noexcept { return *top_; }
 
@@ -88,6 +100,8 @@ public:
     std::atomic<std::uint64_t>* progress = nullptr;
 
 private:
+    struct KeyHash;
+
     bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
     std::string_view take_string(std::uint64_t& offset) const;
     std::string_view take_block(std::uint64_t& offset) const;

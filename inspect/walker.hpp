@@ -8,6 +8,8 @@
 #include "inspect/quote.hpp"
 #include "inspect/walk.hpp"
 
+#include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,7 +60,10 @@ struct SilentVisitor {
     /// The root's value is over; bytes behind it are unsafe.
     void end_root() {}
 
-    /// Whether the key at an offset is new to the container opened last.
+    /// A key with this hash is going to be told behind its value.
+    void expect_key(std::uint64_t /*hash*/) {}
+    /// Whether the key at an offset is new to the container opened last. In a map it is told when
+    /// its value is over.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
     }
@@ -92,6 +97,11 @@ private:
         if (walk_.left() < type.least_size && !type.has_parts()) [[unlikely]]
             return too_short(type.least_size);
         return whole_value(type);
+    }
+
+    /// The same where parts are likely.
+    [[gnu::always_inline]] bool parts_or_value(Type const& type) {
+        return type.has_parts() ? parts(type) : value(type);
     }
 
     /// The same for a type whose least size is there.
@@ -144,7 +154,7 @@ private:
 
     [[gnu::noinline]] bool parts(Type const& type) {
         return inside(type, [&](Step& step) {
-            if (Visitor::hears_values || in_key_) return heard_parts(type, step);
+            if (Visitor::hears_values) return heard_parts(type, step);
             return flat_parts(type, step);
         });
     }
@@ -163,13 +173,93 @@ private:
     }
 
     /// Parts inside parts are walked in a row. Words that nobody hears, and that can't be odd, are
-    /// skipped.
+    /// skipped; what takes just its least size, and is not odd, is passed at a glance.
     bool flat_parts(Type const& type, Step& step) {
-        step.is_flat = true;
-        for (FlatPart const* part = type.flat;; ++part) {
-            step.part = static_cast<std::uint64_t>(part - type.flat);
-            if (walk_.left() < part->least_size) [[unlikely]]
-                return parts_too_short(type, step);
+        FlatPart const* part = type.flat;
+        if (walk_.left() < part->least_size_of_row) [[unlikely]]
+            return flat_parts_with_care(type, step, part);
+        char const* at = walk_.at();
+        bool        whole = true;
+        auto const  stop = [&] {
+            walk_.go_to(at);
+            step.flat = part;
+        };
+        for (;; ++part) {
+            at += part->words_before;
+            switch (part->kind) {
+                case Kind::string:
+                    if (word_at(at) - 1 < walk_.strings.known_at_sight()) [[likely]] {
+                        at += sizeof(std::int32_t);
+                        continue;
+                    }
+                    stop();
+                    whole = string();
+                    break;
+                case Kind::flag:
+                    if ((*at == 'T') | (*at == 'F')) [[likely]] {
+                        ++at;
+                        continue;
+                    }
+                    stop();
+                    flag();
+                    break;
+                case Kind::optional:
+                    if (*at == 'F') {
+                        ++at;
+                        continue;
+                    }
+                    stop();
+                    whole = optional(*part->type);
+                    break;
+                case Kind::variant:
+                    if (is_bare(*part->type, word_at(at))) {
+                        at += sizeof(std::int32_t);
+                        continue;
+                    }
+                    stop();
+                    whole = variant(*part->type);
+                    break;
+                case Kind::big_integer:
+                    stop();
+                    whole = big_integer();
+                    break;
+                case Kind::list:
+                case Kind::set:
+                case Kind::map:
+                    stop();
+                    whole = container(*part->type);
+                    break;
+                case Kind::record: walk_.go_to(at); return true;  // the end
+                default:
+                    stop();
+                    whole = value(*part->type);
+                    break;
+            }
+            if (!whole) return false;
+            if (walk_.left() < part[1].least_size_of_row) [[unlikely]]
+                return flat_parts_with_care(type, step, part + 1);
+            at = walk_.at();
+        }
+    }
+
+    static std::uint32_t word_at(char const* at) {
+        std::uint32_t word;
+        std::memcpy(&word, at, sizeof word);
+        return word;
+    }
+
+    /// Whether a tag stands alone, and may.
+    bool is_bare(Type const& type, std::uint32_t tag) const {
+        return tag < type.arms.size() && type.arms[tag].payload == nullptr &&
+               walk_.nesting < walk_.limits.depth;
+    }
+
+    /// The same from one part on, where the bytes may end before the row does.
+    [[gnu::cold, gnu::noinline]] bool flat_parts_with_care(Type const& type, Step& step,
+                                                           FlatPart const* part) {
+        for (;; ++part) {
+            step.flat = part;
+            if (walk_.left() < part->least_size) return parts_too_short(type, step);
             walk_.skip(part->words_before);
             if (part->type == nullptr) return true;
             if (!whole_value(*part->type)) return false;
@@ -177,9 +267,9 @@ private:
     }
 
     /// Tells which of the parts is missing: a word before a flat part, or that part itself.
-    [[gnu::cold, gnu::noinline]] bool parts_too_short(Type const& type, Step& step) {
-        std::uint64_t flat_parts_before = step.part;
-        step.is_flat = false;
+    bool parts_too_short(Type const& type, Step& step) {
+        auto flat_parts_before = static_cast<std::uint64_t>(step.flat - type.flat);
+        step.flat = nullptr;
         return pass_parts(type, step, flat_parts_before);
     }
 
@@ -210,12 +300,10 @@ private:
         auto const tag = walk_.take_word<std::int32_t>();
         auto       index = static_cast<std::uint32_t>(tag);
         Arm const* arm = nullptr;
-        mix(index);
         if (index < type.arms.size()) [[likely]] {
             arm = &type.arms[index];
         } else {
             odd_tag(type, tag);
-            key_is_unequal_ = key_is_unequal_ || tag < 0;
             index = static_cast<std::uint32_t>(type.arms.size() - 1);
             if (type.takes_rest) arm = &type.arms[index];
         }
@@ -224,7 +312,7 @@ private:
         if (arm != nullptr && arm->payload != nullptr) {
             step.part = index;
             visitor_.payload(type);
-            whole = inline_value(*arm->payload);
+            whole = parts_or_value(*arm->payload);
         }
         visitor_.end_variant(type);
         return whole;
@@ -262,31 +350,30 @@ private:
             walk_.progress->store(walk_.offset(), std::memory_order_relaxed);
         visitor_.part(type, index);
         if (type.kind == Kind::list) return inline_value(*type.element);
-        if (type.kind == Kind::set) return key(*type.element, keyed);
-
         std::uint64_t const at = walk_.offset();
-        bool                whole = key(*type.key, keyed);
+        if (type.kind == Kind::set) {
+            if (!parts_or_value(*type.element)) return false;
+            if (keyed) settle_key(*type.element, at, walk_.key_hash(*type.element, at));
+            return true;
+        }
+        bool whole = parts_or_value(*type.key);
         if (whole) {
+            // Settled behind the value: by then what it takes has come from memory.
+            std::optional<std::uint64_t> hash;
+            if (keyed) hash = walk_.key_hash(*type.key, at);
+            if (hash) visitor_.expect_key(*hash);
             step.key_offset = at;
             visitor_.entry_value(type);
-            whole = value(*type.element);
+            whole = parts_or_value(*type.element);
             step.key_offset = Step::nowhere;
+            if (whole) settle_key(*type.key, at, hash);
         }
         visitor_.end_entry(type);
         return whole;
     }
 
-    bool key(Type const& type, bool keyed) {
-        if (!keyed) return value(type);
-        std::uint64_t const at = walk_.offset();
-        key_hash_ = 0;
-        key_is_unequal_ = false;
-        in_key_ = true;
-        bool const whole = value(type);
-        in_key_ = false;
-        if (!whole || key_is_unequal_ || visitor_.add_key(type, at, key_hash_)) return whole;
-        odd_key(type, at);
-        return true;
+    void settle_key(Type const& type, std::uint64_t at, std::optional<std::uint64_t> hash) {
+        if (hash && !visitor_.add_key(type, at, *hash)) odd_key(type, at);
     }
 
     bool optional(Type const& type) {
@@ -295,7 +382,7 @@ private:
             return true;
         }
         visitor_.present(type);
-        return value(*type.element);
+        return parts_or_value(*type.element);
     }
 
     [[gnu::noinline]] bool boxed(Type const& type) {
@@ -324,7 +411,6 @@ private:
 
     bool enumeration(Type const& type) {
         auto const number = walk_.take_word<std::int32_t>();
-        mix(static_cast<std::uint32_t>(number));
         if (static_cast<std::uint32_t>(number) >= type.enumerators.size()) [[unlikely]]
             odd_enumerator(type, number);
         visitor_.enumeration(type, number);
@@ -333,17 +419,13 @@ private:
 
     template <class Word>
     bool integer(Type const& type) {
-        auto const word = walk_.take_word<Word>();
-        mix(static_cast<std::uint64_t>(word));
-        visitor_.integer(type, word);
+        visitor_.integer(type, walk_.take_word<Word>());
         return true;
     }
 
     template <class Word>
     bool natural(Type const& type) {
-        auto const word = walk_.take_word<Word>();
-        mix(word);
-        visitor_.natural(type, word);
+        visitor_.natural(type, walk_.take_word<Word>());
         return true;
     }
 
@@ -351,7 +433,6 @@ private:
         std::uint64_t const at = walk_.offset();
         char const          byte = walk_.take(1).front();
         bool const          is_true = byte == 'T';
-        mix(is_true);
         if (byte != 'T' && byte != 'F') odd_flag(at, byte);
         return is_true;
     }
@@ -361,7 +442,6 @@ private:
         if (word < 1) return told_string(word);
         if (!walk_.strings.refer(word)) [[unlikely]]
             odd_reference(word);
-        if (Visitor::compares_keys && in_key_) mix(walk_.strings.hash_of(word));
         if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word));
         return true;
     }
@@ -376,7 +456,6 @@ private:
         if (!first_sight.in_sequence) odd_id(at, word);
         if (!first_sight.text_is_new) odd_repetition(at);
         if (!grow_heap(at, string_size(told.size()))) return false;
-        mix(first_sight.hash);
         visitor_.string(told);
         return true;
     }
@@ -404,16 +483,13 @@ private:
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "an integer") || !grow_heap(at, number_size(told.size()))) return false;
-        if (is_written_integer(told)) {
+        if (is_written_integer(told, told.size() + walk_.left())) {
             told.remove_suffix(told.front() == '-' ? 1 : 2);
-            mix_text(told);
             visitor_.big_integer(told);
             return true;
         }
         odd_number(at, told);
-        std::string const read = integer_of(told);
-        mix_text(read);
-        visitor_.big_integer(read);
+        visitor_.big_integer(integer_of(told));
         return true;
     }
 
@@ -429,7 +505,7 @@ private:
             return fail(width_offset, "a width of 16, 32, 40, 48, 64, 80 or 128",
                         std::to_string(width));
         if (!grow_heap(at, number_size(0))) return false;
-        if (is_written_float(told, width)) {
+        if (is_written_float(told, width, told.size() + sizeof width + walk_.left())) {
             visitor_.ieee_float(told, width);
             return true;
         }
@@ -463,13 +539,6 @@ private:
     bool grow_heap(std::uint64_t at, std::uint64_t bytes) {
         walk_.heap += bytes;
         return walk_.heap <= walk_.limits.memory || too_much_heap(at);
-    }
-
-    void mix(std::uint64_t word) {
-        if (Visitor::compares_keys && in_key_) key_hash_ = seeded_hash(word, key_hash_);
-    }
-    void mix_text(std::string_view text) {
-        if (Visitor::compares_keys && in_key_) mix(seeded_hash(text));
     }
 
     // Kept out of the way of what is as it should be.
@@ -562,11 +631,8 @@ private:
         return false;
     }
 
-    Walk&         walk_;
-    Visitor&      visitor_;
-    bool          in_key_ = false;
-    bool          key_is_unequal_ = false;
-    std::uint64_t key_hash_ = 0;
+    Walk&    walk_;
+    Visitor& visitor_;
 };
 
 }  // namespace sml::inspect

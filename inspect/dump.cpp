@@ -178,8 +178,8 @@ public:
           options_(options),
           match_(walk, options.path),
           superseded_(std::move(superseded.entries)),
+          repeated_(std::move(superseded.findings)),
           json_(out, options.form) {
-        dumped.findings = std::move(superseded.findings);
         dumped.odd_count = superseded_.size();
         if (options.path.empty()) select(*root.type, 0);
     }
@@ -187,13 +187,14 @@ public:
     void finish() {
         if (is_selected_) deselect();
         dumped.found = was_selected_;
-        std::ranges::stable_sort(dumped.findings, {}, &Finding::offset);
-        auto& findings = dumped.findings;
         // The unsafe one stands last and is always told.
-        auto const is_unsafe = dumped.answer == Answer::unsafe ? 1 : 0;
-        auto const odd = static_cast<std::ptrdiff_t>(findings.size()) - is_unsafe;
+        auto&      findings = dumped.findings;
+        auto const unsafe = [&] { return findings.end() - (dumped.answer == Answer::unsafe); };
+        findings.insert(unsafe(), repeated_.begin(), repeated_.end());
+        std::ranges::stable_sort(findings.begin(), unsafe(), {}, &Finding::offset);
         auto const listed = static_cast<std::ptrdiff_t>(options_.walk.listed);
-        if (odd > listed) findings.erase(findings.begin() + listed, findings.begin() + odd);
+        if (unsafe() - findings.begin() > listed)
+            findings.erase(findings.begin() + listed, unsafe());
         if (dumped.answer == Answer::good && dumped.odd_count > 0) dumped.answer = Answer::odd;
     }
 
@@ -343,6 +344,7 @@ private:
     DumpOptions const&                options_;
     PathMatch                         match_;
     std::unordered_set<std::uint64_t> superseded_;
+    std::vector<Finding>              repeated_;
     JsonVisitor                       json_;
     bool                              is_selected_ = false;
     bool                              was_selected_ = false;

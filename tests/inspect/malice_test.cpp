@@ -4,6 +4,7 @@
 // As a rule a part of the damages is tried, chosen at random by a seed that is printed;
 // BRADEP_MALICE_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
 
+#include "inspect/dump.hpp"
 #include "inspect/verify.hpp"
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
@@ -16,6 +17,7 @@
 #include <iostream>
 #include <limits>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -44,12 +46,32 @@ public:
     void take(File const& file, std::string_view damaged) {
         ++tried_;
         auto const verdict = verify(*file.root, damaged, {.limits = {.memory = most_heap}});
+        if (random_() % 8 == 0) expect_same_of_dump(file, damaged, verdict);
         if (verdict.answer == Answer::unsafe) return;
         ++read_;
         std::string const fault =
             real_root(*file.root).fault_of_reading(damaged, verdict.answer == Answer::good);
         if (!fault.empty())
             ADD_FAILURE() << file.name << ": " << fault << "\n" << hex::shown(damaged);
+    }
+
+    /// A dump hears every value and a verification passes most of them by: they find the same.
+    static void expect_same_of_dump(File const& file, std::string_view damaged,
+                                    sml::inspect::Verdict const& verdict) {
+        std::ostringstream json;
+        auto const         dumped =
+            dump(*file.root, damaged, json, {.walk = {.limits = {.memory = most_heap}}});
+        EXPECT_EQ(dumped.answer, verdict.answer) << file.name << "\n" << hex::shown(damaged);
+        EXPECT_EQ(told(dumped.findings), told(verdict.findings)) << file.name << "\n"
+                                                                 << hex::shown(damaged);
+    }
+
+    static std::string told(std::vector<sml::inspect::Finding> const& findings) {
+        std::string text;
+        for (auto const& finding : findings)
+            text += std::to_string(finding.offset) + ' ' + finding.path + ": " + finding.expected +
+                    ", " + finding.found + '\n';
+        return text;
     }
 
     /// Says what was done. Both answers must have come up.

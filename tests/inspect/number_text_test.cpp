@@ -19,6 +19,7 @@ using sml::inspect::is_float_width;
 using sml::inspect::is_written_float;
 using sml::inspect::is_written_integer;
 using sml::inspect::written_double;
+using sml::inspect::written_integer;
 using namespace std::string_literals;
 
 constexpr std::int32_t widths[] = {16, 32, 40, 48, 64, 80, 128};
@@ -54,6 +55,12 @@ zelvanite::IEEE754Float random_float(std::mt19937_64& engine, std::int32_t width
     return value;
 }
 
+/// The judgement where more digits stand behind the text.
+bool is_written_amid(std::string const& text, std::int32_t width) {
+    std::string const all = text + "FFFFFFFFFFFFFFFFP+0F";
+    return is_written_float(std::string_view(all).substr(0, text.size()), width, all.size());
+}
+
 TEST(NumberText, WrittenFloatsAreKnownAsSuch) {
     for (std::uint64_t seed = 1; seed <= 20000; ++seed) {
         std::mt19937_64    engine(seed);
@@ -85,6 +92,8 @@ TEST(NumberText, JudgementOfFloatsAgreesWithReadingAndWriting) {
         bool const is_written = is_written_float(text, width);
         known += is_written;
         ASSERT_EQ(is_written, float_of(text, width) == text)
+            << '"' << text << "\" width " << width << " seed " << seed;
+        ASSERT_EQ(is_written_amid(text, width), is_written)
             << '"' << text << "\" width " << width << " seed " << seed;
     }
     EXPECT_GT(known, 1000);
@@ -124,6 +133,33 @@ TEST(NumberText, Integers) {
     EXPECT_EQ(integer_of("-0\0"s), "0");
     EXPECT_EQ(integer_of("x"), "0");
     EXPECT_EQ(integer_of("1\0f\0\0"s), "1");
+}
+
+// Of any length, with any one byte changed, whatever stands behind.
+TEST(NumberText, JudgementOfIntegersAgreesWithReadingAndWriting) {
+    std::mt19937_64 engine(3);
+    for (std::size_t digits = 1; digits <= 50; ++digits) {
+        for (bool const negative : {false, true}) {
+            std::string text = negative ? "-" : "";
+            text += "123456789abcdef"[engine() % 15];
+            while (text.size() < digits + negative) text += "0123456789abcdef"[engine() % 16];
+            std::string const block = written_integer(text);
+            ASSERT_TRUE(is_written_integer(block));
+            for (std::size_t at = 0; at < block.size(); ++at) {
+                for (int byte = 0; byte < 256; ++byte) {
+                    std::string changed = block;
+                    changed[at] = static_cast<char>(byte);
+                    bool const is_written = written_integer(integer_of(changed)) == changed;
+                    ASSERT_EQ(is_written_integer(changed), is_written) << digits << ' ' << at;
+                    std::string const all = changed + "0123456789abcdef0";
+                    ASSERT_EQ(is_written_integer(std::string_view(all).substr(0, changed.size()),
+                                                 all.size()),
+                              is_written)
+                        << digits << ' ' << at;
+                }
+            }
+        }
+    }
 }
 
 TEST(NumberText, DoublesThatThrowHaveNoValue) {

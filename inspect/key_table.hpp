@@ -15,12 +15,12 @@ inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
     return static_cast<std::size_t>((static_cast<Product>(hash) * slots) >> 64);
 }
 
-/// Half as many again as there are keys, so that a search is short and ends.
+/// Twice as many as there are keys, so that a search is short and ends.
 inline std::size_t slots_for(std::uint64_t keys) {
-    return static_cast<std::size_t>(keys + keys / 2 + 1);
+    return static_cast<std::size_t>(2 * keys);
 }
 
-/// 12 bytes a key, for as long as its container is open; exact when hashes collide.
+/// 16 bytes a key, for as long as its container is open; exact when hashes collide.
 class KeyTable {
 public:
     /// Opens a container with this many entries.

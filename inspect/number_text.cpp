@@ -152,12 +152,15 @@ bool is_written_finite(std::string_view text, IEEE754Float::Format const& format
 
 bool is_written_integer(std::string_view block, std::size_t readable) {
     if (block.size() < 3) return false;
-    bool const        negative = block.front() == '-';
-    char const*       text = block.data() + (negative ? 1 : 0);
+    // The sign, which no one foresees, decides nothing by a branch. It takes the place of one of
+    // the two zero bytes.
+    std::size_t const sign = block.front() == '-' ? 1 : 0;
+    char const*       text = block.data() + sign;
     std::size_t const digits = block.size() - 2;
-    // A sign takes the place of one of the two zero bytes.
-    bool const ends = (block.back() | (negative ? '\0' : block[digits])) == '\0';
-    bool const leads = (*text != '0') | (!negative & (digits == 1));
+    unsigned const    end = static_cast<unsigned char>(block.back());
+    unsigned const    before_end = static_cast<unsigned char>(block[digits]);
+    bool const        ends = (end | (before_end & (static_cast<unsigned>(sign) - 1))) == 0;
+    bool const        leads = (*text != '0') | (digits + sign == 1);
     if (!(ends & leads)) return false;
     if (digits <= at_once) {
         if (readable > at_once) return are_lower_digits(text, digits);

@@ -19,6 +19,11 @@ inline bool  is_written_integer(std::string_view block) {
      return is_written_integer(block, block.size());
 }
 
+/// Such a block without its zero bytes.
+inline std::string_view written_digits(std::string_view block) {
+    return block.substr(0, block.size() - (block.front() == '-' ? 1 : 2));
+}
+
 /// The integer that a reader has after this block, as the writer prints it but without the zero
 /// bytes; 0 where the block is no number.
 SML_API std::string integer_of(std::string_view block);

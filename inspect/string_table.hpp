@@ -11,7 +11,7 @@
 namespace sml::inspect {
 
 /// Another one in each process.
-extern std::uint64_t const hash_seed;
+[[gnu::visibility("hidden")]] extern std::uint64_t const hash_seed;
 
 /// A seeded hash: what the bytes hold can't make its values collide on purpose.
 inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {

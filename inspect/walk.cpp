@@ -103,7 +103,7 @@ private:
             case Kind::int64: mix(walk.take_word<std::uint64_t>(offset)); return;
             case Kind::big_integer: {
                 std::string_view const block = walk.take_block(offset);
-                mix(is_written_integer(block) ? seeded_hash(block.substr(0, block.find('\0')))
+                mix(is_written_integer(block) ? seeded_hash(written_digits(block))
                                               : seeded_hash(integer_of(block)));
                 return;
             }

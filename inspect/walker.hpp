@@ -196,7 +196,7 @@ private:
                     whole = string();
                     break;
                 case Kind::flag:
-                    if ((*at == 'T') | (*at == 'F')) [[likely]] {
+                    if (is_flag(*at)) [[likely]] {
                         ++at;
                         continue;
                     }
@@ -240,6 +240,13 @@ private:
                 return flat_parts_with_care(type, step, part + 1);
             at = walk_.at();
         }
+    }
+
+    /// T or F, without a branch on which of them.
+    static bool is_flag(char byte) {
+        constexpr unsigned both = 1u << ('T' - 'F') | 1u;
+        unsigned const     index = static_cast<unsigned char>(byte) - unsigned{'F'};
+        return index <= 'T' - 'F' && (both >> index & 1) != 0;
     }
 
     static std::uint32_t word_at(char const* at) {
@@ -337,38 +344,61 @@ private:
         bool const keyed = Visitor::compares_keys && type.kind != Kind::list && count > 1;
         if (keyed) visitor_.open_keys(type, count);
         visitor_.begin(type, count);
-        bool whole = true;
-        for (std::uint64_t i = 0; whole && i < count; ++i) whole = entry(type, step, i, keyed);
+        bool const whole = type.kind == Kind::list  ? elements(type, step, count)
+                           : type.kind == Kind::set ? keys(type, step, count, keyed)
+                                                    : pairs(type, step, count, keyed);
         visitor_.end(type);
         if (keyed) visitor_.close_keys();
         return whole;
     }
 
-    bool entry(Type const& type, Step& step, std::uint64_t index, bool keyed) {
+    void next_entry(Type const& type, Step& step, std::uint64_t index) {
         step.part = index;
         if (walk_.progress != nullptr)
             walk_.progress->store(walk_.offset(), std::memory_order_relaxed);
         visitor_.part(type, index);
-        if (type.kind == Kind::list) return inline_value(*type.element);
-        std::uint64_t const at = walk_.offset();
-        if (type.kind == Kind::set) {
+    }
+
+    bool elements(Type const& type, Step& step, std::uint64_t count) {
+        for (std::uint64_t i = 0; i < count; ++i) {
+            next_entry(type, step, i);
+            if (!parts_or_value(*type.element)) return false;
+        }
+        return true;
+    }
+
+    bool keys(Type const& type, Step& step, std::uint64_t count, bool keyed) {
+        for (std::uint64_t i = 0; i < count; ++i) {
+            next_entry(type, step, i);
+            std::uint64_t const at = walk_.offset();
             if (!parts_or_value(*type.element)) return false;
             if (keyed) settle_key(*type.element, at, walk_.key_hash(*type.element, at));
-            return true;
         }
-        bool whole = parts_or_value(*type.key);
-        if (whole) {
-            // Settled behind the value: by then what it takes has come from memory.
-            std::optional<std::uint64_t> hash;
-            if (keyed) hash = walk_.key_hash(*type.key, at);
-            if (hash) visitor_.expect_key(*hash);
-            step.key_offset = at;
-            visitor_.entry_value(type);
-            whole = parts_or_value(*type.element);
-            step.key_offset = Step::nowhere;
-            if (whole) settle_key(*type.key, at, hash);
+        return true;
+    }
+
+    bool pairs(Type const& type, Step& step, std::uint64_t count, bool keyed) {
+        bool whole = true;
+        for (std::uint64_t i = 0; whole && i < count; ++i) {
+            next_entry(type, step, i);
+            whole = pair(type, step, keyed);
+            visitor_.end_entry(type);
         }
-        visitor_.end_entry(type);
+        return whole;
+    }
+
+    bool pair(Type const& type, Step& step, bool keyed) {
+        std::uint64_t const at = walk_.offset();
+        if (!parts_or_value(*type.key)) return false;
+        // Settled behind the value: by then what it takes has come from memory.
+        std::optional<std::uint64_t> hash;
+        if (keyed) hash = walk_.key_hash(*type.key, at);
+        if (hash) visitor_.expect_key(*hash);
+        step.key_offset = at;
+        visitor_.entry_value(type);
+        bool const whole = parts_or_value(*type.element);
+        step.key_offset = Step::nowhere;
+        if (whole) settle_key(*type.key, at, hash);
         return whole;
     }
 
@@ -433,7 +463,8 @@ private:
         std::uint64_t const at = walk_.offset();
         char const          byte = walk_.take(1).front();
         bool const          is_true = byte == 'T';
-        if (byte != 'T' && byte != 'F') odd_flag(at, byte);
+        if (!is_flag(byte)) [[unlikely]]
+            odd_flag(at, byte);
         return is_true;
     }
 
@@ -484,8 +515,7 @@ private:
         std::string_view    told;
         if (!block(told, "an integer") || !grow_heap(at, number_size(told.size()))) return false;
         if (is_written_integer(told, told.size() + walk_.left())) {
-            told.remove_suffix(told.front() == '-' ? 1 : 2);
-            visitor_.big_integer(told);
+            if (Visitor::hears_values) visitor_.big_integer(written_digits(told));
             return true;
         }
         odd_number(at, told);

@@ -52,6 +52,13 @@ public:
     std::string_view text_of(std::int32_t id) const { return text_at(entry_of(id).length_offset); }
     std::uint64_t    hash_of(std::int32_t id) const { return entry_of(id).hash; }
 
+    /// The hash of a text that was told whole; known without looking for the one told last.
+    std::uint64_t hash_of_told(std::uint64_t length_offset) const {
+        Entry const& last = entries_.back();
+        return last.length_offset == length_offset ? last.hash
+                                                   : seeded_hash(text_at(length_offset));
+    }
+
     /// How many strings were told whole so far.
     std::uint32_t told() const noexcept { return told_; }
 

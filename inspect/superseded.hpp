@@ -22,7 +22,7 @@ struct Superseded {
     bool are_read_over = false;
 };
 
-/// Finds them with 6 bytes a key of the open containers. An unsafe byte ends the search.
+/// Finds them with 8 bytes a key of the open containers. An unsafe byte ends the search.
 Superseded superseded_entries(Root const& root, std::string_view bytes,
                               VerifyOptions const& options);
 

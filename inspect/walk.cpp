@@ -124,20 +124,23 @@ private:
     }
 
     std::uint64_t string_hash(std::int32_t word) {
-        return word >= 1 ? walk.strings.hash_of(word) : seeded_hash(walk.take_block(offset));
+        if (word >= 1) return walk.strings.hash_of(word);
+        std::uint64_t const length_offset = offset;
+        walk.take_block(offset);
+        return walk.strings.hash_of_told(length_offset);
     }
 
     void mix(std::uint64_t word) { hash = seeded_hash(word, hash); }
 };
 
-std::optional<std::uint64_t> Walk::key_hash(Type const& type, std::uint64_t offset) const {
+std::uint64_t Walk::key_hash(Type const& type, std::uint64_t offset) const {
     KeyHash key{*this, offset};
     if (type.has_parts())
         for (Part const& part : type.parts) key.add(*part.type);
     else
         key.add(type);
-    if (key.is_unequal) return std::nullopt;
-    return key.hash;
+    if (key.is_unequal) return no_hash;
+    return key.hash == no_hash ? 1 : key.hash;
 }
 
 bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const {

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -68,9 +67,11 @@ public:
     /// The key at an offset that has been walked before, as paths show keys.
     std::string key_text(Type const& type, std::uint64_t offset) const;
 
-    /// A hash of the key at an offset that has been walked before; none for a key that equals no
-    /// other one, as it holds a negative tag.
-    std::optional<std::uint64_t> key_hash(Type const& type, std::uint64_t offset) const;
+    /// A hash of the key at an offset that has been walked before; `no_hash` for a key that equals
+    /// no other one, as it holds a negative tag.
+    std::uint64_t key_hash(Type const& type, std::uint64_t offset) const;
+
+    static constexpr std::uint64_t no_hash = 0;
 
     /// Whether the keys at two offsets that have been walked before are equal.
     bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {

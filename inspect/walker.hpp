@@ -9,7 +9,6 @@
 #include "inspect/walk.hpp"
 
 #include <cstring>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -391,9 +390,8 @@ private:
         std::uint64_t const at = walk_.offset();
         if (!parts_or_value(*type.key)) return false;
         // Settled behind the value: by then what it takes has come from memory.
-        std::optional<std::uint64_t> hash;
-        if (keyed) hash = walk_.key_hash(*type.key, at);
-        if (hash) visitor_.expect_key(*hash);
+        std::uint64_t const hash = keyed ? walk_.key_hash(*type.key, at) : Walk::no_hash;
+        if (hash != Walk::no_hash) visitor_.expect_key(hash);
         step.key_offset = at;
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);
@@ -402,8 +400,8 @@ private:
         return whole;
     }
 
-    void settle_key(Type const& type, std::uint64_t at, std::optional<std::uint64_t> hash) {
-        if (hash && !visitor_.add_key(type, at, *hash)) odd_key(type, at);
+    void settle_key(Type const& type, std::uint64_t at, std::uint64_t hash) {
+        if (hash != Walk::no_hash && !visitor_.add_key(type, at, hash)) odd_key(type, at);
     }
 
     bool optional(Type const& type) {

@@ -52,7 +52,7 @@ def try_readme(source, prefix, folder, compiler):
 
 def try_package(cmake, prefix, folder, compiler):
     build = folder / "consumer"
-    run(cmake, "-S", CONSUMER, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}",
+    run(cmake, "-G", "Ninja", "-S", CONSUMER, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}",
         f"-DCMAKE_CXX_COMPILER={compiler}")
     run(cmake, "--build", build)
     expect("a viewer dumps", run(build / "viewer") ==

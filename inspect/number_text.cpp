@@ -94,13 +94,6 @@ int upper_digit(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-/// Takes a prefix off `text`, if it is there.
-bool take(std::string_view& text, std::string_view prefix) {
-    if (!text.starts_with(prefix)) return false;
-    text.remove_prefix(prefix.size());
-    return true;
-}
-
 /// The exponent as the writer prints it: a sign always, no leading zero, a multiple of four.
 std::optional<int> written_exponent(std::string_view text) {
     if (text.size() < 2 || text.size() > 6) return std::nullopt;
@@ -117,9 +110,20 @@ std::optional<int> written_exponent(std::string_view text) {
     return negative ? -exponent : exponent;
 }
 
-/// Judges a finite non-zero float behind its "0X": one digit, a fraction without trailing zeros,
+using Format = IEEE754Float::Format;
+
+/// The formats by their width in bytes, without a mantissa where there is none. Looked up, as a
+/// switch would be a branch that no one foresees.
+constexpr std::array<Format, 17> formats = [] {
+    std::array<Format, 17> result{};
+    for (std::size_t bytes = 0; bytes < result.size(); ++bytes)
+        result[bytes] = Format::of(8 * bytes);
+    return result;
+}();
+
+/// Judges a float behind its "0X" that is not zero: one digit, a fraction without trailing zeros,
 /// the exponent. Sixteen characters behind the text can be read.
-bool is_written_finite(std::string_view text, IEEE754Float::Format const& format) {
+bool is_written_finite(std::string_view text, Format const& format) {
     if (text.size() < 2) return false;
     char const*       at = text.data();
     char const* const end = at + text.size();
@@ -189,8 +193,8 @@ std::string written_integer(std::string_view hexadecimal) {
 }
 
 bool is_float_width(std::int32_t width) {
-    return width > 0 &&
-           IEEE754Float::Format::of(static_cast<std::uint64_t>(width)).mantissa_bits != 0;
+    auto const bytes = static_cast<std::uint32_t>(width) / 8;
+    return width % 8 == 0 && bytes < formats.size() && formats[bytes].mantissa_bits != 0;
 }
 
 bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable) {
@@ -199,11 +203,12 @@ bool is_written_float(std::string_view block, std::int32_t width, std::size_t re
         padded.append(at_once, '\0');
         return is_written_float({padded.data(), block.size()}, width, padded.size());
     }
-    if (block == "NAN") return true;
-    take(block, "-");
-    if (block == "INF" || block == "0X0P+0") return true;
-    return take(block, "0X") &&
-           is_written_finite(block, IEEE754Float::Format::of(static_cast<std::uint64_t>(width)));
+    std::string_view const unsigned_text = block.substr(block.starts_with('-') ? 1 : 0);
+    if (unsigned_text.size() < 2 || unsigned_text[0] != '0' || unsigned_text[1] != 'X')
+        return unsigned_text == "INF" || block == "NAN";
+    std::string_view const text = unsigned_text.substr(2);
+    return is_written_finite(text, formats[static_cast<std::uint32_t>(width) / 8]) ||
+           text == "0P+0";
 }
 
 std::string float_of(std::string_view block, std::int32_t width) {

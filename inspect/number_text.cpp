@@ -1,6 +1,7 @@
 #include "inspect/number_text.hpp"
 
 #include "core/text_blocks.hpp"
+#include "inspect/characters.hpp"
 
 #include <locale.h>
 #include <stdlib.h>
@@ -48,36 +49,6 @@ core::TextBlock terminated(std::string_view block) {
     core::TextBlock text = core::make_block(static_cast<std::int32_t>(block.size()));
     std::ranges::copy(block, text.get());
     return text;
-}
-
-/// Sixteen characters, judged at once.
-using Characters = unsigned char __attribute__((vector_size(16)));
-constexpr std::size_t at_once = sizeof(Characters);
-
-/// Of each of sixteen characters 0xFF if it is a hexadecimal digit of one case, else 0.
-[[gnu::always_inline]] inline Characters digits_among(char const* text, unsigned char ten) {
-    Characters characters;
-    std::memcpy(&characters, text, at_once);
-    return reinterpret_cast<Characters>((characters - '0' <= 9) | (characters - ten <= 5));
-}
-
-[[gnu::always_inline]] inline std::array<std::uint64_t, 2> words_of(Characters characters) {
-    std::array<std::uint64_t, 2> words;
-    std::memcpy(words.data(), &characters, at_once);
-    return words;
-}
-
-/// Whether the first of sixteen characters, so many of them, are digits in lower case.
-bool are_lower_digits(char const* text, std::size_t count) {
-    static constexpr auto first = [] {
-        std::array<unsigned char, 2 * at_once> bytes{};
-        for (std::size_t i = 0; i < at_once; ++i) bytes[i] = 0xFF;
-        return bytes;
-    }();
-    Characters asked;
-    std::memcpy(&asked, first.data() + at_once - count, at_once);
-    auto const others = words_of(asked & ~digits_among(text, 'a'));
-    return (others[0] | others[1]) == 0;
 }
 
 /// How many of sixteen characters are digits in upper case, before any other.
@@ -154,27 +125,16 @@ bool is_written_finite(std::string_view text, Format const& format) {
 
 }  // namespace
 
-bool is_written_integer(std::string_view block, std::size_t readable) {
-    if (block.size() < 3) return false;
-    // The sign, which no one foresees, decides nothing by a branch. It takes the place of one of
-    // the two zero bytes.
-    std::size_t const sign = block.front() == '-' ? 1 : 0;
-    char const*       text = block.data() + sign;
-    std::size_t const digits = block.size() - 2;
-    unsigned const    end = static_cast<unsigned char>(block.back());
-    unsigned const    before_end = static_cast<unsigned char>(block[digits]);
-    bool const        ends = (end | (before_end & (static_cast<unsigned>(sign) - 1))) == 0;
-    bool const        leads = (*text != '0') | (digits + sign == 1);
-    if (!(ends & leads)) return false;
-    if (digits <= at_once) {
-        if (readable > at_once) return are_lower_digits(text, digits);
+bool are_digits(std::string_view text) {
+    if (text.size() <= at_once) {
         std::array<char, at_once> copy{};
-        std::memcpy(copy.data(), text, digits);
-        return are_lower_digits(copy.data(), digits);
+        std::memcpy(copy.data(), text.data(), text.size());
+        return are_lower_digits(copy.data(), text.size());
     }
-    char const* const last = text + digits - at_once;
-    for (; text < last; text += at_once)
-        if (!are_lower_digits(text, at_once)) return false;
+    char const*       at = text.data();
+    char const* const last = at + text.size() - at_once;
+    for (; at < last; at += at_once)
+        if (!are_lower_digits(at, at_once)) return false;
     return are_lower_digits(last, at_once);
 }
 

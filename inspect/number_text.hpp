@@ -3,6 +3,7 @@
 // trace in MPFR's exponent range.
 
 #include "core/export.hpp"
+#include "inspect/characters.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,11 +13,29 @@
 
 namespace sml::inspect {
 
+/// Whether all of a text is hexadecimal digits in lower case.
+SML_API bool are_digits(std::string_view text);
+
 /// Whether a block is exactly what the writer prints for the integer that is read from it. Faster
 /// where so many bytes from its start on can be read, as there may be more behind it.
-SML_API bool is_written_integer(std::string_view block, std::size_t readable);
-inline bool  is_written_integer(std::string_view block) {
-     return is_written_integer(block, block.size());
+inline bool is_written_integer(std::string_view block, std::size_t readable) {
+    if (block.size() < 3) return false;
+    // The sign, which no one foresees, decides nothing by a branch. It takes the place of one of
+    // the two zero bytes.
+    std::size_t const sign = block.front() == '-' ? 1 : 0;
+    char const* const text = block.data() + sign;
+    std::size_t const digits = block.size() - 2;
+    unsigned const    end = static_cast<unsigned char>(block.back());
+    unsigned const    before_end = static_cast<unsigned char>(block[digits]);
+    bool const        ends = (end | (before_end & (static_cast<unsigned>(sign) - 1))) == 0;
+    bool const        leads = (*text != '0') | (digits + sign == 1);
+    if (!(ends & leads)) return false;
+    if (digits <= at_once && readable > at_once) [[likely]]
+        return are_lower_digits(text, digits);
+    return are_digits({text, digits});
+}
+inline bool is_written_integer(std::string_view block) {
+    return is_written_integer(block, block.size());
 }
 
 /// Such a block without its zero bytes.

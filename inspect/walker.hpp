@@ -228,11 +228,21 @@ private:
                     stop();
                     whole = container(*part->type);
                     break;
-                case Kind::record: walk_.go_to(at); return true;  // the end
-                default:
+                case Kind::ieee_float:
+                    stop();
+                    whole = ieee_float();
+                    break;
+                case Kind::number:
+                case Kind::text:
+                case Kind::enumeration:
+                case Kind::flags:
+                case Kind::reference:
+                case Kind::boxed:
                     stop();
                     whole = value(*part->type);
                     break;
+                case Kind::record: walk_.go_to(at); return true;  // the end
+                default: __builtin_unreachable();                 // plain words, and what has parts
             }
             if (!whole) return false;
             if (walk_.left() < part[1].least_size_of_row) [[unlikely]]

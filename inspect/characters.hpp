@@ -1,0 +1,40 @@
+#pragma once
+// Sixteen characters, judged at once.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace sml::inspect {
+
+using Characters = unsigned char __attribute__((vector_size(16)));
+constexpr std::size_t at_once = sizeof(Characters);
+
+/// Of each of sixteen characters 0xFF if it is a hexadecimal digit of one case, else 0.
+inline Characters digits_among(char const* text, unsigned char ten) {
+    Characters characters;
+    std::memcpy(&characters, text, at_once);
+    return reinterpret_cast<Characters>((characters - '0' <= 9) | (characters - ten <= 5));
+}
+
+inline std::array<std::uint64_t, 2> words_of(Characters characters) {
+    std::array<std::uint64_t, 2> words;
+    std::memcpy(words.data(), &characters, at_once);
+    return words;
+}
+
+/// Whether the first of sixteen characters, so many of them, are digits in lower case.
+inline bool are_lower_digits(char const* text, std::size_t count) {
+    static constexpr auto first = [] {
+        std::array<unsigned char, 2 * at_once> bytes{};
+        for (std::size_t i = 0; i < at_once; ++i) bytes[i] = 0xFF;
+        return bytes;
+    }();
+    Characters asked;
+    std::memcpy(&asked, first.data() + at_once - count, at_once);
+    auto const others = words_of(asked & ~digits_among(text, 'a'));
+    return (others[0] | others[1]) == 0;
+}
+
+}  // namespace sml::inspect

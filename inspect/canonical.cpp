@@ -4,6 +4,7 @@
 #include "inspect/walker.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <stdexcept>
@@ -19,17 +20,20 @@ using Texts = std::vector<std::string_view>;
 
 constexpr std::size_t rank_size = 4;
 
-struct SeededTextHash {
-    std::size_t operator()(std::string_view text) const { return seeded_hash(text); }
+struct SeededPlaceHash {
+    std::size_t operator()(char const* place) const {
+        return seeded_hash(reinterpret_cast<std::uintptr_t>(place), 0);
+    }
 };
 
-using Ranks = std::unordered_map<std::string_view, std::uint32_t, SeededTextHash>;
+/// By where the text stands: encodable bytes tell a text once.
+using Ranks = std::unordered_map<char const*, std::uint32_t, SeededPlaceHash>;
 
 /// Collects the distinct texts.
 class TextCollector : public SilentVisitor {
 public:
     void string(std::string_view text) {
-        if (ranks_.emplace(text, 0).second) texts.push_back(text);
+        if (ranks_.emplace(text.data(), 0).second) texts.push_back(text);
     }
 
     Texts texts;
@@ -37,7 +41,7 @@ public:
     /// Sorts the texts and gives their places.
     Ranks take_ranks() {
         std::ranges::sort(texts);
-        for (std::uint32_t rank = 0; rank < texts.size(); ++rank) ranks_[texts[rank]] = rank;
+        for (std::uint32_t rank = 0; rank < texts.size(); ++rank) ranks_[texts[rank].data()] = rank;
         return std::move(ranks_);
     }
 
@@ -73,7 +77,7 @@ public:
         word(width);
     }
     void string(std::string_view text) {
-        std::uint32_t const rank = ranks_.at(text);
+        std::uint32_t const rank = ranks_.at(text.data());
         for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(rank >> shift);
     }
     void text(std::string_view text) { block(text); }

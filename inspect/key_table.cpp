@@ -25,7 +25,10 @@ bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
             return true;
         }
         if ((other ^ key) >> offset_bits != 0) continue;
-        if (walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) return false;
+        if (!walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) continue;
+        // From now on the later one is compared with: no long number is read again and again.
+        table[i] = key;
+        return false;
     }
 }
 

@@ -16,9 +16,7 @@ inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
 }
 
 /// Twice as many as there are keys, so that a search is short and ends.
-inline std::size_t slots_for(std::uint64_t keys) {
-    return static_cast<std::size_t>(2 * keys);
-}
+inline std::size_t slots_for(std::uint64_t keys) { return static_cast<std::size_t>(2 * keys); }
 
 /// 16 bytes a key, for as long as its container is open; exact when hashes collide.
 class KeyTable {

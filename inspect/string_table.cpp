@@ -64,7 +64,11 @@ bool StringTable::index_text(std::uint32_t entry) {
             return true;
         }
         Entry const& other = entries_[index_[slot] - 1];
-        if (other.hash == hash && text_at(other.length_offset) == text) return false;
+        if (other.hash == hash && text_at(other.length_offset) == text) {
+            repetitions_.emplace(entries_[entry].length_offset, other.length_offset);
+            entries_[entry].length_offset = other.length_offset;
+            return false;
+        }
     }
 }
 

@@ -49,7 +49,7 @@ public:
     bool refer(std::int32_t id) { return id <= prefix_ || refer_other(id); }
 
     /// The text of an id that is known, and its hash.
-    std::string_view text_of(std::int32_t id) const { return text_at(entry_of(id).length_offset); }
+    std::string_view text_of(std::int32_t id) const { return text_at(place_of(id)); }
     std::uint64_t    hash_of(std::int32_t id) const { return entry_of(id).hash; }
 
     /// The hash of a text that was told whole; known without looking for the one told last.
@@ -57,6 +57,18 @@ public:
         Entry const& last = entries_.back();
         return last.length_offset == length_offset ? last.hash
                                                    : seeded_hash(text_at(length_offset));
+    }
+
+    /// Where the length word of the text stands that is told for an id, or at a place: the same one
+    /// for equal texts, but for the empty text of an id that was used before it was told.
+    std::uint64_t place_of(std::int32_t id) const { return entry_of(id).length_offset; }
+    std::uint64_t place_of_told(std::uint64_t length_offset) const {
+        auto const repetition = repetitions_.find(length_offset);
+        return repetition == repetitions_.end() ? length_offset : repetition->second;
+    }
+    /// Whether the texts at two such places are equal, however long they are.
+    bool are_equal(std::uint64_t place, std::uint64_t other) const {
+        return place == other || (text_at(place).empty() && text_at(other).empty());
     }
 
     /// How many strings were told whole so far.
@@ -91,6 +103,7 @@ private:
         std::size_t operator()(std::int32_t id) const {
             return seeded_hash(static_cast<std::uint32_t>(id), 0);
         }
+        std::size_t operator()(std::uint64_t place) const { return seeded_hash(place, 0); }
     };
 
     std::string_view           bytes_;
@@ -101,6 +114,9 @@ private:
     std::size_t                distinct_ = 0;
 
     std::unordered_map<std::int32_t, std::uint32_t, SeededHash> others_;
+
+    // Where a text was told again, and where it was told first.
+    std::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;
 };
 
 }  // namespace sml::inspect

@@ -145,7 +145,7 @@ std::uint64_t Walk::key_hash(Type const& type, std::uint64_t offset) const {
 
 bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const {
     switch (type.kind) {
-        case Kind::string: return take_string(a) == take_string(b);
+        case Kind::string: return strings.are_equal(take_place(a), take_place(b));
         case Kind::big_integer: return integer_of(take_block(a)) == integer_of(take_block(b));
         case Kind::int64: return take_word<std::int64_t>(a) == take_word<std::int64_t>(b);
         case Kind::uint32:
@@ -160,6 +160,14 @@ bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) c
     }
     return std::ranges::all_of(type.parts,
                                [&](Part const& part) { return take_same_key(*part.type, a, b); });
+}
+
+std::uint64_t Walk::take_place(std::uint64_t& offset) const {
+    auto const word = take_word<std::int32_t>(offset);
+    if (word >= 1) return strings.place_of(word);
+    std::uint64_t const length_offset = offset;
+    take_block(offset);
+    return strings.place_of_told(length_offset);
 }
 
 std::string_view Walk::take_string(std::uint64_t& offset) const {

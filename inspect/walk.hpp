@@ -104,6 +104,7 @@ private:
     struct KeyHash;
 
     bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
+    std::uint64_t    take_place(std::uint64_t& offset) const;
     std::string_view take_string(std::uint64_t& offset) const;
     std::string_view take_block(std::uint64_t& offset) const;
     void             append_key(std::string& text, Type const& type, std::uint64_t& offset) const;

@@ -1,5 +1,7 @@
 #include "inspect/verify.hpp"
 
+#include "inspect/canonical.hpp"
+#include "inspect/dump.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
 
@@ -7,12 +9,14 @@
 
 #include <cstring>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
 using sml::inspect::Answer;
+using sml::inspect::digest;
 using sml::inspect::find_root;
 using sml::inspect::Finding;
 using sml::inspect::Limits;
@@ -216,6 +220,52 @@ TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
     EXPECT_EQ(verdict.answer, Answer::odd);
     EXPECT_EQ(verdict.odd_count, 5u);
     EXPECT_EQ(verdict.findings.size(), 2u);
+}
+
+/// The bytes of a word.
+std::string word(std::int32_t value) {
+    return {reinterpret_cast<char const*>(&value), sizeof value};
+}
+
+// As often as the elements are equal, none of the long text is compared again: this would take
+// hours.
+TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
+    constexpr std::int32_t length = 4'000'000;
+    constexpr std::int32_t count = 1'000'000;
+    std::string const      text(length, 'a');
+    // Told again by the element that the others are compared with.
+    std::string bytes = word(1) + word(-1) + word(length) + text + word(count);
+    bytes += word(-2) + word(length) + text;
+    for (std::int32_t i = 1; i < count; ++i) bytes += word(1);
+    auto const verdict = verify(*find_root("String_To_StringSet_T"), bytes, {.listed = 1});
+    EXPECT_EQ(verdict.answer, Answer::odd);
+    EXPECT_EQ(verdict.odd_count, static_cast<std::uint64_t>(count));
+    std::ostringstream json;
+    EXPECT_EQ(
+        dump(*find_root("String_To_StringSet_T"), bytes, json, {.walk = {.listed = 1}}).odd_count,
+        verdict.odd_count);
+}
+
+// Good bytes with many references to a long text: canonical bytes look at it once.
+TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
+    constexpr std::int32_t length = 4'000'000;
+    constexpr std::int32_t count = 300'000;
+    std::string            bytes = word(count);
+    for (std::int32_t i = 1; i <= count; ++i) {
+        std::string const key = std::to_string(i);
+        bytes += word(i == 1 ? -1 : -i - 1) + word(static_cast<std::int32_t>(key.size())) + key;
+        bytes += word(1) + (i == 1 ? word(-2) + word(length) + std::string(length, 'a') : word(2));
+    }
+    auto const& root = *find_root("String_To_StringSet_T");
+    EXPECT_EQ(verify(root, bytes).answer, Answer::good);
+    EXPECT_EQ(digest(root, bytes).size(), 64u);
+}
+
+TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
+    // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
+    std::string const bytes = word(1) + word(-1) + word(0) + word(3) + word(7) + word(1) + word(7);
+    auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
+    EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two elements that are there already
 }
 
 TEST(Verify, DepthBeyondTheLimitIsUnsafe) {

@@ -208,7 +208,9 @@ std::optional<std::int64_t> integer_of_json(std::string_view number) {
         auto const parsed = std::from_chars(text.data(), text.data() + text.size(), exponent);
         bool const is_zero = all.find_first_not_of("0.") == all.npos;
         if (is_zero) return 0;
-        if (parsed.ec != std::errc()) return std::nullopt;
+        // No text has so many digits that the rest of them would do.
+        constexpr std::int64_t most = std::int64_t{1} << 50;
+        if (parsed.ec != std::errc() || exponent > most || exponent < -most) return std::nullopt;
     }
     if (std::size_t const point = all.find('.'); point != all.npos) {
         exponent -= static_cast<std::int64_t>(all.size() - point - 1);

@@ -420,8 +420,9 @@ TEST(EncodeError, ArgsMissingOrTooMany) {
 TEST(EncodeError, NumberOutOfRange) {
     constexpr char const* small =
         "2:1 : expected an integer from -2147483648 to 2147483647, found ";
-    for (std::string const text : {"2147483648", "-2147483649", "1.5", "1e10", "1e-1", "0.1",
-                                   "1e99999999999999999999", "9223372036854775808"})
+    for (std::string const text :
+         {"2147483648", "-2147483649", "1.5", "1e10", "1e-1", "0.1", "1e99999999999999999999",
+          "9223372036854775808", "1.5e-9223372036854775808", "1e9223372036854775807"})
         EXPECT_EQ(error_of(number, text), small + text);
     constexpr char const* large =
         "2:1 : expected an integer from -9223372036854775808 to 9223372036854775807, found ";

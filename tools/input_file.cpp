@@ -32,7 +32,12 @@ std::string all_of(std::istream& stream) {
 std::string input_name(std::string const& path) { return path == "-" ? "standard input" : path; }
 
 std::string read_input(std::string const& path, std::istream& standard_input) {
-    if (path == "-") return all_of(standard_input);
+    if (path == "-") {
+        errno = 0;
+        auto bytes = all_of(standard_input);
+        if (standard_input.bad()) cannot_read(input_name(path), errno);
+        return bytes;
+    }
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) cannot_read(path, EISDIR);
     errno = 0;

@@ -65,13 +65,14 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
     CLI::App app("Carries the results of static analysers.", "bradep");
     app.set_version_flag("--version", "bradep " BRADEP_VERSION);
     app.require_subcommand(0, 1);
-    app.footer(exit_codes);
     std::vector<Action> actions;
     for (auto const& command : commands) {
         auto* subcommand = app.add_subcommand(command.name, command.summary);
         actions.push_back(command.declare(*subcommand));
         subcommand->footer(subcommand->get_footer() + exit_codes);
     }
+    // Commands without a footer would inherit it.
+    app.footer(exit_codes);
     try {
         return parse_and_act(app, args, actions, {in, out, err});
     } catch (CLI::ParseError const& error) {

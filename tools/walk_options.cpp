@@ -1,6 +1,7 @@
 #include "walk_options.hpp"
 
 #include <algorithm>
+#include <string>
 
 #include "input_file.hpp"
 #include "inspect/nearest.hpp"
@@ -26,6 +27,23 @@ void declare_root_option(CLI::App& app, std::string& stem) {
         ->type_name("STEM");
 }
 
+namespace {
+
+/// Refuses what would wrap around or be cut short.
+std::string judge_amount(std::string const& text) {
+    std::size_t const digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (digits == 0 || digits > 18) return "\"" + text + "\" is no number, or too large a one";
+    return {};
+}
+
+// Before anything else looks at the text.
+void declare_amount(CLI::Option& option) {
+    option.transform(
+        CLI::Validator([](std::string& text) { return judge_amount(text); }, "", "amount"));
+}
+
+}  // namespace
+
 void declare_limits(CLI::App& app, Limits& limits) {
     auto const add = [&](char const* name, auto& limit, char const* meaning) {
         return app.add_option(name, limit, meaning)
@@ -35,21 +53,23 @@ void declare_limits(CLI::App& app, Limits& limits) {
     add("--max-depth", limits.depth, "Variants and containers inside one another, at most 1000")
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");
-    add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")
-        ->type_name("NUMBER");
-    add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
-        ->transform(CLI::AsSizeValue(false))
-        ->type_name("SIZE");
-    add("--max-memory", limits.memory, "Estimated heap of the object that is read")
-        ->transform(CLI::AsSizeValue(false))
-        ->type_name("SIZE");
+    declare_amount(
+        *add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")
+             ->type_name("NUMBER"));
+    declare_amount(
+        *add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
+             ->transform(CLI::AsSizeValue(false))
+             ->type_name("SIZE"));
+    declare_amount(*add("--max-memory", limits.memory, "Estimated heap of the object that is read")
+                        ->transform(CLI::AsSizeValue(false))
+                        ->type_name("SIZE"));
 }
 
 void declare_findings_option(CLI::App& app, Walk_Options& options) {
-    app.add_option("-n,--findings", options.verify.listed,
-                   "How many odd findings to list; all are counted")
-        ->capture_default_str()
-        ->type_name("NUMBER");
+    declare_amount(*app.add_option("-n,--findings", options.verify.listed,
+                                   "How many odd findings to list; all are counted")
+                        ->capture_default_str()
+                        ->type_name("NUMBER"));
 }
 
 void declare_walk_options(CLI::App& app, Walk_Options& options) {

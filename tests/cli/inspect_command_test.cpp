@@ -440,6 +440,10 @@ TEST(Limits, EachMakesBytesUnsafe) {
     EXPECT_EQ(code("--max-depth", "1001"), 2);
     EXPECT_EQ(code("--max-depth", "0"), 2);
     EXPECT_EQ(code("--max-text", "x"), 2);
+    for (char const* const amount : {"-1", "99999999999999999999", ""})
+        for (char const* const option :
+             {"--max-elements", "--max-text", "--max-memory", "--findings"})
+            EXPECT_EQ(code(option, amount), 2) << option << ' ' << amount;
 }
 
 TEST(Limits, AreThereForEveryCommand) {
@@ -481,6 +485,11 @@ TEST(InspectCommand, HelpTellsTheOptionsAndExitCodes) {
           Help{"digest", "--root"}, Help{"schema", "--diff"},
           Help{"roots", "List the root types"}}) {
         auto const outcome = run_command({help.command, "--help"});
+        // Told once, on a line of its own.
+        std::size_t const codes = outcome.out.find("\nExit codes: 0 done");
+        EXPECT_NE(codes, std::string::npos) << outcome.out;
+        EXPECT_EQ(outcome.out.find("Exit codes:"), codes + 1) << outcome.out;
+        EXPECT_EQ(outcome.out.rfind("Exit codes:"), codes + 1) << outcome.out;
         EXPECT_EQ(outcome.code, 0);
         EXPECT_TRUE(contains(outcome.out, help.part)) << outcome.out;
         EXPECT_TRUE(contains(outcome.out, "Exit codes: 0 done, 1 ")) << outcome.out;

@@ -4,6 +4,8 @@
 #include "inspect/walker.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace sml::inspect {
 
@@ -34,7 +36,13 @@ public:
     void unsafe(Finding const& finding) {
         verdict.answer = Answer::unsafe;
         if (!verdict.reason_against_encoding) verdict.reason_against_encoding = finding;
-        verdict.findings.push_back(finding);
+        unsafe_ = finding;
+    }
+
+    /// Puts the findings in order: a key is judged behind its value, even one that is unsafe.
+    void finish() {
+        std::ranges::stable_sort(verdict.findings, {}, &Finding::offset);
+        if (unsafe_) verdict.findings.push_back(*unsafe_);
     }
 
     Verdict verdict;
@@ -43,6 +51,8 @@ private:
     Walk const& walk_;
     std::size_t listed_;
     KeyTable    keys_;
+
+    std::optional<Finding> unsafe_;
 };
 
 // Good before odd before unsafe, and of unsafe ones the one whose walk came further.
@@ -60,9 +70,7 @@ Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& op
     Walker(walk, verifier).run(*root.type);
 
     Verdict& verdict = verifier.verdict;
-    // A key is judged behind its value.
-    auto const odd_end = verdict.findings.end() - (verdict.answer == Answer::unsafe ? 1 : 0);
-    std::ranges::stable_sort(verdict.findings.begin(), odd_end, {}, &Finding::offset);
+    verifier.finish();
     if (verdict.answer != Answer::unsafe && verdict.odd_count > 0) verdict.answer = Answer::odd;
     verdict.walked = walk.offset();
     verdict.heap = walk.heap;

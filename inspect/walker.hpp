@@ -406,7 +406,7 @@ private:
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);
         step.key_offset = Step::nowhere;
-        if (whole) settle_key(*type.key, at, hash);
+        settle_key(*type.key, at, hash);
         return whole;
     }
 

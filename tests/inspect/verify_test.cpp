@@ -261,6 +261,17 @@ TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
     EXPECT_EQ(digest(root, bytes).size(), 64u);
 }
 
+TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
+    // {"a": {}, "a": {...}} of which the second set can't be.
+    std::string const bytes = word(2) + word(-1) + word(1) + "a" + word(0) + word(1) + word(9);
+    auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
+    EXPECT_EQ(verdict.answer, Answer::unsafe);
+    EXPECT_EQ(verdict.odd_count, 1u);
+    ASSERT_EQ(verdict.findings.size(), 2u);
+    EXPECT_EQ(verdict.findings[0].path, "[#1].key");
+    EXPECT_EQ(verdict.findings[1].path, "[\"a\"]");
+}
+
 TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
     // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
     std::string const bytes = word(1) + word(-1) + word(0) + word(3) + word(7) + word(1) + word(7);

@@ -85,7 +85,10 @@ bool JsonReader::next(char closing) {
 }
 
 void JsonReader::close(char closing, std::string_view expected) {
-    if (next(closing)) fail(at_, expected, description());
+    if (!next(closing)) return;
+    std::size_t const at = at_;
+    bool const        is_member = closing == '}' && peek() == '"';
+    fail(at, expected, is_member ? quoted(string("the name of a member")) : description());
 }
 
 std::string JsonReader::name() {

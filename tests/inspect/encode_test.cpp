@@ -320,7 +320,7 @@ TEST(EncodeError, FieldUnknownMissingOrOutOfPlace) {
               R"(2:2 : expected the field "flag", found "flog", which is no field here)");
     EXPECT_EQ(error_of(context, "{}"), R"(2:2 : expected the field "flag", found the end)");
     EXPECT_EQ(error_of(context, R"({"flag":true,"flag":true})"),
-              "2:14 : expected no more fields, found a string");
+              "2:14 : expected no more fields, found \"flag\"");
     EXPECT_EQ(error_of(region, R"({"label":"x"})"),
               R"(2:2 : expected the field "context", found "label", which has another place)");
     EXPECT_EQ(error_of(region, R"({"context":{"flag":true}})"),
@@ -410,7 +410,7 @@ TEST(EncodeError, ArgsMissingOrTooMany) {
     EXPECT_EQ(error_of(data, R"({"arm":"Assert"})"),
               "2:16 : expected the member \"args\", found the end");
     EXPECT_EQ(error_of(data, R"({"arm":"No_Data","args":null})"),
-              "2:18 : expected the end of the object, found a string");
+              "2:18 : expected the end of the object, found \"args\"");
     EXPECT_EQ(error_of(data, R"({"arm":null,"args":"Memcpy"})"),
               "2:13 : expected the member \"tag\", found \"args\"");
     EXPECT_EQ(error_of("Interrogators_QuestionRef", R"({"arm":null,"tag":-1})"),

@@ -110,6 +110,8 @@ public:
         auto const* const now_type = json_input::member(now_types_, is.kind);
         if (old_type != nullptr && now_type != nullptr)
             return compare_named({was.kind, old_type}, {is.kind, now_type}, where);
+        if (was.kind == is.kind && (old_type != nullptr || now_type != nullptr))
+            throw Misfit{&old, "not a schema: the type " + was.kind + " is missing"};
         if (was.kind != is.kind || was.inner.size() != is.inner.size() || was.flags != is.flags)
             return tell(where, "was " + spelled(old) + ", is " + spelled(now));
         for (std::size_t i = 0; i < was.inner.size(); ++i)

@@ -200,4 +200,9 @@ TEST(SchemaDiff, WhatIsNoSchemaIsAMisfit) {
         EXPECT_THROW(breaking_changes(json::parse(text), now), bradep::json_input::Misfit) << text;
 }
 
+TEST(SchemaDiff, TypeThatIsNamedButNotThereIsAMisfit) {
+    json::value const whole = schema(R"("X")", R"("X": )" + record(field("a")));
+    EXPECT_THROW(breaking_changes(schema(R"("X")"), whole), bradep::json_input::Misfit);
+}
+
 }  // namespace

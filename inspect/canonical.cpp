@@ -156,8 +156,13 @@ private:
 /// Walks ranked bytes and writes them with their strings told, numbered anew.
 class Teller {
 public:
-    Teller(std::string_view ranked, Texts const& texts, std::function<void(std::string_view)> write)
-        : ranked_(ranked), texts_(texts), ids_(texts.size()), write_(std::move(write)) {}
+    Teller(std::string_view ranked, Texts const& texts, std::function<void(std::string_view)> write,
+           std::function<void(std::size_t)> progress)
+        : ranked_(ranked),
+          texts_(texts),
+          ids_(texts.size()),
+          write_(std::move(write)),
+          progress_(std::move(progress)) {}
 
     void run(Type const& root) {
         value(root);
@@ -206,6 +211,7 @@ private:
         for (auto left = word<std::uint32_t>(copy(4)); left > 0; --left) {
             if (type.key != nullptr) value(*type.key);
             value(*type.element);
+            progress_(at_);
         }
     }
 
@@ -257,32 +263,41 @@ private:
     std::size_t                           at_ = 0;
     std::string                           out_;
     std::function<void(std::string_view)> write_;
+    std::function<void(std::size_t)>      progress_;  // told how many ranked bytes are done
 };
 
-void canonical(Root const& root, std::string_view bytes, Limits const& limits,
+void canonical(Root const& root, std::string_view bytes, CanonOptions const& options,
                std::function<void(std::string_view)> write) {
     TextCollector collector;
-    Walk          first(bytes, limits);
+    Walk          first(bytes, options.limits);
+    first.progress = options.progress;
     if (!Walker(first, collector).run(*root.type))
         throw std::invalid_argument("unsafe bytes have no canonical form");
     Ranker ranker(collector.take_ranks());
-    Walk   second(bytes, limits);
+    Walk   second(bytes, options.limits);
+    second.progress = options.progress;
     Walker(second, ranker).run(*root.type);
-    Teller(ranker.bytes, collector.texts, std::move(write)).run(*root.type);
+    double const share =
+        static_cast<double>(bytes.size()) / static_cast<double>(ranker.bytes.size());
+    Teller(ranker.bytes, collector.texts, std::move(write), [&](std::size_t done) {
+        if (options.progress != nullptr)
+            options.progress->store(static_cast<std::uint64_t>(static_cast<double>(done) * share),
+                                    std::memory_order_relaxed);
+    }).run(*root.type);
 }
 
 }  // namespace
 
 void write_canonical(Root const& root, std::string_view bytes, std::ostream& out,
-                     Limits const& limits) {
-    canonical(root, bytes, limits, [&](std::string_view piece) {
+                     CanonOptions const& options) {
+    canonical(root, bytes, options, [&](std::string_view piece) {
         out.write(piece.data(), static_cast<std::streamsize>(piece.size()));
     });
 }
 
-std::string digest(Root const& root, std::string_view bytes, Limits const& limits) {
+std::string digest(Root const& root, std::string_view bytes, CanonOptions const& options) {
     Sha256 sum;
-    canonical(root, bytes, limits, [&](std::string_view piece) { sum.add(piece); });
+    canonical(root, bytes, options, [&](std::string_view piece) { sum.add(piece); });
     return sum.hexadecimal();
 }
 

@@ -6,20 +6,29 @@
 #include "inspect/finding.hpp"
 #include "inspect/type.hpp"
 
+#include <atomic>
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <string_view>
 
 namespace sml::inspect {
 
+struct CanonOptions {
+    Limits limits{};
+
+    /// Told now and then how many of the bytes are done: in two walks and in writing them.
+    std::atomic<std::uint64_t>* progress = nullptr;
+};
+
 /// Writes the canonical bytes of good bytes, or of bytes that are odd in unset or unknown tags and
 /// enumerators only: entries of sets and tables sorted by the bytes of the key, then of the value,
 /// with strings compared by text; strings numbered anew. Takes memory in proportion to
 /// the bytes. Throws `std::invalid_argument` for unsafe bytes.
 SML_API void write_canonical(Root const& root, std::string_view bytes, std::ostream& out,
-                             Limits const& limits = {});
+                             CanonOptions const& options = {});
 
 /// The SHA-256 of the canonical bytes, as 64 hexadecimal digits in lower case.
-SML_API std::string digest(Root const& root, std::string_view bytes, Limits const& limits = {});
+SML_API std::string digest(Root const& root, std::string_view bytes, CanonOptions const& options = {});
 
 }  // namespace sml::inspect

@@ -16,7 +16,7 @@ struct Options : Walk_Options {
 
 // Throws Damaged_Input for bytes that have no canonical form.
 void refuse_without_canonical_form(Walked_Input const& input) {
-    Verdict const verdict = verify(input.root(), input.bytes(), input.verify());
+    Verdict const verdict = input.verify();
     if (verdict.reason_against_encoding)
         throw Damaged_Input(input.name() +
                             ": no canonical form: " + described(*verdict.reason_against_encoding));
@@ -26,7 +26,10 @@ Exit_Code write_canon(Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
     refuse_without_canonical_form(input);
     write_seekable(options.output, streams.out, [&](std::ostream& out) {
-        write_canonical(input.root(), input.bytes(), out, input.verify().limits);
+        input.watch("sorting", [&](VerifyOptions const& watched) {
+            write_canonical(input.root(), input.bytes(), out,
+                            {.limits = watched.limits, .progress = watched.progress});
+        });
     });
     return exit_done;
 }
@@ -34,7 +37,10 @@ Exit_Code write_canon(Options const& options, Streams& streams) {
 Exit_Code print_digest(Walk_Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
     refuse_without_canonical_form(input);
-    streams.out << digest(input.root(), input.bytes(), input.verify().limits) << '\n';
+    streams.out << input.watch("sorting", [&](VerifyOptions const& watched) {
+        return digest(input.root(), input.bytes(),
+                      {.limits = watched.limits, .progress = watched.progress});
+    }) << '\n';
     return exit_done;
 }
 

@@ -1,5 +1,8 @@
 #include "inspect/dump.hpp"
 
+#include <unistd.h>
+
+#include <iostream>
 #include <memory>
 
 #include "errors.hpp"
@@ -17,9 +20,14 @@ struct Options : Walk_Options {
     std::string table;
 };
 
+// There a line of progress would stand in the midst of the JSON.
+bool prints_on_terminal(Streams const& streams) {
+    return &streams.out == &std::cout && ::isatty(STDOUT_FILENO) != 0;
+}
+
 Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& streams) {
     Walked_Input const input(options, streams);
-    DumpOptions        dump_options{.walk = input.verify()};
+    DumpOptions        dump_options;
     bool const         in_lines = app.count("--ndjson") > 0;
     dump_options.path = in_lines ? options.table : options.part;
     if (in_lines)
@@ -27,7 +35,11 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
     else if (options.pretty)
         dump_options.form = DumpOptions::Form::pretty;
 
-    Dumped const dumped = dump(input.root(), input.bytes(), streams.out, dump_options);
+    Dumped const dumped = input.watch("printing", [&](VerifyOptions const& watched) {
+        dump_options.walk = watched;
+        if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;
+        return dump(input.root(), input.bytes(), streams.out, dump_options);
+    });
     report_findings(streams.err, input.name(), dumped.findings, dumped.odd_count);
     if (!dumped.found && dumped.answer != Answer::unsafe)
         streams.err << "bradep: "

@@ -28,7 +28,7 @@ std::string described(EncodeError const& error) {
 Exit_Code encode_file(Options const& options, Streams& streams) {
     auto const        name = input_name(options.file);
     Input_Bytes const json(options.file, streams.in);
-    Progress          progress(streams.err, name, json.view().size());
+    Progress          progress(streams.err, name + ", encoding", json.view().size());
     write_seekable(options.output, streams.out, [&](std::ostream& out) {
         Encoded const encoded =
             encode(json.view(), out, {.limits = options.limits, .progress = progress.done()});

@@ -13,7 +13,9 @@ using namespace sml::inspect;
 Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
     auto const        name = input_name(options.file);
     Input_Bytes const input(options.file, streams.in);
-    auto const        candidates = identify(input.view(), options.verify);
+    auto const        candidates =
+        watch(streams.err, name + ", looking for its root", input.view().size(), options.verify,
+              [&](VerifyOptions const& watched) { return identify(input.view(), watched); });
     for (Candidate const& candidate : candidates)
         if (candidate.answer != Answer::unsafe) streams.out << candidate.root->stem << '\n';
     Candidate const& best = candidates.front();

@@ -26,7 +26,7 @@ struct Options : Walk_Options {
 void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
     if (input.bytes().empty())
         throw Damaged_Input(input.name() + ": not a result set: the file is empty");
-    auto const verdict = verify(input.root(), input.bytes(), input.verify());
+    auto const verdict = input.verify();
     if (verdict.answer == Answer::unsafe)
         throw Damaged_Input(input.name() +
                             ": not a result set: " + described(verdict.findings.back()));

@@ -23,7 +23,7 @@ char const* name_of(Answer answer) {
 
 Exit_Code verify_file(Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
-    Verdict const      verdict = verify(input.root(), input.bytes(), input.verify());
+    Verdict const      verdict = input.verify();
     report_findings(streams.err, input.name(), verdict.findings, verdict.odd_count);
     streams.out << printable(input.name()) << ": " << name_of(verdict.answer) << '\n'
                 << "  root      " << input.root().stem << '\n'

@@ -22,7 +22,7 @@ std::string stems_of(std::vector<Candidate> const& candidates) {
 
 }  // namespace
 
-void declare_root_option(CLI::App& app, std::string& stem) {
+void declare_root_option(CLI::App& app, std::optional<std::string>& stem) {
     app.add_option("--root", stem, "The stem of the root, as `bradep roots` lists them")
         ->type_name("STEM");
 }
@@ -81,31 +81,37 @@ void declare_walk_options(CLI::App& app, Walk_Options& options) {
 }
 
 Walked_Input::Walked_Input(Walk_Options const& options, Streams& streams)
-    : name_(input_name(options.file)),
+    : err_(streams.err),
+      name_(input_name(options.file)),
       bytes_(options.file, streams.in),
-      progress_(streams.err, name_, bytes_.view().size()),
-      verify_(options.verify),
-      root_(options.stem.empty() ? nullptr : &root_of(options.stem)) {
-    verify_.progress = progress_.done();
-    if (root_ == nullptr) root_ = choose_root(streams.err);
-}
+      options_(options.verify),
+      root_(options.stem ? &root_of(*options.stem) : choose_root()) {}
 
-Root const* Walked_Input::choose_root(std::ostream& err) const {
-    auto       candidates = identify(bytes(), verify_);
+Root const* Walked_Input::choose_root() const {
+    auto       candidates = watch("looking for its root", [&](VerifyOptions const& watched) {
+        return identify(bytes(), watched);
+    });
     auto const best = candidates.front();
     auto const name = printable(name_);
     if (best.answer == Answer::unsafe) {
-        err << "bradep: " << name << ": fits no root, read as " << best.root->stem
-            << ", which came furthest: to byte " << best.walked << " of " << bytes().size() << '\n';
+        err_ << "bradep: " << name << ": fits no root, read as " << best.root->stem
+             << ", which came furthest: to byte " << best.walked << " of " << bytes().size()
+             << '\n';
         return best.root;
     }
-    err << "bradep: " << name << ": read as " << best.root->stem;
+    err_ << "bradep: " << name << ": read as " << best.root->stem;
     std::erase_if(candidates, [&](Candidate const& other) {
         return other.answer == Answer::unsafe || other.root == best.root;
     });
-    if (!candidates.empty()) err << "; it also fits " << stems_of(candidates);
-    err << '\n';
+    if (!candidates.empty()) err_ << "; it also fits " << stems_of(candidates);
+    err_ << '\n';
     return best.root;
+}
+
+Verdict Walked_Input::verify() const {
+    return watch("verifying", [&](VerifyOptions const& watched) {
+        return sml::inspect::verify(root(), bytes(), watched);
+    });
 }
 
 Root const& root_of(std::string const& stem) {

@@ -1,6 +1,7 @@
 #pragma once
 // What all commands share that look into bytes of unknown origin.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,35 +14,52 @@ namespace bradep {
 
 struct Walk_Options {
     std::string                 file;
-    std::string                 stem;  // empty: to be found out
+    std::optional<std::string>  stem;  // none: to be found out
     sml::inspect::VerifyOptions verify;
 };
 
 // Declares FILE, --root and the limits. Whether and how many findings are told is not asked.
 void declare_walk_options(CLI::App& app, Walk_Options& options);
-void declare_root_option(CLI::App& app, std::string& stem);
+void declare_root_option(CLI::App& app, std::optional<std::string>& stem);
 void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
 void declare_findings_option(CLI::App& app, Walk_Options& options);
 
-// The input of such a command, the root that it is read as, and the line that shows how far it is.
+// The result of `work`, which is given these options and how to tell its progress.
+template <class Work>
+auto watch(std::ostream& err, std::string const& doing, std::uint64_t total,
+           sml::inspect::VerifyOptions options, Work const& work) {
+    Progress progress(err, doing, total);
+    options.progress = progress.done();
+    return work(options);
+}
+
+// The input of such a command and the root that it is read as.
 class Walked_Input {
 public:
     // Without a stem the root is the first that fits, or the one whose walk came furthest; which
     // one, and what else fits, is told on standard error.
     Walked_Input(Walk_Options const& options, Streams& streams);
 
-    std::string const&                 name() const { return name_; }
-    std::string_view                   bytes() const { return bytes_.view(); }
-    sml::inspect::Root const&          root() const { return *root_; }
-    sml::inspect::VerifyOptions const& verify() const { return verify_; }
+    std::string const&        name() const { return name_; }
+    std::string_view          bytes() const { return bytes_.view(); }
+    sml::inspect::Root const& root() const { return *root_; }
+
+    sml::inspect::Verdict verify() const;
+
+    // The result of `work`, which is given options with the limits. A line shows meanwhile what is
+    // done and how far it is.
+    template <class Work>
+    auto watch(char const* doing, Work const& work) const {
+        return bradep::watch(err_, name_ + ", " + doing, bytes().size(), options_, work);
+    }
 
 private:
-    sml::inspect::Root const* choose_root(std::ostream& err) const;
+    sml::inspect::Root const* choose_root() const;
 
+    std::ostream&               err_;
     std::string                 name_;
     Input_Bytes                 bytes_;
-    Progress                    progress_;
-    sml::inspect::VerifyOptions verify_;
+    sml::inspect::VerifyOptions options_;
     sml::inspect::Root const*   root_;
 };
 

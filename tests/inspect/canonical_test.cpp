@@ -158,7 +158,7 @@ TEST(Canonical, RefusesUnsafeBytes) {
     EXPECT_THROW(write_canonical(root, "TT", out), std::invalid_argument);
     EXPECT_THROW(digest(root, ""), std::invalid_argument);
     std::string const deep = word(1) + told(1, "a") + word(0);
-    EXPECT_THROW(digest(*find_root("String_To_StringSet_T"), deep, {.depth = 1}),
+    EXPECT_THROW(digest(*find_root("String_To_StringSet_T"), deep, {.limits = {.depth = 1}}),
                  std::invalid_argument);
 }
 

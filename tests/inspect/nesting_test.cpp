@@ -284,7 +284,7 @@ TEST(Nesting, WalksBearTheLargestLimitOnEightMegabytes) {
             EXPECT_FALSE(encode(json.view(), again, {.limits = limits}).error);
             EXPECT_TRUE(!is_good || again.view() == bytes);
             std::ostringstream canonical;
-            write_canonical(*loop.root, bytes, canonical, limits);
+            write_canonical(*loop.root, bytes, canonical, {.limits = limits});
             EXPECT_EQ(canonical.view().size(), bytes.size());
         });
     }

@@ -36,6 +36,7 @@ int report(std::ostream& err, Exit_Code code, std::string const& what) {
 
 // Standard output can be a full disk, too.
 void finish(std::ostream& out) {
+    if (!out) throw Io_Failure("cannot write standard output");  // the reason is long gone
     errno = 0;
     if (!out.flush())
         throw Io_Failure(std::string("cannot write standard output: ") +

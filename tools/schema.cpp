@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iomanip>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 #include "errors.hpp"
@@ -16,21 +17,21 @@ namespace {
 using namespace sml::inspect;
 
 struct Options {
-    std::string stem;
-    std::string old_file;
+    std::optional<std::string> stem;
+    std::optional<std::string> old_file;
 };
 
 std::span<Root const> chosen_roots(Options const& options) {
-    if (options.stem.empty()) return roots();
-    return {&root_of(options.stem), 1};
+    if (!options.stem) return roots();
+    return {&root_of(*options.stem), 1};
 }
 
 Exit_Code print_diff(Options const& options, Streams& streams) {
-    auto const         name = input_name(options.old_file);
+    auto const         name = input_name(*options.old_file);
     std::ostringstream current;
     write_schema(roots(), current);
     json_input::Document const now(current.view(), "schema");
-    auto const                 old_text = read_input(options.old_file, streams.in);
+    auto const                 old_text = read_input(*options.old_file, streams.in);
     json_input::Document const old(old_text, name);
     try {
         auto const changes = breaking_changes(old.root(), now.root());
@@ -69,7 +70,7 @@ Action declare_schema(CLI::App& app) {
         "A root's digest changes when its wire form does. With --diff the exit code is 1 when\n"
         "something breaks.\n");
     return [options](Streams& streams) {
-        if (!options->old_file.empty()) return print_diff(*options, streams);
+        if (options->old_file) return print_diff(*options, streams);
         write_schema(chosen_roots(*options), streams.out);
         return exit_done;
     };

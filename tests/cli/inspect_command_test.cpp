@@ -54,6 +54,12 @@ TEST(VerifyCommand, GoodBytesAreCodeZeroAndTheirFigures) {
                    "");
 }
 
+TEST(VerifyCommand, EmptyStemIsNoRoot) {
+    auto const outcome = run_command({"verify", "--root", "", "-"}, "x");
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(contains(outcome.err, "no root is called ")) << outcome.err;
+}
+
 TEST(VerifyCommand, OddBytesAreCodeZeroAndCodeOneWhenStrict) {
     auto const odd = run_command({"verify", "--root", "Answers_Context", "-"}, "x");
     EXPECT_EQ(odd.code, 0);
@@ -377,6 +383,7 @@ TEST(SchemaCommand, DiffWithItselfFindsNothing) {
     EXPECT_EQ(printed.err, "");
     write_bytes(file, printed.out);
     expect_outcome(run_command({"schema", "--diff", file}), 0, "", "");
+    EXPECT_EQ(run_command({"schema", "--diff", ""}).code, 2);
     expect_outcome(run_command({"schema", "--diff", "-"}, printed.out), 0, "", "");
 }
 

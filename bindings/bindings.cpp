@@ -18,9 +18,9 @@ void read_bytes(T& value, char const* bytes) {
 
 template <class T>
 std::string const& write_bytes(T const& value) {
-    StringOArchive archive;
+    StringOArchive archive(shared_result);
     core::Writer{archive}(value);
-    shared_result = archive.take();
+    archive.finish();
     return shared_result;
 }
 
@@ -28,6 +28,7 @@ template <class T>
 void write_stream(T const& value, std::ostream& stream) {
     StreamOArchive archive(stream);
     core::Writer{archive}(value);
+    archive.finish();
 }
 
 template <class T>

@@ -44,6 +44,14 @@ concept Fielded = requires {
     T::field_names();
 };
 
+template <class... T>
+struct Types {};
+
+/// The types of the parts of a fielded class.
+template <class T>
+using FieldTypes = decltype(std::declval<T&>().with_fields(
+    [](auto&... field) { return Types<std::remove_reference_t<decltype(field)>...>{}; }));
+
 /// Has members of its own for the wire form and, mostly, for comparison.
 template <class T>
 concept Serialized = requires(T& value, StringOArchive& archive) {

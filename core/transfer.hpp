@@ -2,13 +2,58 @@
 // The wire form. Each of its rules stands in exactly one function here.
 
 #include "core/archives.hpp"
+#include "core/get_numbers.hpp"
 #include "core/kinds.hpp"
+#include "core/put_numbers.hpp"
+#include "core/read_ahead.hpp"
 #include "core/text_blocks.hpp"
+
+#include <algorithm>
 
 namespace sml::core {
 
 constexpr char flag_true = 'T';
 constexpr char flag_false = 'F';
+
+/// The most bytes that a value takes between the places where room is asked for: behind texts, and
+/// around what stands in a container or a box.
+template <class T>
+constexpr std::size_t longest_run = 4;  // of what asks for room: the size of a container or a text
+
+template <class... T>
+constexpr std::size_t longest_run<Types<T...>> = (std::size_t{0} + ... + longest_run<T>);
+template <class... T>
+constexpr std::size_t longest_run<std::pair<T...>> = longest_run<Types<T...>>;
+template <class... T>
+constexpr std::size_t longest_run<std::tuple<T...>> = longest_run<Types<T...>>;
+template <class T>
+constexpr std::size_t longest_run<T const> = longest_run<T>;
+template <>
+inline constexpr std::size_t longest_run<void> = 0;
+template <Word T>
+constexpr std::size_t longest_run<T> = sizeof(T);
+template <>
+inline constexpr std::size_t longest_run<BigInteger> = longest_number;
+template <>
+inline constexpr std::size_t longest_run<zelvanite::IEEE754Float> = longest_number;
+template <>
+inline constexpr std::size_t longest_run<Strings_T> = 8;
+template <class T>
+constexpr std::size_t longest_run<Box<T>> = 0;
+template <class T>
+constexpr std::size_t longest_run<std::optional<T>> = 1 + longest_run<T>;
+template <FlagArray T>
+constexpr std::size_t longest_run<T> = std::tuple_size_v<T>;
+template <Fielded T>
+constexpr std::size_t longest_run<T> = longest_run<FieldTypes<T>>;
+
+template <class Variant, std::int32_t... Index>
+constexpr std::size_t longest_arm(std::integer_sequence<std::int32_t, Index...>) {
+    return std::max({longest_run<typename Variant::arms::template payload<Index>>...});
+}
+template <HashedVariant T>
+constexpr std::size_t longest_run<T> =
+    4 + longest_arm<T>(std::make_integer_sequence<std::int32_t, T::arms::count>());
 
 /// Writes values to one archive.
 template <class Archive>
@@ -22,16 +67,38 @@ public:
     }
 
 private:
+    /// What stands on its own: an element of a container, a boxed value.
+    template <class T>
+    void write_with_room(T const& value) {
+        static_assert(longest_run<T> <= room_ahead);
+        archive_.make_room();
+        (*this)(value);
+    }
+
     template <Word T>
     void write(T value) {
-        archive_.put(&value, sizeof value);
+        archive_.put(value);
     }
 
     void write(bool value) { archive_.put_flag(value ? flag_true : flag_false); }
-    void write(double value) { write(text_of(value)); }
-    void write(BigInteger const& value) { write(text_of(value)); }
+
+    void write(double value) {
+        std::string const text = text_of(value);
+        put_block(text.data(), text.size());
+    }
+
+    void write(BigInteger const& value) {
+        char* const at = archive_.room.at;
+        if (char* const next = put_integer(at, value))
+            return archive_.have_put(at + sizeof(std::int32_t), next);
+        std::string const text = text_of(value);
+        put_block(text.data(), text.size());
+    }
 
     void write(zelvanite::IEEE754Float const& value) {
+        archive_.float_range.touch(value.width);
+        if (char* const next = put_float(archive_.room.at, value))
+            return archive_.have_put(next - sizeof(std::int32_t), next);
         FloatText const text(value);
         put_block(text.data(), text.size());
         write(static_cast<std::int32_t>(value.width));
@@ -40,11 +107,9 @@ private:
     void write(std::string const& text) { put_block(text.data(), text.size()); }
 
     void write(Strings_T const& handle) {
-        std::int32_t const count = archive_.string_count;
-        auto const [known, inserted] = archive_.string_ids.try_emplace(handle, count + 1);
-        if (!inserted) return write(known->second);
-        archive_.string_count = count + 1;
-        write(~count);
+        std::int32_t const known = archive_.string_ids.find_or_add(handle);
+        if (known != 0) return write(known);
+        write(-static_cast<std::int32_t>(archive_.string_ids.size()));
         write(handle.str());
     }
 
@@ -56,14 +121,16 @@ private:
 
     template <Boxed T>
     void write(T const& value) {
-        (*this)(*value);
+        write_with_room(*value);
+        archive_.make_room();
     }
 
     template <class T>
         requires List<T> || Set<T> || Map<T>
     void write(T const& container) {
         write(static_cast<std::int32_t>(container.size()));
-        for (auto const& element : container) (*this)(element);
+        for_each_ahead(container, [this](auto const& element) { write_with_room(element); });
+        archive_.make_room();
     }
 
     template <PairOrTuple T>
@@ -90,7 +157,7 @@ private:
         // The size goes out as its low 32 bits.
         void put_block(char const* bytes, std::size_t size) {
             write(static_cast<std::int32_t>(size));
-            archive_.put(bytes, size);
+            archive_.put_long(bytes, size);
         }
 
         Archive& archive_;
@@ -116,15 +183,34 @@ private:
     // Required: every byte but 'T' is false.
     void read(bool& value) { value = archive_.get_flag() == flag_true; }
 
-    void read(double& value) { value = double_of(get_block()); }
-    void read(BigInteger& value) { parse(get_block(), value); }
+    void read(double& value) {
+        value = double_of(get_block(archive_.template get_word<std::int32_t>()));
+    }
+    void read(BigInteger& value) {
+        auto const length = archive_.template get_word<std::int32_t>();
+        if (char const* const block = archive_.view(length)) {
+            if (take_integer(block, static_cast<std::size_t>(length), value))
+                return archive_.skip(length);
+        }
+        parse(get_block(length), value);
+    }
 
     // The width stands behind the text but decides how it is parsed.
     void read(zelvanite::IEEE754Float& value) {
-        TextBlock const text = get_block();
-        auto const      width = archive_.template get_word<std::int32_t>();
-        value.width = static_cast<std::uint64_t>(static_cast<std::int64_t>(width));
+        constexpr std::int32_t width_size = sizeof(std::int32_t);
+        auto const             length = archive_.template get_word<std::int32_t>();
+        if (char const* const block = archive_.view(length, width_size)) {
+            set_width(value, core::word_at<std::int32_t>(block + length));
+            if (take_float(block, static_cast<std::size_t>(length), value))
+                return archive_.skip(length, width_size);
+        }
+        TextBlock const text = get_block(length);
+        set_width(value, archive_.template get_word<std::int32_t>());
         parse(text, value);
+    }
+
+    static void set_width(zelvanite::IEEE754Float& value, std::int32_t width) {
+        value.width = static_cast<std::uint64_t>(static_cast<std::int64_t>(width));
     }
 
     // A negative length becomes a huge size; `assign` throws the required length error.
@@ -138,14 +224,14 @@ private:
     void read(Strings_T& handle) {
         auto const word = archive_.template get_word<std::int32_t>();
         if (word >= 1) {
-            handle = archive_.strings_by_id[word];
+            handle = archive_.strings_by_id.at(word);
             return;
         }
         std::string text;
         read(text);
         handle = text;
         auto const id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
-        archive_.strings_by_id.try_emplace(id, handle);
+        archive_.strings_by_id.give(id, handle);
     }
 
     template <Optional T>
@@ -243,9 +329,8 @@ private:
             value.serialize(archive_, 0);
         }
 
-        TextBlock get_block() {
-            auto const length = archive_.template get_word<std::int32_t>();
-            TextBlock  text = make_block(length);
+        TextBlock get_block(std::int32_t length) {
+            TextBlock text = make_block(length);
             archive_.get(text.get(), length);
             return text;
         }

@@ -22,13 +22,8 @@ consteval std::string_view name_of() {
     return function.substr(start, function.find_first_of(";]", start) - start);
 }
 
-template <class... T>
-struct Types {};
-
-/// The types of the parts of a fielded class.
-template <class T>
-using FieldTypes = decltype(std::declval<T&>().with_fields(
-    [](auto&... field) { return Types<std::remove_reference_t<decltype(field)>...>{}; }));
+using core::FieldTypes;
+using core::Types;
 
 /// Holds the descriptor of a type. Naming its address asks for no more than this declaration, which
 /// is what lets a type hold its own kind.

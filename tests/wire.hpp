@@ -52,9 +52,11 @@ inline std::string hex(std::string_view bytes) {
 
 template <class T>
 std::string write(T const& value) {
-    sml::StringOArchive archive;
+    std::string         bytes;
+    sml::StringOArchive archive(bytes);
     sml::core::Writer{archive}(value);
-    return archive.take();
+    archive.finish();
+    return bytes;
 }
 
 template <class T>
@@ -62,6 +64,7 @@ std::string write_to_stream(T const& value) {
     std::ostringstream  stream;
     sml::StreamOArchive archive(stream);
     sml::core::Writer{archive}(value);
+    archive.finish();
     return stream.str();
 }
 

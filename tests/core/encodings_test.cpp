@@ -174,16 +174,12 @@ TEST(Archives, AreFourPlainClasses) {
 }
 
 TEST(Archives, BeginWithEmptyTables) {
-    sml::StringOArchive const writing;
-    EXPECT_EQ(writing.string_count, 0);
-    EXPECT_TRUE(writing.string_ids.empty());
-    EXPECT_EQ(writing.string_ids.bucket_count(), 1u);
-    EXPECT_EQ(writing.string_ids.max_load_factor(), 1.0f);
+    std::string               bytes;
+    sml::StringOArchive const writing(bytes);
+    EXPECT_EQ(writing.string_ids.size(), 0u);
 
     sml::StringIArchive const reading("");
-    EXPECT_TRUE(reading.strings_by_id.empty());
-    EXPECT_EQ(reading.strings_by_id.bucket_count(), 1u);
-    EXPECT_EQ(reading.strings_by_id.max_load_factor(), 1.0f);
+    EXPECT_EQ(reading.strings_by_id.size(), 0u);
 }
 
 }  // namespace

@@ -108,6 +108,7 @@ template <class T>
 std::string write_to(std::ostringstream& stream, T const& value) {
     sml::StreamOArchive archive(stream);
     sml::core::Writer{archive}(value);
+    archive.finish();
     return stream.str();
 }
 
@@ -156,6 +157,7 @@ TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
     {
         sml::StreamOArchive archive(stream);
         sml::core::Writer{archive}(one_of_everything());
+        archive.finish();
         EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
     }
     EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
@@ -168,7 +170,8 @@ TEST(StreamWriter, IgnoresAStreamThatTakesNoMore) {
     std::ostream stream(&sink);
     {
         sml::StreamOArchive archive(stream);
-        EXPECT_NO_THROW(sml::core::Writer{archive}(one_of_everything()));
+        sml::core::Writer{archive}(one_of_everything());
+        EXPECT_NO_THROW(archive.finish());
     }
     EXPECT_TRUE(stream.bad());
     EXPECT_EQ(sink.bytes.size(), 6u);
@@ -183,6 +186,7 @@ TEST(StreamWriter, LetsTheStreamsExceptionPass) {
         {
             sml::StreamOArchive archive(stream);
             sml::core::Writer{archive}(std::tuple(Strings_T("streams: lost"), int32{1}));
+            archive.finish();
         },
         std::ios_base::failure);
     EXPECT_EQ(string_table::size(), before);
@@ -193,10 +197,12 @@ TEST(StreamWriter, LetsTheBuffersExceptionPassWhereTheStreamDoes) {
     std::ostream stream(&broken);
     stream.exceptions(std::ios::badbit);
     sml::StreamOArchive archive(stream);
-    EXPECT_THROW(sml::core::Writer{archive}(int32{1}), BrokenLine);
+    sml::core::Writer{archive}(int32{1});
+    EXPECT_THROW(archive.finish(), BrokenLine);
     stream.exceptions(std::ios::goodbit);
     stream.clear();
-    EXPECT_NO_THROW(sml::core::Writer{archive}(int32{1}));
+    sml::core::Writer{archive}(int32{1});
+    EXPECT_NO_THROW(archive.finish());
 }
 
 TEST(StreamReader, SkipsWhiteSpaceBeforeAFlag) {

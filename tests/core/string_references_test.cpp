@@ -187,7 +187,8 @@ TEST(StringReference, ReaderPinsItsStringsUntilItEnds) {
 
 TEST(StringReference, WriterPinsItsStringsUntilItEnds) {
     {
-        sml::StringOArchive archive;
+        std::string         bytes;
+        sml::StringOArchive archive(bytes);
         Strings_T           handle("references: written");
         sml::core::Writer{archive}(handle);
         EXPECT_EQ(count_of("references: written"), 2u);
@@ -196,7 +197,8 @@ TEST(StringReference, WriterPinsItsStringsUntilItEnds) {
 
         // Interned anew it is still the string of id 1.
         sml::core::Writer{archive}(Strings_T("references: written"));
-        EXPECT_TRUE(archive.take().ends_with(wire::bytes("01 00 00 00")));
+        archive.finish();
+        EXPECT_TRUE(bytes.ends_with(wire::bytes("01 00 00 00")));
     }
     EXPECT_EQ(entry_of("references: written"), nullptr);
 }

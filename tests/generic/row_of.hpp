@@ -325,14 +325,17 @@ Row Functions<T>::row(char const* name) {
         .to_string = nullptr,
         .write =
             [](void const* object) {
-                sml::StringOArchive archive;
+                std::string         bytes;
+                sml::StringOArchive archive(bytes);
                 static_cast<T*>(const_cast<void*>(object))->serialize(archive, 0);
-                return archive.take();
+                archive.finish();
+                return bytes;
             },
         .write_to_stream =
             [](void const* object, std::ostream& stream) {
                 sml::StreamOArchive archive(stream);
                 static_cast<T*>(const_cast<void*>(object))->serialize(archive, 0);
+                archive.finish();
             },
         .read =
             [](void* object, char const* bytes) {

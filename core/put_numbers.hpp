@@ -1,0 +1,21 @@
+#pragma once
+// Big integers and floats as text, straight from their limbs. What is not told here goes the plain
+// way of `core/text_blocks.hpp`, which gives the same bytes.
+
+#include "core/big_integer.hpp"
+#include "core/ieee754_float.hpp"
+
+namespace sml::core {
+
+/// The most bytes that either function writes, or overwrites behind what it writes.
+constexpr std::size_t longest_number = 128;
+
+/// Writes the block of an integer of few limbs; gives where the next byte goes, null for a larger
+/// one.
+char* put_integer(char* at, BigInteger const& value) noexcept;
+
+/// Writes the block of a finite float other than 0 in a format that has it; gives where the next
+/// byte goes, null for another one.
+char* put_float(char* at, zelvanite::IEEE754Float const& value) noexcept;
+
+}  // namespace sml::core

@@ -1,0 +1,29 @@
+#pragma once
+// Walking the nodes of a container while the memory fetches those to come. The nodes of a graph are
+// scattered, so that waiting for them would take longer than all else.
+
+#include <cstddef>
+#include <iterator>
+
+namespace sml::core {
+
+/// Asks for the memory of an object.
+template <class T>
+inline void prefetch(T const& object) noexcept {
+    constexpr std::size_t line = 64;
+    auto const* const     bytes = reinterpret_cast<char const*>(&object);
+    for (std::size_t i = 0; i < sizeof(T); i += line) __builtin_prefetch(bytes + i);
+}
+
+/// Calls `use` with each element in turn, while the next one is on its way.
+template <class Container, class Use>
+void for_each_ahead(Container const& container, Use&& use) {
+    auto const end = container.end();
+    for (auto next = container.begin(); next != end;) {
+        auto const& element = *next;
+        if (++next != end) prefetch(*next);
+        use(element);
+    }
+}
+
+}  // namespace sml::core

@@ -1,0 +1,81 @@
+#pragma once
+// The ids of the strings of one root object.
+
+#include "core/Strings.hpp"
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace sml::core {
+
+/// Handles to ids from 1 on, in the order in which they are met. Pins each of them.
+class IdsByString {
+public:
+    /// The id of the handle; 0 when it is met for the first time, and it gets the next one.
+    std::int32_t find_or_add(Strings_T const& handle) {
+        void const* const key = key_of(handle);
+        for (std::size_t i = slot_of(key);; i = (i + 1) & mask_) {
+            Slot& slot = slots_[i];
+            if (slot.key == key && slot.id != 0) return slot.id;
+            if (slot.id == 0) return add(handle, slot);
+        }
+    }
+
+    std::size_t size() const noexcept { return pinned_.size(); }
+
+private:
+    struct Slot {
+        void const*  key;
+        std::int32_t id;  // 0 where the slot is free
+    };
+
+    static constexpr std::size_t first_size = 64;
+
+    /// Handles are equal when their entries are, and an entry's address is that of its text.
+    static void const* key_of(Strings_T const& handle) noexcept { return &handle.str(); }
+
+    /// Multiplied so that the high bits, which choose the slot, depend on all of the address.
+    std::size_t slot_of(void const* key) const noexcept {
+        constexpr std::uint64_t factor = 0x9e3779b97f4a7c15;
+        return reinterpret_cast<std::uintptr_t>(key) * factor >> shift_;
+    }
+
+    std::int32_t add(Strings_T const& handle, Slot& slot);
+    void         grow();
+
+    Slot                    first_slots_[first_size]{};
+    std::unique_ptr<Slot[]> grown_slots_;
+    Slot*                   slots_ = first_slots_;
+    std::size_t             mask_ = first_size - 1;
+    int                     shift_ = 64 - std::countr_zero(first_size);
+    std::vector<Strings_T>  pinned_;  // by id, from 1 on
+};
+
+/// Strings by id. An id keeps what it was given first; one that is asked for before it was given
+/// has been given the null handle thereby.
+class StringsById {
+public:
+    Strings_T const& at(std::int32_t id) {
+        auto const index = static_cast<std::size_t>(id) - 1;
+        return index < in_turn_.size() ? in_turn_[index] : others_[id];
+    }
+
+    void give(std::int32_t id, Strings_T const& handle) {
+        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty())
+            in_turn_.push_back(handle);
+        else if (id < 1 || static_cast<std::size_t>(id) > in_turn_.size())
+            others_.try_emplace(id, handle);
+    }
+
+    std::size_t size() const noexcept { return in_turn_.size() + others_.size(); }
+
+private:
+    std::vector<Strings_T>                      in_turn_;  // ids from 1 on, given in their turn
+    std::unordered_map<std::int32_t, Strings_T> others_;
+};
+
+}  // namespace sml::core

@@ -1,0 +1,36 @@
+#pragma once
+// Every root as the library and as the plain reference carries it.
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace plain_test {
+
+using Object = std::shared_ptr<void>;
+
+struct Root {
+    std::string_view stem;
+    Object (*make)();
+    /// The value that this seed gives, with so many elements in a container at most.
+    Object (*random)(std::uint64_t seed, int elements);
+
+    std::string (*write)(void const* value);
+    void (*read)(void* value, char const* bytes);
+    void (*write_to)(void const* value, std::ostream& stream);
+    void (*read_from)(void* value, std::istream& stream);
+
+    std::string (*plain_write)(void const* value);
+    void (*plain_read)(void* value, char const* bytes);
+    void (*plain_write_to)(void const* value, std::ostream& stream);
+    void (*plain_read_from)(void* value, std::istream& stream);
+};
+
+std::vector<Root> const& roots();
+
+}  // namespace plain_test

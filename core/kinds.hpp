@@ -52,6 +52,12 @@ template <class T>
 using FieldTypes = decltype(std::declval<T&>().with_fields(
     [](auto&... field) { return Types<std::remove_reference_t<decltype(field)>...>{}; }));
 
+/// The types of the parts of a pair or tuple, as the type of what this would return.
+template <class... T>
+Types<T...> parts_of(std::pair<T...> const&);
+template <class... T>
+Types<T...> parts_of(std::tuple<T...> const&);
+
 /// Has members of its own for the wire form and, mostly, for comparison.
 template <class T>
 concept Serialized = requires(T& value, StringOArchive& archive) {

@@ -15,45 +15,45 @@ namespace sml::core {
 constexpr char flag_true = 'T';
 constexpr char flag_false = 'F';
 
+template <class T>
+consteval std::size_t longest_run();
+
+template <class... T>
+consteval std::size_t longest_run_of_all(Types<T...>) {
+    return (std::size_t{0} + ... + longest_run<std::remove_const_t<T>>());
+}
+
+template <class V, std::int32_t... Tag>
+consteval std::size_t longest_run_of_arms(std::integer_sequence<std::int32_t, Tag...>) {
+    return std::max({longest_run<typename V::arms::template payload<Tag>>()...});
+}
+
 /// The most bytes that a value takes between the places where room is asked for: behind texts, and
 /// around what stands in a container or a box.
 template <class T>
-constexpr std::size_t longest_run = 4;  // of what asks for room: the size of a container or a text
-
-template <class... T>
-constexpr std::size_t longest_run<Types<T...>> = (std::size_t{0} + ... + longest_run<T>);
-template <class... T>
-constexpr std::size_t longest_run<std::pair<T...>> = longest_run<Types<T...>>;
-template <class... T>
-constexpr std::size_t longest_run<std::tuple<T...>> = longest_run<Types<T...>>;
-template <class T>
-constexpr std::size_t longest_run<T const> = longest_run<T>;
-template <>
-inline constexpr std::size_t longest_run<void> = 0;
-template <Word T>
-constexpr std::size_t longest_run<T> = sizeof(T);
-template <>
-inline constexpr std::size_t longest_run<BigInteger> = longest_number;
-template <>
-inline constexpr std::size_t longest_run<zelvanite::IEEE754Float> = longest_number;
-template <>
-inline constexpr std::size_t longest_run<Strings_T> = 8;
-template <class T>
-constexpr std::size_t longest_run<Box<T>> = 0;
-template <class T>
-constexpr std::size_t longest_run<std::optional<T>> = 1 + longest_run<T>;
-template <FlagArray T>
-constexpr std::size_t longest_run<T> = std::tuple_size_v<T>;
-template <Fielded T>
-constexpr std::size_t longest_run<T> = longest_run<FieldTypes<T>>;
-
-template <class Variant, std::int32_t... Index>
-constexpr std::size_t longest_arm(std::integer_sequence<std::int32_t, Index...>) {
-    return std::max({longest_run<typename Variant::arms::template payload<Index>>...});
+consteval std::size_t longest_run() {
+    if constexpr (std::is_void_v<T> || Boxed<T>)
+        return 0;
+    else if constexpr (Word<T> || std::is_same_v<T, bool>)
+        return sizeof(T);
+    else if constexpr (std::is_same_v<T, BigInteger> || std::is_same_v<T, zelvanite::IEEE754Float>)
+        return longest_number;
+    else if constexpr (std::is_same_v<T, Strings_T>)
+        return 8;
+    else if constexpr (Leaf<T> || List<T> || Set<T> || Map<T>)
+        return 4;
+    else if constexpr (Optional<T>)
+        return 1 + longest_run<typename T::value_type>();
+    else if constexpr (PairOrTuple<T>)
+        return longest_run_of_all(decltype(parts_of(std::declval<T>())){});
+    else if constexpr (FlagArray<T>)
+        return std::tuple_size_v<T>;
+    else if constexpr (Fielded<T>)
+        return longest_run_of_all(FieldTypes<T>{});
+    else
+        return 4 +
+               longest_run_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
 }
-template <HashedVariant T>
-constexpr std::size_t longest_run<T> =
-    4 + longest_arm<T>(std::make_integer_sequence<std::int32_t, T::arms::count>());
 
 /// Writes values to one archive.
 template <class Archive>
@@ -70,7 +70,7 @@ private:
     /// What stands on its own: an element of a container, a boxed value.
     template <class T>
     void write_with_room(T const& value) {
-        static_assert(longest_run<T> <= room_ahead);
+        static_assert(longest_run<T>() <= room_ahead);
         archive_.make_room();
         (*this)(value);
     }
@@ -129,7 +129,7 @@ private:
         requires List<T> || Set<T> || Map<T>
     void write(T const& container) {
         write(static_cast<std::int32_t>(container.size()));
-        for_each_ahead(container, [this](auto const& element) { write_with_room(element); });
+        for_each_ahead(container, [this](auto const& element) { this->write_with_room(element); });
         archive_.make_room();
     }
 

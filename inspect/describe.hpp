@@ -23,6 +23,7 @@ consteval std::string_view name_of() {
 }
 
 using core::FieldTypes;
+using core::parts_of;
 using core::Types;
 
 /// Holds the descriptor of a type. Naming its address asks for no more than this declaration, which
@@ -60,11 +61,6 @@ consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, I
     else
         return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
 }
-
-template <class... T>
-Types<T...> parts_of(std::pair<T...> const&);
-template <class... T>
-Types<T...> parts_of(std::tuple<T...> const&);
 
 template <class T>
 consteval std::uint32_t least_size() {

@@ -99,7 +99,7 @@ TEST(PlainRoots, CarryLargeValuesAlike) {
             root.stem != "String_To_StringSet_T")
             continue;
         for (int i = count(3, 50); i > 0 && !HasFailure(); --i) {
-            Object const      value = root.random(engine(), 40);
+            Object const      value = root.random(engine(), 30);
             std::string const bytes = root.write(value.get());
             EXPECT_TRUE(bytes == root.plain_write(value.get())) << root.stem;
             expect_read_alike(root, bytes);

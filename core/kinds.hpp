@@ -47,10 +47,16 @@ concept Fielded = requires {
 template <class... T>
 struct Types {};
 
+struct TypesOf {
+    template <class... T>
+    constexpr Types<T...> operator()(T&...) const {
+        return {};
+    }
+};
+
 /// The types of the parts of a fielded class.
 template <class T>
-using FieldTypes = decltype(std::declval<T&>().with_fields(
-    [](auto&... field) { return Types<std::remove_reference_t<decltype(field)>...>{}; }));
+using FieldTypes = decltype(std::declval<T&>().with_fields(TypesOf{}));
 
 /// The types of the parts of a pair or tuple, as the type of what this would return.
 template <class... T>

@@ -30,7 +30,7 @@ struct Hexadecimal {
         if (count >= 8) {
             std::uint64_t first = load<std::uint64_t>(at);
             std::uint64_t last = load<std::uint64_t>(at + count - 8);
-            if (!(are_digits(first) & are_digits(last))) return false;
+            if (!are_digits(first) || !are_digits(last)) return false;
             word = gathered(first) << 4 * (count - 8) | gathered(last);
             return true;
         }

@@ -3,6 +3,7 @@
 // an element's `<` in other directions than required, and `x < x` holds for some elements.
 
 #include "core/kinds.hpp"
+#include "core/read_ahead.hpp"
 
 namespace sml::core {
 
@@ -18,6 +19,8 @@ struct Comparison {
     static bool equal(T const& a, T const& b) {
         if constexpr (Fielded<T> && !Serialized<T>)
             return equal_fields(a, b);
+        else if constexpr (HashMap<T>)
+            return equal_tables(a, b);
         else
             return a == b;
     }
@@ -27,6 +30,32 @@ struct Comparison {
         return a.with_fields([&](auto const&... left) {
             return b.with_fields([&](auto const&... right) { return (equal(left, right) && ...); });
         });
+    }
+
+    /// What the containers' own `==` gives, with the entries to come on their way: the next one of
+    /// `a` and its counterpart, and the one behind it.
+    template <HashMap T>
+    static bool equal_tables(T const& a, T const& b) {
+        if (a.size() != b.size()) return false;
+        auto const end = a.end();
+        auto       behind = a.begin();
+        auto       next = behind;
+        auto       counterpart = b.end();
+        auto const step = [&] {
+            next = behind;
+            if (behind != end && ++behind != end) prefetch(*behind);
+            if (next == end) return;
+            counterpart = b.find(next->first);
+            if (counterpart != b.end()) prefetch(*counterpart);
+        };
+        for (step(); next != end;) {
+            auto const& entry = *next;
+            auto const  other = counterpart;
+            if (other == b.end()) return false;
+            step();
+            if (!equal(entry.second, other->second)) return false;
+        }
+        return true;
     }
 
     template <class T>

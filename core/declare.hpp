@@ -150,12 +150,6 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
         visit_payload(use, std::make_integer_sequence<std::int32_t, arms::count>());           \
     }                                                                                          \
                                                                                                \
-    /* The same for a payload that has been built. */                                          \
-    template <class Use>                                                                       \
-    void visit_built_payload(Use&& use) const {                                                \
-        if (alive_ >= 0 && alive_ == arms::serving(tag)) visit_payload(use);                   \
-    }                                                                                          \
-                                                                                               \
 private:                                                                                       \
     friend struct ::sml::core::VariantAccess;                                                  \
                                                                                                \

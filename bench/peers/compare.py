@@ -10,7 +10,7 @@ import statistics
 import subprocess
 import sys
 
-PEERS = ["plain", "library", "cereal", "boost"]
+PEERS = ["plain", "library", "cereal", "boost", "protobuf"]
 
 
 def main(program, checks="10000", repetitions="3", rounds="9"):

@@ -22,5 +22,6 @@ Peer library();
 Peer plain_reference();
 Peer cereal_binary();
 Peer boost_binary();
+Peer protobuf();
 
 }  // namespace peers

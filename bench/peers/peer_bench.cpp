@@ -62,7 +62,7 @@ void run(Peer const& peer, std::size_t checks, int rounds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    Peer const all[] = {library(), plain_reference(), cereal_binary(), boost_binary()};
+    Peer const all[] = {library(), plain_reference(), cereal_binary(), boost_binary(), protobuf()};
     if (argc == 4) {
         for (Peer const& peer : all) {
             if (std::string_view(peer.name) != argv[1]) continue;

@@ -19,7 +19,7 @@ void read_bytes(T& value, char const* bytes) {
 template <class T>
 std::string const& write_bytes(T const& value) {
     StringOArchive archive(shared_result);
-    core::Writer{archive}(value);
+    core::Writer{archive}.write_with_room(value);
     archive.finish();
     return shared_result;
 }
@@ -27,7 +27,7 @@ std::string const& write_bytes(T const& value) {
 template <class T>
 void write_stream(T const& value, std::ostream& stream) {
     StreamOArchive archive(stream);
-    core::Writer{archive}(value);
+    core::Writer{archive}.write_with_room(value);
     archive.finish();
 }
 

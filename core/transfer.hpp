@@ -66,8 +66,7 @@ public:
         if constexpr (WireForm<T>::exists) write(value);
     }
 
-private:
-    /// What stands on its own: an element of a container, a boxed value.
+    /// What stands on its own: a root, an element of a container, a boxed value.
     template <class T>
     void write_with_room(T const& value) {
         static_assert(longest_run<T>() <= room_ahead);
@@ -75,6 +74,7 @@ private:
         (*this)(value);
     }
 
+private:
     template <Word T>
     void write(T value) {
         archive_.put(value);

@@ -173,10 +173,6 @@ void StringOArchive::finish() {
         chunk.bytes.reset();
     }
     chunks_.clear();
-
-    // The memory of a result before that was far larger goes back.
-    constexpr std::size_t kept = std::size_t{1} << 20;
-    if (result_.capacity() / 4 > result_.size() + kept) result_.shrink_to_fit();
 }
 
 }  // namespace sml

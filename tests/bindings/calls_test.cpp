@@ -88,12 +88,12 @@ TEST(SharedResult, StaysUntilTheNextCall) {
     EXPECT_EQ(wire::hex(result), "07 00 00 00 ");
 }
 
-TEST(SharedResult, GivesBackTheMemoryOfAFarLargerOne) {
-    std::size_t const large = 20'000'000;
+TEST(SharedResult, GivesBackTheMemoryOfALargeOne) {
+    std::size_t const large = 70'000'000;
     StringSets        sets;
     sets[Strings_T(std::string(large, 'x'))];
     EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), large);
-    EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
+    for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
 }
 
 TEST(SharedResult, MayBeReadWhereItStands) {

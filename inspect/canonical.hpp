@@ -29,6 +29,7 @@ SML_API void write_canonical(Root const& root, std::string_view bytes, std::ostr
                              CanonOptions const& options = {});
 
 /// The SHA-256 of the canonical bytes, as 64 hexadecimal digits in lower case.
-SML_API std::string digest(Root const& root, std::string_view bytes, CanonOptions const& options = {});
+SML_API std::string digest(Root const& root, std::string_view bytes,
+                           CanonOptions const& options = {});
 
 }  // namespace sml::inspect

@@ -7,7 +7,7 @@
 #include "bindings/bindings.hpp"
 
 #include <unistd.h>
-#include <cstdio>
+
 #include <filesystem>
 #include <fstream>
 #include <optional>

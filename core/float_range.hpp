@@ -1,5 +1,5 @@
 #pragma once
-// MPFR's exponent range, which every float that is written or read sets anew.
+// MPFR's exponent range, which every float that is written sets anew.
 
 #include "core/ieee754_float.hpp"
 

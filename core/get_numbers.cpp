@@ -2,6 +2,7 @@
 
 #include "core/hexadecimal.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <clocale>
 #include <cstdint>
@@ -18,7 +19,7 @@ bool point_is_dot() noexcept {
     return point[0] == '.' && point[1] == '\0';
 }
 
-/// The bits behind a float's first digit, from the highest on, and how many there are.
+/// The bits behind a float's first digit, from the highest on.
 struct Fraction {
     std::uint64_t high = 0;
     std::uint64_t low = 0;

@@ -3,65 +3,22 @@
 
 #include "bindings/bindings.hpp"
 #include "schema/IL.hpp"
+#include "tests/allocations.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
-#include <new>
 #include <sstream>
 #include <string>
 
 namespace {
 
-/// How many allocations are still granted; negative: all.
-long granted = -1;
-
-}  // namespace
-
-// Not inlined: the compiler would take malloc() and `delete` for a mismatched pair.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (granted == 0) throw std::bad_alloc();
-    if (granted > 0) --granted;
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-namespace {
-
+using allocations::fail_each_allocation;
 using sml::Strings_T;
 using sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
 using sml::IL::T_Info_Expr;
-
-/// Whether `operation` ends within so many allocations. It may throw nothing but `std::bad_alloc`.
-template <class Operation>
-bool ends_within(long allocations, Operation&& operation) {
-    granted = allocations;
-    try {
-        operation();
-        granted = -1;
-        return true;
-    } catch (std::bad_alloc const&) {
-        granted = -1;
-        return false;
-    }
-}
-
-/// Lets each allocation of `operation` fail once and calls `check` after each failure; gives how
-/// many there were. `operation` starts anew each time.
-template <class Operation, class Check>
-long fail_each_allocation(Operation&& operation, Check&& check) {
-    long allocations = 0;
-    while (!ends_within(allocations, operation)) {
-        check();
-        ++allocations;
-    }
-    return allocations;
-}
 
 T_Aggregated_Results results() { return RandomValues(11, {2, 3}).make<T_Aggregated_Results>(); }
 

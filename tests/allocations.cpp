@@ -1,0 +1,44 @@
+#include "tests/allocations.hpp"
+
+#include <cstddef>
+#include <cstdlib>
+
+namespace {
+
+constexpr long none = std::numeric_limits<long>::max();
+
+long asked_for = 0;
+long first_failing = none;
+long behind_last_failing = none;
+
+void* allocate(std::size_t size) {
+    long const number = asked_for++;
+    if (number >= first_failing && number < behind_last_failing) throw std::bad_alloc();
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+
+}  // namespace
+
+namespace allocations {
+
+Shortage::Shortage(long granted, Later later) noexcept {
+    asked_for = 0;
+    first_failing = granted;
+    behind_last_failing = later == Later::fail ? none : granted + 1;
+}
+
+Shortage::~Shortage() { first_failing = none; }
+
+long Shortage::asked() const noexcept { return asked_for; }
+
+}  // namespace allocations
+
+// Those for arrays as well: a sanitizer's own would not call the others. Not inlined: the compiler
+// would take malloc() and `delete` for a mismatched pair.
+[[gnu::noinline]] void* operator new(std::size_t size) { return allocate(size); }
+[[gnu::noinline]] void* operator new[](std::size_t size) { return allocate(size); }
+[[gnu::noinline]] void  operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void  operator delete[](void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void  operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void  operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }

@@ -26,7 +26,13 @@ T& as(void* value) {
              return std::make_shared<__VA_ARGS__>(                                                 \
                  RandomValues(seed, {.elements = elements}).make<__VA_ARGS__>());                  \
          },                                                                                        \
+         [](void* target, void const* source) {                                                    \
+             as<__VA_ARGS__>(target) = as<__VA_ARGS__>(source);                                    \
+         },                                                                                        \
          [](void const* value) { return sml::Stem##_fromCxx(as<__VA_ARGS__>(value)); },            \
+         [](void const* value) -> std::string const& {                                             \
+             return sml::Stem##_fromCxx(as<__VA_ARGS__>(value));                                   \
+         },                                                                                        \
          [](void* value, char const* bytes) { sml::Stem##_toCxx(as<__VA_ARGS__>(value), bytes); }, \
          [](void const* value, std::ostream& stream) {                                             \
              sml::Stem##_toStream(as<__VA_ARGS__>(value), stream);                                 \
@@ -35,6 +41,9 @@ T& as(void* value) {
              sml::Stem##_fromStream(as<__VA_ARGS__>(value), stream);                               \
          },                                                                                        \
          [](void const* value) { return plain::from_cxx(as<__VA_ARGS__>(value)); },                \
+         [](void const* value) -> std::string const& {                                             \
+             return plain::from_cxx(as<__VA_ARGS__>(value));                                       \
+         },                                                                                        \
          [](void* value, char const* bytes) { plain::to_cxx(as<__VA_ARGS__>(value), bytes); },     \
          [](void const* value, std::ostream& stream) {                                             \
              plain::to_stream(as<__VA_ARGS__>(value), stream);                                     \

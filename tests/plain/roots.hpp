@@ -20,12 +20,17 @@ struct Root {
     /// The value that this seed gives, with so many elements in a container at most.
     Object (*random)(std::uint64_t seed, int elements);
 
+    void (*assign)(void* target, void const* source);
+
     std::string (*write)(void const* value);
+    /// The result itself, which the next call of any root replaces.
+    std::string const& (*write_result)(void const* value);
     void (*read)(void* value, char const* bytes);
     void (*write_to)(void const* value, std::ostream& stream);
     void (*read_from)(void* value, std::istream& stream);
 
     std::string (*plain_write)(void const* value);
+    std::string const& (*plain_write_result)(void const* value);
     void (*plain_read)(void* value, char const* bytes);
     void (*plain_write_to)(void const* value, std::ostream& stream);
     void (*plain_read_from)(void* value, std::istream& stream);

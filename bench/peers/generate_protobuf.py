@@ -4,227 +4,180 @@
   generate_protobuf.py SCHEMA.json DIRECTORY
 
 SCHEMA.json is what `bradep schema --root STEM` prints. Writes graph.proto and graph_messages.hpp.
-Strings are numbers of a table in the message of the root; big integers and floats are bytes.
+Strings are numbers of a table in the message of the root. A big integer is a sint64 or, where it
+does not fit, bytes. The tag of a variant is written only where the arm does not tell it.
 """
 
 import json
 import pathlib
 import sys
 
-SCALARS = {"int32": "sint32", "uint32": "uint32", "int64": "sint64", "uint64": "fixed64",
-           "bool": "bool", "double": "double", "string": "uint32", "integer": "bytes"}
+from schema_uses import Generator, element, entry, held, whole
+
+WORDS = {"int32": "sint32", "uint32": "uint32", "int64": "sint64", "uint64": "fixed64",
+         "bool": "bool", "double": "double", "string": "uint32"}
+
+# The formats of floats have at most 113 bits.
+FLOAT = ("message Float { fixed64 high = 1; fixed64 low = 2; sint32 exponent = 3; "
+         "uint32 width = 4; uint32 kind = 5; }")
 
 
-class Generator:
+class ProtobufGenerator(Generator):
     def __init__(self, schema):
-        self.types = schema["types"]
-        self.root = schema["roots"][0]["type"]
-        self.numbers = {}  # of messages, by what they are made of
-        self.messages = []
-        self.functions = []
-
-    def kind(self, use):
-        """scalar, message, optional, repeated or map"""
-        if isinstance(use, str):
-            if use in SCALARS or self.types.get(use, {}).get("kind") == "enumeration":
-                return "scalar"
-            return "message"
-        if "boxed" in use:
-            return self.kind(use["boxed"])
-        if "optional" in use:
-            return "optional"
-        if "map" in use:
-            return "map"
-        if "tuple" in use:
-            return "message"
-        return "repeated"
-
-    @staticmethod
-    def element(use):
-        return next(use[kind] for kind in ("list", "set") if kind in use)
-
-    def scalar(self, use):
-        return SCALARS.get(use, "sint32")
+        super().__init__(schema, WORDS)
 
     def message(self, use):
-        """The number of the message for a use; makes it the first time."""
-        if isinstance(use, dict) and "boxed" in use:
-            use = use["boxed"]
-        key = json.dumps(use)
-        if key in self.numbers:
-            return self.numbers[key]
-        number = self.numbers[key] = len(self.numbers)
-        if use == "float":
-            self.add_float(number)
-        elif isinstance(use, dict):
-            parts = use["tuple"] if "tuple" in use else [use]  # a container in a place for one value
-            self.add_parts(number, parts, "apply" if "tuple" in use else "whole")
-        elif self.types[use]["kind"] == "variant":
-            self.add_variant(number, self.types[use])
-        elif self.types[use]["kind"] == "reference":
-            self.add_parts(number, ["int32", "uint64"], "fields")
-        else:
-            self.add_parts(number, [field["type"] for field in self.types[use]["fields"]], "fields")
-        return number
+        """The use of a message that holds it: itself or one that has it as its only part."""
+        return use if self.kind(use) in ("float", "parts", "variant") else whole(use)
 
-    def entry(self, use):
-        """The number of the message for an entry of a map."""
-        return self.message({"tuple": use["map"]})
+    def message_name(self, use):
+        return "Float" if use == "float" else f"M{self.number(use)}"
 
-    def declare(self, use, name, number):
+    def fields(self, use, name):
+        """The declared types and names of what a use becomes."""
         kind = self.kind(use)
-        if kind == "scalar":
-            return f"{self.scalar(use)} {name} = {number};"
-        if kind == "message":
-            return f"M{self.message(use)} {name} = {number};"
+        if kind == "word":
+            return [(self.word(use), name)]
+        if kind == "integer":
+            return [("sint64", name), ("bytes", f"{name}_large")]
         if kind == "optional":
             inner = use["optional"]
-            if self.kind(inner) == "scalar":
-                return f"optional {self.scalar(inner)} {name} = {number};"
-            return f"M{self.message(inner)} {name} = {number};"
+            if self.kind(inner) in ("word", "integer"):
+                (first, _), *rest = self.fields(inner, name)
+                return [(f"optional {first}", name), *rest]
+            return [(self.message_name(self.message(inner)), name)]
         if kind == "map":
-            return f"repeated M{self.entry(use)} {name} = {number};"
-        inner = self.element(use)
-        if self.kind(inner) == "scalar":
-            return f"repeated {self.scalar(inner)} {name} = {number};"
-        return f"repeated M{self.message(inner)} {name} = {number};"
+            return [(f"repeated {self.message_name(entry(use))}", name)]
+        if kind == "repeated":
+            inner = element(use)
+            one = self.word(inner) if self.kind(inner) == "word" else self.message_name(
+                self.message(inner))
+            return [(f"repeated {one}", name)]
+        return [(self.message_name(use), name)]
 
-    def scalar_out(self, use, value):
-        return f"s.{use}({value})" if use in ("string", "integer") else value
+    def save_message(self, use, message, value):
+        if use == "float":
+            return f"save_float({message}, {value});"
+        return f"save_{self.number(use)}(s, {message}, {held(use, value)});"
+
+    def load_message(self, use, message, target):
+        if use == "float":
+            return f"load_float({message}, {target});"
+        return f"load_{self.number(use)}(l, {message}, {held(use, target)});"
 
     def save(self, use, name, value):
         kind = self.kind(use)
-        if kind == "scalar":
-            return f"m.set_{name}({self.scalar_out(use, value)});"
-        if kind == "message":
-            boxed = "*" if isinstance(use, dict) and "boxed" in use else ""
-            return f"save_{self.message(use)}(s, *m.mutable_{name}(), {boxed}{value});"
+        if kind == "word":
+            return f"m.set_{name}({self.word_out(use, value)});"
+        if kind == "integer":
+            return (f"if (is_small({value})) m.set_{name}(small({value})); "
+                    f"else append_large(*m.mutable_{name}_large(), {value});")
         if kind == "optional":
             inner = use["optional"]
-            if self.kind(inner) in ("scalar", "message"):
-                return f"if ({value}) {{ {self.save(inner, name, '*' + value)} }}"
-            return f"if ({value}) save_{self.message(inner)}(s, *m.mutable_{name}(), *{value});"
-        if kind == "map":
-            return (f"for (auto const& e : {value}) "
-                    f"save_{self.entry(use)}(s, *m.add_{name}(), e);")
-        inner = self.element(use)
-        if self.kind(inner) == "scalar":
-            return (f"for (auto const& e : {value}) "
-                    f"m.add_{name}({self.scalar_out(inner, 'e')});")
-        return (f"for (auto const& e : {value}) "
-                f"save_{self.message(inner)}(s, *m.add_{name}(), e);")
-
-    def load_scalar(self, use, source, target):
-        if use in ("string", "integer"):
-            return f"l.{use}({source}, {target});"
-        return f"{target} = static_cast<std::remove_reference_t<decltype({target})>>({source});"
+            if self.kind(inner) not in ("word", "integer"):
+                inner = self.message(inner)
+            return f"if ({value}) {{ {self.save(inner, name, f'(*{value})')} }}"
+        if kind in ("map", "repeated"):
+            inner = entry(use) if kind == "map" else element(use)
+            one = (f"to.Add({self.word_out(inner, 'e')});" if self.kind(inner) == "word" else
+                   self.save_message(self.message(inner), "*to.Add()", "e"))
+            return (f"save_each({value}, *m.mutable_{name}(), "
+                    f"[&](auto& to, auto const& e) {{ {one} }});")
+        return self.save_message(use, f"*m.mutable_{name}()", value)
 
     def load(self, use, name, target):
         kind = self.kind(use)
-        if kind == "scalar":
-            return self.load_scalar(use, f"m.{name}()", target)
-        if kind == "message":
-            boxed = "*" if isinstance(use, dict) and "boxed" in use else ""
-            return f"load_{self.message(use)}(l, m.{name}(), {boxed}{target});"
+        if kind == "word":
+            return self.word_in(use, f"m.{name}()", target)
+        if kind == "integer":
+            return f"load_integer(m.{name}(), m.{name}_large(), {target});"
         if kind == "optional":
             inner = use["optional"]
-            load = (self.load(inner, name, "v") if self.kind(inner) in ("scalar", "message") else
-                    f"load_{self.message(inner)}(l, m.{name}(), v);")
-            return f"if (m.has_{name}()) {{ auto& v = {target}.emplace(); {load} }}"
+            there = f"m.has_{name}()"
+            if self.kind(inner) == "integer":
+                there += f" || !m.{name}_large().empty()"
+            if self.kind(inner) not in ("word", "integer"):
+                inner = self.message(inner)
+            return f"if ({there}) {{ auto& v = {target}.emplace(); {self.load(inner, name, 'v')} }}"
         if kind == "map":
             key, value = use["map"]
+            return (f"reserve({target}, m.{name}_size()); for (auto const& m : m.{name}()) "
+                    f"load_entry({target}, [&](auto& k) {{ {self.load(key, 'f0', 'k')} }}, "
+                    f"[&](auto& v) {{ {self.load(value, 'f1', 'v')} }});")
+        if kind == "repeated":
+            inner = element(use)
+            one = (self.word_in(inner, "e", "v") if self.kind(inner) == "word" else
+                   self.load_message(self.message(inner), "e", "v"))
             return (f"reserve({target}, m.{name}_size()); for (auto const& e : m.{name}()) "
-                    f"load_entry({target}, [&](auto& k) {{ {self.load_of_entry(key, 'f0', 'k')} }}, "
-                    f"[&](auto& v) {{ {self.load_of_entry(value, 'f1', 'v')} }});")
-        inner = self.element(use)
-        one = (self.load_scalar(inner, "e", "v") if self.kind(inner) == "scalar" else
-               f"load_{self.message(inner)}(l, e, v);")
-        return (f"reserve({target}, m.{name}_size()); for (auto const& e : m.{name}()) "
-                f"load_element({target}, [&](auto& v) {{ {one} }});")
+                    f"load_element({target}, [&](auto& v) {{ {one} }});")
+        return self.load_message(use, f"m.{name}()", target)
 
-    def load_of_entry(self, use, name, target):
-        return f"auto const& m = e; {self.load(use, name, target)}"
+    def make(self, number, use):
+        if self.kind(use) == "variant":
+            self.make_variant(number, use)
+        else:
+            self.make_record(number, use)
 
-    def add_float(self, number):
-        self.messages.append(f"message M{number} {{ bytes number = 1; uint32 width = 2; }}")
-        self.add_functions(number, "m.set_number(s.number(v)); "
-                                   "m.set_width(static_cast<std::uint32_t>(v.width));",
-                           "l.number(m.number(), m.width(), v);")
-
-    def add_parts(self, number, parts, manner):
-        names = [f"f{i}" for i in range(len(parts))]
-        declared = " ".join(self.declare(use, name, i + 1)
-                            for i, (use, name) in enumerate(zip(parts, names)))
-        self.messages.append(f"message M{number} {{ {declared} }}")
-
-        def over(const, body):
-            arguments = ", ".join(f"auto {const}& v{i}" for i in range(len(parts)))
-            function = f"[&]({arguments}) {{ {body} }}"
-            if manner == "fields":
-                return f"v.with_fields({function});"
-            if manner == "apply":
-                return f"std::apply({function}, v);"
-            return f"({function})(v);"
-
-        used = " ".join(f"static_cast<void>(v{i});" for i in range(len(parts)))
-        saves = " ".join(self.save(use, name, f"v{i}")
-                         for i, (use, name) in enumerate(zip(parts, names)))
-        loads = " ".join(self.load(use, name, f"v{i}")
-                         for i, (use, name) in enumerate(zip(parts, names)))
-        self.add_functions(number, over("const", used + saves), over("", used + loads))
-
-    def add_variant(self, number, variant):
-        arms = [arm for arm in variant["arms"] if "payload" in arm]
-        declared = []
-        saves = []
-        loads = []
-        for arm in arms:
-            tag, payload = arm["tag"], arm["payload"]
-            name = f"a{tag}"
-            if self.kind(payload) not in ("scalar", "message"):
-                declared.append(f"M{self.message(payload)} {name} = {tag + 2};")
-                save = f"save_{self.message(payload)}(s, *m.mutable_{name}(), p);"
-                load = f"load_{self.message(payload)}(l, m.{name}(), p);"
-            else:
-                declared.append(self.declare(payload, name, tag + 2))
-                save = self.save(payload, name, "p")
-                load = self.load(payload, name, "p")
-            saves.append(f"case {tag}: {{ auto const& p = payload<{tag}>(v); {save} break; }}")
-            loads.append(f"case {tag}: {{ auto& p = payload<{tag}>(v); {load} break; }}")
-        oneof = f"oneof arm {{ {' '.join(declared)} }}" if declared else ""
-        self.messages.append(f"message M{number} {{ sint32 tag = 1; {oneof} }}")
-        serving = "switch (std::remove_cvref_t<decltype(v)>::arms::serving(v.tag))"
-        self.add_functions(number,
-                           f"m.set_tag(v.tag); {serving} {{ {' '.join(saves)} default: break; }}",
-                           f"v.choose_tag(m.tag()); "
-                           f"{serving} {{ {' '.join(loads)} default: break; }}")
+    def declare(self, fields, first):
+        return " ".join(f"{kind} {name} = {i};" for i, (kind, name) in enumerate(fields, first))
 
     def add_functions(self, number, save, load):
-        self.functions.append(
-            f"void save_{number}(Saver& s, form::M{number}& m, auto const& v) "
-            f"{{ static_cast<void>(s); {save} }}\n"
-            f"void load_{number}(Loader& l, form::M{number} const& m, auto& v) "
-            f"{{ static_cast<void>(l); {load} }}")
+        self.add_function(f"void save_{number}([[maybe_unused]] Saver& s, "
+                          f"[[maybe_unused]] form::M{number}& m, auto const& v)", save)
+        self.add_function(f"void load_{number}([[maybe_unused]] Loader& l, "
+                          f"[[maybe_unused]] form::M{number} const& m, auto& v)", load)
+
+    def make_record(self, number, use):
+        parts = [(part, f"f{i}", f"v{i}") for i, part in enumerate(self.parts(use))]
+        fields = [field for part, name, _ in parts for field in self.fields(part, name)]
+        self.declarations.append(f"message M{number} {{ {self.declare(fields, 1)} }}")
+        saves = " ".join(self.save(*part) for part in parts)
+        loads = " ".join(self.load(*part) for part in parts)
+        self.add_functions(number, self.over_parts(use, "const", saves),
+                           self.over_parts(use, "", loads))
+
+    def make_variant(self, number, use):
+        fields, saves, loads = [], [], []
+        for tag, arm, payload, serves_rest in self.arms(use):
+            if payload is None:
+                continue
+            if self.kind(payload) not in ("word", "integer"):
+                payload = self.message(payload)
+            name = f"a{tag}"
+            own = self.fields(payload, name)
+            fields += own
+            save = self.with_payload(tag, arm, serves_rest, self.save(payload, name, "p"))
+            # Tag 0 is never one that the last arm takes besides its own.
+            other = f"if (v.tag != {tag}) m.set_tag(v.tag); " if serves_rest else ""
+            saves.append(f"case {tag}: {{ {other}{save} break; }}")
+            chosen = f"m.tag() != 0 ? m.tag() : {tag}" if serves_rest else f"{tag}"
+            cases = " ".join(f"case form::M{number}::k{case.title().replace('_', '')}:"
+                             for _, case in own)
+            loads.append(f"{cases} {{ v.choose_tag({chosen}); "
+                         f'auto& p = v.template arm<"{arm}">(); {self.load(payload, name, "p")} '
+                         f"break; }}")
+        self.declarations.append(f"message M{number} {{ sint32 tag = 1; "
+                                 f"oneof arm {{ {self.declare(fields, 2)} }} }}")
+        self.add_functions(
+            number,
+            f"switch (serving(v)) {{ {' '.join(saves)} default: m.set_tag(v.tag); }}",
+            f"switch (m.arm_case()) {{ {' '.join(loads)} default: v.choose_tag(m.tag()); }}")
 
     def write(self, directory):
-        root = self.message(self.root)
+        root = self.number(self.root)
+        self.add_function(f"void save_root(Saver& s, form::M{root}& m, auto const& v)",
+                          f"save_{root}(s, m, v);")
+        self.add_function(f"void load_root(Loader& l, form::M{root} const& m, auto& v)",
+                          f"load_{root}(l, m, v);")
         proto = ['syntax = "proto3";', "package peers.form;", "option cc_enable_arenas = true;",
-                 "option optimize_for = SPEED;", *self.messages,
+                 "option optimize_for = SPEED;", FLOAT, *self.declarations,
                  f"message Graph {{ repeated bytes strings = 1; M{root} root = 2; }}"]
         (directory / "graph.proto").write_text("\n".join(proto) + "\n")
-        declared = [f"void save_{i}(Saver&, form::M{i}&, auto const&);\n"
-                    f"void load_{i}(Loader&, form::M{i} const&, auto&);"
-                    for i in range(len(self.messages))]
-        last = [f"void save_root(Saver& s, form::M{root}& m, auto const& v) "
-                f"{{ save_{root}(s, m, v); }}",
-                f"void load_root(Loader& l, form::M{root} const& m, auto& v) "
-                f"{{ load_{root}(l, m, v); }}"]
-        (directory / "graph_messages.hpp").write_text(
-            "\n".join(declared + self.functions + last) + "\n")
+        self.write_functions(directory / "graph_messages.hpp")
 
 
 def main(schema, directory):
-    generator = Generator(json.loads(pathlib.Path(schema).read_text()))
+    generator = ProtobufGenerator(json.loads(pathlib.Path(schema).read_text()))
     generator.write(pathlib.Path(directory))
 
 

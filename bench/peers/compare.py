@@ -10,7 +10,7 @@ import statistics
 import subprocess
 import sys
 
-PEERS = ["plain", "library", "cereal", "boost", "protobuf"]
+PEERS = ["plain", "library", "cereal", "boost", "protobuf", "flatbuffers"]
 
 
 def main(program, checks="10000", repetitions="3", rounds="9"):
@@ -24,10 +24,10 @@ def main(program, checks="10000", repetitions="3", rounds="9"):
                for peer, rows in figures.items()}
     plain = medians["plain"]
     print(f"{checks} checks; nanoseconds a check, and how many times as fast as plain")
-    print(f"{'':10}{'bytes':>8}{'first encode':>14}{'first decode':>14}"
+    print(f"{'':12}{'bytes':>8}{'first encode':>14}{'first decode':>14}"
           f"{'encode':>16}{'decode':>16}")
     for peer, (size, first_encode, first_decode, encode, decode) in medians.items():
-        print(f"{peer:10}{size / int(checks):8.0f}{first_encode:14.0f}{first_decode:14.0f}"
+        print(f"{peer:12}{size / int(checks):8.0f}{first_encode:14.0f}{first_decode:14.0f}"
               f"{encode:9.0f} {plain[3] / encode:5.2f}x{decode:9.0f} {plain[4] / decode:5.2f}x")
 
 

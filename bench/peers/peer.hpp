@@ -23,5 +23,6 @@ Peer plain_reference();
 Peer cereal_binary();
 Peer boost_binary();
 Peer protobuf();
+Peer flatbuffers();
 
 }  // namespace peers

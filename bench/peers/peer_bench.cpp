@@ -62,7 +62,8 @@ void run(Peer const& peer, std::size_t checks, int rounds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    Peer const all[] = {library(), plain_reference(), cereal_binary(), boost_binary(), protobuf()};
+    Peer const all[] = {library(),      plain_reference(), cereal_binary(),
+                        boost_binary(), protobuf(),        flatbuffers()};
     if (argc == 4) {
         for (Peer const& peer : all) {
             if (std::string_view(peer.name) != argv[1]) continue;

@@ -13,9 +13,8 @@ StreamOArchive::StreamOArchive(std::ostream& stream)
       is_padded_(stream.width() != 0) {}
 
 StreamOArchive::~StreamOArchive() {
-    if (last_ == nullptr) return;
     try {
-        write(buffer_, room.at);
+        finish();
     } catch (...) {
         // The exception that is under way goes on.
     }
@@ -104,15 +103,19 @@ void StreamIArchive::open() {
 }
 
 /// Required: the stream counts the item that was read last (`gcount`), so it reads that one itself.
+/// That can move what its buffer holds. The flags behind that item are taken one by one.
 void StreamIArchive::close() {
     if (at_ == nullptr) return;
     std::streambuf& buffer = *stream_->rdbuf();
-    if (item_ != nullptr) {
+    if (item_ == nullptr) {
+        Buffered::skip_to(buffer, at_);
+    } else {
+        auto flags = at_ - (item_ + item_size_);
         char again[longest_view];
         Buffered::skip_to(buffer, item_);
         stream_->read(again, item_size_);
+        for (; flags > 0; --flags) buffer.sbumpc();
     }
-    Buffered::skip_to(buffer, at_);
     at_ = end_ = nullptr;
 }
 

@@ -202,9 +202,11 @@ private:
         constexpr std::int32_t width_size = sizeof(std::int32_t);
         auto const             length = archive_.template get_word<std::int32_t>();
         if (char const* const block = archive_.view(length, width_size)) {
+            auto const width_before = value.width;
             set_width(value, core::word_at<std::int32_t>(block + length));
             if (take_float(block, static_cast<std::size_t>(length), value))
                 return archive_.skip(length, width_size);
+            value.width = width_before;  // memory for the text can run out
         }
         TextBlock const text = get_block(length);
         set_width(value, archive_.template get_word<std::int32_t>());

@@ -5,6 +5,8 @@
 #include "core/kinds.hpp"
 #include "core/read_ahead.hpp"
 
+#include <algorithm>
+
 namespace sml::core {
 
 /// A group of parts that is walked with `<` in both directions and never asked for equality.
@@ -32,10 +34,17 @@ struct Comparison {
         });
     }
 
-    /// What the containers' own `==` gives, with the entries to come on their way: the next one of
-    /// `a` and its counterpart, and the one behind it.
+    /// What the containers' own `==` gives.
     template <HashMap T>
     static bool equal_tables(T const& a, T const& b) {
+        return every_entry(a, b,
+                           [](auto const& left, auto const& right) { return equal(left, right); });
+    }
+
+    /// Whether tables have the same keys and `holds` for the values of each, with the entries to
+    /// come on their way: the next one of `a` and its counterpart, and the one behind it.
+    template <HashMap T, class Holds>
+    static bool every_entry(T const& a, T const& b, Holds holds) {
         if (a.size() != b.size()) return false;
         auto const end = a.end();
         auto       behind = a.begin();
@@ -53,9 +62,62 @@ struct Comparison {
             auto const  other = counterpart;
             if (other == b.end()) return false;
             step();
-            if (!equal(entry.second, other->second)) return false;
+            if (!holds(entry.second, other->second)) return false;
         }
         return true;
+    }
+
+    /// Whether the two are equal and neither is less, which one walk tells. Asking `less` one way,
+    /// then the other way and then for equality takes several at each level. What has no payload
+    /// is never the same: it is less than itself.
+    template <class T>
+    static bool same(T const& a, T const& b) {
+        if constexpr (HashedVariant<T>) {
+            return same_arms(a, b);
+        } else if constexpr (Optional<T>) {
+            return a.has_value() == b.has_value() && (!a || same(*a, *b));
+        } else if constexpr (Boxed<T>) {
+            return same(*a, *b);
+        } else if constexpr (List<T> || SortedSet<T> || SortedMap<T>) {
+            return std::equal(
+                a.begin(), a.end(), b.begin(), b.end(),
+                [](auto const& left, auto const& right) { return same(left, right); });
+        } else if constexpr (HashSet<T>) {
+            return a.size() == b.size() && std::ranges::all_of(a, [&](auto const& element) {
+                       auto const other = b.find(element);
+                       return other != b.end() && same(element, *other);
+                   });
+        } else if constexpr (HashMap<T>) {
+            return every_entry(
+                a, b, [](auto const& left, auto const& right) { return same(left, right); });
+        } else if constexpr (PairOrTuple<T>) {
+            return std::apply(
+                [&](auto const&... left) {
+                    return std::apply(
+                        [&](auto const&... right) { return (same(left, right) && ...); }, b);
+                },
+                a);
+        } else if constexpr (Fielded<T> && !requires { typename T::arms; }) {
+            return a.with_fields([&](auto const&... left) {
+                return b.with_fields(
+                    [&](auto const&... right) { return (same(left, right) && ...); });
+            });
+        } else {
+            return a == b;
+        }
+    }
+
+    /// Of the same tag, whose payload is built in both: only a tag below 0 can go without.
+    template <HashedVariant T>
+    static bool same_arms(T const& a, T const& b) {
+        if (a.tag != b.tag || a.tag < 0) return false;
+        void const* other = nullptr;
+        b.visit_payload([&](auto const& payload) { other = &payload; });
+        bool result = false;
+        a.visit_payload([&]<class Payload>(Payload const& payload) {
+            result = same(payload, *static_cast<Payload const*>(other));
+        });
+        return result;
     }
 
     template <class T>
@@ -114,6 +176,7 @@ struct Comparison {
             if (!b.contains(element)) return false;
         for (auto const& element : a) {
             auto const& other = *b.find(element);
+            if (same(element, other)) continue;
             if (less(element, other)) return true;
             if (less(other, element)) return false;
         }
@@ -128,6 +191,7 @@ struct Comparison {
             if (!b.contains(entry.first)) return false;
         for (auto const& [key, value] : a) {
             auto const& other = b.find(key)->second;
+            if (same(value, other)) continue;
             if (less(value, other)) return true;
             if (less(other, value)) return false;
         }
@@ -155,6 +219,7 @@ private:
         auto left = a.begin();
         auto right = b.begin();
         for (; left != a.end() && right != b.end(); ++left, ++right) {
+            if (same(*left, *right)) continue;
             if (less(*left, *right)) return true;
             if (less(*right, *left)) return false;
         }
@@ -175,12 +240,14 @@ private:
 
     template <class T>
     static bool settled(T const& left, T const& right, bool is_last, bool& result) {
+        if (!is_last && same(left, right)) return false;
         result = less(left, right);
         return result || is_last || !equal(left, right);
     }
 
     template <class T>
     static bool settled_by_less(T const& left, T const& right, bool& result) {
+        if (same(left, right)) return false;
         result = less_alone(left, right);
         return result || less_alone(right, left);
     }

@@ -72,7 +72,8 @@ void Filler::fill_real(sml::Infos::T_Information_Value& value) {
     auto& range = value.range.choose<"Value_Range">();
     for (auto left = draw_count<std::list<sml::Infos::T_Range>>(); left > 0; --left)
         fill_interval(range.intervals.emplace_back().choose<"Real_Interval">(), width);
-    if (draws_.chance(10)) range.intervals.emplace_back().choose<"Nan">();
+    if (arms_ == Arms_Drawn::usual && draws_.chance(10))
+        range.intervals.emplace_back().choose<"Nan">();
     fill(range.multiplicity);
 }
 

@@ -13,10 +13,14 @@
 
 namespace bench {
 
+/// Which arms variants get.
+enum class Arms_Drawn { usual, with_payload };
+
 /// Fills fresh values: walks the fields and draws each leaf, in one fixed order.
 class Filler {
 public:
-    Filler(Names const& names, std::uint64_t seed) : draws_(seed), names_(&names) {}
+    Filler(Names const& names, std::uint64_t seed, Arms_Drawn arms)
+        : draws_(seed), names_(&names), arms_(arms) {}
 
     Draws& draws() { return draws_; }
 
@@ -66,6 +70,9 @@ private:
     void draw(std::int32_t& value) { value = static_cast<std::int32_t>(draws_.below(10000)); }
     void draw(std::uint32_t& value) { value = draws_.below(4); }
     void draw(std::int64_t& value) { value = static_cast<std::int64_t>(draws_.bits() >> 24); }
+    void draw(std::uint64_t& value) { value = draws_.bits() >> 24; }
+    void draw(double& value) { value = draws_.below(10000); }
+    void draw(zelvanite::IEEE754Float& value) { draws_.real(value, draws_.width()); }
     void draw(sml::Strings_T& value) { value = names_->draw_identifier(draws_); }
     void draw(sml::BigInteger& value) { draws_.integer(value); }
     void draw(sml::Localization::T_Localization& value);
@@ -90,7 +97,11 @@ private:
 
     template <class Variant>
     void fill_any_arm(Variant& variant) {
-        variant.choose_tag(static_cast<std::int32_t>(draws_.below(Variant::arms::count)));
+        constexpr auto count = static_cast<std::uint32_t>(Variant::arms::count);
+        std::uint32_t  tag = draws_.below(count);
+        if (arms_ == Arms_Drawn::with_payload)
+            while (!Variant::arms::has_payload[tag]) tag = (tag + 1) % count;
+        variant.choose_tag(static_cast<std::int32_t>(tag));
         variant.visit_payload([this](auto const& payload) {
             this->fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload));
         });
@@ -100,12 +111,15 @@ private:
     void fill_arm(Variant& variant) {
         if constexpr (Variant::arms::has_payload[Variant::arms::template tag_of<ArmName>()])
             fill(variant.template choose<ArmName>());
+        else if (arms_ == Arms_Drawn::with_payload)
+            fill_any_arm(variant);
         else
             variant.template choose<ArmName>();
     }
 
     Draws        draws_;
     Names const* names_;
+    Arms_Drawn   arms_;
 };
 
 }  // namespace bench

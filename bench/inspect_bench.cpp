@@ -36,7 +36,7 @@ Root const& workload_root() { return *find_root("Application_Results_Application
 void verify_workload(benchmark::State& state) {
     auto const& data = bench::prepared(static_cast<std::size_t>(state.range(0)));
     for ([[maybe_unused]] auto const round : state)
-        if (verify(workload_root(), data.bytes).answer != Answer::good)
+        if (verify(workload_root(), data.bytes()).answer != Answer::good)
             throw std::logic_error("the workload is not good");
     bench::report(state, data);
 }
@@ -47,7 +47,7 @@ void dump_workload(benchmark::State& state) {
     Sink        sink;
     for ([[maybe_unused]] auto const round : state) {
         std::ostream out(&sink);
-        dump(workload_root(), data.bytes, out);
+        dump(workload_root(), data.bytes(), out);
     }
     bench::report(state, data);
     state.counters["json"] =

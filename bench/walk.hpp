@@ -2,6 +2,7 @@
 // Looks at every part of a value.
 
 #include "core/kinds.hpp"
+#include "core/read_ahead.hpp"
 
 #include <tuple>
 
@@ -18,7 +19,7 @@ void walk(T const& value, Use& use) {
     } else if constexpr (Boxed<T>) {
         descend(*value);
     } else if constexpr (List<T> || Set<T> || Map<T>) {
-        for (auto const& element : value) descend(element);
+        for_each_ahead(value, descend);
     } else if constexpr (PairOrTuple<T> || FlagArray<T>) {
         std::apply(descend, value);
     } else if constexpr (HashedVariant<T>) {

@@ -49,8 +49,8 @@ private:
 /// Builds every entry in its node: at a million checks there is no room for anything twice.
 class Build {
 public:
-    Build(std::size_t checks, std::uint64_t seed)
-        : checks_(checks), names_(checks, seed), filler_(names_, seed + 1) {}
+    Build(std::size_t checks, std::uint64_t seed, Arms_Drawn arms)
+        : checks_(checks), names_(checks, seed), filler_(names_, seed + 1, arms) {}
 
     sml::Application_Results::T_Application_Results run() {
         sml::Application_Results::T_Application_Results result;
@@ -116,7 +116,12 @@ private:
 }  // namespace
 
 sml::Application_Results::T_Application_Results workload(std::size_t checks, std::uint64_t seed) {
-    return Build(checks, seed).run();
+    return Build(checks, seed, Arms_Drawn::usual).run();
+}
+
+sml::Application_Results::T_Application_Results workload_without_bare_arms(std::size_t   checks,
+                                                                           std::uint64_t seed) {
+    return Build(checks, seed, Arms_Drawn::with_payload).run();
 }
 
 }  // namespace bench

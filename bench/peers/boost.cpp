@@ -1,5 +1,5 @@
+#include "bench/carriers.hpp"
 #include "bench/peers/graph_form.hpp"
-#include "bench/peers/peer.hpp"
 
 #include <boost/archive/binary_iarchive.hpp>
 #include <boost/archive/binary_oarchive.hpp>
@@ -44,26 +44,25 @@ struct Reading {
 
 std::string bytes;
 
-}  // namespace
+bool const is_added = bench::add_carrier(
+    {"boost",
+     [](bench::Graph const& graph) {
+         std::ostringstream stream(std::ios::binary);
+         {
+             boost::archive::binary_oarchive archive(stream, boost::archive::no_header);
+             Writing                         form{archive};
+             Save{form}(graph);
+         }
+         bytes = std::move(stream).str();
+         return bytes.size();
+     },
+     [](bench::Graph& graph) {
+         std::istringstream              stream(bytes, std::ios::binary);
+         boost::archive::binary_iarchive archive(stream, boost::archive::no_header);
+         Reading                         form{archive};
+         Load{form}(graph);
+     }});
 
-Peer boost_binary() {
-    return {"boost",
-            [](Graph const& graph) {
-                std::ostringstream stream(std::ios::binary);
-                {
-                    boost::archive::binary_oarchive archive(stream, boost::archive::no_header);
-                    Writing                         form{archive};
-                    Save{form}(graph);
-                }
-                bytes = std::move(stream).str();
-                return bytes.size();
-            },
-            [](Graph& graph) {
-                std::istringstream              stream(bytes, std::ios::binary);
-                boost::archive::binary_iarchive archive(stream, boost::archive::no_header);
-                Reading                         form{archive};
-                Load{form}(graph);
-            }};
-}
+}  // namespace
 
 }  // namespace peers

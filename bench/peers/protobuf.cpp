@@ -1,8 +1,8 @@
 // Protocol Buffers in its best form: messages in an arena whose memory is kept, each text once, in
 // a table made by hand, numbers by their limbs.
 
+#include "bench/carriers.hpp"
 #include "bench/peers/message_form.hpp"
-#include "bench/peers/peer.hpp"
 
 #include "graph.pb.h"
 
@@ -84,30 +84,29 @@ void read(form::Graph& message) {
         throw std::runtime_error("the message can't be parsed");
 }
 
-}  // namespace
+bool const is_added = bench::add_carrier(
+    {"protobuf",
+     [](bench::Graph const& graph) {
+         with_message([&](form::Graph& message) {
+             Saver saver;
+             save_root(saver, *message.mutable_root(), graph);
+             auto const& texts = saver.numbers.texts();
+             message.mutable_strings()->Reserve(static_cast<int>(texts.size()));
+             for (std::string const* text : texts) message.add_strings(*text);
+             write(message);
+         });
+         return bytes_used;
+     },
+     [](bench::Graph& graph) {
+         with_message([&](form::Graph& message) {
+             read(message);
+             Loader loader;
+             loader.strings.reserve(static_cast<std::size_t>(message.strings_size()));
+             for (auto const& text : message.strings()) loader.strings.emplace_back(text);
+             load_root(loader, message.root(), graph);
+         });
+     }});
 
-Peer protobuf() {
-    return {"protobuf",
-            [](Graph const& graph) {
-                with_message([&](form::Graph& message) {
-                    Saver saver;
-                    save_root(saver, *message.mutable_root(), graph);
-                    auto const& texts = saver.numbers.texts();
-                    message.mutable_strings()->Reserve(static_cast<int>(texts.size()));
-                    for (std::string const* text : texts) message.add_strings(*text);
-                    write(message);
-                });
-                return bytes_used;
-            },
-            [](Graph& graph) {
-                with_message([&](form::Graph& message) {
-                    read(message);
-                    Loader loader;
-                    loader.strings.reserve(static_cast<std::size_t>(message.strings_size()));
-                    for (auto const& text : message.strings()) loader.strings.emplace_back(text);
-                    load_root(loader, message.root(), graph);
-                });
-            }};
-}
+}  // namespace
 
 }  // namespace peers

@@ -1,0 +1,202 @@
+#!/usr/bin/env python3
+"""Runs all benchmarks of carrying and prints their figures as tables.
+
+  table.py [--sizes N,...] [--rounds R] [--million] BUILD
+
+BUILD is the build directory; `bench` is its target. Each carrier runs in a process of its own, in
+turns, R times (3 by default) with three repetitions each; given are the medians. --million adds one
+encoding and one decoding of a million checks, which take about 8 GB.
+"""
+
+import argparse
+import json
+import math
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+
+REPETITIONS = 3
+MILLION = 1_000_000
+MILLION_MEMORY = 12e9  # what is asked for, in bytes
+
+OPERATIONS = {"encode": "encode, `fromCxx`", "decode": "decode, `toCxx`",
+              "toStream": "`toStream`, a `std::ofstream`",
+              "fromStream": "`fromStream`, a `std::ifstream`", "equal": "`==` of equal graphs"}
+LIMITS = {"copy_warm": "copying the bytes, warm", "copy_to_fresh_pages": "copying them to fresh pages",
+          "make_nodes": "allocating, linking and writing the nodes",
+          "read_both": "reading both graphs once"}
+
+
+def run(*command):
+    return subprocess.run([str(part) for part in command], check=True, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL, text=True).stdout
+
+
+class Timings:
+    """The times of all benchmarks, in microseconds a check."""
+
+    def __init__(self, program, sizes, rounds):
+        names = run(program, "--benchmark_list_tests").split()
+        self.carriers = list(dict.fromkeys(name.split("/")[0] for name in names if "/" in name
+                                           and name.split("/")[1] in (*OPERATIONS, *LIMITS)))
+        self.sizes = sizes
+        self.times = {}
+        self.first = {}
+        self.size = {}
+        for _ in range(rounds):
+            for size in sizes:
+                for carrier in self.carriers:
+                    self.add(program, carrier, size)
+
+    def add(self, program, carrier, size):
+        told = json.loads(run(program, f"--benchmark_filter=^{carrier}/.*/{size}$",
+                              f"--benchmark_repetitions={REPETITIONS}",
+                              "--benchmark_min_time=0.05", "--benchmark_format=json"))
+        for row in told["benchmarks"]:
+            if "error_occurred" in row:
+                sys.exit(f"{row['name']}: {row['error_message']}")
+            if row["run_type"] != "iteration":
+                continue
+            key = (carrier, row["name"].split("/")[1], size)
+            self.times.setdefault(key, []).append(row["check"] * 1e6)
+            if "first" in row and row["repetition_index"] == 0:
+                self.first.setdefault(key, []).append(row["first"])
+            if "size" in row:
+                self.size[carrier, size] = row["size"]
+
+    def __call__(self, carrier, operation, size):
+        return statistics.median(self.times[carrier, operation, size])
+
+    def first_call(self, carrier, operation, size):
+        return statistics.median(self.first[carrier, operation, size])
+
+
+def print_table(title, heads, rows):
+    print(f"\n{title}\n\n| {' | '.join(heads)} |\n|{'---|' * len(heads)}")
+    for row in rows:
+        print(f"| {' | '.join(row)} |")
+
+
+def print_against_plain(timings):
+    rows = []
+    for operation, told in OPERATIONS.items():
+        for size in timings.sizes:
+            plain = timings("plain", operation, size)
+            own = timings("library", operation, size)
+            rows.append([told, f"{size:,}", f"{plain:.2f}", f"{own:.2f}", f"{plain / own:.2f}",
+                         f"{timings.size['library', size] / size / own:.0f}"])
+    for size in timings.sizes:
+        less = timings("library", "less", size)
+        equal = timings("library", "equal_without_bare_arms", size)
+        rows.append(["`<`, walking everything", f"{size:,}", "", f"{less:.2f}",
+                     f"{less / equal:.2f} of the time of `==`", ""])
+        rows.append(["destroying", f"{size:,}", "", f"{timings('library', 'destroy', size):.2f}",
+                     "", ""])
+    print_table("Beside the plain reference, microseconds a check:",
+                ["", "checks", "plain", "library", "times as fast", "MB/s"], rows)
+
+
+def print_peers(timings):
+    for size in timings.sizes:
+        rows = []
+        for carrier in timings.carriers:
+            if (carrier, "encode", size) not in timings.times:
+                continue
+            row = [carrier, f"{timings.size[carrier, size] / size:.0f}"]
+            for operation in ("encode", "decode"):
+                time = timings(carrier, operation, size)
+                row += [f"{timings.first_call(carrier, operation, size):.1f}", f"{time:.2f}",
+                        f"{timings('plain', operation, size) / time:.2f}"]
+            rows.append(row)
+        print_table(f"Ways to carry {size:,} checks, microseconds a check; how many times as fast "
+                    "as the plain reference:",
+                    ["", "bytes a check", "first encode", "encode", "times", "first decode",
+                     "decode", "times"], rows)
+
+
+def print_limits(timings):
+    rows = []
+    for size in timings.sizes:
+        rows += [[told, f"{size:,}", f"{timings('limit', limit, size):.2f}"]
+                 for limit, told in LIMITS.items()]
+        rows.append(["`==` / reading both graphs once", f"{size:,}",
+                     f"{timings('library', 'equal', size) / timings('limit', 'read_both', size):.2f}"])
+        for stream, buffer in (("toStream", "encode"), ("fromStream", "decode")):
+            rows.append([f"{OPERATIONS[stream]} / {OPERATIONS[buffer]}", f"{size:,}",
+                         f"{timings('library', stream, size) / timings('library', buffer, size):.2f}"])
+    print_table("What the machine itself needs, microseconds a check:", ["", "checks", ""], rows)
+
+
+def print_growth(timings):
+    least, most = timings.sizes[0], timings.sizes[-1]
+    if least == most:
+        return
+    rows = []
+    for operation in (*OPERATIONS, "less", "destroy"):
+        ratio = timings("library", operation, most) / timings("library", operation, least)
+        rows.append([operation, f"{1 + math.log(ratio) / math.log(most / least):.2f}"])
+    print_table(f"How time grows from {least:,} to {most:,} checks, as an exponent:",
+                ["", "exponent"], rows)
+
+
+def once(build, checks, folder):
+    """The two calls in fresh processes: the figures of bench_once by name."""
+    file = pathlib.Path(folder) / f"{checks}.bin"
+    run(build / "bench" / "make_workload", checks, file)
+    figures = {call: json.loads(run(build / "bench" / "bench_once", call, file))
+               for call in ("encode", "decode")}
+    file.unlink()
+    return figures
+
+
+def print_memory(build, sizes):
+    rows = []
+    with tempfile.TemporaryDirectory() as folder:
+        for size in sizes:
+            for call, told in once(build, size, folder).items():
+                base = told["bytes"] if call == "encode" else told["resident"]
+                heap_base = told["bytes"] if call == "encode" else told["heap"]
+                rows.append([OPERATIONS[call], f"{size:,}", f"{told['ns'] / size / 1000:.2f}",
+                             f"{told['resident_peak'] / 1e6:.1f}",
+                             f"{told['resident_peak'] / base:.3f} of the "
+                             + ("output" if call == "encode" else "graph"),
+                             f"{told['heap_peak'] / heap_base:.3f}",
+                             f"{told['allocations']:,}",
+                             f"{told['allocations'] / size:.4f}",
+                             f"{told['allocations_kept']:,}"])
+    print_table("One call in a fresh process:",
+                ["", "checks", "microseconds a check", "rise of the resident peak, MB", "that is",
+                 "heap peak", "allocations", "a check", "kept"], rows)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("build", type=pathlib.Path, metavar="BUILD")
+    parser.add_argument("--sizes", default="1000,10000,100000", metavar="N,...",
+                        help="some of 1000, 10000 and 100000, ascending")
+    parser.add_argument("--rounds", type=int, default=3, metavar="R")
+    parser.add_argument("--million", action="store_true")
+    options = parser.parse_args()
+    sizes = [int(size) for size in options.sizes.split(",")]
+
+    timings = Timings(options.build / "bench" / "bench", sizes, options.rounds)
+    print_against_plain(timings)
+    print_peers(timings)
+    print_limits(timings)
+    print_growth(timings)
+    if options.million:
+        memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES")
+        if memory >= MILLION_MEMORY:
+            sizes = [*sizes, MILLION]
+        else:
+            print(f"\nA million checks are left out: they ask for {MILLION_MEMORY / 1e9:.0f} GB of "
+                  f"memory, and there are {memory / 1e9:.0f}.")
+    print_memory(options.build, sizes)
+
+
+if __name__ == "__main__":
+    main()

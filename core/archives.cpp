@@ -21,8 +21,10 @@ StreamOArchive::~StreamOArchive() {
 }
 
 void StreamOArchive::write(char const* start, char const* end) {
-    float_range.apply();  // the stream's buffer is the caller's code
+    // The stream's buffer is the caller's code.
+    float_range.apply();
     stream_->write(start, end - start);
+    point = core::decimal_point();
 }
 
 /// Hands over all but the last item.
@@ -47,6 +49,7 @@ void StreamOArchive::put_padded(char flag) {
     if (std::exchange(last_, nullptr) != nullptr) write(buffer_, std::exchange(room.at, buffer_));
     *stream_ << flag;
     is_padded_ = stream_->width() != 0;
+    point = core::decimal_point();
 }
 
 void StreamOArchive::put_long(char const* bytes, std::size_t size) {
@@ -95,6 +98,7 @@ StreamIArchive::~StreamIArchive() {
 }
 
 void StreamIArchive::open() {
+    point = core::decimal_point();  // the stream's buffer is the caller's code
     std::streambuf* const buffer = stream_->rdbuf();
     if (!stream_->good() || buffer == nullptr || !knows_flags(*stream_)) return;
     at_ = Buffered::next(*buffer);

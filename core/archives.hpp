@@ -8,6 +8,7 @@
 // container's element, a boxed value or a root is about to be written. What is written from one of
 // these to the next, texts apart, fits in there, so that nothing else asks for room.
 
+#include "core/decimal_point.hpp"
 #include "core/float_range.hpp"
 #include "core/string_ids.hpp"
 
@@ -68,6 +69,7 @@ public:
     core::Room        room;
     core::IdsByString string_ids;
     core::FloatRange  float_range;
+    char              point = core::decimal_point();
 
     template <class Word>
     void put(Word word) {
@@ -126,6 +128,7 @@ public:
     core::Room        room;
     core::IdsByString string_ids;
     core::FloatRange  float_range;
+    char              point = core::decimal_point();
 
     template <class Word>
     void put(Word word) {
@@ -213,6 +216,7 @@ public:
     }
 
     core::StringsById strings_by_id;
+    char              point = core::decimal_point();
 
 private:
     static constexpr std::int32_t longest_view = 128;
@@ -272,6 +276,7 @@ public:
     char const* cursor() const { return cursor_; }
 
     core::StringsById strings_by_id;
+    char              point = core::decimal_point();
 
 private:
     char const* cursor_;

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <clocale>
 #include <cstdint>
+#include <string_view>
 
 namespace sml::core {
 
@@ -13,11 +13,6 @@ namespace {
 
 constexpr int limb_bits = 64;
 constexpr int limb_digits = 16;
-
-bool point_is_dot() noexcept {
-    char const* const point = std::localeconv()->decimal_point;
-    return point[0] == '.' && point[1] == '\0';
-}
 
 /// The bits behind a float's first digit, from the highest on.
 struct Fraction {
@@ -55,6 +50,27 @@ bool take_exponent(char const* at, char const* end, mpfr_exp_t& exponent) noexce
     return true;
 }
 
+/// The number with the format's mantissa size; its range is set.
+mpfr_ptr in_format(zelvanite::IEEE754Float& value, zelvanite::IEEE754Float::Format const& format) {
+    zelvanite::IEEE754Float::set_range(format);
+    mpfr_ptr const number = value.number();
+    if (mpfr_get_prec(number) != format.mantissa_bits) mpfr_set_prec(number, format.mantissa_bits);
+    return number;
+}
+
+/// Zeros and infinities.
+bool take_special(std::string_view text, zelvanite::IEEE754Float& value) {
+    int const sign = text.starts_with('-') ? -1 : 1;
+    if (sign < 0) text.remove_prefix(1);
+    bool const is_infinite = text == "INF";
+    if (!is_infinite && text != "0X0P+0") return false;
+    auto const format = zelvanite::IEEE754Float::Format::of(value.width);
+    if (format.emin > format.emax) return false;
+    mpfr_ptr const number = in_format(value, format);
+    is_infinite ? mpfr_set_inf(number, sign) : mpfr_set_zero(number, sign);
+    return true;
+}
+
 }  // namespace
 
 bool take_integer(char const* block, std::size_t size, BigInteger& value) {
@@ -86,17 +102,19 @@ bool take_integer(char const* block, std::size_t size, BigInteger& value) {
     return true;
 }
 
-bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value) {
+bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value, char point) {
     constexpr std::size_t shortest = 6;  // 0X1P+0
     constexpr std::size_t longest = 64;
-    if (size < shortest || size > longest) return false;
+    if (size < shortest) return take_special({block, size}, value);
+    if (size > longest) return false;
     char const* const end = block + size;
     char const*       at = block;
     bool const        is_negative = *at == '-';
     at += is_negative ? 1 : 0;
     if (at[0] != '0' || at[1] != 'X') return false;
     std::uint64_t first = 0;
-    if (!Hexadecimal<'A'>::take(at + 2, 1, first) || first == 0) return false;
+    if (!Hexadecimal<'A'>::take(at + 2, 1, first)) return false;
+    if (first == 0) return take_special({block, size}, value);
     at += 3;
 
     Fraction fraction;
@@ -104,7 +122,7 @@ bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& va
         ++at;
         auto const* const behind =
             static_cast<char const*>(std::memchr(at, 'P', static_cast<std::size_t>(end - at)));
-        if (behind == nullptr || behind == at || !point_is_dot()) return false;
+        if (behind == nullptr || behind == at || point != '.') return false;
         if (!take_fraction(at, static_cast<int>(behind - at), fraction)) return false;
         at = behind;
     }
@@ -124,9 +142,7 @@ bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& va
     std::uint64_t const lowest = has_two ? low : high;
     if ((lowest & ((std::uint64_t{1} << unused) - 1)) != 0 || (!has_two && low != 0)) return false;
 
-    zelvanite::IEEE754Float::set_range(format);
-    mpfr_ptr const number = value.number();
-    if (mpfr_get_prec(number) != format.mantissa_bits) mpfr_set_prec(number, format.mantissa_bits);
+    mpfr_ptr const number = in_format(value, format);
     if (has_two) number->_mpfr_d[0] = low;
     number->_mpfr_d[has_two ? 1 : 0] = high;
     number->_mpfr_exp = exponent;

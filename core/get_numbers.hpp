@@ -14,8 +14,8 @@ namespace sml::core {
 bool take_integer(char const* block, std::size_t size, BigInteger& value);
 
 /// Reads the bytes of a block by the format that `value.width` says and makes that format's the
-/// exponent range; false, with nothing done, for a text that is not as it is written, one that
-/// would have to be rounded, and where the process's decimal point is another one.
-bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value);
+/// exponent range; false, with nothing done, for a text that is not as it is written with a dot for
+/// the point, one that would have to be rounded, and one with a point where `point` is no dot.
+bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value, char point);
 
 }  // namespace sml::core

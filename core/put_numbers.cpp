@@ -3,7 +3,6 @@
 #include "core/hexadecimal.hpp"
 
 #include <bit>
-#include <clocale>
 #include <cstdint>
 #include <cstring>
 
@@ -16,6 +15,24 @@ constexpr int limb_digits = 16;
 static_assert(GMP_NUMB_BITS == limb_bits);
 
 void put_word(char* at, std::int32_t word) noexcept { std::memcpy(at, &word, sizeof word); }
+
+/// Zeros, infinities and what is not a number.
+char* put_special(char* at, zelvanite::IEEE754Float const& value) noexcept {
+    mpfr_srcptr const number = value.number();
+    char* const       block = at;
+    at += sizeof(std::int32_t);
+    char* const text = at;
+    bool const  is_nan = mpfr_nan_p(number) != 0;
+    *at = '-';
+    at += !is_nan && mpfr_signbit(number) != 0 ? 1 : 0;
+    char const* const name = is_nan ? "NAN" : mpfr_inf_p(number) != 0 ? "INF" : "0X0P+0";
+    std::size_t const size = std::strlen(name);
+    std::memcpy(at, name, size);
+    at += size;
+    put_word(block, static_cast<std::int32_t>(at - text));
+    put_word(at, static_cast<std::int32_t>(value.width));
+    return at + sizeof(std::int32_t);
+}
 
 }  // namespace
 
@@ -43,14 +60,13 @@ char* put_integer(char* at, BigInteger const& value) noexcept {
     return at + (number->_mp_size < 0 ? 1 : 2);
 }
 
-char* put_float(char* at, zelvanite::IEEE754Float const& value) noexcept {
+char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noexcept {
     mpfr_srcptr const number = value.number();
     auto const        format = zelvanite::IEEE754Float::Format::of(value.width);
-    if (mpfr_regular_p(number) == 0 || mpfr_get_prec(number) > 2 * limb_bits) return nullptr;
+    if (mpfr_regular_p(number) == 0) return put_special(at, value);
+    if (mpfr_get_prec(number) > 2 * limb_bits || point == '\0') return nullptr;
     mpfr_exp_t const exponent = mpfr_get_exp(number);
     if (exponent < format.emin || exponent > format.emax) return nullptr;
-    char const* const point = std::localeconv()->decimal_point;
-    if (point[0] == '\0' || point[1] != '\0') return nullptr;
 
     bool const          has_two = mpfr_get_prec(number) > limb_bits;
     std::uint64_t const high = number->_mpfr_d[has_two ? 1 : 0];
@@ -71,7 +87,7 @@ char* put_float(char* at, zelvanite::IEEE754Float const& value) noexcept {
     *at++ = 'X';
     *at++ = "0123456789ABCDEF"[high >> (limb_bits - first_bits)];
     if ((rest_high | rest_low) != 0) {
-        *at++ = point[0];
+        *at++ = point;
         Hexadecimal<'A'>::put(at, rest_high);
         if (rest_low == 0) {
             at += limb_digits - std::countr_zero(rest_high) / 4;

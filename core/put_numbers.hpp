@@ -14,8 +14,8 @@ constexpr std::size_t longest_number = 128;
 /// one.
 char* put_integer(char* at, BigInteger const& value) noexcept;
 
-/// Writes the block of a finite float other than 0 in a format that has it; gives where the next
-/// byte goes, null for another one.
-char* put_float(char* at, zelvanite::IEEE754Float const& value) noexcept;
+/// Writes the block of a float in a format that has it, with this decimal point; gives where the
+/// next byte goes, null for another float and for the point 0.
+char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noexcept;
 
 }  // namespace sml::core

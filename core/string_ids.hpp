@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -35,8 +36,13 @@ private:
 
     static constexpr std::size_t first_size = 64;
 
-    /// Handles are equal when their entries are, and an entry's address is that of its text.
-    static void const* key_of(Strings_T const& handle) noexcept { return &handle.str(); }
+    /// Handles are equal when their entries are, and a handle is nothing but its entry's address.
+    static void const* key_of(Strings_T const& handle) noexcept {
+        void const* key;
+        static_assert(sizeof key == sizeof handle);
+        std::memcpy(&key, static_cast<void const*>(&handle), sizeof key);
+        return key;
+    }
 
     /// Multiplied so that the high bits, which choose the slot, depend on all of the address.
     std::size_t slot_of(void const* key) const noexcept {

@@ -99,7 +99,7 @@ private:
 
     void write(zelvanite::IEEE754Float const& value) {
         archive_.float_range.touch(value.width);
-        if (char* const next = put_float(archive_.room.at, value))
+        if (char* const next = put_float(archive_.room.at, value, archive_.point))
             return archive_.have_put(next - sizeof(std::int32_t), next);
         FloatText const text(value);
         put_block(text.data(), text.size());
@@ -204,7 +204,7 @@ private:
         if (char const* const block = archive_.view(length, width_size)) {
             auto const width_before = value.width;
             set_width(value, core::word_at<std::int32_t>(block + length));
-            if (take_float(block, static_cast<std::size_t>(length), value))
+            if (take_float(block, static_cast<std::size_t>(length), value, archive_.point))
                 return archive_.skip(length, width_size);
             value.width = width_before;  // memory for the text can run out
         }

@@ -153,7 +153,7 @@ void StringOArchive::close_chunk() {
 
 void StringOArchive::add_chunk(std::size_t least_size) {
     constexpr std::size_t smallest = 4 * core::room_ahead;
-    constexpr std::size_t largest = std::size_t{1} << 22;
+    constexpr std::size_t largest = std::size_t{1} << 20;
     close_chunk();
     std::size_t const size =
         std::max(least_size + core::room_ahead, std::clamp(written_, smallest, largest));

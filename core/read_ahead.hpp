@@ -7,12 +7,14 @@
 
 namespace sml::core {
 
-/// Asks for the memory of an object.
+/// Asks for the memory of an object. What a large one owns was mostly allocated right after it, so
+/// that is asked for, too.
 template <class T>
 inline void prefetch(T const& object) noexcept {
     constexpr std::size_t line = 64;
+    constexpr std::size_t owned = sizeof(T) < 2 * line ? 0 : 8 * line;
     auto const* const     bytes = reinterpret_cast<char const*>(&object);
-    for (std::size_t i = 0; i < sizeof(T); i += line) __builtin_prefetch(bytes + i);
+    for (std::size_t i = 0; i < sizeof(T) + owned; i += line) __builtin_prefetch(bytes + i);
 }
 
 /// Calls `use` with each element in turn, while the next one is on its way.

@@ -2,6 +2,7 @@
 
 #include "bench/plain/plain.hpp"
 #include "tests/core/comma_locale.hpp"
+#include "tests/plain/outcome.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/wire.hpp"
 
@@ -14,6 +15,7 @@ namespace {
 
 using namespace std::string_view_literals;
 using Engine = std::mt19937_64;
+using plain_test::Range;
 using sml::BigInteger;
 using zelvanite::IEEE754Float;
 
@@ -30,12 +32,6 @@ std::string plainly_written(T const& value) {
     plain::Writer{stream}(value);
     return stream.str();
 }
-
-struct Range {
-    mpfr_exp_t least = mpfr_get_emin();
-    mpfr_exp_t most = mpfr_get_emax();
-    bool       operator==(Range const&) const = default;
-};
 
 /// What makes up a float: its precision, sign, exponent and limbs.
 std::vector<std::uint64_t> parts(IEEE754Float const& value) {

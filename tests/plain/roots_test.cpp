@@ -2,36 +2,18 @@
 
 #include "tests/plain/roots.hpp"
 #include "inspect/verify.hpp"
+#include "tests/plain/outcome.hpp"
 #include "tests/plain/seed.hpp"
 
 #include <gtest/gtest.h>
-#include <mpfr.h>
 
-#include <functional>
 #include <sstream>
-#include <typeinfo>
 
 namespace {
 
 using namespace plain_test;
 
 constexpr int few = 4;
-
-struct Range {
-    mpfr_exp_t least = mpfr_get_emin();
-    mpfr_exp_t most = mpfr_get_emax();
-    bool       operator==(Range const&) const = default;
-};
-
-/// What came of it: nothing, or the type and text of the exception.
-std::string outcome(std::function<void()> const& action) {
-    try {
-        action();
-    } catch (std::exception const& error) {
-        return std::string(typeid(error).name()) + ": " + error.what();
-    }
-    return "";
-}
 
 /// Both read the bytes, and what they have read is written by the plain reference: its bytes tell
 /// values and the order of tables.

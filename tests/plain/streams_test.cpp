@@ -1,12 +1,13 @@
 // Caller's streams in every state, against the plain reference.
 
+#include "tests/plain/caller_streams.hpp"
 #include "tests/plain/roots.hpp"
 #include "tests/plain/seed.hpp"
 
 #include <gtest/gtest.h>
 
-#include <iomanip>
-#include <sstream>
+#include <istream>
+#include <ostream>
 #include <streambuf>
 
 namespace {
@@ -14,28 +15,6 @@ namespace {
 using namespace plain_test;
 
 constexpr int few = 4;
-
-/// Takes so many bytes; then refuses, or throws.
-class Taker : public std::streambuf {
-public:
-    Taker(std::size_t most, bool throws) : most_(most), throws_(throws) {}
-
-    std::string bytes;
-
-protected:
-    int_type overflow(int_type c) override {
-        if (bytes.size() == most_) {
-            if (throws_) throw std::length_error("full");
-            return traits_type::eof();
-        }
-        if (c != traits_type::eof()) bytes += static_cast<char>(c);
-        return traits_type::not_eof(c);
-    }
-
-private:
-    std::size_t most_;
-    bool        throws_;
-};
 
 /// Gives bytes through a window of so many at a time and can't seek; at the end it ends, or throws.
 class Giver : public std::streambuf {
@@ -66,44 +45,9 @@ private:
     std::size_t given_ = 0;
 };
 
-/// One of the settings that a stream can have.
-void set_up(std::ios& stream, std::uint64_t choice) {
-    switch (choice % 8) {
-        case 1: stream.width(7); break;
-        case 2:
-            stream.fill('*');
-            stream.width(3);
-            stream.setf(std::ios::left, std::ios::adjustfield);
-            break;
-        case 3: stream.setf(std::ios::unitbuf); break;
-        case 4: stream.unsetf(std::ios::skipws); break;
-        case 5: stream.exceptions(std::ios::badbit); break;
-        case 6: stream.exceptions(std::ios::badbit | std::ios::failbit | std::ios::eofbit); break;
-        case 7: stream.setf(std::ios::hex | std::ios::showbase | std::ios::uppercase); break;
-        default: break;
-    }
-}
-
-template <class Action>
-std::string outcome(Action const& action) {
-    try {
-        action();
-    } catch (std::exception const& error) {
-        return std::string(typeid(error).name()) + ": " + error.what();
-    }
-    return "";
-}
-
-template <class Buffer>
-std::string written(void (*write)(void const*, std::ostream&), void const* value, Buffer& buffer,
-                    std::uint64_t choice, std::ios::iostate state) {
-    std::ostream stream(&buffer);
-    set_up(stream, choice);
-    std::string result = outcome([&] { stream.setstate(state); });
-    result += outcome([&] { write(value, stream); });
-    result += " state " + std::to_string(stream.rdstate()) + " width " +
-              std::to_string(stream.width()) + " bytes " + buffer.bytes;
-    return result;
+/// Writes one value by one of the root's two functions.
+auto writing(void (*write)(void const*, std::ostream&), Object const& value) {
+    return [write, &value](std::ostream& stream) { write(value.get(), stream); };
 }
 
 TEST(PlainStreams, AreWrittenAlike) {
@@ -120,8 +64,8 @@ TEST(PlainStreams, AreWrittenAlike) {
                                                             : std::ios::badbit;
             Taker               ours(most, throws);
             Taker               expected(most, throws);
-            EXPECT_EQ(written(root.write_to, value.get(), ours, choice, state),
-                      written(root.plain_write_to, value.get(), expected, choice, state))
+            EXPECT_EQ(written(writing(root.write_to, value), ours, choice, state),
+                      written(writing(root.plain_write_to, value), expected, choice, state))
                 << root.stem << " setting " << choice % 8 << " size " << size << " most " << most;
         }
     }
@@ -144,9 +88,8 @@ TEST(PlainStreams, AreWrittenAlikeWhenLong) {
             std::uint64_t const choice = engine();
             Taker               ours(most, throws);
             Taker               expected(most, throws);
-            EXPECT_TRUE(
-                written(root.write_to, value.get(), ours, choice, std::ios::goodbit) ==
-                written(root.plain_write_to, value.get(), expected, choice, std::ios::goodbit))
+            EXPECT_TRUE(written(writing(root.write_to, value), ours, choice) ==
+                        written(writing(root.plain_write_to, value), expected, choice))
                 << root.stem << " setting " << choice % 8 << " size " << size << " most " << most;
         }
     }

@@ -1,0 +1,89 @@
+#pragma once
+// Streams as callers have them: sinks that end, and the settings that a stream can have.
+
+#include "tests/plain/outcome.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <ios>
+#include <ostream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+
+namespace plain_test {
+
+constexpr std::size_t no_end = ~std::size_t{0};
+
+/// Takes so many bytes; then refuses, or throws.
+class Taker : public std::streambuf {
+public:
+    Taker(std::size_t most, bool throws) : most_(most), throws_(throws) {}
+
+    std::string bytes;
+
+protected:
+    int_type overflow(int_type c) override {
+        if (bytes.size() == most_) {
+            if (throws_) throw std::length_error("full");
+            return traits_type::eof();
+        }
+        if (c != traits_type::eof()) bytes += static_cast<char>(c);
+        return traits_type::not_eof(c);
+    }
+
+    std::size_t room() const { return most_ - bytes.size(); }
+    bool        throws() const { return throws_; }
+
+private:
+    std::size_t most_;
+    bool        throws_;
+};
+
+/// Takes a block at once, as far as it has room.
+class BlockTaker : public Taker {
+public:
+    using Taker::Taker;
+
+protected:
+    std::streamsize xsputn(char const* block, std::streamsize size) override {
+        auto const taken = std::min(static_cast<std::size_t>(size), room());
+        bytes.append(block, taken);
+        if (taken < static_cast<std::size_t>(size) && throws()) throw std::length_error("full");
+        return static_cast<std::streamsize>(taken);
+    }
+};
+
+/// One of the settings that a stream can have.
+inline void set_up(std::ios& stream, std::uint64_t choice) {
+    switch (choice % 8) {
+        case 1: stream.width(7); break;
+        case 2:
+            stream.fill('*');
+            stream.width(3);
+            stream.setf(std::ios::left, std::ios::adjustfield);
+            break;
+        case 3: stream.setf(std::ios::unitbuf); break;
+        case 4: stream.unsetf(std::ios::skipws); break;
+        case 5: stream.exceptions(std::ios::badbit); break;
+        case 6: stream.exceptions(std::ios::badbit | std::ios::failbit | std::ios::eofbit); break;
+        case 7: stream.setf(std::ios::hex | std::ios::showbase | std::ios::uppercase); break;
+        default: break;
+    }
+}
+
+/// What writing to a stream over `buffer` comes to, for one choice of settings.
+template <class Write>
+std::string written(Write const& write, Taker& buffer, std::uint64_t choice,
+                    std::ios::iostate state = std::ios::goodbit) {
+    std::ostream stream(&buffer);
+    set_up(stream, choice);
+    std::string result = outcome([&] { stream.setstate(state); });
+    result += outcome([&] { write(stream); });
+    result += " state " + std::to_string(stream.rdstate()) + " width " +
+              std::to_string(stream.width()) + " bytes " + buffer.bytes;
+    return result;
+}
+
+}  // namespace plain_test

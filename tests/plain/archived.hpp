@@ -1,0 +1,52 @@
+#pragma once
+// Values of any type through the archives and through the plain reference.
+
+#include "bench/plain/plain.hpp"
+#include "core/archives.hpp"
+#include "core/transfer.hpp"
+
+#include <istream>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace plain_test {
+
+/// Writes over the bytes that `result` holds.
+template <class T>
+std::string archived(T const& value, std::string result = {}) {
+    sml::StringOArchive archive(result);
+    sml::core::Writer{archive}.write_with_room(value);
+    archive.finish();
+    return result;
+}
+
+template <class T>
+std::string plainly_written(T const& value) {
+    std::ostringstream stream;
+    plain::to_stream(value, stream);
+    return std::move(stream).str();
+}
+
+template <class T>
+auto archiving(T const& value) {
+    return [&value](std::ostream& stream) {
+        sml::StreamOArchive archive(stream);
+        sml::core::Writer{archive}.write_with_room(value);
+        archive.finish();
+    };
+}
+
+template <class T>
+auto plainly_writing(T const& value) {
+    return [&value](std::ostream& stream) { plain::to_stream(value, stream); };
+}
+
+template <class T>
+void read_archived(T& value, std::istream& stream) {
+    sml::StreamIArchive archive(stream);
+    sml::core::Reader{archive}(value);
+}
+
+}  // namespace plain_test

@@ -1,0 +1,320 @@
+// What a caller's stream buffer and locale may do, against the plain reference.
+
+#include "bindings/bindings.hpp"
+#include "tests/plain/archived.hpp"
+#include "tests/plain/caller_streams.hpp"
+#include "tests/plain/seed.hpp"
+#include "tests/random_values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <locale>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace plain_test;
+using Engine = std::mt19937_64;
+using sml::Strings_T;
+
+/// Holds a part of its bytes at a time, in memory that is new each time.
+class Refilled : public std::streambuf {
+public:
+    Refilled(std::string bytes, std::size_t window) : bytes_(std::move(bytes)), window_(window) {}
+
+    /// How many bytes have been taken.
+    std::size_t taken() const { return held_to_ - static_cast<std::size_t>(egptr() - gptr()); }
+
+protected:
+    int_type underflow() override {
+        hold_from(held_to_, window_);
+        return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
+    }
+
+    /// Holds up to so many bytes from there on.
+    void hold_from(std::size_t start, std::size_t size) {
+        size = std::min(size, bytes_.size() - start);
+        held_ = std::make_unique_for_overwrite<char[]>(size);
+        std::memcpy(held_.get(), bytes_.data() + start, size);
+        setg(held_.get(), held_.get(), held_.get() + size);
+        held_to_ = start + size;
+    }
+
+    std::size_t window() const { return window_; }
+
+private:
+    std::string             bytes_;
+    std::size_t             window_;
+    std::size_t             held_to_ = 0;
+    std::unique_ptr<char[]> held_;
+};
+
+/// Moves what it holds to the front, or to other memory, whenever a block has been read.
+class Compacting : public Refilled {
+public:
+    using Refilled::Refilled;
+
+protected:
+    std::streamsize xsgetn(char* block, std::streamsize size) override {
+        std::streamsize const given = std::streambuf::xsgetn(block, size);
+        auto const            left = egptr() - gptr();
+        std::memmove(eback(), gptr(), static_cast<std::size_t>(left));
+        setg(eback(), eback(), eback() + left);
+        return given;
+    }
+};
+
+/// Fills itself up in other memory whenever a block has been read.
+class FilledUp : public Refilled {
+public:
+    using Refilled::Refilled;
+
+protected:
+    std::streamsize xsgetn(char* block, std::streamsize size) override {
+        std::streamsize const given = std::streambuf::xsgetn(block, size);
+        hold_from(taken(), window());
+        return given;
+    }
+};
+
+/// Holds nothing whenever a block has been read: the next byte is asked for anew.
+class Emptied : public Refilled {
+public:
+    using Refilled::Refilled;
+
+protected:
+    std::streamsize xsgetn(char* block, std::streamsize size) override {
+        std::streamsize const given = std::streambuf::xsgetn(block, size);
+        hold_from(taken(), 0);
+        return given;
+    }
+};
+
+/// Gives what has not been read back when it is flushed, as a file does that is read and written.
+class Duplex : public Refilled {
+public:
+    using Refilled::Refilled;
+
+protected:
+    int sync() override {
+        hold_from(taken(), 0);
+        return 0;
+    }
+};
+
+/// Reads two objects; tells what came of each, what was taken, and what they hold.
+template <class Buffer, class T, class Read>
+std::string read_two(std::string const& bytes, std::size_t window, bool is_tied, Read const& read) {
+    Buffer       buffer(bytes, window);
+    std::istream stream(&buffer);
+    std::ostream other_way(&buffer);
+    if (is_tied) stream.tie(&other_way);
+    std::string told;
+    for (int object = 0; object < 2; ++object) {
+        T value{};
+        told += outcome([&] { read(value, stream); });
+        told += " state " + std::to_string(stream.rdstate()) + " count " +
+                std::to_string(stream.gcount()) + " taken " + std::to_string(buffer.taken()) +
+                " value " + plainly_written(value);
+    }
+    return told;
+}
+
+template <class Buffer, class T, class Read>
+void expect_read_alike(std::string const& bytes, Engine& engine, Read const& read) {
+    std::size_t const windows[] = {1, 7, 8, 20, 64, 200, 10'000};
+    std::size_t const window = windows[engine() % 7];
+    auto const        read_plainly = [](T& value, std::istream& stream) {
+        plain::from_stream(value, stream);
+    };
+    for (bool const is_tied : {false, true}) {
+        ASSERT_EQ((read_two<Buffer, T>(bytes, window, is_tied, read)),
+                  (read_two<Buffer, T>(bytes, window, is_tied, read_plainly)))
+            << "window " << window << " tied " << is_tied;
+    }
+}
+
+template <class T, class Read>
+void expect_read_alike_from_all(std::string const& bytes, Engine& engine, Read const& read) {
+    expect_read_alike<Compacting, T>(bytes, engine, read);
+    expect_read_alike<FilledUp, T>(bytes, engine, read);
+    expect_read_alike<Emptied, T>(bytes, engine, read);
+    expect_read_alike<Duplex, T>(bytes, engine, read);
+}
+
+template <class T>
+void expect_two_read_alike(Engine& engine) {
+    for (int i = count(100, 5000); i > 0 && !testing::Test::HasFailure(); --i) {
+        RandomValues      random(engine(), {8, 3});
+        std::string const bytes =
+            plainly_written(random.make<T>()) + plainly_written(random.make<T>()) + "behind";
+        expect_read_alike_from_all<T>(bytes, engine, read_archived<T>);
+    }
+}
+
+TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoObjects) {
+    Engine engine(seed());
+    expect_two_read_alike<std::int64_t>(engine);
+    expect_two_read_alike<bool>(engine);
+    expect_two_read_alike<std::pair<std::int32_t, bool>>(engine);
+    expect_two_read_alike<std::tuple<std::int32_t, std::array<bool, 4>>>(engine);
+    expect_two_read_alike<std::list<std::pair<std::int64_t, bool>>>(engine);
+    expect_two_read_alike<std::list<std::optional<std::int32_t>>>(engine);
+    expect_two_read_alike<std::pair<std::string, bool>>(engine);
+    expect_two_read_alike<std::list<Strings_T>>(engine);
+    expect_two_read_alike<std::pair<sml::BigInteger, std::optional<bool>>>(engine);
+    expect_two_read_alike<std::pair<zelvanite::IEEE754Float, std::array<bool, 4>>>(engine);
+    expect_two_read_alike<std::tuple<double, bool, std::list<sml::BigInteger>>>(engine);
+}
+
+TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
+    Engine engine(seed() + 1);
+    for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+        RandomValues random(engine(), {12, 3});
+
+        using Reference = sml::Interrogators::T_FunctionRef;
+        std::string bytes = plainly_written(random.make<Reference>());
+        bytes += plainly_written(random.make<Reference>());
+        expect_read_alike_from_all<Reference>(bytes, engine,
+                                              sml::Interrogators_FunctionRef_fromStream);
+
+        using Ids = sml::core::HashedMap<std::pair<Strings_T, std::int32_t>, std::int32_t>;
+        bytes = plainly_written(random.make<Ids>());
+        bytes += plainly_written(random.make<Ids>());
+        expect_read_alike_from_all<Ids>(
+            bytes, engine, sml::Base_Gui_Internal_Form_Datas_Kernel_To_GUI_InfoId_T_fromStream);
+
+        using Definitions =
+            std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Info_Definition>;
+        bytes = plainly_written(random.make<Definitions>());
+        bytes += plainly_written(random.make<Definitions>());
+        expect_read_alike_from_all<Definitions>(
+            bytes, engine,
+            sml::Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T_fromStream);
+    }
+}
+
+/// The second text of the first object has a length that no text has.
+TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
+    using Item = std::tuple<std::int32_t, std::array<bool, 4>, std::string, bool, std::string>;
+    Engine engine(seed() + 2);
+    for (int i = count(200, 5000); i > 0 && !HasFailure(); --i) {
+        Item        item{1, {true, false, true, true}, std::string(engine() % 200, 'a'), true, ""};
+        std::string bytes = plainly_written(item);
+        bytes.replace(bytes.size() - 4, 4, 4, '\xff');
+        bytes += plainly_written(item) + "behind";
+        expect_read_alike_from_all<Item>(bytes, engine, read_archived<Item>);
+    }
+}
+
+/// The classic locale, but these characters are white space, too; a blank is where it says so.
+std::locale locale_with_spaces(std::string_view spaces, bool blank) {
+    using Kinds = std::ctype<char>;
+    static std::list<std::vector<Kinds::mask>> tables;  // one for each locale, which refers to it
+
+    auto& table =
+        tables.emplace_back(Kinds::classic_table(), Kinds::classic_table() + Kinds::table_size);
+    for (char const space : spaces) table[static_cast<unsigned char>(space)] |= Kinds::space;
+    if (!blank) table[' '] = Kinds::print;
+    return {std::locale::classic(), new Kinds(table.data())};
+}
+
+using Flags = std::tuple<std::int32_t, bool, bool, std::array<bool, 4>, std::int32_t, bool>;
+
+/// Reads two values; tells where each leaves the stream, and what they hold.
+std::string read_flags(std::string const& bytes, std::locale const& locale, bool skips,
+                       void (*read)(Flags&, std::istream&)) {
+    std::istringstream stream(bytes);
+    stream.imbue(locale);
+    if (!skips) stream.unsetf(std::ios::skipws);
+    std::string told;
+    for (int object = 0; object < 2; ++object) {
+        Flags value{};
+        read(value, stream);
+        told += " state " + std::to_string(stream.rdstate()) + " count " +
+                std::to_string(stream.gcount()) + " at " + std::to_string(stream.tellg()) +
+                " value " + plainly_written(value);
+    }
+    return told;
+}
+
+TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
+    Engine engine(seed() + 3);
+    for (std::string_view const spaces : {"", "T", "F", "TF", "01", "TF0"}) {
+        for (bool const has_blank : {true, false}) {
+            std::locale const locale = locale_with_spaces(spaces, has_blank);
+            for (int i = count(50, 5000); i > 0 && !HasFailure(); --i) {
+                std::string bytes;
+                while (bytes.size() < 60) bytes += "TF01 \n"[engine() % 6];
+                bool const skips = engine() % 2 == 0;
+                EXPECT_EQ(read_flags(bytes, locale, skips, read_archived<Flags>),
+                          read_flags(bytes, locale, skips, plain::from_stream<Flags>))
+                    << "spaces " << spaces << " blank " << has_blank << " skips " << skips
+                    << " bytes " << bytes;
+            }
+        }
+    }
+}
+
+/// Notes the exponent range at each call.
+class Watcher : public BlockTaker {
+public:
+    Watcher() : BlockTaker(no_end, false) {}
+
+    std::vector<Range> seen;
+
+protected:
+    int_type overflow(int_type c) override {
+        seen.emplace_back();
+        return BlockTaker::overflow(c);
+    }
+    std::streamsize xsputn(char const* block, std::streamsize size) override {
+        seen.emplace_back();
+        return BlockTaker::xsputn(block, size);
+    }
+};
+
+using Floats =
+    std::pair<zelvanite::IEEE754Float,
+              std::list<std::tuple<std::optional<zelvanite::IEEE754Float>, std::string, bool>>>;
+
+Floats random_floats(Engine& engine) {
+    RandomValues random(engine());
+    Floats       value{random.make<zelvanite::IEEE754Float>(), {}};
+    for (auto left = engine() % 40; left > 0; --left) {
+        auto& item = value.second.emplace_back();
+        random.fill(std::get<0>(item));
+        std::get<1>(item).resize(engine() % 8 == 0 ? engine() % 20'000 : engine() % 5, 'a');
+    }
+    return value;
+}
+
+/// The exponent ranges that the stream's buffer sees; the last is the one that is left.
+std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
+    mpfr_set_emin(-5000);
+    mpfr_set_emax(5000);
+    Watcher watcher;
+    written(write, watcher, choice);
+    watcher.seen.emplace_back();
+    return watcher.seen;
+}
+
+/// Not the one that the process had before: a float comes first.
+TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
+    Engine engine(seed() + 4);
+    for (int i = count(500, 20'000); i > 0 && !HasFailure(); --i) {
+        Floats const        value = random_floats(engine);
+        std::uint64_t const choice = engine();
+        auto const          seen = ranges_seen(archiving(value), choice);
+        auto const          expected = ranges_seen(plainly_writing(value), choice);
+        EXPECT_EQ(seen.back(), expected.back());
+        EXPECT_EQ(seen[seen.size() - 2], expected[expected.size() - 2]);
+        for (Range const& range : seen)
+            EXPECT_NE(std::ranges::find(expected, range), expected.end())
+                << range.least << " to " << range.most;
+    }
+}
+
+}  // namespace

@@ -152,11 +152,9 @@ void StringOArchive::close_chunk() {
 }
 
 void StringOArchive::add_chunk(std::size_t least_size) {
-    constexpr std::size_t smallest = 4 * core::room_ahead;
-    constexpr std::size_t largest = std::size_t{1} << 20;
     close_chunk();
-    std::size_t const size =
-        std::max(least_size + core::room_ahead, std::clamp(written_, smallest, largest));
+    std::size_t const size = std::max(least_size + core::room_ahead,
+                                      std::clamp(written_, smallest_chunk, largest_chunk));
     chunks_.push_back({std::make_unique_for_overwrite<char[]>(size), 0});
     start_ = chunks_.back().bytes.get();
     room = {start_, start_ + size - core::room_ahead};

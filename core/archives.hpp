@@ -119,6 +119,9 @@ class StringOArchive {
 public:
     static constexpr bool writes = true;
 
+    static constexpr std::size_t smallest_chunk = 4 * core::room_ahead;
+    static constexpr std::size_t largest_chunk = std::size_t{1} << 20;
+
     /// `result` gets the bytes when `finish` is called. Until then what it holds is overwritten.
     explicit StringOArchive(std::string& result);
 

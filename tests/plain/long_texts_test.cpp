@@ -18,8 +18,8 @@ using sml::Strings_T;
 using sml::core::room_ahead;
 
 constexpr std::size_t stream_buffer = 8 * room_ahead;
-constexpr std::size_t first_chunk = 4 * room_ahead;
-constexpr std::size_t largest_chunk = std::size_t{1} << 22;
+constexpr std::size_t first_chunk = sml::StringOArchive::smallest_chunk;
+constexpr std::size_t largest_chunk = sml::StringOArchive::largest_chunk;
 constexpr std::size_t near = 20;
 
 /// Bytes that tell where they stand; another text each time.

@@ -7,6 +7,7 @@
 
 #include "core/kinds.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -98,7 +99,8 @@ private:
     template <class Variant>
     void fill_any_arm(Variant& variant) {
         constexpr auto count = static_cast<std::uint32_t>(Variant::arms::count);
-        std::uint32_t  tag = draws_.below(count);
+        static_assert(std::ranges::count(Variant::arms::has_payload, true) > 0);
+        std::uint32_t tag = draws_.below(count);
         if (arms_ == Arms_Drawn::with_payload)
             while (!Variant::arms::has_payload[tag]) tag = (tag + 1) % count;
         variant.choose_tag(static_cast<std::int32_t>(tag));

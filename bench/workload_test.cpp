@@ -205,6 +205,46 @@ TEST(Workload, EveryTenthCheckHasAFailureOfZeroToEightSteps) {
     EXPECT_EQ(failures_by_steps.rbegin()->first, 8u);
 }
 
+struct Arms {
+    template <class T>
+    void operator()(T const& part) {
+        if constexpr (sml::core::HashedVariant<T>) {
+            ++variants;
+            auto const tag = static_cast<std::size_t>(std::int32_t{part.tag});
+            if (part.tag < 0 || !T::arms::has_payload[tag]) ++bare;
+        } else if constexpr (std::is_same_v<T, sml::Failure::T>) {
+            ++failures;
+            if (part.technology.tag == 3) ++failures_with_arm_3;
+        }
+    }
+
+    std::size_t variants = 0;
+    std::size_t bare = 0;
+    std::size_t failures = 0;
+    std::size_t failures_with_arm_3 = 0;
+};
+
+TEST(Workload, HasNoArmWithoutPayloadWhereNoneIsWanted) {
+    Arms usual;
+    bench::walk(large_workload(), usual);
+    EXPECT_GT(usual.bare, many_checks);
+    EXPECT_LT(usual.failures_with_arm_3, usual.failures);
+
+    auto const value = bench::workload_without_bare_arms(many_checks);
+    Arms       wanted;
+    bench::walk(value, wanted);
+    EXPECT_GT(wanted.variants, many_checks);
+    EXPECT_EQ(wanted.bare, 0u);
+    EXPECT_EQ(wanted.failures, many_checks / 10);
+    EXPECT_EQ(wanted.failures_with_arm_3, wanted.failures);
+
+    T_Application_Results other;
+    sml::Application_Results_Application_Results_toCxx(other, bytes_of(value).c_str());
+    EXPECT_TRUE(value == other);
+    EXPECT_FALSE(value < other);
+    EXPECT_FALSE(other < value);
+}
+
 TEST(Workload, HasTheFixedMixOfIntegers) {
     auto const& integers = large_mix().integers;
     expect_about(percent(integers, IntegerClass::below_300), 45, 0.03);

@@ -1,8 +1,11 @@
 #include "core/archives.hpp"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <limits>
 #include <locale>
+#include <new>
 #include <utility>
 
 namespace sml {
@@ -144,6 +147,23 @@ StringOArchive::StringOArchive(std::string& result)
         add_chunk(0);
 }
 
+/// Large chunks go back to the system as soon as they have been joined: free memory that the heap
+/// keeps would add as much again to the peak.
+StringOArchive::Memory StringOArchive::allocate(std::size_t size) {
+    if (size < largest_chunk) return {new char[size], Free{size}};
+    void* const pages =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages == MAP_FAILED) throw std::bad_alloc();
+    return {static_cast<char*>(pages), Free{size}};
+}
+
+void StringOArchive::Free::operator()(char* bytes) const noexcept {
+    if (size < largest_chunk)
+        delete[] bytes;
+    else
+        ::munmap(bytes, size);
+}
+
 void StringOArchive::close_chunk() {
     auto const size = static_cast<std::size_t>(room.at - start_);
     if (!chunks_.empty()) chunks_.back().size = size;
@@ -155,7 +175,7 @@ void StringOArchive::add_chunk(std::size_t least_size) {
     close_chunk();
     std::size_t const size = std::max(least_size + core::room_ahead,
                                       std::clamp(written_, smallest_chunk, largest_chunk));
-    chunks_.push_back({std::make_unique_for_overwrite<char[]>(size), 0});
+    chunks_.push_back({allocate(size), 0});
     start_ = chunks_.back().bytes.get();
     room = {start_, start_ + size - core::room_ahead};
 }

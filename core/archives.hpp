@@ -151,10 +151,20 @@ public:
     void finish();
 
 private:
-    struct Chunk {
-        std::unique_ptr<char[]> bytes;
-        std::size_t             size;  // of what has been written
+    /// Frees what `allocate` gave.
+    struct Free {
+        std::size_t size;
+
+        void operator()(char* bytes) const noexcept;
     };
+    using Memory = std::unique_ptr<char[], Free>;
+
+    struct Chunk {
+        Memory      bytes;
+        std::size_t size;  // of what has been written
+    };
+
+    static Memory allocate(std::size_t size);
 
     void add_chunk(std::size_t least_size);
     void close_chunk();

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Runs all benchmarks of carrying and prints their figures as tables.
 
-  table.py [--sizes N,...] [--rounds R] [--million] BUILD
+  table.py [--sizes N,...] [--carriers NAME,...] [--rounds R] [--million] BUILD
 
 BUILD is the build directory; `bench` is its target. Each carrier runs in a process of its own, in
-turns, R times (3 by default) with three repetitions each; given are the medians. --million adds one
-encoding and one decoding of a million checks, which take about 8 GB.
+turns, R times (2 by default) with five repetitions each; given are the medians. Without --carriers all
+that are built run; plain and library always do. --million adds one encoding and one decoding of a
+million checks, which take about 8 GB.
 """
 
 import argparse
@@ -18,7 +19,7 @@ import subprocess
 import sys
 import tempfile
 
-REPETITIONS = 3
+REPETITIONS = 5
 MILLION = 1_000_000
 MILLION_MEMORY = 12e9  # what is asked for, in bytes
 
@@ -38,10 +39,13 @@ def run(*command):
 class Timings:
     """The times of all benchmarks, in microseconds a check."""
 
-    def __init__(self, program, sizes, rounds):
+    def __init__(self, program, sizes, rounds, wanted):
         names = run(program, "--benchmark_list_tests").split()
         self.carriers = list(dict.fromkeys(name.split("/")[0] for name in names if "/" in name
                                            and name.split("/")[1] in (*OPERATIONS, *LIMITS)))
+        if wanted:
+            self.carriers = [carrier for carrier in self.carriers
+                             if carrier in ("plain", "library", *wanted)]
         self.sizes = sizes
         self.times = {}
         self.first = {}
@@ -118,6 +122,8 @@ def print_peers(timings):
 
 
 def print_limits(timings):
+    if "limit" not in timings.carriers:
+        return
     rows = []
     for size in timings.sizes:
         rows += [[told, f"{size:,}", f"{timings('limit', limit, size):.2f}"]
@@ -178,12 +184,15 @@ def main():
     parser.add_argument("build", type=pathlib.Path, metavar="BUILD")
     parser.add_argument("--sizes", default="1000,10000,100000", metavar="N,...",
                         help="some of 1000, 10000 and 100000, ascending")
-    parser.add_argument("--rounds", type=int, default=3, metavar="R")
+    parser.add_argument("--carriers", metavar="NAME,...",
+                        help="some of cereal, boost, protobuf, flatbuffers and limit")
+    parser.add_argument("--rounds", type=int, default=2, metavar="R")
     parser.add_argument("--million", action="store_true")
     options = parser.parse_args()
     sizes = [int(size) for size in options.sizes.split(",")]
 
-    timings = Timings(options.build / "bench" / "bench", sizes, options.rounds)
+    wanted = options.carriers.split(",") if options.carriers else None
+    timings = Timings(options.build / "bench" / "bench", sizes, options.rounds, wanted)
     print_against_plain(timings)
     print_peers(timings)
     print_limits(timings)

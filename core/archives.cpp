@@ -121,7 +121,7 @@ void StreamIArchive::close() {
         char again[longest_view];
         Buffered::skip_to(buffer, item_);
         stream_->read(again, item_size_);
-        for (; flags > 0; --flags) buffer.sbumpc();
+        for (; flags > 0 && stream_->good(); --flags) buffer.sbumpc();
     }
     at_ = end_ = nullptr;
 }

@@ -14,7 +14,7 @@ __attribute__((init_priority(102))) std::string shared_result;
 // that fails leaves the latest result as it is.
 __attribute__((init_priority(102))) std::string spare_result;
 
-constexpr std::size_t largest_spare = std::size_t{256} << 20;
+constexpr std::size_t largest_spare = std::size_t{128} << 20;
 
 template <class T>
 void read_bytes(T& value, char const* bytes) {

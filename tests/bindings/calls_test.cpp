@@ -89,7 +89,7 @@ TEST(SharedResult, StaysUntilTheNextCall) {
 }
 
 TEST(SharedResult, GivesBackTheMemoryOfALargeOne) {
-    std::size_t const large = 70'000'000;
+    std::size_t const large = 140'000'000;
     StringSets        sets;
     sets[Strings_T(std::string(large, 'x'))];
     EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), large);

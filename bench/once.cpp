@@ -121,10 +121,10 @@ std::string_view mapped(char const* path) {
 void measure(std::function<std::size_t()> const& call) {
     using Clock = std::chrono::steady_clock;
     malloc_trim(0);
-    Heap const before = heap;
-    heap.peak = heap.size;
     forget_peak();
     auto const resident = told("VmRSS:");
+    heap.peak = heap.size;
+    Heap const before = heap;
     auto const start = Clock::now();
     auto const size = call();
     auto const time = std::chrono::duration<double, std::nano>(Clock::now() - start).count();

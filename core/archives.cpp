@@ -113,17 +113,18 @@ void StreamIArchive::open() {
 /// That can move what its buffer holds. The flags behind that item are taken one by one.
 void StreamIArchive::close() {
     if (at_ == nullptr) return;
-    std::streambuf& buffer = *stream_->rdbuf();
+    std::streambuf&   buffer = *stream_->rdbuf();
+    char const* const at = std::exchange(at_, nullptr);  // not valid any more if the read throws
+    end_ = nullptr;
     if (item_ == nullptr) {
-        Buffered::skip_to(buffer, at_);
+        Buffered::skip_to(buffer, at);
     } else {
-        auto flags = at_ - (item_ + item_size_);
+        auto flags = at - (item_ + item_size_);
         char again[longest_view];
         Buffered::skip_to(buffer, item_);
         stream_->read(again, item_size_);
         for (; flags > 0 && stream_->good(); --flags) buffer.sbumpc();
     }
-    at_ = end_ = nullptr;
 }
 
 void StreamIArchive::get(char* bytes, std::int64_t size) {

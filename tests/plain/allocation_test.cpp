@@ -84,10 +84,10 @@ struct Strings {
     bool operator==(Strings const&) const = default;
 };
 
-/// Some of the floats become such as are told in words or as a zero: they are not taken apart digit
-/// by digit, but in a block that is allocated.
+/// Some of the floats become such as no writer makes: they are not taken apart digit by digit, but
+/// in a block that is allocated.
 std::string with_odd_floats(std::string bytes, Engine& engine) {
-    constexpr std::string_view odd[] = {"0X0P+0", "-0X0P+0", "INF", "-INF"};
+    constexpr std::string_view odd[] = {"0x0p+0", "-0x1.8p+1", "inf", "-inf"};
     for (std::size_t at = bytes.find("0X"); at != std::string::npos;
          at = bytes.find("0X", at + 1)) {
         std::size_t const start = at > 0 && bytes[at - 1] == '-' ? at - 1 : at;

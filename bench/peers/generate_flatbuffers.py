@@ -9,11 +9,7 @@ table. Strings are numbers of a table in the root. A big integer is a long or, w
 fit, bytes.
 """
 
-import json
-import pathlib
-import sys
-
-from schema_uses import Generator, element, entry, held, whole
+from schema_uses import Generator, element, entry, held, main, whole
 
 WORDS = {"int32": "int", "uint32": "uint", "int64": "long", "uint64": "ulong",
          "bool": "bool", "double": "double", "string": "uint"}
@@ -297,12 +293,5 @@ class FlatbuffersGenerator(Generator):
         self.write_functions(directory / "graph_tables.hpp")
 
 
-def main(schema, directory):
-    generator = FlatbuffersGenerator(json.loads(pathlib.Path(schema).read_text()))
-    generator.write(pathlib.Path(directory))
-
-
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
-        sys.exit(__doc__)
-    main(*sys.argv[1:])
+    main(FlatbuffersGenerator, __doc__)

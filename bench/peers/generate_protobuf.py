@@ -8,11 +8,7 @@ Strings are numbers of a table in the message of the root. A big integer is a si
 does not fit, bytes. The tag of a variant is written only where the arm does not tell it.
 """
 
-import json
-import pathlib
-import sys
-
-from schema_uses import Generator, element, entry, held, whole
+from schema_uses import Generator, element, entry, held, main, whole
 
 WORDS = {"int32": "sint32", "uint32": "uint32", "int64": "sint64", "uint64": "fixed64",
          "bool": "bool", "double": "double", "string": "uint32"}
@@ -176,12 +172,5 @@ class ProtobufGenerator(Generator):
         self.write_functions(directory / "graph_messages.hpp")
 
 
-def main(schema, directory):
-    generator = ProtobufGenerator(json.loads(pathlib.Path(schema).read_text()))
-    generator.write(pathlib.Path(directory))
-
-
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
-        sys.exit(__doc__)
-    main(*sys.argv[1:])
+    main(ProtobufGenerator, __doc__)

@@ -4,6 +4,8 @@ A use is what stands where a type is told: a name, or an object such as {"list":
 """
 
 import json
+import pathlib
+import sys
 
 COMPOUNDS = {"optional": "optional", "map": "map", "tuple": "parts", "whole": "parts",
              "list": "repeated", "set": "repeated"}
@@ -118,3 +120,11 @@ class Generator:
 
     def write_functions(self, path):
         path.write_text("\n".join(self.ahead + self.functions) + "\n")
+
+
+def main(generator, usage):
+    """Runs a derived class on the arguments: a printed schema and a directory."""
+    if len(sys.argv) != 3:
+        sys.exit(usage)
+    schema, directory = map(pathlib.Path, sys.argv[1:])
+    generator(json.loads(schema.read_text())).write(directory)

@@ -8,13 +8,13 @@
 #include "core/ieee754_float.hpp"
 #include "inspect/canonical.hpp"
 #include "tests/allocations.hpp"
+#include "tests/plain/outcome.hpp"
 #include "tests/plain/roots.hpp"
 #include "tests/plain/seed.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
 
-#include <compare>
 #include <map>
 #include <new>
 #include <random>
@@ -33,13 +33,6 @@ using allocations::Shortage;
 using Engine = std::mt19937_64;
 
 constexpr int few = 4;
-
-/// MPFR's exponent range.
-struct Range {
-    mpfr_exp_t least = mpfr_get_emin();
-    mpfr_exp_t most = mpfr_get_emax();
-    auto       operator<=>(Range const&) const = default;
-};
 
 /// One that is known, for every call to begin with.
 void start_range() { zelvanite::IEEE754Float::set_range(zelvanite::IEEE754Float::Format::of(16)); }

@@ -3,6 +3,7 @@
 
 #include <mpfr.h>
 
+#include <compare>
 #include <exception>
 #include <string>
 #include <typeinfo>
@@ -13,7 +14,7 @@ namespace plain_test {
 struct Range {
     mpfr_exp_t least = mpfr_get_emin();
     mpfr_exp_t most = mpfr_get_emax();
-    bool       operator==(Range const&) const = default;
+    auto       operator<=>(Range const&) const = default;
 };
 
 /// What came of it: nothing, or the type and text of the exception.

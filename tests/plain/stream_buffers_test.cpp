@@ -51,45 +51,50 @@ private:
     std::unique_ptr<char[]> held_;
 };
 
-/// Moves what it holds to the front, or to other memory, whenever a block has been read.
-class Compacting : public Refilled {
+/// Changes what it holds whenever a block has been read.
+class Changing : public Refilled {
 public:
     using Refilled::Refilled;
 
 protected:
     std::streamsize xsgetn(char* block, std::streamsize size) override {
         std::streamsize const given = std::streambuf::xsgetn(block, size);
-        auto const            left = egptr() - gptr();
+        change();
+        return given;
+    }
+
+    virtual void change() = 0;
+};
+
+/// Moves what it holds to the front.
+class Compacting : public Changing {
+public:
+    using Changing::Changing;
+
+protected:
+    void change() override {
+        auto const left = egptr() - gptr();
         std::memmove(eback(), gptr(), static_cast<std::size_t>(left));
         setg(eback(), eback(), eback() + left);
-        return given;
     }
 };
 
-/// Fills itself up in other memory whenever a block has been read.
-class FilledUp : public Refilled {
+/// Fills itself up in other memory.
+class FilledUp : public Changing {
 public:
-    using Refilled::Refilled;
+    using Changing::Changing;
 
 protected:
-    std::streamsize xsgetn(char* block, std::streamsize size) override {
-        std::streamsize const given = std::streambuf::xsgetn(block, size);
-        hold_from(taken(), window());
-        return given;
-    }
+    void change() override { hold_from(taken(), window()); }
 };
 
-/// Holds nothing whenever a block has been read: the next byte is asked for anew.
-class Emptied : public Refilled {
+/// Holds nothing: the next byte is asked for anew.
+class Emptied : public Changing {
 public:
-    using Refilled::Refilled;
+    using Changing::Changing;
 
 protected:
-    std::streamsize xsgetn(char* block, std::streamsize size) override {
-        std::streamsize const given = std::streambuf::xsgetn(block, size);
-        hold_from(taken(), 0);
-        return given;
-    }
+    void change() override { hold_from(taken(), 0); }
 };
 
 /// Gives what has not been read back when it is flushed, as a file does that is read and written.
@@ -101,6 +106,18 @@ protected:
     int sync() override {
         hold_from(taken(), 0);
         return 0;
+    }
+};
+
+/// Throws when it is flushed, what has not been read given back.
+class Unflushable : public Refilled {
+public:
+    using Refilled::Refilled;
+
+protected:
+    int sync() override {
+        hold_from(taken(), 0);
+        throw std::runtime_error("no flush");
     }
 };
 
@@ -193,6 +210,25 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
         expect_read_alike_from_all<Definitions>(
             bytes, engine,
             sml::Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T_fromStream);
+    }
+}
+
+/// The plain reference meets the exception at another item, so that only ours is told.
+TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
+    using Values = std::list<std::tuple<std::int32_t, bool, std::string>>;
+    std::string const bytes = plainly_written(Values(50, {7, true, std::string(200, 'a')}));
+    for (std::size_t const window : {1u, 20u, 300u, 10'000u}) {
+        Unflushable  buffer(bytes, window);
+        std::istream stream(&buffer);
+        std::ostream other_way(&buffer);
+        stream.get();  // holds bytes from here on
+        stream.unget();
+        other_way.exceptions(std::ios::badbit);
+        stream.exceptions(std::ios::badbit);
+        stream.tie(&other_way);
+        Values value;
+        EXPECT_THROW(read_archived(value, stream), std::runtime_error) << window;
+        EXPECT_LE(buffer.taken(), bytes.size());
     }
 }
 

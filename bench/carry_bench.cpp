@@ -162,23 +162,22 @@ void from_stream(benchmark::State& state) {
 
 /// Of graphs that are equal but share no memory except for the texts.
 template <class Own>
-void equal(benchmark::State& state) {
-    auto const& data = data_of(state);
-    Graph       other;
+void time_equal(benchmark::State& state, bench::Prepared const& data) {
+    Graph other;
     Library::to_cxx(other, data.bytes().data());
     for ([[maybe_unused]] auto const round : state)
         if (!Own::equal(data.value, other)) state.SkipWithError("equal values are unequal");
     bench::report(state, data);
 }
 
+template <class Own>
+void equal(benchmark::State& state) {
+    time_equal<Own>(state, data_of(state));
+}
+
 /// `==` of the graphs that `less` is measured on.
 void equal_without_bare_arms(benchmark::State& state) {
-    auto const& data = data_without_bare_arms_of(state);
-    Graph       other;
-    Library::to_cxx(other, data.bytes().data());
-    for ([[maybe_unused]] auto const round : state)
-        if (!(data.value == other)) state.SkipWithError("equal values are unequal");
-    bench::report(state, data);
+    time_equal<Library>(state, data_without_bare_arms_of(state));
 }
 
 /// Of graphs that are equal and nowhere less than one another, so that everything has to be walked.

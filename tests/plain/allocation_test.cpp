@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <mpfr.h>
 
+#include <compare>
 #include <map>
 #include <new>
 #include <random>

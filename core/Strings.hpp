@@ -14,6 +14,10 @@
 
 namespace sml {
 
+namespace core {
+class StringsById;
+}
+
 /// A handle to an interned text. The null handle is the empty text. Copies share the entry;
 /// equality and order are those of the entry's address, so the order is not alphabetical and
 /// differs from process to process.
@@ -85,6 +89,8 @@ public:
     }
 
 private:
+    friend class core::StringsById;
+
     void retain() const noexcept {
         if (fStr != nullptr) ++fStr->count;
     }

@@ -228,7 +228,7 @@ public:
         take_item(more);
     }
 
-    core::StringsById strings_by_id;
+    core::StringsById strings_by_id{core::StringsById::Counting::at_once};
     char              point = core::decimal_point();
 
 private:
@@ -288,7 +288,7 @@ public:
     /// The next unread byte.
     char const* cursor() const { return cursor_; }
 
-    core::StringsById strings_by_id;
+    core::StringsById strings_by_id{core::StringsById::Counting::in_the_end};
     char              point = core::decimal_point();
 
 private:

@@ -62,25 +62,69 @@ private:
 };
 
 /// Strings by id. An id keeps what it was given first; one that is asked for before it was given
-/// has been given the null handle thereby.
+/// has been given the null handle thereby. Pins each of them.
 class StringsById {
 public:
-    Strings_T const& at(std::int32_t id) {
+    /// When the handles that are given out go into the counts of their entries. A graph has far
+    /// more handles than strings, so that counting in the end saves fetching an entry for each;
+    /// until then nobody may look at a count, which is too high to reach zero.
+    enum class Counting { at_once, in_the_end };
+
+    explicit StringsById(Counting counting) : counting_(counting) {}
+    StringsById(StringsById const&) = delete;
+    StringsById& operator=(StringsById const&) = delete;
+    ~StringsById() {
+        for (InTurn const& string : in_turn_)
+            if (string.entry != nullptr) settle(string);
+    }
+
+    /// Makes `handle` one of the string of `id`.
+    void refer(Strings_T& handle, std::int32_t id) {
         auto const index = static_cast<std::size_t>(id) - 1;
-        return index < in_turn_.size() ? in_turn_[index] : others_[id];
+        if (index >= in_turn_.size()) {
+            handle = others_[id];
+        } else if (InTurn& string = in_turn_[index]; handle.fStr != string.entry) {
+            handle.release();
+            handle.fStr = string.entry;
+            if (counting_ == Counting::at_once)
+                handle.retain();
+            else
+                ++string.uncounted;
+        }
     }
 
     void give(std::int32_t id, Strings_T const& handle) {
-        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty())
-            in_turn_.push_back(handle);
-        else if (id < 1 || static_cast<std::size_t>(id) > in_turn_.size())
+        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty()) {
+            in_turn_.push_back({handle.fStr, 0});
+            if (handle.fStr != nullptr) handle.fStr->count += pin();
+        } else if (id < 1 || static_cast<std::size_t>(id) > in_turn_.size()) {
             others_.try_emplace(id, handle);
+        }
     }
 
     std::size_t size() const noexcept { return in_turn_.size() + others_.size(); }
 
 private:
-    std::vector<Strings_T>                      in_turn_;  // ids from 1 on, given in their turn
+    using Entry = Strings_T::StringWithRefCount;
+
+    struct InTurn {
+        Entry const*  entry;  // null for the empty text
+        std::uint64_t uncounted;
+    };
+
+    /// More than memory has room for; so little that many archives can pin the same string.
+    static constexpr std::uint64_t most_handles = std::uint64_t{1} << 48;
+
+    /// What pinning a string adds to its count.
+    std::uint64_t pin() const { return counting_ == Counting::at_once ? 1 : most_handles; }
+
+    void settle(InTurn const& string) const {
+        string.entry->count += string.uncounted - pin();
+        if (string.entry->count == 0) Strings_T::fAllStrings.erase(*string.entry);
+    }
+
+    Counting                                    counting_;
+    std::vector<InTurn>                         in_turn_;  // ids from 1 on, given in their turn
     std::unordered_map<std::int32_t, Strings_T> others_;
 };
 

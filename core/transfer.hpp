@@ -4,6 +4,7 @@
 #include "core/archives.hpp"
 #include "core/get_numbers.hpp"
 #include "core/kinds.hpp"
+#include "core/large_tables.hpp"
 #include "core/put_numbers.hpp"
 #include "core/read_ahead.hpp"
 #include "core/text_blocks.hpp"
@@ -227,10 +228,7 @@ private:
     // Required: 0 and below are first sights, and an undefined id becomes a null handle.
     void read(Strings_T& handle) {
         auto const word = archive_.template get_word<std::int32_t>();
-        if (word >= 1) {
-            handle = archive_.strings_by_id.at(word);
-            return;
-        }
+        if (word >= 1) return archive_.strings_by_id.refer(handle, word);
         std::string text;
         read(text);
         handle = text;
@@ -254,8 +252,12 @@ private:
     // Required: the count is unsigned and the loop runs that often.
     template <class Use>
     void repeat(Use&& read_element) {
-        for (auto left = archive_.template get_word<std::uint32_t>(); left != 0; --left)
-            read_element();
+        repeat(archive_.template get_word<std::uint32_t>(), read_element);
+    }
+
+    template <class Use>
+    static void repeat(std::uint32_t times, Use&& read_element) {
+        for (; times != 0; --times) read_element();
     }
 
     // Each element is read in its own node and joins the list when it is complete.
@@ -282,7 +284,10 @@ private:
     template <Map T>
         requires(!last_wins<T>)
     void read(T& map) {
-        repeat([&] {
+        auto const count = archive_.template get_word<std::uint32_t>();
+        if constexpr (HashMap<T>)
+            if (LargeTable<T>::suits(map, count)) return read_large(map, count);
+        repeat(count, [&] {
             typename T::key_type key{};
             (*this)(key);
             auto const [entry, inserted] = map.try_emplace(std::move(key));
@@ -293,6 +298,17 @@ private:
                 map.erase(entry);
                 throw;
             }
+        });
+    }
+
+    template <HashMap T>
+    [[gnu::noinline]] void read_large(T& map, std::uint32_t count) {
+        LargeTable<T> table(map);
+        repeat(count, [&] {
+            typename T::key_type key{};
+            (*this)(key);
+            (*this)(table.make(std::move(key)));
+            table.keep();
         });
     }
 

@@ -8,6 +8,8 @@
 #include <list>
 #include <map>
 #include <optional>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -102,7 +104,9 @@ TEST(StringReference, ZeroDefinesTheIdZero) {
     Strings_T           handle;
     sml::core::Reader{archive}(handle);
     ASSERT_EQ(archive.strings_by_id.size(), 1u);
-    EXPECT_EQ(archive.strings_by_id.at(0).str(), "z");
+    Strings_T other;
+    archive.strings_by_id.refer(other, 0);
+    EXPECT_EQ(other.str(), "z");
 }
 
 TEST(StringReference, UndefinedIdReadsAsTheNullHandle) {
@@ -145,7 +149,9 @@ TEST(StringReference, IdOfTheSmallestWordWrapsToItself) {
     Strings_T           handle;
     sml::core::Reader{archive}(handle);
     EXPECT_EQ(handle.str(), "m");
-    EXPECT_EQ(archive.strings_by_id.at(INT32_MIN).str(), "m");
+    Strings_T other;
+    archive.strings_by_id.refer(other, INT32_MIN);
+    EXPECT_EQ(other.str(), "m");
 }
 
 TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
@@ -155,15 +161,100 @@ TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
     EXPECT_EQ(entry_of("references: emptied"), nullptr);
 }
 
+// A caller's stream can look at the counts while it is read.
+TEST(StringReference, ReaderOfAStreamIsExactAtEveryMoment) {
+    Strings_T first;
+    Strings_T second;
+    {
+        std::istringstream stream(
+            wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00  01 00 00 00"));
+        sml::StreamIArchive archive(stream);
+        sml::core::Reader   read{archive};
+        read(first);
+        EXPECT_EQ(count_of("kept"), 2u);
+        read(first);
+        EXPECT_EQ(count_of("kept"), 2u);
+        read(second);
+        EXPECT_EQ(count_of("kept"), 3u);
+    }
+    EXPECT_EQ(count_of("kept"), 2u);
+}
+
+TEST(StringReference, CountsAreExactWhenTheReaderOfBytesEnds) {
+    std::string const bytes = wire::bytes(
+        "04 00 00 00"
+        "FF FF FF FF  04 00 00 00 'kept'"
+        "01 00 00 00"
+        "FE FF FF FF  04 00 00 00 'once'"
+        "01 00 00 00");
+    std::list<Strings_T> list{Strings_T("once")};
+    wire::read_over(list, bytes);
+    EXPECT_EQ(count_of("kept"), 3u);
+    EXPECT_EQ(count_of("once"), 2u);
+    wire::read_over(list, bytes);
+    EXPECT_EQ(count_of("kept"), 6u);
+    EXPECT_EQ(count_of("once"), 3u);
+    list.clear();
+    EXPECT_EQ(entry_of("kept"), nullptr);
+    EXPECT_EQ(entry_of("once"), nullptr);
+}
+
 TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
-    std::string const   bytes = wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
-    sml::StringIArchive archive(bytes.data());
-    Strings_T           handle;
-    sml::core::Reader   read{archive};
-    read(handle);
-    EXPECT_EQ(count_of("kept"), 2u);
-    read(handle);
-    EXPECT_EQ(count_of("kept"), 2u);
+    std::string const bytes = wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
+    Strings_T         handle;
+    {
+        sml::StringIArchive archive(bytes.data());
+        sml::core::Reader   read{archive};
+        read(handle);
+        read(handle);
+    }
+    EXPECT_EQ(count_of("kept"), 1u);
+}
+
+/// Of an entry that is dropped for its key.
+TEST(StringReference, HandlesThatGoWhileBytesAreReadAreCounted) {
+    std::map<int32, Strings_T> map;
+    wire::read_over(map, wire::bytes("03 00 00 00"
+                                     "01 00 00 00  FF FF FF FF  07 00 00 00 'dropped'"
+                                     "02 00 00 00  FE FF FF FF  04 00 00 00 'kept'"
+                                     "02 00 00 00  01 00 00 00"));
+    EXPECT_EQ(count_of("dropped"), 1u);
+    EXPECT_EQ(count_of("kept"), 1u);
+    wire::read_over(map, wire::bytes("02 00 00 00"
+                                     "01 00 00 00  FF FF FF FF  04 00 00 00 'gone'"
+                                     "02 00 00 00  01 00 00 00"));
+    EXPECT_EQ(entry_of("gone"), nullptr);
+}
+
+TEST(StringReference, CountsAreExactWhenReadingThrows) {
+    std::list<std::pair<Strings_T, std::string>> list;
+    EXPECT_THROW(wire::read_over(list, wire::bytes("03 00 00 00"
+                                                   "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
+                                                   "01 00 00 00  00 00 00 00"
+                                                   "01 00 00 00  FF FF FF FF")),
+                 std::length_error);
+    EXPECT_EQ(count_of("a"), 2u);
+}
+
+TEST(StringReference, ArchivesInsideOneAnotherPinTheSameString) {
+    std::string const bytes = wire::bytes("FF FF FF FF  04 00 00 00 'both'  01 00 00 00");
+    Strings_T         handle;
+    {
+        sml::StringIArchive outer(bytes.data());
+        Strings_T           read_first;
+        sml::core::Reader{outer}(read_first);
+        {
+            sml::StringIArchive inner(bytes.data());
+            sml::core::Reader   read{inner};
+            read(handle);
+            handle = Strings_T();
+            read(handle);
+        }
+        read_first = Strings_T();
+        sml::core::Reader{outer}(read_first);
+        handle = read_first;
+    }
+    EXPECT_EQ(count_of("both"), 1u);
 }
 
 TEST(StringReference, FirstSightSharesTheEntryOfAnEqualText) {
@@ -177,6 +268,15 @@ TEST(StringReference, ReaderPinsItsStringsUntilItEnds) {
     std::string const bytes = wire::bytes("FF FF FF FF  06 00 00 00 'pinned'");
     {
         sml::StringIArchive archive(bytes.data());
+        Strings_T           handle;
+        sml::core::Reader{archive}(handle);
+        handle = Strings_T();
+        EXPECT_NE(entry_of("pinned"), nullptr);
+    }
+    EXPECT_EQ(entry_of("pinned"), nullptr);
+    {
+        std::istringstream  stream(bytes);
+        sml::StreamIArchive archive(stream);
         Strings_T           handle;
         sml::core::Reader{archive}(handle);
         handle = Strings_T();

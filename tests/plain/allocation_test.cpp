@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <mpfr.h>
 
+#include <algorithm>
 #include <compare>
 #include <map>
 #include <new>
@@ -24,6 +25,8 @@
 #include <streambuf>
 #include <string>
 #include <typeinfo>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -500,6 +503,22 @@ TEST(PlainAllocations, ThatFailInReadingLeaveTheSame) {
         }
     }
     EXPECT_GT(failures, 1000);
+}
+
+/// A table that is not filled entry by entry.
+TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
+    Engine      engine(seed() + 5);
+    auto const& all = roots();
+    auto const  root = std::find_if(all.begin(), all.end(), [](Root const& candidate) {
+        return candidate.stem == "String_To_StringSet_T";
+    });
+    ASSERT_NE(root, all.end());
+    std::unordered_map<sml::Strings_T, std::unordered_set<sml::Strings_T>> table;
+    for (int i = 0; i < 150; ++i) table["key " + std::to_string(i)].emplace("value");
+    Reading const reading{.root = *root, .bytes = root->plain_write(&table), .held = 0};
+    table.clear();
+    Allowed const allowed(reading);
+    EXPECT_GT(expect_reads_alike(reading, &allowed, 100'000, engine), 1000);
 }
 
 /// Beyond the library's buffers: some of the allocations.

@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,7 +38,6 @@ public:
         maker_.try_emplace(std::move(key));
         made_ = maker_.extract(maker_.begin());
         hash_ = table_.hash_function()(made_.key());
-        if (order_.is_full() && !has_its_key()) grow();
         order_.prefetch(hash_);
         return made_.mapped();
     }
@@ -45,6 +45,7 @@ public:
     /// Keeps the entry, unless there is one with its key.
     void keep() {
         if (has_its_key()) return;
+        if (order_.is_full()) grow();
         order_.add(hash_);
         entries_.push_back(std::move(made_));
     }
@@ -52,18 +53,22 @@ public:
 private:
     using Entry = typename Table::node_type;
 
+    static_assert(std::is_empty_v<typename Table::hasher>);
+
     bool has_its_key() const {
         return order_.has(hash_, [this](std::uint32_t number) {
             return entries_[number - 1].key() == made_.key();
         });
     }
 
-    /// So does the table itself: it has room for the entries then.
+    /// So does the table itself, which has room for the entries then. All or nothing.
     void grow() {
-        table_.rehash(TableOrder::more_buckets(table_.bucket_count()));
-        entries_.reserve(table_.bucket_count());
-        in_order_.reserve(table_.bucket_count());
-        order_.grow(table_.bucket_count());
+        Table grown;
+        grown.rehash(TableOrder::more_buckets(table_.bucket_count()));
+        entries_.reserve(grown.bucket_count());
+        in_order_.reserve(grown.bucket_count());
+        order_.grow(grown.bucket_count());
+        table_.swap(grown);
     }
 
     /// From the last to the first, since each comes before those that are there.

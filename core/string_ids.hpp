@@ -94,7 +94,8 @@ public:
     }
 
     void give(std::int32_t id, Strings_T const& handle) {
-        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty()) {
+        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty() &&
+            can_pin(handle)) {
             in_turn_.push_back({handle.fStr, 0});
             if (handle.fStr != nullptr) handle.fStr->count += pin();
         } else if (id < 1 || static_cast<std::size_t>(id) > in_turn_.size()) {
@@ -112,11 +113,17 @@ private:
         std::uint64_t uncounted;
     };
 
-    /// More than memory has room for; so little that many archives can pin the same string.
+    /// More than memory has room for; so little that a string can be pinned many times, by ids of
+    /// one archive that have the same text, and by archives inside one another.
     static constexpr std::uint64_t most_handles = std::uint64_t{1} << 48;
+    static constexpr std::uint64_t highest_count = std::uint64_t{1} << 63;
 
     /// What pinning a string adds to its count.
     std::uint64_t pin() const { return counting_ == Counting::at_once ? 1 : most_handles; }
+
+    static bool can_pin(Strings_T const& handle) {
+        return handle.fStr == nullptr || handle.fStr->count < highest_count;
+    }
 
     void settle(InTurn const& string) const {
         string.entry->count += string.uncounted - pin();

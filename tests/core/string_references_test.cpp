@@ -8,6 +8,7 @@
 #include <list>
 #include <map>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -234,6 +235,47 @@ TEST(StringReference, CountsAreExactWhenReadingThrows) {
                                                    "01 00 00 00  FF FF FF FF")),
                  std::length_error);
     EXPECT_EQ(count_of("a"), 2u);
+}
+
+TEST(StringReference, CountsAreExactForAllIds) {
+    // Of one text twice, in turn; of an empty one; out of turn; never given.
+    auto const list =
+        wire::read<std::list<Strings_T>>(wire::bytes("0A 00 00 00"
+                                                     "FF FF FF FF  01 00 00 00 'a'  01 00 00 00"
+                                                     "FE FF FF FF  01 00 00 00 'a'  02 00 00 00"
+                                                     "FD FF FF FF  00 00 00 00  03 00 00 00"
+                                                     "F8 FF FF FF  01 00 00 00 'b'  08 00 00 00"
+                                                     "07 00 00 00  01 00 00 00"));
+    EXPECT_EQ(list.size(), 10u);
+    EXPECT_EQ(count_of("a"), 5u);
+    EXPECT_EQ(count_of("b"), 2u);
+}
+
+TEST(StringReference, ReferenceReadOverAnother) {
+    std::string const bytes = wire::bytes(
+        "FF FF FF FF  03 00 00 00 'one'"
+        "FE FF FF FF  03 00 00 00 'two'"
+        "01 00 00 00  02 00 00 00  01 00 00 00");
+    Strings_T handle;
+    {
+        sml::StringIArchive archive(bytes.data());
+        sml::core::Reader   read{archive};
+        for (int i = 0; i < 5; ++i) read(handle);
+    }
+    EXPECT_EQ(count_of("one"), 1u);
+    EXPECT_EQ(entry_of("two"), nullptr);
+}
+
+/// Each pins it.
+TEST(StringReference, OneTextUnderVeryManyIds) {
+    constexpr int32 ids = 70'000;
+    std::string     bytes = wire::write(ids + 1);
+    for (int32 id = 1; id <= ids; ++id) bytes += wire::write(-id) + wire::write(std::string("a"));
+    bytes += wire::write(int32{2});
+    auto const set = wire::read<std::set<Strings_T>>(bytes);
+    ASSERT_EQ(set.size(), 1u);
+    EXPECT_EQ(count_of("a"), 1u);
+    EXPECT_EQ(set.begin()->str(), "a");
 }
 
 TEST(StringReference, ArchivesInsideOneAnotherPinTheSameString) {

@@ -519,6 +519,17 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
     table.clear();
     Allowed const allowed(reading);
     EXPECT_GT(expect_reads_alike(reading, &allowed, 100'000, engine), 1000);
+
+    // The bytes tell the order of the table.
+    std::set<std::string> expected;
+    Failed                failed;
+    for (long granted = 0; fails_reading({false, false}, reading, granted, Later::fail, failed);
+         ++granted)
+        expected.insert(reading.root.plain_write(failed.value.get()));
+    for (long granted = 0;
+         fails_reading({false, true}, reading, granted, any_of_both(engine), failed); ++granted)
+        EXPECT_TRUE(expected.contains(reading.root.plain_write(failed.value.get())))
+            << "allocation " << granted;
 }
 
 /// Beyond the library's buffers: some of the allocations.

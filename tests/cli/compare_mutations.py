@@ -5,6 +5,7 @@ Usage: compare_mutations.py BRADEP DIRECTORY [COUNT [SEED]]
 Either both refuse a damaged log or both read the same out of it. BRADEP_SLOW_TESTS asks for more.
 """
 
+import copy
 import json
 import os
 import random
@@ -37,7 +38,8 @@ def containers(value):
 
 
 def mutate(document, choice):
-    """Replaces, removes or repeats one value somewhere."""
+    """Replaces, removes or repeats one value somewhere. What is put in is a copy: the next mutation may
+    change it, and a value put into itself could not be written."""
     candidates = list(containers(document))
     if not candidates:
         return  # an earlier mutation left nothing
@@ -46,13 +48,13 @@ def mutate(document, choice):
     action = choice.random()
     if action < 0.6:
         fitting = FITTING_VALUES.get(type(container[at]), ODD_VALUES)
-        container[at] = choice.choice(fitting if choice.random() < 0.8 else ODD_VALUES)
+        container[at] = copy.deepcopy(choice.choice(fitting if choice.random() < 0.8 else ODD_VALUES))
     elif action < 0.8:
         del container[at]
     elif isinstance(container, list):
-        container.insert(at, container[choice.randrange(len(container))])
+        container.insert(at, copy.deepcopy(container[choice.randrange(len(container))]))
     else:
-        container[at] = container[choice.choice(list(container))]
+        container[at] = copy.deepcopy(container[choice.choice(list(container))])
 
 
 def expected_checks(log):
@@ -82,6 +84,7 @@ def agreement(bradep, log, result_set):
 def main(bradep, directory, count="300", seed=None):
     count = int(count) * (5 if os.environ.get("BRADEP_SLOW_TESTS") else 1)
     seed = int(seed) if seed else random.SystemRandom().randrange(2**32)
+    print(f"seed {seed}", flush=True)
     choice = random.Random(seed)
     logs = sorted(p for p in Path(directory).glob("*.sarif") if not p.name.startswith(("bad-", "deep")))
     texts = [sarif_reference.load(log) for log in logs]
@@ -98,7 +101,7 @@ def main(bradep, directory, count="300", seed=None):
             if disagreement:
                 failed += 1
                 print(f"FAIL  mutation {number} of seed {seed}: {disagreement}\n{json.dumps(document)}")
-    print(f"seed {seed}: {refused} of {count} logs were refused")
+    print(f"{refused} of {count} logs were refused")
     print(f"{count - failed} passed, {failed} failed")
     return 1 if failed or not 0 < refused < count else 0
 

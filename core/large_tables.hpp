@@ -21,7 +21,7 @@ namespace sml::core {
 template <HashMap Table>
 class LargeTable {
 public:
-    /// Whether so many entries can be added so, and it pays.
+    /// Whether adding so many entries this way is possible, and pays.
     static bool suits(Table const& table, std::uint32_t entries) {
         constexpr std::uint32_t least = 64;
         return entries >= least && table.empty() && table.bucket_count() == 1 &&
@@ -53,6 +53,7 @@ public:
 private:
     using Entry = typename Table::node_type;
 
+    // The tables that are made here hash alike.
     static_assert(std::is_empty_v<typename Table::hasher>);
 
     bool has_its_key() const {

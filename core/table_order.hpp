@@ -39,7 +39,8 @@ private:
 /// When the table grows, all do so anew, one after another. Entries have numbers, from 1 on.
 class TableOrder {
 public:
-    /// The buckets to ask an empty table for that is to have as many as one that grows.
+    /// The buckets to ask an empty table for that is to have as many as one that grows: it gets the
+    /// next prime.
     static std::size_t more_buckets(std::size_t buckets) { return buckets == 1 ? 12 : 2 * buckets; }
 
     /// Whether the table grows when it gets another entry.

@@ -81,7 +81,7 @@ TEST(PlainRoots, CarryLargeValuesAlike) {
             root.stem != "String_To_StringSet_T")
             continue;
         for (int i = count(3, 50); i > 0 && !HasFailure(); --i) {
-            // Tables of tables in the one, large ones in the other.
+            // Of a table of sets so many that it is a large one.
             int const         most = root.stem == "String_To_StringSet_T" ? 1000 : 30;
             Object const      value = root.random(engine(), most);
             std::string const bytes = root.write(value.get());

@@ -4,7 +4,7 @@
   table.py [--sizes N,...] [--carriers NAME,...] [--rounds R] [--million] BUILD
 
 BUILD is the build directory; `bench` is its target. Each carrier runs in a process of its own, in
-turns, R times (2 by default) with five repetitions each; given are the medians. Without --carriers all
+turns, R times (4 by default) with three repetitions each; given are the medians. Without --carriers all
 that are built run; plain and library always do. --million adds one encoding and one decoding of a
 million checks, which take about 8 GB.
 """
@@ -19,7 +19,7 @@ import subprocess
 import sys
 import tempfile
 
-REPETITIONS = 5
+REPETITIONS = 3
 MILLION = 1_000_000
 MILLION_MEMORY = 12e9  # what is asked for, in bytes
 
@@ -186,7 +186,7 @@ def main():
                         help="some of 1000, 10000 and 100000, ascending")
     parser.add_argument("--carriers", metavar="NAME,...",
                         help="some of cereal, boost, protobuf, flatbuffers and limit")
-    parser.add_argument("--rounds", type=int, default=2, metavar="R")
+    parser.add_argument("--rounds", type=int, default=4, metavar="R")
     parser.add_argument("--million", action="store_true")
     options = parser.parse_args()
     sizes = [int(size) for size in options.sizes.split(",")]

@@ -43,6 +43,7 @@ template <class T>
 void read_stream(T& value, std::istream& stream) {
     StreamIArchive archive(stream);
     core::Reader{archive}(value);
+    archive.finish();
 }
 
 }  // namespace

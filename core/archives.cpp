@@ -96,7 +96,7 @@ StreamIArchive::~StreamIArchive() {
     try {
         close();
     } catch (...) {
-        // What the stream does before any read, such as flushing another one, can throw.
+        // The exception that is under way goes on.
     }
 }
 

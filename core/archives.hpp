@@ -180,12 +180,14 @@ private:
 ///
 /// What the stream's buffer holds already is taken from there, as the stream itself would. What it
 /// doesn't hold, and what only the stream can judge, the stream is asked for; nothing is read
-/// ahead.
+/// ahead. The stream stands behind the object once `finish` is called.
 class StreamIArchive {
 public:
     static constexpr bool writes = false;
 
     explicit StreamIArchive(std::istream& stream) : stream_(&stream) {}
+
+    /// Takes from the stream what an exception has left there.
     ~StreamIArchive();
 
     StreamIArchive(StreamIArchive const&) = delete;
@@ -227,6 +229,9 @@ public:
         std::memcpy(scratch_, at_, static_cast<std::size_t>(more));
         take_item(more);
     }
+
+    /// Takes from the stream what was taken from its buffer.
+    void finish() { close(); }
 
     core::StringsById strings_by_id{core::StringsById::Counting::at_once};
     char              point = core::decimal_point();

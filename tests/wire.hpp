@@ -80,6 +80,7 @@ template <class T>
 void read_over_from_stream(T& value, std::istream& stream) {
     sml::StreamIArchive archive(stream);
     sml::core::Reader{archive}(value);
+    archive.finish();
 }
 
 /// Reads a fresh value that must take all the bytes.

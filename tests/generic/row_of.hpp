@@ -347,6 +347,7 @@ Row Functions<T>::row(char const* name) {
             [](void* object, std::istream& stream) {
                 sml::StreamIArchive archive(stream);
                 static_cast<T*>(object)->serialize(archive, 0);
+                archive.finish();
             },
         .field_lists = nullptr,
         .assign_field = nullptr};

@@ -47,6 +47,7 @@ template <class T>
 void read_archived(T& value, std::istream& stream) {
     sml::StreamIArchive archive(stream);
     sml::core::Reader{archive}(value);
+    archive.finish();
 }
 
 }  // namespace plain_test

@@ -109,16 +109,23 @@ protected:
     }
 };
 
-/// Throws when it is flushed, what has not been read given back.
+/// Throws when it is flushed once too often, what has not been read given back.
 class Unflushable : public Refilled {
 public:
-    using Refilled::Refilled;
+    Unflushable(std::string bytes, std::size_t window, int flushes)
+        : Refilled(std::move(bytes), window), flushes_(flushes) {}
+
+    bool has_thrown() const { return flushes_ < 0; }
 
 protected:
     int sync() override {
+        if (--flushes_ >= 0) return 0;
         hold_from(taken(), 0);
         throw std::runtime_error("no flush");
     }
+
+private:
+    int flushes_;
 };
 
 /// Reads two objects; tells what came of each, what was taken, and what they hold.
@@ -215,20 +222,30 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
 
 /// The plain reference meets the exception at another item, so that only ours is told.
 TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
-    using Values = std::list<std::tuple<std::int32_t, bool, std::string>>;
-    std::string const bytes = plainly_written(Values(50, {7, true, std::string(200, 'a')}));
-    for (std::size_t const window : {1u, 20u, 300u, 10'000u}) {
-        Unflushable  buffer(bytes, window);
-        std::istream stream(&buffer);
-        std::ostream other_way(&buffer);
-        stream.get();  // holds bytes from here on
-        stream.unget();
-        other_way.exceptions(std::ios::badbit);
-        stream.exceptions(std::ios::badbit);
-        stream.tie(&other_way);
-        Values value;
-        EXPECT_THROW(read_archived(value, stream), std::runtime_error) << window;
-        EXPECT_LE(buffer.taken(), bytes.size());
+    using Values = std::list<std::tuple<std::string, bool, std::int32_t>>;
+    std::string const bytes = plainly_written(Values(50, {std::string(200, 'a'), true, 7}));
+    for (std::size_t const window : {1u, 20u, 300u, 20'000u}) {
+        bool throws = true;
+        for (int flushes = 0; throws; ++flushes) {
+            Unflushable  buffer(bytes, window, flushes);
+            std::istream stream(&buffer);
+            std::ostream other_way(&buffer);
+            stream.get();  // holds bytes from here on
+            stream.unget();
+            other_way.exceptions(std::ios::badbit);
+            stream.exceptions(std::ios::badbit);
+            stream.tie(&other_way);
+            Values value;
+            throws = false;
+            try {
+                read_archived(value, stream);
+            } catch (std::runtime_error const&) {
+                throws = true;
+            }
+            EXPECT_EQ(throws, buffer.has_thrown()) << window << ", " << flushes;
+            EXPECT_LE(buffer.taken(), bytes.size());
+            ASSERT_TRUE(throws || flushes > 0);
+        }
     }
 }
 

@@ -58,7 +58,7 @@ class Timings:
     def add(self, program, carrier, size):
         told = json.loads(run(program, f"--benchmark_filter=^{carrier}/.*/{size}$",
                               f"--benchmark_repetitions={REPETITIONS}",
-                              "--benchmark_min_time=0.05", "--benchmark_format=json"))
+                              "--benchmark_min_time=0.3", "--benchmark_format=json"))
         for row in told["benchmarks"]:
             if "error_occurred" in row:
                 sys.exit(f"{row['name']}: {row['error_message']}")

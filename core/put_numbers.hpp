@@ -15,8 +15,8 @@ constexpr std::size_t longest_number = 128;
 char* put_integer(char* at, BigInteger const& value) noexcept;
 
 /// Writes the block of a float, with this decimal point; gives where the next byte goes. Null for a
-/// number that its format doesn't have and for the point 0, except where zeros, infinities and NaN,
-/// which need neither, are concerned.
+/// number beyond what the widest format has and for the point 0, except where zeros, infinities and
+/// NaN, which need neither, are concerned.
 char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noexcept;
 
 }  // namespace sml::core

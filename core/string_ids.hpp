@@ -67,7 +67,8 @@ class StringsById {
 public:
     /// When the handles that are given out go into the counts of their entries. A graph has far
     /// more handles than strings, so that counting in the end saves fetching an entry for each;
-    /// until then nobody may look at a count, which is too high to reach zero.
+    /// until then nobody may look at a count, which is too high to reach zero. Only the caller's
+    /// functions for memory run meanwhile.
     enum class Counting { at_once, in_the_end };
 
     explicit StringsById(Counting counting) : counting_(counting) {}

@@ -1,13 +1,17 @@
 // Tables of so many entries that they are not added one by one.
 
+#include "core/large_tables.hpp"
+
 #include "tests/core/string_table.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -37,10 +41,14 @@ struct FastHashes {
     std::size_t operator()(int32 key) const noexcept { return WideHashes()(key); }
 };
 
+/// Beside a value, so that the entry is a large one.
+using Rest = std::array<bool, 128>;
+using Value = std::pair<std::string, Rest>;
+
 template <class Hashes>
-using TableOf = std::unordered_map<int32, std::string, Hashes>;
+using TableOf = std::unordered_map<int32, Value, Hashes>;
 using Table = TableOf<WideHashes>;
-using Entries = std::vector<std::pair<int32, std::string>>;
+using Entries = std::vector<std::pair<int32, Value>>;
 
 /// Of so many keys, some more than once; each value tells its place.
 Entries entries(int32 count, int32 keys) {
@@ -48,7 +56,7 @@ Entries entries(int32 count, int32 keys) {
     std::mt19937_64 engine(static_cast<std::uint64_t>(count));
     for (int32 i = 0; i < count; ++i)
         made.emplace_back(static_cast<int32>(engine() % static_cast<std::uint64_t>(keys)),
-                          std::to_string(i));
+                          Value{std::to_string(i), {}});
     return made;
 }
 
@@ -101,10 +109,11 @@ TEST(LargeTable, HoldsLargeTables) {
     Table         expected;
     add(expected, all);
     std::string bytes = wire::write(int32{70});
-    for (int32 key = 0; key < 70; ++key) bytes += wire::write(key) + bytes_of(all);
-    auto const tables = wire::read<std::unordered_map<int32, Table, WideHashes>>(bytes);
+    for (int32 key = 0; key < 70; ++key)
+        bytes += wire::write(key) + bytes_of(all) + wire::write(Rest());
+    auto const tables = wire::read<std::unordered_map<int32, std::pair<Table, Rest>>>(bytes);
     ASSERT_EQ(tables.size(), 70u);
-    for (auto const& [key, table] : tables) expect_alike(table, expected);
+    for (auto const& [key, value] : tables) expect_alike(value.first, expected);
 }
 
 void expect_added_to(Table table) {
@@ -115,7 +124,7 @@ void expect_added_to(Table table) {
     expect_alike(table, expected);
 }
 
-TEST(LargeTable, AddsToOneThatHasBeenUsed) {
+TEST(LargeTable, AddsToOneThatIsNotNew) {
     for (int32 const held : {0, 1, 20, 100}) {
         Table table;
         add(table, entries(held, 500));
@@ -150,7 +159,7 @@ void expect_kept(Entries const& all, std::string const& unreadable) {
 TEST(LargeTable, KeepsWhatWasReadBeforeAnEntryThatThrows) {
     for (int32 const before : {0, 1, 12, 13, 14, 29, 63, 64, 100}) {
         Entries all;
-        for (int32 key = 0; key < before; ++key) all.emplace_back(3 * key, "value");
+        for (int32 key = 0; key < before; ++key) all.emplace_back(3 * key, Value{"value", {}});
         expect_kept(all, wire::write(int32{1000}) + wire::bytes("FF FF FF FF"));
         expect_kept(all, wire::write(int32{0}) + wire::bytes("FF FF FF FF"));
     }
@@ -158,33 +167,45 @@ TEST(LargeTable, KeepsWhatWasReadBeforeAnEntryThatThrows) {
 
 TEST(LargeTable, KeepsWhatWasReadBeforeAKeyThatThrows) {
     std::string                            bytes = wire::bytes("64 00 00 00");
-    std::unordered_map<std::string, int32> expected;
+    std::unordered_map<std::string, Value> expected;
     for (int32 i = 0; i < 40; ++i) {
-        expected.try_emplace(std::to_string(i), i);
-        bytes += wire::write(std::to_string(i)) + wire::write(i);
+        expected.try_emplace(std::to_string(i), std::to_string(i), Rest());
+        bytes += wire::write(std::to_string(i)) + wire::write(Value{std::to_string(i), {}});
     }
-    std::unordered_map<std::string, int32> table;
+    std::unordered_map<std::string, Value> table;
     EXPECT_THROW(wire::read_over(table, bytes + wire::bytes("FF FF FF FF")), std::length_error);
     EXPECT_EQ(table, expected);
     EXPECT_TRUE(std::equal(table.begin(), table.end(), expected.begin(), expected.end()));
 }
 
-/// Its entries are all the same then.
-TEST(LargeTable, EndsWhenAStreamDoes) {
-    std::istringstream                          stream(wire::bytes("00 00 10 00  05 00 00 00"));
-    std::unordered_map<int32, int32, FewHashes> table;
+/// Each read that fails gives what was read before, so that all keys are one.
+TEST(LargeTable, HasOneEntryOfAStreamThatEnds) {
+    std::istringstream              stream(wire::bytes("00 10 00 00  05 00 00 00"));
+    std::unordered_map<int32, Rest> table;
     wire::read_over_from_stream(table, stream);
     EXPECT_TRUE(stream.fail());
-    EXPECT_EQ(table, (std::unordered_map<int32, int32, FewHashes>{{5, 5}}));
+    EXPECT_EQ(table, (std::unordered_map<int32, Rest>{{5, Rest()}}));
+}
+
+TEST(LargeTable, DropsAnEntryAtOnceWhoseKeyItHas) {
+    auto const                                      value = std::make_shared<int>(1);
+    std::unordered_map<int32, std::shared_ptr<int>> table;
+    sml::core::LargeTable                           large(table);
+    for (int i = 0; i < 2; ++i) {
+        large.make(7) = value;
+        large.keep();
+    }
+    EXPECT_EQ(value.use_count(), 2);
 }
 
 TEST(LargeTable, LetsStringsGoWithDroppedEntries) {
     std::string bytes = wire::bytes("00 01 00 00");
     for (int32 i = 0; i < 256; ++i)
-        bytes += wire::write(i % 128) + wire::write(-1 - i) + wire::write("s" + std::to_string(i));
+        bytes += wire::write(i % 128) + wire::write(-1 - i) + wire::write("s" + std::to_string(i)) +
+                 wire::write(Rest());
     std::size_t const before = string_table::size();
     {
-        std::unordered_map<int32, sml::Strings_T> table;
+        std::unordered_map<int32, std::pair<sml::Strings_T, Rest>> table;
         wire::read_over(table, bytes);
         EXPECT_EQ(table.size(), 128u);
         EXPECT_EQ(string_table::size(), before + 128);

@@ -37,7 +37,7 @@ using Table = std::unordered_set<std::uint64_t, Itself>;
 
 std::vector<std::uint64_t> in_order(Table const& table) { return {table.begin(), table.end()}; }
 
-/// Adds numbers to a table that grows, and to the order, until they have been as many.
+/// A table that grows, and its order played through.
 class Both {
 public:
     void add(std::uint64_t number) {

@@ -7,10 +7,12 @@
 #include "core/Strings.hpp"
 #include "core/ieee754_float.hpp"
 #include "inspect/canonical.hpp"
+#include "schema/Base_Gui_Internal_Form_Datas.hpp"
 #include "tests/allocations.hpp"
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/roots.hpp"
 #include "tests/plain/seed.hpp"
+#include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
@@ -26,7 +28,6 @@
 #include <string>
 #include <typeinfo>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -510,11 +511,12 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
     Engine      engine(seed() + 5);
     auto const& all = roots();
     auto const  root = std::find_if(all.begin(), all.end(), [](Root const& candidate) {
-        return candidate.stem == "String_To_StringSet_T";
+        return candidate.stem == "Base_Gui_Internal_Form_Datas_Checks_Id_To_Chk_Data_Table_T";
     });
     ASSERT_NE(root, all.end());
-    std::unordered_map<sml::Strings_T, std::unordered_set<sml::Strings_T>> table;
-    for (int i = 0; i < 150; ++i) table["key " + std::to_string(i)].emplace("value");
+    std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data> table;
+    RandomValues random(engine(), {1, 1});
+    for (std::int32_t i = 0; i < 150; ++i) random.fill(table[i]);
     Reading const reading{.root = *root, .bytes = root->plain_write(&table), .held = 0};
     table.clear();
     Allowed const allowed(reading);

@@ -6,6 +6,7 @@
 #include "tests/allocations.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/random_values.hpp"
+#include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
@@ -79,6 +80,17 @@ TEST(OutOfMemory, PassesThroughTheReadersAndReleasesTheirStrings) {
             sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromStream(value, stream);
         },
         check);
+}
+
+/// The width stands behind the text, whose blank takes it to memory of its own.
+TEST(OutOfMemory, LeavesAFloatWhoseTextHasNoRoom) {
+    std::string const       bytes = wire::bytes("04 00 00 00  ' 0x1'  40 00 00 00");
+    zelvanite::IEEE754Float value;
+    value.width = 32;
+    long const allocations = fail_each_allocation([&] { wire::read_over(value, bytes); },
+                                                  [&] { EXPECT_EQ(value.width, 32u); });
+    EXPECT_GE(allocations, 1);
+    EXPECT_EQ(value.width, 64u);
 }
 
 TEST(OutOfMemory, PassesThroughTheWritersAndKeepsTheLatestResult) {

@@ -81,7 +81,9 @@ TEST(PlainRoots, CarryLargeValuesAlike) {
             root.stem != "String_To_StringSet_T")
             continue;
         for (int i = count(3, 50); i > 0 && !HasFailure(); --i) {
-            Object const      value = root.random(engine(), 30);
+            // A table of sets that grows often; tables of tables in the others.
+            int const         most = root.stem == "String_To_StringSet_T" ? 1000 : 30;
+            Object const      value = root.random(engine(), most);
             std::string const bytes = root.write(value.get());
             EXPECT_TRUE(bytes == root.plain_write(value.get())) << root.stem;
             expect_read_alike(root, bytes);

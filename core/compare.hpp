@@ -19,7 +19,7 @@ concept WalkedWithLess = Fielded<T> && requires {
 struct Comparison {
     template <class T>
     static bool equal(T const& a, T const& b) {
-        if constexpr (Fielded<T> && !Serialized<T>)
+        if constexpr (GroupedParts<T>)
             return equal_fields(a, b);
         else if constexpr (HashMap<T>)
             return equal_tables(a, b);
@@ -126,8 +126,8 @@ struct Comparison {
         return a < b;
     }
 
-    template <Fielded T>
-        requires(!Serialized<T> && !WalkedWithLess<T>)
+    template <GroupedParts T>
+        requires(!WalkedWithLess<T>)
     static bool less(T const& a, T const& b) { return less_fields(a, b); }
 
     /// Field by field: a lesser one gives true, an unequal one false, the last one decides.
@@ -199,8 +199,8 @@ struct Comparison {
     }
 
     /// Each part with `<` in both directions; parts that are neither are passed over.
-    template <WalkedWithLess T>
-        requires(!Serialized<T>)
+    template <GroupedParts T>
+        requires WalkedWithLess<T>
     static bool less(T const& a, T const& b) {
         return a.with_fields([&](auto const&... left) {
             return b.with_fields([&](auto const&... right) {

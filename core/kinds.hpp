@@ -70,6 +70,10 @@ concept Serialized = requires(T& value, StringOArchive& archive) {
     value.serialize(archive, 0u);
 };
 
+/// The grouped parts of an arm.
+template <class T>
+concept GroupedParts = Fielded<T> && !Serialized<T>;
+
 template <class T>
 concept Set = SortedSet<T> || HashSet<T>;
 template <class T>

@@ -146,24 +146,24 @@ private:
         for (bool const flag : flags) write(flag);
     }
 
-    template <class T>
-        requires Fielded<T> &&(!Serialized<T>)void write(T const& parts) {
-            parts.with_fields([this](auto const&... field) { ((*this)(field), ...); });
-        }
+    template <GroupedParts T>
+    void write(T const& parts) {
+        parts.with_fields([this](auto const&... field) { ((*this)(field), ...); });
+    }
 
-        // One `serialize` serves both directions; a writing archive leaves the object as it is.
-        template <Serialized T>
-        void write(T const& value) {
-            const_cast<T&>(value).serialize(archive_, 0);
-        }
+    // One `serialize` serves both directions; a writing archive leaves the object as it is.
+    template <Serialized T>
+    void write(T const& value) {
+        const_cast<T&>(value).serialize(archive_, 0);
+    }
 
-        // The size goes out as its low 32 bits.
-        void put_block(char const* bytes, std::size_t size) {
-            write(static_cast<std::int32_t>(size));
-            archive_.put_long(bytes, size);
-        }
+    // The size goes out as its low 32 bits.
+    void put_block(char const* bytes, std::size_t size) {
+        write(static_cast<std::int32_t>(size));
+        archive_.put_long(bytes, size);
+    }
 
-        Archive& archive_;
+    Archive& archive_;
 };
 
 /// Reads values from one archive. Containers are added to, never cleared first.
@@ -339,23 +339,23 @@ private:
         for (bool& flag : flags) read(flag);
     }
 
-    template <class T>
-        requires Fielded<T> &&(!Serialized<T>)void read(T& parts) {
-            parts.with_fields([this](auto&... field) { ((*this)(field), ...); });
-        }
+    template <GroupedParts T>
+    void read(T& parts) {
+        parts.with_fields([this](auto&... field) { ((*this)(field), ...); });
+    }
 
-        template <Serialized T>
-        void read(T& value) {
-            value.serialize(archive_, 0);
-        }
+    template <Serialized T>
+    void read(T& value) {
+        value.serialize(archive_, 0);
+    }
 
-        TextBlock get_block(std::int32_t length) {
-            TextBlock text = make_block(length);
-            archive_.get(text.get(), length);
-            return text;
-        }
+    TextBlock get_block(std::int32_t length) {
+        TextBlock text = make_block(length);
+        archive_.get(text.get(), length);
+        return text;
+    }
 
-        Archive& archive_;
+    Archive& archive_;
 };
 
 /// Writes or reads `value`, as the archive does.

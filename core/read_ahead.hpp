@@ -7,14 +7,25 @@
 
 namespace sml::core {
 
-/// Asks for the memory of an object. What a large one owns was mostly allocated right after it, so
-/// that is asked for, too.
+/// Asks for the memory of an object. Of a very large one, mostly a variant with a small arm in it,
+/// that is where the arm begins and what stands behind it. What a large one owns was mostly
+/// allocated right after it, so the beginning of that is asked for, too.
 template <class T>
 inline void prefetch(T const& object) noexcept {
     constexpr std::size_t line = 64;
-    constexpr std::size_t owned = sizeof(T) < 2 * line ? 0 : 8 * line;
+    constexpr std::size_t first = 6 * line;
+    constexpr std::size_t last = 3 * line;
+    constexpr std::size_t owned = sizeof(T) < 2 * line ? 0 : 4 * line;
     auto const* const     bytes = reinterpret_cast<char const*>(&object);
-    for (std::size_t i = 0; i < sizeof(T) + owned; i += line) __builtin_prefetch(bytes + i);
+    auto const            ask = [bytes](std::size_t from, std::size_t to) {
+        for (; from < to; from += line) __builtin_prefetch(bytes + from);
+    };
+    if constexpr (sizeof(T) > first + last) {
+        ask(0, first);
+        ask(sizeof(T) - last, sizeof(T) + owned);
+    } else {
+        ask(0, sizeof(T) + owned);
+    }
 }
 
 /// Calls `use` with each element in turn, while the next one is on its way.

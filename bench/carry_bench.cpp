@@ -8,13 +8,12 @@
 #include "bench/plain/equal.hpp"
 #include "bench/plain/plain.hpp"
 #include "bench/prepared.hpp"
+#include "bench/scratch_file.hpp"
 #include "bindings/bindings.hpp"
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -54,22 +53,6 @@ struct Plain {
         plain::from_stream(value, stream);
     }
     static bool equal(Graph const& a, Graph const& b) { return plain::equal(a, b); }
-};
-
-/// A file of its own that goes away at the end.
-class Scratch_File {
-public:
-    Scratch_File()
-        : path_(std::filesystem::temp_directory_path() /
-                ("bradep-bench-" + std::to_string(::getpid()))) {}
-    ~Scratch_File() { std::filesystem::remove(path_); }
-    Scratch_File(Scratch_File const&) = delete;
-    Scratch_File& operator=(Scratch_File const&) = delete;
-
-    std::filesystem::path const& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
 };
 
 bench::Prepared const& data_of(benchmark::State const& state) {
@@ -137,8 +120,8 @@ void decode(benchmark::State& state, Carrier const& carrier) {
 
 template <class Own>
 void to_stream(benchmark::State& state) {
-    auto const&        data = data_of(state);
-    Scratch_File const file;
+    auto const&               data = data_of(state);
+    bench::Scratch_File const file;
     for ([[maybe_unused]] auto const round : state) {
         std::ofstream stream(file.path(), std::ios::binary);
         Own::to_stream(data.value, stream);
@@ -150,8 +133,8 @@ void to_stream(benchmark::State& state) {
 
 template <class Own>
 void from_stream(benchmark::State& state) {
-    auto const&        data = data_of(state);
-    Scratch_File const file;
+    auto const&               data = data_of(state);
+    bench::Scratch_File const file;
     std::ofstream(file.path(), std::ios::binary) << data.bytes();
     time_reading(state, data, [&](Graph& value) {
         std::ifstream stream(file.path(), std::ios::binary);

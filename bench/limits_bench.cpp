@@ -2,6 +2,7 @@
 // faster than these.
 
 #include "bench/prepared.hpp"
+#include "bench/scratch_file.hpp"
 #include "bench/walk.hpp"
 
 #include "bindings/bindings.hpp"
@@ -11,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <vector>
 
 namespace {
@@ -43,6 +45,18 @@ void copy_to_fresh_pages(benchmark::State& state) {
         state.PauseTiming();
         ::munmap(target, size);
         state.ResumeTiming();
+    }
+    bench::report(state, data);
+}
+
+void copy_to_file(benchmark::State& state) {
+    auto const&               data = data_of(state);
+    bench::Scratch_File const file;
+    for ([[maybe_unused]] auto const round : state) {
+        std::ofstream stream(file.path(), std::ios::binary);
+        stream << data.bytes();
+        stream.close();
+        if (!stream) state.SkipWithError("the file could not be written");
     }
     bench::report(state, data);
 }
@@ -138,6 +152,7 @@ void read_both(benchmark::State& state) {
 
 BENCHMARK(copy_warm)->Name("limit/copy_warm")->Apply(bench::sizes);
 BENCHMARK(copy_to_fresh_pages)->Name("limit/copy_to_fresh_pages")->Apply(bench::sizes);
+BENCHMARK(copy_to_file)->Name("limit/copy_to_file")->Apply(bench::sizes);
 BENCHMARK(make_nodes)->Name("limit/make_nodes")->Apply(bench::sizes);
 BENCHMARK(read_both)->Name("limit/read_both")->Apply(bench::sizes);
 

@@ -27,6 +27,7 @@ OPERATIONS = {"encode": "encode, `fromCxx`", "decode": "decode, `toCxx`",
               "toStream": "`toStream`, a `std::ofstream`",
               "fromStream": "`fromStream`, a `std::ifstream`", "equal": "`==` of equal graphs"}
 LIMITS = {"copy_warm": "copying the bytes, warm", "copy_to_fresh_pages": "copying them to fresh pages",
+          "copy_to_file": "copying them to a file, a `std::ofstream`",
           "make_nodes": "allocating, linking and writing the nodes",
           "read_both": "reading both graphs once"}
 

@@ -84,13 +84,17 @@ TEST(OutOfMemory, PassesThroughTheReadersAndReleasesTheirStrings) {
 
 /// The width stands behind the text, whose blank takes it to memory of its own.
 TEST(OutOfMemory, LeavesAFloatWhoseTextHasNoRoom) {
-    std::string const       bytes = wire::bytes("04 00 00 00  ' 0x1'  40 00 00 00");
+    std::string const       bytes = wire::bytes("07 00 00 00  ' 0X1P+0'  40 00 00 00");
     zelvanite::IEEE754Float value;
     value.width = 32;
     long const allocations = fail_each_allocation([&] { wire::read_over(value, bytes); },
-                                                  [&] { EXPECT_EQ(value.width, 32u); });
+                                                  [&] {
+                                                      EXPECT_EQ(value.width, 32u);
+                                                      EXPECT_NE(mpfr_zero_p(value.number()), 0);
+                                                  });
     EXPECT_GE(allocations, 1);
     EXPECT_EQ(value.width, 64u);
+    EXPECT_EQ(mpfr_cmp_ui(value.number(), 1), 0);
 }
 
 TEST(OutOfMemory, PassesThroughTheWritersAndKeepsTheLatestResult) {

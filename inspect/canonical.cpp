@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <memory_resource>
 #include <stdexcept>
 #include <unordered_map>
 #include <utility>
@@ -16,24 +17,24 @@ namespace sml::inspect {
 
 namespace {
 
-using Texts = std::vector<std::string_view>;
+using Texts = std::pmr::vector<std::string_view>;
 
 constexpr std::size_t rank_size = 4;
 
-struct SeededPlaceHash {
-    std::size_t operator()(char const* place) const {
-        return seeded_hash(reinterpret_cast<std::uintptr_t>(place), 0);
-    }
-};
-
 /// By where the text stands: encodable bytes tell a text once.
-using Ranks = std::unordered_map<char const*, std::uint32_t, SeededPlaceHash>;
+using Ranks = std::pmr::unordered_map<std::uint64_t, std::uint32_t, SeededHash>;
+
+std::uint64_t place_of(std::string_view text) {
+    return reinterpret_cast<std::uintptr_t>(text.data());
+}
 
 /// Collects the distinct texts.
 class TextCollector : public SilentVisitor {
 public:
+    explicit TextCollector(std::pmr::memory_resource* memory) : texts(memory), ranks_(memory) {}
+
     void string(std::string_view text) {
-        if (ranks_.emplace(text.data(), 0).second) texts.push_back(text);
+        if (ranks_.emplace(place_of(text), 0).second) texts.push_back(text);
     }
 
     Texts texts;
@@ -41,7 +42,8 @@ public:
     /// Sorts the texts and gives their places.
     Ranks take_ranks() {
         std::ranges::sort(texts);
-        for (std::uint32_t rank = 0; rank < texts.size(); ++rank) ranks_[texts[rank].data()] = rank;
+        for (std::uint32_t rank = 0; rank < texts.size(); ++rank)
+            ranks_[place_of(texts[rank])] = rank;
         return std::move(ranks_);
     }
 
@@ -53,9 +55,10 @@ private:
 /// rank of its text, highest byte first. Entries stand in their canonical order.
 class Ranker : public SilentVisitor {
 public:
-    explicit Ranker(Ranks ranks) : ranks_(std::move(ranks)) {}
+    Ranker(Ranks ranks, std::pmr::memory_resource* memory)
+        : bytes(memory), ranks_(std::move(ranks)), entries_(memory), first_entry_(memory) {}
 
-    std::string bytes;
+    std::pmr::string bytes;
 
     void integer(Type const& type, std::int64_t value) {
         if (type.kind == Kind::int64)
@@ -77,7 +80,7 @@ public:
         word(width);
     }
     void string(std::string_view text) {
-        std::uint32_t const rank = ranks_.at(text.data());
+        std::uint32_t const rank = ranks_.at(place_of(text));
         for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(rank >> shift);
     }
     void text(std::string_view text) { block(text); }
@@ -136,7 +139,7 @@ private:
             int const by_key = piece(a.start, a.key_end).compare(piece(b.start, b.key_end));
             return by_key != 0 ? by_key < 0 : piece(a.key_end, a.end) < piece(b.key_end, b.end);
         });
-        std::string sorted;
+        std::pmr::string sorted(bytes.get_allocator());
         sorted.reserve(bytes.size() - start);
         for (auto entry = begin; entry != entries_.end(); ++entry)
             sorted += piece(entry->start, entry->end);
@@ -148,9 +151,9 @@ private:
         return std::string_view(bytes).substr(start, end - start);
     }
 
-    Ranks                    ranks_;
-    std::vector<Entry>       entries_;      // of the open sets and maps, the innermost last
-    std::vector<std::size_t> first_entry_;  // of each of them
+    Ranks                         ranks_;
+    std::pmr::vector<Entry>       entries_;      // of the open sets and maps, the innermost last
+    std::pmr::vector<std::size_t> first_entry_;  // of each of them
 };
 
 /// Walks ranked bytes and writes them with their strings told, numbered anew.
@@ -160,7 +163,7 @@ public:
            std::function<void(std::size_t)> progress)
         : ranked_(ranked),
           texts_(texts),
-          ids_(texts.size()),
+          ids_(texts.size(), 0, texts.get_allocator()),
           write_(std::move(write)),
           progress_(std::move(progress)) {}
 
@@ -250,15 +253,16 @@ private:
 
     void put(std::string_view bytes) {
         constexpr std::size_t written_at = std::size_t{1} << 16;
-        out_ += bytes;
-        if (out_.size() < written_at) return;
+        if (bytes.size() < written_at) out_ += bytes;
+        if (out_.size() < written_at && bytes.size() < written_at) return;
         write_(out_);
         out_.clear();
+        if (bytes.size() >= written_at) write_(bytes);
     }
 
     std::string_view                      ranked_;
     Texts const&                          texts_;
-    std::vector<std::int32_t>             ids_;  // by rank; 0: not told yet
+    std::pmr::vector<std::int32_t>        ids_;  // by rank; 0: not told yet
     std::int32_t                          told_ = 0;
     std::size_t                           at_ = 0;
     std::string                           out_;
@@ -268,14 +272,13 @@ private:
 
 void canonical(Root const& root, std::string_view bytes, CanonOptions const& options,
                std::function<void(std::string_view)> write) {
-    TextCollector collector;
-    Walk          first(bytes, options.limits);
-    first.progress = options.progress;
+    Budget        budget(options.limits.own_memory);
+    TextCollector collector(&budget);
+    Walk          first(bytes, options, budget);
     if (!Walker(first, collector).run(*root.type))
         throw std::invalid_argument("unsafe bytes have no canonical form");
-    Ranker ranker(collector.take_ranks());
-    Walk   second(bytes, options.limits);
-    second.progress = options.progress;
+    Ranker ranker(collector.take_ranks(), &budget);
+    Walk   second(bytes, options, budget);
     Walker(second, ranker).run(*root.type);
     double const share =
         static_cast<double>(bytes.size()) / static_cast<double>(ranker.bytes.size());

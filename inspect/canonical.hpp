@@ -14,17 +14,14 @@
 
 namespace sml::inspect {
 
-struct CanonOptions {
-    Limits limits{};
-
-    /// Told now and then how many of the bytes are done: in two walks and in writing them.
-    std::atomic<std::uint64_t>* progress = nullptr;
-};
+/// Progress is told how many of the bytes are done: in two walks and in writing them.
+using CanonOptions = WalkOptions;
 
 /// Writes the canonical bytes of good bytes, or of bytes that are odd in unset or unknown tags and
 /// enumerators only: entries of sets and tables sorted by the bytes of the key, then of the value,
-/// with strings compared by text; strings numbered anew. Takes memory in proportion to
-/// the bytes. Throws `std::invalid_argument` for unsafe bytes.
+/// with strings compared by text; strings numbered anew; numbers with a dot for the decimal
+/// point. Takes memory in proportion to the bytes. Throws `std::invalid_argument` for unsafe bytes,
+/// and `std::bad_alloc` where memory, or that of the limits for work of its own, does not do.
 SML_API void write_canonical(Root const& root, std::string_view bytes, std::ostream& out,
                              CanonOptions const& options = {});
 

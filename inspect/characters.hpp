@@ -1,5 +1,5 @@
 #pragma once
-// Sixteen characters, judged at once.
+// Characters as the "C" locale knows them, and sixteen of them judged at once.
 
 #include <array>
 #include <cstddef>
@@ -7,6 +7,13 @@
 #include <cstring>
 
 namespace sml::inspect {
+
+constexpr bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool is_hexadecimal(char c) {
+    return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
 
 using Characters = unsigned char __attribute__((vector_size(16)));
 constexpr std::size_t at_once = sizeof(Characters);

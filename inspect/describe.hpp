@@ -2,6 +2,7 @@
 // Descriptors from declarations: `describe<T>()`.
 
 #include "core/kinds.hpp"
+#include "inspect/heap_chunk.hpp"
 #include "inspect/type.hpp"
 
 #include <algorithm>
@@ -306,6 +307,23 @@ struct EnumeratorTable {
     }();
 };
 
+/// The node in which the standard library holds an entry.
+template <class T>
+struct NodeOf {
+    using type = std::_Rb_tree_node<typename T::value_type>;
+};
+template <core::List T>
+struct NodeOf<T> {
+    using type = std::_List_node<typename T::value_type>;
+};
+template <class T>
+    requires core::HashSet<T> || core::HashMap<T>
+struct NodeOf<T> {
+    static constexpr bool keeps_hash =
+        std::__cache_default<typename T::key_type, typename T::hasher>::value;
+    using type = std::__detail::_Hash_node<typename T::value_type, keeps_hash>;
+};
+
 template <class T>
 constexpr Type make() {
     using namespace core;
@@ -340,6 +358,10 @@ constexpr Type make() {
         type.name = name_of<T>();
         type.parts = Tables<T>::parts;
         type.flat = FlatTable<T>::parts.data();
+    }
+    if constexpr (List<T> || Set<T> || Map<T>) {
+        type.entry_size = sizeof(typename T::value_type);
+        type.node_heap = chunk_of(sizeof(typename NodeOf<T>::type));
     }
     return type;
 }

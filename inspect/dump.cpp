@@ -34,8 +34,8 @@ void write_unsafe(JsonWriter& json, Finding const& finding) {
 /// Writes all that it is told.
 class JsonVisitor {
 public:
-    JsonVisitor(std::ostream& out, Form form)
-        : json_(out, form == Form::pretty), in_lines_(form == Form::lines) {}
+    JsonVisitor(std::ostream& out, Form form, Budget& budget)
+        : budget_(budget), json_(out, form == Form::pretty), in_lines_(form == Form::lines) {}
 
     void start(Root const& root, std::string_view path) {
         if (in_lines_) return;
@@ -74,10 +74,11 @@ public:
     void natural(Type const& type, std::uint64_t value) { put(value, type.kind == Kind::uint64); }
     void flag(bool value) { json_.text += value ? "true" : "false"; }
     void number(double value) { append_json_double(json_.text, value); }
-    void string(std::string_view value) { append_json_string(json_.text, value); }
-    void text(std::string_view value) { append_json_string(json_.text, value); }
+    void string(std::string_view value) { json_.string(value); }
+    void text(std::string_view value) { json_.string(value); }
 
     void big_integer(std::string_view hexadecimal) {
+        Budget::Hold const held(budget_, memory_for_conversion(hexadecimal.size()));
         json_.text += '"';
         append_decimal(json_.text, hexadecimal);
         json_.text += '"';
@@ -162,6 +163,7 @@ private:
         if (in_quotes) json_.text += '"';
     }
 
+    Budget&     budget_;
     JsonWriter  json_;
     bool        in_lines_;
     bool        line_is_open_ = false;
@@ -179,7 +181,7 @@ public:
           match_(walk, options.path),
           superseded_(std::move(superseded.entries)),
           repeated_(std::move(superseded.findings)),
-          json_(out, options.form) {
+          json_(out, options.form, walk.budget) {
         dumped.odd_count = superseded_.size();
         if (options.path.empty()) select(*root.type, 0);
     }
@@ -338,26 +340,25 @@ private:
         if (is_skipping && walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
     }
 
-    Walk const&                       walk_;
-    std::size_t                       listed_ = 0;
-    Root const&                       root_;
-    DumpOptions const&                options_;
-    PathMatch                         match_;
-    std::unordered_set<std::uint64_t> superseded_;
-    std::vector<Finding>              repeated_;
-    JsonVisitor                       json_;
-    bool                              is_selected_ = false;
-    bool                              was_selected_ = false;
-    bool                              is_root_over_ = false;
-    Finding const*                    behind_value_ = nullptr;
-    std::size_t                       selected_depth_ = 0;
-    std::size_t                       skipped_depth_ = no_depth;
+    Walk const&                   walk_;
+    std::size_t                   listed_ = 0;
+    Root const&                   root_;
+    DumpOptions const&            options_;
+    PathMatch                     match_;
+    decltype(Superseded::entries) superseded_;
+    std::vector<Finding>          repeated_;
+    JsonVisitor                   json_;
+    bool                          is_selected_ = false;
+    bool                          was_selected_ = false;
+    bool                          is_root_over_ = false;
+    Finding const*                behind_value_ = nullptr;
+    std::size_t                   selected_depth_ = 0;
+    std::size_t                   skipped_depth_ = no_depth;
 };
 
 Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
-                    DumpOptions const& options, Superseded superseded) {
-    Walk walk(bytes, options.walk.limits);
-    walk.progress = options.walk.progress;
+                    DumpOptions const& options, Superseded superseded, Budget& budget) {
+    Walk   walk(bytes, options.walk.walk(), budget);
     Picker picker(walk, root, out, options, std::move(superseded));
     Walker(walk, picker).run(*root.type);
     picker.finish();
@@ -368,17 +369,18 @@ Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
 
 Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             DumpOptions const& options) {
-    Superseded superseded = superseded_entries(root, bytes, options.walk);
+    Budget     budget(options.walk.limits.own_memory);
+    Superseded superseded = superseded_entries(root, bytes, options.walk, budget);
     if (superseded.are_read_over) {
         // What a reader keeps of a value that it reads another one over, only a reader can tell.
         Verdict verdict = verify(root, bytes, options.walk);
         if (verdict.answer != Answer::unsafe) {
-            Dumped dumped =
-                dump_entries(root, read_and_write(root, bytes.data()), out, options, {});
+            Dumped dumped = dump_entries(root, read_and_write(root, bytes.data()), out, options,
+                                         Superseded(&budget), budget);
             return {verdict.answer, verdict.odd_count, std::move(verdict.findings), dumped.found};
         }
     }
-    return dump_entries(root, bytes, out, options, std::move(superseded));
+    return dump_entries(root, bytes, out, options, std::move(superseded), budget);
 }
 
 }  // namespace sml::inspect

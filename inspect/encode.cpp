@@ -1,7 +1,10 @@
 #include "inspect/encode.hpp"
 
+#include "inspect/double_text.hpp"
+#include "inspect/hashing.hpp"
 #include "inspect/json_reader.hpp"
 #include "inspect/json_text.hpp"
+#include "inspect/memory.hpp"
 #include "inspect/nearest.hpp"
 #include "inspect/number_text.hpp"
 #include "inspect/patched_output.hpp"
@@ -10,8 +13,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <limits>
+#include <memory_resource>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -28,7 +31,12 @@ std::string in_quotes(std::string_view name) { return '"' + std::string(name) + 
 class Encoder {
 public:
     Encoder(std::string_view text, std::ostream& out, EncodeOptions const& options)
-        : json_(text), out_(out), options_(options) {}
+        : budget_(options.limits.own_memory),
+          json_(text, &budget_),
+          out_(out),
+          options_(options),
+          ids_(&budget_),
+          whole_key_(&budget_) {}
 
     Root const& run() {
         json_.open('{', "an object with \"root\" and \"value\"");
@@ -60,7 +68,7 @@ private:
 
     Root const& take_root() {
         std::size_t const at = json_.offset();
-        std::string const stem = json_.string("the stem of a root");
+        auto const        stem = json_.string("the stem of a root");
         if (Root const* const root = find_root(stem)) return *root;
         auto const nearest = nearest_name(stem, roots(), [](Root const& r) { return r.stem; });
         json_.fail(at, "a root such as " + in_quotes(nearest), quoted(stem));
@@ -148,7 +156,7 @@ private:
         std::size_t const      at = json_.offset();
         if (!json_.next('}')) json_.fail(at, "the field " + in_quotes(expected), "the end");
         std::size_t const name_at = json_.offset();
-        std::string const name = json_.name();
+        auto const        name = json_.name();
         if (name == expected) return;
         bool const is_elsewhere =
             std::ranges::find(type.parts, name, &Part::name) != type.parts.end();
@@ -191,12 +199,13 @@ private:
         json_.open('[', type.kind == Kind::map ? "an array of [key, value]" : "an array");
         std::uint64_t const count_offset = out_.offset();
         word(std::uint32_t{0});
-        Keys          keys;
+        Keys          keys(&budget_);
         std::uint32_t count = 0;
         std::size_t   at = json_.offset();
         for (; json_.next(']'); ++count, at = json_.offset()) {
-            if (count == std::numeric_limits<std::uint32_t>::max())
-                json_.fail(at, "no more elements", "one more");
+            if (++elements_ > most_elements())
+                json_.fail(at, "elements in all up to " + std::to_string(most_elements()),
+                           "one more");
             if (options_.progress != nullptr)
                 options_.progress->store(at, std::memory_order_relaxed);
             steps_.back().part = count;
@@ -206,7 +215,13 @@ private:
         out_.patch(count_offset, count);
     }
 
-    using Keys = std::unordered_set<std::string>;
+    /// A count is read as a signed word where a container is large.
+    std::uint64_t most_elements() const {
+        constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
+        return std::min(options_.limits.elements, most);
+    }
+
+    using Keys = std::pmr::unordered_set<std::pmr::string, SeededHash>;
 
     void entry(Type const& type, Keys& keys) {
         if (type.kind == Kind::list) return value(*type.element);
@@ -272,8 +287,8 @@ private:
         take_member("arm");
         std::size_t const at = json_.offset();
         if (json_.take_null()) return unknown_tag(type);
-        std::string const name = json_.string("the name of an arm, or null");
-        auto const        found = std::ranges::find(type.arms, name, &Arm::name);
+        auto const name = json_.string("the name of an arm, or null");
+        auto const found = std::ranges::find(type.arms, name, &Arm::name);
         if (found != type.arms.end()) return static_cast<std::int32_t>(found - type.arms.begin());
         auto const nearest = nearest_name(name, type.arms, [](Arm const& a) { return a.name; });
         json_.fail(at, "an arm such as " + in_quotes(nearest), quoted(name));
@@ -293,7 +308,7 @@ private:
         std::size_t const at = json_.offset();
         if (!json_.next('}')) json_.fail(at, "the member " + in_quotes(expected), "the end");
         std::size_t const name_at = json_.offset();
-        std::string const name = json_.name();
+        auto const        name = json_.name();
         if (name != expected)
             json_.fail(name_at, "the member " + in_quotes(expected), quoted(name));
     }
@@ -301,8 +316,8 @@ private:
     void enumeration(Type const& type) {
         std::size_t const at = json_.offset();
         if (json_.peek() != '"') return unknown_enumerator(type);
-        std::string const name = json_.string("the name of an enumerator");
-        auto const        found = std::ranges::find(type.enumerators, name);
+        auto const name = json_.string("the name of an enumerator");
+        auto const found = std::ranges::find(type.enumerators, name);
         if (found != type.enumerators.end()) {
             if (in_key_) add_key_text(name);
             return word(static_cast<std::int32_t>(found - type.enumerators.begin()));
@@ -331,13 +346,14 @@ private:
     Word small_integer(std::string_view expected = "an integer") {
         std::size_t const      at = json_.offset();
         std::string_view const text = json_.number(expected);
+        Budget::Hold const     held(budget_, text.size());
         auto const             number = integer_of_json(text);
         if (!number || *number < std::numeric_limits<Word>::min() ||
             *number > std::numeric_limits<Word>::max())
             json_.fail(at,
                        "an integer from " + std::to_string(std::numeric_limits<Word>::min()) +
                            " to " + std::to_string(std::numeric_limits<Word>::max()),
-                       std::string(text));
+                       shown_number(text));
         mix(*number);
         return static_cast<Word>(*number);
     }
@@ -345,7 +361,7 @@ private:
     template <class Word>
     Word large_integer() {
         std::size_t const at = json_.offset();
-        std::string const text = json_.string("an integer in a string");
+        auto const        text = json_.string("an integer in a string");
         Word              number = 0;
         char const* const end = text.data() + text.size();
         auto const        parsed = std::from_chars(text.data(), end, number);
@@ -360,12 +376,13 @@ private:
 
     void big_integer() {
         std::size_t const at = json_.offset();
-        std::string const text = json_.string("an integer in a string");
+        auto const        text = json_.string("an integer in a string");
         std::string_view  digits = text;
         if (digits.starts_with('-')) digits.remove_prefix(1);
         if (digits.empty() || digits.find_first_not_of("0123456789") != digits.npos)
             json_.fail(at, "an integer", quoted(text));
-        std::string const hexadecimal = hexadecimal_of(text);
+        Budget::Hold const held(budget_, memory_for_conversion(text.size()));
+        std::string const  hexadecimal = hexadecimal_of(text);
         if (in_key_) add_key_text(hexadecimal);
         block(written_integer(hexadecimal));
     }
@@ -373,16 +390,15 @@ private:
     std::string number() {
         std::size_t const at = json_.offset();
         if (json_.peek() == '"') {
-            std::string const text = json_.string("a number");
+            auto const text = json_.string("a number");
             for (std::string_view const name : {"inf", "-inf", "nan", "-nan"})
-                if (text == name) return text;
+                if (text == name) return std::string(name);
             json_.fail(at, R"(a number, "inf", "-inf", "nan" or "-nan")", quoted(text));
         }
         std::string_view const text = json_.number("a number");
-        double                 value = 0;
-        if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc())
-            json_.fail(at, "a number that a double holds", std::string(text));
-        return written_double(value);
+        auto const             value = nearest_double(text);
+        if (!value) json_.fail(at, "a number that a double holds", shown_number(text));
+        return written_double(*value);
     }
 
     void ieee_float() {
@@ -394,7 +410,7 @@ private:
             json_.fail(width_at, "16, 32, 40, 48, 64, 80 or 128", std::to_string(width));
         take_member("hex");
         std::size_t const at = json_.offset();
-        std::string const text = json_.string("a float in a string");
+        auto const        text = json_.string("a float in a string");
         if (!is_written_float(text, width))
             json_.fail(
                 at,
@@ -407,8 +423,8 @@ private:
 
     void string() {
         std::size_t const at = json_.offset();
-        std::string       text = json_.string("a string");
-        if (text.size() > longest_block) json_.fail(at, "a shorter string", "2 GiB or more");
+        auto              text = json_.string("a string");
+        judge_length(at, text.size());
         if (in_key_) add_key_string(text);
         auto const [known, is_new] = ids_.try_emplace(std::move(text), 0);
         if (!is_new) return word(known->second);
@@ -418,12 +434,25 @@ private:
         block(known->first);
     }
 
+    void judge_length(std::size_t at, std::uint64_t length) const {
+        std::uint64_t const most = std::min(longest_block, options_.limits.text_bytes);
+        if (length > most)
+            json_.fail(at, "a text of at most " + std::to_string(most) + " bytes",
+                       std::to_string(length));
+    }
+
+    static std::string shown_number(std::string_view text) {
+        constexpr std::size_t longest = 40;
+        return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
+    }
+
     void add_key_text(std::string_view text) {
         whole_key_ += text;
         shown_key_ += text;
     }
     void add_key_string(std::string_view text) {
-        whole_key_ += quoted(text, std::numeric_limits<std::size_t>::max());
+        (whole_key_ += std::to_string(text.size())) += ':';
+        whole_key_ += text;
         shown_key_ += quoted(text);
     }
 
@@ -435,8 +464,7 @@ private:
     }
 
     void block(std::string_view bytes) {
-        if (bytes.size() > longest_block)
-            json_.fail(json_.offset(), "a shorter text", "2 GiB or more");
+        judge_length(json_.offset(), bytes.size());
         word(static_cast<std::int32_t>(bytes.size()));
         out_.append(bytes);
     }
@@ -455,16 +483,20 @@ private:
         if (in_key_) add_key_text(")");
     }
 
-    JsonReader                                    json_;
-    PatchedOutput                                 out_;
-    EncodeOptions const&                          options_;
-    std::vector<Step>                             steps_;
-    std::uint32_t                                 nesting_ = 0;
-    std::unordered_map<std::string, std::int32_t> ids_;
-    bool                                          in_key_ = false;
-    bool                                          key_is_unequal_ = false;
-    std::string                                   whole_key_;  // keys are compared by it
-    std::string                                   shown_key_;  // as paths show it
+    using Ids = std::pmr::unordered_map<std::pmr::string, std::int32_t, SeededHash>;
+
+    Budget               budget_;
+    JsonReader           json_;
+    PatchedOutput        out_;
+    EncodeOptions const& options_;
+    std::vector<Step>    steps_;
+    std::uint32_t        nesting_ = 0;
+    std::uint64_t        elements_ = 0;
+    Ids                  ids_;
+    bool                 in_key_ = false;
+    bool                 key_is_unequal_ = false;
+    std::pmr::string     whole_key_;  // keys are compared by it
+    std::string          shown_key_;  // as paths show it
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 // What a walk says about bytes that are not as a writer makes them.
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -26,17 +27,35 @@ struct Finding {
     std::string   found;
 };
 
-/// What a walk puts up with. Beyond any of these the bytes are unsafe.
+/// What a walk puts up with. Beyond any of these the bytes are unsafe, but for the last one.
 struct Limits {
     std::uint32_t depth =
         default_depth;  ///< variants and containers in one another, up to `depth_cap`
     std::uint64_t elements = std::uint64_t{1} << 32;    ///< of all containers together
     std::uint64_t text_bytes = std::uint64_t{1} << 30;  ///< of one text
-    std::uint64_t memory = std::uint64_t{1} << 36;      ///< estimated heap of the object read
+    std::uint64_t memory = std::uint64_t{1} << 36;      ///< a reader's heap at its peak, estimated
+
+    /// Comparisons of keys in a reader's hash tables, estimated. Judged by `verify` alone.
+    std::uint64_t work = 100'000'000;
+
+    /// Bytes that the call itself takes beyond those given to it. Where they do not do, it throws
+    /// `BudgetExceeded`, which is a `std::bad_alloc`.
+    std::uint64_t own_memory = std::uint64_t{1} << 33;
 
     // The walk itself recurses, so there is a depth that no setting goes beyond.
     static constexpr std::uint32_t default_depth = 400;
     static constexpr std::uint32_t depth_cap = 1000;
+};
+
+/// How bytes are walked.
+struct WalkOptions {
+    Limits limits{};
+
+    /// The decimal point of the process that wrote the bytes, as its locale has it.
+    std::string decimal_point = ".";
+
+    /// Told how many bytes have been walked, now and then: for another thread to show.
+    std::atomic<std::uint64_t>* progress = nullptr;
 };
 
 }  // namespace sml::inspect

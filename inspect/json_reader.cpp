@@ -91,8 +91,8 @@ void JsonReader::close(char closing, std::string_view expected) {
     fail(at, expected, is_member ? quoted(string("the name of a member")) : description());
 }
 
-std::string JsonReader::name() {
-    std::string name = string("the name of a member");
+std::pmr::string JsonReader::name() {
+    std::pmr::string name = string("the name of a member");
     if (peek() != ':') fail(at_, "':'", description());
     before_ = ':';
     ++at_;
@@ -115,10 +115,10 @@ bool JsonReader::boolean() {
     return false;
 }
 
-std::string JsonReader::string(std::string_view expected) {
+std::pmr::string JsonReader::string(std::string_view expected) {
     if (peek() != '"') fail(at_, expected, description());
     std::size_t const start = at_++;
-    std::string       bytes;
+    std::pmr::string  bytes(memory_);
     while (at_ < text_.size() && text_[at_] != '"') string_piece(bytes);
     if (at_ == text_.size()) fail(start, "the end of the string that starts here", description());
     before_ = '"';
@@ -126,7 +126,7 @@ std::string JsonReader::string(std::string_view expected) {
     return bytes;
 }
 
-void JsonReader::string_piece(std::string& bytes) {
+void JsonReader::string_piece(std::pmr::string& bytes) {
     std::size_t const plain = at_;
     while (at_ < text_.size()) {
         auto const c = static_cast<unsigned char>(text_[at_]);
@@ -143,7 +143,7 @@ void JsonReader::string_piece(std::string& bytes) {
     at_ += length;
 }
 
-void JsonReader::escape(std::string& bytes) {
+void JsonReader::escape(std::pmr::string& bytes) {
     constexpr std::string_view letters = "\"\\/bfnrt";
     constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
     std::size_t const          start = at_++;
@@ -167,7 +167,9 @@ void JsonReader::escape(std::string& bytes) {
     } else if (is_high(code) || is_low(code)) {
         fail(start, "a pair of surrogates, or one from U+DC80 to U+DCFF for a byte", "one alone");
     }
-    append_character(bytes, code);
+    std::string character;
+    append_character(character, code);
+    bytes += character;
 }
 
 std::uint32_t JsonReader::four_digits() {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,7 +22,9 @@ struct JsonMisfit {
 
 class JsonReader {
 public:
-    explicit JsonReader(std::string_view text) : text_(text) {}
+    /// Strings are taken from this memory.
+    JsonReader(std::string_view text, std::pmr::memory_resource* memory)
+        : text_(text), memory_(memory) {}
 
     /// Where the next token starts.
     std::size_t offset();
@@ -35,11 +38,11 @@ public:
     bool next(char closing);
     void close(char closing, std::string_view expected);
     /// The name of a member and its colon.
-    std::string name();
+    std::pmr::string name();
 
-    bool        take_null();
-    bool        boolean();
-    std::string string(std::string_view expected);
+    bool             take_null();
+    bool             boolean();
+    std::pmr::string string(std::string_view expected);
     /// A number as it is spelled.
     std::string_view number(std::string_view expected);
     void             end();
@@ -48,13 +51,14 @@ public:
 
 private:
     bool          take_word(std::string_view word);
-    void          string_piece(std::string& bytes);
-    void          escape(std::string& bytes);
+    void          string_piece(std::pmr::string& bytes);
+    void          escape(std::pmr::string& bytes);
     std::uint32_t four_digits();
 
-    std::string_view text_;
-    std::size_t      at_ = 0;
-    char             before_ = '\0';  // the first byte of the token before
+    std::string_view           text_;
+    std::pmr::memory_resource* memory_;
+    std::size_t                at_ = 0;
+    char                       before_ = '\0';  // the first byte of the token before
 };
 
 /// An integer in any spelling that JSON has for it; none for other numbers and beyond 64 bits.

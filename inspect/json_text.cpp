@@ -71,15 +71,19 @@ void append_long_decimal(std::string& text, std::string_view hexadecimal) {
 
 }  // namespace
 
-void append_json_string(std::string& json, std::string_view text) {
-    json += '"';
+void append_json_characters(std::string& json, std::string_view text) {
     for (;;) {
         std::size_t const plain = plain_length(text);
         json.append(text.data(), plain);
         text.remove_prefix(plain);
-        if (text.empty()) break;
+        if (text.empty()) return;
         text.remove_prefix(append_special(json, text));
     }
+}
+
+void append_json_string(std::string& json, std::string_view text) {
+    json += '"';
+    append_json_characters(json, text);
     json += '"';
 }
 

@@ -52,6 +52,20 @@ public:
         append_json_string(text, value);
     }
 
+    /// A string value of any length, in pieces that end between characters.
+    void string(std::string_view value) {
+        text += '"';
+        while (value.size() > flushed_at) {
+            std::size_t end = flushed_at;
+            while (end > flushed_at - longest_character && is_inside_character(value[end])) --end;
+            append_json_characters(text, value.substr(0, end));
+            value.remove_prefix(end);
+            flush();
+        }
+        append_json_characters(text, value);
+        text += '"';
+    }
+
     void end_line() {
         text += '\n';
         if (text.size() >= flushed_at) flush();
@@ -64,6 +78,10 @@ public:
 
 private:
     static constexpr std::size_t flushed_at = std::size_t{1} << 16;
+
+    static constexpr std::size_t longest_character = 4;
+
+    static bool is_inside_character(char byte) { return (byte & 0xC0) == 0x80; }
 
     void break_line() {
         if (!pretty_) return;

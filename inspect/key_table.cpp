@@ -7,17 +7,13 @@ void KeyTable::open(std::uint64_t count) {
     tables_[open_++].assign(slots_for(count), Slot{0});
 }
 
-void KeyTable::close() {
-    constexpr std::size_t most_kept = 4096;
-    std::vector<Slot>&    table = tables_[--open_];
-    if (table.capacity() > most_kept) table = {};
-}
+void KeyTable::close() { close_slots(tables_[--open_]); }
 
 bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
                    std::uint64_t hash) {
-    std::vector<Slot>& table = tables_[open_ - 1];
-    std::size_t const  slots = table.size();
-    Slot const         key = hash << offset_bits | key_offset;
+    auto&             table = tables_[open_ - 1];
+    std::size_t const slots = table.size();
+    Slot const        key = hash << offset_bits | key_offset;
     for (std::size_t i = first_slot(hash, slots);; i = i + 1 == slots ? 0 : i + 1) {
         Slot const other = table[i];
         if (other == 0) {
@@ -25,7 +21,10 @@ bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
             return true;
         }
         if ((other ^ key) >> offset_bits != 0) continue;
-        if (!walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) continue;
+        if (!walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) {
+            ++comparisons_;
+            continue;
+        }
         // From now on the later one is compared with: no long number is read again and again.
         table[i] = key;
         return false;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <vector>
 
 namespace sml::inspect {
@@ -18,9 +19,18 @@ inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
 /// Twice as many as there are keys, so that a search is short and ends.
 inline std::size_t slots_for(std::uint64_t keys) { return static_cast<std::size_t>(2 * keys); }
 
+/// Gives memory back where a table takes much of it.
+template <class Slots>
+void close_slots(Slots& slots) {
+    constexpr std::size_t most_kept = 4096;
+    if (slots.capacity() > most_kept) Slots(slots.get_allocator()).swap(slots);
+}
+
 /// 16 bytes a key, for as long as its container is open; exact when hashes collide.
 class KeyTable {
 public:
+    explicit KeyTable(std::pmr::memory_resource* memory) : tables_(memory) {}
+
     /// Opens a container with this many entries.
     void open(std::uint64_t count);
     void close();
@@ -34,6 +44,9 @@ public:
     /// Adds the key at an offset to the container opened last; false when it is there already.
     bool add(Walk const& walk, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
 
+    /// How often keys that were not equal have been compared.
+    std::uint64_t comparisons() const noexcept { return comparisons_; }
+
 private:
     // The low bits of the hash above the key's offset, which no memory holds more of; 0: free. No
     // key stands at the start of the bytes.
@@ -41,8 +54,10 @@ private:
 
     static constexpr int offset_bits = 48;
 
-    std::vector<std::vector<Slot>> tables_;    // of the open containers, then some to use again
-    std::size_t                    open_ = 0;  // how many are open
+    // Of the open containers, then some to use again.
+    std::pmr::vector<std::pmr::vector<Slot>> tables_;
+    std::size_t                              open_ = 0;  // how many are open
+    std::uint64_t                            comparisons_ = 0;
 };
 
 }  // namespace sml::inspect

@@ -4,16 +4,12 @@
 #include "inspect/characters.hpp"
 
 #include <locale.h>
-#include <stdlib.h>
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cerrno>
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace sml::inspect {
 
@@ -94,13 +90,13 @@ constexpr std::array<Format, 17> formats = [] {
 
 /// Judges a float behind its "0X" that is not zero: one digit, a fraction without trailing zeros,
 /// the exponent. Sixteen characters behind the text can be read.
-bool is_written_finite(std::string_view text, Format const& format) {
+bool is_written_finite(std::string_view text, Format const& format, char point) {
     if (text.size() < 2) return false;
     char const*       at = text.data();
     char const* const end = at + text.size();
     int const         leading = upper_digit(*at++);
     std::ptrdiff_t    digits = 0;  // of the fraction
-    if (*at == '.') {
+    if (*at == point) {
         char const* const fraction = ++at;
         std::size_t       more;
         do {
@@ -139,11 +135,22 @@ bool are_digits(std::string_view text) {
 }
 
 std::string integer_of(std::string_view block) {
-    BigInteger value;
-    core::parse(terminated(block), value);
-    std::string text = core::text_of(value);
-    text.erase(text.find('\0'));
-    return text;
+    std::string_view text = block.substr(0, block.find('\0'));
+    text = {std::ranges::find_if_not(text, is_blank), text.end()};
+    bool const is_negative = text.starts_with('-');
+    if (is_negative) text.remove_prefix(1);
+    std::string const nothing = "0";
+    auto const        is_part = [](char c) { return is_hexadecimal(c) || is_blank(c); };
+    if (text.empty() || is_blank(text.front()) || !std::ranges::all_of(text, is_part))
+        return nothing;
+    auto const start =
+        std::ranges::find_if_not(text, [](char c) { return c == '0' || is_blank(c); });
+    if (start == text.end()) return nothing;
+    std::string digits(is_negative ? "-" : "");
+    digits.reserve(digits.size() + static_cast<std::size_t>(text.end() - start));
+    for (char const c : std::string_view(start, text.end()))
+        if (!is_blank(c)) digits += static_cast<char>(c >= 'A' && c <= 'F' ? c | 0x20 : c);
+    return digits;
 }
 
 std::string written_integer(std::string_view hexadecimal) {
@@ -157,46 +164,38 @@ bool is_float_width(std::int32_t width) {
     return width % 8 == 0 && bytes < formats.size() && formats[bytes].mantissa_bits != 0;
 }
 
-bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable) {
+bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable,
+                      char point) {
     if (readable < block.size() + at_once) [[unlikely]] {
         std::string padded(block);
         padded.append(at_once, '\0');
-        return is_written_float({padded.data(), block.size()}, width, padded.size());
+        return is_written_float({padded.data(), block.size()}, width, padded.size(), point);
     }
     std::string_view const unsigned_text = block.substr(block.starts_with('-') ? 1 : 0);
     if (unsigned_text.size() < 2 || unsigned_text[0] != '0' || unsigned_text[1] != 'X')
         return unsigned_text == "INF" || block == "NAN";
     std::string_view const text = unsigned_text.substr(2);
-    return is_written_finite(text, formats[static_cast<std::uint32_t>(width) / 8]) ||
+    return is_written_finite(text, formats[static_cast<std::uint32_t>(width) / 8], point) ||
            text == "0P+0";
 }
 
-std::string float_of(std::string_view block, std::int32_t width) {
+std::string with_dot(std::string_view block, char point) {
+    std::string text(block);
+    // The number library takes a dot as well; only the first of the two is the point.
+    char const        points[] = {point, '.'};
+    std::size_t const at = text.find_first_of(points, 0, sizeof points);
+    if (at != text.npos) text[at] = '.';
+    return text;
+}
+
+std::string float_of(std::string_view block, std::int32_t width, char point) {
+    if (point != '.') return float_of(with_dot(block, point), width);
     PlainNumbers const plain;
     IEEE754Float       value;
     value.width = static_cast<std::uint64_t>(width);
     core::parse(terminated(block), value);
     core::FloatText const text(value);
     return std::string(text.data(), text.size());
-}
-
-std::optional<double> double_of(std::string_view block) {
-    core::TextBlock const text = terminated(block);
-    char*                 end = nullptr;
-    int const             before = std::exchange(errno, 0);
-    double const          value = strtod_l(text.get(), &end, PlainNumbers::plain());
-    bool const            throws = end == text.get() || errno == ERANGE;
-    errno = before;
-    if (throws) return std::nullopt;
-    return value;
-}
-
-std::string written_double(double value) {
-    if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
-    std::array<char, 328> text;
-    auto const            end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 6);
-    return {text.data(), end.ptr};
 }
 
 }  // namespace sml::inspect

@@ -1,13 +1,12 @@
 #pragma once
-// Numbers as they stand on the wire, judged without the process's locale and without leaving a
-// trace in MPFR's exponent range.
+// Integers and floats as they stand on the wire, judged without the process's locale and without
+// leaving a trace in MPFR's exponent range.
 
 #include "core/export.hpp"
 #include "inspect/characters.hpp"
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -44,7 +43,7 @@ inline std::string_view written_digits(std::string_view block) {
 }
 
 /// The integer that a reader has after this block, as the writer prints it but without the zero
-/// bytes; 0 where the block is no number.
+/// bytes; 0 where the block is no number. Takes memory for its digits.
 SML_API std::string integer_of(std::string_view block);
 
 /// An integer's block from its hexadecimal digits as the writer prints them.
@@ -53,20 +52,23 @@ SML_API std::string written_integer(std::string_view hexadecimal);
 /// Whether a float format has this width.
 SML_API bool is_float_width(std::int32_t width);
 
-/// Whether a block is exactly what the writer prints for the float that is read from it. The width
-/// is one of the seven. Faster where so many bytes from its start on can be read.
-SML_API bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable);
+/// The decimal point of floats in a process with this one: only a single character is used.
+inline char float_point(std::string_view point) { return point.size() == 1 ? point.front() : '.'; }
+
+/// Whether a block is exactly what the writer prints, with this decimal point, for the float that
+/// is read from it. The width is one of the seven. Faster where so many bytes from its start on can
+/// be read.
+SML_API bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable,
+                              char point = '.');
 inline bool  is_written_float(std::string_view block, std::int32_t width) {
      return is_written_float(block, width, block.size());
 }
 
-/// The float that a reader has after this block, as the writer prints it.
-SML_API std::string float_of(std::string_view block, std::int32_t width);
+/// A float's block with a dot for the decimal point.
+SML_API std::string with_dot(std::string_view block, char point);
 
-/// The double that a reader has after this block; none where reading it throws.
-SML_API std::optional<double> double_of(std::string_view block);
-
-/// What the writer prints for a double.
-SML_API std::string written_double(double value);
+/// The float that a process with this decimal point reads from a block, as the writer prints it
+/// with a dot. The number library takes twice the memory of the block.
+SML_API std::string float_of(std::string_view block, std::int32_t width, char point = '.');
 
 }  // namespace sml::inspect

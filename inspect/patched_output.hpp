@@ -17,8 +17,13 @@ public:
     std::uint64_t offset() const noexcept { return flushed_ + buffer_.size(); }
 
     void append(std::string_view bytes) {
-        if (buffer_.size() >= flushed_at) flush();
-        buffer_ += bytes;
+        if (buffer_.size() >= flushed_at || bytes.size() >= flushed_at) flush();
+        if (bytes.size() < flushed_at) {
+            buffer_ += bytes;
+            return;
+        }
+        out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        flushed_ += bytes.size();
     }
 
     template <class Word>

@@ -1,55 +1,40 @@
 #include "inspect/string_table.hpp"
 
-#include <cstring>
-#include <random>
+#include <bit>
 #include <utility>
 
 namespace sml::inspect {
 
-std::uint64_t const hash_seed = [] {
-    std::random_device device;
-    return (std::uint64_t{device()} << 32) ^ device();
-}();
-
-namespace {
-
-std::uint64_t word_at(char const* bytes, std::size_t size) {
-    std::uint64_t word = 0;
-    if (size > 0) std::memcpy(&word, bytes, size);
-    return word;
-}
-
-}  // namespace
-
-std::uint64_t seeded_hash(std::string_view text) {
-    std::uint64_t state = text.size();
-    for (; text.size() > 8; text.remove_prefix(8))
-        state = seeded_hash(word_at(text.data(), 8), state);
-    return seeded_hash(word_at(text.data(), text.size()), state);
-}
-
 StringTable::Told StringTable::tell(std::int32_t word, std::uint64_t length_offset) {
-    auto const          id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
-    auto const          entry = static_cast<std::uint32_t>(entries_.size());
-    std::uint64_t const hash = seeded_hash(text_at(length_offset));
-    entries_.push_back({length_offset, hash});
-    if (id == prefix_ + 1 && static_cast<std::uint32_t>(prefix_) == entry)
-        ++prefix_;
-    else if (!knows(id))
-        others_.emplace(id, entry);
+    auto const id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
+    auto const entry = static_cast<std::uint32_t>(entries_.size());
+    entries_.push_back({length_offset, hash_of(text_at(length_offset))});
+    bool const in_turn =
+        id == prefix_ + 1 && static_cast<std::uint32_t>(prefix_) == entry && others_.empty();
+    if (in_turn) ++prefix_;
+    bool const id_is_new = in_turn || tell_other(id, entry);
     ++told_;
-    return {static_cast<std::uint32_t>(id) == told_, index_text(entry), hash};
+    bool const text_is_new = index_text(entry);
+    return {static_cast<std::uint32_t>(id) == told_, text_is_new, in_turn, id_is_new};
+}
+
+bool StringTable::tell_other(std::int32_t id, std::uint32_t entry) {
+    bool const is_new = !knows(id);
+    if (model_ != nullptr) model_->use_id(id, is_new);
+    // No word refers to an id below 1.
+    if (is_new && id >= 1) others_.add(id, entry);
+    return is_new;
 }
 
 bool StringTable::refer_other(std::int32_t id) {
-    if (knows(id)) return true;
-    others_.emplace(id, static_cast<std::uint32_t>(entries_.size()));
-    entries_.push_back({nowhere, seeded_hash(std::string_view())});
-    return false;
+    bool const is_new = !knows(id);
+    if (model_ != nullptr) model_->use_id(id, is_new);
+    if (is_new) others_.add(id, unknown);
+    return !is_new;
 }
 
 bool StringTable::knows(std::int32_t id) const {
-    return (id >= 1 && id <= prefix_) || others_.contains(id);
+    return (id >= 1 && id <= prefix_) || (id >= 1 && others_.find(id) != nullptr);
 }
 
 bool StringTable::index_text(std::uint32_t entry) {
@@ -57,14 +42,17 @@ bool StringTable::index_text(std::uint32_t entry) {
     std::string_view const text = text_at(entries_[entry].length_offset);
     std::size_t const      mask = index_.size() - 1;
     std::uint64_t const    hash = entries_[entry].hash;
-    for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
+    for (std::size_t slot = slot_of(hash);; slot = (slot + 1) & mask) {
         if (index_[slot] == 0) {
             index_[slot] = entry + 1;
             ++distinct_;
             return true;
         }
         Entry const& other = entries_[index_[slot] - 1];
-        if (other.hash == hash && text_at(other.length_offset) == text) {
+        if (other.hash != hash) continue;
+        ++comparisons_;
+        if (text_at(other.length_offset) == text) {
+            repeated_.push_back(entry);
             repetitions_.emplace(entries_[entry].length_offset, other.length_offset);
             entries_[entry].length_offset = other.length_offset;
             return false;
@@ -73,15 +61,31 @@ bool StringTable::index_text(std::uint32_t entry) {
 }
 
 void StringTable::grow_index() {
-    std::vector<std::uint32_t> const old =
-        std::exchange(index_, std::vector<std::uint32_t>(index_.empty() ? 64 : index_.size() * 2));
-    std::size_t const mask = index_.size() - 1;
+    constexpr std::size_t           least_slots = 64;
+    std::pmr::vector<std::uint32_t> larger(index_.empty() ? least_slots : 2 * index_.size(), 0,
+                                           index_.get_allocator());
+    std::pmr::vector<std::uint32_t> const old = std::exchange(index_, std::move(larger));
+    std::size_t const                     mask = index_.size() - 1;
+    shift_ = 64 - std::countr_zero(index_.size());
     for (std::uint32_t const entry : old) {
         if (entry == 0) continue;
-        std::size_t slot = entries_[entry - 1].hash & mask;
+        std::size_t slot = slot_of(entries_[entry - 1].hash);
         while (index_[slot] != 0) slot = (slot + 1) & mask;
         index_[slot] = entry;
     }
+}
+
+std::uint64_t StringTable::readers_comparisons() const {
+    Hashes added(entries_.get_allocator());
+    Hashes found(entries_.get_allocator());
+    added.reserve(entries_.size());
+    auto repeated = repeated_.begin();
+    for (std::uint32_t entry = 0; entry < entries_.size(); ++entry) {
+        bool const is_repeated = repeated != repeated_.end() && *repeated == entry;
+        (is_repeated ? found : added).push_back(entries_[entry].hash);
+        repeated += is_repeated ? 1 : 0;
+    }
+    return comparisons_of(added, found);
 }
 
 }  // namespace sml::inspect

@@ -1,28 +1,19 @@
 #pragma once
 // The strings that a walk has met, by id and by text: 16 bytes a text, and a few for the index.
 
+#include "inspect/hashing.hpp"
+#include "inspect/id_table.hpp"
+#include "inspect/reader_model.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace sml::inspect {
-
-/// Another one in each process.
-[[gnu::visibility("hidden")]] extern std::uint64_t const hash_seed;
-
-/// A seeded hash: what the bytes hold can't make its values collide on purpose.
-inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {
-    __extension__ using Product = unsigned __int128;
-    constexpr std::uint64_t odd = 0x9e3779b97f4a7c15;
-    // Both halves of the full product, folded.
-    Product const product =
-        static_cast<Product>(word ^ hash_seed) * (state ^ odd ^ (hash_seed << 1 | 1));
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-}
-std::uint64_t seeded_hash(std::string_view text);
 
 /// Texts by id as a reader's table has them. An id keeps its first text; an id that is used before
 /// it is told becomes the empty text.
@@ -31,12 +22,33 @@ public:
     /// Ids are positive words.
     static constexpr std::uint32_t most = 0x7FFFFFFF;
 
-    explicit StringTable(std::string_view bytes) : bytes_(bytes) {}
+    StringTable(std::string_view bytes, std::pmr::memory_resource* memory)
+        : bytes_(bytes),
+          entries_(memory),
+          index_(memory),
+          repeated_(memory),
+          others_(memory),
+          repetitions_(memory) {}
+
+    /// From the start on: passes ids out of sequence on to a model that lives as long as this, and
+    /// hashes texts as the readers do. Where many of them collide on purpose, a reader compares as
+    /// many as this table does, and more.
+    void model_reader(ReaderModel& model) {
+        model_ = &model;
+        of_unknown_ids_.hash = ReaderModel::text_hash({});
+    }
+
+    /// How often a reader, whose hashes these texts have, compares one with another.
+    std::uint64_t readers_comparisons() const;
+
+    /// How often texts with the hash of another one were compared with it.
+    std::uint64_t comparisons() const noexcept { return comparisons_; }
 
     struct Told {
-        bool          in_sequence;  ///< the id is the next one
-        bool          text_is_new;
-        std::uint64_t hash;
+        bool in_sequence;  ///< the id is the next one
+        bool text_is_new;
+        bool in_turn;    ///< so were all ids before it, and none was used before it was told
+        bool id_is_new;  ///< not used or told before
     };
 
     /// Takes a first sight: its word and where its length word stands. The text fits the bytes.
@@ -55,8 +67,7 @@ public:
     /// The hash of a text that was told whole; known without looking for the one told last.
     std::uint64_t hash_of_told(std::uint64_t length_offset) const {
         Entry const& last = entries_.back();
-        return last.length_offset == length_offset ? last.hash
-                                                   : seeded_hash(text_at(length_offset));
+        return last.length_offset == length_offset ? last.hash : hash_of(text_at(length_offset));
     }
 
     /// Where the length word of the text stands that is told for an id, or at a place: the same one
@@ -81,10 +92,17 @@ private:
     };
 
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
+    static constexpr std::uint32_t unknown = ~std::uint32_t{0};  // used before it was told
+
+    /// The number of the entry of an id that is known.
+    std::uint32_t number_of(std::int32_t id) const {
+        if (id >= 1 && id <= prefix_) return static_cast<std::uint32_t>(id) - 1;
+        return *others_.find(id);
+    }
 
     Entry const& entry_of(std::int32_t id) const {
-        if (id >= 1 && id <= prefix_) return entries_[static_cast<std::size_t>(id - 1)];
-        return entries_[others_.at(id)];
+        std::uint32_t const number = number_of(id);
+        return number == unknown ? of_unknown_ids_ : entries_[number];
     }
 
     std::string_view text_at(std::uint64_t length_offset) const {
@@ -94,29 +112,34 @@ private:
         return {bytes_.data() + length_offset + sizeof length, static_cast<std::size_t>(length)};
     }
 
+    std::uint64_t hash_of(std::string_view text) const {
+        return model_ == nullptr ? seeded_hash(text) : ReaderModel::text_hash(text);
+    }
+
+    /// Multiplied by a secret, of which the high bits of the product depend.
+    std::size_t slot_of(std::uint64_t hash) const { return hash * (hash_seed | 1) >> shift_; }
+
     bool knows(std::int32_t id) const;
     bool refer_other(std::int32_t id);
+    bool tell_other(std::int32_t id, std::uint32_t entry);
     bool index_text(std::uint32_t entry);
     void grow_index();
 
-    struct SeededHash {
-        std::size_t operator()(std::int32_t id) const {
-            return seeded_hash(static_cast<std::uint32_t>(id), 0);
-        }
-        std::size_t operator()(std::uint64_t place) const { return seeded_hash(place, 0); }
-    };
-
-    std::string_view           bytes_;
-    std::vector<Entry>         entries_;
-    std::uint32_t              told_ = 0;
-    std::int32_t               prefix_ = 0;  // ids 1 to this are the first entries, in order
-    std::vector<std::uint32_t> index_;       // open addressing by hash: entry + 1
-    std::size_t                distinct_ = 0;
-
-    std::unordered_map<std::int32_t, std::uint32_t, SeededHash> others_;
+    std::string_view                bytes_;
+    ReaderModel*                    model_ = nullptr;
+    std::pmr::vector<Entry>         entries_;  // of the texts told, in their order
+    Entry                           of_unknown_ids_{nowhere, seeded_hash(std::string_view())};
+    std::uint32_t                   told_ = 0;
+    std::int32_t                    prefix_ = 0;  // ids 1 to this are the first entries, in order
+    std::pmr::vector<std::uint32_t> index_;       // open addressing by hash: entry + 1
+    int                             shift_ = 0;   // leaves the bits of a slot's number
+    std::size_t                     distinct_ = 0;
+    std::uint64_t                   comparisons_ = 0;
+    std::pmr::vector<std::uint32_t> repeated_;  // entries whose text was told before
+    IdTable                         others_;    // entries by id, or unknown
 
     // Where a text was told again, and where it was told first.
-    std::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;
+    std::pmr::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;
 };
 
 }  // namespace sml::inspect

@@ -3,6 +3,7 @@
 #include "inspect/key_table.hpp"
 #include "inspect/walker.hpp"
 
+#include <memory_resource>
 #include <unordered_map>
 #include <utility>
 
@@ -10,10 +11,14 @@ namespace sml::inspect {
 
 namespace {
 
+using Suspects = std::pmr::unordered_set<std::uint64_t>;  // seeded hashes
+
 // First half of the search: the hashes that two keys of one container may share, found by 32 bits
 // of each. A false one does no harm.
 class Suspecting : public SilentVisitor {
 public:
+    explicit Suspecting(std::pmr::memory_resource* memory) : suspects(memory), tables_(memory) {}
+
     static constexpr bool compares_keys = true;
     static constexpr bool hears_values = false;
 
@@ -22,13 +27,10 @@ public:
         tables_[open_++].assign(slots_for(count), 0);
     }
 
-    void close_keys() {
-        constexpr std::size_t most_kept = 4096;
-        auto&                 table = tables_[--open_];
-        if (table.capacity() > most_kept) table = {};
-    }
+    void close_keys() { close_slots(tables_[--open_]); }
 
     bool add_key(Type const&, std::uint64_t, std::uint64_t hash) {
+        if (hash == Walk::no_hash) return true;
         auto&      table = tables_[open_ - 1];
         auto const mark = static_cast<std::uint32_t>(hash) | 1;
         for (std::size_t i = first_slot(hash, table.size());;
@@ -41,27 +43,33 @@ public:
         }
     }
 
-    std::unordered_set<std::uint64_t> suspects;
+    Suspects suspects;
 
 private:
-    std::vector<std::vector<std::uint32_t>> tables_;  // 0: a free slot
-    std::size_t                             open_ = 0;
+    std::pmr::vector<std::pmr::vector<std::uint32_t>> tables_;  // 0: a free slot
+    std::size_t                                       open_ = 0;
 };
 
 // Second half: exact, for the keys with a suspect hash.
 class Settling : public SilentVisitor {
 public:
-    Settling(Walk const& walk, std::unordered_set<std::uint64_t> suspects, std::size_t listed)
-        : walk_(walk), suspects_(std::move(suspects)), listed_(listed) {}
+    Settling(Walk const& walk, Suspects suspects, std::size_t listed)
+        : found(&walk.budget),
+          walk_(walk),
+          suspects_(std::move(suspects)),
+          listed_(listed),
+          open_(&walk.budget) {}
 
     static constexpr bool compares_keys = true;
     static constexpr bool hears_values = false;
 
-    void open_keys(Type const& type, std::uint64_t) { open_.push_back({&type, {}}); }
+    void open_keys(Type const& type, std::uint64_t) {
+        open_.push_back({&type, Container::Keys(&walk_.budget)});
+    }
     void close_keys() { open_.pop_back(); }
 
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        if (!suspects_.contains(hash)) return true;
+        if (hash == Walk::no_hash || !suspects_.contains(hash)) return true;
         auto& keys = open_.back().keys;
         auto [known, end] = keys.equal_range(hash);
         while (known != end && !walk_.same_key(key, known->second, offset)) ++known;
@@ -93,36 +101,31 @@ public:
 
 private:
     struct Container {
-        Type const*                                           type;
-        std::unordered_multimap<std::uint64_t, std::uint64_t> keys;  // offsets by hash
+        using Keys = std::pmr::unordered_multimap<std::uint64_t, std::uint64_t>;
+
+        Type const* type;
+        Keys        keys;  // offsets by hash
     };
 
-    Walk const&                       walk_;
-    std::unordered_set<std::uint64_t> suspects_;
-    std::size_t                       listed_;
-    std::vector<Container>            open_;
+    Walk const&                 walk_;
+    Suspects                    suspects_;
+    std::size_t                 listed_;
+    std::pmr::vector<Container> open_;
 };
-
-template <class Visitor>
-void walk_with(Visitor& visitor, Walk& walk, Root const& root) {
-    Walker(walk, visitor).run(*root.type);
-}
 
 }  // namespace
 
 Superseded superseded_entries(Root const& root, std::string_view bytes,
-                              VerifyOptions const& options) {
-    Suspecting suspecting;
+                              VerifyOptions const& options, Budget& budget) {
+    Suspecting suspecting(&budget);
     {
-        Walk walk(bytes, options.limits);
-        walk.progress = options.progress;
-        walk_with(suspecting, walk, root);
+        Walk walk(bytes, options.walk(), budget);
+        Walker(walk, suspecting).run(*root.type);
     }
-    if (suspecting.suspects.empty()) return {};
-    Walk walk(bytes, options.limits);
-    walk.progress = options.progress;
+    if (suspecting.suspects.empty()) return Superseded(&budget);
+    Walk     walk(bytes, options.walk(), budget);
     Settling settling(walk, std::move(suspecting.suspects), options.listed);
-    walk_with(settling, walk, root);
+    Walker(walk, settling).run(*root.type);
     return std::move(settling.found);
 }
 

@@ -2,11 +2,14 @@
 // Entries that a reader drops because their container has another one with an equal key.
 
 #include "inspect/finding.hpp"
+#include "inspect/hashing.hpp"
+#include "inspect/memory.hpp"
 #include "inspect/type.hpp"
 #include "inspect/verify.hpp"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -14,8 +17,12 @@
 namespace sml::inspect {
 
 struct Superseded {
-    std::unordered_set<std::uint64_t> entries;   ///< the offsets of their keys
-    std::vector<Finding>              findings;  ///< as many as are to be listed
+    explicit Superseded(std::pmr::memory_resource* memory) : entries(memory) {}
+
+    /// The offsets of their keys.
+    std::pmr::unordered_set<std::uint64_t, SeededHash> entries;
+
+    std::vector<Finding> findings;  ///< as many as are to be listed
 
     /// Whether one is in a table whose reader reads the later value over the earlier one and may
     /// keep some of it.
@@ -24,6 +31,6 @@ struct Superseded {
 
 /// Finds them with 8 bytes a key of the open containers. An unsafe byte ends the search.
 Superseded superseded_entries(Root const& root, std::string_view bytes,
-                              VerifyOptions const& options);
+                              VerifyOptions const& options, Budget& budget);
 
 }  // namespace sml::inspect

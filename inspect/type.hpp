@@ -85,6 +85,8 @@ struct Type {
     Type const*           key{};      ///< of map
 
     std::uint32_t                     object_size{};  ///< of the C++ object, in bytes
+    std::uint32_t                     entry_size{};   ///< of what a list, set or map holds
+    std::uint32_t                     node_heap{};    ///< what the node takes that holds it
     std::uint32_t                     flag_count{};
     std::string_view                  name{};         ///< the C++ name, where it is a type's own
     std::span<std::string_view const> enumerators{};  ///< the index is the value

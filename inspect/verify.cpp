@@ -13,16 +13,47 @@ namespace {
 
 class Verifier : public SilentVisitor {
 public:
-    Verifier(Walk const& walk, std::size_t listed) : walk_(walk), listed_(listed) {}
+    Verifier(Walk& walk, std::size_t listed)
+        : walk_(walk),
+          listed_(listed),
+          keys_(&walk.budget),
+          model_(&walk.budget),
+          modelled_(&walk.budget) {
+        walk.strings.model_reader(model_);
+    }
 
     static constexpr bool compares_keys = true;
     static constexpr bool hears_values = false;
 
-    void open_keys(Type const&, std::uint64_t count) { keys_.open(count); }
-    void close_keys() { keys_.close(); }
-    void expect_key(std::uint64_t hash) { keys_.expect(hash); }
+    void open_keys(Type const& type, std::uint64_t count) {
+        keys_.open(count);
+        bool const is_modelled = type.hashed && count >= least_modelled;
+        modelled_.push_back(is_modelled);
+        if (is_modelled) model_.open_table(count);
+    }
+    void close_keys() {
+        keys_.close();
+        if (modelled_.back()) model_.close_table();
+        modelled_.pop_back();
+    }
+    /// The reader's own where the model is told of it: the key is known by it here, too.
+    std::uint64_t key_hash(Walk const&, Type const& key, std::uint64_t offset) const {
+        if (!modelled_.back()) return walk_.key_hash(key, offset);
+        auto const readers = walk_.readers_key_hash(key, offset);
+        return readers.equals_none ? Walk::no_hash : masked(readers.hash);
+    }
+    void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        return keys_.add(walk_, key, offset, hash);
+        bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
+        if (!modelled_.back()) return is_new;
+        bool const is_known = hash != Walk::no_hash;
+        model_.use_key(is_known ? masked(hash) : walk_.readers_key_hash(key, offset).hash, is_new);
+        return is_new;
+    }
+    void          end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
+    std::uint64_t work() const {
+        return model_.comparisons + keys_.comparisons() + walk_.strings.comparisons() +
+               texts_compared_;
     }
 
     template <class Make>
@@ -48,9 +79,24 @@ public:
     Verdict verdict;
 
 private:
+    /// And back. No bytes can be made whose hash becomes `Walk::no_hash`.
+    static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
+
+    std::uint64_t seeded(std::uint64_t hash) const {
+        return modelled_.back() ? seeded_hash(hash, 0) : hash;
+    }
+
     Walk const& walk_;
     std::size_t listed_;
     KeyTable    keys_;
+    ReaderModel model_;
+
+    std::uint64_t texts_compared_ = 0;
+
+    // Of the open containers: whether the model is told of their keys. In smaller ones each key is
+    // compared with few others.
+    static constexpr std::uint64_t least_modelled = 64;
+    std::pmr::vector<char>         modelled_;
 
     std::optional<Finding> unsafe_;
 };
@@ -64,8 +110,8 @@ bool fits_better(Candidate const& a, Candidate const& b) {
 }  // namespace
 
 Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options) {
-    Walk walk(bytes, options.limits);
-    walk.progress = options.progress;
+    Budget   budget(options.limits.own_memory);
+    Walk     walk(bytes, options.walk(), budget);
     Verifier verifier(walk, options.listed);
     Walker(walk, verifier).run(*root.type);
 
@@ -73,7 +119,8 @@ Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& op
     verifier.finish();
     if (verdict.answer != Answer::unsafe && verdict.odd_count > 0) verdict.answer = Answer::odd;
     verdict.walked = walk.offset();
-    verdict.heap = walk.heap;
+    verdict.heap = walk.heap.peak();
+    verdict.work = verifier.work();
     verdict.elements = walk.elements;
     verdict.strings = walk.strings.told();
     return std::move(verdict);

@@ -24,8 +24,13 @@ struct VerifyOptions {
     Limits      limits{};
     std::size_t listed = 100;  ///< how many odd findings are told in full; all are counted
 
+    /// The decimal point of the process that wrote the bytes, as its locale has it.
+    std::string decimal_point = ".";
+
     /// Told how many bytes have been walked, now and then: for another thread to show.
     std::atomic<std::uint64_t>* progress = nullptr;
+
+    WalkOptions walk() const { return {limits, decimal_point, progress}; }
 };
 
 struct Verdict {
@@ -35,15 +40,17 @@ struct Verdict {
     /// The first finding but for unset or unknown tags and enumerators: without one, dump and
     /// encode give the very same bytes.
     std::optional<Finding> reason_against_encoding;
-    std::uint64_t          walked = 0;    ///< how many bytes were walked
-    std::uint64_t          heap = 0;      ///< bytes that the object read takes, estimated
+    std::uint64_t          walked = 0;  ///< how many bytes were walked
+    std::uint64_t          heap = 0;    ///< bytes of heap that reading takes at its peak, estimated
+    std::uint64_t          work = 0;  ///< comparisons of keys in a reader's hash tables, estimated
     std::uint64_t          elements = 0;  ///< entries of all containers
     std::uint64_t          strings = 0;   ///< strings told whole
 };
 
 /// Walks the bytes as a value of the root. The first unsafe finding ends the walk. What is not
 /// unsafe, `toCxx` of that root reads without a fault, without an exception and to the last byte,
-/// as long as memory lasts.
+/// in every locale and rounding mode, as long as memory lasts. Throws `std::bad_alloc` where
+/// memory, or that of the limits for work of its own, does not do.
 SML_API Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options = {});
 
 /// A root that bytes can be, or how far they came as one.

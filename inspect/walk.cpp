@@ -1,10 +1,13 @@
 #include "inspect/walk.hpp"
 
+#include "core/hash.hpp"
 #include "inspect/number_text.hpp"
 #include "inspect/path.hpp"
 #include "inspect/quote.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <optional>
 #include <vector>
 
 namespace sml::inspect {
@@ -18,12 +21,39 @@ Limits capped(Limits limits) {
 
 }  // namespace
 
-Walk::Walk(std::string_view bytes, Limits const& given)
-    : strings(bytes),
-      limits(capped(given)),
+Walk::Walk(std::string_view bytes, WalkOptions const& options, Budget& given_budget)
+    : budget(given_budget),
+      strings(bytes, &budget),
+      heap(options.limits.memory),
+      limits(capped(options.limits)),
+      progress(options.progress),
+      point_(options.decimal_point),
       start_(bytes.data()),
       end_(start_ + bytes.size()),
       at_(start_) {}
+
+// The block's own where it is as it is written.
+class Walk::IntegerDigits {
+public:
+    IntegerDigits(Walk const& walk, std::string_view block) {
+        if (is_written_integer(block)) {
+            view_ = written_digits(block);
+            return;
+        }
+        hold_.emplace(walk.budget, block.size());
+        own_ = integer_of(block);
+        view_ = own_;
+    }
+    IntegerDigits(IntegerDigits const&) = delete;
+    IntegerDigits& operator=(IntegerDigits const&) = delete;
+
+    std::string_view view() const { return view_; }
+
+private:
+    std::optional<Budget::Hold> hold_;
+    std::string                 own_;
+    std::string_view            view_;
+};
 
 std::string Walk::path() const {
     std::vector<Step const*> steps;
@@ -58,7 +88,7 @@ std::string Walk::key_text(Type const& type, std::uint64_t offset) const {
 void Walk::append_key(std::string& text, Type const& type, std::uint64_t& offset) const {
     switch (type.kind) {
         case Kind::string: text += quoted(take_string(offset)); return;
-        case Kind::big_integer: text += integer_of(take_block(offset)); return;
+        case Kind::big_integer: text += IntegerDigits(*this, take_block(offset)).view(); return;
         case Kind::int64: text += std::to_string(take_word<std::int64_t>(offset)); return;
         case Kind::uint32: text += std::to_string(take_word<std::uint32_t>(offset)); return;
         case Kind::int32: text += std::to_string(take_word<std::int32_t>(offset)); return;
@@ -101,12 +131,9 @@ private:
     [[gnu::noinline]] void add_other(Type const& type) {
         switch (type.kind) {
             case Kind::int64: mix(walk.take_word<std::uint64_t>(offset)); return;
-            case Kind::big_integer: {
-                std::string_view const block = walk.take_block(offset);
-                mix(is_written_integer(block) ? seeded_hash(written_digits(block))
-                                              : seeded_hash(integer_of(block)));
+            case Kind::big_integer:
+                mix(seeded_hash(IntegerDigits(walk, walk.take_block(offset)).view()));
                 return;
-            }
             case Kind::variant: {
                 auto const tag = walk.take_word<std::int32_t>(offset);
                 mix(static_cast<std::uint32_t>(tag));
@@ -146,7 +173,9 @@ std::uint64_t Walk::key_hash(Type const& type, std::uint64_t offset) const {
 bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const {
     switch (type.kind) {
         case Kind::string: return strings.are_equal(take_place(a), take_place(b));
-        case Kind::big_integer: return integer_of(take_block(a)) == integer_of(take_block(b));
+        case Kind::big_integer:
+            return IntegerDigits(*this, take_block(a)).view() ==
+                   IntegerDigits(*this, take_block(b)).view();
         case Kind::int64: return take_word<std::int64_t>(a) == take_word<std::int64_t>(b);
         case Kind::uint32:
         case Kind::int32: return take_word<std::uint32_t>(a) == take_word<std::uint32_t>(b);
@@ -160,6 +189,80 @@ bool Walk::take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) c
     }
     return std::ranges::all_of(type.parts,
                                [&](Part const& part) { return take_same_key(*part.type, a, b); });
+}
+
+namespace {
+
+/// As the required hash of integers folds them: limb by limb, the lowest first, then the sign.
+std::uint64_t readers_hash_of_digits(std::string_view digits) {
+    constexpr std::size_t digits_of_limb = 16;
+    bool const            is_negative = digits.starts_with('-');
+    if (is_negative) digits.remove_prefix(1);
+    if (digits == "0") return core::combine(0, 0);
+    std::uint64_t hash = 0;
+    while (!digits.empty()) {
+        std::size_t const size = std::min(digits.size(), digits_of_limb);
+        std::uint64_t     limb = 0;
+        std::from_chars(digits.end() - size, digits.end(), limb, 16);
+        hash = core::combine(hash, limb);
+        digits.remove_suffix(size);
+    }
+    return core::combine(hash, core::hash_word(is_negative ? -1 : 1));
+}
+
+}  // namespace
+
+Walk::ReadersHash Walk::readers_key_hash(Type const& type, std::uint64_t offset) const {
+    if (type.kind == Kind::string) {
+        auto const word = take_word<std::int32_t>(offset);
+        return {word >= 1 ? strings.hash_of(word) : strings.hash_of_told(offset), false};
+    }
+    ReadersHash key{0, false};
+    key.hash = take_readers_hash(type, offset, key.equals_none);
+    return key;
+}
+
+std::uint64_t Walk::take_readers_hash(Type const& type, std::uint64_t& offset,
+                                      bool& is_unequal) const {
+    switch (type.kind) {
+        case Kind::string: {
+            auto const word = take_word<std::int32_t>(offset);
+            if (word >= 1) return strings.hash_of(word);
+            std::uint64_t const length_offset = offset;
+            take_block(offset);
+            return strings.hash_of_told(length_offset);
+        }
+        case Kind::int32: return core::hash_word(take_word<std::int32_t>(offset));
+        case Kind::big_integer:
+            return readers_hash_of_digits(IntegerDigits(*this, take_block(offset)).view());
+        case Kind::variant: {
+            auto const tag = take_word<std::int32_t>(offset);
+            is_unequal = is_unequal || tag < 0;
+            Arm const* const arm = type.serving(tag);
+            bool const       has_payload = arm != nullptr && arm->payload != nullptr;
+            return core::combine(
+                core::hash_word(tag),
+                has_payload ? take_readers_hash(*arm->payload, offset, is_unequal) : 0);
+        }
+        case Kind::tuple: {
+            std::uint64_t const first = take_readers_hash(*type.parts[0].type, offset, is_unequal);
+            return core::combine(first, take_readers_hash(*type.parts[1].type, offset, is_unequal));
+        }
+        default: break;
+    }
+    // The parts are folded one after another, a string with a number behind it as a numbered key.
+    std::uint64_t hash = 0;
+    for (std::size_t i = 0; i < type.parts.size(); ++i) {
+        std::uint64_t part = take_readers_hash(*type.parts[i].type, offset, is_unequal);
+        bool const    is_numbered = type.parts[i].type->kind == Kind::string &&
+                                 i + 1 < type.parts.size() &&
+                                 type.parts[i + 1].type->kind == Kind::int32;
+        if (is_numbered)
+            part =
+                core::combine(part, take_readers_hash(*type.parts[++i].type, offset, is_unequal));
+        hash = core::combine(hash, part);
+    }
+    return hash;
 }
 
 std::uint64_t Walk::take_place(std::uint64_t& offset) const {

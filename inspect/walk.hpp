@@ -2,6 +2,8 @@
 // Where a walk stands in bytes: what all walks share, whatever they tell to whom.
 
 #include "inspect/finding.hpp"
+#include "inspect/memory.hpp"
+#include "inspect/reader_heap.hpp"
 #include "inspect/string_table.hpp"
 #include "inspect/type.hpp"
 
@@ -26,11 +28,12 @@ struct Step {
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
 };
 
-/// The bytes, the place in them, the strings met and the estimate of the heap. Takes nothing
-/// beyond the bytes.
+/// The bytes, the place in them, the strings met and what a reader is estimated to need. Takes
+/// nothing beyond the bytes.
 class Walk {
 public:
-    Walk(std::string_view bytes, Limits const& limits);
+    /// The bytes and the budget live as long as this.
+    Walk(std::string_view bytes, WalkOptions const& options, Budget& budget);
 
     std::uint64_t offset() const noexcept { return static_cast<std::uint64_t>(at_ - start_); }
     std::uint64_t left() const noexcept { return static_cast<std::uint64_t>(end_ - at_); }
@@ -91,19 +94,33 @@ public:
     /// The step taken last; there is one.
     Step const& step() const noexcept { return *top_; }
 
+    /// The decimal point of the process that wrote the bytes.
+    std::string_view point() const noexcept { return point_; }
+
+    /// The hash that a reader's table has for the key at an offset that has been walked before,
+    /// where what the strings meet is passed on to a model.
+    struct ReadersHash {
+        std::uint64_t hash;
+        bool          equals_none;  // as it holds a negative tag
+    };
+    ReadersHash readers_key_hash(Type const& type, std::uint64_t offset) const;
+
+    Budget&       budget;
     StringTable   strings;
-    std::uint64_t heap = 0;      ///< bytes that the object read takes, estimated
+    ReaderHeap    heap;
     std::uint64_t elements = 0;  ///< of all containers so far
     std::uint32_t nesting = 0;   ///< variants and containers that the walk is in
     Limits const  limits;
 
     /// Told the offset now and then, if there is one: for another thread that shows progress.
-    std::atomic<std::uint64_t>* progress = nullptr;
+    std::atomic<std::uint64_t>* const progress;
 
 private:
     struct KeyHash;
 
     bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
+    std::uint64_t    take_readers_hash(Type const& type, std::uint64_t& offset,
+                                       bool& is_unequal) const;
     std::uint64_t    take_place(std::uint64_t& offset) const;
     std::string_view take_string(std::uint64_t& offset) const;
     std::string_view take_block(std::uint64_t& offset) const;
@@ -117,6 +134,10 @@ private:
         return word;
     }
 
+    /// The digits of the integer that a reader has after a block, with its sign.
+    class IntegerDigits;
+
+    std::string point_;
     char const* start_;
     char const* end_;
     char const* at_;

@@ -4,6 +4,8 @@
 // It builds no objects and takes nothing beyond the bytes; it is the only code that reads bytes of
 // unknown origin. The first unsafe finding ends the pass; the ends of what is open are still told.
 
+#include "inspect/characters.hpp"
+#include "inspect/double_text.hpp"
 #include "inspect/number_text.hpp"
 #include "inspect/quote.hpp"
 #include "inspect/walk.hpp"
@@ -59,13 +61,20 @@ struct SilentVisitor {
     /// The root's value is over; bytes behind it are unsafe.
     void end_root() {}
 
+    /// By what the key at an offset is told from others; `Walk::no_hash` where it equals none.
+    std::uint64_t key_hash(Walk const& walk, Type const& key, std::uint64_t offset) const {
+        return walk.key_hash(key, offset);
+    }
     /// A key with this hash is going to be told behind its value.
     void expect_key(std::uint64_t /*hash*/) {}
     /// Whether the key at an offset is new to the container opened last. In a map it is told when
-    /// its value is over.
+    /// its value is over. `Walk::no_hash` stands for a key that equals no other.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
     }
+
+    /// How many comparisons of keys a reader has made in its hash tables.
+    std::uint64_t work() const { return 0; }
 
     /// `make` gives the finding; not calling it saves its making.
     template <class Make>
@@ -82,6 +91,7 @@ public:
     bool run(Type const& root) {
         if (!value(root)) return false;
         visitor_.end_root();
+        if (!work_does(walk_.offset())) return false;
         if (walk_.left() == 0) return true;
         return fail(walk_.offset(), "the end of the bytes",
                     std::to_string(walk_.left()) + " more bytes");
@@ -348,17 +358,20 @@ private:
         walk_.elements += count;
         if (walk_.elements > walk_.limits.elements) [[unlikely]]
             return too_large("elements in all up to ", walk_.limits.elements, walk_.elements);
-        if (!grow_heap(at, container_size(type, count))) return false;
-
         bool const keyed = Visitor::compares_keys && type.kind != Kind::list && count > 1;
+        if (!walk_.heap.take_table(type, count)) return too_much_heap(at);
+        if (!keyed && !walk_.heap.take_nodes(type, count)) return too_much_heap(at);
         if (keyed) visitor_.open_keys(type, count);
         visitor_.begin(type, count);
         bool const whole = type.kind == Kind::list  ? elements(type, step, count)
                            : type.kind == Kind::set ? keys(type, step, count, keyed)
                                                     : pairs(type, step, count, keyed);
         visitor_.end(type);
-        if (keyed) visitor_.close_keys();
-        return whole;
+        walk_.heap.complete_table(type, count);
+        if (!keyed) return whole;
+        visitor_.close_keys();
+        step.part = Step::nowhere;
+        return whole && work_does(at);
     }
 
     void next_entry(Type const& type, Step& step, std::uint64_t index) {
@@ -381,7 +394,10 @@ private:
             next_entry(type, step, i);
             std::uint64_t const at = walk_.offset();
             if (!parts_or_value(*type.element)) return false;
-            if (keyed) settle_key(*type.element, at, walk_.key_hash(*type.element, at));
+            if (!keyed) continue;
+            if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
+            settle_key(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
+            if (!work_does(at)) return false;
         }
         return true;
     }
@@ -400,18 +416,22 @@ private:
         std::uint64_t const at = walk_.offset();
         if (!parts_or_value(*type.key)) return false;
         // Settled behind the value: by then what it takes has come from memory.
-        std::uint64_t const hash = keyed ? walk_.key_hash(*type.key, at) : Walk::no_hash;
+        std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Walk::no_hash;
         if (hash != Walk::no_hash) visitor_.expect_key(hash);
+        if (keyed && !walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
         step.key_offset = at;
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);
         step.key_offset = Step::nowhere;
-        settle_key(*type.key, at, hash);
-        return whole;
+        if (keyed) settle_key(type, *type.key, at, hash);
+        return whole && work_does(at);
     }
 
-    void settle_key(Type const& type, std::uint64_t at, std::uint64_t hash) {
-        if (hash != Walk::no_hash && !visitor_.add_key(type, at, hash)) odd_key(type, at);
+    void settle_key(Type const& type, Type const& key, std::uint64_t at, std::uint64_t hash) {
+        if (visitor_.add_key(key, at, hash)) [[likely]]
+            return;
+        walk_.heap.give_back_node(type);
+        odd_key(key, at);
     }
 
     bool optional(Type const& type) {
@@ -424,7 +444,8 @@ private:
     }
 
     [[gnu::noinline]] bool boxed(Type const& type) {
-        return grow_heap(walk_.offset(), 16 + type.element->object_size) && value(*type.element);
+        if (!walk_.heap.take_boxed(*type.element)) return too_much_heap(walk_.offset());
+        return value(*type.element);
     }
 
     [[gnu::noinline]] bool flags(Type const& type) {
@@ -479,8 +500,11 @@ private:
     bool string() {
         auto const word = walk_.take_word<std::int32_t>();
         if (word < 1) return told_string(word);
-        if (!walk_.strings.refer(word)) [[unlikely]]
+        if (!walk_.strings.refer(word)) [[unlikely]] {
             odd_reference(word);
+            if (!walk_.heap.take_other_id()) return too_much_heap(walk_.offset());
+            if (!work_does(walk_.offset())) return false;
+        }
         if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word));
         return true;
     }
@@ -494,7 +518,12 @@ private:
         auto const first_sight = walk_.strings.tell(word, length_offset);
         if (!first_sight.in_sequence) odd_id(at, word);
         if (!first_sight.text_is_new) odd_repetition(at);
-        if (!grow_heap(at, string_size(told.size()))) return false;
+        bool const does = walk_.heap.take_string(told.size(), first_sight.text_is_new) &&
+                          (first_sight.in_turn ? walk_.heap.take_id_in_turn(walk_.strings.told())
+                           : first_sight.id_is_new ? walk_.heap.take_other_id()
+                                                   : true);
+        if (!does) return too_much_heap(at);
+        if (!work_does(at)) return false;
         visitor_.string(told);
         return true;
     }
@@ -502,7 +531,8 @@ private:
     [[gnu::noinline]] bool text() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
-        if (!block(told, "a text") || !grow_heap(at, told.size())) return false;
+        if (!block(told, "a text")) return false;
+        if (!walk_.heap.take_text(told.size())) return too_much_heap(at);
         visitor_.text(told);
         return true;
     }
@@ -511,9 +541,14 @@ private:
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
         if (!block(told, "a number")) return false;
-        auto const read = double_of(told);
-        if (!read) return fail(at, "a number that a double holds", quoted(told));
-        if (told != written_double(*read)) odd_number(at, told);
+        if (!walk_.heap.take_double(told.size())) return too_much_heap(at);
+        bool const is_plain = is_plainly_written_double(told, walk_.point());
+        if (is_plain && !Visitor::hears_values) return true;
+        auto const read = double_of(told, walk_.point());
+        if (!read)
+            return fail(at, "a number that a double holds in every locale and rounding mode",
+                        quoted(told));
+        if (!is_plain && told != written_double(*read, walk_.point())) odd_double(at, told);
         visitor_.number(*read);
         return true;
     }
@@ -521,13 +556,20 @@ private:
     [[gnu::noinline]] bool big_integer() {
         std::uint64_t const at = walk_.offset();
         std::string_view    told;
-        if (!block(told, "an integer") || !grow_heap(at, number_size(told.size()))) return false;
-        if (is_written_integer(told, told.size() + walk_.left())) {
+        if (!block(told, "an integer")) return false;
+        bool const is_written = is_written_integer(told, told.size() + walk_.left());
+        bool const is_zero = is_written && told.front() == '0';
+        bool const is_plain = is_written && told.size() <= ReaderHeap::plain_integer;
+        if (!is_zero && !walk_.heap.take_integer(told.size(), is_plain)) return too_much_heap(at);
+        if (is_written) {
             if (Visitor::hears_values) visitor_.big_integer(written_digits(told));
             return true;
         }
         odd_number(at, told);
-        visitor_.big_integer(integer_of(told));
+        if (Visitor::hears_values) {
+            Budget::Hold const held(walk_.budget, told.size());
+            visitor_.big_integer(integer_of(told));
+        }
         return true;
     }
 
@@ -542,14 +584,21 @@ private:
         if (!is_float_width(width))
             return fail(width_offset, "a width of 16, 32, 40, 48, 64, 80 or 128",
                         std::to_string(width));
-        if (!grow_heap(at, number_size(0))) return false;
-        if (is_written_float(told, width, told.size() + sizeof width + walk_.left())) {
-            visitor_.ieee_float(told, width);
-            return true;
-        }
-        odd_number(at, told);
-        visitor_.ieee_float(float_of(told, width), width);
+        char const point = float_point(walk_.point());
+        bool const is_written =
+            is_written_float(told, width, told.size() + sizeof width + walk_.left(), point);
+        bool const is_plain = is_written && told != "NAN";
+        if (!walk_.heap.take_float(told.size(), is_plain)) return too_much_heap(at);
+        if (!is_written) odd_number(at, told);
+        if (Visitor::hears_values) hear_float(told, width, point, is_written);
         return true;
+    }
+
+    void hear_float(std::string_view told, std::int32_t width, char point, bool is_written) {
+        if (is_written && point == '.') return visitor_.ieee_float(told, width);
+        Budget::Hold const held(walk_.budget, 3 * told.size());
+        std::string const  text = is_written ? with_dot(told, point) : float_of(told, width, point);
+        visitor_.ieee_float(text, width);
     }
 
     /// A length word and so many bytes.
@@ -565,18 +614,8 @@ private:
         return true;
     }
 
-    // What the entries of a container, a distinct string or a number take on the heap, with the
-    // allocator's share.
-    static std::uint64_t container_size(Type const& type, std::uint64_t count) {
-        std::uint64_t const key = type.key != nullptr ? type.key->object_size : 0;
-        return count * (64 + key + type.element->object_size);
-    }
-    static std::uint64_t string_size(std::size_t bytes) { return 192 + bytes; }
-    static std::uint64_t number_size(std::size_t bytes) { return 32 + bytes; }
-
-    bool grow_heap(std::uint64_t at, std::uint64_t bytes) {
-        walk_.heap += bytes;
-        return walk_.heap <= walk_.limits.memory || too_much_heap(at);
+    bool work_does(std::uint64_t at) {
+        return visitor_.work() <= walk_.limits.work || too_much_work(at);
     }
 
     // Kept out of the way of what is as it should be.
@@ -598,8 +637,16 @@ private:
                     "one more");
     }
     [[gnu::cold, gnu::noinline]] bool too_much_heap(std::uint64_t at) {
-        return fail(at, "an object of at most " + std::to_string(walk_.limits.memory) + " bytes",
-                    "at least " + std::to_string(walk_.heap));
+        return fail(
+            at, "an object that takes at most " + std::to_string(walk_.limits.memory) + " bytes",
+            "at least " + std::to_string(walk_.heap.peak()));
+    }
+    [[gnu::cold, gnu::noinline]] bool too_much_work(std::uint64_t at) {
+        return fail(at,
+                    "keys that a reader compares at most " + std::to_string(walk_.limits.work) +
+                        " times with others",
+                    "at least " + std::to_string(visitor_.work()) +
+                        " comparisons, as many keys fall together in the hash tables");
     }
     [[gnu::cold, gnu::noinline]] bool no_length(char const* what) {
         return fail(walk_.offset(), std::string("the length of ") + what, "the end of the bytes");
@@ -618,9 +665,8 @@ private:
     }
 
     [[gnu::cold, gnu::noinline]] void odd_flag(std::uint64_t at, char byte) {
-        bool const is_blank = byte == ' ' || (byte >= '\t' && byte <= '\r');
         odd(Oddity::other, at, "T or F", [&] {
-            return byte_text(byte) + (is_blank ? ", which reading from a stream skips" : "");
+            return byte_text(byte) + (is_blank(byte) ? ", which reading from a stream skips" : "");
         });
     }
 
@@ -652,6 +698,14 @@ private:
 
     [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view told) {
         odd(Oddity::other, at, "a number as it is written", [&] { return quoted(told); });
+    }
+
+    [[gnu::cold, gnu::noinline]] void odd_double(std::uint64_t at, std::string_view told) {
+        odd(Oddity::other, at, "a number as it is written", [&] {
+            auto const point = other_point_of(told, walk_.point());
+            return quoted(told) +
+                   (point ? ", as it is written where the decimal point is " + quoted(*point) : "");
+        });
     }
 
     template <class Found>

@@ -1,0 +1,77 @@
+#pragma once
+// The memory that a call takes for work of its own: counted, and refused beyond a budget.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <memory_resource>
+#include <new>
+
+namespace sml::inspect {
+
+/// Thrown where a call would take more memory than its budget.
+struct BudgetExceeded : std::bad_alloc {
+    char const* what() const noexcept override { return "more working memory than allowed"; }
+};
+
+/// Gives memory up to an amount at a time, and throws beyond it. For one call, on one thread.
+class Budget final : public std::pmr::memory_resource {
+public:
+    explicit Budget(std::uint64_t bytes) noexcept : left_(bytes) {}
+    Budget(Budget const&) = delete;
+    Budget& operator=(Budget const&) = delete;
+
+    /// Counts memory that other code takes, for as long as this lives. Throws `BudgetExceeded`, and
+    /// `std::bad_alloc` where the process could not get so much now: the number libraries end it
+    /// then.
+    class Hold {
+    public:
+        Hold(Budget& budget, std::uint64_t bytes) : budget_(budget), bytes_(bytes) {
+            budget_.take(bytes_);
+            constexpr std::uint64_t least_tried = std::uint64_t{1} << 16;
+            if (bytes_ < least_tried) return;
+            std::unique_ptr<void, decltype(&std::free)> const tried(std::malloc(bytes_),
+                                                                    &std::free);
+            if (tried != nullptr) return;
+            budget_.left_ += bytes_;
+            throw std::bad_alloc();
+        }
+        Hold(Hold const&) = delete;
+        Hold& operator=(Hold const&) = delete;
+        ~Hold() { budget_.left_ += bytes_; }
+
+    private:
+        Budget&       budget_;
+        std::uint64_t bytes_;
+    };
+
+private:
+    void take(std::uint64_t bytes) {
+        if (bytes > left_) throw BudgetExceeded();
+        left_ -= bytes;
+    }
+
+    void* do_allocate(std::size_t bytes, std::size_t alignment) override {
+        take(bytes);
+        try {
+            return std::pmr::new_delete_resource()->allocate(bytes, alignment);
+        } catch (...) {
+            left_ += bytes;
+            throw;
+        }
+    }
+
+    void do_deallocate(void* memory, std::size_t bytes, std::size_t alignment) override {
+        std::pmr::new_delete_resource()->deallocate(memory, bytes, alignment);
+        left_ += bytes;
+    }
+
+    bool do_is_equal(std::pmr::memory_resource const& other) const noexcept override {
+        return this == &other;
+    }
+
+    std::uint64_t left_;
+};
+
+}  // namespace sml::inspect

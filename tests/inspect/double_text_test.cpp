@@ -1,0 +1,198 @@
+#include "inspect/double_text.hpp"
+
+#include "tests/core/comma_locale.hpp"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cerrno>
+#include <cfenv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using sml::inspect::double_of;
+using sml::inspect::is_plainly_written_double;
+using sml::inspect::other_point_of;
+using sml::inspect::written_double;
+using namespace std::string_literals;
+
+constexpr int rounding_modes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
+
+/// The process's rounding mode while this lives.
+class Rounding {
+public:
+    explicit Rounding(int mode) : before_(std::fegetround()) { std::fesetround(mode); }
+    ~Rounding() { std::fesetround(before_); }
+    Rounding(Rounding const&) = delete;
+    Rounding& operator=(Rounding const&) = delete;
+
+private:
+    int before_;
+};
+
+/// What the real reader makes of a text in this process; none where it throws.
+std::optional<double> read(std::string const& text) try {
+    return std::stod(std::string(text.c_str()));
+} catch (std::logic_error const&) {
+    return std::nullopt;
+}
+
+bool reads_cleanly_in_every_rounding(std::string const& text) {
+    for (int const mode : rounding_modes) {
+        Rounding const rounding(mode);
+        if (!read(text)) return false;
+    }
+    return true;
+}
+
+/// Not a number is alike whatever its sign.
+bool are_alike(double a, double b) {
+    return (std::isnan(a) && std::isnan(b)) ||
+           std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+TEST(DoubleText, WhatThrowsInAnyProcessHasNoValue) {
+    for (char const* block :
+         {"", "x", ".", "-", "1e999", "-1e999", "1e-310", "0x1p1024", "0x1p-1075",
+          // With a comma for the point:
+          ".5", "-.5", ",5", "1,5e999", "1,e999", "-2,0e-400", "0x1,8p5000",
+          // Where the leading digits alone are out of range:
+          "1e400.5",
+          // Rounded upwards or towards zero:
+          "1.7976931348623158e308", "-1.7976931348623158e308", "2.2250738585072011e-308"})
+        EXPECT_FALSE(double_of(block)) << block;
+}
+
+TEST(DoubleText, ValuesAreThoseOfTheAskedForPoint) {
+    EXPECT_EQ(double_of("1.5tail"), 1.5);
+    EXPECT_EQ(double_of(" 0x10"), 16.0);
+    EXPECT_EQ(double_of("1.5\0garbage"s), 1.5);
+    EXPECT_EQ(double_of("1,5"), 1.0);
+    EXPECT_EQ(double_of("1,5", ","), 1.5);
+    EXPECT_EQ(double_of("1.5", ","), 1.0);
+    EXPECT_EQ(double_of("1,500000", ","), 1.5);
+    EXPECT_EQ(double_of("1\xD9\xAB"
+                        "5",
+                        "\xD9\xAB"),
+              1.5);
+    EXPECT_EQ(double_of("-0x1,8p1", ","), -3.0);
+    EXPECT_EQ(double_of("1.7976931348623157e308"), std::numeric_limits<double>::max());
+}
+
+TEST(DoubleText, AsTheyAreWritten) {
+    for (char const* block : {"1.500000", "0.000000", "-0.000000", "inf", "-inf", "nan", "-nan"})
+        EXPECT_EQ(block, written_double(*double_of(block))) << block;
+    for (char const* block :
+         {"1.5", "1.5000000", "+1.500000", "0.1234567", "INF", "infinity", "1e3", "1,500000"})
+        EXPECT_NE(block, written_double(*double_of(block)));
+    for (char const* block : {"1,500000", "-12345678901234567168,000000", "inf", "-nan"})
+        EXPECT_EQ(block, written_double(*double_of(block, ","), ",")) << block;
+}
+
+TEST(DoubleText, TheOtherPointIsNamedOnlyWhereItMakesTheTextAWrittenOne) {
+    EXPECT_EQ(other_point_of("1,500000", "."), ",");
+    EXPECT_EQ(other_point_of("-1,500000", "."), ",");
+    EXPECT_EQ(other_point_of("1.500000", ","), ".");
+    for (char const* block : {"1.500000", "1,5", "1", "", "x", "1,5e999"})
+        EXPECT_FALSE(other_point_of(block, ".")) << block;
+}
+
+TEST(DoubleText, DigitsBeyondEveryRoundingCountOnlyAsNotZero) {
+    std::string const half_way = "9007199254740993";  // between two doubles
+    EXPECT_EQ(double_of(half_way), 9007199254740992.0);
+    EXPECT_EQ(double_of(half_way + "." + std::string(5000, '0')), 9007199254740992.0);
+    EXPECT_EQ(double_of(half_way + "." + std::string(5000, '0') + "1"), 9007199254740994.0);
+    EXPECT_EQ(double_of(std::string(100'000, '0') + "7"), 7.0);
+    EXPECT_EQ(double_of("0." + std::string(5000, '0') + "7e5001"), 7.0);
+    EXPECT_EQ(double_of("1" + std::string(5000, '0') + "e-5000"), 1.0);
+    // Where the point is another one, no exponent stands behind the leading digits.
+    EXPECT_EQ(double_of("1" + std::string(5000, '0') + ".0e-5000"), std::nullopt);
+}
+
+TEST(DoubleText, VerdictAndValueDependOnNothingInTheProcess) {
+    CommaLocale const locale;
+    ASSERT_COMMA_LOCALE(locale);
+    for (int const mode : rounding_modes) {
+        Rounding const rounding(mode);
+        EXPECT_EQ(double_of("1.5"), 1.5);
+        EXPECT_EQ(double_of("0.100000"), 0.1);
+        EXPECT_EQ(double_of("0.1"), 0.1);
+        EXPECT_FALSE(double_of("1.7976931348623158e308"));
+        EXPECT_EQ(written_double(0.1234565), "0.123456");
+        EXPECT_EQ(std::fegetround(), mode);
+    }
+}
+
+/// A text near what a double's can be.
+std::string random_text(std::mt19937_64& engine) {
+    constexpr std::string_view pieces[] = {
+        "0",    "1",     "9",  "5",    ".",    ",",   "e",     "E",  "-",  "+",    "308",
+        "e3",   "e-307", "0x", "p",    "p-10", "inf", "nan",   " ",  "\t", "e999", "000",
+        "1023", "a",     "F",  "1.79", "2.2",  "\0",  "e-324", "p+", "..", "x"};
+    std::string text;
+    switch (engine() % 4) {
+        case 0: text = written_double(std::bit_cast<double>(engine())); break;
+        case 1: text = "1.797693134862315" + std::to_string(engine() % 20) + "e308"; break;
+        case 2: text = "2.225073858507201" + std::to_string(engine() % 60) + "e-308"; break;
+        default: break;
+    }
+    for (auto edits = engine() % 6; edits > 0; --edits) {
+        std::string_view const piece = pieces[engine() % std::size(pieces)];
+        std::size_t const      at = engine() % (text.size() + 1);
+        if (engine() % 3 == 0)
+            text.erase(at, engine() % 3);
+        else
+            text.insert(at, piece.empty() ? "\0"s : std::string(piece));
+    }
+    return text;
+}
+
+// For the two points that processes have here, the judgement is exact; others make it stricter.
+TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
+    std::uint64_t const seed = std::random_device{}();
+    RecordProperty("seed", static_cast<int>(seed));
+    std::mt19937_64 engine(seed);
+    int             values = 0;
+    int             point_dependent = 0;
+    for (int i = 0; i < 30'000; ++i) {
+        std::string const text = random_text(engine);
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", text \"" + text + '"');
+        bool                  reads = reads_cleanly_in_every_rounding(text);
+        auto const            with_dot = read(text);
+        std::optional<double> with_comma;
+        {
+            CommaLocale const locale;
+            ASSERT_COMMA_LOCALE(locale);
+            reads = reads && reads_cleanly_in_every_rounding(text);
+            with_comma = read(text);
+        }
+        auto const value = double_of(text);
+        auto const comma_value = double_of(text, ",");
+        ASSERT_EQ(value.has_value(), comma_value.has_value());
+        if (value) {
+            ++values;
+            ASSERT_TRUE(reads);
+            ASSERT_TRUE(are_alike(*value, *with_dot));
+            ASSERT_TRUE(are_alike(*comma_value, *with_comma));
+            point_dependent += !are_alike(*value, *comma_value);
+        } else if (text.find_first_of(" \t+-\0"s) == text.npos && text.find("..") == text.npos &&
+                   text.find(".,") == text.npos && text.find(",.") == text.npos) {
+            ASSERT_FALSE(reads);
+        }
+        if (is_plainly_written_double(text, ".")) {
+            ASSERT_EQ(text, written_double(*value));
+        }
+    }
+    EXPECT_GT(values, 3000);
+    EXPECT_GT(point_dependent, 300);
+}
+
+}  // namespace

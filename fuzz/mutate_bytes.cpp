@@ -1,8 +1,10 @@
 // New inputs for the targets that take bytes: whole random values, edits of words and flags, pieces
-// doubled or left out, and what libFuzzer does by itself.
+// doubled or left out, entries of sets and tables copied, and what libFuzzer does by itself.
 
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
+#include "inspect/verify.hpp"
+#include "tests/golden/goldens.hpp"
 #include "tests/inspect/real_roots.hpp"
 
 #include <algorithm>
@@ -55,6 +57,21 @@ void edit_piece(std::string& bytes, Random& random) {
         bytes.insert(below(random, bytes.size() + 1), bytes.substr(at, size));
 }
 
+/// Copies an entry of a set or table beside another one, so that a key is there twice. Leaves bytes
+/// that are unsafe or have no entry as they are.
+void copy_entry(sml::inspect::Root const& root, std::string& bytes, Random& random) {
+    using namespace sml::inspect;
+    VerifyOptions const options{.limits = {.memory = std::uint64_t{1} << 26}, .listed = 0};
+    if (verify(root, bytes, options).answer == Answer::unsafe) return;
+    auto const entries = golden::entries_in(root, bytes);
+    if (entries.empty()) return;
+    auto const& copied = entries[below(random, entries.size())];
+    auto        beside = entries;
+    std::erase_if(beside, [&](auto const& entry) { return entry.count_at != copied.count_at; });
+    bytes = golden::with_copy(bytes, copied, beside[below(random, beside.size())],
+                              below(random, 2) == 0);
+}
+
 }  // namespace
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
@@ -68,8 +85,10 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
         bytes = random_value(real_root(*input.root), random);
     else if (choice < 20)
         edit_word(bytes, random);
-    else if (choice < 30)
+    else if (choice < 26)
         edit_byte(bytes, random);
+    else if (choice < 32)
+        copy_entry(*input.root, bytes, random);
     else
         edit_piece(bytes, random);
     if (bytes.size() + 1 > max_size) return LLVMFuzzerMutate(data, size, max_size);

@@ -1,4 +1,4 @@
-// Bytes that are not unsafe are given to the real readers.
+// Bytes that are not unsafe are given to the real readers, and what dump shows is what they hold.
 
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
@@ -16,5 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     std::string const fault =
         real_root(*input.root).fault_of_reading(input.bytes, verdict.answer == Answer::good);
     fuzz::require(fault.empty(), input, fault);
+    std::string const fault_of_dump = fault_of_dumping(*input.root, input.bytes);
+    fuzz::require(fault_of_dump.empty(), input, fault_of_dump);
     return 0;
 }

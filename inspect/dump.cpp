@@ -2,12 +2,13 @@
 
 #include "inspect/json_writer.hpp"
 #include "inspect/path_match.hpp"
-#include "inspect/reread.hpp"
+#include "inspect/read_over.hpp"
 #include "inspect/superseded.hpp"
 #include "inspect/walker.hpp"
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace sml::inspect {
@@ -365,22 +366,40 @@ Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
     return std::move(picker.dumped);
 }
 
+/// Of bytes that are within the limits, what a reader keeps is, too, but for an empty text that
+/// takes the place of an id that was never told.
+Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
+                 DumpOptions const& options, Budget& budget) {
+    constexpr auto most = std::numeric_limits<std::uint64_t>::max();
+    DumpOptions    unlimited = options;
+    unlimited.walk.limits = {
+        .depth = options.walk.limits.depth, .elements = most, .text_bytes = most, .memory = most};
+    auto const kept = bytes_kept(root, bytes, options.walk, budget);
+    return dump_entries(root, kept, out, unlimited, Superseded(&budget), budget);
+}
+
 }  // namespace
 
 Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             DumpOptions const& options) {
     Budget     budget(options.walk.limits.own_memory);
     Superseded superseded = superseded_entries(root, bytes, options.walk, budget);
-    if (superseded.are_read_over) {
-        // What a reader keeps of a value that it reads another one over, only a reader can tell.
-        Verdict verdict = verify(root, bytes, options.walk);
+    bool const are_read_over = superseded.are_read_over;
+    Verdict    verdict;
+    if (are_read_over) {
+        verdict = verify(root, bytes, options.walk);
         if (verdict.answer != Answer::unsafe) {
-            Dumped dumped = dump_entries(root, read_and_write(root, bytes.data()), out, options,
-                                         Superseded(&budget), budget);
-            return {verdict.answer, verdict.odd_count, std::move(verdict.findings), dumped.found};
+            bool const found = dump_kept(root, bytes, out, options, budget).found;
+            return {verdict.answer, verdict.odd_count, std::move(verdict.findings), found};
         }
     }
-    return dump_entries(root, bytes, out, options, std::move(superseded), budget);
+    Dumped dumped = dump_entries(root, bytes, out, options, std::move(superseded), budget);
+    // What only verify judges: the comparisons of a reader.
+    if (are_read_over && dumped.answer != Answer::unsafe) {
+        dumped.answer = Answer::unsafe;
+        dumped.findings.push_back(verdict.findings.back());
+    }
+    return dumped;
 }
 
 }  // namespace sml::inspect

@@ -134,21 +134,33 @@ bool are_digits(std::string_view text) {
     return are_lower_digits(last, at_once);
 }
 
+namespace {
+
+/// What the parser sees, from the first character that is not blank on.
+std::string_view parsed_text(std::string_view block) {
+    block = block.substr(0, block.find('\0'));
+    return {std::ranges::find_if_not(block, is_blank), block.end()};
+}
+
+}  // namespace
+
+bool is_integer(std::string_view block) {
+    std::string_view text = parsed_text(block);
+    if (text.starts_with('-')) text.remove_prefix(1);
+    auto const is_part = [](char c) { return is_hexadecimal(c) || is_blank(c); };
+    return !text.empty() && !is_blank(text.front()) && std::ranges::all_of(text, is_part);
+}
+
 std::string integer_of(std::string_view block) {
-    std::string_view text = block.substr(0, block.find('\0'));
-    text = {std::ranges::find_if_not(text, is_blank), text.end()};
-    bool const is_negative = text.starts_with('-');
-    if (is_negative) text.remove_prefix(1);
-    std::string const nothing = "0";
-    auto const        is_part = [](char c) { return is_hexadecimal(c) || is_blank(c); };
-    if (text.empty() || is_blank(text.front()) || !std::ranges::all_of(text, is_part))
-        return nothing;
-    auto const start =
-        std::ranges::find_if_not(text, [](char c) { return c == '0' || is_blank(c); });
-    if (start == text.end()) return nothing;
-    std::string digits(is_negative ? "-" : "");
-    digits.reserve(digits.size() + static_cast<std::size_t>(text.end() - start));
-    for (char const c : std::string_view(start, text.end()))
+    auto const        is_left_out = [](char c) { return c == '0' || is_blank(c); };
+    std::string_view  text = parsed_text(block);
+    std::string const sign = text.starts_with('-') ? "-" : "";
+    text.remove_prefix(sign.size());
+    text = {std::ranges::find_if_not(text, is_left_out), text.end()};
+    if (text.empty() || !is_integer(block)) return "0";
+    std::string digits = sign;
+    digits.reserve(sign.size() + text.size());
+    for (char const c : text)
         if (!is_blank(c)) digits += static_cast<char>(c >= 'A' && c <= 'F' ? c | 0x20 : c);
     return digits;
 }

@@ -42,6 +42,10 @@ inline std::string_view written_digits(std::string_view block) {
     return block.substr(0, block.size() - (block.front() == '-' ? 1 : 2));
 }
 
+/// Whether a reader takes a number from this block; else what it reads over stays as it was. That
+/// is digits up to the first zero byte, with white space anywhere but behind the sign.
+SML_API bool is_integer(std::string_view block);
+
 /// The integer that a reader has after this block, as the writer prints it but without the zero
 /// bytes; 0 where the block is no number. Takes memory for its digits.
 SML_API std::string integer_of(std::string_view block);

@@ -36,10 +36,10 @@ public:
     Reached all;
 };
 
-/// Walks bytes that are known to be good.
+/// Walks bytes that are known not to be unsafe.
 class Walk {
 public:
-    explicit Walk(std::string_view bytes) : bytes_(bytes) {}
+    explicit Walk(std::string_view bytes) : size_(bytes.size()), bytes_(bytes) {}
 
     void value(Type const& type) {
         switch (type.kind) {
@@ -61,7 +61,7 @@ public:
                 return;
             case Kind::variant: return variant(type);
             case Kind::string:
-                if (word() < 0) block();
+                if (word() < 1) block();
                 return;
             case Kind::ieee_float: block(); return void(take(4));
             case Kind::number:
@@ -77,7 +77,8 @@ public:
         }
     }
 
-    Reached reached;
+    Reached            reached;
+    std::vector<Entry> entries;
 
 private:
     void reach_with(Type const& type, Type const& element) {
@@ -93,11 +94,19 @@ private:
     }
 
     void container(Type const& type) {
+        Entry entry{&type, offset(), 0, 0, 0};
         for (std::int32_t left = word(); left > 0; --left) {
+            entry.start = offset();
             if (type.key != nullptr) value(*type.key);
+            entry.key_end = offset();
             reach_with(type, *type.element);
+            entry.end = offset();
+            if (type.kind == Kind::set) entry.key_end = entry.end;
+            if (type.kind != Kind::list) entries.push_back(entry);
         }
     }
+
+    std::size_t offset() const { return size_ - bytes_.size(); }
 
     std::int32_t word() {
         std::int32_t word;
@@ -114,7 +123,8 @@ private:
         return taken;
     }
 
-    std::string_view bytes_;
+    std::size_t      size_;
+    std::string_view bytes_;  // those not taken yet
 };
 
 std::string bytes_of(std::filesystem::path const& path) {
@@ -161,6 +171,24 @@ Reached reached_by(Root const& root, std::string_view bytes) {
     Walk walk(bytes);
     walk.value(*root.type);
     return std::move(walk.reached);
+}
+
+std::vector<Entry> entries_in(Root const& root, std::string_view bytes) {
+    Walk walk(bytes);
+    walk.value(*root.type);
+    return std::move(walk.entries);
+}
+
+std::string with_copy(std::string_view bytes, Entry const& copied, Entry const& beside,
+                      bool is_behind) {
+    std::string result(bytes);
+    result.insert(is_behind ? beside.end : beside.start,
+                  bytes.substr(copied.start, copied.end - copied.start));
+    std::uint32_t count;
+    std::memcpy(&count, bytes.data() + copied.count_at, sizeof count);
+    ++count;
+    std::memcpy(result.data() + copied.count_at, &count, sizeof count);
+    return result;
 }
 
 std::string name_of(Reached::value_type const& reached) {

@@ -33,6 +33,22 @@ Reached reachable_from(sml::inspect::Root const& root);
 /// What a good value reaches.
 Reached reached_by(sml::inspect::Root const& root, std::string_view bytes);
 
+/// An entry of a set or table: where it and its table's count stand in the bytes.
+struct Entry {
+    sml::inspect::Type const* table;
+    std::size_t               count_at;
+    std::size_t               start;
+    std::size_t               key_end;
+    std::size_t               end;
+};
+
+/// All of them in a value that is not unsafe, the inner ones before the outer ones.
+std::vector<Entry> entries_in(sml::inspect::Root const& root, std::string_view bytes);
+
+/// The bytes with an entry copied in front of another one of the same table, or behind it.
+std::string with_copy(std::string_view bytes, Entry const& copied, Entry const& beside,
+                      bool is_behind);
+
 /// As a person names it.
 std::string name_of(Reached::value_type const& reached);
 

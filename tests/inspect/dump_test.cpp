@@ -694,13 +694,65 @@ std::string fields_named(std::string const& first, std::string const& second) {
     return sml::Application_Results_Application_Results_fromCxx(results);
 }
 
+/// The same with one name twice.
+std::string fields_read_over() {
+    std::string odd = fields_named("same", "Same");
+    odd.at(odd.find("Same")) = 's';
+    return odd;
+}
+
 TEST(DumpOfOddBytes, RepeatedKeyThatIsReadOverShowsWhatAReaderHolds) {
-    std::string       odd = fields_named("same", "Same");
-    std::size_t const at = odd.find("Same");
-    ASSERT_NE(at, std::string::npos);
-    odd[at] = 's';
     for (RootCase const& one : root_cases())
-        if (one.stem == "Application_Results_Application_Results"s) expect_shown_as_read(one, odd);
+        if (one.stem == "Application_Results_Application_Results"s)
+            expect_shown_as_read(one, fields_read_over());
+}
+
+TEST(DumpOfOddBytes, TablesThatAreReadOverAreShownInTheOrderOfTheirKeys) {
+    using Lists = sml::core::LastWinsMap<std::int32_t, std::list<std::int32_t>>;
+    std::string const odd = word(4) + word(9) + word(1) + word(1) + word(3) + word(0) + word(9) +
+                            word(1) + word(2) + word(5) + word(0);
+    EXPECT_EQ(value_of<Lists>(odd), "[[9,[1,2]],[3,[]],[5,[]]]");
+    using Sets = sml::core::LastWinsMap<std::int32_t, std::unordered_set<std::int32_t>>;
+    EXPECT_EQ(value_of<Sets>(odd), "[[9,[1,2]],[3,[]],[5,[]]]");
+}
+
+TEST(DumpOfOddBytes, PathsLeadToWhatIsKeptOfATableThatIsReadOver) {
+    using Lists = sml::core::LastWinsMap<std::int32_t, std::list<std::int32_t>>;
+    Root const        root{"R", describe<Lists>()};
+    std::string const odd =
+        word(3) + word(3) + word(0) + word(9) + word(1) + word(1) + word(9) + word(1) + word(2);
+    Shown const one = show(root, odd, {.walk = {}, .form = Form::compact, .path = "[9][1]"});
+    EXPECT_TRUE(one.dumped.found);
+    EXPECT_EQ(one.json, "{\"root\":\"R\",\"path\":\"[9][1]\",\"value\":2}\n");
+    Shown const lines = show(root, odd, {.walk = {}, .form = Form::lines, .path = ""});
+    EXPECT_EQ(lines.json, "[3,[]]\n[9,[1,2]]\n");
+    Shown const none = show(root, odd, {.walk = {}, .form = Form::compact, .path = "[#2]"});
+    EXPECT_FALSE(none.dumped.found);
+}
+
+TEST(DumpOfOddBytes, WithinTheLimitsWhateverAReaderKeeps) {
+    using Lists = sml::core::LastWinsMap<std::int32_t, std::list<Strings_T>>;
+    Root const        root{"R", describe<Lists>()};
+    std::string const odd = word(2) + word(7) + word(1) + word(5) + word(7) + word(0);
+    Limits            tight;
+    tight.memory = verify(root, odd).heap;
+    EXPECT_EQ(show(root, odd, {.walk = {.limits = tight}}).json,
+              "{\"root\":\"R\",\"value\":[[7,[\"\"]]]}\n");
+}
+
+TEST(DumpOfOddBytes, NeitherStringsNorTheResultOfTheReadersAreTouched) {
+    std::string const  odd = fields_read_over();
+    Root const&        root = *find_root("Application_Results_Application_Results");
+    std::string const& shared = sml::Integers64_T_fromCxx(5);
+    std::string const  before = shared;
+    char const* const  place = shared.data();
+    std::size_t const  strings = Strings_T::fAllStrings.size();
+    std::size_t const  buckets = Strings_T::fAllStrings.bucket_count();
+    EXPECT_NE(show(root, odd).json.find("same"), std::string::npos);
+    EXPECT_EQ(shared, before);
+    EXPECT_EQ(shared.data(), place);
+    EXPECT_EQ(Strings_T::fAllStrings.size(), strings);
+    EXPECT_EQ(Strings_T::fAllStrings.bucket_count(), buckets);
 }
 
 TEST(DumpOfOddBytes, FindingsAreListedInOrderAndCounted) {

@@ -3,6 +3,8 @@
 #include "bindings/bindings.hpp"
 #include "core/compare.hpp"
 #include "inspect/canonical.hpp"
+#include "inspect/dump.hpp"
+#include "inspect/encode.hpp"
 #include "inspect/verify.hpp"
 
 #include <cstring>
@@ -106,6 +108,11 @@ std::string fault_of_reading(Entries<T> const& entries, std::string_view bytes, 
          constexpr Entries<__VA_ARGS__> entries{#Stem, &sml::Stem##_toCxx,                      \
                                                 &sml::Stem##_fromStream, &sml::Stem##_fromCxx}; \
          return fault_of_reading(entries, bytes, are_good);                                     \
+     },                                                                                         \
+     [](std::string_view bytes) {                                                               \
+         __VA_ARGS__ value{};                                                                   \
+         sml::Stem##_toCxx(value, bytes.data());                                                \
+         return std::string(sml::Stem##_fromCxx(value));                                        \
      }},
 constexpr RealRoot all_roots[] = {
 #include "bindings/roots.def"
@@ -117,4 +124,17 @@ std::span<RealRoot const> real_roots() { return all_roots; }
 
 RealRoot const& real_root(sml::inspect::Root const& root) {
     return all_roots[&root - sml::inspect::roots().data()];
+}
+
+std::string fault_of_dumping(sml::inspect::Root const& root, std::string_view bytes) {
+    std::ostringstream json;
+    if (dump(root, bytes, json).answer == Answer::unsafe) return "dump finds the bytes unsafe";
+    std::ostringstream encoded;
+    if (auto const error = sml::inspect::encode(json.view(), encoded).error)
+        return "encode refuses " + error->path + ": " + error->found;
+    std::string const read = real_root(root).read_and_write(bytes);
+    if (digest(root, encoded.view()) == digest(root, read)) return {};
+    std::ostringstream expected;
+    dump(root, read, expected);
+    return "the reader has another value: " + expected.str() + "dumped was " + json.str();
 }

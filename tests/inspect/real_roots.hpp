@@ -20,9 +20,16 @@ struct RealRoot {
     /// moves, writes and destroys what was read. Gives what went wrong, empty when nothing did. Of
     /// good bytes, what is written must also have the digest of what was read.
     std::string (*fault_of_reading)(std::string_view bytes, bool are_good);
+
+    /// What the writer makes of the value that the reader has of bytes that are not unsafe.
+    std::string (*read_and_write)(std::string_view bytes);
 };
 
 /// In the order of `sml::inspect::roots()`.
 std::span<RealRoot const> real_roots();
 
 RealRoot const& real_root(sml::inspect::Root const& root);
+
+/// Dumps bytes that are not unsafe and encodes that. Gives what went wrong: above all, where the
+/// content is not that of the value that the real reader has.
+std::string fault_of_dumping(sml::inspect::Root const& root, std::string_view bytes);

@@ -1,0 +1,99 @@
+// Every class that crosses the wire as the value of a table that is read over: what is told from
+// the bytes alone is what the reader has.
+//
+// BRADEP_SEED sets the seed; BRADEP_SLOW_TESTS asks for more values.
+
+#include "inspect/canonical.hpp"
+#include "inspect/describe.hpp"
+#include "inspect/read_over.hpp"
+#include "tests/all_types.hpp"
+#include "tests/plain/seed.hpp"
+#include "tests/random_values.hpp"
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iostream>
+#include <random>
+#include <sstream>
+
+namespace {
+
+using sml::inspect::Answer;
+using sml::inspect::bytes_kept;
+using sml::inspect::describe;
+using sml::inspect::Root;
+using sml::inspect::verify;
+using sml::inspect::VerifyOptions;
+using Random = std::mt19937_64;
+
+VerifyOptions const bounded{.limits = {.memory = std::uint64_t{1} << 22}};
+
+struct Tally {
+    int tried = 0;
+    int compared = 0;
+};
+
+std::string canonical(Root const& root, std::string const& bytes) {
+    std::ostringstream out;
+    write_canonical(root, bytes, out);
+    return out.str();
+}
+
+template <class Table>
+void compare(Root const& root, std::string const& bytes, Tally& tally) {
+    ++tally.tried;
+    if (verify(root, bytes, bounded).answer == Answer::unsafe) return;
+    ++tally.compared;
+    std::string const kept = bytes_kept(root, bytes, bounded);
+    Table             read;
+    wire::read_over(read, bytes);
+    ASSERT_EQ(wire::hex(canonical(root, kept)), wire::hex(canonical(root, wire::write(read))))
+        << root.stem << ": " << wire::hex(bytes);
+}
+
+void edit_word(std::string& bytes, Random& random) {
+    std::int32_t word = static_cast<std::int32_t>(random() % 8) - 2;
+    if (bytes.size() < sizeof word) return;
+    std::size_t const places = bytes.size() - sizeof word + 1;
+    if (random() % 2 == 0) std::memcpy(&word, bytes.data() + random() % places, sizeof word);
+    std::memcpy(bytes.data() + random() % places, &word, sizeof word);
+}
+
+/// A list of pairs stands on the wire as a table does, and may have a key many times.
+template <class T>
+void compare_random(char const* name, Random& random, Tally& tally) {
+    using Table = sml::core::LastWinsMap<std::int32_t, T>;
+    Root const root{name, describe<Table>()};
+    for (int i = plain_test::count(40, 1000); i > 0; --i) {
+        RandomValues                          values(random(), {.elements = 2, .depth = 3});
+        std::list<std::pair<std::int32_t, T>> entries;
+        for (int left = 2 + values.below(3); left > 0; --left) {
+            auto& [key, value] = entries.emplace_back();
+            key = values.below(2);
+            values.fill(value);
+        }
+        std::string const bytes = wire::write(entries);
+        ASSERT_NO_FATAL_FAILURE(compare<Table>(root, bytes, tally));
+        for (int left = 12; left > 0; --left) {
+            std::string edited = bytes;
+            for (auto edits = 1 + random() % 3; edits > 0; --edits) edit_word(edited, random);
+            ASSERT_NO_FATAL_FAILURE(compare<Table>(root, edited, tally));
+        }
+    }
+}
+
+TEST(ReadOverType, EveryClassIsKeptAsTheReaderKeepsIt) {
+    Random random(plain_test::seed());
+    Tally  tally;
+#define COMPARE(Type)                                \
+    compare_random<sml::Type>(#Type, random, tally); \
+    if (HasFatalFailure()) return;
+    ALL_TYPES(COMPARE)
+#undef COMPARE
+    std::cout << tally.tried << " tried, " << tally.compared << " compared\n";
+    EXPECT_GT(tally.compared, tally.tried / 10);
+}
+
+}  // namespace

@@ -48,6 +48,7 @@ sml_inspect_answer sml_inspect_verify(char const* stem, void const* bytes, std::
                                       void* context) try {
     Root const* const root = stem == nullptr ? nullptr : find_root(stem);
     if (root == nullptr) return SML_INSPECT_NO_SUCH_ROOT;
+    if (bytes == nullptr && size != 0) return SML_INSPECT_NO_BYTES;
     Verdict const verdict =
         verify(*root, {static_cast<char const*>(bytes), size},
                {.limits = limits_of(limits), .listed = static_cast<std::size_t>(listed)});

@@ -13,7 +13,8 @@ enum sml_inspect_answer {
     SML_INSPECT_ODD = 1,          /* safe to read, but not what a writer makes */
     SML_INSPECT_UNSAFE = 2,       /* not to be given to a reader */
     SML_INSPECT_NO_SUCH_ROOT = 3, /* no root has this stem, or there is none given */
-    SML_INSPECT_NO_MEMORY = 4     /* the walk's own tables found no memory */
+    SML_INSPECT_NO_MEMORY = 4,    /* the walk's own tables found no memory */
+    SML_INSPECT_NO_BYTES = 5      /* the bytes are null, their size is not 0 */
 };
 
 /* What a walk puts up with; 0 stands for the default. */
@@ -44,9 +45,9 @@ struct sml_inspect_finding {
 typedef void (*sml_inspect_listener)(void* context, struct sml_inspect_finding const* finding);
 
 /* Walks `size` bytes as a value of the root with this stem and returns the answer. `limits`,
-   `verdict` and `listener` may be null. The listener is told of the first `listed` odd findings
-   and of the unsafe one, after the walk. Keeps nothing of what it is given; may be called from any
-   thread. */
+   `verdict` and `listener` may be null, and `bytes` when there are none. The listener is told of
+   the first `listed` odd findings and of the unsafe one, after the walk. Keeps nothing of what it
+   is given; may be called from any thread. */
 __attribute__((visibility("default"))) enum sml_inspect_answer sml_inspect_verify(
     char const* stem, void const* bytes, uint64_t size, struct sml_inspect_limits const* limits,
     struct sml_inspect_verdict* verdict, uint64_t listed, sml_inspect_listener listener,

@@ -25,3 +25,7 @@ struct called call_verify(char const* stem, void const* bytes, uint64_t size,
 enum sml_inspect_answer call_verify_bare(char const* stem, void const* bytes, uint64_t size) {
     return sml_inspect_verify(stem, bytes, size, NULL, NULL, 0, NULL, NULL);
 }
+
+enum sml_inspect_answer call_verify_null(char const* stem, uint64_t size) {
+    return sml_inspect_verify(stem, NULL, size, NULL, NULL, 0, NULL, NULL);
+}

@@ -26,6 +26,9 @@ struct called call_verify(char const* stem, void const* bytes, uint64_t size,
 /* With nothing but the bytes. */
 enum sml_inspect_answer call_verify_bare(char const* stem, void const* bytes, uint64_t size);
 
+/* Without bytes. */
+enum sml_inspect_answer call_verify_null(char const* stem, uint64_t size);
+
 #ifdef __cplusplus
 }
 #endif

@@ -101,6 +101,18 @@ TEST(VerifyC, NoBytesAtAllAreUnsafe) {
     EXPECT_EQ(result.told_unsafe, 1);
 }
 
+TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
+    for (std::uint64_t const size : {std::uint64_t{1}, std::uint64_t{8}, ~std::uint64_t{0}}) {
+        called const result = call_verify("Integers64_T", nullptr, size, nullptr, 100);
+        EXPECT_EQ(result.answer, SML_INSPECT_NO_BYTES);
+        EXPECT_EQ(result.told, 0);
+        EXPECT_EQ(result.verdict.walked, 0u);
+    }
+    EXPECT_EQ(call_verify_null("Integers64_T", 8), SML_INSPECT_NO_BYTES);
+    EXPECT_EQ(call_verify_null("Integers64_T", 0), SML_INSPECT_UNSAFE);
+    EXPECT_EQ(call_verify_null("Integers64", 8), SML_INSPECT_NO_SUCH_ROOT);
+}
+
 TEST(VerifyC, UnknownStemIsToldWithoutAWalk) {
     called const result = call("Answers_Contex", "T");
     EXPECT_EQ(result.answer, SML_INSPECT_NO_SUCH_ROOT);

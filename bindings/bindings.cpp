@@ -2,9 +2,54 @@
 
 #include "core/transfer.hpp"
 
+#ifndef NDEBUG
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#endif
+
 namespace sml {
 
 namespace {
+
+#ifdef NDEBUG
+
+struct InsideCall {
+    constexpr explicit InsideCall(char const* /*call*/) noexcept {}
+};
+
+#else
+
+constinit std::atomic<char const*> outermost_call = nullptr;  // of the thread that is inside
+constinit thread_local std::size_t calls_of_this_thread = 0;  // inside one another
+
+/// Its thread is inside an entry point. Ends the process when another thread is, before the two
+/// spoil the string table or the shared result. A thread that is inside may enter again, as a
+/// stream buffer does that calls the library.
+class InsideCall {
+public:
+    explicit InsideCall(char const* call) {
+        if (calls_of_this_thread++ > 0) return;
+        char const* other = nullptr;
+        if (!outermost_call.compare_exchange_strong(other, call)) refuse(call, other);
+    }
+    InsideCall(InsideCall const&) = delete;
+    InsideCall& operator=(InsideCall const&) = delete;
+    ~InsideCall() {
+        if (--calls_of_this_thread == 0) outermost_call.store(nullptr);
+    }
+
+private:
+    [[noreturn]] static void refuse(char const* call, char const* other) {
+        std::fprintf(stderr,
+                     "bradep_cxx_interface: %s entered while another thread is inside %s; the "
+                     "library serves one thread at a time\n",
+                     call, other);
+        std::abort();
+    }
+};
+
+#endif
 
 // Holds the bytes of the latest `fromCxx` of any root. Built right after the string table and
 // destroyed right before it.
@@ -49,13 +94,23 @@ void read_stream(T& value, std::istream& stream) {
 }  // namespace
 
 #define SML_ROOT(Stem, ...)                                                                        \
-    void Stem##_toCxx(__VA_ARGS__& value, char const* bytes) { read_bytes(value, bytes); }         \
-    void deserializeSmlData(__VA_ARGS__& value, char const* bytes) { Stem##_toCxx(value, bytes); } \
-    std::string const& Stem##_fromCxx(__VA_ARGS__ const& value) { return write_bytes(value); }     \
-    void               Stem##_toStream(__VA_ARGS__ const& value, std::ostream& stream) {           \
-                      write_stream(value, stream);                                                 \
+    void Stem##_toCxx(__VA_ARGS__& value, char const* bytes) {                                     \
+        [[maybe_unused]] InsideCall const inside("toCxx of " #Stem);                               \
+        read_bytes(value, bytes);                                                                  \
     }                                                                                              \
-    void Stem##_fromStream(__VA_ARGS__& value, std::istream& stream) { read_stream(value, stream); }
+    void deserializeSmlData(__VA_ARGS__& value, char const* bytes) { Stem##_toCxx(value, bytes); } \
+    std::string const& Stem##_fromCxx(__VA_ARGS__ const& value) {                                  \
+        [[maybe_unused]] InsideCall const inside("fromCxx of " #Stem);                             \
+        return write_bytes(value);                                                                 \
+    }                                                                                              \
+    void Stem##_toStream(__VA_ARGS__ const& value, std::ostream& stream) {                         \
+        [[maybe_unused]] InsideCall const inside("toStream of " #Stem);                            \
+        write_stream(value, stream);                                                               \
+    }                                                                                              \
+    void Stem##_fromStream(__VA_ARGS__& value, std::istream& stream) {                             \
+        [[maybe_unused]] InsideCall const inside("fromStream of " #Stem);                          \
+        read_stream(value, stream);                                                                \
+    }
 #include "bindings/roots.def"
 
 }  // namespace sml

@@ -19,7 +19,7 @@
 // bytes hold zeros, and the flat form tells no length.
 //
 // Exceptions of the standard library pass through, also through the flat functions. Nothing here
-// is reentrant or safe across threads.
+// is safe across threads: a library built with assertions names two calls that overlap and aborts.
 
 #include "core/Strings.hpp"
 #include "core/export.hpp"

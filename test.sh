@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests: built by g++, then again under
-# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs each fuzz target for
-# BRADEP_FUZZ_SECONDS, 60 by default.
+# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
+# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS, 60 by default.
 #
 #   ./test.sh          what every change must pass
 #   ./test.sh --all    also built by clang, and random tests at their slow counts
@@ -37,6 +37,13 @@ for preset in "${presets[@]}"; do
     build "$preset"
     ctest --preset "$preset" --parallel "$(nproc)"
 done
+
+# ThreadSanitizer of this compiler can't run where addresses are as random as some kernels make them.
+echo "== tsan"
+build tsan inspect_threads_test
+same_addresses=()
+! setarch --addr-no-randomize true 2>/dev/null || same_addresses=(setarch --addr-no-randomize)
+TSAN_OPTIONS=halt_on_error=1 "${same_addresses[@]}" build/tsan/tests/inspect/inspect_threads_test
 
 echo "== fuzz"
 ./fuzz.sh "${BRADEP_FUZZ_SECONDS:-60}"

@@ -4,7 +4,6 @@
 
 #include "errors.hpp"
 #include "input_bytes.hpp"
-#include "input_file.hpp"
 #include "output_file.hpp"
 #include "walk_options.hpp"
 
@@ -14,9 +13,10 @@ namespace {
 using namespace sml::inspect;
 
 struct Options {
-    std::string file;
-    std::string output;
-    Limits      limits;
+    std::string   file;
+    std::string   output;
+    std::uint64_t max_size = default_max_size;
+    Limits        limits;
 };
 
 std::string described(EncodeError const& error) {
@@ -27,7 +27,7 @@ std::string described(EncodeError const& error) {
 
 Exit_Code encode_file(Options const& options, Streams& streams) {
     auto const        name = input_name(options.file);
-    Input_Bytes const json(options.file, streams.in);
+    Input_Bytes const json(options.file, options.max_size, streams.in);
     Progress          progress(streams.err, name + ", encoding", json.view().size());
     write_seekable(options.output, streams.out, [&](std::ostream& out) {
         Encoded const encoded =
@@ -48,6 +48,7 @@ Action declare_encode(CLI::App& app) {
                    "The bytes to write; they appear whole or not at all. - is standard output")
         ->required()
         ->type_name("FILE");
+    declare_max_size(app, options->max_size);
     app.add_option("--max-depth", options->limits.depth,
                    "Variants and containers inside one another, at most 1000")
         ->capture_default_str()

@@ -1,7 +1,6 @@
 #include <memory>
 
 #include "errors.hpp"
-#include "input_file.hpp"
 #include "printable.hpp"
 #include "walk_options.hpp"
 
@@ -12,7 +11,7 @@ using namespace sml::inspect;
 
 Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
     auto const        name = input_name(options.file);
-    Input_Bytes const input(options.file, streams.in);
+    Input_Bytes const input(options.file, options.max_size, streams.in);
     auto const        candidates =
         watch(streams.err, name + ", looking for its root", input.view().size(), options.verify,
               [&](VerifyOptions const& watched) { return identify(input.view(), watched); });
@@ -33,6 +32,7 @@ Action declare_identify(CLI::App& app) {
     app.add_option("FILE", options->file, "The bytes. - is standard input")
         ->required()
         ->type_name("");
+    declare_max_size(app, options->max_size);
     declare_limits(app, options->verify.limits);
     app.footer(
         "Prints one stem a line: the roots that the bytes are good for, then those that they are\n"

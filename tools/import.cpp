@@ -6,10 +6,11 @@
 #include "bindings/bindings.hpp"
 #include "command.hpp"
 #include "errors.hpp"
-#include "input_file.hpp"
+#include "input_bytes.hpp"
 #include "output_file.hpp"
 #include "result_mapping.hpp"
 #include "sarif_reader.hpp"
+#include "walk_options.hpp"
 
 namespace bradep {
 namespace {
@@ -17,6 +18,7 @@ namespace {
 struct Options {
     std::vector<std::string> inputs;
     std::string              output;
+    std::uint64_t            max_size = default_max_size;
 };
 
 void refuse_overwriting_an_input(Options const& options) {
@@ -32,8 +34,8 @@ void import_logs(Options const& options, Streams& streams) {
     Result_Set set;
     auto&      run_count = set.application_results.first_int;
     for (auto const& input : options.inputs) {
-        auto const text = read_input(input, streams.in);
-        run_count += sarif::read_log(text, input_name(input), run_count,
+        Input_Bytes const text(input, options.max_size, streams.in);
+        run_count += sarif::read_log(text.view(), input_name(input), run_count,
                                      [&](sarif::Result&& result) { add_result(result, set); });
     }
     auto const write = [&](std::ostream& out) {
@@ -57,6 +59,7 @@ Action declare_import(CLI::App& app) {
                    "The result set to write; it appears whole or not at all. - is standard output")
         ->required()
         ->type_name("FILE");
+    declare_max_size(app, options->max_size);
     return [options](Streams& streams) {
         import_logs(*options, streams);
         return exit_done;

@@ -1,41 +1,122 @@
 #include "input_bytes.hpp"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "input_file.hpp"
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include "errors.hpp"
 
 namespace bradep {
+namespace {
 
-Input_Bytes::Input_Bytes(std::string const& path, std::istream& standard_input) {
-    if (path != "-" && map(path)) return;
-    read_ = read_input(path, standard_input);
-    bytes_ = read_;
+constexpr std::size_t first_capacity = 1 << 16;
+
+[[noreturn]] void cannot_read(std::string const& name, int error) {
+    throw Io_Failure("cannot read " + name + ": " + std::strerror(error ? error : EIO));
 }
 
-Input_Bytes::~Input_Bytes() {
-    if (mapped_ != nullptr) ::munmap(mapped_, bytes_.size());
-}
-
-// Whatever fails here is tried again by reading, which tells why.
-bool Input_Bytes::map(std::string const& path) {
-    int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) return false;
-    struct stat status {};
-    bool const  is_regular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-    if (is_regular && status.st_size > 0) {
-        auto const  size = static_cast<std::size_t>(status.st_size);
-        void* const start = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
-        if (start != MAP_FAILED) {
-            mapped_ = start;
-            bytes_ = {static_cast<char const*>(start), size};
-            ::madvise(start, size, MADV_SEQUENTIAL);
-        }
+class Opened_File {
+public:
+    // A pipe waits here until somebody writes to it.
+    Opened_File(std::string const& path, std::string const& name) {
+        do descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+        while (descriptor_ < 0 && errno == EINTR);
+        if (descriptor_ < 0) cannot_read(name, errno);
     }
-    ::close(file);
-    return mapped_ != nullptr;
+    ~Opened_File() { ::close(descriptor_); }
+    Opened_File(Opened_File const&) = delete;
+    Opened_File& operator=(Opened_File const&) = delete;
+
+    int descriptor() const { return descriptor_; }
+
+private:
+    int descriptor_ = -1;
+};
+
+// -1 and errno on failure, 0 at the end.
+ssize_t read_some(int descriptor, char* to, std::size_t most) {
+    ssize_t got;
+    do got = ::read(descriptor, to, most);
+    while (got < 0 && errno == EINTR);
+    return got;
+}
+
+}  // namespace
+
+std::string input_name(std::string const& path) { return path == "-" ? "standard input" : path; }
+
+Input_Bytes::Input_Bytes(std::string const& path, std::uint64_t max_size,
+                         std::istream& standard_input)
+    : name_(input_name(path)), max_size_(max_size) {
+    if (path == "-")
+        read_stream(standard_input);
+    else
+        read_file(path);
+}
+
+void Input_Bytes::read_file(std::string const& path) {
+    Opened_File const file(path, name_);
+    struct stat       status {};
+    if (::fstat(file.descriptor(), &status) != 0) cannot_read(name_, errno);
+    if (S_ISREG(status.st_mode) && status.st_size > 0) {
+        auto const size = static_cast<std::uint64_t>(status.st_size);
+        refuse_beyond_limit(size);
+        grow_to(size + 1);  // room for a read that finds the end
+    }
+    read_all([&](char* to, std::size_t most) {
+        auto const got = read_some(file.descriptor(), to, most);
+        if (got < 0) cannot_read(name_, errno);
+        return static_cast<std::size_t>(got);
+    });
+}
+
+void Input_Bytes::read_stream(std::istream& stream) {
+    errno = 0;
+    read_all([&](char* to, std::size_t most) {
+        stream.read(to, static_cast<std::streamsize>(most));
+        if (stream.bad()) cannot_read(name_, errno);
+        return static_cast<std::size_t>(stream.gcount());
+    });
+}
+
+// `read` fills what it is given from its start on and returns how much, 0 at the end.
+template <class Read>
+void Input_Bytes::read_all(Read const& read) {
+    // Less than the kernel and streams take at once.
+    constexpr std::size_t most_at_once = std::size_t{1} << 30;
+    for (;;) {
+        if (size_ == capacity_) grow_to(next_capacity());
+        auto const got = read(start_.get() + size_, std::min(capacity_ - size_, most_at_once));
+        if (got == 0) return;
+        size_ += got;
+        refuse_beyond_limit(size_);
+    }
+}
+
+// Never more than shows that there is too much.
+std::size_t Input_Bytes::next_capacity() const {
+    auto const doubled = std::max(first_capacity, 2 * capacity_);
+    return max_size_ < doubled ? static_cast<std::size_t>(max_size_) + 1 : doubled;
+}
+
+// No byte is touched before it is read. Grown by the kernel's moving pages, not by copying.
+void Input_Bytes::grow_to(std::size_t capacity) {
+    void* const grown = std::realloc(start_.get(), capacity);
+    if (grown == nullptr) throw std::bad_alloc();
+    (void)start_.release();
+    start_.reset(static_cast<char*>(grown));
+    capacity_ = capacity;
+}
+
+void Input_Bytes::refuse_beyond_limit(std::uint64_t size) const {
+    if (size > max_size_)
+        throw Io_Failure("cannot read " + name_ + ": larger than --max-size " +
+                         std::to_string(max_size_));
 }
 
 }  // namespace bradep

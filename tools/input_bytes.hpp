@@ -1,28 +1,47 @@
 #pragma once
 
+#include <cstdint>
+#include <cstdlib>
 #include <istream>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace bradep {
 
-// The bytes of the file at `path`, or of `standard_input` where it is "-". A regular file is mapped
-// into memory, anything else is read. Throws Io_Failure.
+// What a command reads of one input at most, unless it is told otherwise.
+constexpr std::uint64_t default_max_size = std::uint64_t{4} << 30;
+
+// How messages call the input at `path`.
+std::string input_name(std::string const& path);
+
+// The bytes of the file at `path`, or of `standard_input` where it is "-", in memory of our own:
+// what others write into the file, or cut from it, later on changes nothing. The file is opened
+// once. Throws Io_Failure, also for more than `max_size` bytes.
 class Input_Bytes {
 public:
-    Input_Bytes(std::string const& path, std::istream& standard_input);
-    ~Input_Bytes();
-    Input_Bytes(Input_Bytes const&) = delete;
-    Input_Bytes& operator=(Input_Bytes const&) = delete;
+    Input_Bytes(std::string const& path, std::uint64_t max_size, std::istream& standard_input);
 
-    std::string_view view() const { return bytes_; }
+    std::string_view view() const { return {start_.get(), size_}; }
 
 private:
-    bool map(std::string const& path);
+    struct Free {
+        void operator()(char* start) const { std::free(start); }
+    };
 
-    std::string      read_;
-    void*            mapped_ = nullptr;
-    std::string_view bytes_;
+    void read_file(std::string const& path);
+    void read_stream(std::istream& stream);
+    template <class Read>
+    void        read_all(Read const& read);
+    std::size_t next_capacity() const;
+    void        grow_to(std::size_t capacity);
+    void        refuse_beyond_limit(std::uint64_t size) const;
+
+    std::string                 name_;
+    std::uint64_t               max_size_;
+    std::unique_ptr<char, Free> start_;
+    std::size_t                 capacity_ = 0;
+    std::size_t                 size_ = 0;
 };
 
 }  // namespace bradep

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "errors.hpp"
-#include "input_file.hpp"
+#include "input_bytes.hpp"
 #include "inspect/schema_json.hpp"
 #include "printable.hpp"
 #include "schema_diff.hpp"
@@ -19,6 +19,7 @@ using namespace sml::inspect;
 struct Options {
     std::optional<std::string> stem;
     std::optional<std::string> old_file;
+    std::uint64_t              max_size = default_max_size;
 };
 
 std::span<Root const> chosen_roots(Options const& options) {
@@ -31,8 +32,8 @@ Exit_Code print_diff(Options const& options, Streams& streams) {
     std::ostringstream current;
     write_schema(roots(), current);
     json_input::Document const now(current.view(), "schema");
-    auto const                 old_text = read_input(*options.old_file, streams.in);
-    json_input::Document const old(old_text, name);
+    Input_Bytes const          old_text(*options.old_file, options.max_size, streams.in);
+    json_input::Document const old(old_text.view(), name);
     try {
         auto const changes = breaking_changes(old.root(), now.root());
         for (auto const& change : changes) streams.out << printable(change) << '\n';
@@ -66,6 +67,7 @@ Action declare_schema(CLI::App& app) {
                    "Instead: every change since this older schema that breaks bytes written then")
         ->type_name("OLD.json")
         ->excludes("--root");
+    declare_max_size(app, options->max_size);
     app.footer(
         "A root's digest changes when its wire form does. With --diff the exit code is 1 when\n"
         "something breaks.\n");

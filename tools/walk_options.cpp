@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-#include "input_file.hpp"
 #include "inspect/nearest.hpp"
 #include "printable.hpp"
 
@@ -44,6 +43,17 @@ void declare_amount(CLI::Option& option) {
 
 }  // namespace
 
+void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning) {
+    declare_amount(*app.add_option(name, size, meaning)
+                        ->capture_default_str()
+                        ->transform(CLI::AsSizeValue(false))
+                        ->type_name("SIZE"));
+}
+
+void declare_max_size(CLI::App& app, std::uint64_t& max_size) {
+    declare_size(app, "--max-size", max_size, "Bytes of an input; a larger one is not read");
+}
+
 void declare_limits(CLI::App& app, Limits& limits) {
     auto const add = [&](char const* name, auto& limit, char const* meaning) {
         return app.add_option(name, limit, meaning)
@@ -76,6 +86,7 @@ void declare_walk_options(CLI::App& app, Walk_Options& options) {
     app.add_option("FILE", options.file, "The bytes. - is standard input")
         ->required()
         ->type_name("");
+    declare_max_size(app, options.max_size);
     declare_root_option(app, options.stem);
     declare_limits(app, options.verify.limits);
 }
@@ -83,7 +94,7 @@ void declare_walk_options(CLI::App& app, Walk_Options& options) {
 Walked_Input::Walked_Input(Walk_Options const& options, Streams& streams)
     : err_(streams.err),
       name_(input_name(options.file)),
-      bytes_(options.file, streams.in),
+      bytes_(options.file, options.max_size, streams.in),
       options_(options.verify),
       root_(options.stem ? &root_of(*options.stem) : choose_root()) {}
 

@@ -14,6 +14,7 @@ namespace bradep {
 
 struct Walk_Options {
     std::string                 file;
+    std::uint64_t               max_size = default_max_size;
     std::optional<std::string>  stem;  // none: to be found out
     sml::inspect::VerifyOptions verify;
 };
@@ -22,6 +23,9 @@ struct Walk_Options {
 void declare_walk_options(CLI::App& app, Walk_Options& options);
 void declare_root_option(CLI::App& app, std::optional<std::string>& stem);
 void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
+// An option like 64K, 10M or 2G.
+void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning);
+void declare_max_size(CLI::App& app, std::uint64_t& max_size);
 void declare_findings_option(CLI::App& app, Walk_Options& options);
 
 // The result of `work`, which is given these options and how to tell its progress.

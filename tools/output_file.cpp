@@ -3,11 +3,15 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <ext/stdio_filebuf.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -78,29 +82,39 @@ fs::path without_links(fs::path target) {
     return target;
 }
 
-void write_to(fs::path const& file, fs::path const& target,
+void write_to(std::streambuf& buffer, fs::path const& target,
               std::function<void(std::ostream&)> const& write) {
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    if (!stream) cannot_write(target, errno);
+    std::ostream stream(&buffer);
     try {
         // Stop at the first byte that finds no place, not at the end of the object.
         stream.exceptions(std::ios::badbit | std::ios::failbit);
         write(stream);
-        stream.close();
+        stream.flush();
     } catch (std::ios_base::failure const&) {
         cannot_write(target, errno);
     }
 }
 
-// A file of its own name beside the target, removed again unless it takes the target's place.
+void write_directly(fs::path const& target, std::function<void(std::ostream&)> const& write) {
+    std::filebuf file;
+    errno = 0;
+    if (!file.open(target, std::ios::out | std::ios::binary | std::ios::trunc))
+        cannot_write(target, errno);
+    write_to(file, target, write);
+}
+
+fs::path directory_of(fs::path const& target) {
+    auto const parent = target.parent_path();
+    return parent.empty() ? fs::path(".") : parent;
+}
+
+// A file beside the target, which takes the target's place in the end or goes away. Where the file
+// system can, it has no name until then, so that not even a kill leaves it behind.
 class Sibling_File {
 public:
-    explicit Sibling_File(fs::path const& target) : target_(target) {
-        auto const parent = target.parent_path();
-        path_ = (parent.empty() ? fs::path(".") : parent) / ".bradep-XXXXXX";
-        descriptor_ = ::mkostemp(path_.data(), O_CLOEXEC);
-        if (descriptor_ < 0) cannot_write(target, errno);
+    Sibling_File(fs::path const& target, Temporary kind) : target_(target) {
+        if (kind == Temporary::unnamed_where_possible) open_unnamed();
+        if (descriptor_ < 0) open_named();
     }
     ~Sibling_File() {
         ::close(descriptor_);
@@ -109,16 +123,56 @@ public:
     Sibling_File(Sibling_File const&) = delete;
     Sibling_File& operator=(Sibling_File const&) = delete;
 
-    fs::path path() const { return path_; }
+    int descriptor() const { return descriptor_; }
 
     void take_place() {
         take_mode();
-        if (::fsync(descriptor_) != 0 || ::rename(path_.c_str(), target_.c_str()) != 0)
-            cannot_write(target_, errno);
+        if (::fsync(descriptor_) != 0) cannot_write(target_, errno);
+        if (path_.empty() && link_as(target_)) return;
+        if (path_.empty()) name();
+        if (::rename(path_.c_str(), target_.c_str()) != 0) cannot_write(target_, errno);
         path_.clear();
     }
 
 private:
+    void open_unnamed() {
+        descriptor_ = ::open(directory_of(target_).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+        if (descriptor_ < 0 || ::access(link_source().c_str(), F_OK) == 0) return;
+        ::close(descriptor_);  // it could never be named
+        descriptor_ = -1;
+    }
+
+    void open_named() {
+        path_ = directory_of(target_) / ".bradep-XXXXXX";
+        descriptor_ = ::mkostemp(path_.data(), O_CLOEXEC);
+        if (descriptor_ < 0) {
+            path_.clear();
+            cannot_write(target_, errno);
+        }
+        removal_.emplace(path_);
+    }
+
+    std::string link_source() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+    // False where there is such a file already: it can only be renamed onto.
+    bool link_as(fs::path const& name) const {
+        if (::linkat(AT_FDCWD, link_source().c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) ==
+            0)
+            return true;
+        if (errno != EEXIST) cannot_write(target_, errno);
+        return false;
+    }
+
+    void name() {
+        std::random_device random;
+        do {
+            char text[32];
+            std::snprintf(text, sizeof text, ".bradep-%08x%08x", random(), random());
+            path_ = directory_of(target_) / text;
+            removal_.emplace(path_);
+        } while (!link_as(path_));
+    }
+
     // A replaced file keeps its mode and owner, a new one gets what the process gives new files.
     void take_mode() {
         struct stat before {};
@@ -132,24 +186,32 @@ private:
         if (::fchmod(descriptor_, before.st_mode & 07777) != 0) cannot_write(target_, errno);
     }
 
-    fs::path    target_;
-    std::string path_;
-    int         descriptor_ = -1;
+    fs::path                            target_;
+    std::string                         path_;  // empty while the file has no name of its own
+    int                                 descriptor_ = -1;
+    std::optional<Removal_On_Interrupt> removal_;  // of that name
 };
+
+void write_to(Sibling_File& sibling, fs::path const& target,
+              std::function<void(std::ostream&)> const& write) {
+    int const descriptor = ::fcntl(sibling.descriptor(), F_DUPFD_CLOEXEC, 0);
+    if (descriptor < 0) cannot_write(target, errno);
+    __gnu_cxx::stdio_filebuf<char> buffer(descriptor, std::ios::out | std::ios::binary);
+    write_to(buffer, target, write);
+}
 
 }  // namespace
 
-void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write) {
+void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
+                Temporary kind) {
     std::error_code      error;
     auto const           status = fs::status(named_target, error);
     Ignored_Signal const file_too_large(SIGXFSZ);
     if (fs::is_directory(status)) cannot_write(named_target, EISDIR);
     if (fs::exists(status) && !fs::is_regular_file(status))
-        return write_to(named_target, named_target, write);
-    auto const                 target = without_links(named_target);
-    Sibling_File               sibling(target);
-    Removal_On_Interrupt const removal(sibling.path());
-    write_to(sibling.path(), named_target, write);
+        return write_directly(named_target, write);
+    Sibling_File sibling(without_links(named_target), kind);
+    write_to(sibling, named_target, write);
     sibling.take_place();
 }
 

@@ -7,11 +7,15 @@
 
 namespace bradep {
 
-// Writes a new file beside `target` and renames it onto `target` once all of it is on the disk, so
-// that a failure leaves neither a new nor a changed file. A link is followed; a target that is no
-// regular file (a pipe, a device) is written to directly. Throws Io_Failure.
+// What a file is until all of it is written. Named: also where the file system could do without.
+enum class Temporary { unnamed_where_possible, named };
+
+// Writes a new file beside `target` that takes the place of `target` once all of it is on the disk,
+// so that a failure leaves neither a new nor a changed file. A link is followed; a target that is
+// no regular file (a pipe, a device) is written to directly. Throws Io_Failure.
 void write_file(std::filesystem::path const&              target,
-                std::function<void(std::ostream&)> const& write);
+                std::function<void(std::ostream&)> const& write,
+                Temporary                                 kind = Temporary::unnamed_where_possible);
 
 // The same for a `write` that seeks; "-" is `standard_output`. A target that can't seek gets all of
 // it at the end.

@@ -1,5 +1,6 @@
 #include "output_file.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -15,20 +16,44 @@
 namespace {
 
 using namespace cli_test;
-using bradep::write_file;
+using bradep::Temporary;
 using Names = std::vector<std::string>;
 
 auto text(std::string const& bytes) {
     return [bytes](std::ostream& out) { out << bytes; };
 }
 
-std::string failure_of_writing(fs::path const& target, std::string const& bytes = "new") {
-    try {
-        write_file(target, text(bytes));
-    } catch (bradep::Io_Failure const& failure) {
-        return failure.what();
+// Both ways to keep a file apart until it is whole.
+class OutputFile : public ::testing::TestWithParam<Temporary> {
+protected:
+    static void write_file(fs::path const&                           target,
+                           std::function<void(std::ostream&)> const& write) {
+        bradep::write_file(target, write, GetParam());
     }
-    return "nothing";
+
+    static std::string failure_of_writing(fs::path const&    target,
+                                          std::string const& bytes = "new") {
+        try {
+            write_file(target, text(bytes));
+        } catch (bradep::Io_Failure const& failure) {
+            return failure.what();
+        }
+        return "nothing";
+    }
+};
+
+std::string name_of(::testing::TestParamInfo<Temporary> const& kind) {
+    return kind.param == Temporary::named ? "Named" : "Unnamed";
+}
+
+INSTANTIATE_TEST_SUITE_P(Temporary, OutputFile,
+                         ::testing::Values(Temporary::unnamed_where_possible, Temporary::named),
+                         name_of);
+
+bool has_unnamed_files(fs::path const& directory) {
+    int const descriptor = ::open(directory.c_str(), O_TMPFILE | O_RDWR, 0600);
+    if (descriptor >= 0) ::close(descriptor);
+    return descriptor >= 0;
 }
 
 // What `action` returns in a process of its own, whose limits and rights it may change.
@@ -46,14 +71,14 @@ mode_t mode_of(fs::path const& path) {
     return status.st_mode & 07777;
 }
 
-TEST(OutputFile, IsWholeAndAlone) {
+TEST_P(OutputFile, IsWholeAndAlone) {
     Scratch const scratch;
     write_file(scratch / "out", text("bytes"));
     EXPECT_EQ(bytes_of(scratch / "out"), "bytes");
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, ReplacesAFileAndKeepsItsMode) {
+TEST_P(OutputFile, ReplacesAFileAndKeepsItsMode) {
     Scratch const scratch;
     write_bytes(scratch / "out", "a longer text than the new one");
     ::chmod((scratch / "out").c_str(), 0640);
@@ -62,7 +87,7 @@ TEST(OutputFile, ReplacesAFileAndKeepsItsMode) {
     EXPECT_EQ(mode_of(scratch / "out"), 0640U);
 }
 
-TEST(OutputFile, NewFileHasTheModeThatTheProcessGives) {
+TEST_P(OutputFile, NewFileHasTheModeThatTheProcessGives) {
     Scratch const scratch;
     auto const    before = ::umask(027);
     write_file(scratch / "out", text("new"));
@@ -70,18 +95,42 @@ TEST(OutputFile, NewFileHasTheModeThatTheProcessGives) {
     EXPECT_EQ(mode_of(scratch / "out"), 0640U);
 }
 
-TEST(OutputFile, StandsBesideTheTargetWhileItIsWritten) {
+TEST_P(OutputFile, StandsBesideTheTargetWhileItIsWritten) {
     Scratch const scratch;
+    bool const    unnamed = GetParam() != Temporary::named && has_unnamed_files(scratch.path());
     write_bytes(scratch / "out", "old");
     write_file(scratch / "out", [&](std::ostream& out) {
         out << "new" << std::flush;
         EXPECT_EQ(bytes_of(scratch / "out"), "old");
-        EXPECT_EQ(scratch.names().size(), 2U);
+        EXPECT_EQ(scratch.names().size(), unnamed ? 1U : 2U);
     });
     EXPECT_EQ(bytes_of(scratch / "out"), "new");
+    EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, AWriterThatThrowsLeavesTheOldFile) {
+TEST_P(OutputFile, AFileMadeMeanwhileIsReplaced) {
+    Scratch const scratch;
+    write_file(scratch / "out", [&](std::ostream& out) {
+        out << "new";
+        write_bytes(scratch / "out", "another's");
+    });
+    EXPECT_EQ(bytes_of(scratch / "out"), "new");
+    EXPECT_EQ(scratch.names(), Names{"out"});
+}
+
+TEST_P(OutputFile, MayBeSeekedIn) {
+    Scratch const scratch;
+    write_file(scratch / "out", [](std::ostream& out) {
+        out << "0123456789" << std::flush;
+        out.seekp(3);
+        out << "x";
+        out.seekp(10);
+        out << "end";
+    });
+    EXPECT_EQ(bytes_of(scratch / "out"), "012x456789end");
+}
+
+TEST_P(OutputFile, AWriterThatThrowsLeavesTheOldFile) {
     Scratch const scratch;
     write_bytes(scratch / "out", "old");
     auto const half = [](std::ostream& out) {
@@ -95,7 +144,7 @@ TEST(OutputFile, AWriterThatThrowsLeavesTheOldFile) {
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, AnInterruptLeavesTheOldFile) {
+TEST_P(OutputFile, AnInterruptLeavesTheOldFile) {
     Scratch const scratch;
     write_bytes(scratch / "out", "old");
     int const code = in_a_child([&] {
@@ -110,7 +159,26 @@ TEST(OutputFile, AnInterruptLeavesTheOldFile) {
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, AFileThatOutgrowsItsLimitLeavesTheOldFile) {
+// With a name of its own it can't but stay.
+TEST_P(OutputFile, AKillLeavesTheOldFileAlone) {
+    for (char const* const name : {"out", "none"}) {
+        Scratch const scratch;
+        write_bytes(scratch / "out", "old");
+        bool const unnamed = GetParam() != Temporary::named && has_unnamed_files(scratch.path());
+        int const  code = in_a_child([&] {
+            write_file(scratch / name, [](std::ostream& out) {
+                out << "half" << std::flush;
+                ::raise(SIGKILL);
+            });
+            return 0;
+        });
+        EXPECT_EQ(code, 128 + SIGKILL);
+        EXPECT_EQ(bytes_of(scratch / "out"), "old");
+        EXPECT_EQ(scratch.names().size(), unnamed ? 1U : 2U);
+    }
+}
+
+TEST_P(OutputFile, AFileThatOutgrowsItsLimitLeavesTheOldFile) {
     Scratch const scratch;
     write_bytes(scratch / "out", "old");
     int const code = in_a_child([&] {
@@ -124,7 +192,7 @@ TEST(OutputFile, AFileThatOutgrowsItsLimitLeavesTheOldFile) {
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, DirectoryWithoutWriteRightsStaysAsItWas) {
+TEST_P(OutputFile, DirectoryWithoutWriteRightsStaysAsItWas) {
     Scratch const scratch;
     write_bytes(scratch / "out", "old");
     ::chmod(scratch.path().c_str(), 0555);
@@ -140,28 +208,28 @@ TEST(OutputFile, DirectoryWithoutWriteRightsStaysAsItWas) {
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-TEST(OutputFile, FullDiskIsAFailureAndTheDeviceStays) {
+TEST_P(OutputFile, FullDiskIsAFailureAndTheDeviceStays) {
     EXPECT_EQ(failure_of_writing("/dev/full"), "cannot write /dev/full: No space left on device");
     struct stat status {};
     ASSERT_EQ(::stat("/dev/full", &status), 0);
     EXPECT_TRUE(S_ISCHR(status.st_mode));
 }
 
-TEST(OutputFile, TargetThatIsADirectoryIsAFailure) {
+TEST_P(OutputFile, TargetThatIsADirectoryIsAFailure) {
     Scratch const scratch;
     EXPECT_EQ(failure_of_writing(scratch.path()),
               "cannot write " + scratch.path().string() + ": Is a directory");
     EXPECT_EQ(scratch.names(), Names{});
 }
 
-TEST(OutputFile, DirectoryThatIsNotThereIsAFailure) {
+TEST_P(OutputFile, DirectoryThatIsNotThereIsAFailure) {
     Scratch const scratch;
     EXPECT_EQ(failure_of_writing(scratch / "none/out"),
               "cannot write " + (scratch / "none/out").string() + ": No such file or directory");
     EXPECT_EQ(failure_of_writing(""), "cannot write : No such file or directory");
 }
 
-TEST(OutputFile, LinkIsFollowed) {
+TEST_P(OutputFile, LinkIsFollowed) {
     Scratch const scratch;
     fs::create_directory(scratch / "below");
     write_bytes(scratch / "below/real", "old");
@@ -181,7 +249,7 @@ TEST(OutputFile, LinkIsFollowed) {
     EXPECT_TRUE(fs::is_symlink(scratch / "loop"));
 }
 
-TEST(OutputFile, PipeIsWrittenTo) {
+TEST_P(OutputFile, PipeIsWrittenTo) {
     Scratch const scratch;
     ASSERT_EQ(::mkfifo((scratch / "pipe").c_str(), 0600), 0);
     auto const child = ::fork();
@@ -194,7 +262,7 @@ TEST(OutputFile, PipeIsWrittenTo) {
     EXPECT_EQ(scratch.names(), Names{"pipe"});
 }
 
-TEST(OutputFile, StandardOutputByItsNameIsWrittenTo) {
+TEST(ImportCommand, StandardOutputByItsNameIsWrittenTo) {
     Scratch const scratch;
     auto const    command = "'" BRADEP_COMMAND "' import '" + fixture("flows.sarif").string() +
                          "' -o /dev/stdout | '" BRADEP_COMMAND "' show --json - > '" +

@@ -19,6 +19,7 @@ struct Options {
     std::vector<std::string> inputs;
     std::string              output;
     std::uint64_t            max_size = default_max_size;
+    sarif::Limits            limits;
 };
 
 void refuse_overwriting_an_input(Options const& options) {
@@ -35,8 +36,9 @@ void import_logs(Options const& options, Streams& streams) {
     auto&      run_count = set.application_results.first_int;
     for (auto const& input : options.inputs) {
         Input_Bytes const text(input, options.max_size, streams.in);
-        run_count += sarif::read_log(text.view(), input_name(input), run_count,
-                                     [&](sarif::Result&& result) { add_result(result, set); });
+        run_count += sarif::read_log(
+            text.view(), input_name(input), run_count,
+            [&](sarif::Result&& result) { add_result(result, set); }, options.limits);
     }
     auto const write = [&](std::ostream& out) {
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);
@@ -60,6 +62,10 @@ Action declare_import(CLI::App& app) {
         ->required()
         ->type_name("FILE");
     declare_max_size(app, options->max_size);
+    declare_size(app, "--max-message", options->limits.message,
+                 "Bytes of a message that is put together from a text and arguments");
+    declare_size(app, "--max-expansion", options->limits.expansion,
+                 "Bytes of a log's texts, each counted wherever a result refers to it");
     return [options](Streams& streams) {
         import_logs(*options, streams);
         return exit_done;

@@ -133,16 +133,24 @@ json::array const* list(json::value const& object, std::string_view name) {
     return &value->get_array();
 }
 
-std::string text_of(json::value const& value) {
+std::string_view view_of(json::value const& value) {
     auto const* string = value.if_string();
     if (!string) misfit(value, "a string");
-    return std::string(string->begin(), string->end());
+    return *string;
 }
 
-std::optional<std::string> text(json::value const& object, std::string_view name) {
+std::optional<std::string_view> view(json::value const& object, std::string_view name) {
     auto const* value = member(object, name);
     if (!value) return std::nullopt;
-    return text_of(*value);
+    return view_of(*value);
+}
+
+std::string text_of(json::value const& value) { return std::string(view_of(value)); }
+
+std::optional<std::string> text(json::value const& object, std::string_view name) {
+    auto const found = view(object, name);
+    if (!found) return std::nullopt;
+    return std::string(*found);
 }
 
 std::optional<std::int32_t> number(json::value const& object, std::string_view name) {

@@ -44,4 +44,8 @@ std::optional<std::size_t> index(json::value const& object, std::string_view nam
 
 std::string text_of(json::value const& value);
 
+// The same without a copy: a view into the document.
+std::optional<std::string_view> view(json::value const& object, std::string_view name);
+std::string_view                view_of(json::value const& value);
+
 }  // namespace bradep::json_input

@@ -1,5 +1,7 @@
 #include "json_line.hpp"
 
+#include <string_view>
+
 #include "printable.hpp"
 
 namespace bradep {
@@ -7,33 +9,75 @@ namespace {
 
 using sarif::Place;
 using sarif::Result;
+using sarif::Text;
 
-std::string json_of(std::string const& text) { return json_string(text); }
-std::string json_of(std::int32_t number) { return std::to_string(number); }
+// JSON on its way out. Results share their texts, so that a line can be far longer than all of its
+// set: it is never held as a whole.
+class Json_Output {
+public:
+    explicit Json_Output(std::ostream& out) : out_(out) {}
+
+    Json_Output& operator<<(std::string_view json) {
+        json_ += json;
+        if (json_.size() >= flushed_at) flush();
+        return *this;
+    }
+
+    void flush() {
+        out_ << json_;
+        json_.clear();
+    }
+
+private:
+    static constexpr std::size_t flushed_at = std::size_t{1} << 16;
+
+    std::ostream& out_;
+    std::string   json_;
+};
+
+void write(Json_Output& out, std::string const& text) { out << json_string(text); }
+void write(Json_Output& out, Text const& text) { write(out, text.str()); }
+void write(Json_Output& out, std::int32_t number) { out << std::to_string(number); }
 
 class Json_Object {
 public:
+    explicit Json_Object(Json_Output& out) : out_(out) { out_ << "{"; }
+    void end() { out_ << "}"; }
+
+    // The value is to come.
+    Json_Output& member(std::string const& name) {
+        out_ << (is_empty_ ? "" : ",");
+        is_empty_ = false;
+        write(out_, name);
+        return out_ << ":";
+    }
     template <typename T>
     void add(char const* name, std::optional<T> const& value) {
-        if (value) add_raw(name, json_of(*value));
+        if (value) add(name, *value);
     }
-    void add(char const* name, std::string const& value) { add_raw(name, json_of(value)); }
-    void add(char const* name, std::int32_t value) { add_raw(name, json_of(value)); }
-    void add_raw(std::string const& name, std::string const& json) {
-        text_ += (text_.empty() ? "" : ",") + json_string(name) + ":" + json;
-    }
-    bool        empty() const { return text_.empty(); }
-    std::string str() const { return "{" + text_ + "}"; }
+    void add(char const* name, Text const& value) { write(member(name), value); }
+    void add(char const* name, std::int32_t value) { write(member(name), value); }
 
 private:
-    std::string text_;
+    Json_Output& out_;
+    bool         is_empty_ = true;
 };
 
-template <typename List, typename Form>
-std::string json_list(List const& list, Form form) {
-    std::string text;
-    for (auto const& element : list) text += (text.empty() ? "" : ",") + form(element);
-    return "[" + text + "]";
+template <typename List, typename Write>
+void write_list(Json_Output& out, List const& list, Write const& write_element) {
+    char const* comma = "";
+    out << "[";
+    for (auto const& element : list) {
+        out << comma;
+        write_element(out, element);
+        comma = ",";
+    }
+    out << "]";
+}
+
+template <typename List, typename Write>
+void add_list(Json_Object& object, char const* name, List const& list, Write const& write_element) {
+    if (!list.empty()) write_list(object.member(name), list, write_element);
 }
 
 void add_place(Json_Object& object, Place const& place) {
@@ -45,61 +89,70 @@ void add_place(Json_Object& object, Place const& place) {
     object.add("endColumn", place.end_column);
 }
 
-std::string json_place(Place const& place) {
-    Json_Object object;
+void write_place(Json_Output& out, Place const& place) {
+    Json_Object object(out);
     add_place(object, place);
-    return object.str();
+    object.end();
 }
 
-std::string json_related(sarif::Related_Place const& related) {
-    Json_Object object;
+void write_related(Json_Output& out, sarif::Related_Place const& related) {
+    Json_Object object(out);
     object.add("id", related.id);
     add_place(object, related.place);
     object.add("message", related.message);
-    return object.str();
+    object.end();
 }
 
-std::string json_step(sarif::Step const& step) {
+void write_step(Json_Output& out, sarif::Step const& step) {
     auto const  place = step.place.value_or(Place{});
-    Json_Object object;
+    Json_Object object(out);
     object.add("uri", place.uri);
     object.add("line", place.line);
     object.add("column", place.column);
     object.add("message", step.message);
-    return object.str();
+    object.end();
 }
 
-std::string json_flow(sarif::Code_Flow const& flow) {
-    return json_list(flow, [](auto const& thread) { return json_list(thread, json_step); });
+void write_thread(Json_Output& out, sarif::Thread_Flow const& thread) {
+    write_list(out, thread, write_step);
+}
+
+void write_flow(Json_Output& out, sarif::Code_Flow const& flow) {
+    write_list(out, flow, write_thread);
 }
 
 // A log may use one name in both families; the complete fingerprint is the stronger one.
-std::string json_fingerprints(Result const& result) {
+void add_fingerprints(Json_Object& line, Result const& result) {
     auto all = result.fingerprints;
     all.insert(result.partial_fingerprints.begin(), result.partial_fingerprints.end());
-    Json_Object object;
-    for (auto const& [name, value] : all) object.add_raw(name, json_string(value));
-    return object.empty() ? "" : object.str();
+    if (all.empty()) return;
+    Json_Object object(line.member("fingerprints"));
+    for (auto const& [name, value] : all) write(object.member(name.str()), value);
+    object.end();
 }
 
 }  // namespace
 
 void write_json_line(std::ostream& out, std::string const& uri, std::int32_t ordinal,
                      Result const& result) {
-    Json_Object object;
-    object.add_raw("key", "[" + json_of(uri) + "," + json_of(ordinal) + "]");
-    object.add("run", result.run);
-    object.add("tool", result.tool);
-    object.add("rule", result.rule);
-    object.add("level", result.level);
-    object.add("message", result.message);
-    if (!result.locations.empty())
-        object.add_raw("locations", json_list(result.locations, json_place));
-    if (!result.related.empty()) object.add_raw("related", json_list(result.related, json_related));
-    if (!result.flows.empty()) object.add_raw("flows", json_list(result.flows, json_flow));
-    if (auto const fingerprints = json_fingerprints(result); !fingerprints.empty())
-        object.add_raw("fingerprints", fingerprints);
-    out << object.str() << '\n';
+    Json_Output json(out);
+    Json_Object line(json);
+    auto&       key = line.member("key") << "[";
+    write(key, uri);
+    write(key << ",", ordinal);
+    key << "]";
+    line.add("run", result.run);
+    line.add("tool", result.tool);
+    line.add("rule", result.rule);
+    line.add("level", result.level);
+    line.add("message", result.message);
+    add_list(line, "locations", result.locations, write_place);
+    add_list(line, "related", result.related, write_related);
+    add_list(line, "flows", result.flows, write_flow);
+    add_fingerprints(line, result);
+    line.end();
+    json << "\n";
+    json.flush();
 }
 
 }  // namespace bradep

@@ -1,14 +1,17 @@
 #include "message_format.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <system_error>
 
 namespace bradep::sarif {
 namespace {
 
+using Arguments = std::vector<std::string_view>;
+
 // The argument that a placeholder at the start of `rest` names, and in `length` how long it is.
-std::string const* placeholder(std::string_view rest, std::vector<std::string> const& arguments,
-                               std::size_t& length) {
+std::string_view const* placeholder(std::string_view rest, Arguments const& arguments,
+                                    std::size_t& length) {
     auto const end = rest.find_first_not_of("0123456789", 1);
     if (end == std::string_view::npos || end == 1 || rest[end] != '}') return nullptr;
     std::size_t number = 0;
@@ -18,21 +21,32 @@ std::string const* placeholder(std::string_view rest, std::vector<std::string> c
     return &arguments[number];
 }
 
+// What stands for the start of `rest`, and in `length` how much of it.
+std::string_view next_piece(std::string_view rest, Arguments const& arguments,
+                            std::size_t& length) {
+    auto const plain = std::min(rest.find_first_of("{}"), rest.size());
+    length = plain;
+    if (plain > 0) return rest.substr(0, plain);
+    if (rest.starts_with("{{") || rest.starts_with("}}")) {
+        length = 2;
+        return rest.substr(0, 1);
+    }
+    length = 1;
+    auto const* const argument =
+        rest.front() == '{' ? placeholder(rest, arguments, length) : nullptr;
+    return argument != nullptr ? *argument : rest.substr(0, 1);
+}
+
 }  // namespace
 
-std::string formatted_message(std::string_view pattern, std::vector<std::string> const& arguments) {
+std::optional<std::string> formatted_message(std::string_view pattern, Arguments const& arguments,
+                                             std::uint64_t most) {
     std::string message;
     while (!pattern.empty()) {
-        std::size_t length = 1;
-        if (pattern.starts_with("{{") || pattern.starts_with("}}")) {
-            message += pattern.front();
-            length = 2;
-        } else if (auto const* argument =
-                       pattern.front() == '{' ? placeholder(pattern, arguments, length) : nullptr) {
-            message += *argument;
-        } else {
-            message += pattern.front();
-        }
+        std::size_t length = 0;
+        auto const  piece = next_piece(pattern, arguments, length);
+        if (piece.size() > most - message.size()) return std::nullopt;
+        message += piece;
         pattern.remove_prefix(length);
     }
     return message;

@@ -10,6 +10,7 @@ namespace {
 
 using sarif::Place;
 using sarif::Result;
+using sarif::Text;
 using sml::Strings_T;
 using Check = sml::Checks::T_A_Check;
 using Event = sml::Events::T_An_Event;
@@ -45,23 +46,11 @@ constexpr char const* related_id = "id";
 constexpr char const* complete_fingerprint = "fingerprints";
 constexpr char const* partial_fingerprint = "partialFingerprints";
 
-Strings_T interned(std::optional<std::string> const& text) {
-    return text ? Strings_T(*text) : Strings_T();
-}
+Text or_empty(std::optional<Text> const& text) { return text.value_or(Text()); }
 
-std::optional<Strings_T> interned_if_given(std::optional<std::string> const& text) {
-    if (!text) return std::nullopt;
-    return Strings_T(*text);
-}
-
-std::optional<std::string> text_if(bool given, Strings_T const& handle) {
+std::optional<Text> text_if(bool given, Text const& text) {
     if (!given) return std::nullopt;
-    return handle.str();
-}
-
-std::optional<std::string> text_if_given(std::optional<Strings_T> const& handle) {
-    if (!handle) return std::nullopt;
-    return handle->str();
+    return text;
 }
 
 // The end of a place in one word: its line in the upper half, its column in the lower.
@@ -84,7 +73,7 @@ Source_Ref source_ref_of(Place const& place) {
     Source_Ref reference;
     reference.kind = given;
     reference.localization.first_position = place.line.value_or(0);
-    reference.localization.file = interned(place.uri);
+    reference.localization.file = or_empty(place.uri);
     reference.localization.second_position = place.column.value_or(0);
     reference.reference = packed_end(place);
     return reference;
@@ -115,11 +104,11 @@ Numbered_Key next_key(Numbers& numbers, Strings_T const& uri) {
 void add_event(sarif::Step const& step, std::int32_t run, Failure& failure, Result_Set& set) {
     auto&      tables = set.application_results;
     auto const place = step.place.value_or(Place{});
-    auto const key = next_key(tables.event_numbers, interned(place.uri));
+    auto const key = next_key(tables.event_numbers, or_empty(place.uri));
     Event&     event = tables.events[key];
-    event.optional_string = interned_if_given(step.message);
-    event.signature.qualified_signature.qualified_name.name = interned(place.logical);
-    event.first_string = interned(place.base);
+    event.optional_string = step.message;
+    event.signature.qualified_signature.qualified_name.name = or_empty(place.logical);
+    event.first_string = or_empty(place.base);
     event.first_int = run;
     event.kind->choose<"DEFECT_EVENT">();
     if (step.place) event.source_ref = source_ref_of(place);
@@ -130,7 +119,7 @@ sarif::Step restored_step(Event const& event) {
     sarif::Step step;
     auto const& logical = event.signature.qualified_signature.qualified_name.name;
     step.place = place_of(event.source_ref, event.first_string, logical);
-    step.message = text_if_given(event.optional_string);
+    step.message = event.optional_string;
     return step;
 }
 
@@ -217,23 +206,23 @@ Info& add_info(char const* role, std::size_t position, Numbered_Key const& check
 
 void set_place(Info& info, Place const& place) {
     info.location = source_ref_of(place);
-    info.third_string = interned(place.logical);
-    info.fourth_string = interned(place.base);
+    info.third_string = or_empty(place.logical);
+    info.fourth_string = or_empty(place.base);
 }
 
-void set_text(Info& info, std::optional<std::string> const& text) {
+void set_text(Info& info, std::optional<Text> const& text) {
     info.flag = text.has_value();
-    info.category.arm<"TOOLTIP_INFO">().tooltip = interned(text);
+    info.category.arm<"TOOLTIP_INFO">().tooltip = or_empty(text);
 }
 
 void add_infos(Result const& result, Numbered_Key const& check, Result_Set& set) {
     for (std::size_t i = 1; i < result.locations.size(); ++i) {
         auto const& place = result.locations[i];
-        set_place(add_info(further_location, i, check, interned(place.uri), set), place);
+        set_place(add_info(further_location, i, check, or_empty(place.uri), set), place);
     }
     for (std::size_t i = 0; i < result.related.size(); ++i) {
         auto const& related = result.related[i];
-        Info&       info = add_info(related_location, i, check, interned(related.place.uri), set);
+        Info&       info = add_info(related_location, i, check, or_empty(related.place.uri), set);
         set_place(info, related.place);
         set_text(info, related.message);
         if (related.id) info.string_and_int.emplace(Strings_T(related_id), *related.id);
@@ -242,7 +231,7 @@ void add_infos(Result const& result, Numbered_Key const& check, Result_Set& set)
         Info& info = add_info(suppression_role, i, check, check.first, set);
         set_text(info, result.suppressions[i].status);
         if (result.suppressions[i].kind)
-            info.string_and_int.emplace(Strings_T(*result.suppressions[i].kind), 0);
+            info.string_and_int.emplace(*result.suppressions[i].kind, 0);
     }
 }
 
@@ -276,26 +265,26 @@ void restore_info(Info const& info, Result& result) {
     } else if (info.first_string.str() == suppression_role) {
         auto& one = result.suppressions.emplace_back();
         one.status = text();
-        if (info.string_and_int) one.kind = info.string_and_int->first.str();
+        if (info.string_and_int) one.kind = info.string_and_int->first;
     }
 }
 
 void fill_check(Result const& result, Check& check, Result_Set& set) {
-    check.first_string = interned(result.tool);
+    check.first_string = or_empty(result.tool);
     check.first_int = result.run;
     check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message =
-        interned(result.message);
+        or_empty(result.message);
     if (result.tool) check.second_int |= given_tool;
     if (result.tool_version) check.second_int |= given_tool_version;
     if (result.message) check.second_int |= given_message;
     if (result.baseline_state) check.second_int |= given_baseline_state;
-    check.optional_string = interned_if_given(result.rule);
-    check.second_string = interned(result.tool_version);
-    check.third_string = Strings_T(result.level);
-    check.fourth_string = Strings_T(result.kind);
-    check.sixth_string = interned(result.baseline_state);
+    check.optional_string = result.rule;
+    check.second_string = or_empty(result.tool_version);
+    check.third_string = result.level;
+    check.fourth_string = result.kind;
+    check.sixth_string = or_empty(result.baseline_state);
     if (!result.locations.empty()) {
-        check.fifth_string = interned(result.locations.front().base);
+        check.fifth_string = or_empty(result.locations.front().base);
         check.source_ref = source_ref_of(result.locations.front());
     }
     if (!result.flows.empty()) check.failure = failure_of(result, set);
@@ -306,8 +295,8 @@ void add_fingerprints(sarif::Fingerprints const& fingerprints, char const* famil
     for (auto const& [name, value] : fingerprints) {
         sml::PackagedPrettySignature::T signature;
         signature.package = Strings_T(family);
-        signature.qualified_signature.qualified_name.name = Strings_T(name);
-        form.signature_locations.insert({form.localization, {signature, Strings_T(value)}});
+        signature.qualified_signature.qualified_name.name = name;
+        form.signature_locations.insert({form.localization, {signature, value}});
     }
 }
 
@@ -319,7 +308,7 @@ void fill_form(Result const& result, Numbered_Key const& key, Check const& check
     form.third_optional_int = place.end_line;
     form.fourth_optional_int = place.end_column;
     form.first_optional_name = check.optional_string;
-    form.second_optional_name = interned_if_given(place.logical);
+    form.second_optional_name = place.logical;
     form.classification.classification_class =
         sml::Results_API_base::GUI_Check_Classification_base::UNCLASSIFIED;
     form.first_int = result.run;
@@ -336,7 +325,7 @@ void restore_form(Check_Form const& form, Result& result) {
         auto const& [signature, value] = fingerprint;
         bool const partial = signature.package.str() == partial_fingerprint;
         auto&      family = partial ? result.partial_fingerprints : result.fingerprints;
-        family[signature.qualified_signature.qualified_name.name.str()] = value.str();
+        family[signature.qualified_signature.qualified_name.name] = value;
     }
 }
 
@@ -349,9 +338,9 @@ void restore_check(Check const& check, Check_Form const& form, Result& result) {
     result.run = check.first_int;
     result.tool = text_if(check.second_int & given_tool, check.first_string);
     result.tool_version = text_if(check.second_int & given_tool_version, check.second_string);
-    result.rule = text_if_given(check.optional_string);
-    result.level = check.third_string.str();
-    result.kind = check.fourth_string.str();
+    result.rule = check.optional_string;
+    result.level = check.third_string;
+    result.kind = check.fourth_string;
     result.message = text_if(check.second_int & given_message, message_arm(check));
     result.baseline_state = text_if(check.second_int & given_baseline_state, check.sixth_string);
     auto const logical = form.second_optional_name.value_or(Strings_T());
@@ -364,7 +353,7 @@ void restore_check(Check const& check, Check_Form const& form, Result& result) {
 void add_result(Result const& result, Result_Set& set) {
     auto&      tables = set.application_results;
     auto const uri = result.locations.empty() ? std::nullopt : result.locations.front().uri;
-    auto const key = next_key(tables.check_numbers, interned(uri));
+    auto const key = next_key(tables.check_numbers, or_empty(uri));
     Check&     check = tables.checks[key];
     fill_check(result, check, set);
     add_infos(result, key, set);

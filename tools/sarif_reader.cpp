@@ -1,5 +1,7 @@
 #include "sarif_reader.hpp"
 
+#include <limits>
+
 #include "errors.hpp"
 #include "json_input.hpp"
 #include "sarif_run.hpp"
@@ -22,10 +24,15 @@ json::array const& runs_of(json::value const& log) {
     return *runs;
 }
 
-std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink) {
-    std::int32_t count = 0;
+std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink,
+                       Limits const& limits) {
+    constexpr auto most = std::numeric_limits<std::int32_t>::max();
+    Expansion      expansion(limits);
+    std::int32_t   count = 0;
     for (auto const& given : runs_of(log)) {
-        Run const run(given, first_run + count++);
+        if (count == most - first_run)
+            throw Misfit{&given, "there are more than " + std::to_string(most) + " runs"};
+        Run run(given, first_run + count++, expansion);
         if (!run.results()) continue;
         for (auto const& result : *run.results()) sink(run.resolve(result));
     }
@@ -41,10 +48,10 @@ std::string place_name(json_input::Document const& document, json::value const& 
 }  // namespace
 
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink) {
+                      Result_Sink const& sink, Limits const& limits) {
     json_input::Document const document(text, name);
     try {
-        return read_runs(document.root(), first_run, sink);
+        return read_runs(document.root(), first_run, sink, limits);
     } catch (Misfit const& misfit) {
         throw Damaged_Input(name + ":" + place_name(document, *misfit.where) + ": " + misfit.what);
     }

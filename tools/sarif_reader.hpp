@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "sarif_limits.hpp"
 #include "sarif_result.hpp"
 
 namespace bradep::sarif {
@@ -17,6 +18,6 @@ using Result_Sink = std::function<void(Result&&)>;
 // and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
 // not SARIF. Results handed over before that are to be thrown away.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink);
+                      Result_Sink const& sink, Limits const& limits = {});
 
 }  // namespace bradep::sarif

@@ -8,16 +8,21 @@
 #include <string>
 #include <vector>
 
+#include "core/Strings.hpp"
+
 namespace bradep::sarif {
 
+// Copies share the text: what a result refers to many times stands in memory once.
+using Text = sml::Strings_T;
+
 struct Place {
-    std::optional<std::string>  uri;   // as written: neither decoded nor joined with its base
-    std::optional<std::string>  base;  // uriBaseId
+    std::optional<Text>         uri;   // as written: neither decoded nor joined with its base
+    std::optional<Text>         base;  // uriBaseId
     std::optional<std::int32_t> line;
     std::optional<std::int32_t> column;
     std::optional<std::int32_t> end_line;
     std::optional<std::int32_t> end_column;
-    std::optional<std::string>  logical;  // name of the first logical location
+    std::optional<Text>         logical;  // name of the first logical location
 
     bool operator==(Place const&) const = default;
 };
@@ -25,44 +30,49 @@ struct Place {
 struct Related_Place {
     Place                       place;
     std::optional<std::int32_t> id;
-    std::optional<std::string>  message;
+    std::optional<Text>         message;
 
     bool operator==(Related_Place const&) const = default;
 };
 
 struct Step {
-    std::optional<Place>       place;
-    std::optional<std::string> message;
+    std::optional<Place> place;
+    std::optional<Text>  message;
 
     bool operator==(Step const&) const = default;
 };
 
 struct Suppression {
-    std::optional<std::string> kind;
-    std::optional<std::string> status;
+    std::optional<Text> kind;
+    std::optional<Text> status;
 
     bool operator==(Suppression const&) const = default;
 };
 
 using Thread_Flow = std::vector<Step>;
 using Code_Flow = std::vector<Thread_Flow>;
-using Fingerprints = std::map<std::string, std::string>;
+
+// Alphabetical, unlike the order of texts themselves.
+struct Alphabetical {
+    bool operator()(Text const& a, Text const& b) const { return !(a == b) && a.str() < b.str(); }
+};
+using Fingerprints = std::map<Text, Text, Alphabetical>;
 
 struct Result {
     std::int32_t               run = 0;
-    std::optional<std::string> tool;
-    std::optional<std::string> tool_version;
-    std::optional<std::string> rule;
-    std::string                level;
-    std::string                kind;
-    std::optional<std::string> message;
+    std::optional<Text>        tool;
+    std::optional<Text>        tool_version;
+    std::optional<Text>        rule;
+    Text                       level;
+    Text                       kind;
+    std::optional<Text>        message;
     std::vector<Place>         locations;
     std::vector<Related_Place> related;
     std::vector<Code_Flow>     flows;
     Fingerprints               fingerprints;
     Fingerprints               partial_fingerprints;
     std::vector<Suppression>   suppressions;
-    std::optional<std::string> baseline_state;
+    std::optional<Text>        baseline_state;
 
     bool operator==(Result const&) const = default;
 };

@@ -20,65 +20,39 @@ json::value const* element(json::array const* list, std::size_t at) {
     throw Misfit{value, "index " + json::serialize(*value) + " points outside " + list_name};
 }
 
-json::value const* find_guid(json::array const* list, std::string const& guid) {
-    if (!list) return nullptr;
-    for (auto const& candidate : *list)
-        if (text(candidate, "guid") == guid) return &candidate;
-    return nullptr;
+std::optional<std::string_view> first_given(std::optional<std::string_view> first,
+                                            std::optional<std::string_view> second) {
+    return first ? first : second;
 }
 
-std::optional<std::string> first_given(std::optional<std::string> first,
-                                       std::optional<std::string> second) {
-    return first ? std::move(first) : std::move(second);
-}
-
-std::vector<std::string> arguments_of(json::value const& message) {
-    std::vector<std::string> arguments;
+std::vector<std::string_view> arguments_of(json::value const& message) {
+    std::vector<std::string_view> arguments;
     if (auto const* given = list(message, "arguments"))
-        for (auto const& argument : *given) arguments.push_back(text_of(argument));
+        for (auto const& argument : *given) arguments.push_back(view_of(argument));
     return arguments;
 }
 
-std::optional<std::string> entry_text(json::value const* holder, std::string_view table,
-                                      std::string const& id) {
+std::optional<std::string_view> entry_text(json::value const* holder, std::string_view table,
+                                           std::string_view id) {
     auto const* strings = holder ? member(*holder, table) : nullptr;
     auto const* entry = strings ? member(*strings, id) : nullptr;
     if (!entry) return std::nullopt;
-    return first_given(text(*entry, "text"), text(*entry, "markdown"));
+    return first_given(view(*entry, "text"), view(*entry, "markdown"));
 }
 
-Fingerprints fingerprints_of(json::value const& result, std::string_view name) {
-    Fingerprints fingerprints;
-    auto const*  given = member(result, name);
-    if (!given) return fingerprints;
-    if (!given->is_object()) throw Misfit{given, "expected an object"};
-    for (auto const& entry : given->get_object())
-        if (!entry.value().is_null())
-            fingerprints.insert_or_assign(std::string(entry.key()), text_of(entry.value()));
-    return fingerprints;
-}
-
-std::vector<Suppression> suppressions_of(json::value const& result) {
-    std::vector<Suppression> suppressions;
-    if (auto const* given = list(result, "suppressions"))
-        for (auto const& one : *given)
-            suppressions.push_back({text(one, "kind"), text(one, "status")});
-    return suppressions;
-}
-
-std::string level_of(json::value const& result, std::string const& kind,
-                     json::value const* descriptor) {
-    if (auto own = text(result, "level")) return *own;
+std::string_view level_of(json::value const& result, std::string_view kind,
+                          json::value const* descriptor) {
+    if (auto const own = view(result, "level")) return *own;
     if (kind != "fail") return "none";
     auto const* defaults = descriptor ? member(*descriptor, "defaultConfiguration") : nullptr;
-    return (defaults ? text(*defaults, "level") : std::nullopt).value_or("warning");
+    return (defaults ? view(*defaults, "level") : std::nullopt).value_or("warning");
 }
 
-std::optional<std::string> rule_id(json::value const& result, json::value const* descriptor) {
+std::optional<std::string_view> rule_id(json::value const& result, json::value const* descriptor) {
     auto const* reference = member(result, "rule");
-    auto        id =
-        first_given(text(result, "ruleId"), reference ? text(*reference, "id") : std::nullopt);
-    return first_given(std::move(id), descriptor ? text(*descriptor, "id") : std::nullopt);
+    auto const  id =
+        first_given(view(result, "ruleId"), reference ? view(*reference, "id") : std::nullopt);
+    return first_given(id, descriptor ? view(*descriptor, "id") : std::nullopt);
 }
 
 void read_region(json::value const& region, Place& place) {
@@ -90,139 +64,164 @@ void read_region(json::value const& region, Place& place) {
 
 }  // namespace
 
-Run::Run(json::value const& run, std::int32_t number)
-    : number_(number),
+void Expansion::spend(std::uint64_t bytes, json::value const& where) {
+    if (bytes > left_)
+        throw Misfit{&where, "the texts of the results come to more than --max-expansion " +
+                                 std::to_string(limits_.expansion) + " bytes"};
+    left_ -= bytes;
+}
+
+Text Expansion::text_of(std::string_view text, json::value const& where) {
+    spend(text.size(), where);
+    return Text(std::string(text));
+}
+
+std::optional<Text> Expansion::text(std::optional<std::string_view> given,
+                                    json::value const&              where) {
+    if (!given) return std::nullopt;
+    return text_of(*given, where);
+}
+
+Text Expansion::message(std::string_view pattern, std::vector<std::string_view> const& arguments,
+                        json::value const& where) {
+    std::uint64_t read = pattern.size() + arguments.size();
+    for (auto const argument : arguments) read += argument.size();
+    spend(read, where);
+    auto const formatted = formatted_message(pattern, arguments, limits_.message);
+    if (!formatted)
+        throw Misfit{&where, "the message comes to more than --max-message " +
+                                 std::to_string(limits_.message) + " bytes"};
+    return text_of(*formatted, where);
+}
+
+Run::Component::Component(json::value const* given)
+    : value(given), rules(given ? list(*given, "rules") : nullptr), rules_by_guid(rules, "guid") {}
+
+Run::Run(json::value const& run, std::int32_t number, Expansion& expansion)
+    : expansion_(expansion),
+      number_(number),
       results_(list(run, "results")),
       artifacts_(list(run, "artifacts")),
       logical_locations_(list(run, "logicalLocations")),
       thread_flow_locations_(list(run, "threadFlowLocations")) {
     auto const* tool = member(run, "tool");
-    driver_ = tool ? member(*tool, "driver") : nullptr;
-    if (driver_) {
-        tool_ = text(*driver_, "name");
-        tool_version_ = first_given(text(*driver_, "version"), text(*driver_, "semanticVersion"));
-        index_rules(*driver_);
+    auto const* given_driver = tool ? member(*tool, "driver") : nullptr;
+    if (given_driver) {
+        tool_ = expansion_.text(view(*given_driver, "name"), *given_driver);
+        tool_version_ = expansion_.text(
+            first_given(view(*given_driver, "version"), view(*given_driver, "semanticVersion")),
+            *given_driver);
     }
+    add_component(given_driver);
     auto const* extensions = tool ? list(*tool, "extensions") : nullptr;
     if (!extensions) return;
-    for (auto const& extension : *extensions) {
-        extensions_.push_back(&extension);
-        index_rules(extension);
-    }
+    for (auto const& extension : *extensions) add_component(&extension);
+    extensions_by_guid_ = {extensions, "guid"};
+    extensions_by_name_ = {extensions, "name"};
 }
 
-void Run::index_rules(json::value const& component) {
-    auto const* rules = list(component, "rules");
-    if (!rules) return;
-    auto& by_id = rules_by_id_[&component];
-    for (auto const& rule : *rules)
-        if (auto id = text(rule, "id")) by_id.emplace(std::move(*id), &rule);
+void Run::add_component(json::value const* given) {
+    auto const  number = components_.size();
+    auto const& component = components_.emplace_back(given);
+    if (given) numbers_.emplace(given, number);
+    if (!component.rules) return;
+    for (auto const& rule : *component.rules)
+        if (auto const id = view(rule, "id")) rules_by_id_.add(*id, number, rule);
 }
 
-json::value const* Run::component_of(json::value const* reference) const {
-    if (!reference) return driver_;
+std::size_t Run::component_of(json::value const* reference) {
+    if (!reference) return driver;
     if (auto const at = index(*reference, "index")) {
-        if (*at >= extensions_.size()) points_nowhere(*reference, "index", "the tool's extensions");
-        return extensions_[*at];
+        if (*at >= components_.size() - first_extension)
+            points_nowhere(*reference, "index", "the tool's extensions");
+        return first_extension + *at;
     }
-    for (char const* property : {"guid", "name"}) {
-        auto const wanted = text(*reference, property);
+    for (auto* extensions : {&extensions_by_guid_, &extensions_by_name_}) {
+        auto const wanted = view(*reference, extensions->member_name());
         if (!wanted) continue;
-        for (auto const* extension : extensions_)
-            if (text(*extension, property) == wanted) return extension;
+        if (auto const* found = extensions->find(*wanted)) return numbers_.at(found);
     }
-    return driver_;
+    return driver;
 }
 
-// A result may refine a rule's id by further parts behind a '/': "R1/a" is of rule "R1".
-json::value const* Run::descriptor_by_id(std::string const& id,
-                                         json::value const* component) const {
-    auto const rules = rules_by_id_.find(component);
-    if (rules == rules_by_id_.end()) return nullptr;
-    for (auto prefix = id;;) {
-        auto const rule = rules->second.find(prefix);
-        if (rule != rules->second.end()) return rule->second;
-        auto const slash = prefix.rfind('/');
-        if (slash == std::string::npos) return nullptr;
-        prefix.resize(slash);
-    }
-}
-
-Rule Run::rule_of(json::value const& result) const {
+Rule Run::rule_of(json::value const& result) {
     auto const* reference = member(result, "rule");
     auto const* component_reference = reference ? member(*reference, "toolComponent") : nullptr;
-    auto const* component = component_of(component_reference);
-    auto const* rules = component ? list(*component, "rules") : nullptr;
+    auto const  number = component_of(component_reference);
+    auto&       component = components_[number];
 
     auto const* index_holder = reference && index(*reference, "index") ? reference : &result;
     auto const* index_name = index_holder == reference ? "index" : "ruleIndex";
     auto const  at = index(*index_holder, index_name);
     if (at)
-        if (auto const* descriptor = element(rules, *at)) return {descriptor, component};
-    auto const guid = reference ? text(*reference, "guid") : std::nullopt;
+        if (auto const* descriptor = element(component.rules, *at))
+            return {descriptor, component.value};
+    auto const guid = reference ? view(*reference, "guid") : std::nullopt;
     if (guid)
-        if (auto const* descriptor = find_guid(rules, *guid)) return {descriptor, component};
+        if (auto const* descriptor = component.rules_by_guid.find(*guid))
+            return {descriptor, component.value};
     auto const id = rule_id(result, nullptr);
     if (at && !id) points_nowhere(*index_holder, index_name, "the rules");
-    if (!id) return {nullptr, component};
-    if (auto const* descriptor = descriptor_by_id(*id, component)) return {descriptor, component};
-    if (!component_reference)
-        for (auto const* extension : extensions_)
-            if (auto const* descriptor = descriptor_by_id(*id, extension))
-                return {descriptor, extension};
-    return {nullptr, component};
+    if (!id) return {nullptr, component.value};
+    auto rule = rules_by_id_.find_in(number, *id);
+    if (!rule.descriptor && !component_reference)
+        rule = rules_by_id_.find_from(first_extension, *id);
+    return {rule.descriptor, rule.descriptor ? components_[rule.component].value : component.value};
 }
 
-std::optional<std::string> Run::message_string(std::string const& id, Rule const& rule) const {
+std::optional<std::string_view> Run::message_string(std::string_view id, Rule const& rule) const {
     if (auto own = entry_text(rule.descriptor, "messageStrings", id)) return own;
     if (auto shared = entry_text(rule.component, "globalMessageStrings", id)) return shared;
-    return entry_text(driver_, "globalMessageStrings", id);
+    return entry_text(components_[driver].value, "globalMessageStrings", id);
 }
 
-std::optional<std::string> Run::message_of(json::value const& holder, Rule const& rule) const {
+std::optional<Text> Run::message_of(json::value const& holder, Rule const& rule) {
     auto const* message = member(holder, "message");
     if (!message) return std::nullopt;
     auto const arguments = arguments_of(*message);
-    auto       own = text(*message, "text");
+    auto const own = view(*message, "text");
     // Many tools write braces as they are where there is nothing to put into them.
-    if (own) return arguments.empty() ? *own : formatted_message(*own, arguments);
-    auto const id = text(*message, "id");
-    if (!id) return text(*message, "markdown");
-    if (auto const pattern = message_string(*id, rule))
-        return formatted_message(*pattern, arguments);
-    if (auto markdown = text(*message, "markdown")) return markdown;
-    throw Misfit{member(*message, "id"), "no message string has the id \"" + *id + "\""};
+    if (own && arguments.empty()) return expansion_.text_of(*own, *message);
+    if (own) return expansion_.message(*own, arguments, *message);
+    auto const id = view(*message, "id");
+    auto const pattern = id ? message_string(*id, rule) : std::nullopt;
+    if (pattern) return expansion_.message(*pattern, arguments, *message);
+    auto const markdown = view(*message, "markdown");
+    if (id && !markdown)
+        throw Misfit{member(*message, "id"),
+                     "no message string has the id \"" + std::string(*id) + "\""};
+    return expansion_.text(markdown, *message);
 }
 
-void Run::resolve_artifact(json::value const& artifact_location, Place& place) const {
-    place.uri = text(artifact_location, "uri");
-    place.base = text(artifact_location, "uriBaseId");
+void Run::resolve_artifact(json::value const& artifact_location, Place& place) {
+    place.uri = expansion_.text(view(artifact_location, "uri"), artifact_location);
+    place.base = expansion_.text(view(artifact_location, "uriBaseId"), artifact_location);
     auto const at = index(artifact_location, "index");
     if (place.uri || !at) return;
     auto const* artifact = element(artifacts_, *at);
     if (!artifact) points_nowhere(artifact_location, "index", "the run's artifacts");
     auto const* location = member(*artifact, "location");
     if (!location) return;
-    place.uri = text(*location, "uri");
-    if (!place.base) place.base = text(*location, "uriBaseId");
+    place.uri = expansion_.text(view(*location, "uri"), artifact_location);
+    if (!place.base) place.base = expansion_.text(view(*location, "uriBaseId"), artifact_location);
 }
 
-std::optional<std::string> Run::logical_name(json::value const& location) const {
+std::optional<std::string_view> Run::logical_name(json::value const& location) const {
     auto const* logical = element(list(location, "logicalLocations"), 0);
     if (!logical) return std::nullopt;
-    if (auto full = text(*logical, "fullyQualifiedName")) return full;
-    auto const  name = text(*logical, "name");
+    if (auto const full = view(*logical, "fullyQualifiedName")) return full;
+    auto const  name = view(*logical, "name");
     auto const  at = index(*logical, "index");
     auto const* shared = at ? element(logical_locations_, *at) : nullptr;
     if (at && !shared && !name) points_nowhere(*logical, "index", "the run's logicalLocations");
     if (!shared) return name;
-    if (auto full = text(*shared, "fullyQualifiedName")) return full;
-    return first_given(name, text(*shared, "name"));
+    if (auto const full = view(*shared, "fullyQualifiedName")) return full;
+    return first_given(name, view(*shared, "name"));
 }
 
-Place Run::place_of(json::value const& location) const {
+Place Run::place_of(json::value const& location) {
     Place place;
-    place.logical = logical_name(location);
+    place.logical = expansion_.text(logical_name(location), location);
     auto const* physical = member(location, "physicalLocation");
     if (!physical) return place;
     if (auto const* artifact_location = member(*physical, "artifactLocation"))
@@ -231,7 +230,7 @@ Place Run::place_of(json::value const& location) const {
     return place;
 }
 
-Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) const {
+Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) {
     auto const* location = member(thread_flow_location, "location");
     auto const  at = index(thread_flow_location, "index");
     if (!location && at) {
@@ -243,7 +242,7 @@ Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) con
     return {place_of(*location), message_of(*location, rule)};
 }
 
-Code_Flow Run::flow_of(json::value const& code_flow, Rule const& rule) const {
+Code_Flow Run::flow_of(json::value const& code_flow, Rule const& rule) {
     Code_Flow   flow;
     auto const* thread_flows = list(code_flow, "threadFlows");
     if (!thread_flows) return flow;
@@ -255,20 +254,29 @@ Code_Flow Run::flow_of(json::value const& code_flow, Rule const& rule) const {
     return flow;
 }
 
-Result Run::resolve(json::value const& given) const {
-    auto const rule = rule_of(given);
-    Result     result;
-    result.run = number_;
-    result.tool = tool_;
-    result.tool_version = tool_version_;
-    result.rule = rule_id(given, rule.descriptor);
-    result.kind = text(given, "kind").value_or("fail");
-    result.level = level_of(given, result.kind, rule.descriptor);
-    result.message = message_of(given, rule);
-    result.fingerprints = fingerprints_of(given, "fingerprints");
-    result.partial_fingerprints = fingerprints_of(given, "partialFingerprints");
-    result.suppressions = suppressions_of(given);
-    result.baseline_state = text(given, "baselineState");
+Fingerprints Run::fingerprints_of(json::value const& result, std::string_view name) {
+    Fingerprints fingerprints;
+    auto const*  given = member(result, name);
+    if (!given) return fingerprints;
+    if (!given->is_object()) throw Misfit{given, "expected an object"};
+    for (auto const& entry : given->get_object())
+        if (!entry.value().is_null())
+            fingerprints.insert_or_assign(
+                expansion_.text_of(entry.key(), entry.value()),
+                expansion_.text_of(view_of(entry.value()), entry.value()));
+    return fingerprints;
+}
+
+std::vector<Suppression> Run::suppressions_of(json::value const& result) {
+    std::vector<Suppression> suppressions;
+    if (auto const* given = list(result, "suppressions"))
+        for (auto const& one : *given)
+            suppressions.push_back({expansion_.text(view(one, "kind"), one),
+                                    expansion_.text(view(one, "status"), one)});
+    return suppressions;
+}
+
+void Run::resolve_places(json::value const& given, Rule const& rule, Result& result) {
     if (auto const* locations = list(given, "locations"))
         for (auto const& location : *locations) result.locations.push_back(place_of(location));
     if (auto const* related = list(given, "relatedLocations"))
@@ -277,6 +285,24 @@ Result Run::resolve(json::value const& given) const {
                 {place_of(location), number(location, "id"), message_of(location, rule)});
     if (auto const* flows = list(given, "codeFlows"))
         for (auto const& flow : *flows) result.flows.push_back(flow_of(flow, rule));
+}
+
+Result Run::resolve(json::value const& given) {
+    auto const rule = rule_of(given);
+    Result     result;
+    result.run = number_;
+    result.tool = tool_;
+    result.tool_version = tool_version_;
+    result.rule = expansion_.text(rule_id(given, rule.descriptor), given);
+    auto const kind = view(given, "kind").value_or("fail");
+    result.kind = expansion_.text_of(kind, given);
+    result.level = expansion_.text_of(level_of(given, kind, rule.descriptor), given);
+    result.message = message_of(given, rule);
+    result.fingerprints = fingerprints_of(given, "fingerprints");
+    result.partial_fingerprints = fingerprints_of(given, "partialFingerprints");
+    result.suppressions = suppressions_of(given);
+    result.baseline_state = expansion_.text(view(given, "baselineState"), given);
+    resolve_places(given, rule, result);
     return result;
 }
 

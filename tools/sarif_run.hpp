@@ -2,10 +2,12 @@
 // One run of a SARIF log, with what its results refer to by index, id or guid.
 
 #include <map>
-#include <string>
+#include <string_view>
 #include <vector>
 
-#include "json_input.hpp"
+#include "elements_by_text.hpp"
+#include "rule_index.hpp"
+#include "sarif_limits.hpp"
 #include "sarif_result.hpp"
 
 namespace bradep::sarif {
@@ -18,37 +20,71 @@ struct Rule {
     json::value const* component = nullptr;
 };
 
+// Makes the texts of a log's results, within its limits. All members throw json_input::Misfit.
+class Expansion {
+public:
+    explicit Expansion(Limits const& limits) : limits_(limits), left_(limits.expansion) {}
+
+    // `where` is the place to tell where that is too much.
+    Text                text_of(std::string_view text, json::value const& where);
+    std::optional<Text> text(std::optional<std::string_view> given, json::value const& where);
+    Text message(std::string_view pattern, std::vector<std::string_view> const& arguments,
+                 json::value const& where);
+
+private:
+    void spend(std::uint64_t bytes, json::value const& where);
+
+    Limits        limits_;
+    std::uint64_t left_;
+};
+
 // Refers to the document's values, which must outlive it. All members throw json_input::Misfit.
 class Run {
 public:
-    Run(json::value const& run, std::int32_t number);
+    Run(json::value const& run, std::int32_t number, Expansion& expansion);
 
     json::array const* results() const { return results_; }
-    Result             resolve(json::value const& result) const;
+    Result             resolve(json::value const& result);
 
 private:
-    Rule               rule_of(json::value const& result) const;
-    json::value const* component_of(json::value const* reference) const;
-    json::value const* descriptor_by_id(std::string const& id, json::value const* component) const;
-    std::optional<std::string> message_of(json::value const& holder, Rule const& rule) const;
-    std::optional<std::string> message_string(std::string const& id, Rule const& rule) const;
-    Place                      place_of(json::value const& location) const;
-    void resolve_artifact(json::value const& artifact_location, Place& place) const;
-    std::optional<std::string> logical_name(json::value const& location) const;
-    Step      step_of(json::value const& thread_flow_location, Rule const& rule) const;
-    Code_Flow flow_of(json::value const& code_flow, Rule const& rule) const;
-    void      index_rules(json::value const& component);
+    // The driver, which may be null, or an extension.
+    struct Component {
+        explicit Component(json::value const* given);
 
-    std::int32_t                    number_;
-    json::array const*              results_ = nullptr;
-    json::value const*              driver_ = nullptr;
-    std::vector<json::value const*> extensions_;
-    json::array const*              artifacts_ = nullptr;
-    json::array const*              logical_locations_ = nullptr;
-    json::array const*              thread_flow_locations_ = nullptr;
-    std::optional<std::string>      tool_;
-    std::optional<std::string>      tool_version_;
-    std::map<json::value const*, std::map<std::string, json::value const*>> rules_by_id_;
+        json::value const*           value;
+        json::array const*           rules;
+        json_input::Elements_By_Text rules_by_guid;
+    };
+    static constexpr std::size_t driver = 0;  // its place among the components
+    static constexpr std::size_t first_extension = 1;
+
+    void                            add_component(json::value const* given);
+    Rule                            rule_of(json::value const& result);
+    std::size_t                     component_of(json::value const* reference);
+    std::optional<Text>             message_of(json::value const& holder, Rule const& rule);
+    std::optional<std::string_view> message_string(std::string_view id, Rule const& rule) const;
+    Place                           place_of(json::value const& location);
+    void resolve_artifact(json::value const& artifact_location, Place& place);
+    void resolve_places(json::value const& given, Rule const& rule, Result& result);
+    std::optional<std::string_view> logical_name(json::value const& location) const;
+    Step                     step_of(json::value const& thread_flow_location, Rule const& rule);
+    Code_Flow                flow_of(json::value const& code_flow, Rule const& rule);
+    Fingerprints             fingerprints_of(json::value const& result, std::string_view name);
+    std::vector<Suppression> suppressions_of(json::value const& result);
+
+    Expansion&                                expansion_;
+    std::int32_t                              number_;
+    json::array const*                        results_ = nullptr;
+    json::array const*                        artifacts_ = nullptr;
+    json::array const*                        logical_locations_ = nullptr;
+    json::array const*                        thread_flow_locations_ = nullptr;
+    std::optional<Text>                       tool_;
+    std::optional<Text>                       tool_version_;
+    std::vector<Component>                    components_;
+    std::map<json::value const*, std::size_t> numbers_;  // the components' places among them
+    json_input::Elements_By_Text              extensions_by_guid_{nullptr, "guid"};
+    json_input::Elements_By_Text              extensions_by_name_{nullptr, "name"};
+    Rule_Index                                rules_by_id_;
 };
 
 }  // namespace bradep::sarif

@@ -112,7 +112,7 @@ Check_Counts counts_of(Result_Set const& set) {
 }
 
 std::string place_text(sarif::Place const& place) {
-    std::string text = place.uri ? printable(*place.uri) : "(no file)";
+    std::string text = place.uri ? printable(place.uri->str()) : "(no file)";
     if (place.line) text += ":" + std::to_string(*place.line);
     if (place.line && place.column) text += ":" + std::to_string(*place.column);
     return text;
@@ -121,9 +121,9 @@ std::string place_text(sarif::Place const& place) {
 std::string check_text(sarif::Result const& result) {
     std::string text =
         result.locations.empty() ? "(no place)" : place_text(result.locations.front());
-    text += ": " + printable(result.level) + ": ";
-    text += result.message ? printable(*result.message) : "(no message)";
-    if (result.rule) text += " [" + printable(*result.rule) + "]";
+    text += ": " + printable(result.level.str()) + ": ";
+    text += result.message ? printable(result.message->str()) : "(no message)";
+    if (result.rule) text += " [" + printable(result.rule->str()) + "]";
     std::size_t steps = 0;
     for (auto const& flow : result.flows)
         for (auto const& thread : flow) steps += thread.size();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "cli_support.hpp"
 #include "errors.hpp"
 
@@ -20,12 +22,19 @@ std::string complaint_about(std::string const& log) {
     return "nothing";
 }
 
+std::optional<std::string> plain(std::optional<bradep::sarif::Text> const& text) {
+    if (!text) return std::nullopt;
+    return text->str();
+}
+
 template <typename Member>
 Texts each(std::vector<bradep::sarif::Result> const& results, Member member) {
     Texts texts;
-    for (auto const& result : results) texts.push_back(result.*member);
+    for (auto const& result : results) texts.push_back(plain(result.*member));
     return texts;
 }
+
+bradep::sarif::Text text(std::string const& bytes) { return bytes; }
 
 using bradep::sarif::Result;
 
@@ -33,7 +42,7 @@ TEST(SarifReader, LevelIsTheResultsThenTheRulesThenWarning) {
     auto const results = results_of(bytes_of(fixture("rules.sarif")));
     auto const level = [&](std::string const& message) {
         for (auto const& result : results)
-            if (result.message == message) return result.level;
+            if (result.message == message) return result.level.str();
         return "no such result: " + message;
     };
     EXPECT_EQ(level("own level"), "note");
@@ -51,7 +60,8 @@ TEST(SarifReader, RulesAreFoundByIndexIdAndGuidInDriverAndExtensions) {
     auto const results = results_of(bytes_of(fixture("rules.sarif")));
     auto const rule = [&](std::string const& message) {
         for (auto const& result : results)
-            if (result.message == message) return result.rule.value_or("none") + " " + result.level;
+            if (result.message == message)
+                return plain(result.rule).value_or("none") + " " + result.level.str();
         return "no such result: " + message;
     };
     EXPECT_EQ(rule("index alone"), "R0 error");
@@ -82,45 +92,48 @@ TEST(SarifReader, AbsentMessageIsNotAnEmptyOne) {
 
 TEST(SarifReader, BracesStayWhereThereAreNoArguments) {
     auto const results = results_of(log_with(R"j({"message": {"text": "{0} {{ [x](1)"}})j"));
-    EXPECT_EQ(results.at(0).message, "{0} {{ [x](1)");
+    EXPECT_EQ(plain(results.at(0).message), "{0} {{ [x](1)");
 }
 
 TEST(SarifReader, ToolVersionIsTheVersionOrElseTheSemanticOne) {
-    EXPECT_EQ(results_of(bytes_of(fixture("rules.sarif"))).at(0).tool_version, "3.1");
-    EXPECT_EQ(results_of(bytes_of(fixture("review.sarif"))).at(0).tool_version, "1.2.3-beta");
-    EXPECT_EQ(results_of(bytes_of(fixture("flows.sarif"))).at(0).tool_version, std::nullopt);
+    EXPECT_EQ(plain(results_of(bytes_of(fixture("rules.sarif"))).at(0).tool_version), "3.1");
+    EXPECT_EQ(plain(results_of(bytes_of(fixture("review.sarif"))).at(0).tool_version),
+              "1.2.3-beta");
+    EXPECT_EQ(plain(results_of(bytes_of(fixture("flows.sarif"))).at(0).tool_version), std::nullopt);
 }
 
 TEST(SarifReader, LogicalLocationsAreResolved) {
     Texts names;
     for (auto const& result : results_of(bytes_of(fixture("logical.sarif"))))
-        names.push_back(result.locations.at(0).logical);
+        names.push_back(plain(result.locations.at(0).logical));
     EXPECT_EQ(names, (Texts{"ns::f(int)", "g", "ns::f(int)", "own::full", "mine", "one",
                             std::nullopt, std::nullopt, std::nullopt}));
     auto const last = results_of(bytes_of(fixture("logical.sarif"))).back();
-    EXPECT_EQ(last.locations.at(1).logical, "ns::f(int)");
-    EXPECT_EQ(last.related.at(0).place.logical, "g");
-    EXPECT_EQ(last.flows.at(0).at(0).at(0).place.value().logical, "ns::f(int)");
+    EXPECT_EQ(plain(last.locations.at(1).logical), "ns::f(int)");
+    EXPECT_EQ(plain(last.related.at(0).place.logical), "g");
+    EXPECT_EQ(plain(last.flows.at(0).at(0).at(0).place.value().logical), "ns::f(int)");
 }
 
 TEST(SarifReader, SuppressionsKeepKindStatusOrderAndRepetition) {
     auto const results = results_of(bytes_of(fixture("review.sarif")));
     using List = std::vector<Suppression>;
     EXPECT_EQ(results.at(0).suppressions,
-              (List{{"inSource", std::nullopt}, {"external", "underReview"}}));
-    EXPECT_EQ(results.at(1).suppressions, (List{{"external", "rejected"},
-                                                {"external", "rejected"},
+              (List{{text("inSource"), std::nullopt}, {text("external"), text("underReview")}}));
+    EXPECT_EQ(results.at(1).suppressions, (List{{text("external"), text("rejected")},
+                                                {text("external"), text("rejected")},
                                                 {std::nullopt, std::nullopt},
-                                                {std::nullopt, "accepted"}}));
-    EXPECT_EQ(results.at(0).baseline_state, "unchanged");
-    EXPECT_EQ(results.at(2).baseline_state, std::nullopt);
+                                                {std::nullopt, text("accepted")}}));
+    EXPECT_EQ(plain(results.at(0).baseline_state), "unchanged");
+    EXPECT_EQ(plain(results.at(2).baseline_state), std::nullopt);
 }
 
 TEST(SarifReader, TheTwoFamiliesOfFingerprintsStayApart) {
     auto const result = results_of(bytes_of(fixture("review.sarif"))).at(4);
-    EXPECT_EQ(result.fingerprints, (bradep::sarif::Fingerprints{{"hash/v1", "complete"}}));
+    EXPECT_EQ(result.fingerprints,
+              (bradep::sarif::Fingerprints{{text("hash/v1"), text("complete")}}));
     EXPECT_EQ(result.partial_fingerprints,
-              (bradep::sarif::Fingerprints{{"hash/v1", "partial"}, {"other", "abc"}}));
+              (bradep::sarif::Fingerprints{{text("hash/v1"), text("partial")},
+                                           {text("other"), text("abc")}}));
 }
 
 TEST(SarifReader, FlowsKeepTheirBoundsEvenWhenEmpty) {
@@ -139,12 +152,12 @@ TEST(SarifReader, FlowsKeepTheirBoundsEvenWhenEmpty) {
 TEST(SarifReader, EachRunResolvesWithinItself) {
     auto const results = results_of(bytes_of(fixture("many_runs.sarif")));
     ASSERT_EQ(results.size(), 9U);
-    EXPECT_EQ(results[0].locations.at(0).uri, "first.c");
-    EXPECT_EQ(results[3].locations.at(0).uri, "common.c");
-    EXPECT_EQ(results[3].rule, "five");
+    EXPECT_EQ(plain(results[0].locations.at(0).uri), "first.c");
+    EXPECT_EQ(plain(results[3].locations.at(0).uri), "common.c");
+    EXPECT_EQ(plain(results[3].rule), "five");
     EXPECT_EQ(results[3].run, 4);
     EXPECT_EQ(results[8].run, 7);
-    EXPECT_EQ(results[6].tool, std::nullopt);
+    EXPECT_EQ(plain(results[6].tool), std::nullopt);
 }
 
 TEST(SarifReader, RunsAreCountedOnFromTheFirstNumber) {
@@ -154,6 +167,34 @@ TEST(SarifReader, RunsAreCountedOnFromTheFirstNumber) {
     EXPECT_EQ(count, 9);
     EXPECT_EQ(runs.front(), 100);
     EXPECT_EQ(runs.back(), 107);
+}
+
+TEST(SarifReader, RunsAreNumberedWithin32Bits) {
+    auto const complaint_from = [](std::int32_t first) -> std::string {
+        try {
+            bradep::sarif::read_log(R"({"version": "2.1.0", "runs": [{}, {}]})", "log", first,
+                                    [](auto&&) {});
+        } catch (bradep::Damaged_Input const& error) {
+            return error.what();
+        }
+        return "nothing";
+    };
+    auto const most = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(complaint_from(most - 2), "nothing");
+    EXPECT_EQ(complaint_from(most - 1), "log:/runs/1: there are more than 2147483647 runs");
+}
+
+TEST(SarifReader, GuidsBehindTheOneThatIsWantedAreNotJudged) {
+    auto const log = [](std::string const& guid) {
+        return R"({"version": "2.1.0", "runs": [{"tool": {"driver": {"rules": [
+            {"guid": "g0", "id": "R0"}, {"guid": "g1", "id": "R1"}, {"guid": "g1", "id": "R2"}, {"guid": 5}]}},
+            "results": [{"rule": {"guid": "g1"}}, {"rule": {"guid": ")" +
+               guid + R"("}}]}]})";
+    };
+    EXPECT_EQ(plain(results_of(log("g0")).at(1).rule), "R0");
+    EXPECT_EQ(plain(results_of(log("g1")).at(1).rule), "R1");
+    EXPECT_EQ(complaint_about(log("g2")),
+              "log:/runs/0/tool/driver/rules/3/guid: expected a string, found a number");
 }
 
 struct Damage {

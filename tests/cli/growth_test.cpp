@@ -1,0 +1,142 @@
+// How the time of import grows with the log. A log of four times the size may take eight times as
+// long: what is quadratic takes sixteen times.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+
+#include "cli_support.hpp"
+
+namespace {
+
+using namespace cli_test;
+
+constexpr double most_growth = 8;
+constexpr int    repetitions = 5;
+constexpr double shortest = 0.02;  // seconds that can be compared
+
+double seconds_to_import(std::string const& log) {
+    constexpr bradep::sarif::Limits unlimited{.message = std::uint64_t{1} << 40,
+                                              .expansion = std::uint64_t{1} << 40};
+    std::size_t                     results = 0;
+    auto const                      start = std::clock();
+    bradep::sarif::read_log(
+        log, "log", 0, [&](auto&&) { ++results; }, unlimited);
+    auto const end = std::clock();
+    EXPECT_GT(results, 0U);
+    return static_cast<double>(end - start) / CLOCKS_PER_SEC;
+}
+
+double median_seconds(std::string const& log) {
+    std::vector<double> times;
+    for (int i = 0; i < repetitions; ++i) times.push_back(seconds_to_import(log));
+    std::ranges::sort(times);
+    return times[repetitions / 2];
+}
+
+/// Of `log_of(n)`, from an n that takes long enough to be compared.
+template <typename Log>
+void expect_linear(Log const& log_of) {
+    std::size_t n = 500;
+    double      time = median_seconds(log_of(n));
+    while (time < shortest) time = median_seconds(log_of(n *= 2));
+    double const longer = median_seconds(log_of(4 * n));
+    EXPECT_LT(longer / time, most_growth) << n << ": " << time << " s, then " << longer << " s";
+}
+
+std::string repeated(std::size_t times, std::string const& element) {
+    std::string list;
+    for (std::size_t i = 0; i < times; ++i) (list += i == 0 ? "" : ",") += element;
+    return list;
+}
+
+/// {"PREFIX": "0"}, {"PREFIX": "1"} and so on.
+std::string numbered(std::size_t times, std::string const& name) {
+    std::string list;
+    for (std::size_t i = 0; i < times; ++i)
+        list += (i == 0 ? "{\"" : ",{\"") + name + "\":\"" + std::to_string(i) + "\"}";
+    return list;
+}
+
+std::string log_of_tool(std::string const& tool, std::string const& results) {
+    return R"({"version":"2.1.0","runs":[{"tool":{)" + tool + R"(},"results":[)" + results + "]}]}";
+}
+
+TEST(Growth, IdOfManyPartsAndManyExtensions) {
+    expect_linear([](std::size_t n) {
+        return log_of_tool(R"("extensions":[)" + repeated(n, R"({"rules":[{"id":"r"}]})") + "]",
+                           R"({"ruleId":")" + std::string(n, '/') + "\"}");
+    });
+}
+
+TEST(Growth, IdOfManyPartsLikeTheRules) {
+    expect_linear([](std::size_t n) {
+        std::string const id(n, '/');
+        return log_of_tool(R"("driver":{"rules":[{"id":")" + id + "x\"}]}",
+                           R"({"ruleId":")" + id + "y\"}");
+    });
+}
+
+TEST(Growth, ManyRulesFoundByGuid) {
+    expect_linear([](std::size_t n) {
+        return log_of_tool(R"("driver":{"rules":[)" + numbered(n, "guid") + "]}",
+                           repeated(n, R"({"rule":{"guid":")" + std::to_string(n - 1) + "\"}}"));
+    });
+}
+
+TEST(Growth, GuidsThatNoRuleHas) {
+    expect_linear([](std::size_t n) {
+        return log_of_tool(R"("driver":{"rules":[)" + numbered(n, "guid") + "]}",
+                           repeated(n, R"({"rule":{"guid":"none"}})"));
+    });
+}
+
+TEST(Growth, ManyExtensionsFoundByGuidOrName) {
+    for (std::string const name : {"guid", "name"})
+        expect_linear([&](std::size_t n) {
+            return log_of_tool(R"("extensions":[)" + numbered(n, name) + "]",
+                               repeated(n, R"({"rule":{"toolComponent":{")" + name + R"(":")" +
+                                               std::to_string(n - 1) + "\"}}}"));
+        });
+}
+
+TEST(Growth, IdsThatNoExtensionKnows) {
+    expect_linear([](std::size_t n) {
+        return log_of_tool(R"("extensions":[)" + repeated(n, R"({"rules":[{"id":"r"}]})") + "]",
+                           repeated(n, R"({"ruleId":"none/x"})"));
+    });
+}
+
+TEST(Growth, MessageOfManyPlaceholders) {
+    expect_linear([](std::size_t n) {
+        std::string text;
+        for (std::size_t i = 0; i < n; ++i) text += "{0}{{}}{9";
+        return log_with(R"({"message":{"text":")" + text + R"(","arguments":["a"]}})");
+    });
+}
+
+TEST(Growth, OneMemberManyTimes) {
+    expect_linear([](std::size_t n) {
+        return log_with(R"({"fingerprints":{)" + repeated(n, R"("same":"f")") + "}}");
+    });
+}
+
+TEST(Growth, ManyMembers) {
+    expect_linear([](std::size_t n) {
+        std::string members;
+        for (std::size_t i = 0; i < n; ++i)
+            members += (i == 0 ? "\"" : ",\"") + std::to_string(i) + R"(":"f")";
+        return log_with(R"({"fingerprints":{)" + members + "}}");
+    });
+}
+
+TEST(Growth, ManyStepsThatShareOneLocation) {
+    expect_linear([](std::size_t n) {
+        return R"({"version":"2.1.0","runs":[{"threadFlowLocations":[{"location":{"message":{"text":"m"}}}],)"
+               R"("results":[{"codeFlows":[{"threadFlows":[{"locations":[)" +
+               repeated(n, R"({"index":0})") + "]}]}]}]}]}";
+    });
+}
+
+}  // namespace

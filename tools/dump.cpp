@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "errors.hpp"
+#include "limited_output.hpp"
 #include "printable.hpp"
 #include "walk_options.hpp"
 
@@ -15,9 +16,10 @@ namespace {
 using namespace sml::inspect;
 
 struct Options : Walk_Options {
-    bool        pretty = false;
-    std::string part;
-    std::string table;
+    bool          pretty = false;
+    std::uint64_t max_output = default_max_output;
+    std::string   part;
+    std::string   table;
 };
 
 // There a line of progress would stand in the midst of the JSON.
@@ -35,11 +37,13 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
     else if (options.pretty)
         dump_options.form = DumpOptions::Form::pretty;
 
-    Dumped const dumped = input.watch("printing", [&](VerifyOptions const& watched) {
+    Limited_Output limited(streams.out, options.max_output);
+    Dumped const   dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
         if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;
-        return dump(input.root(), input.bytes(), streams.out, dump_options);
+        return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });
+    limited.refuse_if_cut(input.name());
     report_findings(streams.err, input.name(), dumped.findings, dumped.odd_count);
     if (!dumped.found && dumped.answer != Answer::unsafe)
         streams.err << "bradep: "
@@ -55,6 +59,8 @@ Action declare_dump(CLI::App& app) {
     auto options = std::make_shared<Options>();
     declare_walk_options(app, *options);
     declare_findings_option(app, *options);
+    declare_size(app, "--max-output", options->max_output,
+                 "Bytes to print; before more, printing ends and the code is 1");
     auto* const pretty = app.add_flag("--pretty", options->pretty, "With line breaks");
     auto* const select =
         app.add_option("--select", options->part,

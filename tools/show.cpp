@@ -1,11 +1,13 @@
 #include <chrono>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "bindings/bindings.hpp"
 #include "command.hpp"
 #include "errors.hpp"
 #include "json_line.hpp"
+#include "limited_output.hpp"
 #include "result_mapping.hpp"
 #include "summary.hpp"
 #include "walk_options.hpp"
@@ -18,8 +20,9 @@ using sml::inspect::Answer;
 constexpr std::size_t default_rows = 10;
 
 struct Options : Walk_Options {
-    bool        json = false;
-    std::size_t rows = default_rows;
+    bool          json = false;
+    std::uint64_t max_output = default_max_output;
+    std::size_t   rows = default_rows;
 };
 
 // Throws Damaged_Input for bytes that are not safe to read.
@@ -34,15 +37,28 @@ void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
     sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
 }
 
-void show_json(Result_Set const& set, std::string const& name, std::ostream& out) {
+// A check that many forms named would be restored and printed as often.
+void write_json_lines(std::ostream& out, Result_Set const& set) {
+    std::set<Numbered_Key> shown;
+    for (auto const& [id, form] : set.check_data) {
+        auto const  result = restored_result(form, set);
+        auto const& key = *form.first_numbered_name;
+        if (!shown.insert(key).second)
+            throw Damaged_Input("not an imported result set: a check has several forms");
+        write_json_line(out, key.first.str(), key.second, result);
+    }
+}
+
+void show_json(Result_Set const& set, std::string const& name, std::uint64_t max_output,
+               std::ostream& out) {
+    Limited_Output limited(out, max_output);
+    limited.stream().exceptions(std::ios::badbit);  // not to go on for nothing
     try {
-        for (auto const& [id, form] : set.check_data) {
-            auto const result = restored_result(form, set);
-            auto const& [uri, ordinal] = *form.first_numbered_name;
-            write_json_line(out, uri.str(), ordinal, result);
-        }
+        write_json_lines(limited.stream(), set);
     } catch (Damaged_Input const& error) {
         throw Damaged_Input(name + ": " + error.what());
+    } catch (std::ios_base::failure const&) {
+        limited.refuse_if_cut(name);  // where it was not, `out` tells what failed
     }
 }
 
@@ -53,7 +69,7 @@ Exit_Code show(Options const& options, Streams& streams) {
     decode(input, streams.err, set);
     auto const time = std::chrono::steady_clock::now() - start;
     if (options.json) {
-        show_json(set, input.name(), streams.out);
+        show_json(set, input.name(), options.max_output, streams.out);
         return exit_done;
     }
     auto const microseconds = std::chrono::duration_cast<std::chrono::microseconds>(time);
@@ -74,6 +90,8 @@ Action declare_show(CLI::App& app) {
         ->required()
         ->type_name("");
     app.add_flag("--json", options->json, "One line of JSON a check, in the order of the import");
+    declare_size(app, "--max-output", options->max_output,
+                 "Bytes that --json prints; before more, the command ends with code 1");
     app.add_option("-n,--rows", options->rows, "How many rules, files and checks to list at most")
         ->capture_default_str()
         ->type_name("NUMBER");

@@ -1,0 +1,201 @@
+// Inputs of which a few bytes stand for very many.
+
+#include <gtest/gtest.h>
+
+#include "bindings/bindings.hpp"
+#include "cli_support.hpp"
+#include "errors.hpp"
+#include "result_mapping.hpp"
+
+namespace {
+
+using namespace cli_test;
+using bradep::sarif::Limits;
+
+std::string complaint_about(std::string const& log, Limits const& limits) {
+    try {
+        bradep::sarif::read_log(
+            log, "log", 0, [](auto&&) {}, limits);
+    } catch (bradep::Damaged_Input const& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+std::string repeated(std::size_t times, std::string const& element) {
+    std::string list;
+    for (std::size_t i = 0; i < times; ++i) (list += i == 0 ? "" : ",") += element;
+    return list;
+}
+
+std::string placeholders(std::size_t times) {
+    std::string text;
+    for (std::size_t i = 0; i < times; ++i) text += "{0}";
+    return text;
+}
+
+std::string log_of_long_message() {
+    return log_with(R"({}, {"message": {"text": ")" + placeholders(10000) +
+                    R"(", "arguments": [")" + std::string(100000, 'a') + "\"]}}");
+}
+
+TEST(Expansion, MessageBeyondTheLimitIsDamageWithItsPlace) {
+    auto const log = log_with(R"({"message": {"text": "{0}{0}", "arguments": ["12345"]}})");
+    EXPECT_EQ(complaint_about(log, {.message = 10}), "nothing");
+    EXPECT_EQ(
+        complaint_about(log, {.message = 9}),
+        "log:/runs/0/results/0/message: the message comes to more than --max-message 9 bytes");
+    auto const by_id = R"({"version": "2.1.0", "runs": [{"tool": {"driver": {"rules": [
+        {"id": "R", "messageStrings": {"m": {"text": "{0}{0}"}}}]}}, "results": [
+        {"ruleId": "R", "relatedLocations": [{"message": {"id": "m", "arguments": ["12345"]}}]}]}]})";
+    EXPECT_EQ(complaint_about(by_id, {.message = 10}), "nothing");
+    EXPECT_EQ(complaint_about(by_id, {.message = 9}),
+              "log:/runs/0/results/0/relatedLocations/0/message: the message comes to more than "
+              "--max-message 9 bytes");
+}
+
+TEST(Expansion, ATextThatIsNotPutTogetherMayBeLonger) {
+    auto const log = log_with(R"({"message": {"text": "{0}{0}"}})");
+    EXPECT_EQ(complaint_about(log, {.message = 1}), "nothing");
+}
+
+TEST(Expansion, ImportRefusesTheMessageAndLeavesNoFile) {
+    Scratch const scratch;
+    auto const    outcome =
+        run_command({"import", "-", "-o", (scratch / "set").string()}, log_of_long_message());
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.err,
+              "bradep: standard input:/runs/0/results/1/message: the message comes to more than "
+              "--max-message 1048576 bytes\n");
+    EXPECT_TRUE(scratch.names().empty());
+    auto const small = log_with(R"({"message": {"text": "{0}", "arguments": ["12345"]}})");
+    EXPECT_EQ(run_command({"import", "--max-message", "5", "-", "-o", "-"}, small).code, 0);
+    EXPECT_EQ(run_command({"import", "--max-message", "4", "-", "-o", "-"}, small).code, 1);
+}
+
+TEST(Expansion, EveryReferenceToATextIsCounted) {
+    auto const log_of = [](std::string const& results) {
+        return R"({"version": "2.1.0", "runs": [{
+            "tool": {"driver": {"rules": [{"id": "rule of 18 letters"}]}},
+            "artifacts": [{"location": {"uri": "a file of 20 letters"}}],
+            "logicalLocations": [{"name": "a name of 20 letters"}],
+            "threadFlowLocations": [{"location": {"message": {"text": "x", "arguments": ["12345678"]}}}],
+            "results": [)" +
+               results + "]}]}";
+    };
+    // Of a result alone: "warning" and "fail".
+    std::uint64_t const bare = 11;
+    struct Case {
+        std::string   result;
+        std::uint64_t bytes;  // of each reference
+    };
+    std::string const place = R"({"physicalLocation":{"artifactLocation":{"index":0}}})";
+    std::string const name = R"({"logicalLocations":[{"index":0}]})";
+    for (auto const& [result, bytes] : {Case{R"({"locations":[)" + repeated(5, place) + "]}", 20},
+                                        Case{R"({"locations":[)" + repeated(5, name) + "]}", 20},
+                                        // The text, the argument and one more for it, the message.
+                                        Case{R"({"codeFlows":[{"threadFlows":[{"locations":[)" +
+                                                 repeated(5, R"({"index":0})") + "]}]}]}",
+                                             1 + 9 + 1}}) {
+        auto const log = log_of(result);
+        auto const total = bare + 5 * bytes;
+        EXPECT_EQ(complaint_about(log, {.expansion = total}), "nothing") << result;
+        auto const complaint = complaint_about(log, {.expansion = total - 1});
+        EXPECT_TRUE(complaint.starts_with("log:/runs/0/")) << complaint;
+        EXPECT_TRUE(
+            complaint.ends_with("the texts of the results come to more than "
+                                "--max-expansion " +
+                                std::to_string(total - 1) + " bytes"))
+            << complaint;
+    }
+    auto const rules = log_of(repeated(5, R"({"ruleIndex":0})"));
+    EXPECT_EQ(complaint_about(rules, {.expansion = 5 * (bare + 18)}), "nothing");
+    EXPECT_NE(complaint_about(rules, {.expansion = 5 * (bare + 18) - 1}), "nothing");
+}
+
+TEST(Expansion, ItsLimitIsAnOption) {
+    auto const log = log_with("{}");
+    EXPECT_EQ(run_command({"import", "--max-expansion", "1K", "-", "-o", "-"}, log).code, 0);
+    auto const refused = run_command({"import", "--max-expansion", "1", "-", "-o", "-"}, log);
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_NE(refused.err.find("--max-expansion 1 bytes"), std::string::npos) << refused.err;
+}
+
+/// One check whose steps are all the same event, with a long message: in bytes.
+std::string shared_step(std::size_t steps, std::size_t length) {
+    auto const log =
+        R"({"version": "2.1.0", "runs": [{"results": [{"codeFlows": [{"threadFlows": [{"locations": [
+        {"location": {"message": {"text": ")" +
+        std::string(length, 'm') + "\"}}}]}]}]}]}]}";
+    bradep::Result_Set set;
+    bradep::sarif::read_log(log, "log", 0, [&](auto&& result) { bradep::add_result(result, set); });
+    auto&      failure = set.application_results.checks.begin()->second.failure.value();
+    auto const step = failure.steps.front();
+    failure.steps.assign(steps, step);
+    failure.named_ints[sml::Strings_T(std::string("codeFlows/0/threadFlows/0/locations"))] =
+        static_cast<std::int32_t>(steps);
+    return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+}
+
+TEST(MaxOutput, StopsShowInTheMidstOfALine) {
+    auto const bytes = shared_step(20000, 20000);
+    ASSERT_LT(bytes.size(), 500000U);
+    auto const shown = run_command({"show", "--json", "--max-output", "1M", "-"}, bytes);
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_EQ(
+        shown.err,
+        "bradep: standard input: what is to be printed is larger than --max-output 1048576\n");
+    EXPECT_LE(shown.out.size(), 1048576U);
+    EXPECT_GE(shown.out.size(), 900000U);
+}
+
+TEST(MaxOutput, IsTheVeryNumberOfBytes) {
+    auto const bytes = shared_step(3, 10);
+    auto const whole = run_command({"show", "--json", "-"}, bytes);
+    ASSERT_EQ(whole.code, 0);
+    auto const size = whole.out.size();
+    auto const with = [&](std::size_t most) {
+        return run_command({"show", "--json", "--max-output", std::to_string(most), "-"}, bytes);
+    };
+    EXPECT_EQ(with(size).code, 0);
+    EXPECT_EQ(with(size).out, whole.out);
+    EXPECT_EQ(with(size - 1).code, 1);
+    EXPECT_EQ(with(0).code, 1);
+}
+
+TEST(MaxOutput, StopsDump) {
+    auto const bytes = shared_step(10, 100000);
+    auto const whole = run_command({"dump", "-"}, bytes);
+    ASSERT_EQ(whole.code, 0);
+    auto const size = std::to_string(whole.out.size());
+    EXPECT_EQ(run_command({"dump", "--max-output", size, "-"}, bytes).out, whole.out);
+    auto const less = std::to_string(whole.out.size() - 1);
+    for (std::string const form : {"", "--pretty"}) {
+        std::vector<std::string> args = {"dump", "--max-output", less, "-"};
+        if (!form.empty()) args.push_back(form);
+        auto const cut = run_command(args, bytes);
+        EXPECT_EQ(cut.code, 1);
+        EXPECT_LT(cut.out.size(), whole.out.size());
+        EXPECT_TRUE(cut.err.ends_with(
+            "bradep: standard input: what is to be printed is larger than --max-output " + less +
+            "\n"))
+            << cut.err;
+    }
+}
+
+/// Many forms of one check would print it as often.
+TEST(Show, ACheckHasOneForm) {
+    bradep::Result_Set set;
+    bradep::sarif::read_log(log_with("{}"), "log", 0,
+                            [&](auto&& result) { bradep::add_result(result, set); });
+    set.check_data.push_back(set.check_data.front());
+    auto const bytes = sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+    auto const shown = run_command({"show", "--json", "-"}, bytes);
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_EQ(shown.err,
+              "bradep: standard input: not an imported result set: a check has several forms\n");
+    EXPECT_EQ(run_command({"show", "-"}, bytes).code, 0);
+}
+
+}  // namespace

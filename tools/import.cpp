@@ -15,11 +15,15 @@
 namespace bradep {
 namespace {
 
+using sml::inspect::Answer;
+using sml::inspect::VerifyOptions;
+
 struct Options {
     std::vector<std::string> inputs;
     std::string              output;
     std::uint64_t            max_size = default_max_size;
     sarif::Limits            limits;
+    VerifyOptions            verify;  // of what is written
 };
 
 void refuse_overwriting_an_input(Options const& options) {
@@ -28,6 +32,18 @@ void refuse_overwriting_an_input(Options const& options) {
         if (std::filesystem::is_regular_file(options.output, error) &&
             std::filesystem::equivalent(input, options.output, error))
             throw Io_Failure("the output " + options.output + " is also an input");
+}
+
+// Throws Damaged_Input for a set that its readers would not take as it is.
+void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
+    auto const name = options.output == "-" ? "standard output" : options.output;
+    auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
+                               [&](VerifyOptions const& watched) {
+                                   return verify(root_of(result_set_stem), bytes, watched);
+                               });
+    if (verdict.answer != Answer::good)
+        throw Damaged_Input(name + ": not written, as it would be no good result set: " +
+                            described(verdict.findings.back()));
 }
 
 void import_logs(Options const& options, Streams& streams) {
@@ -43,10 +59,9 @@ void import_logs(Options const& options, Streams& streams) {
     auto const write = [&](std::ostream& out) {
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);
     };
-    if (options.output == "-")
-        write(streams.out);
-    else
-        write_file(options.output, write);
+    write_seekable(options.output, streams.out, write, [&](std::string_view bytes) {
+        refuse_unless_good(bytes, options, streams.err);
+    });
 }
 
 }  // namespace
@@ -66,6 +81,8 @@ Action declare_import(CLI::App& app) {
                  "Bytes of a message that is put together from a text and arguments");
     declare_size(app, "--max-expansion", options->limits.expansion,
                  "Bytes of a log's texts, each counted wherever a result refers to it");
+    declare_limits(app, options->verify.limits);
+    app.footer("What is written is verified first: it is good, or the command ends with code 1.\n");
     return [options](Streams& streams) {
         import_logs(*options, streams);
         return exit_done;

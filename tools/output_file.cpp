@@ -10,12 +10,14 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <random>
 #include <sstream>
 #include <string>
 
 #include "errors.hpp"
+#include "input_bytes.hpp"
 
 namespace bradep {
 namespace {
@@ -125,6 +127,9 @@ public:
 
     int descriptor() const { return descriptor_; }
 
+    // Where it can be read meanwhile.
+    std::string readable_path() const { return path_.empty() ? link_source() : path_; }
+
     void take_place() {
         take_mode();
         if (::fsync(descriptor_) != 0) cannot_write(target_, errno);
@@ -200,6 +205,18 @@ void write_to(Sibling_File& sibling, fs::path const& target,
     write_to(buffer, target, write);
 }
 
+void write_beside(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
+                  Temporary kind, std::function<void(std::string_view)> const& check) {
+    Sibling_File sibling(without_links(named_target), kind);
+    write_to(sibling, named_target, write);
+    if (check) {
+        std::istringstream none;
+        constexpr auto     any_size = std::numeric_limits<std::uint64_t>::max();
+        check(Input_Bytes(sibling.readable_path(), any_size, none).view());
+    }
+    sibling.take_place();
+}
+
 }  // namespace
 
 void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
@@ -210,19 +227,23 @@ void write_file(fs::path const& named_target, std::function<void(std::ostream&)>
     if (fs::is_directory(status)) cannot_write(named_target, EISDIR);
     if (fs::exists(status) && !fs::is_regular_file(status))
         return write_directly(named_target, write);
-    Sibling_File sibling(without_links(named_target), kind);
-    write_to(sibling, named_target, write);
-    sibling.take_place();
+    write_beside(named_target, write, kind, nullptr);
 }
 
 void write_seekable(std::string const& target, std::ostream& standard_output,
-                    std::function<void(std::ostream&)> const& write) {
+                    std::function<void(std::ostream&)> const&    write,
+                    std::function<void(std::string_view)> const& check) {
     std::error_code error;
     auto const      status = fs::status(target, error);
     bool const      can_seek = !fs::exists(status) || fs::is_regular_file(status);
-    if (target != "-" && (can_seek || fs::is_directory(status))) return write_file(target, write);
+    if (target != "-" && can_seek) {
+        Ignored_Signal const file_too_large(SIGXFSZ);
+        return write_beside(target, write, Temporary::unnamed_where_possible, check);
+    }
+    if (target != "-" && fs::is_directory(status)) cannot_write(target, EISDIR);
     std::ostringstream whole(std::ios::binary);
     write(whole);
+    if (check) check(whole.view());
     auto const write_whole = [&](std::ostream& out) { out << whole.view(); };
     if (target == "-")
         write_whole(standard_output);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace bradep {
 
@@ -18,8 +19,10 @@ void write_file(std::filesystem::path const&              target,
                 Temporary                                 kind = Temporary::unnamed_where_possible);
 
 // The same for a `write` that seeks; "-" is `standard_output`. A target that can't seek gets all of
-// it at the end.
+// it at the end. `check` is given all the bytes before anybody else sees one; what it throws is
+// passed on, and then nothing has been written.
 void write_seekable(std::string const& target, std::ostream& standard_output,
-                    std::function<void(std::ostream&)> const& write);
+                    std::function<void(std::ostream&)> const&    write,
+                    std::function<void(std::string_view)> const& check = nullptr);
 
 }  // namespace bradep

@@ -348,9 +348,65 @@ void restore_check(Check const& check, Check_Form const& form, Result& result) {
         result.locations.push_back(*place);
 }
 
+// How long the longest text of a result is.
+class Longest_Text {
+public:
+    explicit Longest_Text(Result const& result) {
+        see(result.level, result.kind, result.tool, result.tool_version, result.rule,
+            result.message, result.baseline_state);
+        for (auto const& place : result.locations) see(place);
+        for (auto const& related : result.related) see(related.place, related.message);
+        for (auto const& flow : result.flows)
+            for (auto const& thread : flow)
+                for (auto const& step : thread) see(step.place, step.message);
+        for (auto const* family : {&result.fingerprints, &result.partial_fingerprints})
+            for (auto const& [name, value] : *family) see(name, value);
+        for (auto const& one : result.suppressions) see(one.kind, one.status);
+    }
+
+    std::size_t bytes() const { return bytes_; }
+
+private:
+    template <typename... Parts>
+    void see(Parts const&... parts) {
+        (see_one(parts), ...);
+    }
+    template <typename T>
+    void see_one(std::optional<T> const& part) {
+        if (part) see_one(*part);
+    }
+    void see_one(Text const& text) { bytes_ = std::max(bytes_, text.str().size()); }
+    void see_one(Place const& place) { see(place.uri, place.base, place.logical); }
+
+    std::size_t bytes_ = 0;
+};
+
+// The longest container of a set to which the result is added.
+std::size_t most_entries(Result const& result, Result_Set const& set) {
+    std::size_t lists = 1 + result.flows.size();  // whose lengths `named_ints` holds
+    std::size_t steps = 0;
+    for (auto const& flow : result.flows) {
+        lists += flow.size();
+        for (auto const& thread : flow) steps += thread.size();
+    }
+    auto const infos = result.locations.size() + result.related.size() + result.suppressions.size();
+    auto const& tables = set.application_results;
+    return std::max({set.check_data.size() + 1, tables.events.size() + steps,
+                     tables.infos.size() + infos, lists,
+                     result.fingerprints.size() + result.partial_fingerprints.size()});
+}
+
+void refuse_more(std::size_t found, std::size_t most, char const* what) {
+    if (found > most)
+        throw Damaged_Input("a result set has no room for " + std::string(what) + " " +
+                            std::to_string(found) + ", only for " + std::to_string(most));
+}
+
 }  // namespace
 
-void add_result(Result const& result, Result_Set& set) {
+void add_result(Result const& result, Result_Set& set, Set_Limits const& limits) {
+    refuse_more(Longest_Text(result).bytes(), limits.text_bytes, "a text of this many bytes:");
+    refuse_more(most_entries(result, set), limits.entries, "this many entries of a table:");
     auto&      tables = set.application_results;
     auto const uri = result.locations.empty() ? std::nullopt : result.locations.front().uri;
     auto const key = next_key(tables.check_numbers, or_empty(uri));
@@ -360,6 +416,8 @@ void add_result(Result const& result, Result_Set& set) {
     auto& [id, form] = set.check_data.emplace_back();
     id = static_cast<std::int32_t>(set.check_data.size() - 1);
     fill_form(result, key, check, form);
+    auto const strings = Strings_T::fAllStrings.size() + 1;  // and the empty one
+    refuse_more(strings, limits.strings, "this many strings:");
 }
 
 Result restored_result(Check_Form const& form, Result_Set const& set) {

@@ -2,7 +2,9 @@
 // Where a result set holds what a SARIF result says. docs/sarif.md has the table; adding and
 // restoring are each other's inverse.
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "sarif_result.hpp"
 #include "schema/Base_Gui_Internal_Form_Datas.hpp"
@@ -10,14 +12,24 @@
 namespace bradep {
 
 using Result_Set = sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
+constexpr char const* result_set_stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
 using Check_Form = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
 using Numbered_Key = std::pair<sml::Strings_T, std::int32_t>;
 
 // `first_string` of the information records that tell of a suppression.
 constexpr char const* suppression_role = "suppression";
 
-// Adds the result as the last check of the set, with its events and its further places.
-void add_result(sarif::Result const& result, Result_Set& set);
+// What a set can carry: lengths, counts, ordinals and the numbers of strings are 32 bits wide, with
+// a sign. The strings are those of the process.
+struct Set_Limits {
+    std::size_t text_bytes = std::numeric_limits<std::int32_t>::max();
+    std::size_t entries = std::numeric_limits<std::int32_t>::max();
+    std::size_t strings = std::numeric_limits<std::int32_t>::max();
+};
+
+// Adds the result as the last check of the set, with its events and its further places. Throws
+// Damaged_Input where that is beyond the limits; the set is of no use then.
+void add_result(sarif::Result const& result, Result_Set& set, Set_Limits const& limits = {});
 
 // The result that a check form of the set was made from. Throws Damaged_Input where the set holds
 // no such check, which means that it did not come from add_result.

@@ -24,6 +24,14 @@ json::array const& runs_of(json::value const& log) {
     return *runs;
 }
 
+void hand_over(Run& run, json::value const& result, Result_Sink const& sink) {
+    try {
+        sink(run.resolve(result));
+    } catch (Damaged_Input const& refusal) {
+        throw Misfit{&result, refusal.what()};
+    }
+}
+
 std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink,
                        Limits const& limits) {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
@@ -34,7 +42,7 @@ std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Si
             throw Misfit{&given, "there are more than " + std::to_string(most) + " runs"};
         Run run(given, first_run + count++, expansion);
         if (!run.results()) continue;
-        for (auto const& result : *run.results()) sink(run.resolve(result));
+        for (auto const& result : *run.results()) hand_over(run, result, sink);
     }
     return count;
 }

@@ -16,7 +16,8 @@ using Result_Sink = std::function<void(Result&&)>;
 // Hands every result of every run to `sink`, in the order of the log, and returns the number of
 // runs. Runs are numbered from `first_run` on. Throws Damaged_Input, its text starting with `name`
 // and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
-// not SARIF. Results handed over before that are to be thrown away.
+// not SARIF, and for a result that `sink` refuses with a Damaged_Input of its own. Results handed
+// over before that are to be thrown away.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                       Result_Sink const& sink, Limits const& limits = {});
 

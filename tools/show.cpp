@@ -82,7 +82,7 @@ Exit_Code show(Options const& options, Streams& streams) {
 
 Action declare_show(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    options->stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
+    options->stem = result_set_stem;
     declare_max_size(app, options->max_size);
     declare_limits(app, options->verify.limits);
     app.footer("The file is verified before it is read.\n");

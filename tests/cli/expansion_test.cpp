@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "bindings/bindings.hpp"
 #include "cli_support.hpp"
 #include "errors.hpp"
@@ -136,6 +138,106 @@ std::string shared_step(std::size_t steps, std::size_t length) {
     failure.named_ints[sml::Strings_T(std::string("codeFlows/0/threadFlows/0/locations"))] =
         static_cast<std::int32_t>(steps);
     return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+}
+
+std::string complaint_of_adding(std::string const& log, bradep::Set_Limits const& limits) {
+    bradep::Result_Set set;
+    try {
+        bradep::sarif::read_log(log, "log", 0,
+                                [&](auto&& result) { bradep::add_result(result, set, limits); });
+    } catch (bradep::Damaged_Input const& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+TEST(SetLimits, TextsLongerThanTheWireHoldsAreRefused) {
+    std::string const text = "a text of 20 letters";
+    for (
+        std::string const result :
+        {R"({"level":"TEXT"})", R"({"kind":"TEXT"})", R"({"ruleId":"TEXT"})",
+         R"({"message":{"text":"TEXT"}})", R"({"baselineState":"TEXT"})",
+         R"({"fingerprints":{"TEXT":""}})", R"({"partialFingerprints":{"":"TEXT"}})",
+         R"({"suppressions":[{"kind":"TEXT"}]})", R"({"suppressions":[{"status":"TEXT"}]})",
+         R"({"locations":[{"physicalLocation":{"artifactLocation":{"uri":"TEXT"}}}]})",
+         R"({"locations":[{"physicalLocation":{"artifactLocation":{"uriBaseId":"TEXT"}}}]})",
+         R"({"locations":[{"logicalLocations":[{"name":"TEXT"}]}]})",
+         R"({"relatedLocations":[{"message":{"text":"TEXT"}}]})",
+         R"({"codeFlows":[{"threadFlows":[{"locations":[{"location":{"message":{"text":"TEXT"}}}]}]}]})"}) {
+        auto log = log_with(result);
+        log.replace(log.find("TEXT"), 4, text);
+        EXPECT_EQ(complaint_of_adding(log, {.text_bytes = 20}), "nothing");
+        EXPECT_EQ(complaint_of_adding(log, {.text_bytes = 19}),
+                  "log:/runs/0/results/0: a result set has no room for a text of this many bytes: "
+                  "20, only for 19");
+    }
+}
+
+TEST(SetLimits, MoreEntriesThanTheWireHoldsAreRefused) {
+    auto const refusal = [](std::string const& place, std::size_t found) {
+        return "log:/runs/0/results/" + place +
+               ": a result set has no room for this many entries of a table: " +
+               std::to_string(found) + ", only for " + std::to_string(found - 1);
+    };
+    auto const checks = log_with(repeated(10, "{}"));
+    EXPECT_EQ(complaint_of_adding(checks, {.entries = 10}), "nothing");
+    EXPECT_EQ(complaint_of_adding(checks, {.entries = 9}), refusal("9", 10));
+    struct Case {
+        std::string result;
+        std::size_t entries;  // of two such results
+    };
+    auto const flow =
+        R"({"codeFlows":[{"threadFlows":[{"locations":[)" + repeated(6, "{}") + "]}]}]}";
+    for (auto const& [result, entries] :
+         {Case{R"({"relatedLocations":[)" + repeated(6, "{}") + "]}", 12}, Case{flow, 12},
+          Case{R"({"suppressions":[)" + repeated(6, "{}") + "]}", 12}}) {
+        auto const log = log_with(result + "," + result);
+        EXPECT_EQ(complaint_of_adding(log, {.entries = entries}), "nothing") << result;
+        EXPECT_EQ(complaint_of_adding(log, {.entries = entries - 1}), refusal("1", entries));
+    }
+    auto const flows =
+        log_with(R"({"codeFlows":[)" + repeated(7, R"({"threadFlows":[{}]})") + "]}");
+    EXPECT_EQ(complaint_of_adding(flows, {.entries = 15}), "nothing");
+    EXPECT_EQ(complaint_of_adding(flows, {.entries = 14}), refusal("0", 15));
+    auto const prints =
+        log_with(R"({"fingerprints":{"a":"","b":""},"partialFingerprints":{"a":""}})");
+    EXPECT_EQ(complaint_of_adding(prints, {.entries = 3}), "nothing");
+    EXPECT_EQ(complaint_of_adding(prints, {.entries = 2}), refusal("0", 3));
+}
+
+TEST(SetLimits, MoreStringsThanTheWireHoldsAreRefused) {
+    auto const before = sml::Strings_T::fAllStrings.size();
+    auto const log = log_with(R"({"ruleId":"a string of its own"},{"ruleId":"and another one"})");
+    // Both, the tool, level and kind, and the empty one.
+    EXPECT_EQ(complaint_of_adding(log, {.strings = before + 6}), "nothing");
+    auto const complaint = complaint_of_adding(log, {.strings = before + 5});
+    EXPECT_EQ(complaint, "log:/runs/0/results/1: a result set has no room for this many strings: " +
+                             std::to_string(before + 6) + ", only for " +
+                             std::to_string(before + 5));
+}
+
+TEST(Import, WhatWouldNotBeGoodIsNotWritten) {
+    Scratch const scratch;
+    auto const    target = (scratch / "set").string();
+    auto const    log = log_with(R"({"message":{"text":"a text of 20 letters"}})");
+    auto const    import = [&](std::string const& output, std::string const& most) {
+        return run_command({"import", "--max-text", most, "-", "-o", output}, log);
+    };
+    EXPECT_EQ(import(target, "20").code, 0);
+    EXPECT_EQ(import("-", "20").code, 0);
+    write_bytes(target, "old");
+    for (std::string const& output : {target, std::string("-")}) {
+        auto const refused = import(output, "19");
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_EQ(refused.out, "");
+        EXPECT_TRUE(
+            refused.err.starts_with("bradep: " + (output == "-" ? "standard output" : output) +
+                                    ": not written, as it would be no good result set: byte "))
+            << refused.err;
+        EXPECT_EQ(std::count(refused.err.begin(), refused.err.end(), '\n'), 1);
+    }
+    EXPECT_EQ(bytes_of(target), "old");
+    EXPECT_EQ(scratch.names().size(), 1U);
 }
 
 TEST(MaxOutput, StopsShowInTheMidstOfALine) {

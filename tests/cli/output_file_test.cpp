@@ -262,6 +262,52 @@ TEST_P(OutputFile, PipeIsWrittenTo) {
     EXPECT_EQ(scratch.names(), Names{"pipe"});
 }
 
+class CheckedOutput : public ::testing::Test {
+protected:
+    static void refuse(std::string_view bytes) {
+        throw std::length_error("refused: " + std::string(bytes));
+    }
+    static std::string refusal_of_writing(std::string const& target, std::ostream& out) {
+        try {
+            bradep::write_seekable(target, out, text("new"), refuse);
+        } catch (std::length_error const& refusal) {
+            return refusal.what();
+        }
+        return "nothing";
+    }
+};
+
+TEST_F(CheckedOutput, RefusedBytesAreSeenByNobody) {
+    Scratch const      scratch;
+    std::ostringstream out;
+    auto const         target = (scratch / "out").string();
+    EXPECT_EQ(refusal_of_writing(target, out), "refused: new");
+    EXPECT_EQ(scratch.names(), Names{});
+    write_bytes(target, "old");
+    EXPECT_EQ(refusal_of_writing(target, out), "refused: new");
+    EXPECT_EQ(bytes_of(target), "old");
+    EXPECT_EQ(scratch.names(), Names{"out"});
+    EXPECT_EQ(refusal_of_writing("-", out), "refused: new");
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(refusal_of_writing("/dev/full", out), "refused: new");
+}
+
+TEST_F(CheckedOutput, AcceptedBytesAreWritten) {
+    Scratch const            scratch;
+    std::ostringstream       out;
+    std::vector<std::string> checked;
+    auto const               accept = [&](std::string_view bytes) { checked.emplace_back(bytes); };
+    auto const               target = (scratch / "out").string();
+    bradep::write_seekable(target, out, text("first"), accept);
+    EXPECT_EQ(bytes_of(target), "first");
+    bradep::write_seekable(target, out, text("second"), accept);
+    EXPECT_EQ(bytes_of(target), "second");
+    bradep::write_seekable("-", out, text("third"), accept);
+    EXPECT_EQ(out.str(), "third");
+    EXPECT_EQ(checked, (Names{"first", "second", "third"}));
+    EXPECT_EQ(scratch.names(), Names{"out"});
+}
+
 TEST(ImportCommand, StandardOutputByItsNameIsWrittenTo) {
     Scratch const scratch;
     auto const    command = "'" BRADEP_COMMAND "' import '" + fixture("flows.sarif").string() +

@@ -1,8 +1,10 @@
 #include "schema_diff.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <set>
 #include <utility>
+#include <variant>
 
 namespace bradep {
 namespace {
@@ -35,31 +37,58 @@ struct Shape {
     std::int64_t                    flags = 0;
 };
 
-Shape shape_of(json::value const& use) {
-    if (auto const* const name = use.if_string()) return {std::string(*name), {}, 0};
-    for (std::string_view const kind : inner_kinds) {
-        auto const* const inside = json_input::member(use, kind);
-        if (inside == nullptr) continue;
-        if (kind == "boxed") return shape_of(*inside);
-        Shape shape{std::string(kind), {}, 0};
-        if (auto const* const number = inside->if_int64())
-            shape.flags = *number;
-        else if (auto const* const several = inside->if_array())
-            for (json::value const& one : *several) shape.inner.push_back(&one);
-        else
-            shape.inner.push_back(inside);
-        return shape;
-    }
+// The kind of a type without a name, and what it is given.
+std::pair<std::string_view, json::value const*> inner_kind_of(json::value const& use) {
+    for (std::string_view const kind : inner_kinds)
+        if (auto const* const inside = json_input::member(use, kind)) return {kind, inside};
     throw Misfit{&use, "not a schema: no type"};
 }
 
-std::string spelled(json::value const& use) {
-    Shape const shape = shape_of(use);
-    if (shape.kind == "flags") return std::to_string(shape.flags) + " flags";
-    std::string text = shape.kind;
-    for (std::size_t i = 0; i < shape.inner.size(); ++i)
-        text += (i == 0 ? "<" : ", ") + spelled(*shape.inner[i]);
-    return shape.inner.empty() ? text : text + ">";
+// Bytes do not tell whether a value is boxed.
+json::value const& without_boxes(json::value const& boxed) {
+    auto const* use = &boxed;
+    while (!use->is_string()) {
+        auto const [kind, inside] = inner_kind_of(*use);
+        if (kind != "boxed") break;
+        use = inside;
+    }
+    return *use;
+}
+
+Shape shape_of(json::value const& boxed) {
+    auto const& use = without_boxes(boxed);
+    if (auto const* const name = use.if_string()) return {std::string(*name), {}, 0};
+    auto const [kind, inside] = inner_kind_of(use);
+    Shape shape{std::string(kind), {}, 0};
+    if (auto const* const number = inside->if_int64())
+        shape.flags = *number;
+    else if (auto const* const several = inside->if_array())
+        for (json::value const& one : *several) shape.inner.push_back(&one);
+    else
+        shape.inner.push_back(inside);
+    return shape;
+}
+
+std::string spelled(json::value const& whole) {
+    std::string                                                text;
+    std::vector<std::variant<json::value const*, char const*>> left{&whole};  // the next one last
+    while (!left.empty()) {
+        auto const next = left.back();
+        left.pop_back();
+        if (auto const* const piece = std::get_if<char const*>(&next)) {
+            text += *piece;
+            continue;
+        }
+        Shape const shape = shape_of(*std::get<json::value const*>(next));
+        text += shape.kind == "flags" ? std::to_string(shape.flags) + " flags" : shape.kind;
+        if (shape.inner.empty()) continue;
+        left.emplace_back(">");
+        for (std::size_t i = shape.inner.size(); i-- > 0;) {
+            left.emplace_back(shape.inner[i]);
+            left.emplace_back(i == 0 ? "<" : ", ");
+        }
+    }
+    return text;
 }
 
 struct Named {
@@ -96,6 +125,7 @@ std::vector<Named>::const_iterator find(std::vector<Named> const& all, std::stri
     return std::ranges::find(all, name, &Named::name);
 }
 
+// Compares what is reached from a root, and not by calling itself: a schema may be as deep as long.
 class Comparison {
 public:
     Comparison(json::value const& old, json::value const& now)
@@ -103,7 +133,29 @@ public:
 
     std::vector<std::string> changes;
 
+    // All that is reached from these two uses of a type. What is wrong with a type itself is told
+    // before what is wrong with those inside it.
+    void compare_all(json::value const& old, json::value const& now, std::string const& where) {
+        compare(old, now, where);
+        while (!left_.empty()) {
+            auto const next = std::move(left_.front());
+            left_.pop_front();
+            compare_uses(*next.old, *next.now, next.where);
+        }
+    }
+
+private:
+    struct Uses {
+        json::value const* old;
+        json::value const* now;
+        std::string        where;
+    };
+
     void compare(json::value const& old, json::value const& now, std::string const& where) {
+        left_.push_back({&old, &now, where});
+    }
+
+    void compare_uses(json::value const& old, json::value const& now, std::string const& where) {
         Shape const       was = shape_of(old);
         Shape const       is = shape_of(now);
         auto const* const old_type = json_input::member(old_types_, was.kind);
@@ -118,7 +170,6 @@ public:
             compare(*was.inner[i], *is.inner[i], where);
     }
 
-private:
     void tell(std::string const& where, std::string const& what) {
         changes.push_back(where + ": " + what);
     }
@@ -216,6 +267,7 @@ private:
     json::value const&                            old_types_;
     json::value const&                            now_types_;
     std::set<std::pair<std::string, std::string>> compared_;
+    std::deque<Uses>                              left_;
 };
 
 json::value const* root_with(json::value const& schema, std::string const& stem) {
@@ -234,7 +286,7 @@ std::vector<std::string> breaking_changes(json::value const& old, json::value co
         if (same == nullptr)
             comparison.changes.push_back("the root " + stem + " is gone");
         else
-            comparison.compare(part(root, "type"), part(*same, "type"), "the root " + stem);
+            comparison.compare_all(part(root, "type"), part(*same, "type"), "the root " + stem);
     }
     return std::move(comparison.changes);
 }

@@ -410,6 +410,35 @@ TEST(SchemaCommand, DiffWithNoSchemaIsCodeOne) {
     EXPECT_EQ(run_command({"schema", "--diff", "-", "--root", sets}, "{}").code, 2);
 }
 
+/// The schema with one more root, of a type that is nested so deep.
+Outcome diff_with_nested_type(std::string const& kind, std::string const& innermost) {
+    constexpr int depth = 990;  // of the 1000 that the parser allows
+    std::string   type;
+    for (int i = 0; i < depth; ++i) type += "{\"" + kind + "\":";
+    type += innermost + std::string(depth, '}');
+    std::string       old = run_command({"schema"}).out;
+    std::string const roots = R"("roots": [)";
+    auto const        at = old.find(roots);
+    EXPECT_NE(at, std::string::npos) << old.substr(0, 200);
+    old.insert(at + roots.size(),
+               R"({"stem": "Integers64_T", "type": )" + type + R"(, "digest": "d"},)");
+    return run_command({"schema", "--diff", "-"}, old);
+}
+
+TEST(SchemaCommand, DeeplyNestedTypesAreNoHindrance) {
+    auto const told = diff_with_nested_type("list", R"("int64")");
+    EXPECT_EQ(told.code, 1);
+    EXPECT_EQ(told.err, "");
+    EXPECT_TRUE(told.out.starts_with("the root Integers64_T: was list<list<")) << told.out;
+    EXPECT_TRUE(contains(told.out, "<int64>>>"));
+    auto const wrong = diff_with_nested_type("boxed", R"({"none": 5})");
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_EQ(wrong.out, "");
+    EXPECT_TRUE(wrong.err.starts_with("bradep: standard input: /roots/0/type/boxed/boxed/"))
+        << wrong.err;
+    EXPECT_TRUE(wrong.err.ends_with("/boxed/boxed: not a schema: no type\n")) << wrong.err;
+}
+
 TEST(SchemaCommand, OneRootHasItsClosure) {
     auto const outcome = run_command({"schema", "--root", "Answers_Context"});
     EXPECT_EQ(outcome.code, 0);

@@ -183,6 +183,43 @@ TEST(SchemaDiff, EachTypeIsToldOnceAndRecursionEnds) {
               Lines{"X: the field c is gone"});
 }
 
+/// This many containers around the type.
+std::string nested(std::size_t depth, std::string const& kind, std::string const& type) {
+    std::string text;
+    for (std::size_t i = 0; i < depth; ++i) text += "{\"" + kind + "\":";
+    return text + type + std::string(depth, '}');
+}
+
+TEST(SchemaDiff, ChainOfTypesMayBeAsLongAsTheSchema) {
+    auto const chain = [](std::size_t length, std::string const& last) {
+        std::string types;
+        for (std::size_t i = 0; i < length; ++i)
+            types += "\"X" + std::to_string(i) +
+                     "\": " + record(field("next", "\"X" + std::to_string(i + 1) + "\"")) + ",";
+        return schema(R"("X0")", types + "\"X" + std::to_string(length) + "\": " + last);
+    };
+    constexpr std::size_t length = 50000;
+    json::value const     old = chain(length, record(field("a")));
+    json::value const     now = chain(length, record(field("b")));
+    EXPECT_EQ(breaking_changes(old, old), Lines{});
+    EXPECT_EQ(breaking_changes(old, now),
+              (Lines{"X50000: the field a is gone", "X50000: the field b is new"}));
+}
+
+TEST(SchemaDiff, TypesInsideOneAnotherAreSpelledWhole) {
+    constexpr std::size_t depth = 25;  // what this parser allows besides the schema's own
+    auto const            deep = nested(depth, "list", R"("int32")");
+    std::string           spelled = "int32";
+    for (std::size_t i = 0; i < depth; ++i) spelled = "list<" + spelled + ">";
+    EXPECT_EQ(changes(deep, R"("int32")"), Lines{"the root R: was " + spelled + ", is int32"});
+    EXPECT_EQ(changes(deep, nested(depth, "list", R"("text")")),
+              Lines{"the root R: was int32, is text"});
+    EXPECT_EQ(changes(nested(depth, "boxed", R"("int32")"), R"("int32")"), Lines{});
+    EXPECT_EQ(changes(nested(1, "tuple", R"([{"tuple": ["int32", {"flags": 3}]}, "text"])"),
+                      R"("int32")"),
+              Lines{"the root R: was tuple<tuple<int32, 3 flags>, text>, is int32"});
+}
+
 TEST(SchemaDiff, RootsOfAnotherDigest) {
     json::value const old = schema(R"("int32")", "", "one");
     EXPECT_EQ(changed_roots(old, schema(R"("int32")", "", "one")), Lines{});

@@ -74,7 +74,10 @@ public:
     }
     void flag(bool value) { bytes += value ? 'T' : 'F'; }
     void number(double value) { block(written_double(value)); }
-    void big_integer(std::string_view value) { block(written_integer(value)); }
+    void big_integer(std::string_view value) {
+        word(static_cast<std::int32_t>(value.size() + zeros_behind(value)));
+        (bytes += value).append(zeros_behind(value), '\0');
+    }
     void ieee_float(std::string_view value, std::int32_t width) {
         block(value);
         word(width);

@@ -1,6 +1,8 @@
 #pragma once
 // The memory that a call takes for work of its own: counted, and refused beyond a budget.
 
+#include "inspect/heap_chunk.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -34,12 +36,12 @@ public:
             std::unique_ptr<void, decltype(&std::free)> const tried(std::malloc(bytes_),
                                                                     &std::free);
             if (tried != nullptr) return;
-            budget_.left_ += bytes_;
+            budget_.give_back(bytes_);
             throw std::bad_alloc();
         }
         Hold(Hold const&) = delete;
         Hold& operator=(Hold const&) = delete;
-        ~Hold() { budget_.left_ += bytes_; }
+        ~Hold() { budget_.give_back(bytes_); }
 
     private:
         Budget&       budget_;
@@ -47,24 +49,37 @@ public:
     };
 
 private:
+    // With what the allocator adds.
     void take(std::uint64_t bytes) {
-        if (bytes > left_) throw BudgetExceeded();
-        left_ -= bytes;
+        std::uint64_t const chunk = chunk_of(bytes);
+        if (chunk > left_) throw BudgetExceeded();
+        left_ -= chunk;
+    }
+    void give_back(std::uint64_t bytes) noexcept { left_ += chunk_of(bytes); }
+
+    static std::pmr::memory_resource& heap() { return *std::pmr::new_delete_resource(); }
+
+    // Not over-aligned where it need not be: a program that replaces `operator new` replaces that.
+    static bool is_plain(std::size_t alignment) {
+        return alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
     }
 
     void* do_allocate(std::size_t bytes, std::size_t alignment) override {
         take(bytes);
         try {
-            return std::pmr::new_delete_resource()->allocate(bytes, alignment);
+            return is_plain(alignment) ? ::operator new(bytes) : heap().allocate(bytes, alignment);
         } catch (...) {
-            left_ += bytes;
+            give_back(bytes);
             throw;
         }
     }
 
     void do_deallocate(void* memory, std::size_t bytes, std::size_t alignment) override {
-        std::pmr::new_delete_resource()->deallocate(memory, bytes, alignment);
-        left_ += bytes;
+        if (is_plain(alignment))
+            ::operator delete(memory, bytes);
+        else
+            heap().deallocate(memory, bytes, alignment);
+        give_back(bytes);
     }
 
     bool do_is_equal(std::pmr::memory_resource const& other) const noexcept override {

@@ -167,7 +167,7 @@ std::string integer_of(std::string_view block) {
 
 std::string written_integer(std::string_view hexadecimal) {
     std::string block(hexadecimal);
-    block.append(hexadecimal.starts_with('-') ? 1 : 2, '\0');
+    block.append(zeros_behind(hexadecimal), '\0');
     return block;
 }
 

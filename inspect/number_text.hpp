@@ -37,9 +37,14 @@ inline bool is_written_integer(std::string_view block) {
     return is_written_integer(block, block.size());
 }
 
+/// How many zero bytes stand behind an integer's digits.
+inline std::size_t zeros_behind(std::string_view hexadecimal) {
+    return hexadecimal.starts_with('-') ? 1 : 2;
+}
+
 /// Such a block without its zero bytes.
 inline std::string_view written_digits(std::string_view block) {
-    return block.substr(0, block.size() - (block.front() == '-' ? 1 : 2));
+    return block.substr(0, block.size() - zeros_behind(block));
 }
 
 /// Whether a reader takes a number from this block; else what it reads over stays as it was. That

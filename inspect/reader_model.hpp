@@ -29,8 +29,7 @@ public:
 
     /// An id out of sequence, written or referred to.
     void use_id(std::int32_t id, bool is_new) {
-        auto const hash = static_cast<std::uint64_t>(static_cast<std::int64_t>(id));
-        comparisons += is_new ? ids_.add(hash) : ids_.look_up(hash);
+        comparisons += is_new ? ids_.add(id) : ids_.look_up(id);
     }
 
     void open_table(std::uint64_t entries) {
@@ -41,7 +40,10 @@ public:
     /// The hash of a key of the table opened last.
     void use_key(std::uint64_t hash, bool is_new) {
         Keys& keys = open_[open_count_ - 1];
-        (is_new ? keys.added : keys.found).push_back(hash);
+        if (is_new)
+            keys.added.push_back(hash);
+        else
+            ++keys.found;
     }
 
     void close_table() {
@@ -56,20 +58,20 @@ private:
     struct Keys {
         using allocator_type = std::pmr::polymorphic_allocator<std::uint64_t>;
 
-        explicit Keys(allocator_type memory) : added(memory), found(memory) {}
+        explicit Keys(allocator_type memory) : added(memory) {}
         Keys(Keys&& other, allocator_type memory)
-            : added(std::move(other.added), memory), found(std::move(other.found), memory) {}
+            : added(std::move(other.added), memory), found(other.found) {}
 
         void clear() {
             Hashes(added.get_allocator()).swap(added);
-            Hashes(found.get_allocator()).swap(found);
+            found = 0;
         }
 
-        Hashes added;
-        Hashes found;  // there already
+        Hashes        added;
+        std::uint64_t found = 0;  // there already
     };
 
-    TableModel             ids_;
+    IdTableModel           ids_;
     std::pmr::vector<Keys> open_;
     std::size_t            open_count_ = 0;
 };

@@ -34,7 +34,7 @@ bool StringTable::refer_other(std::int32_t id) {
 }
 
 bool StringTable::knows(std::int32_t id) const {
-    return (id >= 1 && id <= prefix_) || (id >= 1 && others_.find(id) != nullptr);
+    return (id >= 1 && id <= prefix_) || (id >= 1 && others_.find(id));
 }
 
 bool StringTable::index_text(std::uint32_t entry) {
@@ -77,15 +77,15 @@ void StringTable::grow_index() {
 
 std::uint64_t StringTable::readers_comparisons() const {
     Hashes added(entries_.get_allocator());
-    Hashes found(entries_.get_allocator());
-    added.reserve(entries_.size());
+    added.reserve(distinct_);
     auto repeated = repeated_.begin();
     for (std::uint32_t entry = 0; entry < entries_.size(); ++entry) {
-        bool const is_repeated = repeated != repeated_.end() && *repeated == entry;
-        (is_repeated ? found : added).push_back(entries_[entry].hash);
-        repeated += is_repeated ? 1 : 0;
+        if (repeated != repeated_.end() && *repeated == entry)
+            ++repeated;
+        else
+            added.push_back(entries_[entry].hash);
     }
-    return comparisons_of(added, found);
+    return comparisons_of(added, repeated_.size());
 }
 
 }  // namespace sml::inspect

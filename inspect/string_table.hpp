@@ -92,7 +92,7 @@ private:
     };
 
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
-    static constexpr std::uint32_t unknown = ~std::uint32_t{0};  // used before it was told
+    static constexpr std::uint32_t unknown = IdTable::no_number;  // used before it was told
 
     /// The number of the entry of an id that is known.
     std::uint32_t number_of(std::int32_t id) const {

@@ -40,11 +40,17 @@ inline std::size_t growth_of(std::uint64_t keys) {
 
 using Hashes = std::pmr::vector<std::uint64_t>;
 
-/// The comparisons of the keys that a table gets while it has so many buckets, from one key up to
-/// another. None where a bucket holds more keys than `Count` holds.
+/// Of keys in a table: how often they are compared, and the most that share a bucket.
+struct Compared {
+    std::uint64_t comparisons = 0;
+    std::uint64_t longest = 0;
+};
+
+/// For the keys that a table gets while it has so many buckets, from one key up to another. None
+/// where a bucket holds more keys than `Count` holds.
 template <class Count>
-std::optional<std::uint64_t> comparisons_at(std::uint64_t buckets, std::uint64_t from,
-                                            std::uint64_t to, Hashes const& hashes) {
+std::optional<Compared> compared_at(std::uint64_t buckets, std::uint64_t from, std::uint64_t to,
+                                    Hashes const& hashes) {
     std::pmr::vector<Count> chains(buckets, 0, hashes.get_allocator());
     core::Remainder const   bucket_of(buckets);
     Count                   longest = 0;
@@ -55,65 +61,66 @@ std::optional<std::uint64_t> comparisons_at(std::uint64_t buckets, std::uint64_t
         comparisons += i < from ? 0 : others;
     }
     if (longest == std::numeric_limits<Count>::max()) return std::nullopt;
-    return comparisons;
+    return Compared{comparisons, std::uint64_t{longest} + 1};
 }
 
 /// The comparisons of keys, no two of them equal, that a table gets one after another, and of
-/// others that it finds there. Takes a byte a key for the time being, four where many share a
-/// bucket.
-inline std::uint64_t comparisons_of(Hashes const& added, Hashes const& found) {
+/// others that it finds there, which are taken to be in its longest chain. Takes a byte a key for
+/// the time being, four where many share a bucket.
+inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
     constexpr std::uint64_t least_counted = 64;  // in smaller ones each is compared with few
-    std::uint64_t           comparisons = std::min<std::uint64_t>(added.size(), least_counted);
+    Compared                all{std::min<std::uint64_t>(added.size(), least_counted), 1};
     for (std::size_t growth = growth_of(least_counted); growth <= growth_of(added.size());
          ++growth) {
         std::uint64_t const buckets = bucket_counts()[growth];
         std::uint64_t const from = bucket_counts()[growth - 1];
         std::uint64_t const to = std::min<std::uint64_t>(added.size(), buckets);
-        auto                at = comparisons_at<std::uint8_t>(buckets, from, to, added);
-        if (!at) at = comparisons_at<std::uint32_t>(buckets, from, to, added);
-        comparisons += at.value_or(to * to / 2);
+        auto                at = compared_at<std::uint8_t>(buckets, from, to, added);
+        if (!at) at = compared_at<std::uint32_t>(buckets, from, to, added);
+        all = {all.comparisons + at.value_or(Compared{to * to / 2, to}).comparisons,
+               at.value_or(Compared{0, to}).longest};
     }
-    if (found.empty()) return comparisons;
-    std::uint64_t const             buckets = bucket_counts()[growth_of(added.size())];
-    core::Remainder const           bucket_of(buckets);
-    std::pmr::vector<std::uint32_t> chains(buckets, 0, added.get_allocator());
-    for (std::uint64_t const hash : added) ++chains[bucket_of(hash)];
-    for (std::uint64_t const hash : found) comparisons += chains[bucket_of(hash)];
-    return comparisons;
+    return all.comparisons + found * all.longest;
 }
 
-/// One table, known by the hashes of its keys: 12 to 20 bytes a key.
-class TableModel {
+/// The table of the ids out of sequence, which hash as they are: 8 to 16 bytes an id.
+class IdTableModel {
 public:
-    explicit TableModel(std::pmr::memory_resource* memory)
-        : hashes_(memory), chains_(1, 0, memory) {}
+    explicit IdTableModel(std::pmr::memory_resource* memory)
+        : ids_(memory), chains_(1, 0, memory) {}
 
-    /// Adds a key that is not there. Gives how many keys it is compared with.
-    std::uint64_t add(std::uint64_t hash) {
-        std::uint64_t const compared = look_up(hash);
-        if (hashes_.size() == most_keys_) grow();
-        hashes_.push_back(hash);
-        ++chains_[bucket_of_(hash)];
+    /// Adds an id that is not there. Gives how many others it is compared with.
+    std::uint64_t add(std::int32_t id) {
+        std::uint64_t const compared = look_up(id);
+        if (ids_.size() == most_ids_) grow();
+        ids_.push_back(id);
+        ++chains_[bucket_of(id)];
         return compared;
     }
 
-    /// With how many keys one with this hash is compared at most, as one that is there or not.
-    std::uint64_t look_up(std::uint64_t hash) const { return chains_[bucket_of_(hash)]; }
+    /// With how many it is compared at most, there or not.
+    std::uint64_t look_up(std::int32_t id) const { return chains_[bucket_of(id)]; }
 
 private:
-    void grow() {
-        std::size_t const buckets = bucket_counts()[++growth_];
-        chains_.assign(buckets, 0);
-        most_keys_ = buckets;
-        bucket_of_ = core::Remainder(buckets);
-        for (std::uint64_t const hash : hashes_) ++chains_[bucket_of_(hash)];
+    using Chains = std::pmr::vector<std::uint32_t>;
+
+    std::uint64_t bucket_of(std::int32_t id) const {
+        return divide_(static_cast<std::uint64_t>(static_cast<std::int64_t>(id)));
     }
 
-    std::pmr::vector<std::uint64_t> hashes_;
-    std::pmr::vector<std::uint32_t> chains_;  // how many keys each bucket holds
-    core::Remainder                 bucket_of_{1};
-    std::size_t                     growth_ = 0;
-    std::size_t                     most_keys_ = 0;  // before it grows
+    void grow() {
+        most_ids_ = bucket_counts()[++growth_];
+        divide_ = core::Remainder(most_ids_);
+        Chains(chains_.get_allocator()).swap(chains_);
+        chains_.assign(most_ids_, 0);
+        for (std::int32_t const id : ids_) ++chains_[bucket_of(id)];
+    }
+
+    std::pmr::vector<std::int32_t> ids_;
+    Chains                         chains_;  // how many ids each bucket holds
+    core::Remainder                divide_{1};
+    std::size_t                    growth_ = 0;
+    std::size_t                    most_ids_ = 0;  // before it grows
 };
 
 }  // namespace sml::inspect

@@ -20,6 +20,8 @@ Limits limits_of(sml_inspect_limits const* given) {
     set_unless_zero(limits.elements, given->elements);
     set_unless_zero(limits.text_bytes, given->text_bytes);
     set_unless_zero(limits.memory, given->memory);
+    set_unless_zero(limits.work, given->work);
+    set_unless_zero(limits.own_memory, given->own_memory);
     return limits;
 }
 
@@ -49,11 +51,13 @@ sml_inspect_answer sml_inspect_verify(char const* stem, void const* bytes, std::
     Root const* const root = stem == nullptr ? nullptr : find_root(stem);
     if (root == nullptr) return SML_INSPECT_NO_SUCH_ROOT;
     if (bytes == nullptr && size != 0) return SML_INSPECT_NO_BYTES;
-    Verdict const verdict =
-        verify(*root, {static_cast<char const*>(bytes), size},
-               {.limits = limits_of(limits), .listed = static_cast<std::size_t>(listed)});
+    VerifyOptions options{.limits = limits_of(limits), .listed = static_cast<std::size_t>(listed)};
+    if (limits != nullptr && limits->decimal_point != nullptr)
+        options.decimal_point = limits->decimal_point;
+    Verdict const verdict = verify(*root, {static_cast<char const*>(bytes), size}, options);
     if (out != nullptr)
-        *out = {verdict.odd_count, verdict.walked, verdict.heap, verdict.elements, verdict.strings};
+        *out = {verdict.odd_count, verdict.walked,   verdict.heap,
+                verdict.work,      verdict.elements, verdict.strings};
     if (listener != nullptr) tell(verdict, listener, context);
     return answer_of(verdict.answer);
 } catch (std::bad_alloc const&) {

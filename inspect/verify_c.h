@@ -13,22 +13,27 @@ enum sml_inspect_answer {
     SML_INSPECT_ODD = 1,          /* safe to read, but not what a writer makes */
     SML_INSPECT_UNSAFE = 2,       /* not to be given to a reader */
     SML_INSPECT_NO_SUCH_ROOT = 3, /* no root has this stem, or there is none given */
-    SML_INSPECT_NO_MEMORY = 4,    /* the walk's own tables found no memory */
+    SML_INSPECT_NO_MEMORY = 4,    /* the walk's own tables found no memory, or too little allowed */
     SML_INSPECT_NO_BYTES = 5      /* the bytes are null, their size is not 0 */
 };
 
-/* What a walk puts up with; 0 stands for the default. */
+/* What a walk puts up with, and how the bytes were written; 0 stands for the default. */
 struct sml_inspect_limits {
     uint32_t depth;      /* variants and containers inside one another; at most 1000 */
     uint64_t elements;   /* of all containers together */
     uint64_t text_bytes; /* of one text */
-    uint64_t memory;     /* estimated heap of the object read, in bytes */
+    uint64_t memory;     /* heap that reading takes at its peak, estimated, in bytes */
+    uint64_t work;       /* comparisons of keys in the hash tables of a reader, estimated */
+    uint64_t own_memory; /* of the walk itself: more is answered by SML_INSPECT_NO_MEMORY */
+
+    char const* decimal_point; /* of the locale of the process that wrote the bytes; null for "." */
 };
 
 struct sml_inspect_verdict {
     uint64_t odd_count;
     uint64_t walked;   /* how many bytes were walked */
-    uint64_t heap;     /* bytes that the object read takes, estimated */
+    uint64_t heap;     /* bytes of heap that reading takes at its peak, estimated */
+    uint64_t work;     /* comparisons of keys in the hash tables of a reader, estimated */
     uint64_t elements; /* entries of all containers */
     uint64_t strings;  /* strings told whole */
 };

@@ -27,8 +27,7 @@ Exit_Code write_canon(Options const& options, Streams& streams) {
     refuse_without_canonical_form(input);
     write_seekable(options.output, streams.out, [&](std::ostream& out) {
         input.watch("sorting", [&](VerifyOptions const& watched) {
-            write_canonical(input.root(), input.bytes(), out,
-                            {.limits = watched.limits, .progress = watched.progress});
+            write_canonical(input.root(), input.bytes(), out, watched.walk());
         });
     });
     return exit_done;
@@ -38,8 +37,7 @@ Exit_Code print_digest(Walk_Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
     refuse_without_canonical_form(input);
     streams.out << input.watch("sorting", [&](VerifyOptions const& watched) {
-        return digest(input.root(), input.bytes(),
-                      {.limits = watched.limits, .progress = watched.progress});
+        return digest(input.root(), input.bytes(), watched.walk());
     }) << '\n';
     return exit_done;
 }

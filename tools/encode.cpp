@@ -19,20 +19,34 @@ struct Options {
     Limits        limits;
 };
 
-std::string described(EncodeError const& error) {
+std::string placed(EncodeError const& error) {
     std::string const place = error.path.empty() ? "" : " at " + error.path;
     return std::to_string(error.position.line) + ":" + std::to_string(error.position.column) +
            place + ": expected " + error.expected + ", found " + error.found;
+}
+
+// Throws Damaged_Input for bytes that are beyond a limit as a whole.
+void refuse_unless_encodable(Root const& root, std::string_view bytes, std::string const& name,
+                             Limits const& limits) {
+    Verdict const verdict = verify(root, bytes, {.limits = limits, .listed = 0});
+    if (verdict.reason_against_encoding)
+        throw Damaged_Input(name + ": not encoded, as a reader could not take the bytes: " +
+                            described(*verdict.reason_against_encoding));
 }
 
 Exit_Code encode_file(Options const& options, Streams& streams) {
     auto const        name = input_name(options.file);
     Input_Bytes const json(options.file, options.max_size, streams.in);
     Progress          progress(streams.err, name + ", encoding", json.view().size());
-    write_seekable(options.output, streams.out, [&](std::ostream& out) {
+    Root const*       root = nullptr;
+    auto const        write = [&](std::ostream& out) {
         Encoded const encoded =
             encode(json.view(), out, {.limits = options.limits, .progress = progress.done()});
-        if (encoded.error) throw Damaged_Input(name + ":" + described(*encoded.error));
+        if (encoded.error) throw Damaged_Input(name + ":" + placed(*encoded.error));
+        root = encoded.root;
+    };
+    write_seekable(options.output, streams.out, write, [&](std::string_view bytes) {
+        refuse_unless_encodable(*root, bytes, name, options.limits);
     });
     return exit_done;
 }
@@ -49,11 +63,11 @@ Action declare_encode(CLI::App& app) {
         ->required()
         ->type_name("FILE");
     declare_max_size(app, options->max_size);
-    app.add_option("--max-depth", options->limits.depth,
-                   "Variants and containers inside one another, at most 1000")
-        ->capture_default_str()
-        ->check(CLI::Range(1U, Limits::depth_cap))
-        ->type_name("NUMBER");
+    declare_limits(app, options->limits);
+    app.footer(
+        "The bytes are verified before they appear. They are good, or odd in unset or unknown "
+        "tags\n"
+        "and enumerators that the JSON says.\n");
     return [options](Streams& streams) { return encode_file(*options, streams); };
 }
 

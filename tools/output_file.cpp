@@ -62,6 +62,7 @@ public:
     }
     ~Removal_On_Interrupt() {
         for (auto const& [signal, before] : handlers_) std::signal(signal, before);
+        file_to_remove.clear();
     }
     Removal_On_Interrupt(Removal_On_Interrupt const&) = delete;
     Removal_On_Interrupt& operator=(Removal_On_Interrupt const&) = delete;
@@ -218,6 +219,10 @@ void write_beside(fs::path const& named_target, std::function<void(std::ostream&
 }
 
 }  // namespace
+
+void remove_temporary_file() noexcept {
+    if (!file_to_remove.empty()) ::unlink(file_to_remove.c_str());
+}
 
 void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
                 Temporary kind) {

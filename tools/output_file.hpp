@@ -25,4 +25,7 @@ void write_seekable(std::string const& target, std::ostream& standard_output,
                     std::function<void(std::ostream&)> const&    write,
                     std::function<void(std::string_view)> const& check = nullptr);
 
+// Removes what has a name and is being written, for a process that is going to end at once.
+void remove_temporary_file() noexcept;
+
 }  // namespace bradep

@@ -1,11 +1,14 @@
 #include <chrono>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include "bindings/bindings.hpp"
 #include "command.hpp"
 #include "errors.hpp"
+#include "inspect/canonical.hpp"
+#include "inspect/double_text.hpp"
 #include "json_line.hpp"
 #include "limited_output.hpp"
 #include "result_mapping.hpp"
@@ -25,6 +28,21 @@ struct Options : Walk_Options {
     std::size_t   rows = default_rows;
 };
 
+// A reader takes the decimal point of this process: bytes with another one are read as they are in
+// their canonical form, which has this one.
+void read(Walked_Input const& input, sml::inspect::Verdict const& verdict, Result_Set& set) {
+    using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
+    auto const& options = input.options();
+    if (options.decimal_point == sml::inspect::plain_point)
+        return Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
+    if (verdict.reason_against_encoding)
+        throw Damaged_Input(input.name() + ": can't be read with another decimal point: " +
+                            described(*verdict.reason_against_encoding));
+    std::ostringstream canonical;
+    write_canonical(input.root(), input.bytes(), canonical, options.walk());
+    Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, canonical.view().data());
+}
+
 // Throws Damaged_Input for bytes that are not safe to read.
 void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
     if (input.bytes().empty())
@@ -34,7 +52,7 @@ void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
         throw Damaged_Input(input.name() +
                             ": not a result set: " + described(verdict.findings.back()));
     report_findings(err, input.name(), verdict.findings, verdict.odd_count);
-    sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
+    read(input, verdict, set);
 }
 
 // A check that many forms named would be restored and printed as often.
@@ -84,6 +102,7 @@ Action declare_show(CLI::App& app) {
     auto options = std::make_shared<Options>();
     options->stem = result_set_stem;
     declare_max_size(app, options->max_size);
+    declare_decimal_point(app, options->verify);
     declare_limits(app, options->verify.limits);
     app.footer("The file is verified before it is read.\n");
     app.add_option("FILE", options->file, "The result set. - is standard input")

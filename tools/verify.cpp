@@ -31,7 +31,8 @@ Exit_Code verify_file(Options const& options, Streams& streams) {
                 << "  odd       " << verdict.odd_count << '\n'
                 << "  strings   " << verdict.strings << '\n'
                 << "  elements  " << verdict.elements << '\n'
-                << "  heap      about " << verdict.heap << " bytes when read\n";
+                << "  heap      at most about " << verdict.heap << " bytes while it is read\n"
+                << "  work      about " << verdict.work << " comparisons of keys to read it\n";
     bool const is_refused =
         verdict.answer == Answer::unsafe || (options.strict && verdict.answer == Answer::odd);
     return is_refused ? exit_no : exit_done;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "inspect/characters.hpp"
 #include "inspect/nearest.hpp"
 #include "printable.hpp"
 
@@ -27,6 +28,10 @@ void declare_root_option(CLI::App& app, std::optional<std::string>& stem) {
 }
 
 namespace {
+
+bool is_part_of_number(char c) {
+    return is_digit(c) || is_letter(c) || is_blank(c) || c == '+' || c == '-';
+}
 
 /// Refuses what would wrap around or be cut short.
 std::string judge_amount(std::string const& text) {
@@ -70,9 +75,30 @@ void declare_limits(CLI::App& app, Limits& limits) {
         *add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
              ->transform(CLI::AsSizeValue(false))
              ->type_name("SIZE"));
-    declare_amount(*add("--max-memory", limits.memory, "Estimated heap of the object that is read")
-                        ->transform(CLI::AsSizeValue(false))
-                        ->type_name("SIZE"));
+    declare_amount(
+        *add("--max-memory", limits.memory, "Heap that reading takes at its peak, estimated")
+             ->transform(CLI::AsSizeValue(false))
+             ->type_name("SIZE"));
+    declare_amount(*add("--max-work", limits.work,
+                        "Comparisons of keys in the hash tables of a reader, estimated")
+                        ->type_name("NUMBER"));
+    declare_own_memory(app, limits);
+}
+
+void declare_own_memory(CLI::App& app, Limits& limits) {
+    declare_size(app, "--max-own-memory", limits.own_memory,
+                 "Memory for the command's own tables, beside the input; beyond it the code is 2");
+}
+
+void declare_decimal_point(CLI::App& app, VerifyOptions& options) {
+    app.add_option("--decimal-point", options.decimal_point,
+                   "The decimal point in the locale of the process that wrote the bytes")
+        ->capture_default_str()
+        ->check([](std::string const& point) {
+            bool const is_one = !point.empty() && std::ranges::none_of(point, is_part_of_number);
+            return is_one ? std::string() : "\"" + point + "\" is no decimal point";
+        })
+        ->type_name("CHARACTER");
 }
 
 void declare_findings_option(CLI::App& app, Walk_Options& options) {
@@ -88,6 +114,7 @@ void declare_walk_options(CLI::App& app, Walk_Options& options) {
         ->type_name("");
     declare_max_size(app, options.max_size);
     declare_root_option(app, options.stem);
+    declare_decimal_point(app, options.verify);
     declare_limits(app, options.verify.limits);
 }
 

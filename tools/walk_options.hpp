@@ -23,6 +23,8 @@ struct Walk_Options {
 void declare_walk_options(CLI::App& app, Walk_Options& options);
 void declare_root_option(CLI::App& app, std::optional<std::string>& stem);
 void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
+void declare_own_memory(CLI::App& app, sml::inspect::Limits& limits);
+void declare_decimal_point(CLI::App& app, sml::inspect::VerifyOptions& options);
 // An option like 64K, 10M or 2G.
 void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning);
 void declare_max_size(CLI::App& app, std::uint64_t& max_size);
@@ -47,6 +49,8 @@ public:
     std::string const&        name() const { return name_; }
     std::string_view          bytes() const { return bytes_.view(); }
     sml::inspect::Root const& root() const { return *root_; }
+
+    sml::inspect::VerifyOptions const& options() const { return options_; }
 
     sml::inspect::Verdict verify() const;
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cerrno>
+#include <cctype>
 #include <cfenv>
 #include <cmath>
 #include <cstdint>
@@ -155,6 +155,18 @@ std::string random_text(std::mt19937_64& engine) {
     return text;
 }
 
+/// Whether all that could be a decimal point is one of the two that processes have here.
+bool has_no_point_of_another_kind(std::string_view text) {
+    bool is_behind_point = false;
+    for (char const c : text) {
+        bool const is_point = c == '.' || c == ',';
+        if (is_point && is_behind_point) return false;
+        if (!is_point && std::isalnum(static_cast<unsigned char>(c)) == 0) return false;
+        is_behind_point = is_point;
+    }
+    return true;
+}
+
 // For the two points that processes have here, the judgement is exact; others make it stricter.
 TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
     std::uint64_t const seed = std::random_device{}();
@@ -183,8 +195,7 @@ TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
             ASSERT_TRUE(are_alike(*value, *with_dot));
             ASSERT_TRUE(are_alike(*comma_value, *with_comma));
             point_dependent += !are_alike(*value, *comma_value);
-        } else if (text.find_first_of(" \t+-\0"s) == text.npos && text.find("..") == text.npos &&
-                   text.find(".,") == text.npos && text.find(",.") == text.npos) {
+        } else if (has_no_point_of_another_kind(text)) {
             ASSERT_FALSE(reads);
         }
         if (is_plainly_written_double(text, ".")) {

@@ -144,7 +144,7 @@ void tell_c_verdict(std::ostream& out, Case const& one) {
     auto const listen = [](void* context, sml_inspect_finding const* finding) {
         *static_cast<std::ostream*>(context) << finding->offset << ' ' << finding->path << '\n';
     };
-    sml_inspect_limits const limits{0, 0, 0, bounded.limits.memory};
+    sml_inspect_limits const limits{0, 0, 0, bounded.limits.memory, 0, 0, nullptr};
     sml_inspect_verdict      verdict{};
     std::string const        stem(one.root->stem);
     out << sml_inspect_verify(stem.c_str(), one.bytes.data(), one.bytes.size(), &limits, &verdict,

@@ -67,11 +67,11 @@ TEST(VerifyC, ListedBoundsTheOddFindingsThatAreTold) {
 }
 
 TEST(VerifyC, EveryLimitCounts) {
-    sml_inspect_limits const enough{2, 2, 1, 1000};
+    sml_inspect_limits const enough{2, 2, 1, 1000, 10, 100'000, nullptr};
     EXPECT_EQ(call(sets, one_set(), &enough).answer, SML_INSPECT_GOOD);
-    for (sml_inspect_limits const& limits :
-         {sml_inspect_limits{1, 2, 1, 1000}, sml_inspect_limits{2, 1, 1, 1000},
-          sml_inspect_limits{2, 2, 1, 100}})
+    for (sml_inspect_limits const& limits : {sml_inspect_limits{1, 2, 1, 1000, 10, 0, nullptr},
+                                             sml_inspect_limits{2, 1, 1, 1000, 10, 0, nullptr},
+                                             sml_inspect_limits{2, 2, 1, 100, 10, 0, nullptr}})
         EXPECT_EQ(call(sets, one_set(), &limits).answer, SML_INSPECT_UNSAFE);
     std::string const longer =
         hex::bytes("01 00 00 00  FF FF FF FF 02 00 00 00 'ab'  01 00 00 00  01 00 00 00");
@@ -84,7 +84,7 @@ TEST(VerifyC, LimitOfZeroIsTheDefault) {
 }
 
 TEST(VerifyC, DepthBeyondTheCapIsTheCap) {
-    sml_inspect_limits const deep{~0u, 0, 0, 0};
+    sml_inspect_limits const deep{~0u, 0, 0, 0, 0, 0, nullptr};
     EXPECT_EQ(call(sets, one_set(), &deep).answer, SML_INSPECT_GOOD);
 }
 

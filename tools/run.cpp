@@ -26,8 +26,8 @@ constexpr Command commands[] = {
 };
 
 constexpr char const* exit_codes =
-    "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage or a file that\n"
-    "cannot be read or written. Errors go to standard error.";
+    "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage, a file that\n"
+    "cannot be read or written, or no memory left. Errors go to standard error.";
 
 int report(std::ostream& err, Exit_Code code, std::string const& what) {
     err << "bradep: " << printable(what) << '\n';

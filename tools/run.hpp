@@ -8,8 +8,8 @@
 namespace bradep {
 
 // The whole command `bradep`, its name not among `args`. Returns the exit code: 0 done, 1 the input
-// is damaged, 2 wrong usage or a file that cannot be read or written. On 1 and 2 `err` gets one
-// line.
+// is damaged, 2 wrong usage, a file that cannot be read or written, or no memory left. On 1 and 2
+// `err` gets one line.
 int run(std::vector<std::string> const& args, std::istream& in, std::ostream& out,
         std::ostream& err);
 

@@ -86,10 +86,24 @@ std::string or_blank(std::string const& text, char const* blank) {
     return text.empty() ? blank : printable(text);
 }
 
-std::string tool_text(sml::Checks::T_A_Check const& check) {
-    auto const& version = check.second_string.str();
-    return or_blank(check.first_string.str(), "(no tool)") +
+using Tool = std::pair<sml::Strings_T, sml::Strings_T>;  // name and version
+
+std::string tool_text(Tool const& tool) {
+    auto const& version = tool.second.str();
+    return or_blank(tool.first.str(), "(no tool)") +
            (version.empty() ? "" : " " + printable(version));
+}
+
+// Counts whatever the checks share, each of which is spelled once: texts may be long.
+template <typename Shared, typename Spell>
+Counts spelled(std::map<Shared, std::size_t> const& shared_counts, Spell const& spell) {
+    Counts counts;
+    for (auto const& [shared, count] : shared_counts) counts[spell(shared)] += count;
+    return counts;
+}
+
+auto or_blank(char const* blank) {
+    return [blank](sml::Strings_T const& text) { return or_blank(text.str(), blank); };
 }
 
 struct Check_Counts {
@@ -97,18 +111,26 @@ struct Check_Counts {
 };
 
 Check_Counts counts_of(Result_Set const& set) {
-    Check_Counts counts;
+    using Text_Counts = std::map<sml::Strings_T, std::size_t>;
+    Counts                      categories;
+    std::map<Tool, std::size_t> tools;
+    Text_Counts                 rules, levels, kinds, states, files;
     for (auto const& [key, check] : set.application_results.checks) {
-        ++counts.by_category[category_name(check.category)];
-        ++counts.by_rule[or_blank(check.optional_string.value_or(sml::Strings_T()).str(),
-                                  "(no rule)")];
-        ++counts.by_level[or_blank(check.third_string.str(), "(no level)")];
-        ++counts.by_tool[tool_text(check)];
-        ++counts.by_kind[or_blank(check.fourth_string.str(), "(no kind)")];
-        ++counts.by_baseline_state[or_blank(check.sixth_string.str(), "(no state)")];
-        ++counts.by_file[or_blank(key.first.str(), "(no file)")];
+        ++categories[category_name(check.category)];
+        ++tools[{check.first_string, check.second_string}];
+        ++rules[check.optional_string.value_or(sml::Strings_T())];
+        ++levels[check.third_string];
+        ++kinds[check.fourth_string];
+        ++states[check.sixth_string];
+        ++files[key.first];
     }
-    return counts;
+    return {.by_category = std::move(categories),
+            .by_rule = spelled(rules, or_blank("(no rule)")),
+            .by_level = spelled(levels, or_blank("(no level)")),
+            .by_tool = spelled(tools, tool_text),
+            .by_kind = spelled(kinds, or_blank("(no kind)")),
+            .by_baseline_state = spelled(states, or_blank("(no state)")),
+            .by_file = spelled(files, or_blank("(no file)"))};
 }
 
 std::string place_text(sarif::Place const& place) {

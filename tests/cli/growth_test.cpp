@@ -1,5 +1,5 @@
-// How the time of import grows with the log. A log of four times the size may take eight times as
-// long: what is quadratic takes sixteen times.
+// How time grows with the input. Four times the input may take eight times as long: what is
+// quadratic takes sixteen times.
 
 #include <gtest/gtest.h>
 
@@ -7,42 +7,55 @@
 #include <ctime>
 
 #include "cli_support.hpp"
+#include "result_mapping.hpp"
+#include "summary.hpp"
 
 namespace {
 
 using namespace cli_test;
 
 constexpr double most_growth = 8;
-constexpr int    repetitions = 5;
+constexpr int    repetitions = 3;
 constexpr double shortest = 0.02;  // seconds that can be compared
 
-double seconds_to_import(std::string const& log) {
-    constexpr bradep::sarif::Limits unlimited{.message = std::uint64_t{1} << 40,
-                                              .expansion = std::uint64_t{1} << 40};
-    std::size_t                     results = 0;
-    auto const                      start = std::clock();
-    bradep::sarif::read_log(
-        log, "log", 0, [&](auto&&) { ++results; }, unlimited);
-    auto const end = std::clock();
-    EXPECT_GT(results, 0U);
-    return static_cast<double>(end - start) / CLOCKS_PER_SEC;
+template <typename Work>
+double seconds_of(Work const& work) {
+    auto const start = std::clock();
+    work();
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-double median_seconds(std::string const& log) {
+template <typename Work>
+double median_seconds(Work const& work) {
     std::vector<double> times;
-    for (int i = 0; i < repetitions; ++i) times.push_back(seconds_to_import(log));
+    for (int i = 0; i < repetitions; ++i) times.push_back(seconds_of(work));
     std::ranges::sort(times);
     return times[repetitions / 2];
 }
 
-/// Of `log_of(n)`, from an n that takes long enough to be compared.
+/// Of `work_of(n)()`, from an n that takes long enough to be compared.
+template <typename Work>
+void expect_linear_work(Work const& work_of) {
+    std::size_t n = 500;
+    double      time = median_seconds(work_of(n));
+    while (time < shortest) time = median_seconds(work_of(n *= 2));
+    double const longer = median_seconds(work_of(4 * n));
+    EXPECT_LT(longer / time, most_growth) << n << ": " << time << " s, then " << longer << " s";
+}
+
+/// Of importing `log_of(n)`.
 template <typename Log>
 void expect_linear(Log const& log_of) {
-    std::size_t n = 500;
-    double      time = median_seconds(log_of(n));
-    while (time < shortest) time = median_seconds(log_of(n *= 2));
-    double const longer = median_seconds(log_of(4 * n));
-    EXPECT_LT(longer / time, most_growth) << n << ": " << time << " s, then " << longer << " s";
+    expect_linear_work([&](std::size_t n) {
+        return [log = log_of(n)] {
+            constexpr bradep::sarif::Limits unlimited{.message = std::uint64_t{1} << 40,
+                                                      .expansion = std::uint64_t{1} << 40};
+            std::size_t                     results = 0;
+            bradep::sarif::read_log(
+                log, "log", 0, [&](auto&&) { ++results; }, unlimited);
+            EXPECT_GT(results, 0U);
+        };
+    });
 }
 
 std::string repeated(std::size_t times, std::string const& element) {
@@ -51,7 +64,7 @@ std::string repeated(std::size_t times, std::string const& element) {
     return list;
 }
 
-/// {"PREFIX": "0"}, {"PREFIX": "1"} and so on.
+/// {"NAME": "0"}, {"NAME": "1"} and so on.
 std::string numbered(std::size_t times, std::string const& name) {
     std::string list;
     for (std::size_t i = 0; i < times; ++i)
@@ -128,6 +141,20 @@ TEST(Growth, ManyMembers) {
         for (std::size_t i = 0; i < n; ++i)
             members += (i == 0 ? "\"" : ",\"") + std::to_string(i) + R"(":"f")";
         return log_with(R"({"fingerprints":{)" + members + "}}");
+    });
+}
+
+TEST(Growth, SummaryOfManyChecksThatShareOneLongText) {
+    expect_linear_work([](std::size_t n) {
+        bradep::Result_Set    set;
+        bradep::sarif::Result result;
+        result.rule = std::string(40 * n, 'r');
+        for (std::size_t i = 0; i < n; ++i) bradep::add_result(result, set);
+        return [set] {
+            std::ostringstream out;
+            bradep::write_summary(out, set, {"set", 0, {}, 0});
+            EXPECT_FALSE(out.str().empty());
+        };
     });
 }
 

@@ -4,6 +4,7 @@
 #include "inspect/canonical.hpp"
 #include "inspect/dump.hpp"
 #include "inspect/encode.hpp"
+#include "inspect/json_text.hpp"
 #include "inspect/memory.hpp"
 #include "inspect/verify.hpp"
 #include "tests/inspect/counted_heap.hpp"
@@ -144,6 +145,21 @@ TEST(OwnMemory, IsKeptByLongNumbers) {
     std::string const bytes = long_integer(5'000'000);
     expect_kept_budget_of_walks(numbers_root(), bytes);
     expect_kept_budget_of_encode(numbers_root(), bytes);
+    std::ostringstream  json;
+    std::uint64_t const held = memory_for_conversion(6'100'000);  // as many decimal digits
+    Sink                sink;
+    EXPECT_LE(peak_of([&] {
+                  std::ostream out(&sink);
+                  dump(numbers_root(), bytes, out);
+              }),
+              held + beside);
+    dump(numbers_root(), bytes, json);
+    std::string const text = json.str();
+    EXPECT_LE(peak_of([&] {
+                  std::ostream out(&sink);
+                  encode(text, out);
+              }),
+              held + 2 * text.size() + beside);
     // No number is parsed that need not be.
     EXPECT_LT(peak_of([&] { verify(numbers_root(), bytes); }), beside);
     std::string odd = bytes;

@@ -46,6 +46,8 @@ public:
         json_.member("value");
     }
 
+    void flush() { json_.flush(); }
+
     void finish(Finding const* behind_value) {
         if (in_lines_) return;
         if (behind_value != nullptr) {
@@ -199,6 +201,7 @@ public:
         if (unsafe() - findings.begin() > listed)
             findings.erase(findings.begin() + listed, unsafe());
         if (dumped.answer == Answer::good && dumped.odd_count > 0) dumped.answer = Answer::odd;
+        json_.flush();
     }
 
     void integer(Type const& type, std::int64_t value) {
@@ -361,8 +364,12 @@ Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
                     DumpOptions const& options, Superseded superseded, Budget& budget) {
     Walk   walk(bytes, options.walk.walk(), budget);
     Picker picker(walk, root, out, options, std::move(superseded));
-    Walker(walk, picker).run(*root.type);
-    picker.finish();
+    try {
+        Walker(walk, picker).run(*root.type);
+        picker.finish();
+    } catch (OutputEnded const&) {
+        // The caller sees it by the stream; what has been found up to there is told.
+    }
     return std::move(picker.dumped);
 }
 

@@ -32,7 +32,9 @@ struct Dumped {
 };
 
 /// Writes what a reader of the bytes would have. An unsafe byte ends the value: it is marked by
-/// `{"unsafe": {...}}` where a value was to stand, and what is open is closed.
+/// `{"unsafe": {...}}` where a value was to stand, and what is open is closed. Ends early where
+/// `out` takes no more, which its state says. Throws `std::bad_alloc` where memory, or that of the
+/// limits for work of its own, does not do, and what `out` throws.
 SML_API Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
                     DumpOptions const& options = {});
 

@@ -10,12 +10,15 @@
 
 namespace sml::inspect {
 
+/// Thrown where a stream takes no more.
+struct OutputEnded {};
+
+/// What is written last is to be flushed.
 class JsonWriter {
 public:
     JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pretty) {}
     JsonWriter(JsonWriter const&) = delete;
     JsonWriter& operator=(JsonWriter const&) = delete;
-    ~JsonWriter() { flush(); }
 
     std::string text;  ///< what is not written yet; values are added to it
 
@@ -74,6 +77,7 @@ public:
     void flush() {
         out_.write(text.data(), static_cast<std::streamsize>(text.size()));
         text.clear();
+        if (!out_) throw OutputEnded();
     }
 
 private:

@@ -61,6 +61,7 @@ public:
         json_.close('}');
         json_.close('}');
         json_.end_line();
+        json_.flush();
     }
 
 private:
@@ -208,7 +209,11 @@ private:
 }  // namespace
 
 void write_schema(std::span<Root const> roots, std::ostream& out) {
-    SchemaWriter(out).write(roots);
+    try {
+        SchemaWriter(out).write(roots);
+    } catch (OutputEnded const&) {
+        // The caller sees it by the stream.
+    }
 }
 
 std::string wire_digest(Root const& root) {

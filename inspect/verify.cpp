@@ -42,13 +42,13 @@ public:
         auto const readers = walk_.readers_key_hash(key, offset);
         return readers.equals_none ? Walk::no_hash : masked(readers.hash);
     }
-    void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
-    bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
-        if (!modelled_.back()) return is_new;
+    [[gnu::always_inline]] void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
+    bool                        add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
+                               bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
+                               if (!modelled_.back()) return is_new;
         bool const is_known = hash != Walk::no_hash;
-        model_.use_key(is_known ? masked(hash) : walk_.readers_key_hash(key, offset).hash, is_new);
-        return is_new;
+                               model_.use_key(is_known ? masked(hash) : walk_.readers_key_hash(key, offset).hash, is_new);
+                               return is_new;
     }
     void          end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
     std::uint64_t work() const {

@@ -779,4 +779,39 @@ TEST(DumpOfOddBytes, FindingsAreThoseOfVerify) {
     }
 }
 
+/// Takes so many pieces and then no more; counts those that it was given.
+class FullBuffer : public std::streambuf {
+public:
+    explicit FullBuffer(int taken) : left_(taken) {}
+
+    int given = 0;
+
+private:
+    std::streamsize xsputn(char const*, std::streamsize size) override {
+        ++given;
+        return left_-- > 0 ? size : 0;
+    }
+
+    int left_;
+};
+
+TEST(Dump, EndsWhereTheStreamTakesNoMore) {
+    std::string bytes = word(100'000);
+    for (std::int32_t i = 1; i <= 100'000; ++i) {
+        std::string const text = std::to_string(i);
+        bytes += word(-i) + word(static_cast<std::int32_t>(text.size())) + text + word(0);
+    }
+    Root const&  root = *find_root("String_To_StringSet_T");
+    FullBuffer   buffer(3);
+    std::ostream out(&buffer);
+    dump(root, bytes, out);
+    EXPECT_FALSE(out);
+    EXPECT_EQ(buffer.given, 4);
+    FullBuffer   throwing(3);
+    std::ostream strict(&throwing);
+    strict.exceptions(std::ios::badbit);
+    EXPECT_THROW(dump(root, bytes, strict), std::ios::failure);
+    EXPECT_EQ(throwing.given, 4);
+}
+
 }  // namespace

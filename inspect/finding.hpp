@@ -1,8 +1,11 @@
 #pragma once
 // What a walk says about bytes that are not as a writer makes them.
 
+#include "core/export.hpp"
+
 #include <atomic>
 #include <cstdint>
+#include <new>
 #include <string>
 
 namespace sml::inspect {
@@ -25,6 +28,11 @@ struct Finding {
     std::string   path;    ///< as in `checks[("src/a.c",3)].category.OVFL.ovfl_data`
     std::string   expected;
     std::string   found;
+};
+
+/// Thrown where a call would take more memory for work of its own than its limits allow.
+struct SML_API BudgetExceeded : std::bad_alloc {
+    char const* what() const noexcept override { return "more working memory than allowed"; }
 };
 
 /// What a walk puts up with. Beyond any of these the bytes are unsafe, but for the last one.

@@ -1,6 +1,7 @@
 #pragma once
 // The memory that a call takes for work of its own: counted, and refused beyond a budget.
 
+#include "inspect/finding.hpp"
 #include "inspect/heap_chunk.hpp"
 
 #include <cstddef>
@@ -11,11 +12,6 @@
 #include <new>
 
 namespace sml::inspect {
-
-/// Thrown where a call would take more memory than its budget.
-struct BudgetExceeded : std::bad_alloc {
-    char const* what() const noexcept override { return "more working memory than allowed"; }
-};
 
 /// Gives memory up to an amount at a time, and throws beyond it. For one call, on one thread.
 class Budget final : public std::pmr::memory_resource {

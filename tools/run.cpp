@@ -7,6 +7,7 @@
 
 #include "command.hpp"
 #include "errors.hpp"
+#include "inspect/finding.hpp"
 #include "printable.hpp"
 
 namespace bradep {
@@ -81,6 +82,9 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
                       std::string(error.what()) + " (bradep --help tells more)");
     } catch (Damaged_Input const& error) {
         return report(err, exit_no, error.what());
+    } catch (sml::inspect::BudgetExceeded const&) {
+        return report(err, exit_usage_or_io,
+                      "out of memory: more working memory than --max-own-memory allows");
     } catch (std::bad_alloc const&) {
         return report(err, exit_usage_or_io, "out of memory");
     } catch (std::exception const& error) {

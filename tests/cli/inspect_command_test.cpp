@@ -599,4 +599,84 @@ TEST(CommaLocale, ChangesNoVerdictNoDumpAndNoEncoding) {
         << with_comma.err;
 }
 
+// What a process with a decimal comma writes, is read, shown and made canonical when that is said.
+TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
+    std::string const stem = "Application_Results_Application_Results";
+    std::string const with_dot = numbers();
+    std::string       with_comma;
+    {
+        CommaLocale const comma;
+        ASSERT_COMMA_LOCALE(comma);
+        with_comma = numbers();
+    }
+    ASSERT_NE(with_comma, with_dot);
+    std::vector<std::string> const as_comma = {"--decimal-point", ",", "--root", stem, "-"};
+    auto const                     run = [&](std::string const& command, std::string const& bytes) {
+        std::vector<std::string> args{command};
+        args.insert(args.end(), as_comma.begin(), as_comma.end());
+        return run_command(args, bytes);
+    };
+    auto const verified = run_command({"verify", "--root", stem, "-"}, with_dot);
+    EXPECT_EQ(run("verify", with_comma).out, verified.out);
+    EXPECT_EQ(run("verify", with_comma).err, verified.err);
+    EXPECT_EQ(run("dump", with_comma).out,
+              run_command({"dump", "--root", stem, "-"}, with_dot).out);
+    auto const digest = run_command({"digest", "--root", stem, "-"}, with_dot);
+    EXPECT_EQ(run("digest", with_comma).out, digest.out);
+    EXPECT_EQ(digest.code, 0) << digest.err;
+    // And each is odd, or has no canonical form, without being told.
+    EXPECT_TRUE(contains(run_command({"verify", "--root", stem, "-"}, with_comma).err, "(odd)"));
+    EXPECT_EQ(run_command({"digest", "--root", stem, "-"}, with_comma).code, 1);
+    EXPECT_TRUE(contains(run("verify", with_dot).err, R"(where the decimal point is ".")"));
+}
+
+TEST(CommaLocale, ShowTakesTheDecimalPoint) {
+    auto const made = run_command({"import", fixture("many_runs.sarif").string(), "-o", "-"});
+    ASSERT_EQ(made.code, 0) << made.err;
+    auto const plain = run_command({"show", "--json", "-"}, made.out);
+    auto const shown = run_command({"show", "--json", "--decimal-point", ",", "-"}, made.out);
+    EXPECT_EQ(shown.code, 0) << shown.err;
+    EXPECT_EQ(shown.out, plain.out);
+}
+
+TEST(CommaLocale, ADecimalPointIsNoDigitLetterOrSign) {
+    for (char const* point : {"", "1", "e", "-", " ", ".5"})
+        EXPECT_EQ(run_command({"verify", "--decimal-point", point, "-"}, "").code, 2) << point;
+}
+
+/// A set of strings under one key: 20,000 references to ids that were never told.
+std::string unknown_ids() {
+    std::string bytes = hex::bytes("01 00 00 00  FF FF FF FF 01 00 00 00 'k'");
+    auto const  put = [&](std::int32_t word) {
+        bytes.append(reinterpret_cast<char const*>(&word), sizeof word);
+    };
+    put(20'000);
+    for (std::int32_t i = 2; i < 20'002; ++i) put(i * 42043);
+    return bytes;
+}
+
+TEST(Limits, WorkBeyondTheLimitIsUnsafe) {
+    auto const verified = [](char const* most) {
+        return run_command({"verify", "--root", "String_To_StringSet_T", "--max-work", most, "-"},
+                           unknown_ids());
+    };
+    EXPECT_EQ(verified("1000000000").code, 0);
+    auto const refused = verified("1000000");
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_TRUE(contains(refused.err, "compares at most 1000000 times")) << refused.err;
+    EXPECT_TRUE(contains(refused.out, "unsafe")) << refused.out;
+}
+
+TEST(Limits, OwnMemoryBeyondTheLimitIsCodeTwoAndOneLine) {
+    for (std::string const command : {"verify", "dump", "digest", "identify"}) {
+        SCOPED_TRACE(command);
+        std::vector<std::string> args{command, "--max-own-memory", "64K", "-"};
+        if (command != "identify") args.insert(args.end(), {"--root", "String_To_StringSet_T"});
+        auto const refused = run_command(args, unknown_ids());
+        EXPECT_EQ(refused.code, 2);
+        EXPECT_EQ(refused.err,
+                  "bradep: out of memory: more working memory than --max-own-memory allows\n");
+    }
+}
+
 }  // namespace

@@ -6,6 +6,7 @@
 #include "inspect/dump.hpp"
 #include "inspect/encode.hpp"
 #include "inspect/verify.hpp"
+#include "tests/core/comma_locale.hpp"
 
 #include <cstring>
 #include <exception>
@@ -86,34 +87,63 @@ std::string fault_of_writing(char const* stem, std::string_view read, std::strin
     return {};
 }
 
+/// Reads into the value from a block, and into another one from a stream.
+template <class T>
+std::string fault_of_taking(T& value, Entries<T> const& entries, std::string_view bytes) {
+    read_block(value, entries, bytes);
+    std::streamoff const taken = bytes_taken(entries, bytes);
+    if (taken == static_cast<std::streamoff>(bytes.size())) return {};
+    return std::to_string(taken) + " bytes were taken of " + std::to_string(bytes.size());
+}
+
+template <class T>
+std::string fault_of_only_reading(Entries<T> const& entries, std::string_view bytes) try {
+    T value{};
+    if (std::string fault = fault_of_taking(value, entries, bytes); !fault.empty()) return fault;
+    entries.from_cxx(value);
+    return {};
+} catch (std::exception const& thrown) {
+    return std::string("thrown: ") + thrown.what();
+}
+
+template <class T>
+std::string read_and_write_with_comma(Entries<T> const& entries, std::string_view bytes) {
+    T value{};
+    read_block(value, entries, bytes);
+    CommaLocale const locale;
+    return entries.from_cxx(value);
+}
+
 template <class T>
 std::string fault_of_reading(Entries<T> const& entries, std::string_view bytes, bool are_good) try {
     T value{};
-    read_block(value, entries, bytes);
-    std::streamoff const taken = bytes_taken(entries, bytes);
-    if (taken != static_cast<std::streamoff>(bytes.size()))
-        return std::to_string(taken) + " bytes were taken of " + std::to_string(bytes.size());
+    if (std::string fault = fault_of_taking(value, entries, bytes); !fault.empty()) return fault;
     if (std::string fault = fault_of_copying(value, entries); !fault.empty()) return fault;
     return fault_of_writing(entries.stem, bytes, std::string(entries.from_cxx(value)), are_good);
 } catch (std::exception const& thrown) {
     return std::string("thrown: ") + thrown.what();
 }
 
-#define SML_ROOT(Stem, ...)                                                                     \
-    {#Stem,                                                                                     \
-     [](RandomValues& random) {                                                                 \
-         return std::string(sml::Stem##_fromCxx(random.make<__VA_ARGS__>()));                   \
-     },                                                                                         \
-     [](std::string_view bytes, bool are_good) {                                                \
-         constexpr Entries<__VA_ARGS__> entries{#Stem, &sml::Stem##_toCxx,                      \
-                                                &sml::Stem##_fromStream, &sml::Stem##_fromCxx}; \
-         return fault_of_reading(entries, bytes, are_good);                                     \
-     },                                                                                         \
-     [](std::string_view bytes) {                                                               \
-         __VA_ARGS__ value{};                                                                   \
-         sml::Stem##_toCxx(value, bytes.data());                                                \
-         return std::string(sml::Stem##_fromCxx(value));                                        \
-     }},
+#define SML_ROOT(Stem, ...)                           \
+    constexpr Entries<__VA_ARGS__> entries_of_##Stem{ \
+        #Stem, &sml::Stem##_toCxx, &sml::Stem##_fromStream, &sml::Stem##_fromCxx};
+#include "bindings/roots.def"
+
+#define SML_ROOT(Stem, ...)                                                                  \
+    {#Stem,                                                                                  \
+     [](RandomValues& random) {                                                              \
+         return std::string(sml::Stem##_fromCxx(random.make<__VA_ARGS__>()));                \
+     },                                                                                      \
+     [](std::string_view bytes, bool are_good) {                                             \
+         return fault_of_reading(entries_of_##Stem, bytes, are_good);                        \
+     },                                                                                      \
+     [](std::string_view bytes) { return fault_of_only_reading(entries_of_##Stem, bytes); }, \
+     [](std::string_view bytes) {                                                            \
+         __VA_ARGS__ value{};                                                                \
+         sml::Stem##_toCxx(value, bytes.data());                                             \
+         return std::string(sml::Stem##_fromCxx(value));                                     \
+     },                                                                                      \
+     [](std::string_view bytes) { return read_and_write_with_comma(entries_of_##Stem, bytes); }},
 constexpr RealRoot all_roots[] = {
 #include "bindings/roots.def"
 };

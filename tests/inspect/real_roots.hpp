@@ -21,8 +21,14 @@ struct RealRoot {
     /// good bytes, what is written must also have the digest of what was read.
     std::string (*fault_of_reading)(std::string_view bytes, bool are_good);
 
+    /// Only reads such bytes, as above, and writes the value again. Gives what went wrong.
+    std::string (*fault_of_only_reading)(std::string_view bytes);
+
     /// What the writer makes of the value that the reader has of bytes that are not unsafe.
     std::string (*read_and_write)(std::string_view bytes);
+
+    /// The same, where the writer has a decimal comma and the reader has not.
+    std::string (*read_and_write_with_comma)(std::string_view bytes);
 };
 
 /// In the order of `sml::inspect::roots()`.

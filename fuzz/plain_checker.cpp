@@ -4,10 +4,14 @@
 #include "core/kinds.hpp"
 #include "core/text_blocks.hpp"
 
+#include <locale.h>
+#include <stdlib.h>
+#include <strings.h>
 #include <algorithm>
+#include <cerrno>
+#include <cfenv>
 #include <cmath>
 #include <cstring>
-#include <exception>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -95,6 +99,47 @@ constexpr std::uint64_t least() {
         return 4;
     } else
         return 4;
+}
+
+/// Whether parsing a text by the "C" locale is within the range of doubles however it is rounded.
+bool is_in_range_in_every_rounding(std::string const& text) {
+    static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    int const             before = std::fegetround();
+    bool                  is_in_range = true;
+    for (int const mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+        std::fesetround(mode);
+        errno = 0;
+        strtod_l(text.c_str(), nullptr, plain);
+        is_in_range = is_in_range && errno != ERANGE;
+    }
+    std::fesetround(before);
+    return is_in_range;
+}
+
+/// Whether a text, up to its first zero byte, is read without an exception whatever the locale's
+/// decimal point and the rounding. That point is taken to be all that stands behind the leading
+/// digits, up to a letter or digit: then once it is the point, once the number ends before it.
+bool is_double_in_every_process(std::string text) {
+    constexpr char const* digits = "0123456789";
+    constexpr char const* hexadecimal = "0123456789abcdefABCDEF";
+    constexpr char const* letters_and_digits =
+        "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+
+    text.erase(0, std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    if (text.starts_with('-') || text.starts_with('+')) text.erase(0, 1);
+    for (char const* name : {"inf", "nan"})
+        if (strncasecmp(text.c_str(), name, 3) == 0) return true;
+    // What starts with a point is no number where the point is another one.
+    if (text.find_first_of(digits) != 0) return false;
+
+    bool const        is_hexadecimal = strncasecmp(text.c_str(), "0x", 2) == 0;
+    std::size_t const start = std::min(
+        text.find_first_not_of(is_hexadecimal ? hexadecimal : digits, is_hexadecimal ? 2 : 0),
+        text.size());
+    std::size_t const end = std::min(text.find_first_of(letters_and_digits, start), text.size());
+    std::string const as_it_is = start == end ? text : text.substr(0, start);
+    std::string const with_point = text.substr(0, start) + '.' + text.substr(end);
+    return is_in_range_in_every_rounding(as_it_is) && is_in_range_in_every_rounding(with_point);
 }
 
 /// Each function takes a value off the bytes and gives its content: a text that only equal values
@@ -275,13 +320,10 @@ private:
     std::string real() {
         std::uint64_t const at = at_;
         std::string const   text = block();
-        try {
-            double const number = double_of(as_block(text));
-            if (text_of(number) != text) odd(at);
-            return std::isnan(number) ? "at " + std::to_string(at) : text_of(number);
-        } catch (std::exception const&) {
-            throw Unsafe{at};
-        }
+        if (!is_double_in_every_process(text.c_str())) throw Unsafe{at};
+        double const number = double_of(as_block(text));
+        if (text_of(number) != text) odd(at);
+        return std::isnan(number) ? "at " + std::to_string(at) : text_of(number);
     }
 
     std::string big_integer() {

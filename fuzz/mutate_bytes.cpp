@@ -1,5 +1,6 @@
 // New inputs for the targets that take bytes: whole random values, edits of words and flags, pieces
-// doubled or left out, entries of sets and tables copied, and what libFuzzer does by itself.
+// doubled or left out, entries of sets and tables copied, also under many keys that share a bucket,
+// other texts in the place of doubles, and what libFuzzer does by itself.
 
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
@@ -11,6 +12,9 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -57,19 +61,132 @@ void edit_piece(std::string& bytes, Random& random) {
         bytes.insert(below(random, bytes.size() + 1), bytes.substr(at, size));
 }
 
+/// The entries of all sets and tables; none in bytes that are unsafe.
+std::vector<golden::Entry> entries_of(sml::inspect::Root const& root, std::string_view bytes) {
+    using namespace sml::inspect;
+    VerifyOptions const options{.limits = {.memory = std::uint64_t{1} << 26}, .listed = 0};
+    if (verify(root, bytes, options).answer == Answer::unsafe) return {};
+    return golden::entries_in(root, bytes);
+}
+
 /// Copies an entry of a set or table beside another one, so that a key is there twice. Leaves bytes
 /// that are unsafe or have no entry as they are.
 void copy_entry(sml::inspect::Root const& root, std::string& bytes, Random& random) {
-    using namespace sml::inspect;
-    VerifyOptions const options{.limits = {.memory = std::uint64_t{1} << 26}, .listed = 0};
-    if (verify(root, bytes, options).answer == Answer::unsafe) return;
-    auto const entries = golden::entries_in(root, bytes);
+    auto const entries = entries_of(root, bytes);
     if (entries.empty()) return;
     auto const& copied = entries[below(random, entries.size())];
     auto        beside = entries;
     std::erase_if(beside, [&](auto const& entry) { return entry.count_at != copied.count_at; });
     bytes = golden::with_copy(bytes, copied, beside[below(random, beside.size())],
                               below(random, 2) == 0);
+}
+
+/// How many characters the text of a double could have that stands behind a length word at a place;
+/// 0 where none stands there.
+std::size_t double_at(std::string_view bytes, std::size_t at) {
+    constexpr std::size_t longest = 40;
+    std::uint32_t         length;
+    if (bytes.size() - at < sizeof length) return 0;
+    std::memcpy(&length, bytes.data() + at, sizeof length);
+    at += sizeof length;
+    if (length == 0 || length > longest || length > bytes.size() - at) return 0;
+    std::string_view const text = bytes.substr(at, length);
+    return text.find_first_not_of("0123456789+-., eExpinfa") == text.npos ? length : 0;
+}
+
+/// Puts another text in the place of a double: one that depends on the decimal point, or is out of
+/// range in some rounding mode only, or both.
+void edit_double(std::string& bytes, Random& random) {
+    constexpr char const*    texts[] = {"1,500000",
+                                        "1,5",
+                                        ",5",
+                                        ".5",
+                                        "-.5",
+                                        "1,5e999",
+                                        "1,e999",
+                                        "1e400.5",
+                                        "0x1,8p5000",
+                                        "0x,8p-1",
+                                        "1.5e3",
+                                        "1.7976931348623157e308",
+                                        "1.7976931348623158e308",
+                                        "-1.7976931348623158e308",
+                                        "2.2250738585072011e-308",
+                                        "2.2250738585072014e-308",
+                                        "4.9e-324",
+                                        "1e-310",
+                                        "1 5e999",
+                                        "1\u066B5e999",
+                                        "nan",
+                                        "-inf",
+                                        "0.1234565"};
+    std::vector<std::size_t> places;
+    for (std::size_t at = 0; at + sizeof(std::int32_t) <= bytes.size(); ++at)
+        if (double_at(bytes, at) > 0) places.push_back(at);
+    if (places.empty()) return;
+    std::size_t const      at = places[below(random, places.size())];
+    std::string_view const text = texts[below(random, std::size(texts))];
+    auto const             length = static_cast<std::uint32_t>(text.size());
+    bytes.replace(at + sizeof length, double_at(bytes, at), text);
+    std::memcpy(bytes.data() + at, &length, sizeof length);
+}
+
+/// Copies an entry of a set or table many times under keys that fall into one bucket of a reader's
+/// table: integers, or ids of strings that are never told. Leaves bytes without such a key as they
+/// are.
+void copy_entry_under_many_keys(sml::inspect::Root const& root, std::string& bytes,
+                                std::size_t most_bytes, Random& random) {
+    constexpr std::int32_t buckets[] = {29, 59, 127, 257, 541, 1109, 2357, 5087};
+    auto                   entries = entries_of(root, bytes);
+    std::erase_if(entries, [](auto const& entry) { return entry.key_end - entry.start != 4; });
+    if (entries.empty() || bytes.size() >= most_bytes) return;
+    auto const&        entry = entries[below(random, entries.size())];
+    std::string        copy = bytes.substr(entry.start, entry.end - entry.start);
+    std::size_t const  most = std::min<std::size_t>((most_bytes - bytes.size()) / copy.size(), 600);
+    std::int32_t const step = buckets[below(random, std::size(buckets))];
+    std::uint32_t const copies = static_cast<std::uint32_t>(below(random, most + 1));
+    std::string         added;
+    for (std::int32_t key = step; added.size() < copies * copy.size(); key += step) {
+        std::memcpy(copy.data(), &key, sizeof key);
+        added += copy;
+    }
+    std::uint32_t count;
+    std::memcpy(&count, bytes.data() + entry.count_at, sizeof count);
+    count += copies;
+    std::memcpy(bytes.data() + entry.count_at, &count, sizeof count);
+    bytes.insert(entry.end, added);
+}
+
+/// Puts a word somewhere that shares its bucket with others as an integer key, and is never told as
+/// an id.
+void edit_id(std::string& bytes, Random& random) {
+    constexpr std::int32_t steps[] = {541, 1109, 2357, 5087};
+    if (bytes.size() < sizeof(std::int32_t)) return;
+    auto const         times = static_cast<std::int32_t>(1 + below(random, 64));
+    std::int32_t const id = times * steps[below(random, std::size(steps))];
+    std::size_t const  at = below(random, bytes.size() - sizeof id + 1);
+    std::memcpy(bytes.data() + at, &id, sizeof id);
+}
+
+/// Edits the bytes of an input in one of the ways of this file; `choice` is below 40.
+void edit(fuzz::Input const& input, std::string& bytes, std::size_t choice, std::size_t most_bytes,
+          Random& random) {
+    if (choice == 0)
+        bytes = random_value(real_root(*input.root), random);
+    else if (choice < 16)
+        edit_word(bytes, random);
+    else if (choice < 20)
+        edit_byte(bytes, random);
+    else if (choice < 26)
+        copy_entry(*input.root, bytes, random);
+    else if (choice < 29)
+        copy_entry_under_many_keys(*input.root, bytes, most_bytes, random);
+    else if (choice < 33)
+        edit_double(bytes, random);
+    else if (choice < 35)
+        edit_id(bytes, random);
+    else
+        edit_piece(bytes, random);
 }
 
 }  // namespace
@@ -81,16 +198,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     if (size == 0 || choice >= 40) return LLVMFuzzerMutate(data, size, max_size);
     fuzz::Input const input = fuzz::input_of(data, size);
     std::string       bytes(input.bytes);
-    if (choice == 0)
-        bytes = random_value(real_root(*input.root), random);
-    else if (choice < 20)
-        edit_word(bytes, random);
-    else if (choice < 26)
-        edit_byte(bytes, random);
-    else if (choice < 32)
-        copy_entry(*input.root, bytes, random);
-    else
-        edit_piece(bytes, random);
+    edit(input, bytes, choice, max_size - 1, random);
     if (bytes.size() + 1 > max_size) return LLVMFuzzerMutate(data, size, max_size);
     std::ranges::copy(bytes, data + 1);
     return bytes.size() + 1;

@@ -17,6 +17,13 @@ std::string input_for(sml::inspect::Root const& root, std::string_view bytes) {
     return static_cast<char>(input.root_index()) + std::string(bytes);
 }
 
+std::uint64_t hash_of(Input const& input) {
+    std::uint64_t hash = 0xcbf29ce484222325 + input.root_index();
+    for (char const c : input.bytes)
+        hash = (hash ^ static_cast<unsigned char>(c)) * std::uint64_t{0x100000001b3};
+    return hash ^ hash >> 32;
+}
+
 void fail(Input const& input, std::string_view what) {
     std::cerr << "FINDING: " << what << "\nroot: " << input.root->stem
               << "\nbytes: " << hex::shown(input.bytes) << std::endl;

@@ -26,6 +26,9 @@ Input input_of(std::uint8_t const* data, std::size_t size);
 /// The input for bytes of a root.
 std::string input_for(sml::inspect::Root const& root, std::string_view bytes);
 
+/// A number for choosing what else is to be tried with an input: the same one in every run.
+std::uint64_t hash_of(Input const& input);
+
 /// Says on stderr what is wrong with which bytes, then aborts.
 [[noreturn]] void fail(Input const& input, std::string_view what);
 

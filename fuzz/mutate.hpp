@@ -13,6 +13,9 @@ std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t m
 std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
                                     unsigned int seed);
 
+/// May be defined by the program: called once before the first input.
+int LLVMFuzzerInitialize(int* count, char*** arguments);
+
 /// Defined by the program: judges one input.
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 

@@ -13,7 +13,7 @@ source scripts/prepare.sh
 seconds=${1:-60}
 shift $(($# > 0 ? 1 : 0))
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(walk_fuzz check_fuzz read_fuzz encode_fuzz)
+[ ${#targets[@]} -gt 0 ] || targets=(walk_fuzz check_fuzz read_fuzz budget_fuzz encode_fuzz)
 build=${BRADEP_FUZZ_BUILD:-build/fuzz}
 found=$build/found
 
@@ -21,6 +21,7 @@ export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
 
 install_packages
+generate_comma_locale
 mkdir -p "$build"
 cmake --preset fuzz -B "$build"
 cmake --build "$build" --parallel "${BRADEP_FUZZ_JOBS:-$(nproc)}" --target fuzz_seeds "${targets[@]}"

@@ -651,7 +651,7 @@ std::string unknown_ids() {
         bytes.append(reinterpret_cast<char const*>(&word), sizeof word);
     };
     put(20'000);
-    for (std::int32_t i = 2; i < 20'002; ++i) put(i * 42043);
+    for (std::int32_t i = 2; i < 20'002; ++i) put(i * 20753);
     return bytes;
 }
 

@@ -21,8 +21,10 @@ bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
             return true;
         }
         if ((other ^ key) >> offset_bits != 0) continue;
-        if (!walk.same_key(type, other & ((Slot{1} << offset_bits) - 1), key_offset)) {
-            ++comparisons_;
+        auto const compared =
+            walk.compare_keys(type, other & ((Slot{1} << offset_bits) - 1), key_offset);
+        if (!compared.are_equal) {
+            comparisons_ += comparisons_for(compared.bytes);
             continue;
         }
         // From now on the later one is compared with: no long number is read again and again.

@@ -45,7 +45,7 @@ public:
     /// Adds the key at an offset to the container opened last; false when it is there already.
     bool add(Walk const& walk, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
 
-    /// How often keys that were not equal have been compared.
+    /// How often keys that were not equal have been compared; long ones count more.
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
 private:

@@ -50,7 +50,7 @@ bool StringTable::index_text(std::uint32_t entry) {
         }
         Entry const& other = entries_[index_[slot] - 1];
         if (other.hash != hash) continue;
-        ++comparisons_;
+        comparisons_ += comparisons_for(text.size());
         if (text_at(other.length_offset) == text) {
             repeated_.push_back(entry);
             repetitions_.emplace(entries_[entry].length_offset, other.length_offset);

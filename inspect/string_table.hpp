@@ -41,7 +41,7 @@ public:
     /// How often a reader, whose hashes these texts have, compares one with another.
     std::uint64_t readers_comparisons() const;
 
-    /// How often texts with the hash of another one were compared with it.
+    /// How often texts with the hash of another one were compared with it; long ones count more.
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
     struct Told {

@@ -16,6 +16,12 @@
 
 namespace sml::inspect {
 
+/// As how many comparisons one counts that looks at so many bytes.
+constexpr std::uint64_t comparisons_for(std::uint64_t bytes) {
+    constexpr std::uint64_t bytes_of_one = 256;
+    return 1 + bytes / bytes_of_one;
+}
+
 /// The numbers of buckets that a table has while it grows key by key: the first one while it is
 /// empty, each of the others up to as many keys.
 inline std::vector<std::uint64_t> const& bucket_counts() {

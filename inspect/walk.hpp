@@ -76,7 +76,17 @@ public:
 
     static constexpr std::uint64_t no_hash = 0;
 
-    /// Whether the keys at two offsets that have been walked before are equal.
+    struct KeysCompared {
+        bool          are_equal;
+        std::uint64_t bytes;  // of one of them that were looked at
+    };
+
+    /// Compares the keys at two offsets that have been walked before.
+    KeysCompared compare_keys(Type const& type, std::uint64_t a, std::uint64_t b) const {
+        std::uint64_t const start = a;
+        bool const          are_equal = take_same_key(type, a, b);
+        return {are_equal, a - start};
+    }
     bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
         return take_same_key(type, a, b);
     }

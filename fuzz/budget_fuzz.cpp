@@ -121,22 +121,46 @@ void check_dump(fuzz::Input const& input, Limits const& limits) {
     fuzz::require(*dumped == unbudgeted, input, "dump depends on its budget");
 }
 
-/// Unsafe bytes, and those beyond the limits, are refused.
-void check_canonical(fuzz::Input const& input, Limits const& limits) {
-    bool       is_refused = false;
-    auto const canonical = within_budget(input, "canonical", [&] {
+/// None where it ran out of memory; no text where it refuses the bytes as unsafe, or beyond a
+/// limit.
+std::optional<std::optional<std::string>> canonical_of(fuzz::Input const& input,
+                                                       Limits const&      limits) {
+    return within_budget(input, "canonical", [&]() -> std::optional<std::string> {
         std::ostringstream bytes;
         try {
             write_canonical(*input.root, input.bytes, bytes, {.limits = limits});
         } catch (std::invalid_argument const&) {
-            is_refused = true;
+            return std::nullopt;
         }
         return bytes.str();
     });
-    if (!canonical || is_refused) return;
-    std::ostringstream unbudgeted;
-    write_canonical(*input.root, input.bytes, unbudgeted, {.limits = ample});
-    fuzz::require(*canonical == unbudgeted.view(), input, "canonical depends on its limits");
+}
+
+void check_canonical(fuzz::Input const& input, Limits const& limits) {
+    auto const canonical = canonical_of(input, limits);
+    if (!canonical || !*canonical) return;
+    fuzz::require(canonical == canonical_of(input, ample), input,
+                  "canonical depends on its limits");
+}
+
+/// All walks judge the limits alike. Work is judged by verify alone; of memory, walks that look for
+/// no repeated keys take a table's nodes to be there before its entries are.
+void check_agreement(fuzz::Input const& input, Limits limits) {
+    limits.memory = ample.memory;
+    limits.work = ample.work;
+    limits.own_memory = ample.own_memory;
+    Verdict const      verdict = verdict_of(input, limits);
+    std::ostringstream json;
+    Dumped const       dumped = dump(*input.root, input.bytes, json, {.walk = {.limits = limits}});
+    fuzz::require(dumped.answer == verdict.answer, input, "dump judges limits in another way");
+    bool const is_unsafe = verdict.answer == Answer::unsafe;
+    if (is_unsafe)
+        fuzz::require(dumped.findings.back().offset == verdict.findings.back().offset, input,
+                      "dump stops at another limit");
+    if (!is_unsafe && verdict.reason_against_encoding) return;
+    auto const canonical = canonical_of(input, limits);
+    fuzz::require(canonical && canonical->has_value() == !is_unsafe, input,
+                  "canonical judges limits in another way");
 }
 
 struct EncodedBytes {
@@ -190,7 +214,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         check_limits(input, limited, unlimited);
         check_verify(input, limits, limited);
         check_dump(input, limits);
-        if (!unlimited.reason_against_encoding) check_canonical(input, limits);
+        check_agreement(input, limits);
+        if (!unlimited.reason_against_encoding || unlimited.answer == Answer::unsafe)
+            check_canonical(input, limits);
         if (unlimited.answer != Answer::unsafe) check_encode(input, limits);
         if (limited.answer != Answer::unsafe) check_reader(input);
     }

@@ -72,7 +72,7 @@ private:
 
     void do_deallocate(void* memory, std::size_t bytes, std::size_t alignment) override {
         if (is_plain(alignment))
-            ::operator delete(memory, bytes);
+            ::operator delete(memory);
         else
             heap().deallocate(memory, bytes, alignment);
         give_back(bytes);

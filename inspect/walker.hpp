@@ -360,7 +360,8 @@ private:
             return too_large("elements in all up to ", walk_.limits.elements, walk_.elements);
         bool const keyed = Visitor::compares_keys && type.kind != Kind::list && count > 1;
         if (!walk_.heap.take_table(type, count)) return too_much_heap(at);
-        if (!keyed && !walk_.heap.take_nodes(type, count)) return too_much_heap(at);
+        bool const is_list = type.kind == Kind::list;
+        if (is_list && !walk_.heap.take_nodes(type, count)) return too_much_heap(at);
         if (keyed) visitor_.open_keys(type, count);
         visitor_.begin(type, count);
         bool const whole = type.kind == Kind::list  ? elements(type, step, count)
@@ -394,8 +395,8 @@ private:
             next_entry(type, step, i);
             std::uint64_t const at = walk_.offset();
             if (!parts_or_value(*type.element)) return false;
-            if (!keyed) continue;
             if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
+            if (!keyed) continue;
             settle_key(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
             if (!work_does(at)) return false;
         }
@@ -418,7 +419,7 @@ private:
         // Settled behind the value: by then what it takes has come from memory.
         std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Walk::no_hash;
         if (hash != Walk::no_hash) visitor_.expect_key(hash);
-        if (keyed && !walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
+        if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
         step.key_offset = at;
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);

@@ -27,13 +27,18 @@ using sml::Strings_T;
 using sml::core::LastWinsMap;
 using sml::core::LastWinsUnorderedMap;
 using sml::inspect::Answer;
-using sml::inspect::bytes_kept;
 using sml::inspect::describe;
 using sml::inspect::Limits;
 using sml::inspect::Root;
 using sml::inspect::verify;
 using sml::inspect::VerifyOptions;
 using namespace std::string_literals;
+
+std::string kept_of(sml::inspect::Root const& root, std::string_view bytes,
+                    sml::inspect::VerifyOptions const& options) {
+    sml::inspect::Budget budget(options.limits.own_memory);
+    return std::string(sml::inspect::bytes_kept(root, bytes, options, budget));
+}
 
 template <class T>
 using Table = LastWinsMap<std::int32_t, T>;
@@ -49,7 +54,7 @@ template <class T>
 std::string kept(std::string const& bytes) {
     Root const root{"R", describe<T>()};
     EXPECT_NE(verify(root, bytes).answer, Answer::unsafe);
-    std::string const result = bytes_kept(root, bytes, {});
+    std::string const result = kept_of(root, bytes, {});
     T                 read{};
     EXPECT_EQ(wire::read_over(read, bytes), bytes.size());
     EXPECT_EQ(wire::hex(canonical(root, result)), wire::hex(canonical(root, wire::write(read))));
@@ -141,7 +146,7 @@ TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
         bytes += length + "\0\0\0"s + text;
         Table<BigInteger> read;
         wire::read_over(read, bytes);
-        std::string const result = bytes_kept(root, bytes, {});
+        std::string const result = kept_of(root, bytes, {});
         ASSERT_EQ(canonical(root, result), canonical(root, wire::write(read))) << wire::hex(bytes);
         numbers += read.begin()->second != 5 ? 1 : 0;
     }
@@ -371,7 +376,7 @@ TEST(ReadOverCost, TheGreatestDepthRunsOnEightMegabytes) {
     ASSERT_EQ(verify(root, bytes, {.limits = {.depth = Limits::depth_cap - 1}}).answer,
               Answer::unsafe);
     std::string result;
-    run_on_stack(std::size_t{8} << 20, [&] { result = bytes_kept(root, bytes, deep); });
+    run_on_stack(std::size_t{8} << 20, [&] { result = kept_of(root, bytes, deep); });
     // The first of all references tells the text.
     EXPECT_EQ(result.size(), 2 * (sizeof(std::uint32_t) + expression.size()) + 8);
     EXPECT_EQ(verify(root, result, deep).answer, Answer::good);
@@ -385,7 +390,7 @@ TEST(ReadOverCost, ManyReadingsOfOneKeyTakeLinearTime) {
     for (std::uint32_t i = 0; i < count; ++i)
         bytes +=
             word(7) + word(1) + word(i) + word(i % 5 == 4 ? 99 : 2) + word(1) + word(1) + word(3);
-    std::string const result = bytes_kept({"R", describe<Lists>()}, bytes, {});
+    std::string const result = kept_of({"R", describe<Lists>()}, bytes, {});
     EXPECT_EQ(result.size(), 8 + 4 + 4 * std::size_t{count} + 4 + 4 + 4 + 4);
 }
 
@@ -396,13 +401,13 @@ TEST(ReadOverCost, LongTextsAndNumbersOfManyReadingsTakeLinearTime) {
         word(count) + word(7) + word(0xFFFFFFFF) + word(length) + std::string(length, 'x');
     for (std::uint32_t i = 1; i < count; ++i) strings += word(i % 2) + word(1);
     Root const        by_word{"R", describe<Table<Strings_T>>()};
-    std::string const result = bytes_kept(by_word, strings, {});
+    std::string const result = kept_of(by_word, strings, {});
     EXPECT_EQ(result.size(), 4 + (4 + 8 + length) + 2 * 8u);
 
     // The same long number as a key, spelled with zeros once.
     std::string numbers = word(count) + word(length) + std::string(length - 1, '0') + "1" + "T";
     for (std::uint32_t i = 1; i < count; ++i) numbers += word(1) + "1" + "F";
-    EXPECT_EQ(bytes_kept({"R", describe<LastWinsMap<BigInteger, bool>>()}, numbers, {}),
+    EXPECT_EQ(kept_of({"R", describe<LastWinsMap<BigInteger, bool>>()}, numbers, {}),
               word(1) + word(length) + std::string(length - 1, '0') + "1" + "F");
 }
 

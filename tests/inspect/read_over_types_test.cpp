@@ -21,6 +21,7 @@
 namespace {
 
 using sml::inspect::Answer;
+using sml::inspect::Budget;
 using sml::inspect::bytes_kept;
 using sml::inspect::describe;
 using sml::inspect::Root;
@@ -46,7 +47,8 @@ void compare(Root const& root, std::string const& bytes, Tally& tally) {
     ++tally.tried;
     if (verify(root, bytes, bounded).answer == Answer::unsafe) return;
     ++tally.compared;
-    std::string const kept = bytes_kept(root, bytes, bounded);
+    Budget            budget(bounded.limits.own_memory);
+    std::string const kept(bytes_kept(root, bytes, bounded, budget));
     Table             read;
     wire::read_over(read, bytes);
     ASSERT_EQ(wire::hex(canonical(root, kept)), wire::hex(canonical(root, wire::write(read))))

@@ -48,13 +48,15 @@ void refuse_unless_good(std::string_view bytes, Options const& options, std::ost
 
 void import_logs(Options const& options, Streams& streams) {
     refuse_overwriting_an_input(options);
-    Result_Set set;
-    auto&      run_count = set.application_results.first_int;
+    Result_Set  set;
+    Comparisons comparisons(options.verify.limits.work);
+    auto&       run_count = set.application_results.first_int;
     for (auto const& input : options.inputs) {
         Input_Bytes const text(input, options.max_size, streams.in);
         run_count += sarif::read_log(
             text.view(), input_name(input), run_count,
-            [&](sarif::Result&& result) { add_result(result, set); }, options.limits);
+            [&](sarif::Result&& result) { add_result(result, set, comparisons); }, options.limits,
+            comparisons);
     }
     auto const write = [&](std::ostream& out) {
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);

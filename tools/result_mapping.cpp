@@ -95,17 +95,33 @@ std::optional<Place> place_of(Source_Ref const& reference, Strings_T const& base
     return place;
 }
 
-// The next key of a table for a URI: ordinals count from 1 and `numbers` holds the last one.
-template <typename Numbers>
-Numbered_Key next_key(Numbers& numbers, Strings_T const& uri) {
-    return {uri, ++numbers[uri]};
-}
+// A set to which results are added. What is looked up in its tables, or among all texts, is
+// counted.
+struct Filling {
+    Result_Set&  set;
+    Comparisons& comparisons;
 
-void add_event(sarif::Step const& step, std::int32_t run, Failure& failure, Result_Set& set) {
-    auto&      tables = set.application_results;
+    // The value behind a key, which is added where it is not there.
+    template <typename Table>
+    typename Table::mapped_type& at(Table& table, typename Table::key_type const& key) const {
+        auto& value = table[key];
+        comparisons.count_key(table, key);
+        return value;
+    }
+
+    // The next key of a table for a URI: ordinals count from 1 and `numbers` holds the last one.
+    template <typename Numbers>
+    Numbered_Key next_key(Numbers& numbers, Strings_T const& uri) const {
+        return {uri, ++at(numbers, uri)};
+    }
+};
+
+void add_event(sarif::Step const& step, std::int32_t run, Failure& failure,
+               Filling const& filling) {
+    auto&      tables = filling.set.application_results;
     auto const place = step.place.value_or(Place{});
-    auto const key = next_key(tables.event_numbers, or_empty(place.uri));
-    Event&     event = tables.events[key];
+    auto const key = filling.next_key(tables.event_numbers, or_empty(place.uri));
+    Event&     event = filling.at(tables.events, key);
     event.optional_string = step.message;
     event.signature.qualified_signature.qualified_name.name = or_empty(place.logical);
     event.first_string = or_empty(place.base);
@@ -135,18 +151,20 @@ std::string thread_pointer(std::size_t flow, std::size_t thread) {
 
 constexpr char const* flows_pointer = "codeFlows";
 
-Failure failure_of(Result const& result, Result_Set& set) {
+Failure failure_of(Result const& result, Filling const& filling) {
     Failure failure;
     failure.technology.choose<"UNKNOWN">();
     auto const count = [&](std::string const& pointer, std::size_t size) {
-        failure.named_ints[Strings_T(pointer)] = static_cast<std::int32_t>(size);
+        filling.at(failure.named_ints, filling.comparisons.interned(pointer)) =
+            static_cast<std::int32_t>(size);
     };
     count(flows_pointer, result.flows.size());
     for (std::size_t i = 0; i < result.flows.size(); ++i) {
         count(flow_pointer(i), result.flows[i].size());
         for (std::size_t j = 0; j < result.flows[i].size(); ++j) {
             count(thread_pointer(i, j), result.flows[i][j].size());
-            for (auto const& step : result.flows[i][j]) add_event(step, result.run, failure, set);
+            for (auto const& step : result.flows[i][j])
+                add_event(step, result.run, failure, filling);
         }
     }
     return failure;
@@ -191,12 +209,12 @@ std::vector<sarif::Code_Flow> restored_flows(Failure const& failure, Result_Set 
 
 // A new information record about the check; the caller fills in what it says.
 Info& add_info(char const* role, std::size_t position, Numbered_Key const& check,
-               Strings_T const& uri, Result_Set& set) {
-    auto&      tables = set.application_results;
-    auto const key = next_key(tables.info_numbers, uri);
-    tables.first_key_sets[check].insert(key);
-    Info& info = tables.infos[key];
-    info.first_string = Strings_T(role);
+               Strings_T const& uri, Filling const& filling) {
+    auto&      tables = filling.set.application_results;
+    auto const key = filling.next_key(tables.info_numbers, uri);
+    filling.at(tables.first_key_sets, check).insert(key);
+    Info& info = filling.at(tables.infos, key);
+    info.first_string = filling.comparisons.interned(role);
     info.first_int = static_cast<std::int32_t>(position);
     info.second_string = check.first;
     info.second_int = check.second;
@@ -215,20 +233,21 @@ void set_text(Info& info, std::optional<Text> const& text) {
     info.category.arm<"TOOLTIP_INFO">().tooltip = or_empty(text);
 }
 
-void add_infos(Result const& result, Numbered_Key const& check, Result_Set& set) {
+void add_infos(Result const& result, Numbered_Key const& check, Filling const& filling) {
     for (std::size_t i = 1; i < result.locations.size(); ++i) {
         auto const& place = result.locations[i];
-        set_place(add_info(further_location, i, check, or_empty(place.uri), set), place);
+        set_place(add_info(further_location, i, check, or_empty(place.uri), filling), place);
     }
     for (std::size_t i = 0; i < result.related.size(); ++i) {
         auto const& related = result.related[i];
-        Info&       info = add_info(related_location, i, check, or_empty(related.place.uri), set);
+        Info& info = add_info(related_location, i, check, or_empty(related.place.uri), filling);
         set_place(info, related.place);
         set_text(info, related.message);
-        if (related.id) info.string_and_int.emplace(Strings_T(related_id), *related.id);
+        if (related.id)
+            info.string_and_int.emplace(filling.comparisons.interned(related_id), *related.id);
     }
     for (std::size_t i = 0; i < result.suppressions.size(); ++i) {
-        Info& info = add_info(suppression_role, i, check, check.first, set);
+        Info& info = add_info(suppression_role, i, check, check.first, filling);
         set_text(info, result.suppressions[i].status);
         if (result.suppressions[i].kind)
             info.string_and_int.emplace(*result.suppressions[i].kind, 0);
@@ -269,7 +288,7 @@ void restore_info(Info const& info, Result& result) {
     }
 }
 
-void fill_check(Result const& result, Check& check, Result_Set& set) {
+void fill_check(Result const& result, Check& check, Filling const& filling) {
     check.first_string = or_empty(result.tool);
     check.first_int = result.run;
     check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message =
@@ -287,21 +306,21 @@ void fill_check(Result const& result, Check& check, Result_Set& set) {
         check.fifth_string = or_empty(result.locations.front().base);
         check.source_ref = source_ref_of(result.locations.front());
     }
-    if (!result.flows.empty()) check.failure = failure_of(result, set);
+    if (!result.flows.empty()) check.failure = failure_of(result, filling);
 }
 
-void add_fingerprints(sarif::Fingerprints const& fingerprints, char const* family,
-                      Check_Form& form) {
+void add_fingerprints(sarif::Fingerprints const& fingerprints, char const* family, Check_Form& form,
+                      Filling const& filling) {
     for (auto const& [name, value] : fingerprints) {
         sml::PackagedPrettySignature::T signature;
-        signature.package = Strings_T(family);
+        signature.package = filling.comparisons.interned(family);
         signature.qualified_signature.qualified_name.name = name;
         form.signature_locations.insert({form.localization, {signature, value}});
     }
 }
 
-void fill_form(Result const& result, Numbered_Key const& key, Check const& check,
-               Check_Form& form) {
+void fill_form(Result const& result, Numbered_Key const& key, Check const& check, Check_Form& form,
+               Filling const& filling) {
     auto const place = result.locations.empty() ? Place{} : result.locations.front();
     form.first_optional_int = place.line;
     form.second_optional_int = place.column;
@@ -316,8 +335,8 @@ void fill_form(Result const& result, Numbered_Key const& key, Check const& check
     form.localization = check.source_ref.localization;
     form.name = check.third_string;
     form.category = check.category;
-    add_fingerprints(result.fingerprints, complete_fingerprint, form);
-    add_fingerprints(result.partial_fingerprints, partial_fingerprint, form);
+    add_fingerprints(result.fingerprints, complete_fingerprint, form, filling);
+    add_fingerprints(result.partial_fingerprints, partial_fingerprint, form, filling);
 }
 
 void restore_form(Check_Form const& form, Result& result) {
@@ -404,18 +423,20 @@ void refuse_more(std::size_t found, std::size_t most, char const* what) {
 
 }  // namespace
 
-void add_result(Result const& result, Result_Set& set, Set_Limits const& limits) {
+void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
+                Set_Limits const& limits) {
     refuse_more(Longest_Text(result).bytes(), limits.text_bytes, "a text of this many bytes:");
     refuse_more(most_entries(result, set), limits.entries, "this many entries of a table:");
-    auto&      tables = set.application_results;
-    auto const uri = result.locations.empty() ? std::nullopt : result.locations.front().uri;
-    auto const key = next_key(tables.check_numbers, or_empty(uri));
-    Check&     check = tables.checks[key];
-    fill_check(result, check, set);
-    add_infos(result, key, set);
+    Filling const filling{set, comparisons};
+    auto&         tables = set.application_results;
+    auto const    uri = result.locations.empty() ? std::nullopt : result.locations.front().uri;
+    auto const    key = filling.next_key(tables.check_numbers, or_empty(uri));
+    Check&        check = filling.at(tables.checks, key);
+    fill_check(result, check, filling);
+    add_infos(result, key, filling);
     auto& [id, form] = set.check_data.emplace_back();
     id = static_cast<std::int32_t>(set.check_data.size() - 1);
-    fill_form(result, key, check, form);
+    fill_form(result, key, check, form, filling);
     auto const strings = Strings_T::fAllStrings.size() + 1;  // and the empty one
     refuse_more(strings, limits.strings, "this many strings:");
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "comparisons.hpp"
 #include "sarif_result.hpp"
 #include "schema/Base_Gui_Internal_Form_Datas.hpp"
 
@@ -27,9 +28,11 @@ struct Set_Limits {
     std::size_t strings = std::numeric_limits<std::int32_t>::max();
 };
 
-// Adds the result as the last check of the set, with its events and its further places. Throws
-// Damaged_Input where that is beyond the limits; the set is of no use then.
-void add_result(sarif::Result const& result, Result_Set& set, Set_Limits const& limits = {});
+// Adds the result as the last check of the set, with its events and its further places. What
+// looking up its keys takes is counted. Throws Damaged_Input where that or the set is beyond the
+// limits; the set is of no use then.
+void add_result(sarif::Result const& result, Result_Set& set, Comparisons& comparisons,
+                Set_Limits const& limits = {});
 
 // The result that a check form of the set was made from. Throws Damaged_Input where the set holds
 // no such check, which means that it did not come from add_result.

@@ -33,9 +33,9 @@ void hand_over(Run& run, json::value const& result, Result_Sink const& sink) {
 }
 
 std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink,
-                       Limits const& limits) {
+                       Limits const& limits, Comparisons& comparisons) {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
-    Expansion      expansion(limits);
+    Expansion      expansion(limits, comparisons);
     std::int32_t   count = 0;
     for (auto const& given : runs_of(log)) {
         if (count == most - first_run)
@@ -56,10 +56,10 @@ std::string place_name(json_input::Document const& document, json::value const& 
 }  // namespace
 
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink, Limits const& limits) {
+                      Result_Sink const& sink, Limits const& limits, Comparisons& comparisons) {
     json_input::Document const document(text, name);
     try {
-        return read_runs(document.root(), first_run, sink, limits);
+        return read_runs(document.root(), first_run, sink, limits, comparisons);
     } catch (Misfit const& misfit) {
         throw Damaged_Input(name + ":" + place_name(document, *misfit.where) + ": " + misfit.what);
     }

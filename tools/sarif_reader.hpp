@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "comparisons.hpp"
 #include "sarif_limits.hpp"
 #include "sarif_result.hpp"
 
@@ -17,8 +18,16 @@ using Result_Sink = std::function<void(Result&&)>;
 // runs. Runs are numbered from `first_run` on. Throws Damaged_Input, its text starting with `name`
 // and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
 // not SARIF, and for a result that `sink` refuses with a Damaged_Input of its own. Results handed
-// over before that are to be thrown away.
+// over before that are to be thrown away. What making its texts
+// takes is counted.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink, Limits const& limits = {});
+                      Result_Sink const& sink, Limits const& limits, Comparisons& comparisons);
+
+// The same for a log by itself, within the limits that are usual.
+inline std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
+                             Result_Sink const& sink, Limits const& limits = {}) {
+    Comparisons comparisons;
+    return read_log(text, name, first_run, sink, limits, comparisons);
+}
 
 }  // namespace bradep::sarif

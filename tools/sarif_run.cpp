@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "errors.hpp"
 #include "message_format.hpp"
 
 namespace bradep::sarif {
@@ -73,7 +74,11 @@ void Expansion::spend(std::uint64_t bytes, json::value const& where) {
 
 Text Expansion::text_of(std::string_view text, json::value const& where) {
     spend(text.size(), where);
-    return Text(std::string(text));
+    try {
+        return comparisons_.interned(std::string(text));
+    } catch (Damaged_Input const& refusal) {
+        throw Misfit{&where, refusal.what()};
+    }
 }
 
 std::optional<Text> Expansion::text(std::optional<std::string_view> given,

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "comparisons.hpp"
 #include "elements_by_text.hpp"
 #include "rule_index.hpp"
 #include "sarif_limits.hpp"
@@ -23,7 +24,8 @@ struct Rule {
 // Makes the texts of a log's results, within its limits. All members throw json_input::Misfit.
 class Expansion {
 public:
-    explicit Expansion(Limits const& limits) : limits_(limits), left_(limits.expansion) {}
+    Expansion(Limits const& limits, Comparisons& comparisons)
+        : limits_(limits), left_(limits.expansion), comparisons_(comparisons) {}
 
     // `where` is the place to tell where that is too much.
     Text                text_of(std::string_view text, json::value const& where);
@@ -36,6 +38,7 @@ private:
 
     Limits        limits_;
     std::uint64_t left_;
+    Comparisons&  comparisons_;
 };
 
 // Refers to the document's values, which must outlive it. All members throw json_input::Misfit.

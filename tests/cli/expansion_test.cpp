@@ -124,14 +124,21 @@ TEST(Expansion, ItsLimitIsAnOption) {
     EXPECT_NE(refused.err.find("--max-expansion 1 bytes"), std::string::npos) << refused.err;
 }
 
+bradep::Result_Set set_of(std::string const& log) {
+    bradep::Result_Set  set;
+    bradep::Comparisons comparisons;
+    bradep::sarif::read_log(log, "log", 0,
+                            [&](auto&& result) { bradep::add_result(result, set, comparisons); });
+    return set;
+}
+
 /// One check whose steps are all the same event, with a long message: in bytes.
 std::string shared_step(std::size_t steps, std::size_t length) {
     auto const log =
         R"({"version": "2.1.0", "runs": [{"results": [{"codeFlows": [{"threadFlows": [{"locations": [
         {"location": {"message": {"text": ")" +
         std::string(length, 'm') + "\"}}}]}]}]}]}]}";
-    bradep::Result_Set set;
-    bradep::sarif::read_log(log, "log", 0, [&](auto&& result) { bradep::add_result(result, set); });
+    auto       set = set_of(log);
     auto&      failure = set.application_results.checks.begin()->second.failure.value();
     auto const step = failure.steps.front();
     failure.steps.assign(steps, step);
@@ -141,10 +148,12 @@ std::string shared_step(std::size_t steps, std::size_t length) {
 }
 
 std::string complaint_of_adding(std::string const& log, bradep::Set_Limits const& limits) {
-    bradep::Result_Set set;
+    bradep::Result_Set  set;
+    bradep::Comparisons comparisons;
     try {
-        bradep::sarif::read_log(log, "log", 0,
-                                [&](auto&& result) { bradep::add_result(result, set, limits); });
+        bradep::sarif::read_log(log, "log", 0, [&](auto&& result) {
+            bradep::add_result(result, set, comparisons, limits);
+        });
     } catch (bradep::Damaged_Input const& error) {
         return error.what();
     }
@@ -206,14 +215,16 @@ TEST(SetLimits, MoreEntriesThanTheWireHoldsAreRefused) {
 }
 
 TEST(SetLimits, MoreStringsThanTheWireHoldsAreRefused) {
+    EXPECT_EQ(complaint_of_adding(log_with("{}"), {}), "nothing");  // tool, level and kind
     auto const before = sml::Strings_T::fAllStrings.size();
     auto const log = log_with(R"({"ruleId":"a string of its own"},{"ruleId":"and another one"})");
-    // Both, the tool, level and kind, and the empty one.
-    EXPECT_EQ(complaint_of_adding(log, {.strings = before + 6}), "nothing");
-    auto const complaint = complaint_of_adding(log, {.strings = before + 5});
+    // Both, and the empty one.
+    EXPECT_EQ(complaint_of_adding(log, {.strings = before + 3}), "nothing");
+    auto const others = log_with(R"({"ruleId":"a third string"},{"ruleId":"a fourth string"})");
+    auto const complaint = complaint_of_adding(others, {.strings = before + 4});
     EXPECT_EQ(complaint, "log:/runs/0/results/1: a result set has no room for this many strings: " +
-                             std::to_string(before + 6) + ", only for " +
-                             std::to_string(before + 5));
+                             std::to_string(before + 5) + ", only for " +
+                             std::to_string(before + 4));
 }
 
 TEST(Import, WhatWouldNotBeGoodIsNotWritten) {
@@ -288,9 +299,7 @@ TEST(MaxOutput, StopsDump) {
 
 /// Many forms of one check would print it as often.
 TEST(Show, ACheckHasOneForm) {
-    bradep::Result_Set set;
-    bradep::sarif::read_log(log_with("{}"), "log", 0,
-                            [&](auto&& result) { bradep::add_result(result, set); });
+    auto set = set_of(log_with("{}"));
     set.check_data.push_back(set.check_data.front());
     auto const bytes = sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
     auto const shown = run_command({"show", "--json", "-"}, bytes);

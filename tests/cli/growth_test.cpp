@@ -148,8 +148,9 @@ TEST(Growth, SummaryOfManyChecksThatShareOneLongText) {
     expect_linear_work([](std::size_t n) {
         bradep::Result_Set    set;
         bradep::sarif::Result result;
+        bradep::Comparisons   comparisons;
         result.rule = std::string(40 * n, 'r');
-        for (std::size_t i = 0; i < n; ++i) bradep::add_result(result, set);
+        for (std::size_t i = 0; i < n; ++i) bradep::add_result(result, set, comparisons);
         return [set] {
             std::ostringstream out;
             bradep::write_summary(out, set, {"set", 0, {}, 0});

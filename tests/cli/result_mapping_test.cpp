@@ -16,8 +16,9 @@ using bradep::sarif::Result;
 using sml::Strings_T;
 
 Result_Set set_of(std::vector<Result> const& results) {
-    Result_Set set;
-    for (auto const& result : results) bradep::add_result(result, set);
+    Result_Set          set;
+    bradep::Comparisons comparisons;
+    for (auto const& result : results) bradep::add_result(result, set, comparisons);
     return set;
 }
 

@@ -1,0 +1,317 @@
+// Logs whose texts are made to fall together in the hash tables that an import fills.
+
+#include "comparisons.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <string_view>
+
+#include "cli_support.hpp"
+#include "errors.hpp"
+#include "inspect/reader_model.hpp"
+#include "result_mapping.hpp"
+
+namespace {
+
+using namespace cli_test;
+using bradep::Comparisons;
+using bradep::sarif::Place;
+using bradep::sarif::Result;
+using sml::Strings_T;
+using sml::inspect::ReaderModel;
+using Texts = std::vector<std::string>;
+
+constexpr std::uint64_t unlimited = ~std::uint64_t{0};
+
+/// The hash of a text of 16 bytes, and its inverse: the second half that gives a hash.
+class Hash_Of_16 {
+public:
+    static std::uint64_t behind(std::uint64_t first_half) {
+        std::uint64_t const state = seed ^ (16 * factor);
+        return (state ^ mixed(first_half)) * factor;
+    }
+    /// What the first 8 bytes left of the hash, before it is finished, is brought to `wanted`.
+    static std::uint64_t second_half(std::uint64_t first_half, std::uint64_t wanted) {
+        return folded((behind(first_half) ^ wanted) * inverse()) * inverse();
+    }
+    /// The state that is finished to a hash.
+    static std::uint64_t unfinished(std::uint64_t hash) {
+        return folded(folded(hash) * inverse()) * inverse();
+    }
+
+private:
+    static constexpr std::uint64_t seed = 0xc70f6907;
+    static constexpr std::uint64_t factor = 0xc6a4a7935bd1e995;
+
+    static std::uint64_t folded(std::uint64_t word) { return word ^ (word >> 47); }
+    static std::uint64_t mixed(std::uint64_t word) { return folded(word * factor) * factor; }
+    static std::uint64_t inverse() {
+        std::uint64_t inverse = factor;
+        for (int i = 0; i < 6; ++i) inverse *= 2 - factor * inverse;
+        return inverse;
+    }
+};
+
+bool is_plain(char c) { return c > ' ' && c < '\x7f' && c != '"' && c != '\\' && c != '/'; }
+
+/// So many texts with this hash, to be written as they are in JSON.
+Texts texts_of_hash(std::size_t count, std::uint64_t hash) {
+    Texts         texts;
+    std::uint64_t wanted = Hash_Of_16::unfinished(hash);
+    for (std::uint64_t i = 10'000'000; texts.size() < count; ++i) {
+        std::string   text = std::to_string(i);
+        std::uint64_t half = 0;
+        std::memcpy(&half, text.data(), 8);
+        half = Hash_Of_16::second_half(half, wanted);
+        text.append(reinterpret_cast<char const*>(&half), 8);
+        if (!std::ranges::all_of(text, is_plain)) continue;
+        if (ReaderModel::text_hash(text) != hash) throw std::logic_error("another hash: " + text);
+        texts.push_back(std::move(text));
+    }
+    return texts;
+}
+
+/// Texts of one hash, another one each time: those of before are in the table of all texts still.
+Texts colliding(std::size_t count) {
+    static std::uint64_t hash = 0x123456789abcdef0;
+    return texts_of_hash(count, ++hash);
+}
+
+/// As long, and as many, with hashes of their own.
+Texts ordinary(std::size_t count) {
+    Texts texts;
+    for (std::uint64_t i = 0; i < count; ++i)
+        texts.push_back(std::to_string(1'000'000'000'000'000 + i));
+    return texts;
+}
+
+/// A list of the pattern with each text in the place of TEXT.
+std::string filled(std::string const& pattern, Texts const& texts) {
+    std::string list;
+    for (auto const& text : texts) {
+        std::string one = pattern;
+        one.replace(one.find("TEXT"), 4, text);
+        (list += list.empty() ? "" : ",") += one;
+    }
+    return list;
+}
+
+std::string const located =
+    R"({"locations":[{"physicalLocation":{"artifactLocation":{"uri":"TEXT"}}}]})";
+
+std::string log_of_uris(Texts const& texts) { return log_with(filled(located, texts)); }
+
+std::uint64_t count_of(std::string const& log) {
+    Comparisons        comparisons(unlimited);
+    bradep::Result_Set set;
+    bradep::sarif::read_log(
+        log, "log", 0, [&](auto&& result) { bradep::add_result(result, set, comparisons); }, {},
+        comparisons);
+    return comparisons.counted();
+}
+
+TEST(Comparisons, GrowWithTheSquareOfUrisThatFallTogether) {
+    auto const some = static_cast<double>(count_of(log_of_uris(colliding(1000))));
+    auto const twice = static_cast<double>(count_of(log_of_uris(colliding(2000))));
+    EXPECT_GT(some, 1000 * 1000 / 2);
+    EXPECT_GT(twice / some, 3.5);
+    EXPECT_LT(twice / some, 4.5);
+}
+
+TEST(Comparisons, OfOrdinaryTextsAreNotCounted) {
+    // But for one that happens to fall among those of another test.
+    EXPECT_LT(count_of(log_of_uris(ordinary(20'000))), 20'000U);
+    EXPECT_LT(count_of(log_of_uris(Texts(20'000, "same"))), 20'000U);
+}
+
+TEST(Comparisons, BeyondMaxWorkImportNamesThePlaceAndWritesNothing) {
+    Scratch const scratch;
+    auto const    target = (scratch / "set").string();
+    write_bytes(target, "old");
+    auto const import = [&](Texts const& texts) {
+        return run_command({"import", "--max-work", "100000", "-", "-o", target},
+                           log_of_uris(texts));
+    };
+    auto const refused = import(colliding(2000));
+    EXPECT_EQ(refused.code, 1);
+    std::string const place = "bradep: standard input:/runs/0/results/";
+    ASSERT_TRUE(refused.err.starts_with(place)) << refused.err;
+    // Three tables, each of which compares a text with all before it.
+    EXPECT_NEAR(std::stod(refused.err.substr(place.size())), 258, 3);
+    EXPECT_TRUE(
+        refused.err.ends_with(": keys fall together in the hash tables, which takes more "
+                              "than --max-work 100000 comparisons\n"))
+        << refused.err;
+    EXPECT_EQ(std::ranges::count(refused.err, '\n'), 1);
+    EXPECT_EQ(bytes_of(target), "old");
+    EXPECT_EQ(scratch.names().size(), 1U);
+    EXPECT_EQ(import(ordinary(2000)).code, 0);
+}
+
+TEST(Comparisons, OfSeveralLogsAreCountedTogether) {
+    Scratch const scratch;
+    auto const    texts = colliding(400);
+    auto const    half = texts.begin() + 200;
+    write_bytes(scratch / "a", log_of_uris(Texts(texts.begin(), half)));
+    write_bytes(scratch / "b", log_of_uris(Texts(half, texts.end())));
+    auto const import = [&](std::vector<std::string> const& names) {
+        std::vector<std::string> args = {"import", "--max-work", "150000", "-o", "-"};
+        for (auto const& name : names) args.push_back((scratch / name).string());
+        return run_command(args);
+    };
+    EXPECT_EQ(import({"a"}).code, 0);
+    EXPECT_EQ(import({"b"}).code, 0);
+    auto const refused = import({"a", "b"});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_TRUE(refused.err.starts_with("bradep: " + (scratch / "b").string() + ":/runs/0/"))
+        << refused.err;
+}
+
+/// Every text of a log that goes into the table of all texts, wherever it stands.
+TEST(Comparisons, AreCountedForEachKindOfText) {
+    using Log_Of = std::function<std::string(Texts const&)>;
+    auto const result_with = [](std::string const& before, std::string const& element,
+                                std::string const& behind) -> Log_Of {
+        return
+            [=](Texts const& texts) { return log_with(before + filled(element, texts) + behind); };
+    };
+    auto const tools = [](Texts const& texts) {
+        return R"({"version":"2.1.0","runs":[)" +
+               filled(R"({"tool":{"driver":{"name":"TEXT"}},"results":[{}]})", texts) + "]}";
+    };
+    auto const results = [&](std::string const& pattern) { return result_with("", pattern, ""); };
+    std::string const steps = R"({"codeFlows":[{"threadFlows":[{"locations":[)";
+    for (auto const& log_of :
+         {results(R"({"ruleId":"TEXT"})"), results(R"({"level":"TEXT"})"),
+          results(R"({"kind":"TEXT"})"), results(R"({"message":{"text":"TEXT"}})"),
+          results(R"({"message":{"text":"{0}","arguments":["TEXT"]}})"),
+          results(R"({"baselineState":"TEXT"})"),
+          results(
+              R"({"locations":[{"physicalLocation":{"artifactLocation":{"uriBaseId":"TEXT"}}}]})"),
+          results(R"({"locations":[{"logicalLocations":[{"name":"TEXT"}]}]})"),
+          result_with(R"({"fingerprints":{)", R"("TEXT":"f")", "}}"),
+          results(R"({"partialFingerprints":{"f":"TEXT"}})"),
+          result_with(R"({"suppressions":[)", R"({"kind":"TEXT"})", "]}"),
+          result_with(R"({"suppressions":[)", R"({"status":"TEXT"})", "]}"),
+          result_with(R"({"relatedLocations":[)", R"({"message":{"text":"TEXT"}})", "]}"),
+          result_with(steps, R"({"location":{"message":{"text":"TEXT"}}})", "]}]}]}"),
+          Log_Of(tools)}) {
+        auto const log = log_of(colliding(500));
+        EXPECT_GT(count_of(log), 500U * 500 / 2 - 100) << log.substr(0, 200);
+        EXPECT_LT(count_of(log_of(ordinary(500))), 500U * 10) << log.substr(0, 200);
+    }
+}
+
+/// Of adding results whose texts are there already: how many tables compare each of `count` keys
+/// with all before it.
+template <typename Fill>
+double tables_compared(std::size_t count, Fill const& fill) {
+    std::vector<Strings_T> const texts = [&] {
+        auto const given = colliding(count);
+        return std::vector<Strings_T>(given.begin(), given.end());
+    }();
+    bradep::Result_Set set;
+    Comparisons        comparisons(unlimited);
+    for (auto const& result : fill(texts)) bradep::add_result(result, set, comparisons);
+    auto const squared = static_cast<double>(count * count);
+    return static_cast<double>(comparisons.counted()) / (squared / 2);
+}
+
+Place place_at(Strings_T const& uri) {
+    Place place;
+    place.uri = uri;
+    return place;
+}
+
+TEST(Comparisons, AreCountedForEachTableOfTheSet) {
+    constexpr std::size_t count = 1000;
+    auto const            results = [](auto const& make) {
+        return [=](std::vector<Strings_T> const& texts) {
+            std::vector<Result> all;
+            for (auto const& text : texts) make(all.emplace_back(), text);
+            return all;
+        };
+    };
+    // check_numbers and checks
+    EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
+                                    result.locations = {place_at(text)};
+                                })),
+                2, 0.1);
+    // and first_key_sets
+    EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
+                                    result.locations = {place_at(text), Place()};
+                                })),
+                3, 0.1);
+    // info_numbers and infos
+    EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
+                                    result.related.push_back({place_at(text), {}, {}});
+                                })),
+                2, 0.1);
+    // event_numbers and events
+    EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
+                                    result.flows = {{{{place_at(text), {}}}}};
+                                })),
+                2, 0.1);
+}
+
+/// Texts of the result set's own are looked up among those of the log.
+TEST(Comparisons, AreCountedForTextsThatTheLogDoesNotGive) {
+    constexpr std::size_t count = 200;
+    struct Case {
+        std::string own;
+        std::string result;
+    };
+    for (auto const& [own, result] :
+         {Case{"relatedLocation", R"({"relatedLocations":[{}]})"},
+          Case{"id", R"({"relatedLocations":[{"id":1}]})"},
+          Case{"location", R"({"locations":[{},{}]})"},
+          Case{"suppression", R"({"suppressions":[{}]})"},
+          Case{"fingerprints", R"({"fingerprints":{"":""}})"},
+          Case{"codeFlows/0/threadFlows", R"({"codeFlows":[{}]})"}, Case{"warning", "{}"}}) {
+        auto const                   texts = texts_of_hash(count, ReaderModel::text_hash(own));
+        std::vector<Strings_T> const held(texts.begin(), texts.end());
+        std::string                  results = result;
+        for (std::size_t i = 1; i < 50; ++i) results += "," + result;
+        EXPECT_GE(count_of(log_with(results)), 50 * count) << own;
+    }
+}
+
+/// Texts that share a bucket once the table has grown were not compared when they were added, but
+/// would be when they are given up.
+TEST(Comparisons, OfGivingUpTextsAreNotMade) {
+    auto const& all = Strings_T::fAllStrings;
+    auto const  before = all.size();
+    auto const  text_of = [](std::size_t i) { return "kept " + std::to_string(i); };
+    Texts       texts;
+    for (std::size_t i = 0; i < 1000; ++i) texts.push_back(text_of(i));
+    auto const good = log_with(R"({"relatedLocations":[)" +
+                               filled(R"({"message":{"text":"TEXT"}})", texts) + "]}");
+    // Damaged behind all texts of its only result.
+    auto const bad =
+        log_with(R"({"relatedLocations":[)" + filled(R"({"message":{"text":"bad TEXT"}})", texts) +
+                 R"(],"codeFlows":[{"threadFlows":[{"locations":[{"index":1}]}]}]})");
+    EXPECT_EQ(run_command({"import", "-", "-o", "-"}, good).code, 0);
+    EXPECT_GE(all.size(), before + 1000);
+    EXPECT_EQ(run_command({"import", "-", "-o", "-"}, bad).code, 1);
+    EXPECT_GE(all.size(), before + 2000);
+}
+
+TEST(Comparisons, UpToTheLimitAreAllowed) {
+    auto const log = log_of_uris(colliding(300));
+    count_of(log);  // the texts are there from now on
+    auto const work = count_of(log);
+    auto const import = [&](std::uint64_t most) {
+        Comparisons        comparisons(most);
+        bradep::Result_Set set;
+        bradep::sarif::read_log(
+            log, "log", 0, [&](auto&& result) { bradep::add_result(result, set, comparisons); }, {},
+            comparisons);
+    };
+    EXPECT_NO_THROW(import(work));
+    EXPECT_THROW(import(work - 1), bradep::Damaged_Input);
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+#include "comparisons.hpp"
+
+#include <vector>
+
+#include "errors.hpp"
+
+namespace bradep {
+
+using sml::Strings_T;
+
+namespace {
+
+// Giving up a text takes another look-up, which can't be refused any more, and when the table has
+// grown meanwhile, texts can share a bucket that did not when they were added. In the end the table
+// frees them all without looking any up.
+void keep_until_the_process_ends(Strings_T const& text) {
+    static auto& kept = *new std::vector<Strings_T>;
+    kept.push_back(text);
+}
+
+}  // namespace
+
+Strings_T Comparisons::interned(std::string const& text) {
+    auto const&       texts = Strings_T::fAllStrings;
+    std::size_t const known = texts.size();
+    Strings_T const   handle(text);
+    if (handle == Strings_T()) return handle;  // the empty text is in no table
+    if (texts.size() > known) keep_until_the_process_ends(handle);
+    // Finding the bucket takes the hash alone.
+    count_look_up(texts.bucket_size(texts.bucket({{}, handle.hash(), 0})));
+    return handle;
+}
+
+void Comparisons::spend(std::uint64_t comparisons) {
+    counted_ += comparisons;
+    if (counted_ > most_)
+        throw Damaged_Input(
+            "keys fall together in the hash tables, which takes more than --max-work " +
+            std::to_string(most_) + " comparisons");
+}
+
+}  // namespace bradep

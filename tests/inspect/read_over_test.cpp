@@ -99,7 +99,7 @@ TEST(ReadOverRule, OfFlagsAndEnumeratorsTheLastIsKept) {
 TEST(ReadOverRule, OfTextsDoublesAndFloatsTheLastIsKept) {
     expect_value<std::string>({"02 00 00 00 'ab'", "01 00 00 00 'c'"}, "01 00 00 00 'c'");
     expect_value<std::string>({"02 00 00 00 'ab'", "00 00 00 00"}, "00 00 00 00");
-    expect_value<double>({"03 00 00 00 '1.5'", "02 00 00 00 '.5'"}, "02 00 00 00 '.5'");
+    expect_value<double>({"03 00 00 00 '1.5'", "02 00 00 00 '2.'"}, "02 00 00 00 '2.'");
     using Float = zelvanite::IEEE754Float;
     expect_value<Float>({"06 00 00 00 '0X1P+0' 40 00 00 00", "04 00 00 00 '-INF' 20 00 00 00"},
                         "04 00 00 00 '-INF' 20 00 00 00");

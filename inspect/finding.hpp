@@ -35,7 +35,7 @@ struct SML_API BudgetExceeded : std::bad_alloc {
     char const* what() const noexcept override { return "more working memory than allowed"; }
 };
 
-/// What a walk puts up with. Beyond any of these the bytes are unsafe, but for the last one.
+/// What a walk puts up with. Beyond any of these but `own_memory` the bytes are unsafe.
 struct Limits {
     std::uint32_t depth =
         default_depth;  ///< variants and containers in one another, up to `depth_cap`

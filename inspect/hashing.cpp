@@ -1,13 +1,21 @@
 #include "inspect/hashing.hpp"
 
+#include <chrono>
 #include <cstring>
+#include <exception>
 #include <random>
 
 namespace sml::inspect {
 
-std::uint64_t const hash_seed = [] {
-    std::random_device device;
-    return (std::uint64_t{device()} << 32) ^ device();
+// Where there is no source of random numbers, the time and an address have to do.
+std::uint64_t const hash_seed = []() -> std::uint64_t {
+    try {
+        std::random_device device;
+        return (std::uint64_t{device()} << 32) ^ device();
+    } catch (std::exception const&) {
+        auto const time = std::chrono::steady_clock::now().time_since_epoch().count();
+        return static_cast<std::uint64_t>(time) ^ reinterpret_cast<std::uintptr_t>(&time);
+    }
 }();
 
 namespace {

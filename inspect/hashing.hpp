@@ -1,12 +1,12 @@
 #pragma once
-// Hashes with a random seed: what the bytes hold can't make their values collide on purpose.
+// Hashes with a random seed, so that no bytes can be made whose hashes collide.
 
 #include <cstdint>
 #include <string_view>
 
 namespace sml::inspect {
 
-/// Another one in each process.
+/// The seed, another one in each process.
 [[gnu::visibility("hidden")]] extern std::uint64_t const hash_seed;
 
 inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {

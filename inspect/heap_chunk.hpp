@@ -1,5 +1,5 @@
 #pragma once
-// What the allocator of this platform takes for a block.
+// What the allocator of this platform, glibc's, takes for a block. Large ones are mapped.
 
 #include <algorithm>
 #include <cstdint>

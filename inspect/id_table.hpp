@@ -1,6 +1,6 @@
 #pragma once
-// The string ids that come out of sequence: those that were used before they were told, and the
-// numbers of the others.
+// The string ids that come out of sequence: which of them were used before they were told, and the
+// numbers that the user of this table has for the others.
 
 #include "inspect/hashing.hpp"
 

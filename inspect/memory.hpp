@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <memory_resource>
 #include <new>
 
@@ -29,9 +28,10 @@ public:
             budget_.take(bytes_);
             constexpr std::uint64_t least_tried = std::uint64_t{1} << 16;
             if (bytes_ < least_tried) return;
-            std::unique_ptr<void, decltype(&std::free)> const tried(std::malloc(bytes_),
-                                                                    &std::free);
-            if (tried != nullptr) return;
+            void* volatile const tried = std::malloc(bytes_);  // not to be left out
+            bool const does = tried != nullptr;
+            std::free(tried);
+            if (does) return;
             budget_.give_back(bytes_);
             throw std::bad_alloc();
         }

@@ -24,7 +24,7 @@ public:
     /// for where the rest of a block would be too small to be of use.
     std::uint64_t peak() const noexcept { return with_rests(std::max(peak_, kept_)); }
 
-    // What a reader takes, is told by the following. They give whether it is within the limit.
+    // To be called for what a reader takes. Each gives whether the heap is still within the limit.
 
     /// So many entries of a list, set or map.
     bool take_nodes(Type const& type, std::uint64_t count) { return take(count * type.node_heap); }
@@ -109,7 +109,7 @@ private:
         return bytes == 0 ? 0 : bytes + bytes / rests_share + 16;
     }
 
-    /// The most bytes that are within a limit with them.
+    /// The most bytes for which `with_rests` is within a limit.
     static constexpr std::uint64_t without_rests(std::uint64_t limit) {
         std::uint64_t bytes = limit - limit / (rests_share + 1);
         while (bytes > 0 && with_rests(bytes) > limit) --bytes;

@@ -19,7 +19,8 @@ StringTable::Told StringTable::tell(std::int32_t word, std::uint64_t length_offs
 }
 
 bool StringTable::tell_other(std::int32_t id, std::uint32_t entry) {
-    bool const is_new = !knows(id);
+    bool const is_new =
+        id >= 1 ? !knows(id) : !std::exchange(id == 0 ? tells_0_ : tells_least_, true);
     if (model_ != nullptr) model_->use_id(id, is_new);
     // No word refers to an id below 1.
     if (is_new && id >= 1) others_.add(id, entry);
@@ -85,7 +86,9 @@ std::uint64_t StringTable::readers_comparisons() const {
         else
             added.push_back(entries_[entry].hash);
     }
-    return comparisons_of(added, repeated_.size());
+    // When the object goes, each text is looked up once more.
+    Compared const all = compared_in_table(added);
+    return all.comparisons + all.pairs + repeated_.size() * all.longest;
 }
 
 }  // namespace sml::inspect

@@ -30,15 +30,16 @@ public:
           others_(memory),
           repetitions_(memory) {}
 
-    /// From the start on: passes ids out of sequence on to a model that lives as long as this, and
-    /// hashes texts as the readers do. Where many of them collide on purpose, a reader compares as
-    /// many as this table does, and more.
+    /// To be called first: passes ids out of sequence on to a model that lives as long as this, and
+    /// hashes texts as the readers do. Texts that collide on purpose are compared here as often as
+    /// a reader compares them, which `comparisons` counts.
     void model_reader(ReaderModel& model) {
         model_ = &model;
         of_unknown_ids_.hash = ReaderModel::text_hash({});
     }
 
-    /// How often a reader, whose hashes these texts have, compares one with another.
+    /// How often a reader, whose hashes these texts have, compares one with another while it reads
+    /// them and when it gives them up.
     std::uint64_t readers_comparisons() const;
 
     /// How often texts with the hash of another one were compared with it; long ones count more.
@@ -116,7 +117,7 @@ private:
         return model_ == nullptr ? seeded_hash(text) : ReaderModel::text_hash(text);
     }
 
-    /// Multiplied by a secret, of which the high bits of the product depend.
+    /// The high bits of the product with a secret.
     std::size_t slot_of(std::uint64_t hash) const { return hash * (hash_seed | 1) >> shift_; }
 
     bool knows(std::int32_t id) const;
@@ -137,6 +138,10 @@ private:
     std::uint64_t                   comparisons_ = 0;
     std::pmr::vector<std::uint32_t> repeated_;  // entries whose text was told before
     IdTable                         others_;    // entries by id, or unknown
+
+    // The ids below 1 that words can tell: 0 and the least number.
+    bool tells_0_ = false;
+    bool tells_least_ = false;
 
     // Where a text was told again, and where it was told first.
     std::pmr::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;

@@ -23,7 +23,7 @@ constexpr std::uint64_t comparisons_for(std::uint64_t bytes) {
 }
 
 /// The numbers of buckets that a table has while it grows key by key: the first one while it is
-/// empty, each of the others up to as many keys.
+/// empty; each of the others is also the most keys that it holds with so many.
 inline std::vector<std::uint64_t> const& bucket_counts() {
     static std::vector<std::uint64_t> const counts = [] {
         std::vector<std::uint64_t>          all{1};
@@ -46,10 +46,11 @@ inline std::size_t growth_of(std::uint64_t keys) {
 
 using Hashes = std::pmr::vector<std::uint64_t>;
 
-/// Of keys in a table: how often they are compared, and the most that share a bucket.
+/// Of keys in a table.
 struct Compared {
-    std::uint64_t comparisons = 0;
-    std::uint64_t longest = 0;
+    std::uint64_t comparisons = 0;  ///< while it gets them
+    std::uint64_t pairs = 0;        ///< of all keys that share a bucket
+    std::uint64_t longest = 0;      ///< the most keys that share one
 };
 
 /// For the keys that a table gets while it has so many buckets, from one key up to another. None
@@ -60,22 +61,23 @@ std::optional<Compared> compared_at(std::uint64_t buckets, std::uint64_t from, s
     std::pmr::vector<Count> chains(buckets, 0, hashes.get_allocator());
     core::Remainder const   bucket_of(buckets);
     Count                   longest = 0;
-    std::uint64_t           comparisons = 0;
+    Compared                compared;
     for (std::uint64_t i = 0; i < to; ++i) {
         Count const others = chains[bucket_of(hashes[i])]++;
         longest = std::max(longest, others);
-        comparisons += i < from ? 0 : others;
+        compared.pairs += others;
+        compared.comparisons += i < from ? 0 : others;
     }
     if (longest == std::numeric_limits<Count>::max()) return std::nullopt;
-    return Compared{comparisons, std::uint64_t{longest} + 1};
+    compared.longest = std::uint64_t{longest} + 1;
+    return compared;
 }
 
-/// The comparisons of keys, no two of them equal, that a table gets one after another, and of
-/// others that it finds there, which are taken to be in its longest chain. Takes a byte a key for
-/// the time being, four where many share a bucket.
-inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
+/// For keys, no two of them equal, that a table gets one after another; `pairs` is of the last size
+/// that it grows to. Takes, until it returns, a byte a bucket, four where many keys share one.
+inline Compared compared_in_table(Hashes const& added) {
     constexpr std::uint64_t least_counted = 64;  // in smaller ones each is compared with few
-    Compared                all{std::min<std::uint64_t>(added.size(), least_counted), 1};
+    Compared                all{std::min<std::uint64_t>(added.size(), least_counted), 0, 1};
     for (std::size_t growth = growth_of(least_counted); growth <= growth_of(added.size());
          ++growth) {
         std::uint64_t const buckets = bucket_counts()[growth];
@@ -83,9 +85,17 @@ inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
         std::uint64_t const to = std::min<std::uint64_t>(added.size(), buckets);
         auto                at = compared_at<std::uint8_t>(buckets, from, to, added);
         if (!at) at = compared_at<std::uint32_t>(buckets, from, to, added);
-        all = {all.comparisons + at.value_or(Compared{to * to / 2, to}).comparisons,
-               at.value_or(Compared{0, to}).longest};
+        Compared const worst{to * to / 2, to * to / 2, to};
+        Compared const now = at.value_or(worst);
+        all = {all.comparisons + now.comparisons, now.pairs, std::max(all.longest, now.longest)};
     }
+    return all;
+}
+
+/// The comparisons of keys that a table gets, and of others that it finds, each of which is taken
+/// to be in the longest chain that there ever was.
+inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
+    Compared const all = compared_in_table(added);
     return all.comparisons + found * all.longest;
 }
 

@@ -42,9 +42,9 @@ struct Verdict {
     std::optional<Finding> reason_against_encoding;
     std::uint64_t          walked = 0;  ///< how many bytes were walked
     std::uint64_t          heap = 0;    ///< bytes of heap that reading takes at its peak, estimated
-    std::uint64_t          work = 0;  ///< comparisons of keys in a reader's hash tables, estimated
-    std::uint64_t          elements = 0;  ///< entries of all containers
-    std::uint64_t          strings = 0;   ///< strings told whole
+    std::uint64_t work = 0;  ///< comparisons of keys in hash tables, to read and destroy, estimated
+    std::uint64_t elements = 0;  ///< entries of all containers
+    std::uint64_t strings = 0;   ///< strings told whole
 };
 
 /// Walks the bytes as a value of the root. The first unsafe finding ends the walk. What is not

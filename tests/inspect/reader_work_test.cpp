@@ -280,4 +280,31 @@ TEST(ReaderWork, CountsIdsOutOfSequence) {
     EXPECT_GT(judge(*find_root("String_To_StringSet_T"), bytes).work, 5'000'000u);
 }
 
+// The chain that they were in when they were found counts, not that of the table as it ends.
+TEST(ReaderWork, CountsKeysThatWereFoundBeforeTheTableGrew) {
+    std::uint64_t const all = judge(numbers_root(), numbers(5087, 5087, 20'000)).work;
+    EXPECT_GT(all, 5087u * 20'000);
+    Hashes hashes;
+    for (std::uint64_t i = 0; i < 5087; ++i) hashes.push_back(i * 5087);
+    std::uint64_t const before = comparisons_of(hashes, 20'000);
+    hashes.push_back(1);
+    EXPECT_GE(comparisons_of(hashes, 20'000), before);
+}
+
+// Giving texts up looks each of them up again, in the table as it has become.
+TEST(ReaderWork, CountsTextsThatShareABucketWhenTheyAreGivenUp) {
+    // Added while the table has 1109 buckets; the last ones make it grow.
+    std::vector<std::string> all = texts(1000, 2357);
+    for (std::string& text : texts(200, 1)) all.push_back("other " + text);
+    EXPECT_GT(judge(*find_root("String_To_StringSet_T"), string_table(all)).work, 1000u * 999 / 2);
+}
+
+TEST(ReaderWork, AnIdBelowOneIsOneId) {
+    std::string bytes = word(20'000);
+    for (std::int32_t i = 0; i < 20'000; ++i) bytes += word(0) + block(std::to_string(i)) + word(0);
+    Verdict const verdict = judge(*find_root("String_To_StringSet_T"), bytes);
+    EXPECT_EQ(verdict.answer, Answer::odd);
+    EXPECT_LT(verdict.work, 200'000u);
+}
+
 }  // namespace

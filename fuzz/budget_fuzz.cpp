@@ -143,8 +143,8 @@ void check_canonical(fuzz::Input const& input, Limits const& limits) {
                   "canonical depends on its limits");
 }
 
-/// All walks judge the limits alike. Work is judged by verify alone; of memory, walks that look for
-/// no repeated keys take a table's nodes to be there before its entries are.
+/// All walks judge the limits alike. Work is judged by verify alone; in memory, walks that look for
+/// no repeated keys count entries that a reader drops.
 void check_agreement(fuzz::Input const& input, Limits limits) {
     limits.memory = ample.memory;
     limits.work = ample.work;

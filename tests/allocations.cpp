@@ -18,6 +18,12 @@ void* allocate(std::size_t size) {
     throw std::bad_alloc();
 }
 
+void* allocate_or_null(std::size_t size) noexcept try {
+    return allocate(size);
+} catch (std::bad_alloc const&) {
+    return nullptr;
+}
+
 }  // namespace
 
 namespace allocations {
@@ -38,7 +44,13 @@ long Shortage::asked() const noexcept { return asked_for; }
 // would take malloc() and `delete` for a mismatched pair.
 [[gnu::noinline]] void* operator new(std::size_t size) { return allocate(size); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return allocate(size); }
-[[gnu::noinline]] void  operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void  operator delete[](void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void  operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-[[gnu::noinline]] void  operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate_or_null(size);
+}
+[[gnu::noinline]] void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return allocate_or_null(size);
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }

@@ -203,8 +203,10 @@ private:
         std::uint32_t count = 0;
         std::size_t   at = json_.offset();
         for (; json_.next(']'); ++count, at = json_.offset()) {
-            if (++elements_ > most_elements())
-                json_.fail(at, "elements in all up to " + std::to_string(most_elements()),
+            if (count == std::numeric_limits<std::uint32_t>::max())
+                json_.fail(at, "no more elements", "one more");
+            if (++elements_ > options_.limits.elements)
+                json_.fail(at, "elements in all up to " + std::to_string(options_.limits.elements),
                            "one more");
             if (options_.progress != nullptr)
                 options_.progress->store(at, std::memory_order_relaxed);
@@ -213,12 +215,6 @@ private:
             steps_.back().part = Step::nowhere;
         }
         out_.patch(count_offset, count);
-    }
-
-    /// A count is read as a signed word where a container is large.
-    std::uint64_t most_elements() const {
-        constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
-        return std::min(options_.limits.elements, most);
     }
 
     using Keys = std::pmr::unordered_set<std::pmr::string, SeededHash>;

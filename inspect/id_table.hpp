@@ -13,7 +13,8 @@
 
 namespace sml::inspect {
 
-/// 5 to 11 bytes an id, twice as much when any of them has a number.
+/// 5 to 11 bytes an id, twice as much when any of them has a number, and half as much again while
+/// it grows.
 class IdTable {
 public:
     static constexpr std::uint32_t no_number = ~std::uint32_t{0};

@@ -42,15 +42,17 @@ public:
         auto const readers = walk_.readers_key_hash(key, offset);
         return readers.equals_none ? Walk::no_hash : masked(readers.hash);
     }
+
     [[gnu::always_inline]] void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
-    bool                        add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-                               bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
-                               if (!modelled_.back()) return is_new;
-        bool const is_known = hash != Walk::no_hash;
-                               model_.use_key(is_known ? masked(hash) : walk_.readers_key_hash(key, offset).hash, is_new);
-                               return is_new;
+
+    bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
+        bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
+        if (modelled_.back()) model_.use_key(readers_hash(key, offset, hash), is_new);
+        return is_new;
     }
-    void          end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
+
+    void end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
+
     std::uint64_t work() const {
         return model_.comparisons + keys_.comparisons() + walk_.strings.comparisons() +
                texts_compared_;
@@ -81,6 +83,10 @@ public:
 private:
     /// And back. No bytes can be made whose hash becomes `Walk::no_hash`.
     static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
+
+    std::uint64_t readers_hash(Type const& key, std::uint64_t offset, std::uint64_t hash) const {
+        return hash != Walk::no_hash ? masked(hash) : walk_.readers_key_hash(key, offset).hash;
+    }
 
     std::uint64_t seeded(std::uint64_t hash) const {
         return modelled_.back() ? seeded_hash(hash, 0) : hash;

@@ -88,7 +88,7 @@ public:
         return {are_equal, a - start};
     }
     bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
-        return take_same_key(type, a, b);
+        return compare_keys(type, a, b).are_equal;
     }
 
     /// A step into a value, which is to be left again.

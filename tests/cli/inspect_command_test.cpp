@@ -631,12 +631,26 @@ TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
 }
 
 TEST(CommaLocale, ShowTakesTheDecimalPoint) {
-    auto const made = run_command({"import", fixture("many_runs.sarif").string(), "-o", "-"});
-    ASSERT_EQ(made.code, 0) << made.err;
-    auto const plain = run_command({"show", "--json", "-"}, made.out);
-    auto const shown = run_command({"show", "--json", "--decimal-point", ",", "-"}, made.out);
+    auto const set_of = [] {
+        sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results set;
+        sml::Application_Results_Application_Results_toCxx(set.application_results,
+                                                           std::string(numbers()).data());
+        return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+    };
+    std::string const with_dot = set_of();
+    std::string       with_comma;
+    {
+        CommaLocale const comma;
+        ASSERT_COMMA_LOCALE(comma);
+        with_comma = set_of();
+    }
+    ASSERT_NE(with_comma, with_dot);
+    auto const plain = run_command({"show", "-"}, with_dot);
+    auto const shown = run_command({"show", "--decimal-point", ",", "-"}, with_comma);
+    EXPECT_EQ(plain.code, 0) << plain.err;
     EXPECT_EQ(shown.code, 0) << shown.err;
-    EXPECT_EQ(shown.out, plain.out);
+    EXPECT_EQ(shown.err, plain.err);
+    EXPECT_TRUE(contains(run_command({"show", "-"}, with_comma).err, "0,500000"));
 }
 
 TEST(CommaLocale, ADecimalPointIsNoDigitLetterOrSign) {

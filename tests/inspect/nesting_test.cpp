@@ -7,9 +7,9 @@
 #include "inspect/encode.hpp"
 #include "inspect/verify.hpp"
 #include "tests/inspect/real_roots.hpp"
+#include "tests/inspect/small_stack.hpp"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <functional>
@@ -210,20 +210,6 @@ std::size_t most_rounds(Loop const& loop, Limits const& limits = {}) {
     std::size_t rounds = 0;
     while (rounds < limits.depth && answer_at(loop, rounds + 1, limits) != Answer::unsafe) ++rounds;
     return rounds;
-}
-
-void run_on_stack(std::size_t bytes, std::function<void()> work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
-    pthread_t  thread;
-    auto const run = [](void* given) -> void* {
-        (*static_cast<std::function<void()>*>(given))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
 }
 
 TEST(Nesting, TheTypesThatHoldTheirOwnKind) {

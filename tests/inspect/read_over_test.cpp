@@ -9,11 +9,11 @@
 #include "schema/IL.hpp"
 #include "schema/Infos.hpp"
 #include "schema/Interrogators.hpp"
+#include "tests/inspect/small_stack.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <functional>
 #include <random>
@@ -345,20 +345,6 @@ TEST(ReadOverRule, ABoxedValueIsReadOver) {
 
 std::string word(std::uint32_t value) {
     return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-
-void run_on_stack(std::size_t bytes, std::function<void()> work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
-    pthread_t  thread;
-    auto const run = [](void* given) -> void* {
-        (*static_cast<std::function<void()>*>(given))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
 }
 
 TEST(ReadOverCost, TheGreatestDepthRunsOnEightMegabytes) {

@@ -39,17 +39,20 @@ bool StringTable::knows(std::int32_t id) const {
 }
 
 bool StringTable::index_text(std::uint32_t entry) {
-    if (distinct_ * 2 >= index_.size()) grow_index();
+    if (distinct_ * 4 >= index_.size() * 3) grow_index();
     std::string_view const text = text_at(entries_[entry].length_offset);
     std::size_t const      mask = index_.size() - 1;
     std::uint64_t const    hash = entries_[entry].hash;
-    for (std::size_t slot = slot_of(hash);; slot = (slot + 1) & mask) {
-        if (index_[slot] == 0) {
-            index_[slot] = entry + 1;
+    Slot const             own = slot_for(hash, entry);
+    for (std::size_t i = own >> shift_;; i = (i + 1) & mask) {
+        Slot const slot = index_[i];
+        if (slot == 0) {
+            index_[i] = own;
             ++distinct_;
             return true;
         }
-        Entry const& other = entries_[index_[slot] - 1];
+        if ((slot ^ own) >> entry_bits != 0) continue;
+        Entry const& other = entries_[static_cast<std::uint32_t>(slot) - 1];
         if (other.hash != hash) continue;
         comparisons_ += comparisons_for(text.size());
         if (text_at(other.length_offset) == text) {
@@ -62,17 +65,17 @@ bool StringTable::index_text(std::uint32_t entry) {
 }
 
 void StringTable::grow_index() {
-    constexpr std::size_t           least_slots = 64;
-    std::pmr::vector<std::uint32_t> larger(index_.empty() ? least_slots : 2 * index_.size(), 0,
-                                           index_.get_allocator());
-    std::pmr::vector<std::uint32_t> const old = std::exchange(index_, std::move(larger));
-    std::size_t const                     mask = index_.size() - 1;
+    constexpr std::size_t        least_slots = 64;
+    std::pmr::vector<Slot>       larger(index_.empty() ? least_slots : 2 * index_.size(), 0,
+                                  index_.get_allocator());
+    std::pmr::vector<Slot> const old = std::exchange(index_, std::move(larger));
+    std::size_t const            mask = index_.size() - 1;
     shift_ = 64 - std::countr_zero(index_.size());
-    for (std::uint32_t const entry : old) {
-        if (entry == 0) continue;
-        std::size_t slot = slot_of(entries_[entry - 1].hash);
-        while (index_[slot] != 0) slot = (slot + 1) & mask;
-        index_[slot] = entry;
+    for (Slot const slot : old) {
+        if (slot == 0) continue;
+        std::size_t i = slot >> shift_;
+        while (index_[i] != 0) i = (i + 1) & mask;
+        index_[i] = slot;
     }
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// The strings that a walk has met, by id and by text: 16 bytes a text, and a few for the index.
+// The strings that a walk has met, by id and by text: 16 bytes a text, and 11 to 21 for the index.
 
 #include "inspect/hashing.hpp"
 #include "inspect/id_table.hpp"
@@ -71,6 +71,9 @@ public:
         return last.length_offset == length_offset ? last.hash : hash_of(text_at(length_offset));
     }
 
+    /// The place of the empty text of an id that was used before it was told.
+    static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
+
     /// Where the length word of the text stands that is told for an id, or at a place: the same one
     /// for equal texts, but for the empty text of an id that was used before it was told.
     std::uint64_t place_of(std::int32_t id) const { return entry_of(id).length_offset; }
@@ -92,7 +95,6 @@ private:
         std::uint64_t hash;
     };
 
-    static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
     static constexpr std::uint32_t unknown = IdTable::no_number;  // used before it was told
 
     /// The number of the entry of an id that is known.
@@ -117,8 +119,16 @@ private:
         return model_ == nullptr ? seeded_hash(text) : ReaderModel::text_hash(text);
     }
 
-    /// The high bits of the product with a secret.
-    std::size_t slot_of(std::uint64_t hash) const { return hash * (hash_seed | 1) >> shift_; }
+    // Of the index: an entry's number, one more than that, below bits of its hash, of which the
+    // highest are the number of the slot where a search starts. 0: free.
+    using Slot = std::uint64_t;
+
+    static constexpr int entry_bits = 32;
+
+    /// The high half of the product with a secret, above an entry.
+    static Slot slot_for(std::uint64_t hash, std::uint32_t entry) {
+        return ((hash * (hash_seed | 1)) >> entry_bits << entry_bits) | (entry + 1);
+    }
 
     bool knows(std::int32_t id) const;
     bool refer_other(std::int32_t id);
@@ -132,7 +142,7 @@ private:
     Entry                           of_unknown_ids_{nowhere, seeded_hash(std::string_view())};
     std::uint32_t                   told_ = 0;
     std::int32_t                    prefix_ = 0;  // ids 1 to this are the first entries, in order
-    std::pmr::vector<std::uint32_t> index_;       // open addressing by hash: entry + 1
+    std::pmr::vector<Slot>          index_;       // open addressing by hash
     int                             shift_ = 0;   // leaves the bits of a slot's number
     std::size_t                     distinct_ = 0;
     std::uint64_t                   comparisons_ = 0;

@@ -212,10 +212,11 @@ consteval Kind kind_of() {
 }
 
 /// Whether a walk can pass a part of this kind at a glance: the id of a string told before, a bare
-/// tag, an optional without its element and so on take just the least size.
+/// tag, a container without entries, what is absent.
 constexpr bool passes_at_a_glance(Kind kind) {
     return kind == Kind::string || kind == Kind::flag || kind == Kind::enumeration ||
-           kind == Kind::optional || kind == Kind::variant;
+           kind == Kind::optional || kind == Kind::variant || kind == Kind::list ||
+           kind == Kind::set || kind == Kind::map;
 }
 
 /// Takes parts apart. There is room for all of them and for the end.

@@ -153,7 +153,7 @@ private:
     /// The same for what can hold its own kind, as deep as is allowed.
     template <class Use>
     bool inside_nesting(Type const& type, Use use) {
-        if (walk_.nesting >= walk_.limits.depth) [[unlikely]]
+        if (!may_nest()) [[unlikely]]
             return too_deep();
         ++walk_.nesting;
         bool const whole = inside(type, use);
@@ -195,12 +195,13 @@ private:
         };
         for (;; ++part) {
             at += part->words_before;
+            if (part->kind == Kind::string && word_at(at) - 1 < walk_.strings.known_at_sight())
+                [[likely]] {
+                at += sizeof(std::int32_t);
+                continue;
+            }
             switch (part->kind) {
                 case Kind::string:
-                    if (word_at(at) - 1 < walk_.strings.known_at_sight()) [[likely]] {
-                        at += sizeof(std::int32_t);
-                        continue;
-                    }
                     stop();
                     whole = string();
                     break;
@@ -235,6 +236,10 @@ private:
                 case Kind::list:
                 case Kind::set:
                 case Kind::map:
+                    if (word_at(at) == 0 && may_nest()) {
+                        at += sizeof(std::uint32_t);
+                        continue;
+                    }
                     stop();
                     whole = container(*part->type);
                     break;
@@ -276,9 +281,11 @@ private:
 
     /// Whether a tag stands alone, and may.
     bool is_bare(Type const& type, std::uint32_t tag) const {
-        return tag < type.arms.size() && type.arms[tag].payload == nullptr &&
-               walk_.nesting < walk_.limits.depth;
+        return tag < type.arms.size() && type.arms[tag].payload == nullptr && may_nest();
     }
+
+    /// Whether one more variant or container is allowed inside those that the walk is in.
+    bool may_nest() const { return walk_.nesting < walk_.limits.depth; }
 
     /// The same from one part on, where the bytes may end before the row does.
     [[gnu::cold, gnu::noinline]] bool flat_parts_with_care(Type const& type, Step& step,

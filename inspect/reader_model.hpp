@@ -3,6 +3,7 @@
 // walked.
 
 #include "inspect/table_model.hpp"
+#include "inspect/type.hpp"
 
 #include <bits/hash_bytes.h>
 
@@ -32,24 +33,34 @@ public:
         comparisons += is_new ? ids_.add(id) : ids_.look_up(id);
     }
 
-    void open_table(std::uint64_t entries) {
+    /// A set or map that gets so many keys. In an ordered one, or a small one, each is compared
+    /// with few others, which is not counted.
+    void open_table(Type const& type, std::uint64_t keys) {
+        constexpr std::uint64_t least_counted = 64;
         if (open_count_ == open_.size()) open_.emplace_back();
-        open_[open_count_++].added.reserve(entries);
+        top_ = &open_[open_count_++];
+        top_->is_counted = type.hashed && keys >= least_counted;
+        if (top_->is_counted) top_->added.reserve(keys);
     }
+
+    /// Whether the keys of the table opened last are to be told.
+    bool counts_keys() const { return top_->is_counted; }
 
     /// The hash of a key of the table opened last.
     void use_key(std::uint64_t hash, bool is_new) {
-        Keys& keys = open_[open_count_ - 1];
         if (is_new)
-            keys.added.push_back(hash);
+            top_->added.push_back(hash);
         else
-            ++keys.found;
+            ++top_->found;
     }
 
     void close_table() {
-        Keys& keys = open_[--open_count_];
-        comparisons += comparisons_of(keys.added, keys.found);
-        keys.clear();
+        if (top_->is_counted) {
+            comparisons += comparisons_of(top_->added, top_->found);
+            top_->clear();
+        }
+        --open_count_;
+        top_ = open_count_ == 0 ? nullptr : &open_[open_count_ - 1];
     }
 
     std::uint64_t comparisons = 0;
@@ -60,7 +71,9 @@ private:
 
         explicit Keys(allocator_type memory) : added(memory) {}
         Keys(Keys&& other, allocator_type memory)
-            : added(std::move(other.added), memory), found(other.found) {}
+            : added(std::move(other.added), memory),
+              found(other.found),
+              is_counted(other.is_counted) {}
 
         void clear() {
             Hashes(added.get_allocator()).swap(added);
@@ -69,11 +82,13 @@ private:
 
         Hashes        added;
         std::uint64_t found = 0;  // there already
+        bool          is_counted = false;
     };
 
     IdTableModel           ids_;
     std::pmr::vector<Keys> open_;
     std::size_t            open_count_ = 0;
+    Keys*                  top_ = nullptr;  // the last of those
 };
 
 }  // namespace sml::inspect

@@ -14,11 +14,7 @@ namespace {
 class Verifier : public SilentVisitor {
 public:
     Verifier(Walk& walk, std::size_t listed)
-        : walk_(walk),
-          listed_(listed),
-          keys_(&walk.budget),
-          model_(&walk.budget),
-          modelled_(&walk.budget) {
+        : walk_(walk), listed_(listed), keys_(&walk.budget), model_(&walk.budget) {
         walk.strings.model_reader(model_);
     }
 
@@ -27,18 +23,15 @@ public:
 
     void open_keys(Type const& type, std::uint64_t count) {
         keys_.open(count);
-        bool const is_modelled = type.hashed && count >= least_modelled;
-        modelled_.push_back(is_modelled);
-        if (is_modelled) model_.open_table(count);
+        model_.open_table(type, count);
     }
     void close_keys() {
         keys_.close();
-        if (modelled_.back()) model_.close_table();
-        modelled_.pop_back();
+        model_.close_table();
     }
     /// The reader's own where the model is told of it: the key is known by it here, too.
     std::uint64_t key_hash(Walk const&, Type const& key, std::uint64_t offset) const {
-        if (!modelled_.back()) return walk_.key_hash(key, offset);
+        if (!model_.counts_keys()) return walk_.key_hash(key, offset);
         auto const readers = walk_.readers_key_hash(key, offset);
         return readers.equals_none ? Walk::no_hash : masked(readers.hash);
     }
@@ -47,7 +40,7 @@ public:
 
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
         bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
-        if (modelled_.back()) model_.use_key(readers_hash(key, offset, hash), is_new);
+        if (model_.counts_keys()) model_.use_key(readers_hash(key, offset, hash), is_new);
         return is_new;
     }
 
@@ -89,7 +82,7 @@ private:
     }
 
     std::uint64_t seeded(std::uint64_t hash) const {
-        return modelled_.back() ? seeded_hash(hash, 0) : hash;
+        return model_.counts_keys() ? seeded_hash(hash, 0) : hash;
     }
 
     Walk const& walk_;
@@ -98,11 +91,6 @@ private:
     ReaderModel model_;
 
     std::uint64_t texts_compared_ = 0;
-
-    // Of the open containers: whether the model is told of their keys. In smaller ones each key is
-    // compared with few others.
-    static constexpr std::uint64_t least_modelled = 64;
-    std::pmr::vector<char>         modelled_;
 
     std::optional<Finding> unsafe_;
 };

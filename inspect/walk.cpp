@@ -212,57 +212,70 @@ std::uint64_t readers_hash_of_digits(std::string_view digits) {
 
 }  // namespace
 
-Walk::ReadersHash Walk::readers_key_hash(Type const& type, std::uint64_t offset) const {
-    if (type.kind == Kind::string) {
-        auto const word = take_word<std::int32_t>(offset);
-        return {word >= 1 ? strings.hash_of(word) : strings.hash_of_told(offset), false};
-    }
-    ReadersHash key{0, false};
-    key.hash = take_readers_hash(type, offset, key.equals_none);
-    return key;
-}
+/// Takes a key apart and folds what it holds as the required hashes do.
+struct Walk::ReadersKeyHash {
+    Walk const&   walk;
+    std::uint64_t offset;
+    bool          equals_none = false;
 
-std::uint64_t Walk::take_readers_hash(Type const& type, std::uint64_t& offset,
-                                      bool& is_unequal) const {
-    switch (type.kind) {
-        case Kind::string: {
-            auto const word = take_word<std::int32_t>(offset);
-            if (word >= 1) return strings.hash_of(word);
-            std::uint64_t const length_offset = offset;
-            take_block(offset);
-            return strings.hash_of_told(length_offset);
+    // Inlined for what most keys consist of.
+    [[gnu::always_inline]] std::uint64_t of(Type const& type) {
+        switch (type.kind) {
+            case Kind::string: return of_string();
+            case Kind::int32: return core::hash_word(walk.take_word<std::int32_t>(offset));
+            default: return of_other(type);
         }
-        case Kind::int32: return core::hash_word(take_word<std::int32_t>(offset));
-        case Kind::big_integer:
-            return readers_hash_of_digits(IntegerDigits(*this, take_block(offset)).view());
-        case Kind::variant: {
-            auto const tag = take_word<std::int32_t>(offset);
-            is_unequal = is_unequal || tag < 0;
-            Arm const* const arm = type.serving(tag);
-            bool const       has_payload = arm != nullptr && arm->payload != nullptr;
-            return core::combine(
-                core::hash_word(tag),
-                has_payload ? take_readers_hash(*arm->payload, offset, is_unequal) : 0);
-        }
-        case Kind::tuple: {
-            std::uint64_t const first = take_readers_hash(*type.parts[0].type, offset, is_unequal);
-            return core::combine(first, take_readers_hash(*type.parts[1].type, offset, is_unequal));
-        }
-        default: break;
     }
-    // The parts are folded one after another, a string with a number behind it as a numbered key.
-    std::uint64_t hash = 0;
-    for (std::size_t i = 0; i < type.parts.size(); ++i) {
-        std::uint64_t part = take_readers_hash(*type.parts[i].type, offset, is_unequal);
-        bool const    is_numbered = type.parts[i].type->kind == Kind::string &&
-                                 i + 1 < type.parts.size() &&
-                                 type.parts[i + 1].type->kind == Kind::int32;
-        if (is_numbered)
-            part =
-                core::combine(part, take_readers_hash(*type.parts[++i].type, offset, is_unequal));
-        hash = core::combine(hash, part);
+
+private:
+    std::uint64_t of_string() {
+        auto const word = walk.take_word<std::int32_t>(offset);
+        if (word >= 1) return walk.strings.hash_of(word);
+        std::uint64_t const length_offset = offset;
+        walk.take_block(offset);
+        return walk.strings.hash_of_told(length_offset);
     }
-    return hash;
+
+    [[gnu::noinline]] std::uint64_t of_other(Type const& type) {
+        switch (type.kind) {
+            case Kind::big_integer:
+                return readers_hash_of_digits(IntegerDigits(walk, walk.take_block(offset)).view());
+            case Kind::variant: return of_variant(type);
+            case Kind::tuple: {
+                std::uint64_t const first = of(*type.parts[0].type);
+                return core::combine(first, of(*type.parts[1].type));
+            }
+            default: return of_parts(type);
+        }
+    }
+
+    std::uint64_t of_variant(Type const& type) {
+        auto const tag = walk.take_word<std::int32_t>(offset);
+        equals_none = equals_none || tag < 0;
+        Arm const* const arm = type.serving(tag);
+        bool const       has_payload = arm != nullptr && arm->payload != nullptr;
+        return core::combine(core::hash_word(tag), has_payload ? of(*arm->payload) : 0);
+    }
+
+    /// One after another, a string with a number behind it as a numbered key.
+    std::uint64_t of_parts(Type const& type) {
+        std::uint64_t hash = 0;
+        for (std::size_t i = 0; i < type.parts.size(); ++i) {
+            std::uint64_t part = of(*type.parts[i].type);
+            bool const    is_numbered = type.parts[i].type->kind == Kind::string &&
+                                     i + 1 < type.parts.size() &&
+                                     type.parts[i + 1].type->kind == Kind::int32;
+            if (is_numbered) part = core::combine(part, of(*type.parts[++i].type));
+            hash = core::combine(hash, part);
+        }
+        return hash;
+    }
+};
+
+Walk::ReadersHash Walk::readers_key_hash(Type const& type, std::uint64_t offset) const {
+    ReadersKeyHash      key{*this, offset};
+    std::uint64_t const hash = key.of(type);
+    return {hash, key.equals_none};
 }
 
 std::uint64_t Walk::take_place(std::uint64_t& offset) const {
@@ -271,6 +284,12 @@ std::uint64_t Walk::take_place(std::uint64_t& offset) const {
     std::uint64_t const length_offset = offset;
     take_block(offset);
     return strings.place_of_told(length_offset);
+}
+
+std::optional<std::uint64_t> Walk::key_text_place(std::uint64_t offset) const {
+    std::uint64_t const place = take_place(offset);
+    if (strings.are_equal(place, StringTable::nowhere)) return std::nullopt;
+    return place;
 }
 
 std::string_view Walk::take_string(std::uint64_t& offset) const {

@@ -127,10 +127,9 @@ public:
 
 private:
     struct KeyHash;
+    struct ReadersKeyHash;
 
     bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
-    std::uint64_t    take_readers_hash(Type const& type, std::uint64_t& offset,
-                                       bool& is_unequal) const;
     std::uint64_t    take_place(std::uint64_t& offset) const;
     std::string_view take_string(std::uint64_t& offset) const;
     std::string_view take_block(std::uint64_t& offset) const;

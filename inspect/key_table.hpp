@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
+#include <utility>
 #include <vector>
 
 namespace sml::inspect {
@@ -19,14 +20,16 @@ inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
 /// Twice as many as there are keys, so that a search is short and ends.
 inline std::size_t slots_for(std::uint64_t keys) { return static_cast<std::size_t>(2 * keys); }
 
-/// Gives memory back where a table takes much of it.
+/// Empties a table, and gives memory back where it takes much of it.
 template <class Slots>
 void close_slots(Slots& slots) {
     constexpr std::size_t most_kept = 4096;
+    slots.clear();
     if (slots.capacity() > most_kept) Slots(slots.get_allocator()).swap(slots);
 }
 
-/// 16 bytes a key, for as long as its container is open; exact when hashes collide.
+/// 8 bytes for a key that is a string told in full, 16 for any other, each for all keys of a
+/// container while it is open and has such a one; exact when hashes collide.
 class KeyTable {
 public:
     explicit KeyTable(std::pmr::memory_resource* memory) : tables_(memory) {}
@@ -38,8 +41,8 @@ public:
     /// Gets memory ready for adding a key with this hash to the container opened last. Inlined: a
     /// call that does nothing but that is taken for one that does nothing.
     [[gnu::always_inline]] void expect(std::uint64_t hash) const {
-        auto const& table = tables_[open_ - 1];
-        __builtin_prefetch(&table[first_slot(hash, table.size())], 1);
+        auto const& slots = tables_[open_ - 1].slots;
+        if (!slots.empty()) __builtin_prefetch(&slots[first_slot(hash, slots.size())], 1);
     }
 
     /// Adds the key at an offset to the container opened last; false when it is there already.
@@ -55,10 +58,28 @@ private:
 
     static constexpr int offset_bits = 48;
 
+    struct Table {
+        using allocator_type = std::pmr::polymorphic_allocator<std::byte>;
+
+        explicit Table(allocator_type memory) : told(memory), slots(memory) {}
+        Table(Table&& other, allocator_type memory)
+            : count(other.count),
+              told(std::move(other.told), memory),
+              slots(std::move(other.slots), memory) {}
+
+        std::uint64_t count = 0;  // of the keys to come
+
+        // The places of the keys that are strings told in full, in ascending order. They are new as
+        // their texts are, which no table has to find out.
+        std::pmr::vector<std::uint64_t> told;
+        // The other keys.
+        std::pmr::vector<Slot> slots;
+    };
+
     // Of the open containers, then some to use again.
-    std::pmr::vector<std::pmr::vector<Slot>> tables_;
-    std::size_t                              open_ = 0;  // how many are open
-    std::uint64_t                            comparisons_ = 0;
+    std::pmr::vector<Table> tables_;
+    std::size_t             open_ = 0;  // how many are open
+    std::uint64_t           comparisons_ = 0;
 };
 
 }  // namespace sml::inspect

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -90,6 +91,11 @@ public:
     bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
         return compare_keys(type, a, b).are_equal;
     }
+
+    /// Where the text of a key stands that is a string, at an offset that has been walked before:
+    /// one place for equal texts, behind the offset where it is told there for the first time. None
+    /// for the empty text.
+    std::optional<std::uint64_t> key_text_place(std::uint64_t offset) const;
 
     /// A step into a value, which is to be left again.
     Step enter(Type const& type) const noexcept { return {&type, top_}; }

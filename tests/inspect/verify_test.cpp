@@ -7,10 +7,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
+#include <map>
+#include <random>
+#include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -277,6 +283,59 @@ TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
     std::string const bytes = word(1) + word(-1) + word(0) + word(3) + word(7) + word(1) + word(7);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two elements that are there already
+}
+
+/// Writes strings as no writer would: ids in any order, texts again, ids that nobody told.
+class AnyStrings {
+public:
+    explicit AnyStrings(std::uint64_t seed) : random_(seed) {}
+
+    std::uint32_t below(std::uint32_t end) { return static_cast<std::uint32_t>(random_() % end); }
+
+    /// Appends one to bytes. Gives the text that a reader has for it.
+    std::string append(std::string& bytes) {
+        constexpr std::array<std::string_view, 5> texts{"", "a", "b", "cc", "d"};
+        auto const                                id = static_cast<std::int32_t>(below(6)) + 1;
+        if (below(2) == 0) {
+            bytes += word(id);
+            return by_id_[id];
+        }
+        std::string const text(texts[below(texts.size())]);
+        bytes += word(-id) + word(static_cast<std::int32_t>(text.size())) + text;
+        by_id_.emplace(id, text);
+        return text;
+    }
+
+private:
+    std::mt19937_64                     random_;
+    std::map<std::int32_t, std::string> by_id_;  // the first text that each has
+};
+
+TEST(Verify, EveryStringThatIsAKeyAlreadyIsFound) {
+    auto const& root = *find_root("String_To_StringSet_T");
+    for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        AnyStrings            strings(seed);
+        std::uint32_t const   count = strings.below(5);
+        std::string           bytes = word(static_cast<std::int32_t>(count));
+        std::size_t           repeated = 0;
+        std::set<std::string> keys;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            bool const          is_new = keys.insert(strings.append(bytes)).second;
+            std::uint32_t const size = strings.below(5);
+            bytes += word(static_cast<std::int32_t>(size));
+            std::set<std::string> elements;
+            for (std::uint32_t j = 0; j < size; ++j)
+                repeated += elements.insert(strings.append(bytes)).second ? 0 : 1;
+            repeated += is_new ? 0 : 1;
+        }
+        Verdict const verdict = verify(root, bytes, {.listed = 1000});
+        auto const    is_repeated = [](Finding const& finding) {
+            return finding.expected == "a key or element that is not there yet";
+        };
+        ASSERT_NE(verdict.answer, Answer::unsafe);
+        EXPECT_EQ(std::ranges::count_if(verdict.findings, is_repeated), repeated) << told(verdict);
+    }
 }
 
 TEST(Verify, DepthBeyondTheLimitIsUnsafe) {

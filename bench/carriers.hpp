@@ -1,7 +1,7 @@
 #pragma once
 // Ways to carry a result set to bytes and back, all timed alike.
 
-#include "schema/Application_Results.hpp"
+#include <sml/schema/Application_Results.hpp>
 
 #include <cstddef>
 #include <functional>

@@ -4,12 +4,12 @@
 //
 // "first" is the first call in the process, in microseconds a check.
 
+#include <sml/bindings/bindings.hpp>
 #include "bench/carriers.hpp"
 #include "bench/plain/equal.hpp"
 #include "bench/plain/plain.hpp"
 #include "bench/prepared.hpp"
 #include "bench/scratch_file.hpp"
-#include "bindings/bindings.hpp"
 
 #include <benchmark/benchmark.h>
 

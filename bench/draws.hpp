@@ -2,8 +2,8 @@
 // Random draws that come out alike on every machine: the standard library fixes its engines, but
 // leaves open how its distributions use them.
 
-#include "core/big_integer.hpp"
-#include "core/ieee754_float.hpp"
+#include <sml/core/big_integer.hpp>
+#include <sml/core/ieee754_float.hpp>
 
 #include <cstddef>
 #include <cstdint>

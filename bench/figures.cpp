@@ -1,7 +1,7 @@
 #include "bench/figures.hpp"
 
+#include <sml/bindings/bindings.hpp>
 #include "bench/walk.hpp"
-#include "bindings/bindings.hpp"
 
 #include <cstdio>
 #include <ostream>

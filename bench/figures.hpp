@@ -1,7 +1,7 @@
 #pragma once
 // What a workload consists of, so that every measurement can say what it was taken on.
 
-#include "schema/Application_Results.hpp"
+#include <sml/schema/Application_Results.hpp>
 
 #include <cstddef>
 #include <iosfwd>

@@ -5,7 +5,7 @@
 #include "bench/mix.hpp"
 #include "bench/names.hpp"
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // How fast bytes of unknown origin are verified and dumped, beside reading them.
 
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/verify.hpp>
 #include "bench/prepared.hpp"
 #include "bench/special_files.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/verify.hpp"
 
 #include <ostream>
 #include <stdexcept>

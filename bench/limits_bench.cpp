@@ -5,7 +5,7 @@
 #include "bench/scratch_file.hpp"
 #include "bench/walk.hpp"
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <sys/mman.h>
 

@@ -2,9 +2,9 @@
 // How often the parts of a workload are there and how many of them. Together they give the figures
 // for each check that the test of the workload holds them to.
 
-#include "schema/Checks.hpp"
-#include "schema/Failure.hpp"
-#include "schema/Infos.hpp"
+#include <sml/schema/Checks.hpp>
+#include <sml/schema/Failure.hpp>
+#include <sml/schema/Infos.hpp>
 
 #include <cstdint>
 #include <list>

@@ -3,7 +3,7 @@
 
 #include "bench/draws.hpp"
 
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 
 #include <cstddef>
 #include <cstdint>

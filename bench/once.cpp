@@ -8,7 +8,7 @@
 // the heap that it leaves and its peak, all as rises over what was there before; how often it
 // allocates and how many allocations it leaves. Exit codes: 0 done, 1 not measured, 2 usage.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <fcntl.h>
 #include <gmp.h>

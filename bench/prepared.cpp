@@ -1,8 +1,8 @@
 #include "bench/prepared.hpp"
 
+#include <sml/bindings/bindings.hpp>
 #include "bench/figures.hpp"
 #include "bench/workload.hpp"
-#include "bindings/bindings.hpp"
 
 #include <iostream>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 // What the benchmarks measure on, made once for each size.
 
-#include "schema/Application_Results.hpp"
+#include <sml/schema/Application_Results.hpp>
 
 #include <benchmark/benchmark.h>
 

@@ -2,7 +2,7 @@
 // Values whose bytes are nearly all of one kind, to see what each kind costs by itself. Each takes
 // about the given number of bytes on the wire.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #pragma once
 // Looks at every part of a value.
 
-#include "core/kinds.hpp"
-#include "core/read_ahead.hpp"
+#include <sml/core/kinds.hpp>
+#include <sml/core/read_ahead.hpp>
 
 #include <tuple>
 

@@ -1,7 +1,7 @@
 #pragma once
 // The result set that all measurements are taken on.
 
-#include "schema/Application_Results.hpp"
+#include <sml/schema/Application_Results.hpp>
 
 #include <cstddef>
 #include <cstdint>

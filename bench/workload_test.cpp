@@ -1,10 +1,10 @@
 #include "bench/workload.hpp"
 
+#include <sml/bindings/bindings.hpp>
 #include "bench/figures.hpp"
 #include "bench/names.hpp"
 #include "bench/special_files.hpp"
 #include "bench/walk.hpp"
-#include "bindings/bindings.hpp"
 
 #include <gtest/gtest.h>
 

@@ -2,41 +2,18 @@
 
 include(CMakePackageConfigHelpers)
 
-set(public_headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/bradep_cxx_interface)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bradep_cxx_interface)
 
-install(TARGETS bradep_cxx_interface bradep_inspect EXPORT bradep_cxx_interface
-    INCLUDES DESTINATION ${public_headers_dir})
-install(FILES
-    core/Strings.hpp
-    core/arms.hpp
-    core/big_integer.hpp
-    core/box.hpp
-    core/declare.hpp
-    core/export.hpp
-    core/hash.hpp
-    core/ieee754_float.hpp
-    core/names.hpp
-    DESTINATION ${public_headers_dir}/core)
-install(DIRECTORY schema DESTINATION ${public_headers_dir} FILES_MATCHING PATTERN *.hpp)
-install(FILES bindings/bindings.hpp bindings/roots.def
-    DESTINATION ${public_headers_dir}/bindings)
-install(FILES
-    inspect/canonical.hpp
-    inspect/dump.hpp
-    inspect/encode.hpp
-    inspect/finding.hpp
-    inspect/position.hpp
-    inspect/schema_json.hpp
-    inspect/type.hpp
-    inspect/verify.hpp
-    inspect/verify_c.h
-    DESTINATION ${public_headers_dir}/inspect)
-
-install(EXPORT bradep_cxx_interface
-    NAMESPACE bradep_cxx_interface::
-    FILE targets.cmake
-    DESTINATION ${package_dir})
+# A component is a library. Each has its targets in a file of its own, so that who asks for one needs
+# nothing that only the other does.
+install(TARGETS bradep_cxx_interface EXPORT carrier FILE_SET HEADERS)
+install(TARGETS bradep_inspect EXPORT inspect FILE_SET HEADERS)
+foreach(component IN ITEMS carrier inspect)
+    install(EXPORT ${component}
+        NAMESPACE bradep_cxx_interface::
+        FILE ${component}-targets.cmake
+        DESTINATION ${package_dir})
+endforeach()
 configure_package_config_file(cmake/config.cmake.in bradep_cxx_interface-config.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(bradep_cxx_interface-config-version.cmake

@@ -1,12 +1,12 @@
 // Limits of any size, chosen by the bytes: what a call refuses it refuses by `std::bad_alloc` or by
 // an answer, and what it lets through it lets through as without a limit.
 
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/verify.hpp"
 #include "tests/inspect/real_roots.hpp"
 
 #include <algorithm>

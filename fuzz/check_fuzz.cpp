@@ -1,9 +1,9 @@
 // Verify and the plain checker judge all bytes alike: the same answer, the same places.
 
+#include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
 #include "fuzz/plain_checker.hpp"
-#include "inspect/verify.hpp"
 
 #include <limits>
 

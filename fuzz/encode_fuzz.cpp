@@ -1,10 +1,10 @@
 // Any text as JSON to encode. What encodes is safe and encodable, and its dump encodes to the same
 // bytes.
 
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
 
 #include <iostream>
 #include <sstream>

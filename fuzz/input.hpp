@@ -1,7 +1,7 @@
 #pragma once
 // What the fuzz targets share: inputs that are bytes of a root, and how a finding is told.
 
-#include "inspect/type.hpp"
+#include <sml/inspect/type.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -2,9 +2,9 @@
 // doubled or left out, entries of sets and tables copied, also under many keys that share a bucket,
 // other texts in the place of doubles, and what libFuzzer does by itself.
 
+#include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
-#include "inspect/verify.hpp"
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/real_roots.hpp"
 

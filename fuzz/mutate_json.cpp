@@ -1,8 +1,8 @@
 // New inputs for the target that takes JSON: dumps of whole random values, tokens that change
 // places with others, and what libFuzzer does by itself.
 
+#include <sml/inspect/dump.hpp>
 #include "fuzz/mutate.hpp"
-#include "inspect/dump.hpp"
 #include "tests/inspect/real_roots.hpp"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "fuzz/plain_checker.hpp"
 
-#include "bindings/bindings.hpp"
-#include "core/kinds.hpp"
-#include "core/text_blocks.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/core/kinds.hpp>
+#include <sml/core/text_blocks.hpp>
 
 #include <locale.h>
 #include <stdlib.h>
@@ -403,7 +403,7 @@ Judgement judge(std::size_t root, std::string_view bytes, std::uint32_t depth) {
     std::size_t place = 0;
 #define SML_ROOT(Stem, ...) \
     if (root == place++) return judge.template judge<__VA_ARGS__>();
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     throw std::out_of_range("no such root");
 }
 

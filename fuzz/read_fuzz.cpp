@@ -2,12 +2,12 @@
 // In another locale and rounding mode, chosen by the bytes, they are read as well, and verify and
 // dump judge them alike.
 
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
 #include "fuzz/process.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/verify.hpp"
 #include "tests/inspect/real_roots.hpp"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 //
 //   fuzz_seeds GOLDENS OUT    writes OUT/bytes and OUT/json, one file a golden file
 
+#include <sml/inspect/dump.hpp>
 #include "fuzz/input.hpp"
-#include "inspect/dump.hpp"
 #include "tests/golden/goldens.hpp"
 
 #include <filesystem>

@@ -1,10 +1,10 @@
 // Any bytes as any root: verify, dump in its three forms and identify come to an end without a
 // fault, and agree with one another.
 
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
 #include "fuzz/mutate.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/verify.hpp"
 
 #include <ostream>
 #include <streambuf>

@@ -1,7 +1,7 @@
 #pragma once
 // Seeded random values of every type of the schema.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <cstdint>
 #include <random>

@@ -1,8 +1,8 @@
 #pragma once
 // Values to bytes and back in tests: hex literals cut at field boundaries, and all four archives.
 
-#include "core/archives.hpp"
-#include "core/transfer.hpp"
+#include <sml/core/archives.hpp>
+#include <sml/core/transfer.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <memory>
 
+#include <sml/inspect/canonical.hpp>
 #include "errors.hpp"
-#include "inspect/canonical.hpp"
 #include "output_file.hpp"
 #include "walk_options.hpp"
 

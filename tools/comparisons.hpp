@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include "core/Strings.hpp"
-#include "inspect/finding.hpp"
+#include <sml/core/Strings.hpp>
+#include <sml/inspect/finding.hpp>
 
 namespace bradep {
 

@@ -1,4 +1,4 @@
-#include "inspect/dump.hpp"
+#include <sml/inspect/dump.hpp>
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "inspect/encode.hpp"
+#include <sml/inspect/encode.hpp>
 
 #include <memory>
 

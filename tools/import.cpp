@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "command.hpp"
 #include "errors.hpp"
 #include "input_bytes.hpp"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "inspect/utf8.hpp"
+#include <sml/inspect/utf8.hpp>
 
 namespace bradep {
 namespace {

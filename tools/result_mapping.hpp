@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <limits>
 
+#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 #include "comparisons.hpp"
 #include "sarif_result.hpp"
-#include "schema/Base_Gui_Internal_Form_Datas.hpp"
 
 namespace bradep {
 

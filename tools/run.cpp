@@ -5,9 +5,9 @@
 #include <cstring>
 #include <new>
 
+#include <sml/inspect/finding.hpp>
 #include "command.hpp"
 #include "errors.hpp"
-#include "inspect/finding.hpp"
 #include "printable.hpp"
 
 namespace bradep {

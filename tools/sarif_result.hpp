@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 
 namespace bradep::sarif {
 

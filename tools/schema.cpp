@@ -4,9 +4,9 @@
 #include <optional>
 #include <sstream>
 
+#include <sml/inspect/schema_json.hpp>
 #include "errors.hpp"
 #include "input_bytes.hpp"
-#include "inspect/schema_json.hpp"
 #include "printable.hpp"
 #include "schema_diff.hpp"
 #include "walk_options.hpp"

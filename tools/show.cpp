@@ -4,11 +4,11 @@
 #include <sstream>
 #include <string>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/double_text.hpp>
 #include "command.hpp"
 #include "errors.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/double_text.hpp"
 #include "json_line.hpp"
 #include "limited_output.hpp"
 #include "result_mapping.hpp"

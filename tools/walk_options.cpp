@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "inspect/characters.hpp"
-#include "inspect/nearest.hpp"
+#include <sml/inspect/characters.hpp>
+#include <sml/inspect/nearest.hpp>
 #include "printable.hpp"
 
 namespace bradep {

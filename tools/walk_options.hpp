@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include <sml/inspect/verify.hpp>
 #include "command.hpp"
 #include "input_bytes.hpp"
-#include "inspect/verify.hpp"
 #include "progress.hpp"
 
 namespace bradep {

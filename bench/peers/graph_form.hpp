@@ -2,7 +2,7 @@
 // A graph as a serialisation library would be told it by hand: words, flags, sizes and texts, in
 // the order of the fields. What a library does with each of them is its own.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <gmp.h>
 // <cstdio> ahead of <mpfr.h> is what declares the printing functions.

@@ -2,8 +2,8 @@
 // What the peers with messages of a schema of their own share: texts by number, numbers by their
 // limbs, arms, containers.
 
-#include "core/kinds.hpp"
-#include "core/string_ids.hpp"
+#include <sml/core/kinds.hpp>
+#include <sml/core/string_ids.hpp>
 
 #include <gmp.h>
 // <cstdio> ahead of <mpfr.h> is what declares the printing functions.

@@ -1,7 +1,7 @@
 #pragma once
 // Equality told the straightforward way.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <algorithm>
 #include <tuple>

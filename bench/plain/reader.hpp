@@ -1,7 +1,7 @@
 #pragma once
 // The wire form read the straightforward way, with nothing done for speed.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <gmp.h>
 #include <mpfr.h>

@@ -1,7 +1,7 @@
 #pragma once
 // The wire form written down the straightforward way, with nothing done for speed.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 
 #include <gmp.h>
 // <cstdio> ahead of <mpfr.h> is what declares the printing functions.

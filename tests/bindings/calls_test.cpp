@@ -1,4 +1,4 @@
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/wire.hpp"
 

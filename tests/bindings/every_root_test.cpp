@@ -1,4 +1,4 @@
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/bindings/families.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/random_values.hpp"
@@ -97,7 +97,7 @@ void expect_round_trips(Family<T> const& family) {
 
 #define SML_ROOT(Stem, ...) \
     TEST(RootRoundTrip, Stem) { expect_round_trips(FAMILY(Stem, __VA_ARGS__)); }
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 
 TEST(EveryRoot, IsOneOfForty) {
     std::set<std::string_view> stems;

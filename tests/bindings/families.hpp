@@ -1,7 +1,7 @@
 #pragma once
 // The seven functions of each root type as values that tests pass around.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <iosfwd>
 #include <string>
@@ -29,5 +29,5 @@ struct Family {
 template <class Use>
 void for_each_root(Use&& use) {
 #define SML_ROOT(Stem, ...) use(#Stem, FAMILY(Stem, __VA_ARGS__));
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 }

@@ -1,7 +1,7 @@
 // The library serves one thread at a time: builds with assertions name a call that another thread
 // makes meanwhile, and end. Calls inside one another of the same thread go on.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/bindings/families.hpp"
 #include "tests/wire.hpp"
 

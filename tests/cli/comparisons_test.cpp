@@ -9,9 +9,9 @@
 #include <functional>
 #include <string_view>
 
+#include <sml/inspect/reader_model.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
-#include "inspect/reader_model.hpp"
 #include "result_mapping.hpp"
 
 namespace {

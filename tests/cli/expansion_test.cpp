@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
 #include "result_mapping.hpp"

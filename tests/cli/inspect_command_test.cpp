@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/verify.hpp>
 #include "cli_support.hpp"
-#include "inspect/verify.hpp"
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
 

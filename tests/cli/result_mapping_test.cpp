@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
 
 namespace {

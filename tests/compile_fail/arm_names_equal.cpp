@@ -1,6 +1,6 @@
 // error: arms stand in ascending byte order of their names
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 using sml::core::Arm;
 

@@ -1,6 +1,6 @@
 // error: an arm has one payload: group several in a struct
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 using sml::core::Arm;
 

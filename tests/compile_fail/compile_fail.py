@@ -10,7 +10,7 @@ many errors where that number is required:
     // error: EXPRESSION
     // errors: NUMBER
 
-The headers of `core/` are compiled once, into the working directory.
+The headers of `sml/core/` are compiled once, into the working directory.
 """
 
 import re
@@ -46,7 +46,7 @@ def check(compiler, file):
 
 def main():
     source, command, task = sys.argv[1:]
-    compiler = Compiler(source, command, "core/define.hpp", ".")
+    compiler = Compiler(source, command, "sml/core/define.hpp", ".")
     if task == "--precompile":
         precompile(compiler)
     else:

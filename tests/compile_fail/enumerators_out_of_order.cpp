@@ -1,6 +1,6 @@
 // error: enumerators stand in ascending byte order
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 #ifdef MISTAKE
 SML_ENUM(Enumeration, First, Second, SECOND);

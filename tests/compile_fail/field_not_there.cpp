@@ -1,6 +1,6 @@
 // error: second.* was not declared|undeclared identifier .second
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 struct Record {
     std::int32_t first{};

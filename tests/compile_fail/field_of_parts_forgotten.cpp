@@ -1,6 +1,6 @@
 // error: only 1 name (was )?provided
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 struct Parts {
     std::int32_t first{};

@@ -1,6 +1,6 @@
 // error: conflicting declaration|redefinition of .first|redeclaration
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 struct Record {
     std::int32_t first{};

@@ -1,7 +1,7 @@
 // error: this type has no wire form
 // errors: 1
 
-#include "core/define.hpp"
+#include <sml/core/define.hpp>
 
 struct Record {
 #ifdef MISTAKE

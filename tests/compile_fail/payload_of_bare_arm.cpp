@@ -1,6 +1,6 @@
 // error: this arm has no payload
 
-#include "schema/Atomicity_Condition.hpp"
+#include <sml/schema/Atomicity_Condition.hpp>
 
 void use(sml::Atomicity_Condition::T_Atomicity_Condition& condition) {
 #ifdef MISTAKE

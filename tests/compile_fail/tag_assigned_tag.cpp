@@ -1,6 +1,6 @@
 // error: use of deleted function|selected deleted operator
 
-#include "schema/Atomicity_Condition.hpp"
+#include <sml/schema/Atomicity_Condition.hpp>
 
 using sml::Atomicity_Condition::T_Atomicity_Condition;
 

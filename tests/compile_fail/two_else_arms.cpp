@@ -1,6 +1,6 @@
 // error: only the last arm can take the remaining tags
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 using sml::core::Arm, sml::core::ElseArm;
 

@@ -1,6 +1,6 @@
 // error: no match for .operator==|invalid operands to binary expression
 
-#include "schema/IL.hpp"
+#include <sml/schema/IL.hpp>
 
 bool use(sml::IL::T_Annotation const& a, sml::IL::T_Annotation const& b) {
 #ifdef MISTAKE

@@ -1,6 +1,6 @@
 // error: no arm has this name
 
-#include "schema/Atomicity_Condition.hpp"
+#include <sml/schema/Atomicity_Condition.hpp>
 
 void use(sml::Atomicity_Condition::T_Atomicity_Condition& condition) {
 #ifdef MISTAKE

@@ -1,6 +1,6 @@
 // error: no arm has this name
 
-#include "schema/Interrogators.hpp"
+#include <sml/schema/Interrogators.hpp>
 
 void use(sml::Interrogators::T_QuestionRef& question) {
 #ifdef MISTAKE

@@ -1,6 +1,6 @@
-#include "core/big_integer.hpp"
-#include "core/compare.hpp"
-#include "core/hash.hpp"
+#include <sml/core/big_integer.hpp>
+#include <sml/core/compare.hpp>
+#include <sml/core/hash.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

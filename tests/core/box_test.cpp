@@ -1,5 +1,5 @@
-#include "core/box.hpp"
-#include "schema/IL.hpp"
+#include <sml/core/box.hpp>
+#include <sml/schema/IL.hpp>
 #include "tests/core/counted.hpp"
 
 #include <gtest/gtest.h>

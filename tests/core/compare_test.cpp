@@ -1,9 +1,9 @@
-#include "core/compare.hpp"
-#include "core/define.hpp"
-#include "schema/AccessProtections.hpp"
-#include "schema/BlockKind.hpp"
-#include "schema/Blocks.hpp"
-#include "schema/Critical_Section_Funtype_Base.hpp"
+#include <sml/core/compare.hpp>
+#include <sml/core/define.hpp>
+#include <sml/schema/AccessProtections.hpp>
+#include <sml/schema/BlockKind.hpp>
+#include <sml/schema/Blocks.hpp>
+#include <sml/schema/Critical_Section_Funtype_Base.hpp>
 
 #include <gtest/gtest.h>
 

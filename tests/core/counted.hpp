@@ -1,7 +1,7 @@
 #pragma once
 // A payload that counts its living objects and can be told to throw.
 
-#include "core/declare.hpp"
+#include <sml/core/declare.hpp>
 
 #include <cstdint>
 #include <list>

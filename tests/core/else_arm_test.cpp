@@ -1,4 +1,4 @@
-#include "core/define.hpp"
+#include <sml/core/define.hpp>
 #include "tests/core/counted.hpp"
 #include "tests/wire.hpp"
 

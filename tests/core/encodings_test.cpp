@@ -1,5 +1,5 @@
-#include "schema/Critical_Section_Funtype_Base.hpp"
-#include "schema/Localization.hpp"
+#include <sml/schema/Critical_Section_Funtype_Base.hpp>
+#include <sml/schema/Localization.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "core/ieee754_float.hpp"
-#include "core/compare.hpp"
-#include "schema/IEEE754.hpp"
+#include <sml/core/compare.hpp>
+#include <sml/core/ieee754_float.hpp>
+#include <sml/schema/IEEE754.hpp>
 #include "tests/core/comma_locale.hpp"
 #include "tests/wire.hpp"
 

@@ -1,6 +1,6 @@
 // Tables of so many entries that they are not added one by one.
 
-#include "core/large_tables.hpp"
+#include <sml/core/large_tables.hpp>
 
 #include "tests/core/string_table.hpp"
 #include "tests/wire.hpp"

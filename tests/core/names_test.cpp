@@ -1,7 +1,7 @@
-#include "core/names.hpp"
-#include "core/hash.hpp"
-#include "schema/Critical_Section_Funtype_Base.hpp"
-#include "schema/Expressiveness.hpp"
+#include <sml/core/hash.hpp>
+#include <sml/core/names.hpp>
+#include <sml/schema/Critical_Section_Funtype_Base.hpp>
+#include <sml/schema/Expressiveness.hpp>
 
 #include <gtest/gtest.h>
 

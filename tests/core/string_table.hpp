@@ -1,7 +1,7 @@
 #pragma once
 // What tests ask of the table of interned texts.
 
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 #include "tests/core/string_table.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/table_order.hpp"
+#include <sml/core/table_order.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "core/define.hpp"
-#include "schema/Atomicity_Condition.hpp"
-#include "schema/IL.hpp"
+#include <sml/core/define.hpp>
+#include <sml/schema/Atomicity_Condition.hpp>
+#include <sml/schema/IL.hpp>
 #include "tests/core/counted.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/wire.hpp"

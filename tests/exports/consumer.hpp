@@ -1,8 +1,8 @@
 #pragma once
 // What a program outside the library does with a type, through the public headers alone.
 
-#include "core/arms.hpp"
-#include "core/declare.hpp"
+#include <sml/core/arms.hpp>
+#include <sml/core/declare.hpp>
 #include "tests/all_types.hpp"
 
 #include <gtest/gtest.h>

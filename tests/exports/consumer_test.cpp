@@ -1,9 +1,9 @@
 // A program outside the library: what its public headers offer besides the types.
 
-#include "bindings/bindings.hpp"
-#include "schema/AccessProtections.hpp"
-#include "schema/Check_Classification.hpp"
-#include "schema/Checks.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/schema/AccessProtections.hpp>
+#include <sml/schema/Check_Classification.hpp>
+#include <sml/schema/Checks.hpp>
 #include "tests/generic/all_enumerations.hpp"
 
 #include <gtest/gtest.h>

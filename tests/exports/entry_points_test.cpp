@@ -1,6 +1,6 @@
 // The entry points as a caller binds to them: by address, by flat name, and round.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ struct Signatures {
     static_assert(std::is_same_v<decltype(&::Stem##_toCxx), Signatures<__VA_ARGS__>::FlatToCxx>); \
     static_assert(                                                                                \
         std::is_same_v<decltype(&::Stem##_fromCxx), Signatures<__VA_ARGS__>::FlatFromCxx>);
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 
 template <class Function>
 void expect_plain_symbol(char const* name, Function* function) {
@@ -46,7 +46,7 @@ TEST(EntryPoints, FlatOnesAreFoundByTheirPlainNames) {
 #define SML_ROOT(Stem, ...)                               \
     expect_plain_symbol(#Stem "_toCxx", &::Stem##_toCxx); \
     expect_plain_symbol(#Stem "_fromCxx", &::Stem##_fromCxx);
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 }
 
 TEST(EntryPoints, NamespacedOnesHaveNoPlainNames) {
@@ -99,7 +99,7 @@ TEST(EntryPoints, AllSevenOfEveryRootAgree){
             &sml::Stem##_toCxx, &sml::deserializeSmlData, &sml::Stem##_fromCxx,                  \
             &sml::Stem##_toStream, &sml::Stem##_fromStream, &::Stem##_toCxx, &::Stem##_fromCxx); \
     }
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 }
 
 TEST(EntryPoints, OneResultStringServesAllRoots) {

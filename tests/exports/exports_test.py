@@ -85,7 +85,7 @@ def listed_types(header):
 
 
 def stems():
-    text = (HERE.parent.parent / "bindings" / "roots.def").read_text()
+    text = (HERE.parent.parent / "sml" / "bindings" / "roots.def").read_text()
     return re.findall(r"^SML_ROOT\((\w+),", text, re.MULTILINE)
 
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compiles every public header alone, with nothing but the source tree to include from.
 
-    headers_alone.py SOURCE COMPILER
+    headers_alone.py SOURCE COMPILER HEADER...
 
 Most headers include the same one first. It is compiled once, and they continue from there.
 """
@@ -17,23 +17,12 @@ sys.path.append(str(pathlib.Path(__file__).parent.parent / "compile_fail"))
 
 from compiler import Compiler  # noqa: E402
 
-CORE = ["Strings", "arms", "big_integer", "box", "declare", "export", "hash", "ieee754_float",
-        "names"]
-INSPECT = ["canonical", "dump", "encode", "finding", "position", "schema_json", "type", "verify"]
-BASE = "core/declare.hpp"
-
-
-def public_headers(source):
-    schema = sorted(path.relative_to(source) for path in (source / "schema").glob("*.hpp"))
-    core = [pathlib.Path("core") / f"{name}.hpp" for name in CORE]
-    inspect = [pathlib.Path("inspect") / f"{name}.hpp" for name in INSPECT]
-    others = ["bindings/bindings.hpp", "inspect/verify_c.h"]
-    return [str(path) for path in [*core, *schema, *inspect, *others]]
+BASE = "sml/core/declare.hpp"
 
 
 def starts_with_base(header):
     includes = re.findall(r"^#include (.*)$", header.read_text(), re.MULTILINE)
-    return includes[:1] == [f'"{BASE}"']
+    return includes[:1] == [f"<{BASE}>"]
 
 
 def main():
@@ -41,10 +30,11 @@ def main():
 
     def complaint(header):
         from_base = starts_with_base(source / header)
-        result = compiler.check_text(f'#include "{header}"\n', from_base)
+        result = compiler.check_text(f"#include <{header}>\n", from_base)
         return result.stderr if result.returncode != 0 or result.stderr else ""
 
-    headers = public_headers(source)
+    headers = sorted({str(pathlib.Path(header).relative_to(source)) for header in sys.argv[3:]
+                      if not header.endswith(".def")})
     with tempfile.TemporaryDirectory() as folder:
         compiler = Compiler(source, command, BASE, folder, ["-Wpedantic", "-Werror"])
         base = compiler.precompile()

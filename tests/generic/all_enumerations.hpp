@@ -2,23 +2,23 @@
 // Every enumeration of the schema; names are relative to `sml`. A new one gets one line here. `X`
 // takes the type.
 
-#include "schema/Abstract_Bool.hpp"
-#include "schema/Blocks.hpp"
-#include "schema/Checker_Catalog.hpp"
-#include "schema/Checks.hpp"
-#include "schema/ChecksTypes.hpp"
-#include "schema/Critical_Section_Funtype_Base.hpp"
-#include "schema/Events.hpp"
-#include "schema/Expressiveness.hpp"
-#include "schema/FunctionsTypes.hpp"
-#include "schema/GlobalVariableProperty.hpp"
-#include "schema/IL.hpp"
-#include "schema/Infos.hpp"
-#include "schema/InfosTypes.hpp"
-#include "schema/Internal_Form_Datas.hpp"
-#include "schema/Results_API_base.hpp"
-#include "schema/Technology.hpp"
-#include "schema/Variable_Value.hpp"
+#include <sml/schema/Abstract_Bool.hpp>
+#include <sml/schema/Blocks.hpp>
+#include <sml/schema/Checker_Catalog.hpp>
+#include <sml/schema/Checks.hpp>
+#include <sml/schema/ChecksTypes.hpp>
+#include <sml/schema/Critical_Section_Funtype_Base.hpp>
+#include <sml/schema/Events.hpp>
+#include <sml/schema/Expressiveness.hpp>
+#include <sml/schema/FunctionsTypes.hpp>
+#include <sml/schema/GlobalVariableProperty.hpp>
+#include <sml/schema/IL.hpp>
+#include <sml/schema/Infos.hpp>
+#include <sml/schema/InfosTypes.hpp>
+#include <sml/schema/Internal_Form_Datas.hpp>
+#include <sml/schema/Results_API_base.hpp>
+#include <sml/schema/Technology.hpp>
+#include <sml/schema/Variable_Value.hpp>
 
 /// Those that a field or a payload holds.
 #define FIELD_ENUMERATIONS(X)                                                            \

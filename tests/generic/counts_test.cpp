@@ -50,7 +50,7 @@ TEST(Counts, EnumerationsAre32) {
 TEST(Counts, RootsAre40) {
     std::set<std::string> stems;
 #define SML_ROOT(Stem, ...) EXPECT_TRUE(stems.insert(#Stem).second) << #Stem;
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     EXPECT_EQ(stems.size(), 40u);
 }
 

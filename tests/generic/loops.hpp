@@ -3,7 +3,7 @@
 
 #include "tests/generic/row.hpp"
 
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 
 #include <gtest/gtest.h>
 

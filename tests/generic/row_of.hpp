@@ -5,8 +5,8 @@
 #include "tests/all_types.hpp"
 #include "tests/generic/row.hpp"
 
-#include "core/archives.hpp"
-#include "core/kinds.hpp"
+#include <sml/core/archives.hpp>
+#include <sml/core/kinds.hpp>
 
 #include <sstream>
 

@@ -1,6 +1,6 @@
 #include "tests/golden/goldens.hpp"
 
-#include "inspect/verify.hpp"
+#include <sml/inspect/verify.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 // The golden files: bytes of all roots, small, which together reach all that the schema has.
 
-#include "inspect/type.hpp"
+#include <sml/inspect/type.hpp>
 
 #include <filesystem>
 #include <set>

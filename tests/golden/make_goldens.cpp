@@ -7,7 +7,7 @@
 // in every process. Built by another compiler, which may evaluate arguments in another order, the
 // program draws other values: the files in the tree are those of g++.
 
-#include "inspect/canonical.hpp"
+#include <sml/inspect/canonical.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/real_roots.hpp"
 

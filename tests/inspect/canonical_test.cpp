@@ -1,8 +1,8 @@
-#include "inspect/canonical.hpp"
+#include <sml/inspect/canonical.hpp>
 
-#include "bindings/bindings.hpp"
-#include "inspect/describe.hpp"
-#include "inspect/verify.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/describe.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
 

@@ -1,5 +1,5 @@
-#include "inspect/describe.hpp"
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/describe.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "inspect/double_text.hpp"
+#include <sml/inspect/double_text.hpp>
 
 #include "tests/core/comma_locale.hpp"
 

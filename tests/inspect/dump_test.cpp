@@ -1,9 +1,9 @@
-#include "inspect/dump.hpp"
+#include <sml/inspect/dump.hpp>
 
-#include "bindings/bindings.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/describe.hpp"
-#include "inspect/encode.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/describe.hpp>
+#include <sml/inspect/encode.hpp>
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/json_support.hpp"

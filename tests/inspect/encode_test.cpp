@@ -1,7 +1,7 @@
-#include "inspect/encode.hpp"
+#include <sml/inspect/encode.hpp>
 
-#include "bindings/bindings.hpp"
-#include "inspect/dump.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/dump.hpp>
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"

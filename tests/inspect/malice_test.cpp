@@ -4,8 +4,8 @@
 // As a rule a part of the damages is tried, chosen at random by a seed that is printed;
 // BRADEP_MALICE_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
 
-#include "inspect/dump.hpp"
-#include "inspect/verify.hpp"
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"

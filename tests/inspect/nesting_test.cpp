@@ -2,10 +2,10 @@
 // real readers, copies, comparisons and destructors put up with them on a stack of 8 MB. So do
 // walks, as deep as any limit can be set.
 
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/verify.hpp"
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/small_stack.hpp"
 

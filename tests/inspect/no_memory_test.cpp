@@ -1,10 +1,10 @@
 // Where memory ends, each call says so and nothing else happens.
 
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/verify.hpp"
-#include "inspect/verify_c.h"
+#include <sml/inspect/verify_c.h>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/allocations.hpp"
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"

@@ -1,6 +1,6 @@
-#include "inspect/number_text.hpp"
+#include <sml/inspect/number_text.hpp>
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>

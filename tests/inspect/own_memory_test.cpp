@@ -1,12 +1,12 @@
 // The memory that a call takes for work of its own, beside the budget that it is given.
 
-#include "bindings/bindings.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/json_text.hpp"
-#include "inspect/memory.hpp"
-#include "inspect/verify.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/json_text.hpp>
+#include <sml/inspect/memory.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/inspect/counted_heap.hpp"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 //
 // BRADEP_SEED sets the seed of what is random; BRADEP_SLOW_TESTS asks for more of it.
 
-#include "bindings/bindings.hpp"
-#include "inspect/verify.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"

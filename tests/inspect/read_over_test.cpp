@@ -1,14 +1,14 @@
 // What a reader keeps of values that it reads one over another, told from the bytes alone, against
 // the reader itself: one rule of reading after another.
 
-#include "inspect/read_over.hpp"
+#include <sml/inspect/read_over.hpp>
 
-#include "inspect/canonical.hpp"
-#include "inspect/describe.hpp"
-#include "schema/Check_Classification.hpp"
-#include "schema/IL.hpp"
-#include "schema/Infos.hpp"
-#include "schema/Interrogators.hpp"
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/describe.hpp>
+#include <sml/schema/Check_Classification.hpp>
+#include <sml/schema/IL.hpp>
+#include <sml/schema/Infos.hpp>
+#include <sml/schema/Interrogators.hpp>
 #include "tests/inspect/small_stack.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/wire.hpp"

@@ -3,9 +3,9 @@
 //
 // BRADEP_SEED sets the seed; BRADEP_SLOW_TESTS asks for more values.
 
-#include "inspect/canonical.hpp"
-#include "inspect/describe.hpp"
-#include "inspect/read_over.hpp"
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/describe.hpp>
+#include <sml/inspect/read_over.hpp>
 #include "tests/all_types.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"

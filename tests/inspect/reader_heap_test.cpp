@@ -1,7 +1,7 @@
 // The heap that verify estimates, beside what the real readers take at their peak.
 
-#include "bindings/bindings.hpp"
-#include "inspect/verify.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/counted_heap.hpp"
 #include "tests/inspect/real_roots.hpp"
@@ -35,7 +35,7 @@ std::uint64_t peak_of_reading(Root const& root, char const* bytes) {
     std::size_t       place = 0;
 #define SML_ROOT(Stem, ...) \
     if (place++ == wanted) return peak_of<__VA_ARGS__>(&sml::Stem##_toCxx, bytes);
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     return 0;
 }
 

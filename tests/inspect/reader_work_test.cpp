@@ -1,9 +1,9 @@
 // The comparisons of keys that verify says a reader makes in its hash tables.
 
-#include "bindings/bindings.hpp"
-#include "core/kinds.hpp"
-#include "inspect/verify.hpp"
-#include "inspect/walker.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/core/kinds.hpp>
+#include <sml/inspect/verify.hpp>
+#include <sml/inspect/walker.hpp>
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
@@ -135,7 +135,7 @@ TEST(ReaderWork, HashesAreThoseOfTheReadersTables) {
     for (std::uint64_t i = 0; i < 40; ++i) {
 #define SML_ROOT(Stem, ...) \
     expect_same_hashes<__VA_ARGS__>(#Stem, &sml::Stem##_fromCxx, seed + i, compared);
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     }
     EXPECT_GT(compared, 5000u);
 }

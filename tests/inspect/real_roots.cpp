@@ -1,11 +1,11 @@
 #include "tests/inspect/real_roots.hpp"
 
-#include "bindings/bindings.hpp"
-#include "core/compare.hpp"
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/verify.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/core/compare.hpp>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/core/comma_locale.hpp"
 
 #include <cstring>
@@ -127,7 +127,7 @@ std::string fault_of_reading(Entries<T> const& entries, std::string_view bytes, 
 #define SML_ROOT(Stem, ...)                           \
     constexpr Entries<__VA_ARGS__> entries_of_##Stem{ \
         #Stem, &sml::Stem##_toCxx, &sml::Stem##_fromStream, &sml::Stem##_fromCxx};
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 
 #define SML_ROOT(Stem, ...)                                                                  \
     {#Stem,                                                                                  \
@@ -145,7 +145,7 @@ std::string fault_of_reading(Entries<T> const& entries, std::string_view bytes, 
      },                                                                                      \
      [](std::string_view bytes) { return read_and_write_with_comma(entries_of_##Stem, bytes); }},
 constexpr RealRoot all_roots[] = {
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
 };
 
 }  // namespace

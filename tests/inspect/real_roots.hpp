@@ -1,7 +1,7 @@
 #pragma once
 // The real readers and writers of all roots, whatever their types, for tests of bytes.
 
-#include "inspect/type.hpp"
+#include <sml/inspect/type.hpp>
 #include "tests/random_values.hpp"
 
 #include <span>

@@ -1,6 +1,6 @@
 #include "tests/inspect/root_cases.hpp"
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ std::vector<RootCase> const& root_cases() {
          return sml::Stem##_fromCxx(value);                                                       \
      }},
     static std::vector<RootCase> const cases{
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     };
     return cases;
 }

@@ -1,7 +1,7 @@
-#include "inspect/schema_json.hpp"
+#include <sml/inspect/schema_json.hpp>
 
-#include "bindings/bindings.hpp"
-#include "inspect/describe.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/describe.hpp>
 
 #include <gtest/gtest.h>
 #include <boost/json.hpp>

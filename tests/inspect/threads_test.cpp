@@ -2,12 +2,12 @@
 // what one thread alone gets. To be run under ThreadSanitizer as well, so nothing of the carrying
 // library but its number texts is linked.
 
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
-#include "inspect/encode.hpp"
-#include "inspect/schema_json.hpp"
-#include "inspect/verify.hpp"
-#include "inspect/verify_c.h"
+#include <sml/inspect/verify_c.h>
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/encode.hpp>
+#include <sml/inspect/schema_json.hpp>
+#include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/plain/seed.hpp"
 

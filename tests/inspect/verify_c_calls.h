@@ -2,7 +2,7 @@
 #define TESTS_INSPECT_VERIFY_C_CALLS_H
 /* Calls of the C form that are made from C. */
 
-#include "inspect/verify_c.h"
+#include <sml/inspect/verify_c.h>
 
 #ifdef __cplusplus
 extern "C" {

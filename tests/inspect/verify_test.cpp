@@ -1,7 +1,7 @@
-#include "inspect/verify.hpp"
+#include <sml/inspect/verify.hpp>
 
-#include "inspect/canonical.hpp"
-#include "inspect/dump.hpp"
+#include <sml/inspect/canonical.hpp>
+#include <sml/inspect/dump.hpp>
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
 

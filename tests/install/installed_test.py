@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Installs a build to a place of its own and uses it as its users do.
+"""Installs a build to an empty place and uses it as its users do.
 
     installed_test.py CMAKE BUILD SOURCE COMPILER
 
-The README's program builds with its own command, a CMake project finds both libraries, and every
-command of the installed tool runs.
+The README's program builds with its own command; projects in C++ and in C build with CMake and with
+pkg-config, and run without being told where the libraries are; every command of the tool runs.
 """
 
 import filecmp
@@ -15,17 +15,17 @@ import subprocess
 import sys
 import tempfile
 
-CONSUMER = pathlib.Path(__file__).parent / "consumer"
+USERS = pathlib.Path(__file__).parent
 FINDING = "byte 8 at [#0].key: expected a length from 0 to 1, found 9\n"
 
 
-def run(*command, code=0, **options):
+def run(*command, code=0, errors=False, **options):
     result = subprocess.run([str(word) for word in command], capture_output=True, text=True,
                             **options)
     if result.returncode != code:
         sys.exit(f"{' '.join(map(str, command))}\nended with {result.returncode}, not {code}:\n"
                  f"{result.stdout}{result.stderr}")
-    return result.stdout
+    return result.stderr if errors else result.stdout
 
 
 def expect(what, is_so):
@@ -33,31 +33,62 @@ def expect(what, is_so):
         sys.exit(f"not so: {what}")
 
 
+def pkg_config(prefix):
+    return {**os.environ, "PKG_CONFIG_PATH": str(next(prefix.glob("lib*/**/pkgconfig")))}
+
+
+def readme_command(source):
+    """What the README says to build its program with, outside the standard prefixes, too."""
+    readme = (source / "README.md").read_text()
+    command = re.search(r"^    (g\+\+ (?:.*\\\n)*.*)$", readme, re.MULTILINE).group(1)
+    elsewhere = re.search(r"`(-Wl,-rpath,[^`]*)`", readme).group(1)
+    return f"{command} {elsewhere}"
+
+
 def try_readme(source, prefix, folder, compiler):
     readme = (source / "README.md").read_text()
     program = re.search(r"^```cpp\n(.*?)^```", readme, re.MULTILINE | re.DOTALL).group(1)
     printed = re.search(r"^It prints `([^`]*)`", readme, re.MULTILINE).group(1)
-    command = re.search(r"^    g\+\+ (.*)$", readme, re.MULTILINE).group(1)
+    command = readme_command(source).replace("g++", compiler, 1)
     (folder / "example.cpp").write_text(program)
-    search = {**os.environ, "PKG_CONFIG_PATH": str(next(prefix.glob("lib*/**/pkgconfig"))),
-              "LD_LIBRARY_PATH": str(next(prefix.glob("lib*/**/pkgconfig")).parent)}
-    run("sh", "-c", f"{compiler} {command}", cwd=folder, env=search)
-    expect("the README's program prints what it says",
-           run(folder / "a.out", env=search) == printed + "\n")
-
-    run("sh", "-c", f"cc '{CONSUMER / 'checker.c'}' -o checker"
-        " $(pkg-config --cflags --libs bradep_inspect)", cwd=folder, env=search)
-    expect("a program in C finds what is wrong", run(folder / "checker", env=search) == FINDING)
+    run("sh", "-c", command, cwd=folder, env=pkg_config(prefix))
+    expect("the README's program prints what it says", run(folder / "a.out") == printed + "\n")
 
 
-def try_package(cmake, prefix, folder, compiler):
-    build = folder / "consumer"
-    run(cmake, "-G", "Ninja", "-S", CONSUMER, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}",
-        f"-DCMAKE_CXX_COMPILER={compiler}")
-    run(cmake, "--build", build)
-    expect("a viewer dumps", run(build / "viewer") ==
+def try_pkg_config(source, prefix, folder, compiler):
+    user = USERS / "pkg_config"
+    command = readme_command(source).replace("g++", f"{compiler} -I '{user}'", 1)
+    command = command.replace("example.cpp", f"'{user / 'kernel.cpp'}' -o kernel")
+    run("sh", "-c", command, cwd=folder, env=pkg_config(prefix))
+    expect("a user's core/export.hpp is the user's own", run(folder / "kernel").startswith(
+        "from the user's own core/export.hpp: "))
+
+    run("sh", "-c", f"cc '{USERS / 'c' / 'checker.c'}' -o checker"
+        " $(pkg-config --cflags --libs bradep_inspect)"
+        " -Wl,-rpath,$(pkg-config --variable=libdir bradep_inspect)",
+        cwd=folder, env=pkg_config(prefix))
+    expect("a program in C finds what is wrong", run(folder / "checker") == FINDING)
+
+
+def try_cmake(cmake, prefix, folder, compiler):
+    def build(user):
+        place = folder / f"{user}-build"
+        run(cmake, "-G", "Ninja", "-S", USERS / user, "-B", place,
+            f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_CXX_COMPILER={compiler}",
+            "--no-warn-unused-cli")
+        run(cmake, "--build", place)
+        return place
+
+    expect("a viewer dumps", run(build("cmake") / "viewer") ==
            '{"root":"String_To_StringSet_T","value":[["a",["b"]]]}\n')
-    expect("a checker finds", run(build / "checker") == FINDING)
+    checker = build("c")
+    expect("a checker finds", run(checker / "checker") == FINDING)
+    cache = (checker / "CMakeCache.txt").read_text()
+    expect("nobody looks for Boost, GMP or MPFR for a project in C",
+           not re.search("boost|gmp|mpfr", cache, re.IGNORECASE))
+    unknown = run(cmake, "-S", USERS / "c", "-B", folder / "unknown", "-G", "Ninja",
+                  f"-DCMAKE_PREFIX_PATH={prefix}", "-DCOMPONENT=inspekt", code=1, errors=True)
+    expect("a component that is not there is named", "inspekt" in unknown)
 
 
 def try_commands(source, prefix, folder):
@@ -92,7 +123,8 @@ def main():
         prefix = folder / "prefix"
         run(cmake, "--install", build, "--prefix", prefix)
         try_readme(pathlib.Path(source), prefix, folder, compiler)
-        try_package(cmake, prefix, folder, compiler)
+        try_pkg_config(pathlib.Path(source), prefix, folder, compiler)
+        try_cmake(cmake, prefix, folder, compiler)
         try_commands(pathlib.Path(source), prefix, folder)
 
 

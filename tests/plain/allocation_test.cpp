@@ -4,10 +4,10 @@
 // other. What is compared is what a failure leaves: whatever the library leaves at any of its
 // allocations must be what the reference leaves at one of its own, or holds at some moment.
 
-#include "core/Strings.hpp"
-#include "core/ieee754_float.hpp"
-#include "inspect/canonical.hpp"
-#include "schema/Base_Gui_Internal_Form_Datas.hpp"
+#include <sml/core/Strings.hpp>
+#include <sml/core/ieee754_float.hpp>
+#include <sml/inspect/canonical.hpp>
+#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 #include "tests/allocations.hpp"
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/roots.hpp"

@@ -1,9 +1,9 @@
 #pragma once
 // Values of any type through the archives and through the plain reference.
 
+#include <sml/core/archives.hpp>
+#include <sml/core/transfer.hpp>
 #include "bench/plain/plain.hpp"
-#include "core/archives.hpp"
-#include "core/transfer.hpp"
 
 #include <istream>
 #include <ostream>

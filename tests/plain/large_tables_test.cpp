@@ -1,6 +1,6 @@
 // Tables of many large entries, with keys that come again, against the plain reference.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"

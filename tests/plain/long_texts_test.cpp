@@ -1,6 +1,6 @@
 // Texts around the sizes of the writers' buffer and chunks, against the plain reference.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/seed.hpp"

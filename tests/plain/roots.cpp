@@ -1,7 +1,7 @@
 #include "tests/plain/roots.hpp"
 
+#include <sml/bindings/bindings.hpp>
 #include "bench/plain/plain.hpp"
-#include "bindings/bindings.hpp"
 #include "tests/random_values.hpp"
 
 namespace plain_test {
@@ -54,7 +54,7 @@ T& as(void* value) {
 
 std::vector<Root> const& roots() {
     static std::vector<Root> const all = {
-#include "bindings/roots.def"
+#include <sml/bindings/roots.def>
     };
     return all;
 }

@@ -1,7 +1,7 @@
 // All roots, of random values and from bytes with defined damages, against the plain reference.
 
 #include "tests/plain/roots.hpp"
-#include "inspect/verify.hpp"
+#include <sml/inspect/verify.hpp>
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/seed.hpp"
 

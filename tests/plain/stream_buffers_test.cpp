@@ -1,6 +1,6 @@
 // What a caller's stream buffer and locale may do, against the plain reference.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/seed.hpp"

@@ -1,7 +1,7 @@
 #pragma once
 // Values that differ in every part, and the order of a record's fields.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 #include "tests/schema/order.hpp"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 // What `<` and `==` say of two values, always asked in both directions.
 
-#include "core/Strings.hpp"
+#include <sml/core/Strings.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 // Whole variants and enumerations checked against a table written out by hand.
 
-#include "core/kinds.hpp"
+#include <sml/core/kinds.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // What memory that runs out leaves behind: nothing that is half alive, lost or still counted.
 // Every allocation of an operation fails once, the first, the second and so on.
 
-#include "bindings/bindings.hpp"
-#include "schema/IL.hpp"
+#include <sml/bindings/bindings.hpp>
+#include <sml/schema/IL.hpp>
 #include "tests/allocations.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/random_values.hpp"

@@ -1,6 +1,6 @@
 // A program whose static objects use the library before main() does.
 
-#include "bindings/bindings.hpp"
+#include <sml/bindings/bindings.hpp>
 
 #include <cstddef>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "schema/Checks.hpp"
+#include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

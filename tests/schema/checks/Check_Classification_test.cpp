@@ -1,4 +1,4 @@
-#include "schema/Check_Classification.hpp"
+#include <sml/schema/Check_Classification.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

@@ -1,4 +1,4 @@
-#include "schema/Checker_Catalog.hpp"
+#include <sml/schema/Checker_Catalog.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

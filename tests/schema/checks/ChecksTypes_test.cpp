@@ -1,4 +1,4 @@
-#include "schema/ChecksTypes.hpp"
+#include <sml/schema/ChecksTypes.hpp>
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"
 

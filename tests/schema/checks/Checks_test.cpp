@@ -1,6 +1,6 @@
 // The enumerations of checks, and the data of overflows, calls and data-flow findings.
 
-#include "schema/Checks.hpp"
+#include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

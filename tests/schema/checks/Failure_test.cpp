@@ -1,4 +1,4 @@
-#include "schema/Failure.hpp"
+#include <sml/schema/Failure.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

@@ -1,4 +1,4 @@
-#include "schema/GUI_Check_Classification.hpp"
+#include <sml/schema/GUI_Check_Classification.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"

@@ -1,5 +1,5 @@
-#include "schema/Results_API_base.hpp"
-#include "schema/Checks.hpp"
+#include <sml/schema/Checks.hpp>
+#include <sml/schema/Results_API_base.hpp>
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"
 

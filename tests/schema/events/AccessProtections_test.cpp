@@ -1,4 +1,4 @@
-#include "schema/AccessProtections.hpp"
+#include <sml/schema/AccessProtections.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

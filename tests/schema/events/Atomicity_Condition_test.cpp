@@ -1,4 +1,4 @@
-#include "schema/Atomicity_Condition.hpp"
+#include <sml/schema/Atomicity_Condition.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

@@ -1,4 +1,4 @@
-#include "schema/BlockKind.hpp"
+#include <sml/schema/BlockKind.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

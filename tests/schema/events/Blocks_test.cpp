@@ -1,4 +1,4 @@
-#include "schema/Blocks.hpp"
+#include <sml/schema/Blocks.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"

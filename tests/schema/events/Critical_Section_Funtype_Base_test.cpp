@@ -1,4 +1,4 @@
-#include "schema/Critical_Section_Funtype_Base.hpp"
+#include <sml/schema/Critical_Section_Funtype_Base.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "schema/Event_Path.hpp"
+#include <sml/schema/Event_Path.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

@@ -1,4 +1,4 @@
-#include "schema/Events.hpp"
+#include <sml/schema/Events.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

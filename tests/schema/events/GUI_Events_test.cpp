@@ -1,4 +1,4 @@
-#include "schema/GUI_Events.hpp"
+#include <sml/schema/GUI_Events.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 

@@ -1,4 +1,4 @@
-#include "schema/GlobalVariableProperty.hpp"
+#include <sml/schema/GlobalVariableProperty.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "schema/Abstract_Bool.hpp"
+#include <sml/schema/Abstract_Bool.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "schema/IL_Attribute.hpp"
+#include <sml/schema/IL_Attribute.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

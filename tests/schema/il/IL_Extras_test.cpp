@@ -1,4 +1,4 @@
-#include "schema/IL_Extras.hpp"
+#include <sml/schema/IL_Extras.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

@@ -2,7 +2,7 @@
 // program's allocation functions are replaced here, so that one can be made to fail and all can be
 // counted.
 
-#include "schema/IL.hpp"
+#include <sml/schema/IL.hpp>
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "schema/IL.hpp"
+#include <sml/schema/IL.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

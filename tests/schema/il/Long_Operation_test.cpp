@@ -1,4 +1,4 @@
-#include "schema/Long_Operation.hpp"
+#include <sml/schema/Long_Operation.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

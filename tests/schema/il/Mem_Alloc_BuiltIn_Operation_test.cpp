@@ -1,4 +1,4 @@
-#include "schema/Mem_Alloc_BuiltIn_Operation.hpp"
+#include <sml/schema/Mem_Alloc_BuiltIn_Operation.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

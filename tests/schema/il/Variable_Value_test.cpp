@@ -1,4 +1,4 @@
-#include "schema/Variable_Value.hpp"
+#include <sml/schema/Variable_Value.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "schema/Infos.hpp"
+#include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

@@ -1,6 +1,6 @@
 // What information records say: the arms, and what only they hold.
 
-#include "schema/Infos.hpp"
+#include <sml/schema/Infos.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

@@ -1,6 +1,6 @@
 // Types of values, and values told by type and range.
 
-#include "schema/Infos.hpp"
+#include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

@@ -1,4 +1,4 @@
-#include "schema/InfosTypes.hpp"
+#include <sml/schema/InfosTypes.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"

@@ -1,6 +1,6 @@
 // Intervals, what is known of divisibility, and the ranges made of both.
 
-#include "schema/Infos.hpp"
+#include <sml/schema/Infos.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

@@ -1,4 +1,4 @@
-#include "schema/Answers.hpp"
+#include <sml/schema/Answers.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"

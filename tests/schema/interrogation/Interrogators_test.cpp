@@ -1,4 +1,4 @@
-#include "schema/Interrogators.hpp"
+#include <sml/schema/Interrogators.hpp>
 #include "tests/core/string_table.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

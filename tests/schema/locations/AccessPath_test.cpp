@@ -1,4 +1,4 @@
-#include "schema/AccessPath.hpp"
+#include <sml/schema/AccessPath.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

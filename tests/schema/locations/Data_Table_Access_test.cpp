@@ -1,4 +1,4 @@
-#include "schema/Data_Table_Access.hpp"
+#include <sml/schema/Data_Table_Access.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"

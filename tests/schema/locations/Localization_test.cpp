@@ -1,4 +1,4 @@
-#include "schema/Localization.hpp"
+#include <sml/schema/Localization.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"

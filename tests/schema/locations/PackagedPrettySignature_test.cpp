@@ -1,4 +1,4 @@
-#include "schema/PackagedPrettySignature.hpp"
+#include <sml/schema/PackagedPrettySignature.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/wire.hpp"
 

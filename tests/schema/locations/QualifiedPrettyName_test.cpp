@@ -1,4 +1,4 @@
-#include "schema/QualifiedPrettyName.hpp"
+#include <sml/schema/QualifiedPrettyName.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"

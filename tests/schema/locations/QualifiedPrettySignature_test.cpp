@@ -1,4 +1,4 @@
-#include "schema/QualifiedPrettySignature.hpp"
+#include <sml/schema/QualifiedPrettySignature.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/wire.hpp"
 

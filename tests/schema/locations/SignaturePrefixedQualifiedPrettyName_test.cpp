@@ -1,4 +1,4 @@
-#include "schema/SignaturePrefixedQualifiedPrettyName.hpp"
+#include <sml/schema/SignaturePrefixedQualifiedPrettyName.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/wire.hpp"
 

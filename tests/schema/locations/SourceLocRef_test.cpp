@@ -1,4 +1,4 @@
-#include "schema/SourceLocRef.hpp"
+#include <sml/schema/SourceLocRef.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"

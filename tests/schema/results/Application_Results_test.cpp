@@ -1,4 +1,4 @@
-#include "schema/Application_Results.hpp"
+#include <sml/schema/Application_Results.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 

@@ -1,4 +1,4 @@
-#include "schema/Base_Gui_Internal_Form_Datas.hpp"
+#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 #include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"

@@ -1,4 +1,4 @@
-#include "schema/Expressiveness.hpp"
+#include <sml/schema/Expressiveness.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

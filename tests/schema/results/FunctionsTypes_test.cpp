@@ -1,4 +1,4 @@
-#include "schema/FunctionsTypes.hpp"
+#include <sml/schema/FunctionsTypes.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

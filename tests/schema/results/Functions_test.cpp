@@ -1,4 +1,4 @@
-#include "schema/Functions.hpp"
+#include <sml/schema/Functions.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

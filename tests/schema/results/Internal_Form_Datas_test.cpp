@@ -1,4 +1,4 @@
-#include "schema/Internal_Form_Datas.hpp"
+#include <sml/schema/Internal_Form_Datas.hpp>
 #include "tests/schema/tables.hpp"
 
 #include <gtest/gtest.h>

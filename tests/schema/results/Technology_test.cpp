@@ -1,4 +1,4 @@
-#include "schema/Technology.hpp"
+#include <sml/schema/Technology.hpp>
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"

@@ -1,9 +1,0 @@
-#include "schema/Abstract_Bool.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::Abstract_Bool {
-
-SML_DEFINE_ENUM(T_Abstract_Bool);
-
-}  // namespace sml::Abstract_Bool

@@ -1,9 +1,0 @@
-#include "schema/AccessPath.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::AccessPath::Selector {
-
-SML_DEFINE_VARIANT(T_private_selector);
-
-}  // namespace sml::AccessPath::Selector

@@ -1,9 +1,0 @@
-#include "schema/Checker_Catalog.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::Checker_Catalog {
-
-SML_DEFINE_ENUM(T_Checker);
-
-}  // namespace sml::Checker_Catalog

@@ -1,9 +1,0 @@
-#include "schema/ChecksTypes.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::ChecksTypes {
-
-SML_DEFINE_ENUM(T_Scalar_Or_Float);
-
-}  // namespace sml::ChecksTypes

@@ -1,9 +1,0 @@
-#include "schema/Data_Table_Access.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::Data_Table_Access {
-
-SML_DEFINE_RECORD(T);
-
-}  // namespace sml::Data_Table_Access

@@ -1,9 +1,0 @@
-#include "schema/GlobalVariableProperty.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::GlobalVariableProperty {
-
-SML_DEFINE_ENUM(T_CS_KIND);
-
-}  // namespace sml::GlobalVariableProperty

@@ -1,9 +1,0 @@
-#include "schema/IEEE754.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::IEEE754 {
-
-SML_DEFINE_RECORD(T);
-
-}  // namespace sml::IEEE754

@@ -1,9 +1,0 @@
-#include "schema/Localization.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::Localization {
-
-SML_DEFINE_RECORD(T_Localization);
-
-}  // namespace sml::Localization

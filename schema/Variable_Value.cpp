@@ -1,9 +1,0 @@
-#include "schema/Variable_Value.hpp"
-
-#include "core/define.hpp"
-
-namespace sml::Variable_Value {
-
-SML_DEFINE_ENUM(T_Init_Mode);
-
-}  // namespace sml::Variable_Value

@@ -1,0 +1,303 @@
+#pragma once
+// The four archives: where the bytes of one root object come from or go to, and which strings of
+// it have been met. None checks anything; exceptions of the caller's stream pass through.
+//
+// An archive lives for one root object. It pins each string that it has met.
+//
+// A writing archive keeps `room_ahead` bytes of room ahead of where the next byte goes, whenever a
+// container's element, a boxed value or a root is about to be written. What is written from one of
+// these to the next, texts apart, fits in there, so that nothing else asks for room.
+
+#include <sml/core/decimal_point.hpp>
+#include <sml/core/float_range.hpp>
+#include <sml/core/string_ids.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sml {
+
+namespace core {
+
+constexpr std::size_t room_ahead = 4096;
+
+template <class Word>
+Word word_at(char const* bytes) noexcept {
+    Word word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+/// Where the next byte goes. There is room for `room_ahead` bytes while `at` is not beyond `full`.
+struct Room {
+    char* at;
+    char* full;
+
+    template <class Word>
+    char* put(Word word) noexcept {
+        std::memcpy(at, &word, sizeof word);
+        return std::exchange(at, at + sizeof word);
+    }
+};
+
+}  // namespace core
+
+/// Writes to a caller's stream, through a buffer: the stream has all bytes once `finish` is called.
+///
+/// Required: a stream that fails is in the state that item after item, each written on its own,
+/// leaves it in. An item behind the one that fails finds the stream bad, which sets the failbit,
+/// too. So the last item is always held back and written on its own.
+class StreamOArchive {
+public:
+    static constexpr bool writes = true;
+
+    explicit StreamOArchive(std::ostream& stream);
+
+    /// Hands over what an exception has left in the buffer.
+    ~StreamOArchive();
+
+    StreamOArchive(StreamOArchive const&) = delete;
+    StreamOArchive& operator=(StreamOArchive const&) = delete;
+
+    core::Room        room;
+    core::IdsByString string_ids;
+    core::FloatRange  float_range;
+    char              point = core::decimal_point();
+
+    template <class Word>
+    void put(Word word) {
+        last_ = room.put(word);
+    }
+
+    // Formatted, so the stream's width and fill take part.
+    void put_flag(char flag) {
+        if (is_padded_) [[unlikely]]
+            put_padded(flag);
+        else
+            last_ = room.put(flag);
+    }
+
+    /// The bytes before `next` have been put, of which those from `last` on are one item.
+    void have_put(char* last, char* next) {
+        last_ = last;
+        room.at = next;
+    }
+
+    void make_room() {
+        if (room.at > room.full) [[unlikely]]
+            drain();
+    }
+
+    /// An item of any size; leaves room ahead.
+    void put_long(char const* bytes, std::size_t size);
+
+    void finish();
+
+private:
+    static constexpr std::size_t buffer_size = 8 * core::room_ahead;
+
+    void drain();
+    void write(char const* start, char const* end);
+    void put_padded(char flag);
+
+    std::ostream* stream_;
+    bool          is_padded_;       // the next flag is
+    char*         last_ = nullptr;  // the start of the item that was put last; null where it is out
+    char          buffer_[buffer_size];
+};
+
+/// Writes to memory: first over the bytes that a string holds, then into chunks, so that nothing
+/// is copied while it grows.
+class StringOArchive {
+public:
+    static constexpr bool writes = true;
+
+    static constexpr std::size_t smallest_chunk = 4 * core::room_ahead;
+    static constexpr std::size_t largest_chunk = std::size_t{1} << 20;
+
+    /// `result` gets the bytes when `finish` is called. Until then what it holds is overwritten.
+    explicit StringOArchive(std::string& result);
+
+    StringOArchive(StringOArchive const&) = delete;
+    StringOArchive& operator=(StringOArchive const&) = delete;
+
+    core::Room        room;
+    core::IdsByString string_ids;
+    core::FloatRange  float_range;
+    char              point = core::decimal_point();
+
+    template <class Word>
+    void put(Word word) {
+        room.put(word);
+    }
+    void put_flag(char flag) { room.put(flag); }
+    void have_put(char*, char* next) { room.at = next; }
+
+    void make_room() {
+        if (room.at > room.full) [[unlikely]]
+            add_chunk(0);
+    }
+
+    /// Bytes of any number; leaves room ahead.
+    void put_long(char const* bytes, std::size_t size);
+
+    void finish();
+
+private:
+    /// Frees what `allocate` gave.
+    struct Free {
+        std::size_t size;
+
+        void operator()(char* bytes) const noexcept;
+    };
+    using Memory = std::unique_ptr<char[], Free>;
+
+    struct Chunk {
+        Memory      bytes;
+        std::size_t size;  // of what has been written
+    };
+
+    static Memory allocate(std::size_t size);
+
+    void add_chunk(std::size_t least_size);
+    void close_chunk();
+
+    std::string&       result_;
+    std::size_t        written_ = 0;  // before the chunk that is open
+    char*              start_;        // of the chunk that is open, or of the result
+    std::vector<Chunk> chunks_;
+};
+
+/// Reads from a caller's stream. A read that fails leaves the scratch word as it was, so the value
+/// read before it is taken for the new one.
+///
+/// What the stream's buffer holds already is taken from there, as the stream itself would. What it
+/// doesn't hold, and what only the stream can judge, the stream is asked for; nothing is read
+/// ahead. The stream stands behind the object once `finish` is called.
+class StreamIArchive {
+public:
+    static constexpr bool writes = false;
+
+    explicit StreamIArchive(std::istream& stream) : stream_(&stream) {}
+
+    /// Takes from the stream what an exception has left there.
+    ~StreamIArchive();
+
+    StreamIArchive(StreamIArchive const&) = delete;
+    StreamIArchive& operator=(StreamIArchive const&) = delete;
+
+    void get(char* bytes, std::int64_t size);
+
+    template <class Word>
+    Word get_word() {
+        static_assert(sizeof(Word) <= sizeof scratch_);
+        if (end_ - at_ >= static_cast<std::ptrdiff_t>(sizeof(Word))) [[likely]] {
+            std::memcpy(scratch_, at_, sizeof(Word));
+            take_item(sizeof(Word));
+        } else {
+            get(scratch_, sizeof(Word));
+        }
+        return core::word_at<Word>(scratch_);
+    }
+
+    // Formatted, so white space before the flag is skipped when the stream says so.
+    char get_flag() {
+        if (at_ != end_ && (*at_ == 'T' || *at_ == 'F')) [[likely]]
+            return scratch_[0] = *at_++;
+        return get_formatted();
+    }
+
+    /// A block and a word of `more` bytes behind it, not taken yet; null where they are not at
+    /// hand.
+    char const* view(std::int32_t length, std::int32_t more = 0) const {
+        bool const is_here =
+            length >= 0 && length <= longest_view && end_ - at_ >= std::int64_t{length} + more;
+        return is_here ? at_ : nullptr;
+    }
+
+    /// Takes them.
+    void skip(std::int32_t length, std::int32_t more = 0) {
+        take_item(length);
+        if (more == 0) return;
+        std::memcpy(scratch_, at_, static_cast<std::size_t>(more));
+        take_item(more);
+    }
+
+    /// Takes from the stream what was taken from its buffer.
+    void finish() { close(); }
+
+    core::StringsById strings_by_id{core::StringsById::Counting::at_once};
+    char              point = core::decimal_point();
+
+private:
+    static constexpr std::int32_t longest_view = 128;
+
+    void take_item(std::int32_t size) {
+        item_ = at_;
+        item_size_ = size;
+        at_ += size;
+    }
+
+    void open();
+    void close();
+    char get_formatted();
+
+    std::istream* stream_;
+    alignas(std::uint64_t) char scratch_[sizeof(std::uint64_t)]{};
+
+    char const*  at_ = nullptr;  // the bytes at hand
+    char const*  end_ = nullptr;
+    char const*  item_ = nullptr;  // what was taken last of them, flags apart
+    std::int32_t item_size_ = 0;
+};
+
+/// Reads from a caller's bytes, without any bound.
+class StringIArchive {
+public:
+    static constexpr bool writes = false;
+
+    explicit StringIArchive(char const* bytes) : cursor_(bytes) {}
+
+    void get(char* bytes, std::int64_t size) {
+        if (size <= 0) return;
+        std::memcpy(bytes, cursor_, static_cast<std::size_t>(size));
+        cursor_ += size;
+    }
+
+    template <class Word>
+    Word get_word() {
+        auto const word = core::word_at<Word>(cursor_);
+        cursor_ += sizeof word;
+        return word;
+    }
+
+    char get_flag() { return *cursor_++; }
+
+    /// A block, not taken yet; null for a length that no block has.
+    char const* view(std::int32_t length, std::int32_t = 0) const {
+        return length < 0 ? nullptr : cursor_;
+    }
+
+    /// Takes a block and `more` bytes behind it.
+    void skip(std::int32_t length, std::int32_t more = 0) {
+        cursor_ += std::int64_t{length} + more;
+    }
+
+    /// The next unread byte.
+    char const* cursor() const { return cursor_; }
+
+    core::StringsById strings_by_id{core::StringsById::Counting::in_the_end};
+    char              point = core::decimal_point();
+
+private:
+    char const* cursor_;
+};
+
+}  // namespace sml

@@ -1,0 +1,73 @@
+#pragma once
+// The one hash combining step, and `sml::Hash`, the functor of every hashed key but plain handles.
+
+#include <sml/core/Strings.hpp>
+#include <sml/core/big_integer.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace sml {
+
+namespace core {
+
+/// Folds `value` into `seed`, wrapping around.
+constexpr std::uint64_t combine(std::uint64_t seed, std::uint64_t value) noexcept {
+    constexpr std::uint64_t factor = 0xc6a4a7935bd1e995;
+    value *= factor;
+    value ^= value >> 47;
+    value *= factor;
+    return (seed ^ value) * factor + 0xe6546b64;
+}
+
+/// An `int32` as the combining step takes it: sign-extended.
+constexpr std::uint64_t hash_word(std::int32_t value) noexcept {
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
+}
+
+/// A variant whose arms are declared with `core::Arms`.
+template <class T>
+concept HashedVariant = requires(T const& value) {
+    value.visit_payload([](auto const&) {});
+};
+
+}  // namespace core
+
+/// Hash functor of a key type: its own `hash()`, or tag and payload of a variant.
+template <class T>
+struct Hash {
+    std::size_t operator()(T const& key) const {
+        if constexpr (core::HashedVariant<T>) {
+            std::uint64_t payload_hash = 0;
+            key.visit_payload([&]<class Payload>(Payload const& payload) {
+                payload_hash = Hash<Payload>{}(payload);
+            });
+            return core::combine(core::hash_word(key.tag), payload_hash);
+        } else {
+            return key.hash();
+        }
+    }
+};
+
+/// A numbered key of the result tables.
+template <>
+struct Hash<std::pair<Strings_T, std::int32_t>> {
+    std::size_t operator()(std::pair<Strings_T, std::int32_t> const& key) const {
+        return core::combine(key.first.hash(), core::hash_word(key.second));
+    }
+};
+
+/// Limb by limb, least significant first, then the sign.
+template <>
+struct Hash<BigInteger> {
+    std::size_t operator()(BigInteger const& key) const {
+        mpz_srcptr const number = key.backend().data();
+        std::uint64_t    seed = 0;
+        for (std::size_t i = 0; i < mpz_size(number); ++i)
+            seed = core::combine(seed, mpz_getlimbn(number, static_cast<mp_size_t>(i)));
+        return core::combine(seed, core::hash_word(mpz_sgn(number)));
+    }
+};
+
+}  // namespace sml

@@ -1,0 +1,381 @@
+#pragma once
+// Descriptors from declarations: `describe<T>()`.
+
+#include <sml/core/kinds.hpp>
+#include <sml/inspect/heap_chunk.hpp>
+#include <sml/inspect/type.hpp>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace detail {
+
+/// The fully qualified name of a class or enumeration.
+template <class T>
+consteval std::string_view name_of() {
+    std::string_view const function = __PRETTY_FUNCTION__;
+    std::size_t const      start = function.find("T = ") + 4;
+    return function.substr(start, function.find_first_of(";]", start) - start);
+}
+
+using core::FieldTypes;
+using core::parts_of;
+using core::Types;
+
+/// Holds the descriptor of a type. Naming its address asks for no more than this declaration, which
+/// is what lets a type hold its own kind.
+template <class T>
+struct Described {
+    static Type const type;
+};
+
+template <class T>
+using BoxedType = std::remove_cvref_t<decltype(*std::declval<T&>())>;
+
+template <class T>
+consteval std::uint32_t least_size();
+
+template <class... T>
+consteval std::uint32_t least_size_of_all(Types<T...>) {
+    return (0 + ... + least_size<T>());
+}
+
+template <class Payload>
+consteval std::uint32_t least_size_of_arm() {
+    if constexpr (std::is_void_v<Payload>)
+        return 0;
+    else
+        return least_size<Payload>();
+}
+
+template <class V, std::int32_t... Index>
+consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
+    // A tag that stands bare needs nothing more; asking no further also ends the recursion of
+    // types that hold their own kind.
+    if constexpr (!V::arms::takes_rest)
+        return 0;
+    else
+        return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
+}
+
+template <class T>
+consteval std::uint32_t least_size() {
+    using namespace core;
+    if constexpr (Word<T>)
+        return sizeof(T);
+    else if constexpr (std::is_same_v<T, bool> || Optional<T>)
+        return 1;
+    else if constexpr (std::is_same_v<T, zelvanite::IEEE754Float>)
+        return 8;
+    else if constexpr (Leaf<T> || List<T> || Set<T> || Map<T>)
+        return 4;
+    else if constexpr (Boxed<T>)
+        return least_size<BoxedType<T>>();
+    else if constexpr (PairOrTuple<T>)
+        return least_size_of_all(decltype(parts_of(std::declval<T>())){});
+    else if constexpr (FlagArray<T>)
+        return std::tuple_size_v<T>;
+    else if constexpr (Fielded<T>)
+        return least_size_of_all(FieldTypes<T>{});
+    else
+        return 4 +
+               least_size_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
+}
+
+template <class T>
+consteval Kind kind_of_leaf() {
+    if constexpr (std::is_enum_v<T>) return Kind::enumeration;
+    if constexpr (std::is_same_v<T, std::int32_t>) return Kind::int32;
+    if constexpr (std::is_same_v<T, std::uint32_t>) return Kind::uint32;
+    if constexpr (std::is_same_v<T, std::int64_t>) return Kind::int64;
+    if constexpr (std::is_same_v<T, std::uint64_t>) return Kind::uint64;
+    if constexpr (std::is_same_v<T, bool>) return Kind::flag;
+    if constexpr (std::is_same_v<T, double>) return Kind::number;
+    if constexpr (std::is_same_v<T, BigInteger>) return Kind::big_integer;
+    if constexpr (std::is_same_v<T, zelvanite::IEEE754Float>) return Kind::ieee_float;
+    if constexpr (std::is_same_v<T, std::string>) return Kind::text;
+    if constexpr (std::is_same_v<T, Strings_T>) return Kind::string;
+}
+
+/// The tables that a descriptor points to.
+template <class T>
+struct Tables {};
+
+template <class... T>
+constexpr std::array<Part, sizeof...(T)> unnamed_parts(Types<T...>) {
+    return {Part{{}, &Described<T>::type}...};
+}
+
+template <class T>
+    requires core::PairOrTuple<T>
+struct Tables<T> {
+    static constexpr auto parts = unnamed_parts(decltype(parts_of(std::declval<T>())){});
+};
+
+template <class T>
+struct FieldNames {
+    static constexpr std::string_view list = T::field_names();
+    static constexpr std::size_t      count = core::count_names(list);
+
+    static constexpr std::string_view at(std::size_t index) {
+        std::size_t start = 0;
+        for (; index > 0; --index) start = list.find(',', start) + 1;
+        start = list.find_first_not_of(' ', start);
+        return list.substr(start, list.find(',', start) - start);
+    }
+};
+
+template <class T, class... Field, std::size_t... Index>
+constexpr std::array<Part, sizeof...(Field)> named_parts(Types<Field...>,
+                                                         std::index_sequence<Index...>) {
+    return {Part{FieldNames<T>::at(Index), &Described<Field>::type}...};
+}
+
+template <class T>
+    requires core::Fielded<T>
+struct Tables<T> {
+    static constexpr auto parts =
+        named_parts<T>(FieldTypes<T>{}, std::make_index_sequence<FieldNames<T>::count>{});
+};
+
+/// The types of the parts of what has parts.
+template <class T>
+struct PartTypesOf;
+template <class T>
+    requires core::PairOrTuple<T>
+struct PartTypesOf<T> {
+    using type = decltype(parts_of(std::declval<T>()));
+};
+template <class T>
+    requires core::Fielded<T>
+struct PartTypesOf<T> {
+    using type = FieldTypes<T>;
+};
+template <class T>
+using PartTypes = typename PartTypesOf<T>::type;
+
+template <class T>
+concept HasArms = requires {
+    T::arms::count;
+};
+
+template <class T>
+concept HasParts = core::PairOrTuple<T> ||(core::Fielded<T> && !HasArms<T>);
+
+template <class... T>
+constexpr std::size_t count_flat_parts(Types<T...>);
+
+template <class T>
+constexpr std::size_t count_flat_part() {
+    if constexpr (HasParts<T>)
+        return count_flat_parts(PartTypes<T>{});
+    else
+        return 1;
+}
+
+template <class... T>
+constexpr std::size_t count_flat_parts(Types<T...>) {
+    return (std::size_t{0} + ... + count_flat_part<T>());
+}
+
+template <class T>
+constexpr bool is_plain_word = core::Word<T> && !std::is_enum_v<T>;
+
+template <class T>
+consteval Kind kind_of() {
+    using namespace core;
+    if constexpr (Leaf<T>)
+        return kind_of_leaf<T>();
+    else if constexpr (Optional<T>)
+        return Kind::optional;
+    else if constexpr (List<T>)
+        return Kind::list;
+    else if constexpr (Boxed<T>)
+        return Kind::boxed;
+    else if constexpr (Set<T>)
+        return Kind::set;
+    else if constexpr (Map<T>)
+        return Kind::map;
+    else if constexpr (PairOrTuple<T>)
+        return Kind::tuple;
+    else if constexpr (FlagArray<T>)
+        return Kind::flags;
+    else if constexpr (HasArms<T>)
+        return Fielded<T> ? Kind::reference : Kind::variant;
+    else
+        return Serialized<T> ? Kind::record : Kind::group;
+}
+
+/// Whether a walk can pass a part of this kind at a glance: the id of a string told before, a bare
+/// tag, a container without entries, what is absent.
+constexpr bool passes_at_a_glance(Kind kind) {
+    return kind == Kind::string || kind == Kind::flag || kind == Kind::enumeration ||
+           kind == Kind::optional || kind == Kind::variant || kind == Kind::list ||
+           kind == Kind::set || kind == Kind::map;
+}
+
+/// Takes parts apart. There is room for all of them and for the end.
+template <std::size_t Size>
+struct FlatParts {
+    std::array<FlatPart, Size + 1> parts{};
+    std::size_t                    count = 0;
+    FlatPart next{};  // what is added next: the words before it, the way to it
+
+    template <class... T>
+    constexpr void add_all(Types<T...>) {
+        std::uint8_t const level = next.way_length++;
+        next.way[level] = 0;
+        ((add<T>(), ++next.way[level]), ...);
+        --next.way_length;
+    }
+
+    template <class T>
+    constexpr void add() {
+        if constexpr (HasParts<T>)
+            add_all(PartTypes<T>{});
+        else if constexpr (is_plain_word<T>)
+            next.words_before += sizeof(T);
+        else
+            add_part(&Described<T>::type, kind_of<T>(), least_size<T>());
+    }
+
+    constexpr void add_part(Type const* type, Kind kind, std::uint32_t size) {
+        FlatPart& part = parts[count++] = next;
+        part.type = type;
+        part.kind = kind;
+        part.least_size = next.words_before + size;
+        next.words_before = 0;
+    }
+
+    /// Adds the end, and the sizes of rows to all.
+    constexpr void end() {
+        add_part(nullptr, Kind::record, 0);
+        std::uint32_t behind = 0;
+        for (std::size_t i = count; i-- > 0;) {
+            if (!passes_at_a_glance(parts[i].kind)) behind = 0;
+            behind += parts[i].least_size;
+            parts[i].least_size_of_row = behind;
+        }
+    }
+};
+
+template <class T>
+constexpr auto flat_parts() {
+    FlatParts<count_flat_part<T>()> flat;
+    flat.template add<T>();
+    flat.end();
+    return flat.parts;
+}
+
+template <class T>
+struct FlatTable {
+    static constexpr auto parts = flat_parts<T>();
+};
+
+template <class Payload>
+constexpr Type const* describe_payload() {
+    if constexpr (std::is_void_v<Payload>)
+        return nullptr;
+    else
+        return &Described<Payload>::type;
+}
+
+template <class V, std::int32_t... Index>
+constexpr std::array<Arm, sizeof...(Index)> arms_of(std::integer_sequence<std::int32_t, Index...>) {
+    return {Arm{V::arms::names[Index],
+                describe_payload<typename V::arms::template payload<Index>>()}...};
+}
+
+/// Arms of a variant or a reference.
+template <class T>
+struct ArmTable {
+    static constexpr auto arms =
+        arms_of<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
+};
+
+template <class T>
+struct EnumeratorTable {
+    static constexpr auto names = enumerators(T{});
+    static constexpr auto views = [] {
+        std::array<std::string_view, names.start.size()> result;
+        for (std::size_t i = 0; i < result.size(); ++i) result[i] = names[i];
+        return result;
+    }();
+};
+
+/// The node in which the standard library holds an entry.
+template <class T>
+struct NodeOf {
+    using type = std::_Rb_tree_node<typename T::value_type>;
+};
+template <core::List T>
+struct NodeOf<T> {
+    using type = std::_List_node<typename T::value_type>;
+};
+template <class T>
+    requires core::HashSet<T> || core::HashMap<T>
+struct NodeOf<T> {
+    static constexpr bool keeps_hash =
+        std::__cache_default<typename T::key_type, typename T::hasher>::value;
+    using type = std::__detail::_Hash_node<typename T::value_type, keeps_hash>;
+};
+
+template <class T>
+constexpr Type make() {
+    using namespace core;
+    Type type{.kind = kind_of<T>(), .least_size = least_size<T>(), .object_size = sizeof(T)};
+    if constexpr (Leaf<T>) {
+        if constexpr (std::is_enum_v<T>) {
+            type.name = name_of<T>();
+            type.enumerators = EnumeratorTable<T>::views;
+        }
+    } else if constexpr (Optional<T> || List<T>) {
+        type.element = &Described<typename T::value_type>::type;
+    } else if constexpr (Boxed<T>) {
+        type.element = &Described<BoxedType<T>>::type;
+    } else if constexpr (Set<T>) {
+        type.element = &Described<typename T::value_type>::type;
+        type.hashed = HashSet<T>;
+    } else if constexpr (Map<T>) {
+        type.key = &Described<typename T::key_type>::type;
+        type.element = &Described<typename T::mapped_type>::type;
+        type.hashed = HashMap<T>;
+        type.last_wins = last_wins<T>;
+    } else if constexpr (PairOrTuple<T>) {
+        type.parts = Tables<T>::parts;
+        type.flat = FlatTable<T>::parts.data();
+    } else if constexpr (FlagArray<T>) {
+        type.flag_count = std::tuple_size_v<T>;
+    } else if constexpr (HasArms<T>) {
+        type.name = name_of<T>();
+        type.arms = ArmTable<T>::arms;
+        type.takes_rest = T::arms::takes_rest;
+    } else {
+        type.name = name_of<T>();
+        type.parts = Tables<T>::parts;
+        type.flat = FlatTable<T>::parts.data();
+    }
+    if constexpr (List<T> || Set<T> || Map<T>) {
+        type.entry_size = sizeof(typename T::value_type);
+        type.node_heap = chunk_of(sizeof(typename NodeOf<T>::type));
+    }
+    return type;
+}
+
+template <class T>
+constinit Type const Described<T>::type = make<T>();
+
+}  // namespace detail
+
+/// The descriptor of a type of the schema.
+template <class T>
+constexpr Type const* describe() {
+    return &detail::Described<T>::type;
+}
+
+}  // namespace sml::inspect

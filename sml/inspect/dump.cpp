@@ -1,0 +1,412 @@
+#include <sml/inspect/dump.hpp>
+
+#include <sml/inspect/json_writer.hpp>
+#include <sml/inspect/path_match.hpp>
+#include <sml/inspect/read_over.hpp>
+#include <sml/inspect/superseded.hpp>
+#include <sml/inspect/walker.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace {
+
+using Form = DumpOptions::Form;
+
+bool has_names(Type const& type) { return type.kind == Kind::record || type.kind == Kind::group; }
+
+bool is_container(Type const& type) {
+    return type.kind == Kind::list || type.kind == Kind::set || type.kind == Kind::map;
+}
+
+void write_unsafe(JsonWriter& json, Finding const& finding) {
+    json.open('{');
+    json.member("offset");
+    append_json_integer(json.text, finding.offset);
+    json.string_member("expected", finding.expected);
+    json.string_member("found", finding.found);
+    json.close('}');
+}
+
+/// Writes all that it is told.
+class JsonVisitor {
+public:
+    JsonVisitor(std::ostream& out, Form form, Budget& budget)
+        : budget_(budget), json_(out, form == Form::pretty), in_lines_(form == Form::lines) {}
+
+    void start(Root const& root, std::string_view path) {
+        if (in_lines_) return;
+        json_.open('{');
+        json_.string_member("root", root.stem);
+        if (!path.empty()) json_.string_member("path", path);
+        json_.member("value");
+    }
+
+    void flush() { json_.flush(); }
+
+    void finish(Finding const* behind_value) {
+        if (in_lines_) return;
+        if (behind_value != nullptr) {
+            json_.member("unsafe");
+            write_unsafe(json_, *behind_value);
+        }
+        json_.close('}');
+        json_.end_line();
+    }
+
+    /// In the place of a value.
+    void mark(Finding const& finding) {
+        json_.open('{');
+        json_.member("unsafe");
+        write_unsafe(json_, finding);
+        json_.close('}');
+        if (in_lines_ && depth_ == 0) json_.end_line();
+    }
+
+    /// In the place of an entry of the container at hand.
+    void mark_entry(Finding const& finding) {
+        begin_entry();
+        mark(finding);
+    }
+
+    void integer(Type const& type, std::int64_t value) { put(value, type.kind == Kind::int64); }
+    void natural(Type const& type, std::uint64_t value) { put(value, type.kind == Kind::uint64); }
+    void flag(bool value) { json_.text += value ? "true" : "false"; }
+    void number(double value) { append_json_double(json_.text, value); }
+    void string(std::string_view value) { json_.string(value); }
+    void text(std::string_view value) { json_.string(value); }
+
+    void big_integer(std::string_view hexadecimal) {
+        Budget::Hold const held(budget_, memory_for_conversion(hexadecimal.size()));
+        json_.text += '"';
+        append_decimal(json_.text, hexadecimal);
+        json_.text += '"';
+    }
+
+    void ieee_float(std::string_view value, std::int32_t width) {
+        json_.open('{');
+        json_.member("width");
+        append_json_integer(json_.text, std::int64_t{width});
+        json_.string_member("hex", value);
+        json_.close('}');
+    }
+
+    void enumeration(Type const& type, std::int32_t value) {
+        if (type.knows_tag(value))
+            append_json_string(json_.text, type.enumerators[static_cast<std::size_t>(value)]);
+        else
+            append_json_integer(json_.text, std::int64_t{value});
+    }
+
+    void absent(Type const&) {
+        if (!in_lines_ || depth_ > 0) json_.text += "null";
+    }
+
+    void begin(Type const& type, std::uint64_t) {
+        if (++depth_ > 1 || !in_lines_) json_.open(has_names(type) ? '{' : '[');
+    }
+
+    void part(Type const& type, std::uint64_t index) {
+        if (has_names(type)) return json_.member(type.parts[index].name);
+        begin_entry();
+        if (type.kind != Kind::map) return;
+        json_.open('[');
+        json_.next();
+    }
+
+    void entry_value(Type const&) { json_.next(); }
+    void end_entry(Type const&) { json_.close(']'); }
+
+    void end(Type const& type) {
+        if (--depth_ > 0 || !in_lines_)
+            json_.close(has_names(type) ? '}' : ']');
+        else if (line_is_open_)
+            json_.end_line();
+    }
+
+    void begin_variant(Type const& type, std::int32_t tag) {
+        json_.open('{');
+        json_.member("arm");
+        if (type.knows_tag(tag))
+            return append_json_string(json_.text, type.arms[static_cast<std::size_t>(tag)].name);
+        json_.text += "null";
+        json_.member("tag");
+        append_json_integer(json_.text, std::int64_t{tag});
+    }
+
+    void payload() { json_.member("args"); }
+    void end_variant() { json_.close('}'); }
+
+    void reference(Type const& type, std::int32_t tag, std::uint64_t word) {
+        begin_variant(type, tag);
+        payload();
+        if (type.is_signed_word(tag))
+            put(static_cast<std::int64_t>(word), true);
+        else
+            put(word, true);
+        end_variant();
+    }
+
+private:
+    void begin_entry() {
+        if (depth_ > 1 || !in_lines_)
+            json_.next();
+        else if (std::exchange(line_is_open_, true))
+            json_.end_line();
+    }
+
+    template <class Number>
+    void put(Number value, bool in_quotes) {
+        if (in_quotes) json_.text += '"';
+        append_json_integer(json_.text, value);
+        if (in_quotes) json_.text += '"';
+    }
+
+    Budget&     budget_;
+    JsonWriter  json_;
+    bool        in_lines_;
+    bool        line_is_open_ = false;
+    std::size_t depth_ = 0;
+};
+
+/// Hands on what stands in the part asked for, without the entries that a reader drops.
+class Picker : public SilentVisitor {
+public:
+    Picker(Walk const& walk, Root const& root, std::ostream& out, DumpOptions const& options,
+           Superseded superseded)
+        : walk_(walk),
+          root_(root),
+          options_(options),
+          match_(walk, options.path),
+          superseded_(std::move(superseded.entries)),
+          repeated_(std::move(superseded.findings)),
+          json_(out, options.form, walk.budget) {
+        dumped.odd_count = superseded_.size();
+        if (options.path.empty()) select(*root.type, 0);
+    }
+
+    void finish() {
+        if (is_selected_) deselect();
+        dumped.found = was_selected_;
+        // The unsafe one stands last and is always told.
+        auto&      findings = dumped.findings;
+        auto const unsafe = [&] { return findings.end() - (dumped.answer == Answer::unsafe); };
+        findings.insert(unsafe(), repeated_.begin(), repeated_.end());
+        std::ranges::stable_sort(findings.begin(), unsafe(), {}, &Finding::offset);
+        auto const listed = static_cast<std::ptrdiff_t>(options_.walk.listed);
+        if (unsafe() - findings.begin() > listed)
+            findings.erase(findings.begin() + listed, unsafe());
+        if (dumped.answer == Answer::good && dumped.odd_count > 0) dumped.answer = Answer::odd;
+        json_.flush();
+    }
+
+    void integer(Type const& type, std::int64_t value) {
+        if (is_on()) json_.integer(type, value);
+    }
+    void natural(Type const& type, std::uint64_t value) {
+        if (is_on()) json_.natural(type, value);
+    }
+    void flag(bool value) {
+        if (is_on()) json_.flag(value);
+    }
+    void number(double value) {
+        if (is_on()) json_.number(value);
+    }
+    void big_integer(std::string_view value) {
+        if (is_on()) json_.big_integer(value);
+    }
+    void ieee_float(std::string_view value, std::int32_t width) {
+        if (is_on()) json_.ieee_float(value, width);
+    }
+    void string(std::string_view value) {
+        if (is_on()) json_.string(value);
+    }
+    void text(std::string_view value) {
+        if (is_on()) json_.text(value);
+    }
+    void enumeration(Type const& type, std::int32_t value) {
+        if (is_on()) json_.enumeration(type, value);
+    }
+    void absent(Type const& type) {
+        if (is_on()) json_.absent(type);
+    }
+    void reference(Type const& type, std::int32_t tag, std::uint64_t word) {
+        if (is_on()) json_.reference(type, tag, word);
+    }
+    void begin(Type const& type, std::uint64_t count) {
+        if (is_on()) json_.begin(type, count);
+    }
+
+    void part(Type const& type, std::uint64_t index) {
+        leave_part();
+        end_skipping();
+        if (!superseded_.empty() && is_container(type) && superseded_.contains(walk_.offset()))
+            skipped_depth_ = std::min(skipped_depth_, walk_.depth());
+        if (is_on()) json_.part(type, index);
+        enter_part(type.kind == Kind::map ? *type.key
+                   : is_container(type)   ? *type.element
+                   : type.parts.empty()   ? type
+                                          : *type.parts[index].type);
+    }
+
+    void entry_value(Type const& type) {
+        leave_part();
+        if (is_on()) json_.entry_value(type);
+        enter_part(*type.element);
+    }
+
+    void end_entry(Type const& type) {
+        leave_part();
+        if (is_on()) json_.end_entry(type);
+    }
+
+    void end(Type const& type) {
+        leave_part();
+        end_skipping();
+        if (is_on()) json_.end(type);
+    }
+
+    void begin_variant(Type const& type, std::int32_t tag, Arm const*) {
+        if (is_on()) json_.begin_variant(type, tag);
+    }
+
+    void payload(Type const& type) {
+        if (is_on()) json_.payload();
+        enter_part(*type.arms[walk_.step().part].payload);
+    }
+
+    void end_variant(Type const&) {
+        leave_part();
+        if (is_on()) json_.end_variant();
+    }
+
+    void end_root() { is_root_over_ = true; }
+
+    template <class Make>
+    void odd(Oddity, Make const& make) {
+        ++dumped.odd_count;
+        if (listed_++ < options_.walk.listed) dumped.findings.push_back(make());
+    }
+
+    void unsafe(Finding const& finding) {
+        dumped.answer = Answer::unsafe;
+        dumped.findings.push_back(finding);
+        if (is_root_over_)
+            behind_value_ = &dumped.findings.back();
+        else if (is_on())
+            json_.mark(finding);
+        else if (is_selected_)
+            json_.mark_entry(finding);
+    }
+
+    Dumped dumped;
+
+private:
+    static constexpr std::size_t no_depth = ~std::size_t{0};
+
+    bool is_on() const { return is_selected_ && skipped_depth_ == no_depth; }
+
+    void select(Type const& type, std::size_t depth) {
+        if (options_.form == Form::lines && !holds_lines(type)) return;
+        is_selected_ = was_selected_ = true;
+        selected_depth_ = depth;
+        json_.start(root_, options_.path);
+    }
+
+    static bool holds_lines(Type const& type) {
+        if (type.kind == Kind::optional || type.kind == Kind::boxed)
+            return holds_lines(*type.element);
+        return is_container(type);
+    }
+
+    void deselect() {
+        is_selected_ = false;
+        json_.finish(behind_value_);
+    }
+
+    void enter_part(Type const& type) {
+        bool const is_searched = !options_.path.empty() && skipped_depth_ == no_depth;
+        if (is_searched && match_.step()) select(type, walk_.depth());
+    }
+
+    // The part that was selected ends where another one of its owner begins, or its owner ends.
+    void leave_part() {
+        bool const is_part = is_selected_ && !options_.path.empty();
+        if (is_part && walk_.depth() <= selected_depth_) deselect();
+    }
+
+    void end_skipping() {
+        bool const is_skipping = skipped_depth_ != no_depth;
+        if (is_skipping && walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
+    }
+
+    Walk const&                   walk_;
+    std::size_t                   listed_ = 0;
+    Root const&                   root_;
+    DumpOptions const&            options_;
+    PathMatch                     match_;
+    decltype(Superseded::entries) superseded_;
+    std::vector<Finding>          repeated_;
+    JsonVisitor                   json_;
+    bool                          is_selected_ = false;
+    bool                          was_selected_ = false;
+    bool                          is_root_over_ = false;
+    Finding const*                behind_value_ = nullptr;
+    std::size_t                   selected_depth_ = 0;
+    std::size_t                   skipped_depth_ = no_depth;
+};
+
+Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
+                    DumpOptions const& options, Superseded superseded, Budget& budget) {
+    Walk   walk(bytes, options.walk.walk(), budget);
+    Picker picker(walk, root, out, options, std::move(superseded));
+    try {
+        Walker(walk, picker).run(*root.type);
+        picker.finish();
+    } catch (OutputEnded const&) {
+        // The caller sees it by the stream; what has been found up to there is told.
+    }
+    return std::move(picker.dumped);
+}
+
+/// Of bytes that are within the limits, what a reader keeps is, too, but for an empty text that
+/// takes the place of an id that was never told.
+Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
+                 DumpOptions const& options, Budget& budget) {
+    constexpr auto most = std::numeric_limits<std::uint64_t>::max();
+    DumpOptions    unlimited = options;
+    unlimited.walk.limits = {
+        .depth = options.walk.limits.depth, .elements = most, .text_bytes = most, .memory = most};
+    auto const kept = bytes_kept(root, bytes, options.walk, budget);
+    return dump_entries(root, kept, out, unlimited, Superseded(&budget), budget);
+}
+
+}  // namespace
+
+Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
+            DumpOptions const& options) {
+    Budget     budget(options.walk.limits.own_memory);
+    Superseded superseded = superseded_entries(root, bytes, options.walk, budget);
+    bool const are_read_over = superseded.are_read_over;
+    Verdict    verdict;
+    if (are_read_over) {
+        verdict = verify(root, bytes, options.walk);
+        if (verdict.answer != Answer::unsafe) {
+            bool const found = dump_kept(root, bytes, out, options, budget).found;
+            return {verdict.answer, verdict.odd_count, std::move(verdict.findings), found};
+        }
+    }
+    Dumped dumped = dump_entries(root, bytes, out, options, std::move(superseded), budget);
+    // What only verify judges: the comparisons of a reader.
+    if (are_read_over && dumped.answer != Answer::unsafe) {
+        dumped.answer = Answer::unsafe;
+        dumped.findings.push_back(verdict.findings.back());
+    }
+    return dumped;
+}
+
+}  // namespace sml::inspect

@@ -1,0 +1,43 @@
+#include <sml/inspect/quote.hpp>
+
+#include <sml/inspect/utf8.hpp>
+
+#include <cstdint>
+
+namespace sml::inspect {
+
+namespace {
+
+std::string hex_byte(char byte) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    auto const     value = static_cast<std::uint8_t>(byte);
+    return {digits[value >> 4], digits[value & 15]};
+}
+
+bool is_printable(char byte) { return byte >= ' ' && byte <= '~'; }
+
+}  // namespace
+
+std::string quoted(std::string_view text, std::size_t longest) {
+    std::string      result = "\"";
+    std::string_view rest = text.substr(0, longest);
+    while (!rest.empty()) {
+        auto const [code, length, valid] = first_character(rest);
+        if (!valid || is_obeyed_by_terminals(code)) {
+            for (char const byte : rest.substr(0, length)) result += "\\x" + hex_byte(byte);
+        } else {
+            if (code == '"' || code == '\\') result += '\\';
+            result += rest.substr(0, length);
+        }
+        rest.remove_prefix(length);
+    }
+    result += '"';
+    if (text.size() > longest) result += "... (" + std::to_string(text.size()) + " bytes)";
+    return result;
+}
+
+std::string byte_text(char byte) {
+    return is_printable(byte) ? std::string("'") + byte + "'" : "0x" + hex_byte(byte);
+}
+
+}  // namespace sml::inspect

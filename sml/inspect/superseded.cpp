@@ -1,0 +1,132 @@
+#include <sml/inspect/superseded.hpp>
+
+#include <sml/inspect/key_table.hpp>
+#include <sml/inspect/walker.hpp>
+
+#include <memory_resource>
+#include <unordered_map>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace {
+
+using Suspects = std::pmr::unordered_set<std::uint64_t>;  // seeded hashes
+
+// First half of the search: the hashes that two keys of one container may share, found by 32 bits
+// of each. A false one does no harm.
+class Suspecting : public SilentVisitor {
+public:
+    explicit Suspecting(std::pmr::memory_resource* memory) : suspects(memory), tables_(memory) {}
+
+    static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
+
+    void open_keys(Type const&, std::uint64_t count) {
+        if (open_ == tables_.size()) tables_.emplace_back();
+        tables_[open_++].assign(slots_for(count), 0);
+    }
+
+    void close_keys() { close_slots(tables_[--open_]); }
+
+    bool add_key(Type const&, std::uint64_t, std::uint64_t hash) {
+        if (hash == Walk::no_hash) return true;
+        auto&      table = tables_[open_ - 1];
+        auto const mark = static_cast<std::uint32_t>(hash) | 1;
+        for (std::size_t i = first_slot(hash, table.size());;
+             i = i + 1 == table.size() ? 0 : i + 1) {
+            if (table[i] == mark) suspects.insert(hash);
+            if (table[i] == mark || table[i] == 0) {
+                table[i] = mark;
+                return true;
+            }
+        }
+    }
+
+    Suspects suspects;
+
+private:
+    std::pmr::vector<std::pmr::vector<std::uint32_t>> tables_;  // 0: a free slot
+    std::size_t                                       open_ = 0;
+};
+
+// Second half: exact, for the keys with a suspect hash.
+class Settling : public SilentVisitor {
+public:
+    Settling(Walk const& walk, Suspects suspects, std::size_t listed)
+        : found(&walk.budget),
+          walk_(walk),
+          suspects_(std::move(suspects)),
+          listed_(listed),
+          open_(&walk.budget) {}
+
+    static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
+
+    void open_keys(Type const& type, std::uint64_t) {
+        open_.push_back({&type, Container::Keys(&walk_.budget)});
+    }
+    void close_keys() { open_.pop_back(); }
+
+    bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
+        if (hash == Walk::no_hash || !suspects_.contains(hash)) return true;
+        auto& keys = open_.back().keys;
+        auto [known, end] = keys.equal_range(hash);
+        while (known != end && !walk_.same_key(key, known->second, offset)) ++known;
+        if (known == end) {
+            keys.emplace(hash, offset);
+            return true;
+        }
+        Type const& table = *open_.back().type;
+        // The later one is compared with from now on: no long number is read again and again.
+        std::uint64_t const earlier = std::exchange(known->second, offset);
+        if (!table.last_wins) {
+            found.entries.insert(offset);
+            return false;
+        }
+        found.entries.insert(earlier);
+        bool const is_word =
+            table.element->is_plain_word() || table.element->kind == Kind::enumeration;
+        found.are_read_over = found.are_read_over || !is_word;
+        return false;
+    }
+
+    template <class Make>
+    void odd(Oddity oddity, Make const& make) {
+        if (oddity == Oddity::repeated && found.findings.size() < listed_)
+            found.findings.push_back(make());
+    }
+
+    Superseded found;
+
+private:
+    struct Container {
+        using Keys = std::pmr::unordered_multimap<std::uint64_t, std::uint64_t>;
+
+        Type const* type;
+        Keys        keys;  // offsets by hash
+    };
+
+    Walk const&                 walk_;
+    Suspects                    suspects_;
+    std::size_t                 listed_;
+    std::pmr::vector<Container> open_;
+};
+
+}  // namespace
+
+Superseded superseded_entries(Root const& root, std::string_view bytes,
+                              VerifyOptions const& options, Budget& budget) {
+    Suspecting suspecting(&budget);
+    {
+        Walk walk(bytes, options.walk(), budget);
+        Walker(walk, suspecting).run(*root.type);
+    }
+    if (suspecting.suspects.empty()) return Superseded(&budget);
+    Walk     walk(bytes, options.walk(), budget);
+    Settling settling(walk, std::move(suspecting.suspects), options.listed);
+    Walker(walk, settling).run(*root.type);
+    return std::move(settling.found);
+}
+
+}  // namespace sml::inspect

@@ -1,0 +1,135 @@
+#include <sml/inspect/verify.hpp>
+
+#include <sml/inspect/key_table.hpp>
+#include <sml/inspect/walker.hpp>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace sml::inspect {
+
+namespace {
+
+class Verifier : public SilentVisitor {
+public:
+    Verifier(Walk& walk, std::size_t listed)
+        : walk_(walk), listed_(listed), keys_(&walk.budget), model_(&walk.budget) {
+        walk.strings.model_reader(model_);
+    }
+
+    static constexpr bool compares_keys = true;
+    static constexpr bool hears_values = false;
+
+    void open_keys(Type const& type, std::uint64_t count) {
+        keys_.open(count);
+        model_.open_table(type, count);
+    }
+    void close_keys() {
+        keys_.close();
+        model_.close_table();
+    }
+    /// The reader's own where the model is told of it: the key is known by it here, too.
+    std::uint64_t key_hash(Walk const&, Type const& key, std::uint64_t offset) const {
+        if (!model_.counts_keys()) return walk_.key_hash(key, offset);
+        auto const readers = walk_.readers_key_hash(key, offset);
+        return readers.equals_none ? Walk::no_hash : masked(readers.hash);
+    }
+
+    [[gnu::always_inline]] void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
+
+    bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
+        bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
+        if (model_.counts_keys()) model_.use_key(readers_hash(key, offset, hash), is_new);
+        return is_new;
+    }
+
+    void end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
+
+    std::uint64_t work() const {
+        return model_.comparisons + keys_.comparisons() + walk_.strings.comparisons() +
+               texts_compared_;
+    }
+
+    template <class Make>
+    void odd(Oddity oddity, Make const& make) {
+        if (verdict.odd_count < listed_) verdict.findings.push_back(make());
+        ++verdict.odd_count;
+        if (oddity != Oddity::unknown && !verdict.reason_against_encoding)
+            verdict.reason_against_encoding = make();
+    }
+
+    void unsafe(Finding const& finding) {
+        verdict.answer = Answer::unsafe;
+        if (!verdict.reason_against_encoding) verdict.reason_against_encoding = finding;
+        unsafe_ = finding;
+    }
+
+    /// Puts the findings in order: a key is judged behind its value, even one that is unsafe.
+    void finish() {
+        std::ranges::stable_sort(verdict.findings, {}, &Finding::offset);
+        if (unsafe_) verdict.findings.push_back(*unsafe_);
+    }
+
+    Verdict verdict;
+
+private:
+    /// And back. No bytes can be made whose hash becomes `Walk::no_hash`.
+    static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
+
+    std::uint64_t readers_hash(Type const& key, std::uint64_t offset, std::uint64_t hash) const {
+        return hash != Walk::no_hash ? masked(hash) : walk_.readers_key_hash(key, offset).hash;
+    }
+
+    std::uint64_t seeded(std::uint64_t hash) const {
+        return model_.counts_keys() ? seeded_hash(hash, 0) : hash;
+    }
+
+    Walk const& walk_;
+    std::size_t listed_;
+    KeyTable    keys_;
+    ReaderModel model_;
+
+    std::uint64_t texts_compared_ = 0;
+
+    std::optional<Finding> unsafe_;
+};
+
+// Good before odd before unsafe, and of unsafe ones the one whose walk came further.
+bool fits_better(Candidate const& a, Candidate const& b) {
+    if (a.answer != b.answer) return a.answer < b.answer;
+    return a.answer == Answer::unsafe && a.walked > b.walked;
+}
+
+}  // namespace
+
+Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options) {
+    Budget   budget(options.limits.own_memory);
+    Walk     walk(bytes, options.walk(), budget);
+    Verifier verifier(walk, options.listed);
+    Walker(walk, verifier).run(*root.type);
+
+    Verdict& verdict = verifier.verdict;
+    verifier.finish();
+    if (verdict.answer != Answer::unsafe && verdict.odd_count > 0) verdict.answer = Answer::odd;
+    verdict.walked = walk.offset();
+    verdict.heap = walk.heap.peak();
+    verdict.work = verifier.work();
+    verdict.elements = walk.elements;
+    verdict.strings = walk.strings.told();
+    return std::move(verdict);
+}
+
+std::vector<Candidate> identify(std::string_view bytes, VerifyOptions const& options) {
+    VerifyOptions unlisted = options;
+    unlisted.listed = 0;
+    std::vector<Candidate> all;
+    for (Root const& root : roots()) {
+        Verdict const verdict = verify(root, bytes, unlisted);
+        all.push_back({&root, verdict.answer, verdict.walked});
+    }
+    std::ranges::stable_sort(all, fits_better);
+    return all;
+}
+
+}  // namespace sml::inspect

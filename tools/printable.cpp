@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 namespace bradep {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/canonical.hpp>
-#include <sml/inspect/double_text.hpp>
+#include <sml/inspect/text/double_text.hpp>
 #include "command.hpp"
 #include "errors.hpp"
 #include "json_line.hpp"

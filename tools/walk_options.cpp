@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include <sml/inspect/characters.hpp>
-#include <sml/inspect/nearest.hpp>
+#include <sml/inspect/text/characters.hpp>
+#include <sml/inspect/text/nearest.hpp>
 #include "printable.hpp"
 
 namespace bradep {

@@ -1,7 +1,7 @@
 #include <sml/inspect/canonical.hpp>
 
 #include <sml/inspect/sha256.hpp>
-#include <sml/inspect/walker.hpp>
+#include <sml/inspect/walk/walker.hpp>
 
 #include <algorithm>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // Descriptors from declarations: `describe<T>()`.
 
 #include <sml/core/kinds.hpp>
-#include <sml/inspect/heap_chunk.hpp>
+#include <sml/inspect/reader/heap_chunk.hpp>
 #include <sml/inspect/type.hpp>
 
 #include <algorithm>

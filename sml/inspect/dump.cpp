@@ -1,10 +1,10 @@
 #include <sml/inspect/dump.hpp>
 
-#include <sml/inspect/json_writer.hpp>
-#include <sml/inspect/path_match.hpp>
 #include <sml/inspect/read_over.hpp>
 #include <sml/inspect/superseded.hpp>
-#include <sml/inspect/walker.hpp>
+#include <sml/inspect/text/json_writer.hpp>
+#include <sml/inspect/walk/path_match.hpp>
+#include <sml/inspect/walk/walker.hpp>
 
 #include <algorithm>
 #include <iterator>

@@ -1,15 +1,15 @@
 #include <sml/inspect/encode.hpp>
 
-#include <sml/inspect/double_text.hpp>
-#include <sml/inspect/hashing.hpp>
-#include <sml/inspect/json_reader.hpp>
-#include <sml/inspect/json_text.hpp>
-#include <sml/inspect/memory.hpp>
-#include <sml/inspect/nearest.hpp>
-#include <sml/inspect/number_text.hpp>
 #include <sml/inspect/patched_output.hpp>
-#include <sml/inspect/path.hpp>
-#include <sml/inspect/quote.hpp>
+#include <sml/inspect/text/double_text.hpp>
+#include <sml/inspect/text/json_reader.hpp>
+#include <sml/inspect/text/json_text.hpp>
+#include <sml/inspect/text/nearest.hpp>
+#include <sml/inspect/text/number_text.hpp>
+#include <sml/inspect/text/quote.hpp>
+#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/walk/path.hpp>
+#include <sml/inspect/wire/hashing.hpp>
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include <sml/inspect/read_over.hpp>
 
-#include <sml/inspect/walker.hpp>
+#include <sml/inspect/walk/walker.hpp>
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include <sml/inspect/schema_json.hpp>
 
-#include <sml/inspect/json_writer.hpp>
 #include <sml/inspect/sha256.hpp>
+#include <sml/inspect/text/json_writer.hpp>
 
 #include <algorithm>
 #include <array>

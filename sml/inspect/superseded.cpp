@@ -1,7 +1,7 @@
 #include <sml/inspect/superseded.hpp>
 
-#include <sml/inspect/key_table.hpp>
-#include <sml/inspect/walker.hpp>
+#include <sml/inspect/keys/key_table.hpp>
+#include <sml/inspect/walk/walker.hpp>
 
 #include <memory_resource>
 #include <unordered_map>

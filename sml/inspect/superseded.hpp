@@ -2,10 +2,10 @@
 // Entries that a reader drops because their container has another one with an equal key.
 
 #include <sml/inspect/finding.hpp>
-#include <sml/inspect/hashing.hpp>
-#include <sml/inspect/memory.hpp>
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/verify.hpp>
+#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/wire/hashing.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -9,7 +9,7 @@
 #include <functional>
 #include <string_view>
 
-#include <sml/inspect/reader_model.hpp>
+#include <sml/inspect/reader/reader_model.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
 #include "result_mapping.hpp"

@@ -1,4 +1,4 @@
-#include <sml/inspect/double_text.hpp>
+#include <sml/inspect/text/double_text.hpp>
 
 #include "tests/core/comma_locale.hpp"
 

@@ -1,4 +1,4 @@
-#include <sml/inspect/number_text.hpp>
+#include <sml/inspect/text/number_text.hpp>
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/random_values.hpp"

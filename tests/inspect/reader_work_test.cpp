@@ -3,7 +3,7 @@
 #include <sml/bindings/bindings.hpp>
 #include <sml/core/kinds.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/walker.hpp>
+#include <sml/inspect/walk/walker.hpp>
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 // The heap that a reader needs, estimated while the bytes are walked: never less than it takes, as
 // the standard library, the number libraries and the allocator of this platform give it out.
 
-#include <sml/inspect/heap_chunk.hpp>
-#include <sml/inspect/table_model.hpp>
+#include <sml/inspect/reader/heap_chunk.hpp>
+#include <sml/inspect/reader/table_model.hpp>
 #include <sml/inspect/type.hpp>
 
 #include <algorithm>

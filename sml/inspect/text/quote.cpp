@@ -1,6 +1,6 @@
-#include <sml/inspect/quote.hpp>
+#include <sml/inspect/text/quote.hpp>
 
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 #include <cstdint>
 

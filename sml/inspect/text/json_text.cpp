@@ -1,7 +1,7 @@
-#include <sml/inspect/json_text.hpp>
+#include <sml/inspect/text/json_text.hpp>
 
 #include <sml/core/big_integer.hpp>
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 #include <gmp.h>
 

@@ -1,7 +1,7 @@
-#include <sml/inspect/number_text.hpp>
+#include <sml/inspect/text/number_text.hpp>
 
 #include <sml/core/text_blocks.hpp>
-#include <sml/inspect/characters.hpp>
+#include <sml/inspect/text/characters.hpp>
 
 #include <locale.h>
 #include <algorithm>

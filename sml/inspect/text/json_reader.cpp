@@ -1,7 +1,7 @@
-#include <sml/inspect/json_reader.hpp>
+#include <sml/inspect/text/json_reader.hpp>
 
-#include <sml/inspect/quote.hpp>
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/quote.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 #include <algorithm>
 #include <charconv>

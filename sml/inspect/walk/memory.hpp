@@ -2,7 +2,7 @@
 // The memory that a call takes for work of its own: counted, and refused beyond a budget.
 
 #include <sml/inspect/finding.hpp>
-#include <sml/inspect/heap_chunk.hpp>
+#include <sml/inspect/reader/heap_chunk.hpp>
 
 #include <cstddef>
 #include <cstdint>

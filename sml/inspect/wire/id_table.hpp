@@ -2,7 +2,7 @@
 // The string ids that come out of sequence: which of them were used before they were told, and the
 // numbers that the user of this table has for the others.
 
-#include <sml/inspect/hashing.hpp>
+#include <sml/inspect/wire/hashing.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,9 @@
 #pragma once
 // The strings that a walk has met, by id and by text: 16 bytes a text, and 11 to 21 for the index.
 
-#include <sml/inspect/hashing.hpp>
-#include <sml/inspect/id_table.hpp>
-#include <sml/inspect/reader_model.hpp>
+#include <sml/inspect/reader/reader_model.hpp>
+#include <sml/inspect/wire/hashing.hpp>
+#include <sml/inspect/wire/id_table.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -4,11 +4,11 @@
 // It builds no objects and takes nothing beyond the bytes; it is the only code that reads bytes of
 // unknown origin. The first unsafe finding ends the pass; the ends of what is open are still told.
 
-#include <sml/inspect/characters.hpp>
-#include <sml/inspect/double_text.hpp>
-#include <sml/inspect/number_text.hpp>
-#include <sml/inspect/quote.hpp>
-#include <sml/inspect/walk.hpp>
+#include <sml/inspect/text/characters.hpp>
+#include <sml/inspect/text/double_text.hpp>
+#include <sml/inspect/text/number_text.hpp>
+#include <sml/inspect/text/quote.hpp>
+#include <sml/inspect/walk/walk.hpp>
 
 #include <cstring>
 #include <string>

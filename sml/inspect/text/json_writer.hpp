@@ -1,7 +1,7 @@
 #pragma once
 // JSON as it goes out, with its commas, and with line breaks where it is pretty.
 
-#include <sml/inspect/json_text.hpp>
+#include <sml/inspect/text/json_text.hpp>
 
 #include <cstddef>
 #include <ostream>

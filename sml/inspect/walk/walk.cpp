@@ -1,9 +1,9 @@
-#include <sml/inspect/walk.hpp>
+#include <sml/inspect/walk/walk.hpp>
 
 #include <sml/core/hash.hpp>
-#include <sml/inspect/number_text.hpp>
-#include <sml/inspect/path.hpp>
-#include <sml/inspect/quote.hpp>
+#include <sml/inspect/text/number_text.hpp>
+#include <sml/inspect/text/quote.hpp>
+#include <sml/inspect/walk/path.hpp>
 
 #include <algorithm>
 #include <charconv>

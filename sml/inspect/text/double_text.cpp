@@ -1,6 +1,6 @@
-#include <sml/inspect/double_text.hpp>
+#include <sml/inspect/text/double_text.hpp>
 
-#include <sml/inspect/characters.hpp>
+#include <sml/inspect/text/characters.hpp>
 
 #include <locale.h>
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-#include <sml/inspect/key_table.hpp>
+#include <sml/inspect/keys/key_table.hpp>
 
 #include <algorithm>
 

@@ -1,8 +1,6 @@
 #pragma once
 // Which of the names somebody may have meant.
 
-#include <sml/core/export.hpp>
-
 #include <algorithm>
 #include <cstddef>
 #include <numeric>

@@ -2,10 +2,10 @@
 // Where a walk stands in bytes: what all walks share, whatever they tell to whom.
 
 #include <sml/inspect/finding.hpp>
-#include <sml/inspect/memory.hpp>
-#include <sml/inspect/reader_heap.hpp>
-#include <sml/inspect/string_table.hpp>
+#include <sml/inspect/reader/reader_heap.hpp>
 #include <sml/inspect/type.hpp>
+#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/wire/string_table.hpp>
 
 #include <atomic>
 #include <cstddef>

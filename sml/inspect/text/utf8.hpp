@@ -1,8 +1,6 @@
 #pragma once
 // Strict UTF-8: overlong forms and surrogates are no characters.
 
-#include <sml/core/export.hpp>
-
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,12 +16,12 @@ struct Character {
 
 /// The character that `text`, which is not empty, starts with. A byte that belongs to no
 /// well-formed sequence stands for itself.
-SML_API Character first_character(std::string_view text);
+Character first_character(std::string_view text);
 
 /// Adds a character to UTF-8.
-SML_API void append_character(std::string& text, std::uint32_t code);
+void append_character(std::string& text, std::uint32_t code);
 
 /// Control characters, marks that turn the direction of writing, line and paragraph separators.
-SML_API bool is_obeyed_by_terminals(std::uint32_t code);
+bool is_obeyed_by_terminals(std::uint32_t code);
 
 }  // namespace sml::inspect

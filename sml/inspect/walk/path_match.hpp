@@ -1,7 +1,7 @@
 #pragma once
 // Follows a walk to the part that a path names.
 
-#include <sml/inspect/walk.hpp>
+#include <sml/inspect/walk/walk.hpp>
 
 #include <cstddef>
 #include <string>

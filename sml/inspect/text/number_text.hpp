@@ -2,8 +2,7 @@
 // Integers and floats as they stand on the wire, judged without the process's locale and without
 // leaving a trace in MPFR's exponent range.
 
-#include <sml/core/export.hpp>
-#include <sml/inspect/characters.hpp>
+#include <sml/inspect/text/characters.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +12,7 @@
 namespace sml::inspect {
 
 /// Whether all of a text is hexadecimal digits in lower case.
-SML_API bool are_digits(std::string_view text);
+bool are_digits(std::string_view text);
 
 /// Whether a block is exactly what the writer prints for the integer that is read from it. Faster
 /// where so many bytes from its start on can be read, as there may be more behind it.
@@ -49,17 +48,17 @@ inline std::string_view written_digits(std::string_view block) {
 
 /// Whether a reader takes a number from this block; else what it reads over stays as it was. That
 /// is digits up to the first zero byte, with white space anywhere but behind the sign.
-SML_API bool is_integer(std::string_view block);
+bool is_integer(std::string_view block);
 
 /// The integer that a reader has after this block, as the writer prints it but without the zero
 /// bytes; 0 where the block is no number. Takes memory for its digits.
-SML_API std::string integer_of(std::string_view block);
+std::string integer_of(std::string_view block);
 
 /// An integer's block from its hexadecimal digits as the writer prints them.
-SML_API std::string written_integer(std::string_view hexadecimal);
+std::string written_integer(std::string_view hexadecimal);
 
 /// Whether a float format has this width.
-SML_API bool is_float_width(std::int32_t width);
+bool is_float_width(std::int32_t width);
 
 /// The decimal point of floats in a process with this one: only a single character is used.
 inline char float_point(std::string_view point) { return point.size() == 1 ? point.front() : '.'; }
@@ -67,17 +66,17 @@ inline char float_point(std::string_view point) { return point.size() == 1 ? poi
 /// Whether a block is exactly what the writer prints, with this decimal point, for the float that
 /// is read from it. The width is one of the seven. Faster where so many bytes from its start on can
 /// be read.
-SML_API bool is_written_float(std::string_view block, std::int32_t width, std::size_t readable,
-                              char point = '.');
-inline bool  is_written_float(std::string_view block, std::int32_t width) {
-     return is_written_float(block, width, block.size());
+bool        is_written_float(std::string_view block, std::int32_t width, std::size_t readable,
+                             char point = '.');
+inline bool is_written_float(std::string_view block, std::int32_t width) {
+    return is_written_float(block, width, block.size());
 }
 
 /// A float's block with a dot for the decimal point.
-SML_API std::string with_dot(std::string_view block, char point);
+std::string with_dot(std::string_view block, char point);
 
 /// The float that a process with this decimal point reads from a block, as the writer prints it
 /// with a dot. The number library takes twice the memory of the block.
-SML_API std::string float_of(std::string_view block, std::int32_t width, char point = '.');
+std::string float_of(std::string_view block, std::int32_t width, char point = '.');
 
 }  // namespace sml::inspect

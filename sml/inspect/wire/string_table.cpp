@@ -1,4 +1,4 @@
-#include <sml/inspect/string_table.hpp>
+#include <sml/inspect/wire/string_table.hpp>
 
 #include <bit>
 #include <utility>

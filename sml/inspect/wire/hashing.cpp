@@ -1,4 +1,4 @@
-#include <sml/inspect/hashing.hpp>
+#include <sml/inspect/wire/hashing.hpp>
 
 #include <chrono>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
 // The keys of the containers that are open in a walk, to find one that is there already.
 
-#include <sml/inspect/walk.hpp>
+#include <sml/inspect/walk/walk.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 namespace sml::inspect {
 

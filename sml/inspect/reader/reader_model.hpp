@@ -2,7 +2,7 @@
 // The comparisons of keys that a reader makes in its hash tables, counted while the bytes are
 // walked.
 
-#include <sml/inspect/table_model.hpp>
+#include <sml/inspect/reader/table_model.hpp>
 #include <sml/inspect/type.hpp>
 
 #include <bits/hash_bytes.h>

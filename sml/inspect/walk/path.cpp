@@ -1,4 +1,4 @@
-#include <sml/inspect/path.hpp>
+#include <sml/inspect/walk/path.hpp>
 
 namespace sml::inspect {
 

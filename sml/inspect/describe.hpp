@@ -219,6 +219,40 @@ constexpr bool passes_at_a_glance(Kind kind) {
            kind == Kind::set || kind == Kind::map;
 }
 
+template <class T, bool is_hashed>
+consteval bool is_key();
+
+template <bool is_hashed, class... T>
+consteval bool are_keys(Types<T...>) {
+    return (is_key<T, is_hashed>() && ...);
+}
+
+template <class V, bool is_hashed, std::int32_t... Index>
+consteval bool are_arms_of_key(std::integer_sequence<std::int32_t, Index...>) {
+    return (is_key<typename V::arms::template payload<Index>, is_hashed>() && ...);
+}
+
+/// Whether the keys of sets and maps may have this type, or an arm of such a key this payload:
+/// `take_key` takes it apart. Floating point equals itself in ways of its own, and no key holds
+/// containers, boxes, references or rows of flags. Of hashed ones the readers' hash is known.
+template <class T, bool is_hashed>
+consteval bool is_key() {
+    using namespace core;
+    if constexpr (std::is_void_v<T>)
+        return true;
+    else if constexpr (Leaf<T>)
+        return !std::is_same_v<T, double> && !std::is_same_v<T, zelvanite::IEEE754Float>;
+    else if constexpr (Optional<T>)
+        return !is_hashed && is_key<typename T::value_type, is_hashed>();
+    else if constexpr (HasParts<T>)
+        return are_keys<is_hashed>(PartTypes<T>{});
+    else if constexpr (kind_of<T>() == Kind::variant)
+        return are_arms_of_key<T, is_hashed>(
+            std::make_integer_sequence<std::int32_t, T::arms::count>{});
+    else
+        return false;
+}
+
 /// Takes parts apart. There is room for all of them and for the end.
 template <std::size_t Size>
 struct FlatParts {
@@ -339,9 +373,11 @@ constexpr Type make() {
     } else if constexpr (Boxed<T>) {
         type.element = &Described<BoxedType<T>>::type;
     } else if constexpr (Set<T>) {
+        static_assert(is_key<typename T::key_type, HashSet<T>>(), "these can't be keys");
         type.element = &Described<typename T::value_type>::type;
         type.hashed = HashSet<T>;
     } else if constexpr (Map<T>) {
+        static_assert(is_key<typename T::key_type, HashMap<T>>(), "these can't be keys");
         type.key = &Described<typename T::key_type>::type;
         type.element = &Described<typename T::mapped_type>::type;
         type.hashed = HashMap<T>;

@@ -1,5 +1,6 @@
 #include <sml/inspect/encode.hpp>
 
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/patched_output.hpp>
 #include <sml/inspect/text/double_text.hpp>
 #include <sml/inspect/text/json_reader.hpp>
@@ -7,7 +8,6 @@
 #include <sml/inspect/text/nearest.hpp>
 #include <sml/inspect/text/number_text.hpp>
 #include <sml/inspect/text/quote.hpp>
-#include <sml/inspect/walk/memory.hpp>
 #include <sml/inspect/walk/path.hpp>
 #include <sml/inspect/wire/hashing.hpp>
 
@@ -97,12 +97,12 @@ private:
             case Kind::uint32: word<std::uint32_t>(small_integer<std::uint32_t>()); return;
             case Kind::int64: word<std::int64_t>(large_integer<std::int64_t>()); return;
             case Kind::uint64: word<std::uint64_t>(large_integer<std::uint64_t>()); return;
-            case Kind::flag: flag(json_.boolean()); return;
+            case Kind::flag: boolean(); return;
             case Kind::number: block(number()); return;
             case Kind::big_integer: big_integer(); return;
             case Kind::ieee_float: ieee_float(); return;
             case Kind::string: string(); return;
-            case Kind::text: block(json_.string("a string")); return;
+            case Kind::text: text(); return;
             case Kind::enumeration: enumeration(type); return;
             default: reference(type); return;
         }
@@ -139,15 +139,15 @@ private:
 
     [[gnu::noinline]] void record(Type const& type) {
         json_.open('{', "an object");
-        begin_key_parts();
+        show_key("(");
         for (std::uint64_t i = 0; i < type.parts.size(); ++i) {
             take_field(type, i);
             steps_.back().part = i;
-            next_key_part(i);
+            if (i > 0) show_key(",");
             value(*type.parts[i].type);
             steps_.back().part = Step::nowhere;
         }
-        end_key_parts();
+        show_key(")");
         json_.close('}', "no more fields");
     }
 
@@ -167,15 +167,15 @@ private:
 
     [[gnu::noinline]] void tuple(Type const& type) {
         json_.open('[', "an array of " + std::to_string(type.parts.size()));
-        begin_key_parts();
+        show_key("(");
         for (std::uint64_t i = 0; i < type.parts.size(); ++i) {
             take_element(type.parts.size());
             steps_.back().part = i;
-            next_key_part(i);
+            if (i > 0) show_key(",");
             value(*type.parts[i].type);
             steps_.back().part = Step::nowhere;
         }
-        end_key_parts();
+        show_key(")");
         json_.close(']', "no more than " + std::to_string(type.parts.size()) + " elements");
     }
 
@@ -184,7 +184,7 @@ private:
         for (std::uint32_t i = 0; i < type.flag_count; ++i) {
             take_element(type.flag_count);
             steps_.back().part = i;
-            flag(json_.boolean());
+            boolean();
             steps_.back().part = Step::nowhere;
         }
         json_.close(']', "no more than " + std::to_string(type.flag_count) + " elements");
@@ -252,14 +252,12 @@ private:
         std::int32_t const tag = arm(type);
         word(tag);
         Arm const* const serving = type.serving(tag);
-        if (in_key_) {
-            key_is_unequal_ = key_is_unequal_ || tag < 0;
-            if (type.knows_tag(tag)) add_key_text(serving->name);
-        }
+        key_is_unequal_ = key_is_unequal_ || tag < 0;
+        if (type.knows_tag(tag)) show_key(serving->name);
         if (serving != nullptr && serving->payload != nullptr) {
             take_member("args");
             steps_.back().part = static_cast<std::uint64_t>(serving - type.arms.data());
-            if (in_key_) add_key_text(" ");
+            show_key(" ");
             value(*serving->payload);
             steps_.back().part = Step::nowhere;
         }
@@ -315,7 +313,7 @@ private:
         auto const name = json_.string("the name of an enumerator");
         auto const found = std::ranges::find(type.enumerators, name);
         if (found != type.enumerators.end()) {
-            if (in_key_) add_key_text(name);
+            show_key(name);
             return word(static_cast<std::int32_t>(found - type.enumerators.begin()));
         }
         auto const nearest =
@@ -335,6 +333,7 @@ private:
     void optional(Type const& type) {
         bool const is_present = !json_.take_null();
         flag(is_present);
+        if (!is_present) show_key("null");
         if (is_present) value(*type.element);
     }
 
@@ -350,7 +349,7 @@ private:
                        "an integer from " + std::to_string(std::numeric_limits<Word>::min()) +
                            " to " + std::to_string(std::numeric_limits<Word>::max()),
                        shown_number(text));
-        mix(*number);
+        if (in_key_) show_key(std::to_string(*number));
         return static_cast<Word>(*number);
     }
 
@@ -366,7 +365,7 @@ private:
                        "an integer from " + std::to_string(std::numeric_limits<Word>::min()) +
                            " to " + std::to_string(std::numeric_limits<Word>::max()),
                        quoted(text));
-        mix(number);
+        if (in_key_) show_key(std::to_string(number));
         return number;
     }
 
@@ -379,7 +378,7 @@ private:
             json_.fail(at, "an integer", quoted(text));
         Budget::Hold const held(budget_, memory_for_conversion(text.size()));
         std::string const  hexadecimal = hexadecimal_of(text);
-        if (in_key_) add_key_text(hexadecimal);
+        show_key(hexadecimal);
         block(written_integer(hexadecimal));
     }
 
@@ -421,13 +420,27 @@ private:
         std::size_t const at = json_.offset();
         auto              text = json_.string("a string");
         judge_length(at, text.size());
-        if (in_key_) add_key_string(text);
+        if (in_key_) show_key(quoted(text));
         auto const [known, is_new] = ids_.try_emplace(std::move(text), 0);
-        if (!is_new) return word(known->second);
+        if (in_key_) add_to_key_block(known->first);
+        if (!is_new) return out_.append_word(known->second);
         if (ids_.size() > longest_block) json_.fail(at, "fewer strings", "one more");
         known->second = static_cast<std::int32_t>(ids_.size());
-        word(-known->second);
-        block(known->first);
+        out_.append_word(-known->second);
+        out_.append_word(static_cast<std::int32_t>(known->first.size()));
+        out_.append(known->first);
+    }
+
+    void text() {
+        auto const text = json_.string("a string");
+        if (in_key_) show_key(quoted(text));
+        block(text);
+    }
+
+    void boolean() {
+        bool const is_true = json_.boolean();
+        show_key(is_true ? "true" : "false");
+        flag(is_true);
     }
 
     void judge_length(std::size_t at, std::uint64_t length) const {
@@ -442,41 +455,33 @@ private:
         return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
     }
 
-    void add_key_text(std::string_view text) {
-        whole_key_ += text;
-        shown_key_ += text;
-    }
-    void add_key_string(std::string_view text) {
-        (whole_key_ += std::to_string(text.size())) += ':';
-        whole_key_ += text;
-        shown_key_ += quoted(text);
-    }
-
-    void flag(bool is_true) { out_.append(is_true ? "T" : "F"); }
+    // What is written, but for strings, goes through these. A key is its bytes with the texts of
+    // strings in place of their ids.
+    void flag(bool is_true) { append(is_true ? "T" : "F"); }
 
     template <class Word>
     void word(Word word) {
-        out_.append_word(word);
+        append({reinterpret_cast<char const*>(&word), sizeof word});
     }
 
     void block(std::string_view bytes) {
         judge_length(json_.offset(), bytes.size());
         word(static_cast<std::int32_t>(bytes.size()));
-        out_.append(bytes);
+        append(bytes);
     }
 
-    template <class Number>
-    void mix(Number number) {
-        if (in_key_) add_key_text(std::to_string(number));
+    void append(std::string_view bytes) {
+        out_.append(bytes);
+        if (in_key_) whole_key_ += bytes;
     }
-    void begin_key_parts() {
-        if (in_key_) add_key_text("(");
+
+    void add_to_key_block(std::string_view text) {
+        auto const size = static_cast<std::uint32_t>(text.size());
+        whole_key_.append(reinterpret_cast<char const*>(&size), sizeof size) += text;
     }
-    void next_key_part(std::uint64_t index) {
-        if (in_key_ && index > 0) add_key_text(",");
-    }
-    void end_key_parts() {
-        if (in_key_) add_key_text(")");
+
+    void show_key(std::string_view text) {
+        if (in_key_) shown_key_ += text;
     }
 
     using Ids = std::pmr::unordered_map<std::pmr::string, std::int32_t, SeededHash>;

@@ -27,10 +27,10 @@ public:
 
     /// The number of the key at an offset: that of an equal one, else the next.
     std::size_t number_of(std::uint64_t offset) {
-        std::uint64_t const hash = walk_.key_hash(type_, offset);
-        if (hash == Walk::no_hash) return count_++;
+        std::uint64_t const hash = walk_.keys.hash(type_, offset);
+        if (hash == Keys::no_hash) return count_++;
         auto [known, end] = known_.equal_range(hash);
-        while (known != end && !walk_.same_key(type_, known->second.offset, offset)) ++known;
+        while (known != end && !walk_.keys.are_equal(type_, known->second.offset, offset)) ++known;
         if (known == end) {
             known_.emplace(hash, Key{offset, count_});
             return count_++;

@@ -3,7 +3,7 @@
 
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/memory.hpp>
 
 #include <memory_resource>
 #include <string>

@@ -30,7 +30,7 @@ public:
     void close_keys() { close_slots(tables_[--open_]); }
 
     bool add_key(Type const&, std::uint64_t, std::uint64_t hash) {
-        if (hash == Walk::no_hash) return true;
+        if (hash == Keys::no_hash) return true;
         auto&      table = tables_[open_ - 1];
         auto const mark = static_cast<std::uint32_t>(hash) | 1;
         for (std::size_t i = first_slot(hash, table.size());;
@@ -69,10 +69,10 @@ public:
     void close_keys() { open_.pop_back(); }
 
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        if (hash == Walk::no_hash || !suspects_.contains(hash)) return true;
+        if (hash == Keys::no_hash || !suspects_.contains(hash)) return true;
         auto& keys = open_.back().keys;
         auto [known, end] = keys.equal_range(hash);
-        while (known != end && !walk_.same_key(key, known->second, offset)) ++known;
+        while (known != end && !walk_.keys.are_equal(key, known->second, offset)) ++known;
         if (known == end) {
             keys.emplace(hash, offset);
             return true;

@@ -4,7 +4,7 @@
 #include <sml/inspect/finding.hpp>
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/wire/hashing.hpp>
 
 #include <cstddef>

@@ -115,6 +115,11 @@ struct Type {
         if (knows_tag(tag)) return &arms[static_cast<std::size_t>(tag)];
         return takes_rest ? &arms.back() : nullptr;
     }
+    /// The same where a payload follows.
+    Arm const* with_payload(std::int32_t tag) const noexcept {
+        Arm const* const arm = serving(tag);
+        return arm != nullptr && arm->payload != nullptr ? arm : nullptr;
+    }
 };
 
 /// A root: the stem of its entry points and its type.

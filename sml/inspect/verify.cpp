@@ -31,15 +31,16 @@ public:
     }
     /// The reader's own where the model is told of it: the key is known by it here, too.
     std::uint64_t key_hash(Walk const&, Type const& key, std::uint64_t offset) const {
-        if (!model_.counts_keys()) return walk_.key_hash(key, offset);
-        auto const readers = walk_.readers_key_hash(key, offset);
-        return readers.equals_none ? Walk::no_hash : masked(readers.hash);
+        if (!model_.counts_keys()) return walk_.keys.hash(key, offset);
+        auto const readers = walk_.keys.readers_hash(key, offset);
+        return readers.equals_none ? Keys::no_hash : masked(readers.hash);
     }
 
     [[gnu::always_inline]] void expect_key(std::uint64_t hash) { keys_.expect(seeded(hash)); }
 
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        bool const is_new = hash == Walk::no_hash || keys_.add(walk_, key, offset, seeded(hash));
+        bool const is_new =
+            hash == Keys::no_hash || keys_.add(walk_.keys, key, offset, seeded(hash));
         if (model_.counts_keys()) model_.use_key(readers_hash(key, offset, hash), is_new);
         return is_new;
     }
@@ -74,11 +75,11 @@ public:
     Verdict verdict;
 
 private:
-    /// And back. No bytes can be made whose hash becomes `Walk::no_hash`.
+    /// And back. No bytes can be made whose hash becomes `Keys::no_hash`.
     static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
 
     std::uint64_t readers_hash(Type const& key, std::uint64_t offset, std::uint64_t hash) const {
-        return hash != Walk::no_hash ? masked(hash) : walk_.readers_key_hash(key, offset).hash;
+        return hash != Keys::no_hash ? masked(hash) : walk_.keys.readers_hash(key, offset).hash;
     }
 
     std::uint64_t seeded(std::uint64_t hash) const {

@@ -6,7 +6,7 @@
 #include <sml/inspect/encode.hpp>
 #include <sml/inspect/text/json_text.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/walk/memory.hpp>
+#include <sml/inspect/memory.hpp>
 #include "tests/inspect/counted_heap.hpp"
 
 #include <gtest/gtest.h>

@@ -100,7 +100,7 @@ private:
 
     void take(Type const& key) {
         places_.resize(walk_.depth());
-        hashes[places_.back().number] = walk_.readers_key_hash(key, places_.back().offset).hash;
+        hashes[places_.back().number] = walk_.keys.readers_hash(key, places_.back().offset).hash;
     }
 
     Walk&              walk_;

@@ -15,11 +15,11 @@ void KeyTable::close() {
     close_slots(table.slots);
 }
 
-bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
+bool KeyTable::add(Keys const& keys, Type const& type, std::uint64_t key_offset,
                    std::uint64_t hash) {
     Table& table = tables_[open_ - 1];
     if (type.kind == Kind::string) {
-        auto const place = walk.key_text_place(key_offset);
+        auto const place = keys.text_place(key_offset);
         if (place && *place > key_offset) {
             if (table.told.empty()) table.told.reserve(table.count);
             table.told.push_back(*place);
@@ -38,7 +38,7 @@ bool KeyTable::add(Walk const& walk, Type const& type, std::uint64_t key_offset,
         }
         if ((other ^ key) >> offset_bits != 0) continue;
         auto const compared =
-            walk.compare_keys(type, other & ((Slot{1} << offset_bits) - 1), key_offset);
+            keys.compare(type, other & ((Slot{1} << offset_bits) - 1), key_offset);
         if (!compared.are_equal) {
             comparisons_ += comparisons_for(compared.bytes);
             continue;

@@ -1,7 +1,7 @@
 #pragma once
 // The keys of the containers that are open in a walk, to find one that is there already.
 
-#include <sml/inspect/walk/walk.hpp>
+#include <sml/inspect/keys/keys.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -46,7 +46,7 @@ public:
     }
 
     /// Adds the key at an offset to the container opened last; false when it is there already.
-    bool add(Walk const& walk, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
+    bool add(Keys const& keys, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
 
     /// How often keys that were not equal have been compared; long ones count more.
     std::uint64_t comparisons() const noexcept { return comparisons_; }

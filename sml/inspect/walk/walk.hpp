@@ -2,16 +2,16 @@
 // Where a walk stands in bytes: what all walks share, whatever they tell to whom.
 
 #include <sml/inspect/finding.hpp>
+#include <sml/inspect/keys/keys.hpp>
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/reader/reader_heap.hpp>
 #include <sml/inspect/type.hpp>
-#include <sml/inspect/walk/memory.hpp>
 #include <sml/inspect/wire/string_table.hpp>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -68,35 +68,6 @@ public:
     /// Adds a step to a path.
     void append_step(std::string& path, Step const& step) const;
 
-    /// The key at an offset that has been walked before, as paths show keys.
-    std::string key_text(Type const& type, std::uint64_t offset) const;
-
-    /// A hash of the key at an offset that has been walked before; `no_hash` for a key that equals
-    /// no other one, as it holds a negative tag.
-    std::uint64_t key_hash(Type const& type, std::uint64_t offset) const;
-
-    static constexpr std::uint64_t no_hash = 0;
-
-    struct KeysCompared {
-        bool          are_equal;
-        std::uint64_t bytes;  // of one of them that were looked at
-    };
-
-    /// Compares the keys at two offsets that have been walked before.
-    KeysCompared compare_keys(Type const& type, std::uint64_t a, std::uint64_t b) const {
-        std::uint64_t const start = a;
-        bool const          are_equal = take_same_key(type, a, b);
-        return {are_equal, a - start};
-    }
-    bool same_key(Type const& type, std::uint64_t a, std::uint64_t b) const {
-        return compare_keys(type, a, b).are_equal;
-    }
-
-    /// Where the text of a key stands that is a string, at an offset that has been walked before:
-    /// one place for equal texts, behind the offset where it is told there for the first time. None
-    /// for the empty text.
-    std::optional<std::uint64_t> key_text_place(std::uint64_t offset) const;
-
     /// A step into a value, which is to be left again.
     Step enter(Type const& type) const noexcept { return {&type, top_}; }
     void go_to(Step const* step) noexcept { top_ = step; }
@@ -113,16 +84,9 @@ public:
     /// The decimal point of the process that wrote the bytes.
     std::string_view point() const noexcept { return point_; }
 
-    /// The hash that a reader's table has for the key at an offset that has been walked before,
-    /// where what the strings meet is passed on to a model.
-    struct ReadersHash {
-        std::uint64_t hash;
-        bool          equals_none;  // as it holds a negative tag
-    };
-    ReadersHash readers_key_hash(Type const& type, std::uint64_t offset) const;
-
     Budget&       budget;
     StringTable   strings;
+    Keys const    keys;  ///< of what has been walked
     ReaderHeap    heap;
     std::uint64_t elements = 0;  ///< of all containers so far
     std::uint32_t nesting = 0;   ///< variants and containers that the walk is in
@@ -132,26 +96,6 @@ public:
     std::atomic<std::uint64_t>* const progress;
 
 private:
-    struct KeyHash;
-    struct ReadersKeyHash;
-
-    bool             take_same_key(Type const& type, std::uint64_t& a, std::uint64_t& b) const;
-    std::uint64_t    take_place(std::uint64_t& offset) const;
-    std::string_view take_string(std::uint64_t& offset) const;
-    std::string_view take_block(std::uint64_t& offset) const;
-    void             append_key(std::string& text, Type const& type, std::uint64_t& offset) const;
-
-    template <class Word>
-    Word take_word(std::uint64_t& offset) const noexcept {
-        Word word;
-        std::memcpy(&word, start_ + offset, sizeof word);
-        offset += sizeof word;
-        return word;
-    }
-
-    /// The digits of the integer that a reader has after a block, with its sign.
-    class IntegerDigits;
-
     std::string point_;
     char const* start_;
     char const* end_;

@@ -61,14 +61,14 @@ struct SilentVisitor {
     /// The root's value is over; bytes behind it are unsafe.
     void end_root() {}
 
-    /// By what the key at an offset is told from others; `Walk::no_hash` where it equals none.
+    /// By what the key at an offset is told from others; `Keys::no_hash` where it equals none.
     std::uint64_t key_hash(Walk const& walk, Type const& key, std::uint64_t offset) const {
-        return walk.key_hash(key, offset);
+        return walk.keys.hash(key, offset);
     }
     /// A key with this hash is going to be told behind its value.
     void expect_key(std::uint64_t /*hash*/) {}
     /// Whether the key at an offset is new to the container opened last. In a map it is told when
-    /// its value is over. `Walk::no_hash` stands for a key that equals no other.
+    /// its value is over. `Keys::no_hash` stands for a key that equals no other.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
     }
@@ -424,8 +424,8 @@ private:
         std::uint64_t const at = walk_.offset();
         if (!parts_or_value(*type.key)) return false;
         // Settled behind the value: by then what it takes has come from memory.
-        std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Walk::no_hash;
-        if (hash != Walk::no_hash) visitor_.expect_key(hash);
+        std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Keys::no_hash;
+        if (hash != Keys::no_hash) visitor_.expect_key(hash);
         if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
         step.key_offset = at;
         visitor_.entry_value(type);
@@ -701,7 +701,7 @@ private:
 
     [[gnu::cold, gnu::noinline]] void odd_key(Type const& type, std::uint64_t at) {
         odd(Oddity::repeated, at, "a key or element that is not there yet",
-            [&] { return walk_.key_text(type, at) + " again"; });
+            [&] { return walk_.keys.text(type, at) + " again"; });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view told) {

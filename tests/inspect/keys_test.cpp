@@ -1,0 +1,167 @@
+// Every kind that the keys of sets and maps may have: keys that are there already are found, others
+// are not, and both are shown.
+
+#include <sml/inspect/describe.hpp>
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/keys/keys.hpp>
+#include <sml/schema/Checks.hpp>
+#include "tests/wire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+using namespace sml::inspect;
+using Enum = sml::Checks::T_Check_Color;
+using sml::Strings_T;
+
+Strings_T text(char const* text) { return Strings_T(std::string(text)); }
+
+/// What verify finds of keys that are there already, as it shows them.
+std::string repeated(Root const& root, std::string const& bytes) {
+    std::string all;
+    for (Finding const& finding : verify(root, bytes, {.listed = 1000}).findings)
+        if (finding.expected == "a key or element that is not there yet")
+            all += finding.found + "\n";
+    return all;
+}
+
+std::string dumped(Root const& root, std::string const& bytes) {
+    std::ostringstream json;
+    dump(root, bytes, json);
+    return json.str();
+}
+
+/// Reads a list of elements as a set, and as the keys of a map.
+template <class Set, class Key = typename Set::value_type>
+void expect_told_apart(std::list<Key> const& keys, std::string const& found,
+                       std::string const& json) {
+    Root const        root{"Set", describe<Set>()};
+    std::string const bytes = wire::write(keys);
+    Set               read;
+    wire::read_over(read, bytes);
+    ASSERT_LT(read.size(), keys.size());
+    EXPECT_EQ(repeated(root, bytes), found);
+    if (!json.empty()) {
+        EXPECT_EQ(dumped(root, wire::write(read)), json);
+    }
+
+    std::list<std::pair<Key, std::int32_t>> entries;
+    for (Key const& key : keys) entries.emplace_back(key, 7);
+    std::map<Key, std::int32_t> map;
+    std::string const           entry_bytes = wire::write(entries);
+    Root const                  map_root{"Map", describe<std::map<Key, std::int32_t>>()};
+    wire::read_over(map, entry_bytes);
+    EXPECT_EQ(map.size(), read.size());
+    EXPECT_EQ(repeated(map_root, entry_bytes), found);
+}
+
+TEST(Keys, WordsAreToldApart) {
+    expect_told_apart<std::set<std::int32_t>>({-1, 2, -1}, "-1 again\n",
+                                              R"({"root":"Set","value":[-1,2]})"
+                                              "\n");
+    expect_told_apart<std::set<std::uint32_t>>({1, 2, 1}, "1 again\n",
+                                               R"({"root":"Set","value":[1,2]})"
+                                               "\n");
+    expect_told_apart<std::set<std::int64_t>>({-1, 2, -1}, "-1 again\n",
+                                              R"({"root":"Set","value":["-1","2"]})"
+                                              "\n");
+    expect_told_apart<std::set<std::uint64_t>>(
+        {1, 2, std::uint64_t{1} << 63, 1}, "1 again\n",
+        R"({"root":"Set","value":["1","2","9223372036854775808"]})"
+        "\n");
+}
+
+TEST(Keys, FlagsEnumeratorsAndTextsAreToldApart) {
+    expect_told_apart<std::set<bool>>({false, true, true}, "true again\n",
+                                      R"({"root":"Set","value":[false,true]})"
+                                      "\n");
+    expect_told_apart<std::set<Enum>>({Enum(0), Enum(1), Enum(1), Enum(77), Enum(77)},
+                                      std::string(toString(Enum(1))) + " again\n77 again\n", "");
+    expect_told_apart<std::set<std::string>>({"a", "", "b", "", "a"}, "\"\" again\n\"a\" again\n",
+                                             R"({"root":"Set","value":["","a","b"]})"
+                                             "\n");
+}
+
+TEST(Keys, BigIntegersAreToldApart) {
+    using sml::BigInteger;
+    expect_told_apart<std::set<BigInteger>>({BigInteger(-255), BigInteger(1), BigInteger(-255)},
+                                            "-ff again\n",
+                                            R"({"root":"Set","value":["-255","1"]})"
+                                            "\n");
+}
+
+TEST(Keys, OptionalsAreToldApart) {
+    expect_told_apart<std::set<std::optional<std::int32_t>>>({{}, 0, 1, {}, 1},
+                                                             "null again\n1 again\n",
+                                                             R"({"root":"Set","value":[null,0,1]})"
+                                                             "\n");
+    expect_told_apart<std::set<std::optional<Strings_T>>>({text("a"), {}, text(""), text("a")},
+                                                          "\"a\" again\n", "");
+}
+
+TEST(Keys, TuplesOfThemAreToldApart) {
+    using Pair = std::pair<Enum, Strings_T>;
+    expect_told_apart<std::set<Pair>>(
+        {{Enum(0), text("a")}, {Enum(1), text("a")}, {Enum(0), text("b")}, {Enum(1), text("a")}},
+        "(" + std::string(toString(Enum(1))) + ",\"a\") again\n", "");
+    using Tuple = std::tuple<std::uint64_t, bool, std::optional<std::string>>;
+    expect_told_apart<std::set<Tuple>>(
+        {{1, true, {}}, {1, false, {}}, {1, true, ""}, {2, true, {}}, {1, true, {}}},
+        "(1,true,null) again\n", "");
+}
+
+TEST(Keys, HashedOnesAreToldApart) {
+    expect_told_apart<std::unordered_set<std::uint64_t>>({1, 2, 1}, "1 again\n", "");
+    expect_told_apart<std::unordered_set<std::int64_t>>({-1, 2, -1}, "-1 again\n", "");
+    expect_told_apart<std::unordered_set<bool>>({false, true, true}, "true again\n", "");
+    expect_told_apart<std::unordered_set<std::string>>({"a", "", ""}, "\"\" again\n", "");
+}
+
+/// The hash that a reader's table has is known: its comparisons are counted by it.
+template <class Key>
+void expect_hash(Key const& key) {
+    std::string const bytes = wire::write(key);
+    Budget            budget(Limits().own_memory);
+    StringTable       strings(bytes, &budget);
+    auto const        hash = Keys(bytes, strings, budget).readers_hash(*describe<Key>(), 0);
+    EXPECT_FALSE(hash.equals_none);
+    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << wire::hex(bytes);
+}
+
+TEST(Keys, HashesOfReadersAreKnown) {
+    expect_hash(std::int32_t{-5});
+    expect_hash(std::uint32_t{0x80000001});
+    expect_hash(std::int64_t{-5});
+    expect_hash(~std::uint64_t{5});
+    expect_hash(true);
+    expect_hash(Enum(1));
+    expect_hash(std::string());
+    expect_hash(std::string("a text of more than one word"));
+}
+
+TEST(Keys, ManyHashedOnesAreToldApart) {
+    constexpr std::uint64_t  count = 10'000;
+    std::list<std::uint64_t> keys;
+    for (std::uint64_t i = 0; i < count; ++i) keys.push_back(i * 0x9e3779b97f4a7c15);
+    keys.push_back(keys.front());
+    Root const    root{"Set", describe<std::unordered_set<std::uint64_t>>()};
+    Verdict const verdict = verify(root, wire::write(keys));
+    EXPECT_EQ(verdict.odd_count, 1u);
+    EXPECT_GT(verdict.work, count / 4);
+    EXPECT_LT(verdict.work, 4 * count);
+}
+
+}  // namespace

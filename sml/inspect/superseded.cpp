@@ -77,17 +77,11 @@ public:
             keys.emplace(hash, offset);
             return true;
         }
-        Type const& table = *open_.back().type;
         // The later one is compared with from now on: no long number is read again and again.
         std::uint64_t const earlier = std::exchange(known->second, offset);
-        if (!table.last_wins) {
-            found.entries.insert(offset);
-            return false;
-        }
-        found.entries.insert(earlier);
-        bool const is_word =
-            table.element->is_plain_word() || table.element->kind == Kind::enumeration;
-        found.are_read_over = found.are_read_over || !is_word;
+        bool const          last_wins = open_.back().type->last_wins;
+        found.entries.insert(last_wins ? earlier : offset);
+        found.are_read_over = found.are_read_over || last_wins;
         return false;
     }
 

@@ -2,9 +2,9 @@
 // Entries that a reader drops because their container has another one with an equal key.
 
 #include <sml/inspect/finding.hpp>
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/memory.hpp>
 #include <sml/inspect/wire/hashing.hpp>
 
 #include <cstddef>

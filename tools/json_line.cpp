@@ -1,7 +1,16 @@
 #include "json_line.hpp"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <list>
+#include <streambuf>
+#include <string>
 #include <string_view>
 
+#include <sml/bindings/bindings.hpp>
+#include <sml/core/decimal_point.hpp>
+#include <sml/inspect/dump.hpp>
 #include "printable.hpp"
 
 namespace bradep {
@@ -131,16 +140,85 @@ void add_fingerprints(Json_Object& line, Result const& result) {
     object.end();
 }
 
+void add_key(Json_Object& line, Numbered_Key const& key) {
+    auto& json = line.member("key") << "[";
+    write(json, key.first);
+    write(json << ",", key.second);
+    json << "]";
+}
+
+// Hands on what stands between the first and the last so many bytes.
+class Inner_Bytes : public std::streambuf {
+public:
+    Inner_Bytes(std::ostream& out, std::size_t before, std::size_t behind)
+        : out_(out), before_(before), behind_(behind) {}
+
+private:
+    std::streamsize xsputn(char const* bytes, std::streamsize count) override {
+        held_.append(bytes, static_cast<std::size_t>(count));
+        auto const skipped = std::min(before_, held_.size());
+        held_.erase(0, skipped);
+        before_ -= skipped;
+        if (held_.size() <= behind_) return count;
+        auto const inner = held_.size() - behind_;
+        out_.write(held_.data(), static_cast<std::streamsize>(inner));
+        held_.erase(0, inner);
+        return out_ ? count : 0;
+    }
+
+    std::ostream& out_;
+    std::string   held_;
+    std::size_t   before_;
+    std::size_t   behind_;
+};
+
+// The set has been verified, so that no limit is needed any more.
+sml::inspect::VerifyOptions without_limits() {
+    constexpr auto              most = std::numeric_limits<std::uint64_t>::max();
+    sml::inspect::VerifyOptions options;
+    options.limits = {.depth = sml::inspect::Limits::depth_cap,
+                      .elements = most,
+                      .text_bytes = most,
+                      .memory = most};
+    options.decimal_point = sml::core::decimal_point();
+    return options;
+}
+
+// A category stands in no bytes of its own, only in those of a root.
+void write_category(std::ostream& out, sml::Checks::T_Check_Category const& category) {
+    constexpr char const* stem = "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T";
+    constexpr char const* path = "[0].1.category";
+    std::list<std::pair<std::int32_t, Check_Form>> forms(1);
+    forms.front().second.category = category;
+    auto const& bytes = sml::Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T_fromCxx(forms);
+
+    auto const before =
+        R"({"root":")" + std::string(stem) + R"(","path":")" + path + R"(","value":)";
+    constexpr std::string_view behind = "}\n";
+    Inner_Bytes                inner(out, before.size(), behind.size());
+    std::ostream               stream(&inner);
+    dump(*sml::inspect::find_root(stem), bytes, stream, {.walk = without_limits(), .path = path});
+}
+
 }  // namespace
 
-void write_json_line(std::ostream& out, std::string const& uri, std::int32_t ordinal,
-                     Result const& result) {
+void write_json_line(std::ostream& out, Numbered_Key const* key,
+                     sml::Checks::T_Check_Category const& category) {
     Json_Output json(out);
     Json_Object line(json);
-    auto&       key = line.member("key") << "[";
-    write(key, uri);
-    write(key << ",", ordinal);
-    key << "]";
+    if (key) add_key(line, *key);
+    line.member("category");
+    json.flush();
+    write_category(out, category);
+    line.end();
+    json << "\n";
+    json.flush();
+}
+
+void write_json_line(std::ostream& out, Numbered_Key const& key, Result const& result) {
+    Json_Output json(out);
+    Json_Object line(json);
+    add_key(line, key);
     line.add("run", result.run);
     line.add("tool", result.tool);
     line.add("rule", result.rule);

@@ -1,15 +1,17 @@
 #pragma once
 
 #include <ostream>
-#include <string>
 
-#include "sarif_result.hpp"
+#include "result_mapping.hpp"
 
 namespace bradep {
 
 // Writes the result, under its key (URI, ordinal), as one line of JSON, piece by piece. A member
 // that is absent is left out, and so is a list without elements.
-void write_json_line(std::ostream& out, std::string const& uri, std::int32_t ordinal,
-                     sarif::Result const& result);
+void write_json_line(std::ostream& out, Numbered_Key const& key, sarif::Result const& result);
+
+// The same for a check of which the category is known; the key may be null.
+void write_json_line(std::ostream& out, Numbered_Key const* key,
+                     sml::Checks::T_Check_Category const& category);
 
 }  // namespace bradep

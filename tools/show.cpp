@@ -1,6 +1,5 @@
 #include <chrono>
 #include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -11,7 +10,7 @@
 #include "errors.hpp"
 #include "json_line.hpp"
 #include "limited_output.hpp"
-#include "result_mapping.hpp"
+#include "set_checks.hpp"
 #include "summary.hpp"
 #include "walk_options.hpp"
 
@@ -55,15 +54,12 @@ void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
     read(input, verdict, set);
 }
 
-// A check that many forms named would be restored and printed as often.
 void write_json_lines(std::ostream& out, Result_Set const& set) {
-    std::set<Numbered_Key> shown;
-    for (auto const& [id, form] : set.check_data) {
-        auto const  result = restored_result(form, set);
-        auto const& key = *form.first_numbered_name;
-        if (!shown.insert(key).second)
-            throw Damaged_Input("not an imported result set: a check has several forms");
-        write_json_line(out, key.first.str(), key.second, result);
+    for (auto const& check : checks_of(set)) {
+        if (auto const result = imported_result(check, set))
+            write_json_line(out, *check.key, *result);
+        else
+            write_json_line(out, check.key, check.category());
     }
 }
 
@@ -73,8 +69,6 @@ void show_json(Result_Set const& set, std::string const& name, std::uint64_t max
     limited.stream().exceptions(std::ios::badbit);  // not to go on for nothing
     try {
         write_json_lines(limited.stream(), set);
-    } catch (Damaged_Input const& error) {
-        throw Damaged_Input(name + ": " + error.what());
     } catch (std::ios_base::failure const&) {
         limited.refuse_if_cut(name);  // where it was not, `out` tells what failed
     }
@@ -108,7 +102,8 @@ Action declare_show(CLI::App& app) {
     app.add_option("FILE", options->file, "The result set. - is standard input")
         ->required()
         ->type_name("");
-    app.add_flag("--json", options->json, "One line of JSON a check, in the order of the import");
+    app.add_flag("--json", options->json,
+                 "One line of JSON a check: those of an import in its order, then by file");
     declare_size(app, "--max-output", options->max_output,
                  "Bytes that --json prints; before more, the command ends with code 1");
     app.add_option("-n,--rows", options->rows, "How many rules, files and checks to list at most")

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "errors.hpp"
 #include "printable.hpp"
+#include "set_checks.hpp"
 
 namespace bradep {
 namespace {
@@ -76,7 +76,7 @@ void write_tables(std::ostream& out, Result_Set const& set) {
     if (!empty.empty()) out << "  empty: " << empty << '\n';
 }
 
-std::string category_name(sml::Checks::T_Check_Category const& category) {
+std::string category_name(Category const& category) {
     if (category.tag < 0) return "(none)";  // the arm's name would be that of arm 0
     auto const* name = category.toString();
     return name ? name : "(tag " + std::to_string(category.tag) + ")";
@@ -154,12 +154,15 @@ std::string check_text(sarif::Result const& result) {
     return text;
 }
 
-std::string form_text(Check_Form const& form, Result_Set const& set) {
-    try {
-        return check_text(restored_result(form, set));
-    } catch (Damaged_Input const&) {  // another's set, whose fields may mean something else
-        return printable(form.localization.file.str()) + ": " + category_name(form.category);
-    }
+std::string native_text(Set_Check const& check) {
+    auto const& file = check.key ? check.key->first : check.form->localization.file;
+    auto const  text = or_blank(file.str(), "(no file)") + ": " + category_name(check.category());
+    return check.key ? text + ", check " + std::to_string(check.key->second) : text;
+}
+
+std::string check_text(Set_Check const& check, Result_Set const& set) {
+    auto const result = imported_result(check, set);
+    return result ? check_text(*result) : native_text(check);
 }
 
 std::size_t suppressed_checks(Result_Set const& set) {
@@ -171,15 +174,13 @@ std::size_t suppressed_checks(Result_Set const& set) {
 }
 
 void write_first_checks(std::ostream& out, Result_Set const& set, std::size_t limit) {
-    if (set.check_data.empty() || limit == 0) return;
+    auto const checks = checks_of(set);
+    if (checks.empty() || limit == 0) return;
     out << "\nFirst checks\n";
-    std::size_t shown = 0;
-    for (auto const& [id, form] : set.check_data) {
-        if (shown++ == limit) break;
-        out << "  " << form_text(form, set) << '\n';
-    }
-    if (set.check_data.size() > limit)
-        out << "  and " << counted(set.check_data.size() - limit, "more check") << '\n';
+    auto const shown = std::min(limit, checks.size());
+    for (std::size_t i = 0; i < shown; ++i) out << "  " << check_text(checks[i], set) << '\n';
+    if (checks.size() > shown)
+        out << "  and " << counted(checks.size() - shown, "more check") << '\n';
 }
 
 std::string milliseconds(std::chrono::microseconds time) {

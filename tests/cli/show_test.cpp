@@ -1,0 +1,108 @@
+// What `show` tells of checks, whoever wrote them.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <sml/bindings/bindings.hpp>
+#include "cli_support.hpp"
+#include "result_mapping.hpp"
+
+namespace {
+
+using namespace cli_test;
+using bradep::Result_Set;
+using sml::Strings_T;
+
+bool contains(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string bytes_of_set(Result_Set const& set) {
+    return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+}
+
+void add_overflow(Result_Set& set, char const* file, std::int32_t ordinal, bool flag) {
+    auto& check = set.application_results.checks[{Strings_T(file), ordinal}];
+    auto& args = check.category.choose<"OVFL">();
+    args.ovfl_data.choose<"Single_Ovfl">().first_flag = flag;
+}
+
+// Two checks of which no form tells, between an imported one and one that has a form.
+Result_Set native_set() {
+    Result_Set          set;
+    bradep::Comparisons comparisons;
+    for (auto const& result : results_of(log_with(R"({"message": {"text": "imported"}})")))
+        bradep::add_result(result, set, comparisons);
+    add_overflow(set, "b.c", 2, true);
+    add_overflow(set, "b.c", 10, false);
+    add_overflow(set, "a.c", 1, false);
+    auto& form = set.check_data.emplace_back(1, bradep::Check_Form()).second;
+    form.first_numbered_name = {Strings_T("b.c"), 10};
+    form.category = set.application_results.checks.at({Strings_T("b.c"), 10}).category;
+    return set;
+}
+
+TEST(ShowNative, JsonHasTheKeyAndTheCategoryAsDumpHasIt) {
+    auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(native_set()));
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_EQ(shown.err, "");
+    auto const ovfl = [](std::string const& key, std::string const& flag) {
+        return R"({"key":)" + key +
+               R"(,"category":{"arm":"OVFL","args":{"first_string":"","first_flag":false,)" +
+               R"("ovfl_data":{"arm":"Single_Ovfl","args":{"first_flag":)" + flag +
+               "}},\"string_pair\":null,\"second_string\":\"\"}}}\n";
+    };
+    auto const imported_end = shown.out.find('\n') + 1;
+    EXPECT_TRUE(contains(shown.out.substr(0, imported_end), R"("message":"imported")"));
+    EXPECT_EQ(shown.out.substr(imported_end), ovfl(R"(["b.c",10])", "false") +
+                                                  ovfl(R"(["a.c",1])", "false") +
+                                                  ovfl(R"(["b.c",2])", "true"));
+}
+
+TEST(ShowNative, TextHasALineForEach) {
+    auto const shown = run_command({"show", "-"}, bytes_of_set(native_set()));
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_TRUE(contains(shown.out,
+                         "\nFirst checks\n"
+                         "  (no place): warning: imported\n"
+                         "  b.c: OVFL, check 10\n"
+                         "  a.c: OVFL, check 1\n"
+                         "  b.c: OVFL, check 2\n"))
+        << shown.out;
+}
+
+TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
+    Result_Set set;
+    auto&      check = set.application_results.checks[{Strings_T("a.c"), 1}];
+    check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("told");
+    auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
+    EXPECT_EQ(shown.out,
+              R"({"key":["a.c",1],"category":{"arm":"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE",)"
+              R"("args":{"message":"told"}}})"
+              "\n");
+}
+
+TEST(ShowNative, AFormWithoutACheckIsShownByItsOwnCategory) {
+    Result_Set set;
+    auto&      form = set.check_data.emplace_back(7, bradep::Check_Form()).second;
+    form.category.choose<"OVFL">();
+    form.localization.file = Strings_T("a.c");
+    auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_TRUE(shown.out.starts_with(R"({"category":{"arm":"OVFL","args":)")) << shown.out;
+    EXPECT_TRUE(contains(run_command({"show", "-"}, bytes_of_set(set)).out,
+                         "\nFirst checks\n  a.c: OVFL\n"));
+}
+
+// A category refers to a text as often as it likes: it is printed piece by piece, up to the limit.
+TEST(ShowNative, MaxOutputHoldsForCategoriesToo) {
+    auto const bytes = bytes_of_set(native_set());
+    auto const shown = run_command({"show", "--json", "--max-output", "150", "-"}, bytes);
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_LE(shown.out.size(), 150U);
+    EXPECT_EQ(shown.err,
+              "bradep: standard input: what is to be printed is larger than --max-output 150\n");
+}
+
+}  // namespace

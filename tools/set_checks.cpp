@@ -1,0 +1,54 @@
+#include "set_checks.hpp"
+
+#include <algorithm>
+#include <set>
+
+#include "errors.hpp"
+
+namespace bradep {
+namespace {
+
+// Keys themselves are in the order of addresses, which says nothing.
+bool stands_before(Set_Check const& a, Set_Check const& b) {
+    int const files = a.key->first.str().compare(b.key->first.str());
+    return files != 0 ? files < 0 : a.key->second < b.key->second;
+}
+
+Set_Check told_by(Check_Form const& form, Result_Set const& set) {
+    if (!form.first_numbered_name) return {nullptr, nullptr, &form};
+    auto const& checks = set.application_results.checks;
+    auto const  found = checks.find(*form.first_numbered_name);
+    return {&*form.first_numbered_name, found == checks.end() ? nullptr : &found->second, &form};
+}
+
+}  // namespace
+
+std::vector<Set_Check> checks_of(Result_Set const& set) {
+    std::vector<Set_Check> all;
+    std::set<Numbered_Key> told;
+    for (auto const& [id, form] : set.check_data) {
+        auto const one = told_by(form, set);
+        if (one.key == nullptr || told.insert(*one.key).second) all.push_back(one);
+    }
+    auto const formless = static_cast<std::ptrdiff_t>(all.size());
+    for (auto const& [key, check] : set.application_results.checks)
+        if (!told.contains(key)) all.push_back({&key, &check, nullptr});
+    std::sort(all.begin() + formless, all.end(), stands_before);
+    return all;
+}
+
+bool has_category_of_import(Category const& category) {
+    return category.holds<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
+}
+
+std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set const& set) {
+    if (!check.form || !check.check || !has_category_of_import(check.category()))
+        return std::nullopt;
+    try {
+        return restored_result(*check.form, set);
+    } catch (Damaged_Input const&) {  // its fields mean something else
+        return std::nullopt;
+    }
+}
+
+}  // namespace bradep

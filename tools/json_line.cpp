@@ -130,6 +130,13 @@ void write_flow(Json_Output& out, sarif::Code_Flow const& flow) {
     write_list(out, flow, write_thread);
 }
 
+void write_suppression(Json_Output& out, sarif::Suppression const& suppression) {
+    Json_Object object(out);
+    object.add("kind", suppression.kind);
+    object.add("status", suppression.status);
+    object.end();
+}
+
 // A log may use one name in both families; the complete fingerprint is the stronger one.
 void add_fingerprints(Json_Object& line, Result const& result) {
     auto all = result.fingerprints;
@@ -223,6 +230,9 @@ void write_json_line(std::ostream& out, Numbered_Key const& key, Result const& r
     line.add("tool", result.tool);
     line.add("rule", result.rule);
     line.add("level", result.level);
+    line.add("kind", result.kind);
+    line.add("baselineState", result.baseline_state);
+    add_list(line, "suppressions", result.suppressions, write_suppression);
     line.add("message", result.message);
     add_list(line, "locations", result.locations, write_place);
     add_list(line, "related", result.related, write_related);

@@ -41,6 +41,7 @@ enum Given_In_Check : std::int32_t {
 // `first_string` of an information record: what it tells of its check.
 constexpr char const* further_location = "location";
 constexpr char const* related_location = "relatedLocation";
+constexpr char const* suppression_role = "suppression";
 
 constexpr char const* related_id = "id";
 constexpr char const* complete_fingerprint = "fingerprints";
@@ -451,6 +452,18 @@ Result restored_result(Check_Form const& form, Result_Set const& set) {
     restore_form(form, result);
     if (check.failure) result.flows = restored_flows(*check.failure, set);
     return result;
+}
+
+std::set<Numbered_Key> suppressed_checks(Result_Set const& set) {
+    std::set<Numbered_Key> suppressed;
+    for (auto const& [key, info] : set.application_results.infos) {
+        if (info.first_string.str() != suppression_role) continue;
+        if (!info.category.holds<"TOOLTIP_INFO">()) continue;
+        auto const& status = info.category.arm<"TOOLTIP_INFO">().tooltip.str();
+        if (!info.flag || status == "accepted")
+            suppressed.insert({info.second_string, info.second_int});
+    }
+    return suppressed;
 }
 
 }  // namespace bradep

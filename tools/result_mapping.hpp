@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <set>
 
 #include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 #include "comparisons.hpp"
@@ -16,9 +17,6 @@ using Result_Set = sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
 constexpr char const* result_set_stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
 using Check_Form = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
 using Numbered_Key = std::pair<sml::Strings_T, std::int32_t>;
-
-// `first_string` of the information records that tell of a suppression.
-constexpr char const* suppression_role = "suppression";
 
 // What a set can carry: lengths, counts, ordinals and the numbers of strings are 32 bits wide, with
 // a sign. The strings are those of the process.
@@ -37,5 +35,8 @@ void add_result(sarif::Result const& result, Result_Set& set, Comparisons& compa
 // The result that a check form of the set was made from. Throws Damaged_Input where the set holds
 // no such check, which means that it did not come from add_result.
 sarif::Result restored_result(Check_Form const& form, Result_Set const& set);
+
+// The checks with a suppression that holds: one that is accepted, or whose status is not given.
+std::set<Numbered_Key> suppressed_checks(Result_Set const& set);
 
 }  // namespace bradep

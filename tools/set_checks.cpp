@@ -1,7 +1,6 @@
 #include "set_checks.hpp"
 
 #include <algorithm>
-#include <set>
 
 #include "errors.hpp"
 
@@ -23,18 +22,27 @@ Set_Check told_by(Check_Form const& form, Result_Set const& set) {
 
 }  // namespace
 
-std::vector<Set_Check> checks_of(Result_Set const& set) {
+std::vector<Set_Check> checks_of(Result_Set const& set, std::size_t most) {
     std::vector<Set_Check> all;
     std::set<Numbered_Key> told;
     for (auto const& [id, form] : set.check_data) {
+        if (all.size() == most) return all;
         auto const one = told_by(form, set);
-        if (one.key == nullptr || told.insert(*one.key).second) all.push_back(one);
+        if (one.check == nullptr || told.insert(*one.key).second) all.push_back(one);
     }
     auto const formless = static_cast<std::ptrdiff_t>(all.size());
     for (auto const& [key, check] : set.application_results.checks)
         if (!told.contains(key)) all.push_back({&key, &check, nullptr});
-    std::sort(all.begin() + formless, all.end(), stands_before);
+    auto const shown = static_cast<std::ptrdiff_t>(std::min(most, all.size()));
+    std::partial_sort(all.begin() + formless, all.begin() + shown, all.end(), stands_before);
+    all.erase(all.begin() + shown, all.end());
     return all;
+}
+
+std::size_t count_checks(Result_Set const& set) {
+    auto const has_no_check = [&](auto const& form) { return !told_by(form.second, set).check; };
+    auto const alone = std::ranges::count_if(set.check_data, has_no_check);
+    return set.application_results.checks.size() + static_cast<std::size_t>(alone);
 }
 
 bool has_category_of_import(Category const& category) {

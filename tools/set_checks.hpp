@@ -2,7 +2,10 @@
 // The checks of a result set, whoever wrote it: imported ones, of which all is known that their log
 // said, and native ones, of which the category is.
 
+#include <cstddef>
+#include <limits>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "result_mapping.hpp"
@@ -20,11 +23,32 @@ struct Set_Check {
     Category const& category() const { return check ? check->category : form->category; }
 };
 
-// Each check once: in the order of the forms, then those without a form, by file and ordinal.
-std::vector<Set_Check> checks_of(Result_Set const& set);
-
 // Whether the category is the one that import gives to all checks. A native one can have it, too.
 bool has_category_of_import(Category const& category);
+
+// What became of a check in reviews and since an earlier analysis: where it is not open, nobody has
+// to look at it.
+class Review {
+public:
+    explicit Review(Result_Set const& set) : suppressed_(suppressed_checks(set)) {}
+
+    bool is_suppressed(Numbered_Key const& key) const { return suppressed_.contains(key); }
+    bool is_absent(Check const& check) const {
+        return has_category_of_import(check.category) && check.sixth_string.str() == "absent";
+    }
+    bool is_open(Numbered_Key const& key, Check const& check) const {
+        return !is_suppressed(key) && !is_absent(check);
+    }
+
+private:
+    std::set<Numbered_Key> suppressed_;
+};
+
+// The first checks, each once: in the order of the forms, then those without a form, by file and
+// ordinal. A form without a check stands for one.
+std::vector<Set_Check> checks_of(Result_Set const& set,
+                                 std::size_t       most = std::numeric_limits<std::size_t>::max());
+std::size_t            count_checks(Result_Set const& set);
 
 // The result that an imported check was made from; none of a native one.
 std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set const& set);

@@ -110,12 +110,13 @@ struct Check_Counts {
     Counts by_category, by_rule, by_level, by_tool, by_kind, by_baseline_state, by_file;
 };
 
-Check_Counts counts_of(Result_Set const& set) {
+Check_Counts counts_of(Result_Set const& set, Review const& review) {
     using Text_Counts = std::map<sml::Strings_T, std::size_t>;
     Counts                      categories;
     std::map<Tool, std::size_t> tools;
     Text_Counts                 rules, levels, kinds, states, files;
     for (auto const& [key, check] : set.application_results.checks) {
+        if (!review.is_open(key, check)) continue;
         ++categories[category_name(check.category)];
         ++tools[{check.first_string, check.second_string}];
         ++rules[check.optional_string.value_or(sml::Strings_T())];
@@ -160,27 +161,38 @@ std::string native_text(Set_Check const& check) {
     return check.key ? text + ", check " + std::to_string(check.key->second) : text;
 }
 
-std::string check_text(Set_Check const& check, Result_Set const& set) {
+std::string check_text(Set_Check const& check, Result_Set const& set, Review const& review) {
     auto const result = imported_result(check, set);
-    return result ? check_text(*result) : native_text(check);
+    if (!result) return native_text(check);
+    return check_text(*result) + (review.is_suppressed(*check.key) ? " (suppressed)"
+                                  : review.is_absent(*check.check) ? " (absent)"
+                                                                   : "");
 }
 
-std::size_t suppressed_checks(Result_Set const& set) {
-    std::map<Numbered_Key, std::size_t> suppressions;
-    for (auto const& [key, info] : set.application_results.infos)
-        if (info.first_string.str() == suppression_role)
-            ++suppressions[{info.second_string, info.second_int}];
-    return suppressions.size();
+// Apart from the others: nobody has to look at them.
+void write_checks_not_open(std::ostream& out, Result_Set const& set, Review const& review) {
+    std::size_t suppressed = 0;
+    std::size_t absent = 0;
+    for (auto const& [key, check] : set.application_results.checks) {
+        if (review.is_suppressed(key))
+            ++suppressed;
+        else if (review.is_absent(check))
+            ++absent;
+    }
+    if (suppressed + absent == 0) return;
+    if (suppressed > 0) out << ", " << suppressed << " suppressed";
+    if (absent > 0) out << ", " << absent << " absent";
+    out << " (not counted below)";
 }
 
-void write_first_checks(std::ostream& out, Result_Set const& set, std::size_t limit) {
-    auto const checks = checks_of(set);
-    if (checks.empty() || limit == 0) return;
+void write_first_checks(std::ostream& out, Result_Set const& set, Review const& review,
+                        std::size_t limit) {
+    auto const checks = checks_of(set, limit);
+    if (checks.empty()) return;
     out << "\nFirst checks\n";
-    auto const shown = std::min(limit, checks.size());
-    for (std::size_t i = 0; i < shown; ++i) out << "  " << check_text(checks[i], set) << '\n';
-    if (checks.size() > shown)
-        out << "  and " << counted(checks.size() - shown, "more check") << '\n';
+    for (auto const& check : checks) out << "  " << check_text(check, set, review) << '\n';
+    auto const more = count_checks(set) - checks.size();
+    if (more > 0) out << "  and " << counted(more, "more check") << '\n';
 }
 
 std::string milliseconds(std::chrono::microseconds time) {
@@ -195,13 +207,13 @@ void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const
     auto const  runs = static_cast<std::size_t>(std::max(tables.first_int, 0));
     out << printable(facts.name) << ": " << counted(tables.checks.size(), "check") << " from "
         << counted(runs, "run");
-    if (auto const suppressed = suppressed_checks(set))
-        out << ", " << std::to_string(suppressed) << " suppressed";
+    Review const review(set);
+    write_checks_not_open(out, set, review);
     out << '\n';
     out << counted(facts.bytes, "byte") << ", read in " << milliseconds(facts.read_time) << '\n';
     write_tables(out, set);
 
-    auto const counts = counts_of(set);
+    auto const counts = counts_of(set, review);
     write_ranking(out, "Checks by tool", "tool", counts.by_tool, facts.rows);
     write_ranking(out, "Checks by category", "category", counts.by_category,
                   counts.by_category.size());
@@ -213,7 +225,7 @@ void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const
                       facts.rows);
     write_ranking(out, "Checks by rule", "rule", counts.by_rule, facts.rows);
     write_ranking(out, "Files with most checks", "file", counts.by_file, facts.rows);
-    write_first_checks(out, set, facts.rows);
+    write_first_checks(out, set, review, facts.rows);
 }
 
 }  // namespace bradep

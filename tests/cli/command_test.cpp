@@ -195,13 +195,14 @@ TEST(Show, JsonLinesHaveTheDocumentedForm) {
     EXPECT_EQ(shown.err, "");
     EXPECT_EQ(
         shown.out,
-        R"j({"key":["a.c",1],"run":0,"tool":"Tool","rule":"R","level":"warning","message":"m [x](1)",)j"
+        R"j({"key":["a.c",1],"run":0,"tool":"Tool","rule":"R","level":"warning","kind":"fail",)j"
+        R"j("message":"m [x](1)",)j"
         R"("locations":[{"uri":"a.c","base":"SRC","line":1,"column":2,"endLine":3,"endColumn":4}],)"
         R"("related":[{"id":1,"uri":"b.c","message":"x"}],)"
         R"("flows":[[[{"uri":"c.c","line":5,"column":6,"message":""}]]],)"
         R"("fingerprints":{"f":"2","p":"1"}})"
         "\n"
-        R"({"key":["",1],"run":0,"tool":"Tool","level":"warning"})"
+        R"({"key":["",1],"run":0,"tool":"Tool","level":"warning","kind":"fail"})"
         "\n");
 }
 
@@ -227,10 +228,42 @@ TEST(Show, SummaryTellsTablesRankingsAndFirstChecks) {
         EXPECT_TRUE(contains(shown.out, part)) << part << "\nis not in\n" << shown.out;
 }
 
-TEST(Show, SuppressedChecksAreCountedOnce) {
+TEST(Show, SuppressedAndAbsentChecksAreCountedApart) {
     Scratch const scratch;
     auto const    set = imported(scratch, fixture("review.sarif"));
-    EXPECT_TRUE(contains(run_command({"show", set}).out, ": 9 checks from 1 run, 2 suppressed\n"));
+    auto const    shown = run_command({"show", set}).out;
+    for (char const* part :
+         {": 9 checks from 1 run, 2 suppressed, 1 absent (not counted below)\n",
+          "\nChecks by tool\n  6  Review 1.2.3-beta\n", "\nChecks by level\n  6  warning\n",
+          "suppressed twice (suppressed)\n", "absent state (absent)\n", ": not suppressed\n"})
+        EXPECT_TRUE(contains(shown, part)) << part << "\nis not in\n" << shown;
+}
+
+TEST(Show, ASuppressionHoldsWhenOneIsAccepted) {
+    Scratch const scratch;
+    auto const    count = [&](std::string const& suppressions) {
+        write_bytes(scratch / "log",
+                       log_with(R"({"level": "error", "suppressions": [)" + suppressions + "]}"));
+        auto const shown = run_command({"show", imported(scratch, scratch / "log")}).out;
+        return contains(shown, ", 1 suppressed (not counted below)\n");
+    };
+    EXPECT_TRUE(count(R"({"kind": "inSource"})"));
+    EXPECT_TRUE(count(R"({"status": "rejected"}, {"status": "accepted"})"));
+    EXPECT_FALSE(count(R"({"status": "rejected"}, {"status": "underReview"})"));
+    EXPECT_FALSE(count(""));
+}
+
+TEST(Show, JsonHasKindBaselineStateAndSuppressions) {
+    Scratch const scratch;
+    write_bytes(scratch / "log", log_with(R"({"kind": "review", "baselineState": "absent",
+        "suppressions": [{"kind": "external", "status": "underReview"}, {"kind": "inSource"}, {}]})"));
+    auto const shown = run_command({"show", "--json", imported(scratch, scratch / "log")});
+    EXPECT_EQ(
+        shown.out,
+        R"({"key":["",1],"run":0,"tool":"Tool","level":"none","kind":"review",)"
+        R"("baselineState":"absent","suppressions":[{"kind":"external","status":"underReview"},)"
+        R"({"kind":"inSource"},{}]})"
+        "\n");
 }
 
 TEST(Show, RankingsAreCutAndSaySo) {

@@ -15,7 +15,10 @@ from pathlib import Path
 
 import sarif_reference
 
-ORDER = ["key", "run", "tool", "rule", "level", "message", "locations", "related", "flows", "fingerprints"]
+ORDER = [
+    *("key", "run", "tool", "rule", "level", "kind", "baselineState", "suppressions"),
+    *("message", "locations", "related", "flows", "fingerprints"),
+]
 
 
 def canonical(value):

@@ -234,13 +234,17 @@ class Run:
             ]
             for code_flow in array(result, "codeFlows")
         ]
-        string(result, "baselineState")
-        for suppression in array(result, "suppressions"):
-            string(suppression, "kind"), string(suppression, "status")
+        suppressions = [
+            without_absent(kind=string(one, "kind"), status=string(one, "status"))
+            for one in array(result, "suppressions")
+        ]
         check = without_absent(
             tool=self.tool_name,
             rule=first(string(result, "ruleId"), string(obj(result, "rule") or {}, "id"), string(rule, "id")),
             level=first(string(result, "level"), by_default),
+            kind=kind,
+            baselineState=string(result, "baselineState"),
+            suppressions=suppressions,
             message=self.message(result, rule, component),
             locations=[without_absent(**place) for place in locations],
             related=related,

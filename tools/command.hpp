@@ -14,6 +14,7 @@ struct Streams {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
+    bool          prints_on_standard_output;  // of the process, and no stream in its place
 };
 
 using Action = std::function<Exit_Code(Streams&)>;

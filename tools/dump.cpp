@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <iostream>
 #include <memory>
 
 #include "errors.hpp"
@@ -24,7 +23,7 @@ struct Options : Walk_Options {
 
 // There a line of progress would stand in the midst of the JSON.
 bool prints_on_terminal(Streams const& streams) {
-    return &streams.out == &std::cout && ::isatty(STDOUT_FILENO) != 0;
+    return streams.prints_on_standard_output && ::isatty(STDOUT_FILENO) != 0;
 }
 
 Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& streams) {

@@ -19,9 +19,9 @@ Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
         if (candidate.answer != Answer::unsafe) streams.out << candidate.root->stem << '\n';
     Candidate const& best = candidates.front();
     if (best.answer != Answer::unsafe) return exit_done;
-    streams.err << "bradep: " << printable(name) << ": fits no root; " << best.root->stem
-                << " came furthest, to byte " << best.walked << " of " << input.view().size()
-                << '\n';
+    streams.err << "bradep: " << printable(name) << ": " << told_form(input.view())
+                << "fits no root; " << best.root->stem << " came furthest, to byte " << best.walked
+                << " of " << input.view().size() << '\n';
     return exit_no;
 }
 

@@ -5,7 +5,10 @@
 #include <limits>
 #include <vector>
 
+#include <sml/inspect/utf8.hpp>
 #include "errors.hpp"
+#include "foreign_form.hpp"
+#include "printable.hpp"
 
 namespace bradep::json_input {
 namespace {
@@ -32,6 +35,31 @@ std::string_view without_byte_order_mark(std::string_view text) {
     return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
 }
 
+std::size_t first_byte_outside_utf8(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        auto const character = sml::inspect::first_character(text.substr(at));
+        if (!character.valid) return at;
+        at += character.length;
+    }
+    return at;
+}
+
+// The parser took all before `used`, and takes no text that is not UTF-8.
+[[noreturn]] void not_json(std::string const& name, std::string_view text, std::size_t used,
+                           json::error_code const& error) {
+    auto const form = foreign_form(text);
+    if (!form.empty() && form != json_form)
+        fail_at(name, text, 0, "not JSON: " + std::string(form) + ", only plain UTF-8 is read");
+    constexpr std::size_t longest_character = 4;
+    auto const outside = first_byte_outside_utf8(text.substr(0, used + longest_character));
+    if (outside <= used && outside < text.size())
+        fail_at(name, text, outside,
+                "not JSON: the byte " + printable(text.substr(outside, 1)) +
+                    " is not UTF-8, as in Latin-1 text");
+    fail_at(name, text, used, "not JSON: " + error.message());
+}
+
 json::value parse(std::string_view text, std::string const& name, json::storage_ptr storage) {
     json::parse_options options;
     options.max_depth = max_depth;
@@ -40,7 +68,7 @@ json::value parse(std::string_view text, std::string const& name, json::storage_
     auto const       used = parser.write_some(text.data(), text.size(), error);
     if (error == json::error::incomplete)
         fail_at(name, text, text.size(), "the JSON text ends too early");
-    if (error) fail_at(name, text, used, "not JSON: " + error.message());
+    if (error) not_json(name, text, used, error);
     if (used != text.size())
         fail_at(name, text, used, "not JSON: more text after the end of the document");
     return parser.release();

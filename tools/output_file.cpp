@@ -76,13 +76,17 @@ private:
 };
 
 fs::path without_links(fs::path target) {
-    constexpr int most_links = 40;  // as many as the kernel follows
-    auto const    named_target = target;
-    for (int i = 0; fs::is_symlink(fs::symlink_status(target)); ++i) {
+    constexpr int   most_links = 40;  // as many as the kernel follows
+    auto const      named_target = target;
+    std::error_code error;
+    for (int i = 0;; ++i) {
+        auto const status = fs::symlink_status(target, error);
+        if (!fs::status_known(status)) cannot_write(named_target, error.value());
+        if (!fs::is_symlink(status)) return target;
         if (i == most_links) cannot_write(named_target, ELOOP);
-        target = target.parent_path() / fs::read_symlink(target);
+        target = target.parent_path() / fs::read_symlink(target, error);
+        if (error) cannot_write(named_target, error.value());
     }
-    return target;
 }
 
 void write_to(std::streambuf& buffer, fs::path const& target,

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iostream>
 #include <new>
 
 #include <sml/inspect/finding.hpp>
+#include <sml/inspect/nearest.hpp>
 #include "command.hpp"
 #include "errors.hpp"
+#include "noting_output.hpp"
 #include "printable.hpp"
 
 namespace bradep {
@@ -35,18 +38,30 @@ int report(std::ostream& err, Exit_Code code, std::string const& what) {
     return code;
 }
 
+// The parser would only say that it did not expect the word.
+void refuse_unknown_command(std::vector<std::string> const& args) {
+    auto const first =
+        std::ranges::find_if(args, [](auto const& arg) { return !arg.starts_with('-'); });
+    auto const name_of = [](Command const& command) { return std::string_view(command.name); };
+    if (first == args.end() || std::ranges::count(commands, *first, name_of) > 0) return;
+    auto const nearest = sml::inspect::nearest_name(*first, commands, name_of);
+    bool const is_near = sml::inspect::edit_distance(*first, nearest) <= nearest.size() / 2;
+    throw CLI::ParseError("no such command: " + *first +
+                              (is_near ? " (" + std::string(nearest) + "?)" : std::string()),
+                          exit_usage_or_io);
+}
+
 // Standard output can be a full disk, too.
-void finish(std::ostream& out) {
-    if (!out) throw Io_Failure("cannot write standard output");  // the reason is long gone
-    errno = 0;
-    if (!out.flush())
-        throw Io_Failure(std::string("cannot write standard output: ") +
-                         std::strerror(errno ? errno : EIO));
+void finish(Noting_Output& out) {
+    if (out.stream().flush()) return;
+    throw Io_Failure(std::string("cannot write standard output: ") +
+                     std::strerror(out.error() ? out.error() : EIO));
 }
 
 Exit_Code parse_and_act(CLI::App& app, std::vector<std::string> args,
-                        std::vector<Action> const& actions, Streams streams) {
+                        std::vector<Action> const& actions, Noting_Output& out, Streams streams) {
     Exit_Code code = exit_done;
+    refuse_unknown_command(args);
     try {
         std::reverse(args.begin(), args.end());  // as the parser wants them
         app.parse(std::move(args));
@@ -56,7 +71,7 @@ Exit_Code parse_and_act(CLI::App& app, std::vector<std::string> args,
     } catch (CLI::Success const& help_or_version) {
         app.exit(help_or_version, streams.out, streams.err);
     }
-    finish(streams.out);
+    finish(out);
     return code;
 }
 
@@ -76,7 +91,9 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
     // Commands without a footer would inherit it.
     app.footer(exit_codes);
     try {
-        return parse_and_act(app, args, actions, {in, out, err});
+        Noting_Output noting(out);
+        return parse_and_act(app, args, actions, noting,
+                             {in, noting.stream(), err, &out == &std::cout});
     } catch (CLI::ParseError const& error) {
         return report(err, exit_usage_or_io,
                       std::string(error.what()) + " (bradep --help tells more)");

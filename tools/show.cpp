@@ -48,8 +48,8 @@ void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
         throw Damaged_Input(input.name() + ": not a result set: the file is empty");
     auto const verdict = input.verify();
     if (verdict.answer == Answer::unsafe)
-        throw Damaged_Input(input.name() +
-                            ": not a result set: " + described(verdict.findings.back()));
+        throw Damaged_Input(input.name() + ": " + told_form(input.bytes()) +
+                            "can't be read as a result set: " + described(verdict.findings.back()));
     report_findings(err, input.name(), verdict.findings, verdict.odd_count);
     read(input, verdict, set);
 }
@@ -106,9 +106,10 @@ Action declare_show(CLI::App& app) {
                  "One line of JSON a check: those of an import in its order, then by file");
     declare_size(app, "--max-output", options->max_output,
                  "Bytes that --json prints; before more, the command ends with code 1");
-    app.add_option("-n,--rows", options->rows, "How many rules, files and checks to list at most")
-        ->capture_default_str()
-        ->type_name("NUMBER");
+    declare_amount(*app.add_option("-n,--rows", options->rows,
+                                   "How many rules, files and checks to list at most")
+                        ->capture_default_str()
+                        ->type_name("NUMBER"));
     return [options](Streams& streams) { return show(*options, streams); };
 }
 

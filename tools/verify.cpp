@@ -24,6 +24,10 @@ char const* name_of(Answer answer) {
 Exit_Code verify_file(Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
     Verdict const      verdict = input.verify();
+    auto const         form = told_form(input.bytes());
+    if (options.stem && verdict.answer == Answer::unsafe && !form.empty())
+        streams.err << "bradep: " << printable(input.name()) << ": " << form << "not "
+                    << input.root().stem << '\n';
     report_findings(streams.err, input.name(), verdict.findings, verdict.odd_count);
     streams.out << printable(input.name()) << ": " << name_of(verdict.answer) << '\n'
                 << "  root      " << input.root().stem << '\n'

@@ -1,10 +1,12 @@
 #include "walk_options.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/nearest.hpp>
+#include "foreign_form.hpp"
 #include "printable.hpp"
 
 namespace bradep {
@@ -18,6 +20,18 @@ std::string stems_of(std::vector<Candidate> const& candidates) {
     for (Candidate const& candidate : candidates)
         (stems += stems.empty() ? "" : ", ") += candidate.root->stem;
     return stems;
+}
+
+// A stem that ends with what was given, else one that holds it, else any: the nearest of these.
+std::string_view stem_like(std::string_view given) {
+    std::vector<std::string_view> ending, holding, all;
+    for (Root const& root : roots()) {
+        all.push_back(root.stem);
+        if (root.stem.ends_with(given)) ending.push_back(root.stem);
+        if (root.stem.find(given) != std::string_view::npos) holding.push_back(root.stem);
+    }
+    auto const& likely = !ending.empty() ? ending : !holding.empty() ? holding : all;
+    return nearest_name(given, likely, std::identity());
 }
 
 }  // namespace
@@ -40,13 +54,12 @@ std::string judge_amount(std::string const& text) {
     return {};
 }
 
-// Before anything else looks at the text.
+}  // namespace
+
 void declare_amount(CLI::Option& option) {
     option.transform(
         CLI::Validator([](std::string& text) { return judge_amount(text); }, "", "amount"));
 }
-
-}  // namespace
 
 void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning) {
     declare_amount(*app.add_option(name, size, meaning)
@@ -132,9 +145,9 @@ Root const* Walked_Input::choose_root() const {
     auto const best = candidates.front();
     auto const name = printable(name_);
     if (best.answer == Answer::unsafe) {
-        err_ << "bradep: " << name << ": fits no root, read as " << best.root->stem
-             << ", which came furthest: to byte " << best.walked << " of " << bytes().size()
-             << '\n';
+        err_ << "bradep: " << name << ": " << told_form(bytes()) << "fits no root, read as "
+             << best.root->stem << ", which came furthest: to byte " << best.walked << " of "
+             << bytes().size() << '\n';
         return best.root;
     }
     err_ << "bradep: " << name << ": read as " << best.root->stem;
@@ -154,9 +167,15 @@ Verdict Walked_Input::verify() const {
 
 Root const& root_of(std::string const& stem) {
     if (Root const* const root = find_root(stem)) return *root;
-    auto const nearest = nearest_name(stem, roots(), [](Root const& root) { return root.stem; });
-    throw CLI::ValidationError("--root",
-                               "no root is called " + stem + "; there is " + std::string(nearest));
+    throw CLI::ValidationError(
+        "--root", "no root is called " + stem + "; there is " + std::string(stem_like(stem)));
+}
+
+std::string told_form(std::string_view bytes) {
+    auto const form = foreign_form(bytes);
+    if (form.empty()) return {};
+    if (form != json_form) return "is " + std::string(form) + ", ";
+    return "is JSON text (import reads SARIF, encode what dump has printed), ";
 }
 
 std::string described(Finding const& finding) {

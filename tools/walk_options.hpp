@@ -25,6 +25,8 @@ void declare_root_option(CLI::App& app, std::optional<std::string>& stem);
 void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
 void declare_own_memory(CLI::App& app, sml::inspect::Limits& limits);
 void declare_decimal_point(CLI::App& app, sml::inspect::VerifyOptions& options);
+// An option that takes a number without a sign. To be called after all else that looks at the text.
+void declare_amount(CLI::Option& option);
 // An option like 64K, 10M or 2G.
 void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning);
 void declare_max_size(CLI::App& app, std::uint64_t& max_size);
@@ -73,6 +75,9 @@ private:
 
 // The root with this stem. Throws a usage error that names one like it.
 sml::inspect::Root const& root_of(std::string const& stem);
+
+// "is JSON text (...), " for what is no binary form, as far as it shows; else nothing.
+std::string told_form(std::string_view bytes);
 
 // "checks[2].category: expected X, found Y" and where.
 std::string described(sml::inspect::Finding const& finding);

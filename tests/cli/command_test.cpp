@@ -60,8 +60,8 @@ TEST(Command, VersionIsOneLine) {
 TEST(Command, WrongUsageIsOneLineAndCodeTwo) {
     std::string const more = " (bradep --help tells more)";
     expect_refused(run_command({}), 2, "A command is required" + more);
-    expect_refused(run_command({"frob"}), 2,
-                   "The following argument was not expected: frob" + more);
+    expect_refused(run_command({"frob"}), 2, "no such command: frob" + more);
+    expect_refused(run_command({"shw", "set"}), 2, "no such command: shw (show?)" + more);
     expect_refused(run_command({"import", "log"}), 2, "--output is required" + more);
     expect_refused(run_command({"import", "-o", "set"}), 2, "RESULTS.sarif is required" + more);
     expect_refused(run_command({"show"}), 2, "FILE is required" + more);
@@ -119,6 +119,9 @@ TEST(Import, OutputThatCannotBeWrittenIsCodeTwo) {
                    "cannot write /dev/full: No space left on device");
     expect_refused(run_command({"import", log, "-o", scratch.path().string()}), 2,
                    "cannot write " + scratch.path().string() + ": Is a directory");
+    auto const long_name = (scratch / std::string(300, 'x')).string();
+    expect_refused(run_command({"import", log, "-o", long_name}), 2,
+                   "cannot write " + long_name + ": File name too long");
     auto const beyond = (scratch / "none/set").string();
     expect_refused(run_command({"import", log, "-o", beyond}), 2,
                    "cannot write " + beyond + ": No such file or directory");
@@ -312,22 +315,23 @@ TEST(Show, EmptyShortAndLongFilesAreDamaged) {
     auto const    file = (scratch / "broken").string();
     auto const    refused = [&](std::string const& broken, std::string const& what) {
         write_bytes(file, broken);
-        expect_refused(run_command({"show", file}), 1, file + ": not a result set: " + what);
+        expect_refused(run_command({"show", file}), 1, file + ": " + what);
     };
     auto const size = bytes.size();
-    refused("", "the file is empty");
+    refused("", "not a result set: the file is empty");
     refused(bytes.substr(0, size - 1),
-            "byte " + std::to_string(size - 4) +
+            "can't be read as a result set: byte " + std::to_string(size - 4) +
                 " at check_data[8].1.category.BF_CHECKER_WITH_PRECOMPUTED_MESSAGE.message: "
                 "expected at least 4 bytes, found 3");
-    refused(bytes + "x",
-            "byte " + std::to_string(size) + ": expected the end of the bytes, found 1 more bytes");
+    refused(bytes + "x", "can't be read as a result set: byte " + std::to_string(size) +
+                             ": expected the end of the bytes, found 1 more bytes");
     // Which count does not fit depends on the order of the tables.
     write_bytes(file, bytes.substr(0, size / 2));
     auto const half = run_command({"show", file});
     EXPECT_EQ(half.code, 1);
     EXPECT_EQ(half.out, "");
-    EXPECT_TRUE(half.err.starts_with("bradep: " + file + ": not a result set: byte ")) << half.err;
+    EXPECT_TRUE(half.err.starts_with("bradep: " + file + ": can't be read as a result set: byte "))
+        << half.err;
     EXPECT_EQ(line_count(half.err), 1U);
 }
 
@@ -352,6 +356,27 @@ TEST(Show, ALogIsNoResultSet) {
     EXPECT_EQ(shown.code, 1);
     EXPECT_EQ(shown.out, "");
     EXPECT_EQ(line_count(shown.err), 1U);
+    EXPECT_TRUE(shown.err.starts_with("bradep: " + log +
+                                      ": is JSON text (import reads SARIF, encode what dump has "
+                                      "printed), can't be read as a result set: byte "))
+        << shown.err;
+}
+
+TEST(Show, ALimitIsNoMatterOfBeingAResultSet) {
+    Scratch const scratch;
+    auto const    set = imported(scratch, fixture("flows.sarif"));
+    auto const    shown = run_command({"show", "--max-memory", "100", set});
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_TRUE(shown.err.starts_with("bradep: " + set + ": can't be read as a result set: byte "))
+        << shown.err;
+    EXPECT_TRUE(contains(shown.err, "at most 100 bytes")) << shown.err;
+}
+
+TEST(Show, ANegativeNumberOfRowsIsWrongUsage) {
+    Scratch const scratch;
+    auto const    set = imported(scratch, fixture("flows.sarif"));
+    EXPECT_EQ(run_command({"show", "-n", "-1", set}).code, 2);
+    EXPECT_EQ(run_command({"show", "-n", "3x", set}).code, 2);
 }
 
 TEST(Show, FullStandardOutputIsCodeTwo) {

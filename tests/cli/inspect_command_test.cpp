@@ -136,6 +136,56 @@ TEST(RootOption, IsToldWithItsNearestWhenThereIsNone) {
     EXPECT_TRUE(scratch.names().empty());
 }
 
+TEST(RootOption, AStemThatEndsWithWhatWasGivenIsNearest) {
+    auto const told = [](std::string const& given) {
+        return run_command({"verify", "--root", given, "-"}, "T").err;
+    };
+    EXPECT_TRUE(contains(told("Aggregated_Results_T"), "; there is "s + result_set)) << told("x");
+    EXPECT_TRUE(contains(told("StringSet"), "; there is String_To_StringSet_T"));
+    EXPECT_TRUE(contains(told("Sting_To_StringSet_T"), "; there is String_To_StringSet_T"));
+}
+
+TEST(VerifyCommand, JsonTextIsCalledSo) {
+    std::string const json = R"({"root":"Answers_Context","value":{"flag":true}})";
+    std::string const form =
+        "bradep: standard input: is JSON text (import reads SARIF, encode "
+        "what dump has printed), ";
+    auto const chosen = run_command({"verify", "-"}, json);
+    EXPECT_EQ(chosen.code, 1);
+    EXPECT_TRUE(chosen.err.starts_with(form + "fits no root, read as ")) << chosen.err;
+    auto const asked = run_command({"verify", "--root", result_set, "-"}, " [\n{}]");
+    EXPECT_EQ(asked.code, 1);
+    EXPECT_TRUE(asked.err.starts_with(form + "not " + result_set + "\n")) << asked.err;
+    EXPECT_TRUE(run_command({"identify", "-"}, json).err.starts_with(form + "fits no root; "));
+    auto const packed = run_command({"verify", "-"}, "\x1F\x8B\x08"s);
+    EXPECT_TRUE(
+        packed.err.starts_with("bradep: standard input: is compressed by gzip, fits no root"))
+        << packed.err;
+}
+
+/// More than a stream holds back, so that not only the last flush fails.
+TEST(FullStandardOutput, TellsTheReasonWhateverTheCommand) {
+    Scratch const scratch;
+    std::string   results = "{}";
+    for (int i = 0; i < 2000; ++i) results += R"(,{"message": {"text": "m"}})";
+    write_bytes(scratch / "log", log_with(results));
+    auto const set = (scratch / "set").string();
+    ASSERT_EQ(run_command({"import", (scratch / "log").string(), "-o", set}).code, 0);
+    write_bytes(scratch / "json", run_command({"dump", set}).out);
+    for (std::string const args :
+         {"import log -o -", "encode json -o -", "canon set -o -", "dump set", "show --json set"}) {
+        std::string const command = "cd '" + scratch.path().string() +
+                                    "' && '" BRADEP_COMMAND "' " + args + " > /dev/full 2> err";
+        int const status = std::system(command.c_str());
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 2) << args;
+        EXPECT_TRUE(
+            bytes_of(scratch / "err")
+                .ends_with("bradep: cannot write standard output: No space left on device\n"))
+            << args << ": " << bytes_of(scratch / "err");
+    }
+}
+
 TEST(ChosenRoot, FirstThatFitsIsTakenAndTheOthersAreTold) {
     std::string const told =
         "bradep: standard input: read as Answers_Answer; it also fits Answers_Context\n";

@@ -221,7 +221,7 @@ constexpr Damage damages[] = {
     {"bad-flow-null.sarif", "/runs/1/results/1/codeFlows/0: expected an object, found null"},
     {"bad-huge-index.sarif",
      "/runs/1/results/1/ruleIndex: expected an integer from -2147483648 to 2147483647"},
-    {"bad-latin-1.sarif", "1:64: not JSON: syntax error"},
+    {"bad-latin-1.sarif", "1:64: not JSON: the byte \\xe9 is not UTF-8, as in Latin-1 text"},
     {"bad-level-number.sarif", "/runs/1/results/1/level: expected a string, found a number"},
     {"bad-line-boolean.sarif",
      "/runs/1/results/1/locations/0/physicalLocation/region/startLine: expected an integer, found "
@@ -274,7 +274,7 @@ constexpr Damage damages[] = {
     {"bad-uri-number.sarif",
      "/runs/1/results/1/locations/0/physicalLocation/artifactLocation/uri: expected a string, "
      "found a number"},
-    {"bad-utf-16.sarif", "1:1: not JSON: syntax error"},
+    {"bad-utf-16.sarif", "1:1: not JSON: UTF-16 text, only plain UTF-8 is read"},
     {"bad-version.sarif", "/version: SARIF version \"2.0.0\" is not read, only \"2.1.0\""},
     {"bad-version-number.sarif", "/version: expected a string, found a number"},
     {"bad-xml.sarif", "1:1: not JSON: syntax error"},
@@ -301,6 +301,21 @@ TEST(SarifReader, NestingHasALimitAndNoEffectOnTheStack) {
     EXPECT_EQ(complaint_about(nested(999)), "nothing");
     EXPECT_EQ(complaint_about(nested(1000)), "log:1:1047: not JSON: too deep");
     EXPECT_EQ(complaint_about(nested(1000000)), "log:1:1047: not JSON: too deep");
+}
+
+TEST(SarifReader, WhatIsEasyToSeeIsToldOfOtherEncodings) {
+    using namespace std::string_literals;
+    auto const told = [](std::string const& form) {
+        return "log:1:1: not JSON: " + form + ", only plain UTF-8 is read";
+    };
+    EXPECT_EQ(complaint_about("{\0}\0"s), told("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\0{\0}"s), told("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\xFF\xFE\0\0{\0\0\0"s), told("UTF-32 text"));
+    EXPECT_EQ(complaint_about("\x1F\x8B\x08\0"s), told("compressed by gzip"));
+    EXPECT_EQ(complaint_about("PK\x03\x04"), told("a zip archive"));
+    EXPECT_EQ(complaint_about("{\"a\":\n \"\xE4 text\"}"),
+              "log:2:3: not JSON: the byte \\xe4 is not UTF-8, as in Latin-1 text");
+    EXPECT_EQ(complaint_about("{\"a\": x \"\xE4\""), "log:1:7: not JSON: syntax error");
 }
 
 TEST(SarifReader, ColumnsCountCharacters) {

@@ -1,0 +1,55 @@
+#include "foreign_form.hpp"
+
+namespace bradep {
+namespace {
+
+using namespace std::string_view_literals;
+
+struct Form {
+    std::string_view start;
+    std::string_view name;
+};
+
+// Of two that fit the first counts. Text starts with one of ASCII's, as JSON does.
+constexpr Form forms[] = {
+    {"\x1F\x8B"sv, "compressed by gzip"},
+    {"PK\x03\x04"sv, "a zip archive"},
+    {"\x28\xB5\x2F\xFD"sv, "compressed by zstd"},
+    {"\xFD"
+     "7zXZ\0"sv,
+     "compressed by xz"},
+    {"BZh"sv, "compressed by bzip2"},
+    {"\xFF\xFE\0\0"sv, "UTF-32 text"},
+    {"\0\0\xFE\xFF"sv, "UTF-32 text"},
+    {"{\0\0\0"sv, "UTF-32 text"},
+    {"\0\0\0{"sv, "UTF-32 text"},
+    {"\xFF\xFE"sv, "UTF-16 text"},
+    {"\xFE\xFF"sv, "UTF-16 text"},
+    {"{\0"sv, "UTF-16 text"},
+    {"\0{"sv, "UTF-16 text"},
+};
+
+constexpr std::string_view blanks = " \t\r\n";
+
+// A whole file may be one line.
+std::string_view without_blanks(std::string_view text) {
+    auto const start = text.find_first_not_of(blanks);
+    return start == std::string_view::npos ? std::string_view() : text.substr(start);
+}
+
+bool starts_as_json(std::string_view text) {
+    text = without_blanks(text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text);
+    if (text.empty() || (text.front() != '{' && text.front() != '[')) return false;
+    auto const inside = without_blanks(text.substr(1));
+    return !inside.empty() && std::string_view("\"{}[]").find(inside.front()) != blanks.npos;
+}
+
+}  // namespace
+
+std::string_view foreign_form(std::string_view bytes) {
+    for (auto const& [start, name] : forms)
+        if (bytes.starts_with(start)) return name;
+    return starts_as_json(bytes) ? json_form : std::string_view();
+}
+
+}  // namespace bradep

@@ -6,6 +6,7 @@
 
 #include "errors.hpp"
 #include "limited_output.hpp"
+#include "path_check.hpp"
 #include "printable.hpp"
 #include "walk_options.hpp"
 
@@ -26,6 +27,12 @@ bool prints_on_terminal(Streams const& streams) {
     return streams.prints_on_standard_output && ::isatty(STDOUT_FILENO) != 0;
 }
 
+std::string missing_part(std::string const& path, Dumped const& dumped) {
+    if (dumped.reached == path.size()) return "there is nothing at " + part_name(path);
+    auto const owner = part_name(std::string_view(path).substr(0, dumped.reached));
+    return "there is no " + std::string(step_at(path, dumped.reached)) + " in " + owner;
+}
+
 Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& streams) {
     Walked_Input const input(options, streams);
     DumpOptions        dump_options;
@@ -36,6 +43,8 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
     else if (options.pretty)
         dump_options.form = DumpOptions::Form::pretty;
 
+    if (auto const complaint = path_complaint(*input.root().type, dump_options.path, in_lines))
+        throw Damaged_Input(input.name() + ": " + *complaint);
     Limited_Output limited(streams.out, options.max_output);
     Dumped const   dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
@@ -46,8 +55,7 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
     report_findings(streams.err, input.name(), dumped.findings, dumped.odd_count);
     if (!dumped.found && dumped.answer != Answer::unsafe)
         streams.err << "bradep: "
-                    << printable(input.name() + ": there is no " + (in_lines ? "table " : "") +
-                                 dump_options.path)
+                    << printable(input.name() + ": " + missing_part(dump_options.path, dumped))
                     << '\n';
     return dumped.found && dumped.answer != Answer::unsafe ? exit_done : exit_no;
 }
@@ -63,7 +71,8 @@ Action declare_dump(CLI::App& app) {
     auto* const pretty = app.add_flag("--pretty", options->pretty, "With line breaks");
     auto* const select =
         app.add_option("--select", options->part,
-                       "Only this part, as in checks[(\"src/a.c\",3)].category.OVFL")
+                       "Only this part, as in checks[(\"src/a.c\",3)].category.OVFL; [#3] is "
+                       "the value of the fourth entry of a table")
             ->type_name("PATH");
     app.add_option("--ndjson", options->table,
                    "One line for each element or [key, value] of this list, set or table")

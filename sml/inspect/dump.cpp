@@ -192,6 +192,7 @@ public:
     void finish() {
         if (is_selected_) deselect();
         dumped.found = was_selected_;
+        dumped.reached = match_.reached();
         // The unsafe one stands last and is always told.
         auto&      findings = dumped.findings;
         auto const unsafe = [&] { return findings.end() - (dumped.answer == Answer::unsafe); };
@@ -396,8 +397,11 @@ Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
     if (are_read_over) {
         verdict = verify(root, bytes, options.walk);
         if (verdict.answer != Answer::unsafe) {
-            bool const found = dump_kept(root, bytes, out, options, budget).found;
-            return {verdict.answer, verdict.odd_count, std::move(verdict.findings), found};
+            Dumped kept = dump_kept(root, bytes, out, options, budget);
+            kept.answer = verdict.answer;
+            kept.odd_count = verdict.odd_count;
+            kept.findings = std::move(verdict.findings);
+            return kept;
         }
     }
     Dumped dumped = dump_entries(root, bytes, out, options, std::move(superseded), budget);

@@ -29,6 +29,7 @@ struct Dumped {
     std::uint64_t        odd_count = 0;
     std::vector<Finding> findings;      ///< the odd ones listed, then the unsafe one
     bool                 found = true;  ///< whether the path led to something, to a table for lines
+    std::size_t          reached = 0;   ///< how many bytes of the path led to something, at best
 };
 
 /// Writes what a reader of the bytes would have. An unsafe byte ends the value: it is marked by

@@ -236,7 +236,73 @@ TEST(DumpCommand, PrintsAPart) {
         "{\"root\":\"String_To_StringSet_T\",\"path\":\"[\\\"b\\\"][1]\",\"value\":\"a\"}\n", "");
     expect_outcome(
         run_command({"dump", "--root", sets, "--select", R"(["b"][2])", "-"}, two_sets()), 1, "",
-        "bradep: standard input: there is no [\"b\"][2]\n");
+        "bradep: standard input: there is no [2] in [\"b\"]\n");
+}
+
+TEST(DumpCommand, TakesTheNumberOfAnEntryForItsKey) {
+    auto const selected = [](std::string const& path) {
+        return run_command({"dump", "--root", sets, "--select", path, "-"}, two_sets());
+    };
+    EXPECT_EQ(selected("[#0]").out,
+              "{\"root\":\"String_To_StringSet_T\",\"path\":\"[#0]\",\"value\":[\"z\",\"a\"]}\n");
+    EXPECT_EQ(selected("[#0][1]").out,
+              "{\"root\":\"String_To_StringSet_T\",\"path\":\"[#0][1]\",\"value\":\"a\"}\n");
+    EXPECT_EQ(selected("[#1].key").out,
+              "{\"root\":\"String_To_StringSet_T\",\"path\":\"[#1].key\",\"value\":\"a\"}\n");
+    expect_outcome(selected("[#2]"), 1, "",
+                   "bradep: standard input: there is no [#2] in the root\n");
+    expect_outcome(selected("[#1][0]"), 1, "", "bradep: standard input: there is no [0] in [#1]\n");
+    auto const lines = run_command({"dump", "--root", sets, "--ndjson", "[#0]", "-"}, two_sets());
+    EXPECT_EQ(lines.out, "\"z\"\n\"a\"\n");
+}
+
+TEST(DumpCommand, AnIndexIsAKeyWhereKeysAreNumbers) {
+    std::string const stem = "Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T";
+    std::string const json = R"({"root":")" + stem + R"(","value":[]})";
+    auto const        bytes = run_command({"encode", "-", "-o", "-"}, json).out;
+    expect_outcome(run_command({"dump", "--root", stem, "--select", "[3]", "-"}, bytes), 1, "",
+                   "bradep: standard input: there is no [3] in the root\n");
+}
+
+TEST(DumpCommand, AStepThatDoesNotFitIsTold) {
+    auto const told = [](std::string const& path) {
+        auto const outcome = run_command({"dump", "--select", path, "-"}, imported_flows());
+        EXPECT_EQ(outcome.code, 1) << path;
+        EXPECT_EQ(outcome.out, "") << path;
+        auto const line = outcome.err.rfind("bradep: standard input: " + path + ": ");
+        return line == std::string::npos ? outcome.err
+                                         : outcome.err.substr(line + 24 + path.size() + 2);
+    };
+    std::string const checks = "application_results.checks";
+    EXPECT_EQ(told("aplication_results"),
+              "aplication_results at the start, where a field belongs; the nearest is "
+              "application_results\n");
+    EXPECT_EQ(told(checks + "[3]"), "[3] after " + checks +
+                                        ", where a key belongs, as [(\"...\",0)], or the number "
+                                        "of an entry, as [#0]\n");
+    EXPECT_TRUE(told(checks + "[(\"a.c\",1)").starts_with("[(\"a.c\",1) after " + checks));
+    EXPECT_TRUE(told(checks + ".first").starts_with("first after " + checks + ", where a key"));
+    EXPECT_EQ(told("check_data[0].2"),
+              "2 after check_data[0], where a part from .0 to .1 belongs\n");
+    EXPECT_EQ(told("check_data.0"), "0 after check_data, where an index belongs, as [0]\n");
+    EXPECT_EQ(told("check_data[(\"a\",1)]"),
+              "[(\"a\",1)] after check_data, where an index belongs, as [0]\n");
+    EXPECT_EQ(told("check_data[0].1.category.OVL"),
+              "OVL after check_data[0].1.category, where an arm with a payload belongs; the "
+              "nearest is OVFL\n");
+    EXPECT_EQ(told("check_data[0].0.x"), "x after check_data[0].0, where nothing more belongs\n");
+    EXPECT_EQ(told("check_data[0]."),
+              "nothing after check_data[0], where a part from .0 to .1 belongs\n");
+    EXPECT_EQ(told("check_data[0]1"), "1 after check_data[0], where a dot belongs\n");
+    EXPECT_EQ(told(".check_data"), "check_data at the start, where no dot belongs\n");
+}
+
+TEST(DumpCommand, AnotherArmIsTold) {
+    auto const outcome = run_command(
+        {"dump", "--root", result_set, "--select", "check_data[0].1.category.OVFL.ovfl_data", "-"},
+        imported_flows());
+    expect_outcome(outcome, 1, "",
+                   "bradep: standard input: there is no OVFL in check_data[0].1.category\n");
 }
 
 TEST(DumpCommand, PrintsLines) {
@@ -246,7 +312,7 @@ TEST(DumpCommand, PrintsLines) {
                    0, "\"z\"\n\"a\"\n", "");
     expect_outcome(
         run_command({"dump", "--root", sets, "--ndjson", R"(["b"][0])", "-"}, two_sets()), 1, "",
-        "bradep: standard input: there is no table [\"b\"][0]\n");
+        "bradep: standard input: [\"b\"][0] is no list, set or table\n");
 }
 
 TEST(DumpCommand, FormsExcludeOneAnother) {

@@ -396,6 +396,24 @@ TEST(Select, KeyAndPartOfAKey) {
     expect_selected<Tables>(tables(), "[#0].key.1", "3");
 }
 
+TEST(Select, ValueByTheNumberOfItsEntry) {
+    expect_selected<Tables>(tables(), "[#1][0].Assert.1", "9");
+    expect_selected<Numbers>(word(1) + told(1, "a") + word(7), "[#0]", "7");
+    EXPECT_FALSE(selected<Tables>(tables(), "[#2]").dumped.found);
+    EXPECT_FALSE(selected<Tables>(tables(), "[#]").dumped.found);
+}
+
+TEST(Select, HowFarThePathLedIsTold) {
+    auto const reached = [](std::string const& path) {
+        return path.substr(0, selected<Tables>(tables(), path).dumped.reached);
+    };
+    EXPECT_EQ(reached("x"), "");
+    EXPECT_EQ(reached(R"([("a.c",5)])"), "");
+    EXPECT_EQ(reached(R"([("a.c",3)][7].Marker)"), R"([("a.c",3)])");
+    EXPECT_EQ(reached(R"([("a.c",3)][0].Assert)"), R"([("a.c",3)][0])");
+    EXPECT_EQ(reached(R"([("a.c",3)][0].Marker)"), R"([("a.c",3)][0].Marker)");
+}
+
 TEST(Select, FlagAndFieldBehindAnOptional) {
     expect_selected<std::array<bool, 4>>("TFTT", "[1]", "false");
     expect_selected<std::optional<std::list<std::int32_t>>>("T" + word(1) + word(7), "[0]", "7");

@@ -3,6 +3,7 @@
 
 #include <sml/inspect/walk/walk.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,7 +11,8 @@
 
 namespace sml::inspect {
 
-/// The part is where the walk's steps, printed, are the path; the first of several.
+/// The part is where the walk's steps, printed, are the path; the first of several. The value of a
+/// map's entry also goes by the entry's number, as in `[#3]`.
 class PathMatch {
 public:
     PathMatch(Walk const& walk, std::string_view path) : walk_(walk), path_(path) {}
@@ -21,18 +23,36 @@ public:
         if (depth <= matched_.size()) matched_.resize(depth - 1);
         if (found_ || depth != matched_.size() + 1) return false;
         std::string path(path_.substr(0, matched_.empty() ? 0 : matched_.back()));
-        walk_.append_step(path, walk_.step());
+        append_step(path);
+        if (!is_led_to_by(path)) return false;
+        reached_ = std::max(reached_, path.size());
         if (path == path_) return found_ = true;
-        char const next = path.size() < path_.size() ? path_[path.size()] : '\0';
-        if ((next == '.' || next == '[') && path_.starts_with(path))
-            matched_.push_back(path.size());
+        matched_.push_back(path.size());
         return false;
     }
 
+    /// How much of the path led to something, at best.
+    std::size_t reached() const { return reached_; }
+
 private:
+    bool is_led_to_by(std::string_view path) const {
+        if (!path_.starts_with(path)) return false;
+        char const next = path.size() < path_.size() ? path_[path.size()] : '.';
+        return next == '.' || next == '[';
+    }
+
+    void append_step(std::string& path) const {
+        Step const& step = walk_.step();
+        bool const  is_value_of_entry = step.key_offset != Step::nowhere;
+        if (!is_value_of_entry || !path_.substr(path.size()).starts_with("[#"))
+            return walk_.append_step(path, step);
+        path += "[#" + std::to_string(step.part) + ']';
+    }
+
     Walk const&              walk_;
     std::string_view         path_;
     std::vector<std::size_t> matched_;  // how much of the path each matching step has reached
+    std::size_t              reached_ = 0;
     bool                     found_ = false;
 };
 

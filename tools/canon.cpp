@@ -3,6 +3,7 @@
 #include <sml/inspect/canonical.hpp>
 #include "errors.hpp"
 #include "output_file.hpp"
+#include "printable.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -33,12 +34,19 @@ Exit_Code write_canon(Options const& options, Streams& streams) {
     return exit_done;
 }
 
+struct Digest_Options : Walk_Options {
+    std::vector<std::string> files;
+};
+
+// As other programs print sums, with the name that was given.
 Exit_Code print_digest(Walk_Options const& options, Streams& streams) {
     Walked_Input const input(options, streams);
     refuse_without_canonical_form(input);
-    streams.out << input.watch("sorting", [&](VerifyOptions const& watched) {
-        return digest(input.root(), input.bytes(), watched.walk());
-    }) << '\n';
+    streams.out << input.watch("sorting",
+                               [&](VerifyOptions const& watched) {
+                                   return digest(input.root(), input.bytes(), watched.walk());
+                               })
+                << "  " << printable(options.file) << '\n';
     return exit_done;
 }
 
@@ -61,10 +69,13 @@ Action declare_canon(CLI::App& app) {
 }
 
 Action declare_digest(CLI::App& app) {
-    auto options = std::make_shared<Walk_Options>();
-    declare_walk_options(app, *options);
-    app.footer(what_is_canonical);
-    return [options](Streams& streams) { return print_digest(*options, streams); };
+    auto options = std::make_shared<Digest_Options>();
+    declare_walk_options(app, *options, options->files);
+    app.footer("Prints the sum and the name of each file.\n" + std::string(what_is_canonical));
+    return [options](Streams& streams) {
+        return for_each_file(options->files, *options, streams,
+                             [&](Walk_Options const& one) { return print_digest(one, streams); });
+    };
 }
 
 }  // namespace bradep

@@ -5,6 +5,8 @@
 #include <functional>
 #include <istream>
 #include <ostream>
+#include <set>
+#include <string>
 
 #include "errors.hpp"
 
@@ -15,6 +17,8 @@ struct Streams {
     std::ostream& out;
     std::ostream& err;
     bool          prints_on_standard_output;  // of the process, and no stream in its place
+
+    std::set<std::string> told{};  // what need not be said again
 };
 
 using Action = std::function<Exit_Code(Streams&)>;

@@ -2,12 +2,13 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "errors.hpp"
 #include "limited_output.hpp"
 #include "path_check.hpp"
-#include "printable.hpp"
+#include "report.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -25,6 +26,11 @@ struct Options : Walk_Options {
 // There a line of progress would stand in the midst of the JSON.
 bool prints_on_terminal(Streams const& streams) {
     return streams.prints_on_standard_output && ::isatty(STDOUT_FILENO) != 0;
+}
+
+std::uint64_t odd_ones(std::vector<Finding> const& findings) {
+    return static_cast<std::uint64_t>(
+        std::ranges::count(findings, Severity::odd, &Finding::severity));
 }
 
 std::string missing_part(std::string const& path, Dumped const& dumped) {
@@ -52,11 +58,11 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
         return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });
     limited.refuse_if_cut(input.name());
-    report_findings(streams.err, input.name(), dumped.findings, dumped.odd_count);
+    report_findings(streams.err, input.name(), dumped.findings);
+    if (auto const more = dumped.odd_count - odd_ones(dumped.findings))
+        report(streams.err, input.name() + ": " + std::to_string(more) + " more odd findings");
     if (!dumped.found && dumped.answer != Answer::unsafe)
-        streams.err << "bradep: "
-                    << printable(input.name() + ": " + missing_part(dump_options.path, dumped))
-                    << '\n';
+        report(streams.err, input.name() + ": " + missing_part(dump_options.path, dumped));
     return dumped.found && dumped.answer != Answer::unsafe ? exit_done : exit_no;
 }
 
@@ -65,7 +71,7 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
 Action declare_dump(CLI::App& app) {
     auto options = std::make_shared<Options>();
     declare_walk_options(app, *options);
-    declare_findings_option(app, *options);
+    declare_findings_option(app, *options, "How many odd findings to list; all are counted");
     declare_size(app, "--max-output", options->max_output,
                  "Bytes to print; before more, printing ends and the code is 1");
     auto* const pretty = app.add_flag("--pretty", options->pretty, "With line breaks");

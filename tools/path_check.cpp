@@ -196,6 +196,18 @@ std::string_view step_at(std::string_view path, std::size_t at) {
     return path.substr(0, path.find_first_of(".["));
 }
 
+std::string path_shape(std::string_view path) {
+    std::string shape;
+    for (std::size_t at = 0; at < path.size();) {
+        auto const step = step_at(path, at);
+        bool const is_name = !step.starts_with('[');
+        if (path[at] == '.') shape += path[at++];
+        shape += is_name ? step : "[*]";
+        at += step.size();
+    }
+    return shape;
+}
+
 std::string part_name(std::string_view path) {
     return path.empty() ? "the root" : std::string(path);
 }

@@ -17,6 +17,9 @@ std::optional<std::string> path_complaint(sml::inspect::Type const& type, std::s
 // The step of a path that starts at `at`, without its dot.
 std::string_view step_at(std::string_view path, std::size_t at);
 
+// The path with a star for each key and index: `checks[*].category`.
+std::string path_shape(std::string_view path);
+
 // "checks[3]", or "the root" for the empty path.
 std::string part_name(std::string_view path);
 

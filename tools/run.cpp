@@ -11,7 +11,7 @@
 #include "command.hpp"
 #include "errors.hpp"
 #include "noting_output.hpp"
-#include "printable.hpp"
+#include "report.hpp"
 
 namespace bradep {
 namespace {
@@ -33,8 +33,8 @@ constexpr char const* exit_codes =
     "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage, a file that\n"
     "cannot be read or written, or no memory left. Errors go to standard error.";
 
-int report(std::ostream& err, Exit_Code code, std::string const& what) {
-    err << "bradep: " << printable(what) << '\n';
+int ended(std::ostream& err, Exit_Code code, std::string const& what) {
+    report(err, what);
     return code;
 }
 
@@ -95,17 +95,17 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
         return parse_and_act(app, args, actions, noting,
                              {in, noting.stream(), err, &out == &std::cout});
     } catch (CLI::ParseError const& error) {
-        return report(err, exit_usage_or_io,
-                      std::string(error.what()) + " (bradep --help tells more)");
+        return ended(err, exit_usage_or_io,
+                     std::string(error.what()) + " (bradep --help tells more)");
     } catch (Damaged_Input const& error) {
-        return report(err, exit_no, error.what());
+        return ended(err, exit_no, error.what());
     } catch (sml::inspect::BudgetExceeded const&) {
-        return report(err, exit_usage_or_io,
-                      "out of memory: more working memory than --max-own-memory allows");
+        return ended(err, exit_usage_or_io,
+                     "out of memory: more working memory than --max-own-memory allows");
     } catch (std::bad_alloc const&) {
-        return report(err, exit_usage_or_io, "out of memory");
+        return ended(err, exit_usage_or_io, "out of memory");
     } catch (std::exception const& error) {
-        return report(err, exit_usage_or_io, error.what());
+        return ended(err, exit_usage_or_io, error.what());
     }
 }
 

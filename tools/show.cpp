@@ -46,11 +46,12 @@ void read(Walked_Input const& input, sml::inspect::Verdict const& verdict, Resul
 void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
     if (input.bytes().empty())
         throw Damaged_Input(input.name() + ": not a result set: the file is empty");
-    auto const verdict = input.verify();
+    Finding_Groups groups(input.options().listed);
+    auto const     verdict = input.verify(groups);
     if (verdict.answer == Answer::unsafe)
         throw Damaged_Input(input.name() + ": " + told_form(input.bytes()) +
                             "can't be read as a result set: " + described(verdict.findings.back()));
-    report_findings(err, input.name(), verdict.findings, verdict.odd_count);
+    groups.report(err, input.name(), verdict);
     read(input, verdict, set);
 }
 

@@ -1,7 +1,7 @@
 #include <memory>
 
 #include "errors.hpp"
-#include "printable.hpp"
+#include "report.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -10,7 +10,8 @@ namespace {
 using namespace sml::inspect;
 
 struct Options : Walk_Options {
-    bool strict = false;
+    std::vector<std::string> files;
+    bool                     strict = false;
 };
 
 char const* name_of(Answer answer) {
@@ -21,14 +22,14 @@ char const* name_of(Answer answer) {
     }
 }
 
-Exit_Code verify_file(Options const& options, Streams& streams) {
+Exit_Code verify_file(Walk_Options const& options, bool strict, Streams& streams) {
     Walked_Input const input(options, streams);
-    Verdict const      verdict = input.verify();
+    Finding_Groups     groups(options.verify.listed);
+    Verdict const      verdict = input.verify(groups);
     auto const         form = told_form(input.bytes());
     if (options.stem && verdict.answer == Answer::unsafe && !form.empty())
-        streams.err << "bradep: " << printable(input.name()) << ": " << form << "not "
-                    << input.root().stem << '\n';
-    report_findings(streams.err, input.name(), verdict.findings, verdict.odd_count);
+        report(streams.err, input.name() + ": " + form + "not " + *options.stem);
+    groups.report(streams.err, input.name(), verdict);
     streams.out << printable(input.name()) << ": " << name_of(verdict.answer) << '\n'
                 << "  root      " << input.root().stem << '\n'
                 << "  bytes     " << verdict.walked << " of " << input.bytes().size() << '\n'
@@ -38,7 +39,7 @@ Exit_Code verify_file(Options const& options, Streams& streams) {
                 << "  heap      at most about " << verdict.heap << " bytes while it is read\n"
                 << "  work      about " << verdict.work << " comparisons of keys to read it\n";
     bool const is_refused =
-        verdict.answer == Answer::unsafe || (options.strict && verdict.answer == Answer::odd);
+        verdict.answer == Answer::unsafe || (strict && verdict.answer == Answer::odd);
     return is_refused ? exit_no : exit_done;
 }
 
@@ -46,15 +47,22 @@ Exit_Code verify_file(Options const& options, Streams& streams) {
 
 Action declare_verify(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    declare_walk_options(app, *options);
-    declare_findings_option(app, *options);
+    declare_walk_options(app, *options, options->files);
+    declare_findings_option(app, *options,
+                            "How many shapes of odd findings to list; all are counted");
     app.add_flag("--strict", options->strict, "Odd bytes are an error, too");
     app.footer(
         "good: exactly what a writer could have made for the value that a reader gets.\n"
         "odd: safe to read, but not what a writer makes.\n"
         "unsafe: a reader could read beyond the bytes, throw, abort, overflow or stop early.\n"
-        "Findings go to standard error, one a line.\n");
-    return [options](Streams& streams) { return verify_file(*options, streams); };
+        "Findings go to standard error, one a line. Odd ones whose paths differ in keys and "
+        "indices\n"
+        "alone are of one shape: the first few of each are listed, and how many more there are.\n");
+    return [options](Streams& streams) {
+        return for_each_file(options->files, *options, streams, [&](Walk_Options const& one) {
+            return verify_file(one, options->strict, streams);
+        });
+    };
 }
 
 }  // namespace bradep

@@ -6,8 +6,10 @@
 
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/nearest.hpp>
+#include "errors.hpp"
+#include "finding_groups.hpp"
 #include "foreign_form.hpp"
-#include "printable.hpp"
+#include "report.hpp"
 
 namespace bradep {
 
@@ -114,53 +116,73 @@ void declare_decimal_point(CLI::App& app, VerifyOptions& options) {
         ->type_name("CHARACTER");
 }
 
-void declare_findings_option(CLI::App& app, Walk_Options& options) {
-    declare_amount(*app.add_option("-n,--findings", options.verify.listed,
-                                   "How many odd findings to list; all are counted")
+void declare_findings_option(CLI::App& app, Walk_Options& options, char const* meaning) {
+    declare_amount(*app.add_option("-n,--findings", options.verify.listed, meaning)
                         ->capture_default_str()
                         ->type_name("NUMBER"));
 }
 
-void declare_walk_options(CLI::App& app, Walk_Options& options) {
-    app.add_option("FILE", options.file, "The bytes. - is standard input")
-        ->required()
-        ->type_name("");
+namespace {
+
+template <class Files>
+void declare_walk(CLI::App& app, Walk_Options& options, Files& files) {
+    app.add_option("FILE", files, "The bytes. - is standard input")->required()->type_name("");
+    app.add_flag("-q,--quiet", options.quiet, "Not a word about the roots that fit without --root");
     declare_max_size(app, options.max_size);
     declare_root_option(app, options.stem);
     declare_decimal_point(app, options.verify);
     declare_limits(app, options.verify.limits);
 }
 
+}  // namespace
+
+void declare_walk_options(CLI::App& app, Walk_Options& options) {
+    declare_walk(app, options, options.file);
+}
+
+void declare_walk_options(CLI::App& app, Walk_Options& options, std::vector<std::string>& files) {
+    declare_walk(app, options, files);
+}
+
 Walked_Input::Walked_Input(Walk_Options const& options, Streams& streams)
-    : err_(streams.err),
+    : streams_(streams),
       name_(input_name(options.file)),
       bytes_(options.file, options.max_size, streams.in),
       options_(options.verify),
-      root_(options.stem ? &root_of(*options.stem) : choose_root()) {}
+      root_(options.stem ? &root_of(*options.stem) : choose_root(options.quiet)) {}
 
-Root const* Walked_Input::choose_root() const {
+Root const* Walked_Input::choose_root(bool quiet) const {
     auto       candidates = watch("looking for its root", [&](VerifyOptions const& watched) {
         return identify(bytes(), watched);
     });
     auto const best = candidates.front();
-    auto const name = printable(name_);
     if (best.answer == Answer::unsafe) {
-        err_ << "bradep: " << name << ": " << told_form(bytes()) << "fits no root, read as "
-             << best.root->stem << ", which came furthest: to byte " << best.walked << " of "
-             << bytes().size() << '\n';
+        report(streams_.err, name_ + ": " + told_form(bytes()) + "fits no root, read as " +
+                                 std::string(best.root->stem) + ", which came furthest: to byte " +
+                                 std::to_string(best.walked) + " of " +
+                                 std::to_string(bytes().size()));
         return best.root;
     }
-    err_ << "bradep: " << name << ": read as " << best.root->stem;
     std::erase_if(candidates, [&](Candidate const& other) {
         return other.answer == Answer::unsafe || other.root == best.root;
     });
-    if (!candidates.empty()) err_ << "; it also fits " << stems_of(candidates);
-    err_ << '\n';
+    auto const told =
+        "read as " + std::string(best.root->stem) + "; it also fits " + stems_of(candidates);
+    if (!candidates.empty() && !quiet && streams_.told.insert(told).second)
+        report(streams_.err, name_ + ": " + told);
     return best.root;
 }
 
 Verdict Walked_Input::verify() const {
     return watch("verifying", [&](VerifyOptions const& watched) {
+        return sml::inspect::verify(root(), bytes(), watched);
+    });
+}
+
+Verdict Walked_Input::verify(Finding_Groups& groups) const {
+    return watch("verifying", [&](VerifyOptions watched) {
+        watched.listed = Finding_Groups::most_findings;
+        watched.listener = [&](Finding const& finding) { groups.add(finding); };
         return sml::inspect::verify(root(), bytes(), watched);
     });
 }
@@ -185,17 +207,30 @@ std::string described(Finding const& finding) {
 }
 
 void report_findings(std::ostream& err, std::string const& name,
-                     std::vector<Finding> const& findings, std::uint64_t odd_count) {
-    std::uint64_t listed = 0;
-    for (Finding const& finding : findings) {
-        bool const is_odd = finding.severity == Severity::odd;
-        listed += is_odd ? 1 : 0;
-        err << "bradep: " << printable(name + ": " + described(finding))
-            << (is_odd ? " (odd)\n" : " (unsafe)\n");
+                     std::vector<Finding> const& findings) {
+    for (Finding const& finding : findings)
+        report(err, name + ": " + described(finding) +
+                        (finding.severity == Severity::odd ? " (odd)" : " (unsafe)"));
+}
+
+Exit_Code for_each_file(std::vector<std::string> const& files, Walk_Options options,
+                        Streams&                                             streams,
+                        std::function<Exit_Code(Walk_Options const&)> const& act) {
+    Exit_Code  highest = exit_done;
+    auto const end_with = [&](Exit_Code code) { highest = std::max(highest, code); };
+    for (auto const& file : files) {
+        options.file = file;
+        try {
+            end_with(act(options));
+        } catch (Damaged_Input const& error) {
+            report(streams.err, error.what());
+            end_with(exit_no);
+        } catch (Io_Failure const& error) {
+            report(streams.err, error.what());
+            end_with(exit_usage_or_io);
+        }
     }
-    if (odd_count > listed)
-        err << "bradep: " << printable(name) << ": " << odd_count - listed
-            << " more odd findings\n";
+    return highest;
 }
 
 }  // namespace bradep

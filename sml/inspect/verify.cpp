@@ -13,8 +13,8 @@ namespace {
 
 class Verifier : public SilentVisitor {
 public:
-    Verifier(Walk& walk, std::size_t listed)
-        : walk_(walk), listed_(listed), keys_(&walk.budget), model_(&walk.budget) {
+    Verifier(Walk& walk, VerifyOptions const& options)
+        : walk_(walk), options_(options), keys_(&walk.budget), model_(&walk.budget) {
         walk.strings.model_reader(model_);
     }
 
@@ -54,7 +54,7 @@ public:
 
     template <class Make>
     void odd(Oddity oddity, Make const& make) {
-        if (verdict.odd_count < listed_) verdict.findings.push_back(make());
+        if (verdict.odd_count < options_.listed) list(make());
         ++verdict.odd_count;
         if (oddity != Oddity::unknown && !verdict.reason_against_encoding)
             verdict.reason_against_encoding = make();
@@ -75,6 +75,13 @@ public:
     Verdict verdict;
 
 private:
+    void list(Finding const& finding) {
+        if (options_.listener)
+            options_.listener(finding);
+        else
+            verdict.findings.push_back(finding);
+    }
+
     /// And back. No bytes can be made whose hash becomes `Keys::no_hash`.
     static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
 
@@ -86,10 +93,10 @@ private:
         return model_.counts_keys() ? seeded_hash(hash, 0) : hash;
     }
 
-    Walk const& walk_;
-    std::size_t listed_;
-    KeyTable    keys_;
-    ReaderModel model_;
+    Walk const&          walk_;
+    VerifyOptions const& options_;
+    KeyTable             keys_;
+    ReaderModel          model_;
 
     std::uint64_t texts_compared_ = 0;
 
@@ -107,7 +114,7 @@ bool fits_better(Candidate const& a, Candidate const& b) {
 Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options) {
     Budget   budget(options.limits.own_memory);
     Walk     walk(bytes, options.walk(), budget);
-    Verifier verifier(walk, options.listed);
+    Verifier verifier(walk, options);
     Walker(walk, verifier).run(*root.type);
 
     Verdict& verdict = verifier.verdict;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,10 @@ struct VerifyOptions {
 
     /// Told how many bytes have been walked, now and then: for another thread to show.
     std::atomic<std::uint64_t>* progress = nullptr;
+
+    /// Told of the odd findings listed, as they are met; they are not kept then. Of no use to
+    /// `dump`.
+    std::function<void(Finding const&)> listener{};
 
     WalkOptions walk() const { return {limits, decimal_point, progress}; }
 };

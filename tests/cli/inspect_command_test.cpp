@@ -84,19 +84,74 @@ TEST(VerifyCommand, UnsafeBytesAreCodeOne) {
               "found 1 more bytes (unsafe)\n");
 }
 
+constexpr char const* pragmas = "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList";
+
+/// What is told of the flag in the element of a list of such parameters.
+std::string odd_flag(std::size_t index) {
+    return "bradep: standard input: byte " + std::to_string(8 + 5 * index) + " at [" +
+           std::to_string(index) + "].BOOL_PRAGMA_PARAMETER: expected T or F, found 'x' (odd)\n";
+}
+
 TEST(VerifyCommand, FindingsAreBoundedAndAllAreCounted) {
     std::string bytes = hex::bytes("03 00 00 00");
     for (int i = 0; i < 3; ++i) bytes += hex::bytes("00 00 00 00 'x'");
-    auto const outcome =
-        run_command({"verify", "-n", "1", "--root",
-                     "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList", "-"},
-                    bytes);
+    auto const verified = [&](char const* most) {
+        auto outcome = run_command({"verify", "-n", most, "--root", pragmas, "-"}, bytes);
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_TRUE(contains(outcome.out, "  odd       3\n"));
+        return outcome.err;
+    };
+    EXPECT_EQ(verified("0"), "bradep: standard input: 3 more odd findings\n");
+    EXPECT_EQ(verified("1"), odd_flag(0) + odd_flag(1) + odd_flag(2));
+}
+
+TEST(VerifyCommand, FindingsOfOneShapeAreToldTogether) {
+    std::string bytes = hex::bytes("A1 86 01 00");  // 100,001
+    for (int i = 0; i < 100'000; ++i) bytes += hex::bytes("00 00 00 00 'x'");
+    bytes += hex::bytes("63 00 00 00 00 00 00 00 00 00 00 00");  // an unknown tag
+    auto const outcome = run_command({"verify", "--root", pragmas, "-"}, bytes);
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_TRUE(contains(outcome.out, "  odd       3\n"));
-    EXPECT_EQ(outcome.err,
-              "bradep: standard input: byte 8 at [0].BOOL_PRAGMA_PARAMETER: expected T or F, "
-              "found 'x' (odd)\n"
-              "bradep: standard input: 2 more odd findings\n");
+    EXPECT_TRUE(outcome.err.starts_with(
+        odd_flag(0) + odd_flag(1) + odd_flag(2) +
+        "bradep: standard input: 99997 more at [*].BOOL_PRAGMA_PARAMETER (odd)\n"
+        "bradep: standard input: byte 500004 at [100000]: expected a tag "))
+        << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 5) << outcome.err;
+    auto const one = run_command({"verify", "-n", "1", "--root", pragmas, "-"}, bytes);
+    EXPECT_TRUE(one.err.ends_with("(odd)\nbradep: standard input: 1 more odd findings\n"))
+        << one.err;
+}
+
+TEST(VerifyCommand, TakesSeveralFiles) {
+    Scratch const scratch;
+    auto const    good = (scratch / "good").string();
+    auto const    unsafe = (scratch / "unsafe").string();
+    write_bytes(good, two_sets());
+    write_bytes(unsafe, two_sets() + "x");
+    auto const outcome = run_command({"verify", "--root", sets, unsafe, "/no/such", good});
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(outcome.out.starts_with(unsafe + ": unsafe\n")) << outcome.out;
+    EXPECT_TRUE(contains(outcome.out, "\n" + good + ": good\n")) << outcome.out;
+    EXPECT_TRUE(
+        outcome.err.ends_with("\nbradep: cannot read /no/such: No such file or directory\n"))
+        << outcome.err;
+    EXPECT_EQ(run_command({"verify", "--root", sets, unsafe, good}).code, 1);
+    EXPECT_EQ(run_command({"verify", "--root", sets, good, good}).code, 0);
+}
+
+TEST(DigestCommand, TakesSeveralFilesAndTellsTheirNames) {
+    Scratch const scratch;
+    auto const    first = (scratch / "a").string();
+    auto const    second = (scratch / "b\n").string();
+    write_bytes(first, two_sets());
+    write_bytes(second, two_sets());
+    auto const one = run_command({"digest", "--root", sets, "-"}, two_sets()).out;
+    auto const sum = one.substr(0, one.find(' '));
+    EXPECT_EQ(sum.size(), 64U);
+    EXPECT_EQ(one, sum + "  -\n");
+    expect_outcome(run_command({"digest", "--root", sets, first, "/no/such", second}), 2,
+                   sum + "  " + first + "\n" + sum + "  " + (scratch / "b ").string() + "\n",
+                   "bradep: cannot read /no/such: No such file or directory\n");
 }
 
 TEST(VerifyCommand, FileIsReadLikeStandardInput) {
@@ -199,9 +254,22 @@ TEST(ChosenRoot, FirstThatFitsIsTakenAndTheOthersAreTold) {
     EXPECT_EQ(run_command({"canon", "-", "-o", "-"}, "T").err, told);
 }
 
-TEST(ChosenRoot, OnlyOneThatFitsIsToldAlone) {
-    EXPECT_EQ(run_command({"verify", "-"}, imported_flows()).err,
-              "bradep: standard input: read as "s + result_set + "\n");
+TEST(ChosenRoot, OnlyOneThatFitsIsNotTold) {
+    EXPECT_EQ(run_command({"verify", "-"}, imported_flows()).err, "");
+}
+
+TEST(ChosenRoot, IsToldOnceForAllFilesAndNotWhenQuiet) {
+    Scratch const scratch;
+    auto const    first = (scratch / "a").string();
+    auto const    second = (scratch / "b").string();
+    write_bytes(first, "T");
+    write_bytes(second, "F");
+    auto const told =
+        "bradep: " + first + ": read as Answers_Answer; it also fits Answers_Context\n";
+    EXPECT_EQ(run_command({"verify", first, second}).err, told);
+    EXPECT_EQ(run_command({"digest", first, second}).err, told);
+    for (std::string const command : {"verify", "digest", "dump"})
+        EXPECT_EQ(run_command({command, "-q", first}).err, "") << command;
 }
 
 TEST(ChosenRoot, OfDamagedBytesIsTheOneThatCameFurthest) {
@@ -483,7 +551,7 @@ TEST(CanonCommand, TroubleIsCodeTwo) {
 }
 
 TEST(DigestCommand, IsThatOfTheCanonicalBytes) {
-    std::string const known = "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195\n";
+    std::string const known = "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195  -\n";
     expect_outcome(run_command({"digest", "--root", sets, "-"}, two_sets()), 0, known, "");
     auto const canonical = run_command({"canon", "--root", sets, "-", "-o", "-"}, two_sets()).out;
     EXPECT_EQ(run_command({"digest", "--root", sets, "-"}, canonical).out, known);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+#include "printable.hpp"
+
+namespace bradep {
+
+// How all that goes to standard error starts, and ends: one line, whatever the text.
+inline void report(std::ostream& err, std::string_view what) {
+    err << "bradep: " << printable(what) << '\n';
+}
+
+}  // namespace bradep

@@ -4,6 +4,7 @@
 #include "errors.hpp"
 #include "output_file.hpp"
 #include "printable.hpp"
+#include "terminal.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -12,7 +13,7 @@ namespace {
 using namespace sml::inspect;
 
 struct Options : Walk_Options {
-    std::string output;
+    Output output;
 };
 
 // Throws Damaged_Input for bytes that have no canonical form.
@@ -24,9 +25,10 @@ void refuse_without_canonical_form(Walked_Input const& input) {
 }
 
 Exit_Code write_canon(Options const& options, Streams& streams) {
+    refuse_terminal(options.output, streams);
     Walked_Input const input(options, streams);
     refuse_without_canonical_form(input);
-    write_seekable(options.output, streams.out, [&](std::ostream& out) {
+    write_seekable(options.output.target, streams.out, [&](std::ostream& out) {
         input.watch("sorting", [&](VerifyOptions const& watched) {
             write_canonical(input.root(), input.bytes(), out, watched.walk());
         });
@@ -60,10 +62,7 @@ constexpr char const* what_is_canonical =
 Action declare_canon(CLI::App& app) {
     auto options = std::make_shared<Options>();
     declare_walk_options(app, *options);
-    app.add_option("-o,--output", options->output,
-                   "The bytes to write; they appear whole or not at all. - is standard output")
-        ->required()
-        ->type_name("FILE");
+    declare_output(app, options->output, "The bytes to write");
     app.footer(what_is_canonical);
     return [options](Streams& streams) { return write_canon(*options, streams); };
 }

@@ -1,7 +1,5 @@
 #include <sml/inspect/dump.hpp>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <memory>
 
@@ -9,6 +7,7 @@
 #include "limited_output.hpp"
 #include "path_check.hpp"
 #include "report.hpp"
+#include "terminal.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -22,11 +21,6 @@ struct Options : Walk_Options {
     std::string   part;
     std::string   table;
 };
-
-// There a line of progress would stand in the midst of the JSON.
-bool prints_on_terminal(Streams const& streams) {
-    return streams.prints_on_standard_output && ::isatty(STDOUT_FILENO) != 0;
-}
 
 std::uint64_t odd_ones(std::vector<Finding> const& findings) {
     return static_cast<std::uint64_t>(
@@ -54,6 +48,7 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
     Limited_Output limited(streams.out, options.max_output);
     Dumped const   dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
+        // A line of progress would stand in the midst of the JSON.
         if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;
         return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });

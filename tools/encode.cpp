@@ -5,6 +5,7 @@
 #include "errors.hpp"
 #include "input_bytes.hpp"
 #include "output_file.hpp"
+#include "terminal.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -14,7 +15,7 @@ using namespace sml::inspect;
 
 struct Options {
     std::string   file;
-    std::string   output;
+    Output        output;
     std::uint64_t max_size = default_max_size;
     Limits        limits;
 };
@@ -35,6 +36,7 @@ void refuse_unless_encodable(Root const& root, std::string_view bytes, std::stri
 }
 
 Exit_Code encode_file(Options const& options, Streams& streams) {
+    refuse_terminal(options.output, streams);
     auto const        name = input_name(options.file);
     Input_Bytes const json(options.file, options.max_size, streams.in);
     Progress          progress(streams.err, name + ", encoding", json.view().size());
@@ -45,7 +47,7 @@ Exit_Code encode_file(Options const& options, Streams& streams) {
         if (encoded.error) throw Damaged_Input(name + ":" + placed(*encoded.error));
         root = encoded.root;
     };
-    write_seekable(options.output, streams.out, write, [&](std::string_view bytes) {
+    write_seekable(options.output.target, streams.out, write, [&](std::string_view bytes) {
         refuse_unless_encodable(*root, bytes, name, options.limits);
     });
     return exit_done;
@@ -58,10 +60,7 @@ Action declare_encode(CLI::App& app) {
     app.add_option("FILE.json", options->file, "What dump has printed. - is standard input")
         ->required()
         ->type_name("");
-    app.add_option("-o,--output", options->output,
-                   "The bytes to write; they appear whole or not at all. - is standard output")
-        ->required()
-        ->type_name("FILE");
+    declare_output(app, options->output, "The bytes to write");
     declare_max_size(app, options->max_size);
     declare_limits(app, options->limits);
     app.footer(

@@ -10,6 +10,7 @@
 #include "output_file.hpp"
 #include "result_mapping.hpp"
 #include "sarif_reader.hpp"
+#include "terminal.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -20,7 +21,7 @@ using sml::inspect::VerifyOptions;
 
 struct Options {
     std::vector<std::string> inputs;
-    std::string              output;
+    Output                   output;
     std::uint64_t            max_size = default_max_size;
     sarif::Limits            limits;
     VerifyOptions            verify;  // of what is written
@@ -29,14 +30,14 @@ struct Options {
 void refuse_overwriting_an_input(Options const& options) {
     std::error_code error;  // names that cannot be looked at are told of when they are opened
     for (auto const& input : options.inputs)
-        if (std::filesystem::is_regular_file(options.output, error) &&
-            std::filesystem::equivalent(input, options.output, error))
-            throw Io_Failure("the output " + options.output + " is also an input");
+        if (std::filesystem::is_regular_file(options.output.target, error) &&
+            std::filesystem::equivalent(input, options.output.target, error))
+            throw Io_Failure("the output " + options.output.target + " is also an input");
 }
 
 // Throws Damaged_Input for a set that its readers would not take as it is.
 void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
-    auto const name = options.output == "-" ? "standard output" : options.output;
+    auto const name = options.output.target == "-" ? "standard output" : options.output.target;
     auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
                                [&](VerifyOptions const& watched) {
                                    return verify(root_of(result_set_stem), bytes, watched);
@@ -47,6 +48,7 @@ void refuse_unless_good(std::string_view bytes, Options const& options, std::ost
 }
 
 void import_logs(Options const& options, Streams& streams) {
+    refuse_terminal(options.output, streams);
     refuse_overwriting_an_input(options);
     Result_Set  set;
     Comparisons comparisons(options.verify.limits.work);
@@ -61,7 +63,7 @@ void import_logs(Options const& options, Streams& streams) {
     auto const write = [&](std::ostream& out) {
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);
     };
-    write_seekable(options.output, streams.out, write, [&](std::string_view bytes) {
+    write_seekable(options.output.target, streams.out, write, [&](std::string_view bytes) {
         refuse_unless_good(bytes, options, streams.err);
     });
 }
@@ -74,10 +76,7 @@ Action declare_import(CLI::App& app) {
                    "SARIF 2.1.0 logs; the runs of several are counted on. - is standard input")
         ->required()
         ->type_name("");
-    app.add_option("-o,--output", options->output,
-                   "The result set to write; it appears whole or not at all. - is standard output")
-        ->required()
-        ->type_name("FILE");
+    declare_output(app, options->output, "The bytes of the result set to write");
     declare_max_size(app, options->max_size);
     declare_size(app, "--max-message", options->limits.message,
                  "Bytes of a message that is put together from a text and arguments");

@@ -12,6 +12,7 @@
 #include "limited_output.hpp"
 #include "set_checks.hpp"
 #include "summary.hpp"
+#include "terminal.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -85,9 +86,10 @@ Exit_Code show(Options const& options, Streams& streams) {
         show_json(set, input.name(), options.max_output, streams.out);
         return exit_done;
     }
-    auto const microseconds = std::chrono::duration_cast<std::chrono::microseconds>(time);
-    write_summary(streams.out, set,
-                  {input.name(), input.bytes().size(), microseconds, options.rows});
+    auto const         microseconds = std::chrono::duration_cast<std::chrono::microseconds>(time);
+    std::ostringstream summary;
+    write_summary(summary, set, {input.name(), input.bytes().size(), microseconds, options.rows});
+    print_lines(streams, summary.view());
     return exit_done;
 }
 

@@ -1,0 +1,89 @@
+// What the command does where a person looks on.
+
+#include "terminal.hpp"
+
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "cli_support.hpp"
+
+namespace {
+
+using namespace cli_test;
+using bradep::cut_to_columns;
+
+/// What the real command prints on a terminal of so many columns, and its exit code.
+Outcome on_terminal(std::string const& args, unsigned short columns) {
+    struct winsize size {};
+    size.ws_row = 24;
+    size.ws_col = columns;
+    int         terminal = -1;
+    pid_t const child = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        auto const command = "exec '" BRADEP_COMMAND "' " + args;
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        ::_exit(127);
+    }
+    Outcome outcome{-1, "", ""};
+    char    bytes[4096];
+    for (ssize_t got; (got = ::read(terminal, bytes, sizeof bytes)) > 0;)
+        outcome.out.append(bytes, static_cast<std::size_t>(got));
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ::close(terminal);
+    outcome.code = WEXITSTATUS(status);
+    return outcome;
+}
+
+std::string quoted_path(fs::path const& path) { return "'" + path.string() + "'"; }
+
+TEST(Terminal, LinesAreCutToItsColumns) {
+    EXPECT_EQ(cut_to_columns("", 5), "");
+    EXPECT_EQ(cut_to_columns("abcde", 5), "abcde");
+    EXPECT_EQ(cut_to_columns("abcdef", 5), "abcd\u2026");
+    EXPECT_EQ(cut_to_columns("gr\u00F6\u00DFer", 5), "gr\u00F6\u00DF\u2026");
+    EXPECT_EQ(cut_to_columns("\u6F22\u5B57\u6F22", 6), "\u6F22\u5B57\u6F22");
+    EXPECT_EQ(cut_to_columns("\u6F22\u5B57\u6F22", 5), "\u6F22\u5B57\u2026");
+    EXPECT_EQ(cut_to_columns("e\u0301e\u0301", 2), "e\u0301e\u0301");
+}
+
+TEST(Terminal, ShowFitsIntoIt) {
+    Scratch const scratch;
+    write_bytes(scratch / "log",
+                log_with(R"({"message": {"text": ")" + std::string(300, 'm') + "\"}}"));
+    auto const set = (scratch / "set").string();
+    ASSERT_EQ(run_command({"import", (scratch / "log").string(), "-o", set}).code, 0);
+    auto const shown = on_terminal("show " + quoted_path(set), 40);
+    EXPECT_EQ(shown.code, 0);
+    auto const cut = "  (no place): warning: " + std::string(16, 'm') + "\u2026\r\n";
+    EXPECT_NE(shown.out.find(cut), std::string::npos) << shown.out;
+    auto const piped = run_command({"show", set}).out;
+    EXPECT_NE(piped.find(std::string(300, 'm')), std::string::npos);
+    EXPECT_NE(on_terminal("show --json " + quoted_path(set), 40).out.find(std::string(300, 'm')),
+              std::string::npos);
+}
+
+TEST(Terminal, GetsNoBytesUnlessForced) {
+    Scratch const scratch;
+    auto const    set = (scratch / "set").string();
+    auto const    log = fixture("flows.sarif");
+    ASSERT_EQ(run_command({"import", log.string(), "-o", set}).code, 0);
+    write_bytes(scratch / "json", run_command({"dump", set}).out);
+    for (std::string const& command : {"import " + quoted_path(log), "canon " + quoted_path(set),
+                                       "encode " + quoted_path(scratch / "json")}) {
+        auto const refused = on_terminal(command + " -o -", 80);
+        EXPECT_EQ(refused.code, 2) << command;
+        EXPECT_EQ(refused.out,
+                  "bradep: standard output is a terminal: bytes are written to it with --force "
+                  "only\r\n")
+            << command;
+        EXPECT_EQ(on_terminal(command + " -o /dev/tty", 80).code, 2) << command;
+        auto const forced = on_terminal(command + " --force -o -", 80);
+        EXPECT_EQ(forced.code, 0) << command;
+        EXPECT_GT(forced.out.size(), 1000U) << command;
+    }
+}
+
+}  // namespace

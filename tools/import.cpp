@@ -35,9 +35,13 @@ void refuse_overwriting_an_input(Options const& options) {
             throw Io_Failure("the output " + options.output.target + " is also an input");
 }
 
+std::string output_name(Options const& options) {
+    return options.output.target == "-" ? "standard output" : options.output.target;
+}
+
 // Throws Damaged_Input for a set that its readers would not take as it is.
 void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
-    auto const name = options.output.target == "-" ? "standard output" : options.output.target;
+    auto const name = output_name(options);
     auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
                                [&](VerifyOptions const& watched) {
                                    return verify(root_of(result_set_stem), bytes, watched);
@@ -45,6 +49,26 @@ void refuse_unless_good(std::string_view bytes, Options const& options, std::ost
     if (verdict.answer != Answer::good)
         throw Damaged_Input(name + ": not written, as it would be no good result set: " +
                             described(verdict.findings.back()));
+}
+
+json_input::Document parsed(std::string_view text, std::string const& name, std::ostream& err) {
+    Progress progress(err, name + ", parsing", text.size());
+    return json_input::Document(text, name, progress.done());
+}
+
+// Returns the number of its runs.
+std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
+                        Result_Set& set, Comparisons& comparisons, std::ostream& err) {
+    auto const    document = parsed(text, name, err);
+    Progress      progress(err, name + ", importing", sarif::count_results(document));
+    std::uint64_t results = 0;
+    auto const    add = [&](sarif::Result&& result) {
+        add_result(result, set, comparisons);
+        ++results;
+        if (progress.done()) progress.done()->store(results, std::memory_order_relaxed);
+    };
+    return sarif::read_log(document, name, set.application_results.first_int, add, options.limits,
+                           comparisons);
 }
 
 void import_logs(Options const& options, Streams& streams) {
@@ -55,12 +79,11 @@ void import_logs(Options const& options, Streams& streams) {
     auto&       run_count = set.application_results.first_int;
     for (auto const& input : options.inputs) {
         Input_Bytes const text(input, options.max_size, streams.in);
-        run_count += sarif::read_log(
-            text.view(), input_name(input), run_count,
-            [&](sarif::Result&& result) { add_result(result, set, comparisons); }, options.limits,
-            comparisons);
+        run_count +=
+            import_log(text.view(), input_name(input), options, set, comparisons, streams.err);
     }
     auto const write = [&](std::ostream& out) {
+        Progress const progress(streams.err, output_name(options) + ", writing");
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);
     };
     write_seekable(options.output.target, streams.out, write, [&](std::string_view bytes) {

@@ -60,17 +60,25 @@ std::size_t first_byte_outside_utf8(std::string_view text) {
     fail_at(name, text, used, "not JSON: " + error.message());
 }
 
-json::value parse(std::string_view text, std::string const& name, json::storage_ptr storage) {
-    json::parse_options options;
+json::value parse(std::string_view text, std::string const& name, json::storage_ptr storage,
+                  std::atomic<std::uint64_t>* done) {
+    constexpr std::size_t at_once = std::size_t{1} << 20;  // a few milliseconds of work
+    json::parse_options   options;
     options.max_depth = max_depth;
-    json::parser     parser(storage, options);
-    json::error_code error;
-    auto const       used = parser.write_some(text.data(), text.size(), error);
-    if (error == json::error::incomplete)
-        fail_at(name, text, text.size(), "the JSON text ends too early");
+    json::stream_parser parser(storage, options);
+    json::error_code    error;
+    std::size_t         used = 0;
+    for (std::size_t end = 0; used == end && end < text.size() && !error;) {
+        auto const piece = text.substr(end, at_once);
+        used += parser.write_some(piece.data(), piece.size(), error);
+        end += piece.size();
+        if (done) done->store(used, std::memory_order_relaxed);
+    }
     if (error) not_json(name, text, used, error);
     if (used != text.size())
         fail_at(name, text, used, "not JSON: more text after the end of the document");
+    parser.finish(error);
+    if (error) fail_at(name, text, used, "the JSON text ends too early");
     return parser.release();
 }
 
@@ -136,8 +144,8 @@ bool find_path(json::value const& here, json::value const* wanted, std::vector<s
 
 }  // namespace
 
-Document::Document(std::string_view text, std::string const& name)
-    : root_(parse(without_byte_order_mark(text), name, &arena_)) {}
+Document::Document(std::string_view text, std::string const& name, std::atomic<std::uint64_t>* done)
+    : root_(parse(without_byte_order_mark(text), name, &arena_, done)) {}
 
 std::string Document::pointer_to(json::value const& value) const {
     std::vector<std::string> path;

@@ -2,6 +2,7 @@
 // Parsing JSON and taking it apart: a value that is absent or null is none, one of a wrong type is
 // a Misfit.
 
+#include <atomic>
 #include <boost/json.hpp>
 #include <cstdint>
 #include <optional>
@@ -22,7 +23,9 @@ struct Misfit {
 class Document {
 public:
     // Throws Damaged_Input with `name:line:column`. Lines and columns (in characters) count from 1.
-    Document(std::string_view text, std::string const& name);
+    // `done` is told how many bytes have been parsed, now and then.
+    Document(std::string_view text, std::string const& name,
+             std::atomic<std::uint64_t>* done = nullptr);
 
     json::value const& root() const { return root_; }
 

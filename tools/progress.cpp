@@ -12,9 +12,9 @@ namespace bradep {
 
 using namespace std::chrono_literals;
 
-Progress::Progress(std::ostream& err, std::string name, std::uint64_t total)
+Progress::Progress(std::ostream& err, std::string const& name, std::optional<std::uint64_t> total)
     : err_(err), name_(printable(name)), total_(total) {
-    if (&err == &std::cerr && total > 0 && ::isatty(STDERR_FILENO) != 0)
+    if (&err == &std::cerr && total != 0 && ::isatty(STDERR_FILENO) != 0)
         thread_ = std::thread([this] { show(); });
 }
 
@@ -33,8 +33,9 @@ void Progress::show() {
     bool             is_shown = false;
     for (auto pause = 1000ms; !over_.wait_for(lock, pause, [this] { return is_over_; });
          pause = 200ms) {
-        auto const percent = done_.load(std::memory_order_relaxed) * 100 / total_;
-        err_ << '\r' << name_ << ": " << percent << " %" << std::flush;
+        err_ << '\r' << name_;
+        if (total_) err_ << ": " << done_.load(std::memory_order_relaxed) * 100 / *total_ << " %";
+        err_ << std::flush;
         is_shown = true;
     }
     if (is_shown) err_ << "\r\x1B[K" << std::flush;

@@ -57,7 +57,22 @@ std::string place_name(json_input::Document const& document, json::value const& 
 
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                       Result_Sink const& sink, Limits const& limits, Comparisons& comparisons) {
-    json_input::Document const document(text, name);
+    return read_log(json_input::Document(text, name), name, first_run, sink, limits, comparisons);
+}
+
+std::uint64_t count_results(json_input::Document const& document) {
+    std::uint64_t count = 0;
+    try {
+        for (auto const& run : runs_of(document.root()))
+            if (auto const* results = json_input::list(run, "results")) count += results->size();
+    } catch (Misfit const&) {  // told when the log is read
+    }
+    return count;
+}
+
+std::int32_t read_log(json_input::Document const& document, std::string const& name,
+                      std::int32_t first_run, Result_Sink const& sink, Limits const& limits,
+                      Comparisons& comparisons) {
     try {
         return read_runs(document.root(), first_run, sink, limits, comparisons);
     } catch (Misfit const& misfit) {

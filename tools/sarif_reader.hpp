@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "comparisons.hpp"
+#include "json_input.hpp"
 #include "sarif_limits.hpp"
 #include "sarif_result.hpp"
 
@@ -22,6 +23,12 @@ using Result_Sink = std::function<void(Result&&)>;
 // takes is counted.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                       Result_Sink const& sink, Limits const& limits, Comparisons& comparisons);
+
+// The same for a document that has been parsed, and how many results it has.
+std::int32_t  read_log(json_input::Document const& document, std::string const& name,
+                       std::int32_t first_run, Result_Sink const& sink, Limits const& limits,
+                       Comparisons& comparisons);
+std::uint64_t count_results(json_input::Document const& document);
 
 // The same for a log by itself, within the limits that are usual.
 inline std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,

@@ -318,6 +318,18 @@ TEST(SarifReader, WhatIsEasyToSeeIsToldOfOtherEncodings) {
     EXPECT_EQ(complaint_about("{\"a\": x \"\xE4\""), "log:1:7: not JSON: syntax error");
 }
 
+// Longer than what the parser is given at once.
+TEST(SarifReader, LongLogsAreReadLikeShortOnes) {
+    std::string const blanks(3 << 20, ' ');
+    auto const log = log_with(R"({"message": {"text": ")" + std::string(3 << 20, 'm') + "\"}}");
+    EXPECT_EQ(results_of(blanks + log + blanks).size(), 1U);
+    EXPECT_EQ(complaint_about(blanks + "\n{\"a\": }"), "log:2:7: not JSON: syntax error");
+    EXPECT_EQ(complaint_about(log + blanks + "\nx"),
+              "log:2:1: not JSON: more text after the end of the document");
+    EXPECT_EQ(complaint_about("[" + blanks),
+              "log:1:" + std::to_string(blanks.size() + 2) + ": the JSON text ends too early");
+}
+
 TEST(SarifReader, ColumnsCountCharacters) {
     EXPECT_EQ(complaint_about("{\"größe\": }"), "log:1:11: not JSON: syntax error");
     EXPECT_EQ(complaint_about("\xEF\xBB\xBF{\"a\": }"), "log:1:7: not JSON: syntax error");

@@ -86,4 +86,20 @@ TEST(Terminal, GetsNoBytesUnlessForced) {
     }
 }
 
+// The log is as large as it takes to be at work for some seconds.
+TEST(Terminal, ImportShowsItsProgress) {
+    Scratch const scratch;
+    std::string   results = R"({"message": {"text": "m"}})";
+    std::string   locations = R"({"id": 1})";
+    for (int i = 0; i < 100; ++i) locations += R"(,{"id": 1})";
+    for (int i = 0; i < 10000; ++i)
+        results += R"(,{"message": {"text": "m"}, "relatedLocations": [)" + locations + "]}";
+    write_bytes(scratch / "log", log_with(results));
+    auto const outcome = on_terminal(
+        "import " + quoted_path(scratch / "log") + " -o " + quoted_path(scratch / "set"), 80);
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_NE(outcome.out.find("log, importing: "), std::string::npos) << outcome.out;
+    EXPECT_TRUE(outcome.out.ends_with("\r\x1B[K")) << outcome.out;
+}
+
 }  // namespace

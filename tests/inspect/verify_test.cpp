@@ -228,6 +228,20 @@ TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
     EXPECT_EQ(verdict.findings.size(), 2u);
 }
 
+TEST(Verify, AListenerIsToldOfWhatWouldBeListed) {
+    std::vector<std::string>    heard;
+    sml::inspect::VerifyOptions options{.listed = 2};
+    options.listener = [&](Finding const& finding) { heard.push_back(finding.path); };
+    Verdict const verdict = verify(
+        *find_root("IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList"),
+        hex::bytes("03 00 00 00  00 00 00 00 00  00 00 00 00 00  00 00 00 00 00 00"), options);
+    EXPECT_EQ(heard,
+              (std::vector<std::string>{"[0].BOOL_PRAGMA_PARAMETER", "[1].BOOL_PRAGMA_PARAMETER"}));
+    EXPECT_EQ(verdict.odd_count, 3u);
+    ASSERT_EQ(verdict.findings.size(), 1u);
+    EXPECT_EQ(verdict.findings.front().severity, sml::inspect::Severity::unsafe);
+}
+
 /// The bytes of a word.
 std::string word(std::int32_t value) {
     return {reinterpret_cast<char const*>(&value), sizeof value};

@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 #include "errors.hpp"
 #include "foreign_form.hpp"
 #include "printable.hpp"

@@ -4,8 +4,8 @@
 #include <functional>
 #include <vector>
 
-#include <sml/inspect/characters.hpp>
-#include <sml/inspect/nearest.hpp>
+#include <sml/inspect/text/characters.hpp>
+#include <sml/inspect/text/nearest.hpp>
 
 namespace bradep {
 namespace {

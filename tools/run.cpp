@@ -7,7 +7,7 @@
 #include <new>
 
 #include <sml/inspect/finding.hpp>
-#include <sml/inspect/nearest.hpp>
+#include <sml/inspect/text/nearest.hpp>
 #include "command.hpp"
 #include "errors.hpp"
 #include "noting_output.hpp"

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include <sml/inspect/utf8.hpp>
+#include <sml/inspect/text/utf8.hpp>
 
 namespace bradep {
 namespace {

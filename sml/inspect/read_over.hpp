@@ -1,9 +1,9 @@
 #pragma once
 // What a reader keeps of tables in which a later value is read over an earlier one.
 
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/memory.hpp>
 
 #include <memory_resource>
 #include <string>

@@ -551,7 +551,8 @@ TEST(CanonCommand, TroubleIsCodeTwo) {
 }
 
 TEST(DigestCommand, IsThatOfTheCanonicalBytes) {
-    std::string const known = "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195  -\n";
+    std::string const known =
+        "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195  -\n";
     expect_outcome(run_command({"digest", "--root", sets, "-"}, two_sets()), 0, known, "");
     auto const canonical = run_command({"canon", "--root", sets, "-", "-o", "-"}, two_sets()).out;
     EXPECT_EQ(run_command({"digest", "--root", sets, "-"}, canonical).out, known);

@@ -4,9 +4,9 @@
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/encode.hpp>
+#include <sml/inspect/memory.hpp>
 #include <sml/inspect/text/json_text.hpp>
 #include <sml/inspect/verify.hpp>
-#include <sml/inspect/memory.hpp>
 #include "tests/inspect/counted_heap.hpp"
 
 #include <gtest/gtest.h>

@@ -36,7 +36,6 @@ class Wire:
         self.at = 0
         self.depth = 0
         self.strings = {}  # by id
-        self.repeats_others = False  # in a map that is read over and whose values are no words
 
     def take(self, size):
         if size < 0:
@@ -76,15 +75,11 @@ class Wire:
 
 
 class Type:
-    is_word = False
-
     def key(self, value):
         return value
 
 
 class Word(Type):
-    is_word = True
-
     def __init__(self, size, signed):
         self.size = size
         self.signed = signed
@@ -92,7 +87,7 @@ class Word(Type):
     def read(self, wire, old):
         return wire.word(self.size, self.signed)
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append(f'"{value}"' if self.size == 8 else str(value))
 
 
@@ -100,7 +95,7 @@ class Bool(Type):
     def read(self, wire, old):
         return wire.flag()
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append("true" if value else "false")
 
 
@@ -111,20 +106,18 @@ class Flags(Type):
     def read(self, wire, old):
         return tuple([wire.flag() for _ in range(self.count)])
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append(json.dumps(value, separators=(",", ":")))
 
 
 class Enumeration(Type):
-    is_word = True
-
     def define(self, schema, definition):
         self.names = definition["enumerators"]
 
     def read(self, wire, old):
         return wire.word()
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         known = 0 <= value < len(self.names)
         out.append(quoted(self.names[value]) if known else str(value))
 
@@ -138,11 +131,11 @@ class Record(Type):
         olds = old or [None] * len(self.types)
         return [type_.read(wire, part) for type_, part in zip(self.types, olds)]
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         separator = "{"
         for name, type_, part in zip(self.names, self.types, value):
             out.append(f"{separator}{quoted(name)}:")
-            type_.write(wire, part, out)
+            type_.write(part, out)
             separator = ","
         out.append("}" if value else "{}")
 
@@ -154,8 +147,8 @@ class Tuple(Record):
     def __init__(self, types):
         self.types = types
 
-    def write(self, wire, value, out):
-        write_array(wire, zip(self.types, value), out)
+    def write(self, value, out):
+        write_array(zip(self.types, value), out)
 
 
 class Optional(Type):
@@ -167,9 +160,9 @@ class Optional(Type):
     def read(self, wire, old):
         return (self.element.read(wire, None),) if wire.flag() else ()
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         if value:
-            self.element.write(wire, value[0], out)
+            self.element.write(value[0], out)
         else:
             out.append("null")
 
@@ -189,25 +182,23 @@ class List(Type):
         wire.leave()
         return value
 
-    def write(self, wire, value, out):
-        write_array(wire, [(self.element, part) for part in value], out)
+    def write(self, value, out):
+        write_array([(self.element, part) for part in value], out)
 
     def key(self, value):
         return tuple([self.element.key(part) for part in value])
 
 
 class Entries:
-    """What a set or a map holds, in the order of the bytes."""
+    """What a set or a map holds, in the order in which the keys come first."""
 
     def __init__(self):
-        self.all = []  # [key, value, where the key came last]; a set's have the value None
+        self.all = []  # [key, value]; a set's have the value None
         self.by_key = {}
-        self.read = 0
 
     def find(self, type_, key):
         """The entry of the key, and whether it is new."""
-        self.read += 1
-        entry = [key, None, self.read]
+        entry = [key, None]
         try:
             found = self.by_key.setdefault(type_.key(key), entry)
         except Unequal:
@@ -229,8 +220,8 @@ class Set(Type):
         wire.leave()
         return value
 
-    def write(self, wire, value, out):
-        write_array(wire, [(self.element, entry[0]) for entry in value.all], out)
+    def write(self, value, out):
+        write_array([(self.element, entry[0]) for entry in value.all], out)
 
     def key(self, value):
         return frozenset([self.element.key(entry[0]) for entry in value.all])
@@ -252,21 +243,16 @@ class Map(Type):
                 entry[1] = self.value_type.read(wire, None)
             elif self.read_over:
                 entry[1] = self.value_type.read(wire, entry[1])
-                entry[2] = value.read
-                wire.repeats_others |= not self.value_type.is_word
             else:
                 self.value_type.read(wire, None)
         wire.leave()
         return value
 
-    def write(self, wire, value, out):
-        entries = value.all
-        if self.read_over and self.value_type.is_word and not wire.repeats_others:
-            entries = sorted(entries, key=lambda entry: entry[2])
-        write_array(wire, [(self.entry_type, entry[:2]) for entry in entries], out)
+    def write(self, value, out):
+        write_array([(self.entry_type, entry) for entry in value.all], out)
 
     def key(self, value):
-        return frozenset([self.entry_type.key(entry[:2]) for entry in value.all])
+        return frozenset([self.entry_type.key(entry) for entry in value.all])
 
 
 class Variant(Type):
@@ -291,14 +277,14 @@ class Variant(Type):
         wire.leave()
         return value
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         tag, content = value
         known = tag in self.names
         out.append(f'{{"arm":{quoted(self.names[tag])}' if known else f'{{"arm":null,"tag":{tag}')
         payload = self.payload(tag)
         if payload is not None:
             out.append(',"args":')
-            payload.write(wire, content, out)
+            payload.write(content, out)
         out.append("}")
 
     def key(self, value):
@@ -325,7 +311,7 @@ class Text(Type):
     def read(self, wire, old):
         return wire.text()
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append(quoted(value.decode("utf-8", "surrogateescape")))
 
 
@@ -348,7 +334,7 @@ class Integer(Type):
             return int(b"".join(match[1].split()), 16)
         return old or 0
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append(f'"{value}"')
 
 
@@ -372,7 +358,7 @@ class Float(Type):
             raise Bad(f"byte {at}: width {width}")
         return width, self.canonical(text, *self.FORMATS[width])
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         out.append(f'{{"width":{value[0]},"hex":"{value[1]}"}}')
 
     def canonical(self, text, bits, least, greatest):
@@ -480,7 +466,7 @@ class Double(Type):
             raise ValueError("too small")
         return value
 
-    def write(self, wire, value, out):
+    def write(self, value, out):
         sign = "-" if math.copysign(1.0, value) < 0 else ""
         if not math.isfinite(value):
             out.append(f'"{sign}{abs(value)}"')
@@ -555,12 +541,12 @@ def escaped(character):
     return SHORT.get(character) or f"\\u{ord(character):04x}"
 
 
-def write_array(wire, elements, out):
+def write_array(elements, out):
     """Writes pairs of a type and a value."""
     separator = "["
     for type_, value in elements:
         out.append(separator)
-        type_.write(wire, value, out)
+        type_.write(value, out)
         separator = ","
     out.append("[]" if separator == "[" else "]")
 
@@ -572,7 +558,7 @@ def dump(schema, stem, data):
     value = root.read(wire, None)
     wire.end()
     out = [f'{{"root":{quoted(stem)},"value":']
-    root.write(wire, value, out)
+    root.write(value, out)
     return "".join(out) + "}\n"
 
 

@@ -612,9 +612,9 @@ TEST(DumpOfDuplicates, FirstOrLastEntryAsAReaderKeeps) {
     EXPECT_EQ(value_of<Numbers>(twice), R"([["a",1],["b",5]])");
     EXPECT_EQ((value_of<std::map<Strings_T, std::int32_t>>(twice)), R"([["a",1],["b",5]])");
     EXPECT_EQ((value_of<sml::core::LastWinsMap<Strings_T, std::int32_t>>(twice)),
-              R"([["b",5],["a",2]])");
+              R"([["a",2],["b",5]])");
     EXPECT_EQ((value_of<sml::core::LastWinsUnorderedMap<Strings_T, std::int32_t>>(twice)),
-              R"([["b",5],["a",2]])");
+              R"([["a",2],["b",5]])");
     EXPECT_EQ(value_of<std::set<std::int32_t>>(word(3) + word(1) + word(2) + word(1)), "[1,2]");
 }
 

@@ -28,7 +28,6 @@ std::uint64_t odd_ones(std::vector<Finding> const& findings) {
 }
 
 std::string missing_part(std::string const& path, Dumped const& dumped) {
-    if (dumped.reached == path.size()) return "there is nothing at " + part_name(path);
     auto const owner = part_name(std::string_view(path).substr(0, dumped.reached));
     return "there is no " + std::string(step_at(path, dumped.reached)) + " in " + owner;
 }
@@ -53,6 +52,7 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
         return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });
     limited.refuse_if_cut(input.name());
+    streams.out.flush();  // the findings stand behind what was printed
     report_findings(streams.err, input.name(), dumped.findings);
     if (auto const more = dumped.odd_count - odd_ones(dumped.findings))
         report(streams.err, input.name() + ": " + std::to_string(more) + " more odd findings");

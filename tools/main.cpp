@@ -35,5 +35,9 @@ void release(void* memory, std::size_t) { std::free(memory); }
 int main(int argc, char** argv) {
     ::mp_set_memory_functions(allocate, reallocate, release);
     std::ios::sync_with_stdio(false);
+    // Another thread shows progress on standard error: what it writes must not flush what this one
+    // prints.
+    std::cin.tie(nullptr);
+    std::cerr.tie(nullptr);
     return bradep::run({argv + 1, argv + argc}, std::cin, std::cout, std::cerr);
 }

@@ -100,8 +100,7 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
     } catch (Damaged_Input const& error) {
         return ended(err, exit_no, error.what());
     } catch (sml::inspect::BudgetExceeded const&) {
-        return ended(err, exit_usage_or_io,
-                     "out of memory: more working memory than --max-own-memory allows");
+        return ended(err, exit_usage_or_io, out_of_own_memory);
     } catch (std::bad_alloc const&) {
         return ended(err, exit_usage_or_io, "out of memory");
     } catch (std::exception const& error) {

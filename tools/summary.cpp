@@ -163,10 +163,10 @@ std::string native_text(Set_Check const& check) {
 
 std::string check_text(Set_Check const& check, Result_Set const& set, Review const& review) {
     auto const result = imported_result(check, set);
-    if (!result) return native_text(check);
-    return check_text(*result) + (review.is_suppressed(*check.key) ? " (suppressed)"
-                                  : review.is_absent(*check.check) ? " (absent)"
-                                                                   : "");
+    auto       text = result ? check_text(*result) : native_text(check);
+    if (check.check == nullptr) return text;
+    if (review.is_suppressed(*check.key)) return text + " (suppressed)";
+    return review.is_absent(*check.check) ? text + " (absent)" : text;
 }
 
 // Apart from the others: nobody has to look at them.
@@ -205,7 +205,7 @@ std::string milliseconds(std::chrono::microseconds time) {
 void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const& facts) {
     auto const& tables = set.application_results;
     auto const  runs = static_cast<std::size_t>(std::max(tables.first_int, 0));
-    out << printable(facts.name) << ": " << counted(tables.checks.size(), "check") << " from "
+    out << printable(facts.name) << ": " << counted(count_checks(set), "check") << " from "
         << counted(runs, "run");
     Review const review(set);
     write_checks_not_open(out, set, review);

@@ -79,9 +79,9 @@ void print_lines(Streams& streams, std::string_view text) {
         return;
     }
     while (!text.empty()) {
-        auto const end = std::min(text.find('\n'), text.size() - 1);
+        auto const end = std::min(text.find('\n'), text.size());
         streams.out << cut_to_columns(text.substr(0, end), columns) << '\n';
-        text.remove_prefix(end + 1);
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
 }
 

@@ -228,7 +228,11 @@ Exit_Code for_each_file(std::vector<std::string> const& files, Walk_Options opti
         } catch (Io_Failure const& error) {
             report(streams.err, error.what());
             end_with(exit_usage_or_io);
+        } catch (BudgetExceeded const&) {
+            report(streams.err, input_name(file) + ": " + out_of_own_memory);
+            end_with(exit_usage_or_io);
         }
+        streams.out.flush();  // before what the next one says on standard error
     }
     return highest;
 }

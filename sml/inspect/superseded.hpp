@@ -24,8 +24,7 @@ struct Superseded {
 
     std::vector<Finding> findings;  ///< as many as are to be listed
 
-    /// Whether one is in a table whose reader reads the later value over the earlier one and may
-    /// keep some of it.
+    /// Whether one is in a table whose reader reads the later value over the earlier one.
     bool are_read_over = false;
 };
 

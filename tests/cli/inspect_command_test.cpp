@@ -24,6 +24,10 @@ bool contains(std::string const& text, std::string const& part) {
 }
 
 /// {"b": {"z", "a"}, "a": {}}
+std::string word(std::int32_t value) {
+    return {reinterpret_cast<char const*>(&value), sizeof value};
+}
+
 std::string two_sets() {
     return hex::bytes(
         "02 00 00 00  FF FF FF FF 01 00 00 00 'b'  02 00 00 00"
@@ -227,8 +231,12 @@ TEST(FullStandardOutput, TellsTheReasonWhateverTheCommand) {
     auto const set = (scratch / "set").string();
     ASSERT_EQ(run_command({"import", (scratch / "log").string(), "-o", set}).code, 0);
     write_bytes(scratch / "json", run_command({"dump", set}).out);
-    for (std::string const args :
-         {"import log -o -", "encode json -o -", "canon set -o -", "dump set", "show --json set"}) {
+    write_bytes(scratch / "odd", "x");
+    std::string const odd = "--root Answers_Answer odd";
+    for (std::string const& args :
+         {std::string("import log -o -"), std::string("encode json -o -"),
+          std::string("canon set -o -"), std::string("dump set"), std::string("show --json set"),
+          "dump " + odd, "verify " + odd + " odd"}) {
         std::string const command = "cd '" + scratch.path().string() +
                                     "' && '" BRADEP_COMMAND "' " + args + " > /dev/full 2> err";
         int const status = std::system(command.c_str());
@@ -238,6 +246,33 @@ TEST(FullStandardOutput, TellsTheReasonWhateverTheCommand) {
             bytes_of(scratch / "err")
                 .ends_with("bradep: cannot write standard output: No space left on device\n"))
             << args << ": " << bytes_of(scratch / "err");
+    }
+}
+
+TEST(VerifyCommand, AFileThatTakesTooMuchMemoryHindersNoOther) {
+    Scratch const          scratch;
+    auto const             large = (scratch / "large").string();
+    auto const             good = (scratch / "good").string();
+    constexpr std::int32_t count = 20'000;
+    std::string            bytes = word(count);
+    for (std::int32_t id = 1; id <= count; ++id)
+        bytes += word(-id) + word(sizeof id) + word(id) + word(0);
+    write_bytes(large, bytes);
+    write_bytes(good, two_sets());
+    auto const outcome =
+        run_command({"verify", "--root", sets, "--max-own-memory", "64K", large, good});
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_EQ(outcome.err, "bradep: " + large +
+                               ": out of memory: more working memory than --max-own-memory "
+                               "allows\n");
+    EXPECT_TRUE(outcome.out.starts_with(good + ": good\n")) << outcome.out;
+}
+
+// The count of a set can look like text of wide characters.
+TEST(VerifyCommand, ACountIsNoText) {
+    for (std::int32_t const count : {123, 123 << 8}) {
+        auto const err = run_command({"show", "-"}, word(count) + word(0)).err;
+        EXPECT_FALSE(contains(err, "UTF-")) << err;
     }
 }
 
@@ -873,8 +908,10 @@ TEST(Limits, OwnMemoryBeyondTheLimitIsCodeTwoAndOneLine) {
         if (command != "identify") args.insert(args.end(), {"--root", "String_To_StringSet_T"});
         auto const refused = run_command(args, unknown_ids());
         EXPECT_EQ(refused.code, 2);
+        bool const takes_several = command == "verify" || command == "digest";
         EXPECT_EQ(refused.err,
-                  "bradep: out of memory: more working memory than --max-own-memory allows\n");
+                  std::string("bradep: ") + (takes_several ? "standard input: " : "") +
+                      "out of memory: more working memory than --max-own-memory allows\n");
     }
 }
 

@@ -72,6 +72,18 @@ TEST(ShowNative, TextHasALineForEach) {
         << shown.out;
 }
 
+TEST(ShowNative, ASuppressedOneIsMarked) {
+    auto  set = native_set();
+    auto& info = set.application_results.infos[{Strings_T("b.c"), 1}];
+    info.first_string = Strings_T("suppression");
+    info.second_string = Strings_T("b.c");
+    info.second_int = 2;
+    info.category.choose<"TOOLTIP_INFO">();
+    auto const shown = run_command({"show", "-"}, bytes_of_set(set));
+    EXPECT_TRUE(contains(shown.out, "  b.c: OVFL, check 2 (suppressed)\n")) << shown.out;
+    EXPECT_TRUE(contains(shown.out, "\n  a.c: OVFL, check 1\n")) << shown.out;
+}
+
 TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
     Result_Set set;
     auto&      check = set.application_results.checks[{Strings_T("a.c"), 1}];
@@ -91,8 +103,9 @@ TEST(ShowNative, AFormWithoutACheckIsShownByItsOwnCategory) {
     auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
     EXPECT_EQ(shown.code, 0);
     EXPECT_TRUE(shown.out.starts_with(R"({"category":{"arm":"OVFL","args":)")) << shown.out;
-    EXPECT_TRUE(contains(run_command({"show", "-"}, bytes_of_set(set)).out,
-                         "\nFirst checks\n  a.c: OVFL\n"));
+    auto const summary = run_command({"show", "-"}, bytes_of_set(set)).out;
+    EXPECT_TRUE(contains(summary, "\nFirst checks\n  a.c: OVFL\n"));
+    EXPECT_TRUE(summary.starts_with("standard input: 1 check from 0 runs")) << summary;
 }
 
 // A category refers to a text as often as it likes: it is printed piece by piece, up to the limit.

@@ -35,6 +35,8 @@ class Walk {
 public:
     /// The bytes and the budget live as long as this.
     Walk(std::string_view bytes, WalkOptions const& options, Budget& budget);
+    Walk(Walk const&) = delete;
+    Walk& operator=(Walk const&) = delete;
 
     std::uint64_t offset() const noexcept { return static_cast<std::uint64_t>(at_ - start_); }
     std::uint64_t left() const noexcept { return static_cast<std::uint64_t>(end_ - at_); }

@@ -15,6 +15,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <iostream>
 #include <map>
 #include <optional>
 #include <string>
@@ -118,12 +119,16 @@ void decode(benchmark::State& state, Carrier const& carrier) {
     time_reading(state, data, [&](Graph& value) { carrier.decode(value); });
 }
 
-template <class Own>
+/// Whether the stream flushes itself behind each item, or another stream before each.
+enum class Flushes { nothing, each_item };
+
+template <class Own, Flushes flushes = Flushes::nothing>
 void to_stream(benchmark::State& state) {
     auto const&               data = data_of(state);
     bench::Scratch_File const file;
     for ([[maybe_unused]] auto const round : state) {
         std::ofstream stream(file.path(), std::ios::binary);
+        if (flushes == Flushes::each_item) stream.setf(std::ios::unitbuf);
         Own::to_stream(data.value, stream);
         stream.close();
         if (!stream) state.SkipWithError("the file could not be written");
@@ -131,13 +136,14 @@ void to_stream(benchmark::State& state) {
     bench::report(state, data);
 }
 
-template <class Own>
+template <class Own, Flushes flushes = Flushes::nothing>
 void from_stream(benchmark::State& state) {
     auto const&               data = data_of(state);
     bench::Scratch_File const file;
     std::ofstream(file.path(), std::ios::binary) << data.bytes();
     time_reading(state, data, [&](Graph& value) {
         std::ifstream stream(file.path(), std::ios::binary);
+        if (flushes == Flushes::each_item) stream.tie(&std::cout);
         Own::from_stream(value, stream);
         if (!stream) state.SkipWithError("the file could not be read");
     });
@@ -198,6 +204,13 @@ bool add() {
     std::string const name = Own::name;
     bench::sizes(benchmark::RegisterBenchmark((name + "/toStream").c_str(), to_stream<Own>));
     bench::sizes(benchmark::RegisterBenchmark((name + "/fromStream").c_str(), from_stream<Own>));
+    for (auto* const slow : {
+             benchmark::RegisterBenchmark((name + "/toStreamUnitbuf").c_str(),
+                                          to_stream<Own, Flushes::each_item>),
+             benchmark::RegisterBenchmark((name + "/fromStreamTied").c_str(),
+                                          from_stream<Own, Flushes::each_item>),
+         })
+        slow->Arg(10'000)->Unit(benchmark::kMillisecond);
     bench::sizes(benchmark::RegisterBenchmark((name + "/equal").c_str(), equal<Own>));
     return true;
 }

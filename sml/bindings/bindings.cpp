@@ -60,6 +60,13 @@ __attribute__((init_priority(102))) std::string shared_result;
 __attribute__((init_priority(102))) std::string spare_result;
 
 constexpr std::size_t largest_spare = std::size_t{128} << 20;
+constexpr std::size_t smallest_shrunk = std::size_t{1} << 20;
+
+/// Gives back memory that a much larger result before has left.
+void shrink(std::string& result) {
+    if (result.capacity() > smallest_shrunk && result.capacity() / 4 > result.size())
+        result.shrink_to_fit();
+}
 
 template <class T>
 void read_bytes(T& value, char const* bytes) {
@@ -72,23 +79,10 @@ std::string const& write_bytes(T const& value) {
     StringOArchive archive(spare_result);
     core::Writer{archive}.write_with_room(value);
     archive.finish();
+    shrink(spare_result);
     shared_result.swap(spare_result);
     if (spare_result.capacity() > largest_spare) std::string().swap(spare_result);
     return shared_result;
-}
-
-template <class T>
-void write_stream(T const& value, std::ostream& stream) {
-    StreamOArchive archive(stream);
-    core::Writer{archive}.write_with_room(value);
-    archive.finish();
-}
-
-template <class T>
-void read_stream(T& value, std::istream& stream) {
-    StreamIArchive archive(stream);
-    core::Reader{archive}(value);
-    archive.finish();
 }
 
 }  // namespace
@@ -105,11 +99,11 @@ void read_stream(T& value, std::istream& stream) {
     }                                                                                              \
     void Stem##_toStream(__VA_ARGS__ const& value, std::ostream& stream) {                         \
         [[maybe_unused]] InsideCall const inside("toStream of " #Stem);                            \
-        write_stream(value, stream);                                                               \
+        core::write_to_stream(value, stream);                                                      \
     }                                                                                              \
     void Stem##_fromStream(__VA_ARGS__& value, std::istream& stream) {                             \
         [[maybe_unused]] InsideCall const inside("fromStream of " #Stem);                          \
-        read_stream(value, stream);                                                                \
+        core::read_from_stream(value, stream);                                                     \
     }
 #include <sml/bindings/roots.def>
 

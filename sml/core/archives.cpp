@@ -68,6 +68,25 @@ void StreamOArchive::put_long(char const* bytes, std::size_t size) {
     make_room();
 }
 
+void UnbufferedOArchive::write(char const* bytes, std::size_t size) {
+    float_range.apply();  // the stream's buffer is the caller's code
+    stream_.write(bytes, static_cast<std::streamsize>(size));
+    point = core::decimal_point();
+}
+
+void UnbufferedOArchive::put_flag(char flag) {
+    float_range.apply();
+    stream_ << flag;
+    point = core::decimal_point();
+}
+
+void UnbufferedOArchive::have_put(char const* last, char const* next) {
+    char const* const text = number_ + sizeof(std::int32_t);
+    write(number_, sizeof(std::int32_t));
+    if (text != last) write(text, static_cast<std::size_t>(last - text));
+    write(last, static_cast<std::size_t>(next - last));
+}
+
 namespace {
 
 /// What a stream's buffer holds: its members for that are protected, but can be named from here.
@@ -103,6 +122,7 @@ StreamIArchive::~StreamIArchive() {
 void StreamIArchive::open() {
     point = core::decimal_point();  // the stream's buffer is the caller's code
     std::streambuf* const buffer = stream_->rdbuf();
+    if (stream_->tie() != nullptr) return;
     if (!stream_->good() || buffer == nullptr || !knows_flags(*stream_)) return;
     at_ = Buffered::next(*buffer);
     end_ = Buffered::end(*buffer);

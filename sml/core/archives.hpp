@@ -1,15 +1,17 @@
 #pragma once
-// The four archives: where the bytes of one root object come from or go to, and which strings of
+// The archives: where the bytes of one root object come from or go to, and which strings of
 // it have been met. None checks anything; exceptions of the caller's stream pass through.
 //
 // An archive lives for one root object. It pins each string that it has met.
 //
-// A writing archive keeps `room_ahead` bytes of room ahead of where the next byte goes, whenever a
-// container's element, a boxed value or a root is about to be written. What is written from one of
-// these to the next, texts apart, fits in there, so that nothing else asks for room.
+// A writing archive with a buffer keeps `room_ahead` bytes of room ahead of where the next byte
+// goes, whenever a container's element, a boxed value or a root is about to be written. What is
+// written from one of these to the next, texts apart, fits in there, so that nothing else asks for
+// room.
 
 #include <sml/core/decimal_point.hpp>
 #include <sml/core/float_range.hpp>
+#include <sml/core/put_numbers.hpp>
 #include <sml/core/string_ids.hpp>
 
 #include <cstddef>
@@ -113,6 +115,44 @@ private:
     char          buffer_[buffer_size];
 };
 
+/// Writes to a caller's stream item by item.
+class UnbufferedOArchive {
+public:
+    static constexpr bool writes = true;
+
+    explicit UnbufferedOArchive(std::ostream& stream) : room{number_, number_}, stream_(stream) {}
+
+    UnbufferedOArchive(UnbufferedOArchive const&) = delete;
+    UnbufferedOArchive& operator=(UnbufferedOArchive const&) = delete;
+
+    core::Room        room;  // for one number
+    core::IdsByString string_ids;
+    core::FloatRange  float_range;
+    char              point = core::decimal_point();
+
+    template <class Word>
+    void put(Word word) {
+        write(reinterpret_cast<char const*>(&word), sizeof word);
+    }
+    void put_flag(char flag);
+
+    /// A number of two or three items stands in the room: its length, a text, and what stands from
+    /// `last` to `next`.
+    void have_put(char const* last, char const* next);
+
+    void make_room() {}
+
+    void put_long(char const* bytes, std::size_t size) { write(bytes, size); }
+
+    void finish() {}
+
+private:
+    void write(char const* bytes, std::size_t size);
+
+    char          number_[core::longest_number];
+    std::ostream& stream_;
+};
+
 /// Writes to memory: first over the bytes that a string holds, then into chunks, so that nothing
 /// is copied while it grows.
 class StringOArchive {
@@ -180,7 +220,8 @@ private:
 ///
 /// What the stream's buffer holds already is taken from there, as the stream itself would. What it
 /// doesn't hold, and what only the stream can judge, the stream is asked for; nothing is read
-/// ahead. The stream stands behind the object once `finish` is called.
+/// ahead. A stream with a tied stream is asked for each item: it flushes the other one before each.
+/// The stream stands behind the object once `finish` is called.
 class StreamIArchive {
 public:
     static constexpr bool writes = false;

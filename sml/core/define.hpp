@@ -4,16 +4,19 @@
 
 #include <sml/core/variant.hpp>
 
-// The archives are not exported, so the visibility stands on each instantiation.
-#define SML_INSTANTIATE_SERIALIZE(Type)                                                  \
-    template SML_API void Type::serialize<::sml::StreamOArchive>(::sml::StreamOArchive&, \
-                                                                 unsigned int);          \
-    template SML_API void Type::serialize<::sml::StreamIArchive>(::sml::StreamIArchive&, \
-                                                                 unsigned int);          \
-    template SML_API void Type::serialize<::sml::StringOArchive>(::sml::StringOArchive&, \
-                                                                 unsigned int);          \
-    template SML_API void Type::serialize<::sml::StringIArchive>(::sml::StringIArchive&, \
-                                                                 unsigned int)
+// The archives are not exported, so the visibility stands on each instantiation. The one of
+// UnbufferedOArchive is no part of the interface.
+#define SML_INSTANTIATE_SERIALIZE(Type)                                                          \
+    template SML_API void Type::serialize<::sml::StreamOArchive>(::sml::StreamOArchive&,         \
+                                                                 unsigned int);                  \
+    template SML_API void Type::serialize<::sml::StreamIArchive>(::sml::StreamIArchive&,         \
+                                                                 unsigned int);                  \
+    template SML_API void Type::serialize<::sml::StringOArchive>(::sml::StringOArchive&,         \
+                                                                 unsigned int);                  \
+    template SML_API void Type::serialize<::sml::StringIArchive>(::sml::StringIArchive&,         \
+                                                                 unsigned int);                  \
+    template void         Type::serialize<::sml::UnbufferedOArchive>(::sml::UnbufferedOArchive&, \
+                                                             unsigned int)
 
 #define SML_DEFINE_RECORD(Type)                                     \
     bool Type::operator==(Type const& other) const {                \

@@ -373,4 +373,28 @@ void transfer_fields(Archive& archive, T& record) {
     record.with_fields([&](auto&... field) { (transfer(archive, field), ...); });
 }
 
+template <class Archive, class T>
+void write_with_archive(T const& value, std::ostream& stream) {
+    Archive archive(stream);
+    Writer<Archive>{archive}.write_with_room(value);
+    archive.finish();
+}
+
+/// Required: a stream that flushes itself behind each item, or another one before each, does so.
+template <class T>
+void write_to_stream(T const& value, std::ostream& stream) {
+    bool const flushes_each_item = stream.tie() != nullptr || (stream.flags() & std::ios::unitbuf);
+    if (flushes_each_item)
+        write_with_archive<UnbufferedOArchive>(value, stream);
+    else
+        write_with_archive<StreamOArchive>(value, stream);
+}
+
+template <class T>
+void read_from_stream(T& value, std::istream& stream) {
+    StreamIArchive archive(stream);
+    Reader<StreamIArchive>{archive}(value);
+    archive.finish();
+}
+
 }  // namespace sml::core

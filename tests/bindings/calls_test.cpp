@@ -300,4 +300,22 @@ TEST(CallsDeathTest, NullBytesAreDereferenced) {
     EXPECT_DEATH(sml::deserializeSmlData(number, nullptr), "");
 }
 
+/// The result that is handed out and the one before it change places with each call.
+TEST(FromCxx, SmallResultsGiveBackTheMemoryOfLargeOnes) {
+    constexpr std::size_t large = std::size_t{16} << 20;
+    for (int i = 0; i < 2; ++i)
+        EXPECT_GT(sml::Interrogators_Function_fromCxx(function(std::string(large, 'a'))).size(),
+                  large);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_LT(sml::Interrogators_Function_fromCxx(function("small")).capacity(), 1000u);
+}
+
+TEST(FromCxx, ResultsOfOneSizeAreWrittenOverOneAnother) {
+    T_Function const  value = function(std::string(std::size_t{16} << 20, 'a'));
+    char const* const first = sml::Interrogators_Function_fromCxx(value).data();
+    char const* const second = sml::Interrogators_Function_fromCxx(value).data();
+    EXPECT_EQ(sml::Interrogators_Function_fromCxx(value).data(), first);
+    EXPECT_EQ(sml::Interrogators_Function_fromCxx(value).data(), second);
+}
+
 }  // namespace

@@ -77,6 +77,25 @@ private:
     std::size_t room_;
 };
 
+/// Holds all of its bytes, but gives no block from one place on.
+class Unready : public std::streambuf {
+public:
+    Unready(std::string bytes, std::ptrdiff_t most) : bytes_(std::move(bytes)), most_(most) {
+        setg(bytes_.data(), bytes_.data(), bytes_.data() + bytes_.size());
+    }
+
+    std::ptrdiff_t taken() const { return gptr() - eback(); }
+
+protected:
+    std::streamsize xsgetn(char* block, std::streamsize size) override {
+        return taken() < most_ ? std::streambuf::xsgetn(block, size) : 0;
+    }
+
+private:
+    std::string    bytes_;
+    std::ptrdiff_t most_;
+};
+
 struct BrokenLine : std::runtime_error {
     BrokenLine() : std::runtime_error("the line broke") {}
 };
@@ -163,6 +182,43 @@ TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
     EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
     EXPECT_EQ(sink.flushes, 0);
     EXPECT_EQ(sink.seeks, 0);
+}
+
+/// A word, a flag, an integer of two items, a float of three, and a string of three.
+std::tuple<int32, bool, sml::BigInteger, zelvanite::IEEE754Float, Strings_T> ten_items() {
+    return {7, true, sml::BigInteger(255), {}, Strings_T("streams: an item")};
+}
+
+TEST(StreamWriter, FlushesBehindEachItemWhereTheStreamDoes) {
+    Sink         sink;
+    std::ostream stream(&sink);
+    stream.setf(std::ios::unitbuf);
+    sml::core::write_to_stream(ten_items(), stream);
+    EXPECT_EQ(sink.flushes, 10);
+    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+}
+
+TEST(StreamWriter, FlushesATiedStreamBeforeEachItem) {
+    Sink         sink;
+    Sink         other_sink;
+    std::ostream stream(&sink);
+    std::ostream other(&other_sink);
+    stream.tie(&other);
+    sml::core::write_to_stream(ten_items(), stream);
+    EXPECT_EQ(other_sink.flushes, 10);
+    EXPECT_EQ(sink.flushes, 0);
+    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+}
+
+TEST(StreamReader, FlushesATiedStreamBeforeEachItem) {
+    Sink               other_sink;
+    std::ostream       other(&other_sink);
+    std::istringstream stream(wire::write(ten_items()));
+    stream.tie(&other);
+    auto value = ten_items();
+    sml::core::read_from_stream(value, stream);
+    EXPECT_EQ(other_sink.flushes, 10);
+    EXPECT_TRUE(value == ten_items());
 }
 
 TEST(StreamWriter, IgnoresAStreamThatTakesNoMore) {
@@ -290,6 +346,29 @@ TEST(StreamReader, FirstFailedReadGivesZero) {
     EXPECT_EQ(number, 0);
     wire::read_over_from_stream(flag, empty);
     EXPECT_FALSE(flag);
+}
+
+TEST(StreamReader, TakesNothingFromAStreamThatHasFailedBefore) {
+    using Values = std::tuple<int32, bool, sml::BigInteger, int64>;
+    std::istringstream stream(wire::write(Values(7, true, 255, 9)));
+    stream.setstate(std::ios::failbit);
+    Values value(1, true, 2, 3);
+    wire::read_over_from_stream(value, stream);
+    EXPECT_TRUE(value == Values(0, false, 2, 0));
+    stream.clear();
+    EXPECT_EQ(stream.tellg(), 0);
+}
+
+/// The word is read once more when the object ends; flags behind it that the stream would not have
+/// got to stay in the buffer.
+TEST(StreamReader, LeavesTheFlagsBehindAnItemThatFails) {
+    using Values = std::tuple<int32, int32, bool, bool>;
+    Unready      buffer(wire::write(Values(7, 8, true, true)), sizeof(int32));
+    std::istream stream(&buffer);
+    Values       value;
+    wire::read_over_from_stream(value, stream);
+    EXPECT_TRUE(stream.fail());
+    EXPECT_EQ(buffer.taken(), 4);
 }
 
 TEST(StreamReader, FailedReadRepeatsTheWordBefore) {

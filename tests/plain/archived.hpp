@@ -31,11 +31,7 @@ std::string plainly_written(T const& value) {
 
 template <class T>
 auto archiving(T const& value) {
-    return [&value](std::ostream& stream) {
-        sml::StreamOArchive archive(stream);
-        sml::core::Writer{archive}.write_with_room(value);
-        archive.finish();
-    };
+    return [&value](std::ostream& stream) { sml::core::write_to_stream(value, stream); };
 }
 
 template <class T>
@@ -45,9 +41,7 @@ auto plainly_writing(T const& value) {
 
 template <class T>
 void read_archived(T& value, std::istream& stream) {
-    sml::StreamIArchive archive(stream);
-    sml::core::Reader{archive}(value);
-    archive.finish();
+    sml::core::read_from_stream(value, stream);
 }
 
 }  // namespace plain_test

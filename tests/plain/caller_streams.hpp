@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ios>
+#include <limits>
 #include <ostream>
 #include <stdexcept>
 #include <streambuf>
@@ -16,8 +17,30 @@ namespace plain_test {
 
 constexpr std::size_t no_end = ~std::size_t{0};
 
+/// A buffer that may be flushed so often; then that fails, or throws.
+class Flushed : public std::streambuf {
+public:
+    void allow_flushes(int most, bool throws) {
+        most_flushes_ = most;
+        flush_throws_ = throws;
+    }
+
+    int flushes = 0;  // that were asked for
+
+protected:
+    int sync() override {
+        if (flushes++ < most_flushes_) return 0;
+        if (flush_throws_) throw std::runtime_error("no flush");
+        return -1;
+    }
+
+private:
+    int  most_flushes_ = std::numeric_limits<int>::max();
+    bool flush_throws_ = false;
+};
+
 /// Takes so many bytes; then refuses, or throws.
-class Taker : public std::streambuf {
+class Taker : public Flushed {
 public:
     Taker(std::size_t most, bool throws) : most_(most), throws_(throws) {}
 
@@ -73,16 +96,46 @@ inline void set_up(std::ios& stream, std::uint64_t choice) {
     }
 }
 
+/// In half of the choices, without a limit else.
+inline void limit_flushes(Flushed& buffer, std::uint64_t choice, bool throws) {
+    if (choice % 2 == 0) buffer.allow_flushes(static_cast<int>(choice / 2 % 32), throws);
+}
+
+/// Flushed before each item of the stream that it is tied to, in half of the choices. Flushing it
+/// can fail and, where it may, throw.
+class TiedStream {
+public:
+    TiedStream(std::ios& stream, std::uint64_t choice, bool may_throw = true) {
+        choice /= 8;
+        if (choice % 4 < 2) stream.tie(&stream_);
+        bool const throws = choice / 4 % 2 == 0;
+        limit_flushes(buffer_, choice / 8, throws);
+        if (may_throw && choice % 4 == 0) stream_.exceptions(std::ios::badbit);
+    }
+
+    std::string told() const {
+        return " tied stream: state " + std::to_string(stream_.rdstate()) + " flushes " +
+               std::to_string(buffer_.flushes);
+    }
+
+private:
+    Flushed      buffer_;
+    std::ostream stream_{&buffer_};
+};
+
 /// What writing to a stream over `buffer` comes to, for one choice of settings.
 template <class Write>
 std::string written(Write const& write, Taker& buffer, std::uint64_t choice,
                     std::ios::iostate state = std::ios::goodbit) {
     std::ostream stream(&buffer);
     set_up(stream, choice);
+    TiedStream const tied(stream, choice);
+    limit_flushes(buffer, choice >> 20, false);  // `unitbuf` flushes where nothing may be thrown
     std::string result = outcome([&] { stream.setstate(state); });
     result += outcome([&] { write(stream); });
     result += " state " + std::to_string(stream.rdstate()) + " width " +
-              std::to_string(stream.width()) + " bytes " + buffer.bytes;
+              std::to_string(stream.width()) + " flushes " + std::to_string(buffer.flushes) +
+              tied.told() + " bytes " + buffer.bytes;
     return result;
 }
 

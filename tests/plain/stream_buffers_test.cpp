@@ -115,8 +115,6 @@ public:
     Unflushable(std::string bytes, std::size_t window, int flushes)
         : Refilled(std::move(bytes), window), flushes_(flushes) {}
 
-    bool has_thrown() const { return flushes_ < 0; }
-
 protected:
     int sync() override {
         if (--flushes_ >= 0) return 0;
@@ -220,33 +218,28 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
     }
 }
 
-/// The plain reference meets the exception at another item, so that only ours is told.
 TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
     using Values = std::list<std::tuple<std::string, bool, std::int32_t>>;
     std::string const bytes = plainly_written(Values(50, {std::string(200, 'a'), true, 7}));
-    for (std::size_t const window : {1u, 20u, 300u, 20'000u}) {
-        bool throws = true;
-        for (int flushes = 0; throws; ++flushes) {
-            Unflushable  buffer(bytes, window, flushes);
-            std::istream stream(&buffer);
-            std::ostream other_way(&buffer);
-            stream.get();  // holds bytes from here on
-            stream.unget();
-            other_way.exceptions(std::ios::badbit);
-            stream.exceptions(std::ios::badbit);
-            stream.tie(&other_way);
-            Values value;
-            throws = false;
-            try {
-                read_archived(value, stream);
-            } catch (std::runtime_error const&) {
-                throws = true;
-            }
-            EXPECT_EQ(throws, buffer.has_thrown()) << window << ", " << flushes;
-            EXPECT_LE(buffer.taken(), bytes.size());
-            ASSERT_TRUE(throws || flushes > 0);
-        }
-    }
+    auto const        read_flushed = [&](auto const& read, std::size_t window, int flushes) {
+        Unflushable  buffer(bytes, window, flushes);
+        std::istream stream(&buffer);
+        std::ostream other_way(&buffer);
+        stream.get();  // holds bytes from here on
+        stream.unget();
+        other_way.exceptions(std::ios::badbit);
+        stream.exceptions(std::ios::badbit);
+        stream.tie(&other_way);
+        Values      value;
+        std::string told = outcome([&] { read(value, stream); });
+        return told + " taken " + std::to_string(buffer.taken()) + " value " +
+               plainly_written(value);
+    };
+    for (std::size_t const window : {1u, 20u, 300u, 20'000u})
+        for (int flushes = 0; flushes < 300; ++flushes)
+            ASSERT_EQ(read_flushed(read_archived<Values>, window, flushes),
+                      read_flushed(plain::from_stream<Values>, window, flushes))
+                << window << ", " << flushes;
 }
 
 /// The second text of the first object has a length that no text has.
@@ -363,6 +356,8 @@ TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
         auto const          seen = ranges_seen(archiving(value), choice);
         auto const          expected = ranges_seen(plainly_writing(value), choice);
         EXPECT_EQ(seen.back(), expected.back());
+        ASSERT_EQ(seen.size() > 1, expected.size() > 1);
+        if (seen.size() == 1) continue;  // the tied stream has thrown
         EXPECT_EQ(seen[seen.size() - 2], expected[expected.size() - 2]);
         for (Range const& range : seen)
             EXPECT_NE(std::ranges::find(expected, range), expected.end())

@@ -101,14 +101,15 @@ struct Read {
 };
 
 Read read(Root const& root, void (*read)(void*, std::istream&), Giver& buffer, std::uint64_t choice,
-          std::ios::iostate state) {
+          std::ios::iostate state, bool tied_may_throw) {
     std::istream stream(&buffer);
     set_up(stream, choice);
-    Read result{outcome([&] { stream.setstate(state); }), root.make()};
+    TiedStream const tied(stream, choice, tied_may_throw);
+    Read             result{outcome([&] { stream.setstate(state); }), root.make()};
     result.told += outcome([&] { read(result.value.get(), stream); });
     result.told += " state " + std::to_string(stream.rdstate()) + " count " +
                    std::to_string(stream.gcount()) + " width " + std::to_string(stream.width()) +
-                   " taken " + std::to_string(buffer.taken());
+                   " taken " + std::to_string(buffer.taken()) + tied.told();
     return result;
 }
 
@@ -124,9 +125,10 @@ TEST(PlainStreams, AreReadAlike) {
             std::uint64_t const choice = engine();
             Giver               our_buffer(bytes, window, false);
             Giver               expected_buffer(bytes, window, false);
-            Read const ours = read(root, root.read_from, our_buffer, choice, std::ios::goodbit);
+            Read const          ours =
+                read(root, root.read_from, our_buffer, choice, std::ios::goodbit, false);
             Read const expected =
-                read(root, root.plain_read_from, expected_buffer, choice, std::ios::goodbit);
+                read(root, root.plain_read_from, expected_buffer, choice, std::ios::goodbit, false);
             EXPECT_EQ(ours.told, expected.told) << root.stem << " window " << window;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))
@@ -152,8 +154,9 @@ TEST(PlainStreams, ThatFailAreReadAlike) {
             auto const          state = engine() % 4 != 0 ? std::ios::goodbit : std::ios::failbit;
             Giver               our_buffer(bytes, window, throws);
             Giver               expected_buffer(bytes, window, throws);
-            Read const          ours = read(root, root.read_from, our_buffer, choice, state);
-            Read const expected = read(root, root.plain_read_from, expected_buffer, choice, state);
+            Read const          ours = read(root, root.read_from, our_buffer, choice, state, true);
+            Read const          expected =
+                read(root, root.plain_read_from, expected_buffer, choice, state, true);
             EXPECT_EQ(ours.told, expected.told) << root.stem << " setting " << choice % 8;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))

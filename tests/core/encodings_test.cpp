@@ -164,13 +164,34 @@ TEST(Encoding, BoxIsWhatItHolds) {
     wire::expect(sml::core::Box<std::string>(std::string("x")), "01 00 00 00 'x'");
 }
 
-TEST(Archives, AreFourPlainClasses) {
+TEST(Archives, ArePlainClasses) {
+    static_assert(!std::is_polymorphic_v<sml::UnbufferedOArchive>);
     static_assert(!std::is_polymorphic_v<sml::StreamOArchive>);
     static_assert(!std::is_polymorphic_v<sml::StreamIArchive>);
     static_assert(!std::is_polymorphic_v<sml::StringOArchive>);
     static_assert(!std::is_polymorphic_v<sml::StringIArchive>);
     static_assert(!std::is_same_v<sml::StreamOArchive, sml::StringOArchive>);
     static_assert(!std::is_same_v<sml::StreamIArchive, sml::StringIArchive>);
+}
+
+/// The table of ids grows from 64 places on, whenever half of them are taken.
+TEST(Archives, KnowEveryStringAroundEachGrowthOfTheirIds) {
+    for (std::int32_t const most : {31, 32, 33, 34, 63, 64, 65, 127, 128, 129, 1000}) {
+        SCOPED_TRACE(most);
+        std::list<Strings_T> strings;
+        std::string          expected = wire::write(3 * most);
+        for (std::int32_t i = 1; i <= most; ++i) {
+            std::string const text = "text " + std::to_string(i);
+            expected += wire::write(-i) + wire::write(text) + wire::write(i);
+            strings.insert(strings.end(), 2, Strings_T(text));
+        }
+        for (std::int32_t i = 1; i <= most; ++i) {
+            expected += wire::write(i);
+            strings.emplace_back("text " + std::to_string(i));
+        }
+        EXPECT_EQ(wire::write(strings), expected);
+        EXPECT_EQ(wire::read<std::list<Strings_T>>(expected), strings);
+    }
 }
 
 TEST(Archives, BeginWithEmptyTables) {

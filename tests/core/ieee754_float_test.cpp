@@ -106,6 +106,26 @@ TEST(Float, IsHexTextAndItsWidth) {
                  "1B 00 00 00 '0X1.00000000000000000001P+0'  80 00 00 00");
 }
 
+/// 1 and so many hexadecimal digits behind the point.
+IEEE754Float with_digits(std::size_t digits) {
+    IEEE754Float result;
+    mpfr_set_prec(result.number(), static_cast<mpfr_prec_t>(4 * digits + 4));
+    mpfr_set_str(result.number(), ("1." + std::string(digits, '7')).c_str(), 16, MPFR_RNDN);
+    return result;
+}
+
+TEST(Float, TextIsCutToTheLowByteOfItsLength) {
+    constexpr std::size_t around = std::string_view("0X1.P+0").size();
+    for (std::size_t const length : {200u, 254u, 255u, 256u, 257u, 300u, 507u, 511u, 512u, 600u}) {
+        SCOPED_TRACE(length);
+        std::string const whole = "0X1." + std::string(length - around, '7') + "P+0";
+        std::string const expected =
+            block(whole.substr(0, length & 0xff)) + wire::bytes("40000000");
+        EXPECT_EQ(wire::write(with_digits(length - around)), expected);
+        EXPECT_EQ(wire::write_to_stream(with_digits(length - around)), expected);
+    }
+}
+
 TEST(Float, EveryWidthSurvives) {
     for (Format const& format : formats) {
         SCOPED_TRACE(format.width);
@@ -121,6 +141,9 @@ TEST(Float, SpecialValuesAreWords) {
     wire::expect(make(64, "@Inf@"), "03 00 00 00 'INF'  40 00 00 00");
     wire::expect(make(32, "-@Inf@"), "04 00 00 00 '-INF'  20 00 00 00");
     wire::expect(make(128, "@NaN@"), "03 00 00 00 'NAN'  80 00 00 00");
+    IEEE754Float negative = make(128, "@NaN@");
+    mpfr_setsign(negative.number(), negative.number(), 1, MPFR_RNDN);
+    wire::expect(negative, "03 00 00 00 'NAN'  80 00 00 00");
     wire::expect(make(64, "-0"), "07 00 00 00 '-0X0P+0'  40 00 00 00");
     EXPECT_NE(mpfr_signbit(read(64, "-0X0P+0").number()), 0);
     EXPECT_NE(mpfr_nan_p(read(16, "NAN").number()), 0);

@@ -63,37 +63,50 @@ Name name(char const* text) { return {{}, {text}}; }
 
 sml::PackagedPrettySignature::T signature(sml::Strings_T const& package) { return {package, {}}; }
 
-/// A check with something in every field, and `text` in every string.
+/// A check with something in every field, and another text in every string: `text` and a number.
 Check full(std::string const& text) {
+    auto  next = [&text, number = 0]() mutable { return text + std::to_string(++number); };
     Check check;
-    check.first_string = text;
+    check.first_string = next();
     check.first_int = 1;
-    check.category.choose<"OVFL">() = {text, true, {}, {{text, text}}, text};
-    check.category.arm<"OVFL">().ovfl_data.choose<"Linked_Ovfl">() = {text, 2};
+    check.category.choose<"OVFL">() = {next(), true, {}, {{next(), next()}}, next()};
+    check.category.arm<"OVFL">().ovfl_data.choose<"Linked_Ovfl">() = {next(), 2};
     check.second_int = 2;
-    check.optional_string = text;
+    check.optional_string = next();
     check.classifications = {critical(), impact(3)};
-    check.second_string = text;
+    check.second_string = next();
     check.third_int = 3;
     check.fourth_int = 4;
     check.first_flag = true;
-    check.third_string = text;
-    check.fourth_string = text;
+    check.third_string = next();
+    check.fourth_string = next();
     check.fifth_int = 5;
     check.located_names = {{{1, {}, 2}, {{name("a"), name("b")}, {}}}, {{3, {}, 4}, {}}};
-    check.fifth_string = text;
+    check.fifth_string = next();
     check.sixth_int = 6;
     check.second_flag = true;
     check.seventh_int = 7;
     check.third_flag = true;
-    check.source_ref = {8, {9, text, 10}, 11};
-    check.sixth_string = text;
+    check.source_ref = {8, {9, next(), 10}, 11};
+    check.sixth_string = next();
     check.eighth_int = 12;
-    check.failure.emplace().first_step = {{text, 13}, {}};
+    check.failure.emplace().first_step = {{next(), 13}, {}};
     check.failure->technology.choose<"FORWARD">();
     return check;
 }
-constexpr std::uint64_t strings_in_full = 14;
+constexpr int strings_in_full = 14;
+
+/// How many handles each of the texts of `full` has; 0 and a failure where they differ.
+std::uint64_t handles_to_each(std::string const& text) {
+    std::uint64_t const first = string_table::count_of(text + "1");
+    for (int i = 1; i <= strings_in_full; ++i) {
+        if (string_table::count_of(text + std::to_string(i)) == first) continue;
+        ADD_FAILURE() << string_table::count_of(text + std::to_string(i)) << " handles to " << text
+                      << i << ", not " << first;
+        return 0;
+    }
+    return first;
+}
 
 // ---- wire form ----
 
@@ -391,20 +404,19 @@ TEST(ACheck, ReadingAFailureReplacesTheHeldOne) {
 
 TEST(ACheck, CopyIsEqualAndSharesTheStrings) {
     Check const check = full("shared by copies");
-    EXPECT_EQ(string_table::count_of("shared by copies"), strings_in_full);
+    EXPECT_EQ(handles_to_each("shared by copies"), 1u);
     Check const copy = check;
     EXPECT_TRUE(copy == check);
-    EXPECT_EQ(string_table::count_of("shared by copies"), 2 * strings_in_full);
+    EXPECT_EQ(handles_to_each("shared by copies"), 2u);
 }
 
 TEST(ACheck, MoveKeepsEveryStringInTheSource) {
-    Check               source = full("kept by the source");
-    Check const         before = source;
-    std::uint64_t const held = string_table::count_of("kept by the source");
+    Check       source = full("kept by the source");
+    Check const before = source;
 
     Check const moved = std::move(source);
 
-    EXPECT_EQ(string_table::count_of("kept by the source"), held + strings_in_full);
+    EXPECT_EQ(handles_to_each("kept by the source"), 3u);
     EXPECT_TRUE(moved == before);
     EXPECT_EQ(source.first_string, before.first_string);
     EXPECT_EQ(source.category, before.category);
@@ -504,14 +516,24 @@ TEST(ACheck, MoveKeepsTheContainersOfCategoryAndFailure) {
     EXPECT_TRUE(source == moved_again);
 }
 
+TEST(ACheck, MoveAssignmentFromItselfKeepsEverything) {
+    Check       check = full("moved to itself");
+    Check const before = check;
+    Check&      same = check;
+    check = std::move(same);
+    EXPECT_TRUE(check == before);
+    EXPECT_EQ(check.classifications.size(), 2u);
+    EXPECT_EQ(check.located_names.size(), 2u);
+}
+
 TEST(ACheck, MoveAssignmentDoesTheSame) {
     Check       source = full("kept by the source");
     Check const before = source;
     Check       target = full("let go");
     target = std::move(source);
     EXPECT_TRUE(target == before);
-    EXPECT_EQ(string_table::count_of("let go"), 0u);
-    EXPECT_EQ(string_table::count_of("kept by the source"), 3 * strings_in_full);
+    EXPECT_EQ(handles_to_each("let go"), 0u);
+    EXPECT_EQ(handles_to_each("kept by the source"), 3u);
     EXPECT_TRUE(source.classifications.empty());
     EXPECT_TRUE(source.located_names.empty());
     EXPECT_EQ(source.category, before.category);
@@ -519,14 +541,17 @@ TEST(ACheck, MoveAssignmentDoesTheSame) {
 }
 
 TEST(ACheck, DestructionReleasesEveryString) {
+    std::size_t const before = string_table::size();
     {
-        Check check = full("released at the end");
-        check.category.choose<"STACK_POINTER">() = {{{"released at the end"}},
-                                                    {"released at the end"}};
-        check.located_names[{1, {"released at the end"}, 0}] = {{name("released at the end")}, {}};
-        EXPECT_EQ(string_table::count_of("released at the end"), 13u);
+        Check check = full("released ");
+        check.category.choose<"STACK_POINTER">() = {{{"released in a set"}},
+                                                    {"released in a name"}};
+        check.located_names[{1, {"released in a key"}, 0}] = {{name("released in a value")}, {}};
+        EXPECT_EQ(string_table::count_of("released in a key"), 1u);
+        EXPECT_EQ(string_table::count_of("released 1"), 1u);
+        EXPECT_EQ(string_table::count_of("released 2"), 0u);  // was in the category before
     }
-    EXPECT_EQ(string_table::count_of("released at the end"), 0u);
+    EXPECT_EQ(string_table::size(), before);
 }
 
 }  // namespace

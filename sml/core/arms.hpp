@@ -18,6 +18,7 @@ struct Arm {
     static_assert(sizeof...(Payload) <= 1, "an arm has one payload: group several in a struct");
 
     static constexpr bool takes_rest = false;
+    static constexpr Name literal = ArmName;
     using payload = std::tuple_element_t<0, std::tuple<Payload..., void>>;
     static constexpr std::string_view name() { return ArmName.view(); }
     static constexpr char const*      text() { return ArmName.text; }
@@ -66,6 +67,7 @@ struct Arms {
         return takes_rest ? last : -1;
     }
 
+    /// `count` where no arm has the name.
     template <Name ArmName>
     static consteval std::int32_t tag_of() {
         std::int32_t tag = 0;
@@ -73,17 +75,22 @@ struct Arms {
         return tag;
     }
 
-private:
-    static constexpr bool names_ascend() {
+    static consteval bool names_ascend() {
         std::array<std::string_view, sizeof...(A)> const all{A::name()...};
         return std::ranges::is_sorted(all, std::ranges::less_equal{}) || all.size() == 1;
     }
-    static constexpr bool only_last_takes_rest() {
+    static consteval bool only_last_takes_rest() {
         std::int32_t const taking = (0 + ... + (A::takes_rest ? 1 : 0));
         return taking == (takes_rest ? 1 : 0);
     }
-    static_assert(names_ascend(), "arms stand in ascending byte order of their names");
-    static_assert(only_last_takes_rest(), "only the last arm can take the remaining tags");
+};
+
+/// What is asked of the arms where a variant is defined; users of its header need not wait for it.
+template <class Arms>
+struct WellFormed {
+    static_assert(Arms::names_ascend(), "arms stand in ascending byte order of their names");
+    static_assert(Arms::only_last_takes_rest(), "only the last arm can take the remaining tags");
+    static constexpr bool value = true;
 };
 
 /// The tag of a variant: reads as an `int32`, changes only with the arm. -1: no arm chosen yet.

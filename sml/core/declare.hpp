@@ -12,12 +12,10 @@
 // `sml/core/define.hpp`.
 
 #include <sml/core/Strings.hpp>
-#include <sml/core/arms.hpp>
-#include <sml/core/big_integer.hpp>
+#include <sml/core/arm_access.hpp>
 #include <sml/core/box.hpp>
 #include <sml/core/export.hpp>
 #include <sml/core/hash.hpp>
-#include <sml/core/ieee754_float.hpp>
 #include <sml/core/names.hpp>
 
 #include <array>
@@ -114,121 +112,88 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     SML_COMPARISON_MEMBERS(Type); \
     SML_VARIANT_WITHOUT_COMPARISON(Type)
 
-#define SML_VARIANT_WITHOUT_COMPARISON(Type)                                                   \
-    ::sml::core::Tag tag;                                                                      \
-                                                                                               \
-    SML_OWN_LIFE(Type);                                                                        \
-    SML_API char const* toString() const;                                                      \
-    SML_SERIALIZE_MEMBER;                                                                      \
-    /* Sets any tag, unknown ones too, and makes the payload that it has anew. */              \
-    SML_API void choose_tag(std::int32_t new_tag);                                             \
-    /* Chooses an arm by name and makes it anew; gives its payload, if it has one. */          \
-    template <::sml::core::Name ArmName>                                                       \
-    decltype(auto) choose() {                                                                  \
-        constexpr std::int32_t index = arm_tag<ArmName>();                                     \
-        choose_tag(index);                                                                     \
-        if constexpr (arms::has_payload[index]) return payload_at<index>(*this);               \
-    }                                                                                          \
-    /* Whether the tag is exactly that of the named arm. */                                    \
-    template <::sml::core::Name ArmName>                                                       \
-    bool holds() const noexcept {                                                              \
-        return tag == arm_tag<ArmName>();                                                      \
-    }                                                                                          \
-    /* The payload of the named arm, which must stand behind the tag. */                       \
-    template <::sml::core::Name ArmName>                                                       \
-    auto& arm() noexcept {                                                                     \
-        return payload_at<arm_tag<ArmName>()>(*this);                                          \
-    }                                                                                          \
-    template <::sml::core::Name ArmName>                                                       \
-    auto const& arm() const noexcept {                                                         \
-        return payload_at<arm_tag<ArmName>()>(*this);                                          \
-    }                                                                                          \
-    /* Calls `use` with the payload behind the tag, if there is one; a last arm that was never \
-       built counts as its default. */                                                         \
-    template <class Use>                                                                       \
-    void visit_payload(Use&& use) const {                                                      \
-        visit_payload(use, std::make_integer_sequence<std::int32_t, arms::count>());           \
-    }                                                                                          \
-                                                                                               \
-private:                                                                                       \
-    friend struct ::sml::core::VariantAccess;                                                  \
-                                                                                               \
-    template <::sml::core::Name ArmName>                                                       \
-    static consteval std::int32_t arm_tag() {                                                  \
-        static_assert(arms::template tag_of<ArmName>() < arms::count, "no arm has this name"); \
-        return arms::template tag_of<ArmName>();                                               \
-    }                                                                                          \
-    template <std::int32_t Index, class Self>                                                  \
-    static auto& payload_at(Self& self) noexcept {                                             \
-        using Payload = typename arms::template payload<Index>;                                \
-        static_assert(!std::is_void_v<Payload>, "this arm has no payload");                    \
-        using Held = std::conditional_t<std::is_const_v<Self>, Payload const, Payload>;        \
-        assert(self.alive_ == Index);                                                          \
-        return *std::launder(reinterpret_cast<Held*>(self.storage_));                          \
-    }                                                                                          \
-    template <std::int32_t Index, class Use>                                                   \
-    void use_payload_at(Use& use) const {                                                      \
-        if constexpr (arms::has_payload[Index]) {                                              \
-            if (alive_ == Index) return use(payload_at<Index>(*this));                         \
-            use(typename arms::template payload<Index>());                                     \
-        }                                                                                      \
-    }                                                                                          \
-    template <class Use, std::int32_t... Index>                                                \
-    void visit_payload(Use& use, std::integer_sequence<std::int32_t, Index...>) const {        \
-        std::int32_t const served = arms::serving(tag);                                        \
-        static_cast<void>(((Index == served && (use_payload_at<Index>(use), true)) || ...));   \
-    }                                                                                          \
-                                                                                               \
-    std::int32_t alive_ = -1; /* the arm whose payload stands in the storage */                \
+#define SML_VARIANT_WITHOUT_COMPARISON(Type)                                                    \
+    ::sml::core::Tag tag;                                                                       \
+                                                                                                \
+    SML_OWN_LIFE(Type);                                                                         \
+    SML_API char const* toString() const;                                                       \
+    SML_SERIALIZE_MEMBER;                                                                       \
+    /* Sets any tag, unknown ones too, and makes the payload that it has anew. */               \
+    SML_API void choose_tag(std::int32_t new_tag);                                              \
+    /* Chooses an arm by name and makes it anew; gives its payload, if it has one. */           \
+    template <::sml::core::Name ArmName>                                                        \
+    decltype(auto) choose() {                                                                   \
+        return ::sml::core::ArmAccess::choose<::sml::core::tag_of<Type, ArmName>()>(*this);     \
+    }                                                                                           \
+    /* Whether the tag is exactly that of the named arm. */                                     \
+    template <::sml::core::Name ArmName>                                                        \
+    bool holds() const noexcept {                                                               \
+        return tag == ::sml::core::tag_of<Type, ArmName>();                                     \
+    }                                                                                           \
+    /* The payload of the named arm, which must stand behind the tag. */                        \
+    template <::sml::core::Name ArmName>                                                        \
+    auto& arm() noexcept {                                                                      \
+        return ::sml::core::ArmAccess::payload_at<::sml::core::tag_of<Type, ArmName>()>(*this); \
+    }                                                                                           \
+    template <::sml::core::Name ArmName>                                                        \
+    auto const& arm() const noexcept {                                                          \
+        return ::sml::core::ArmAccess::payload_at<::sml::core::tag_of<Type, ArmName>()>(*this); \
+    }                                                                                           \
+    /* Calls `use` with the payload behind the tag, if there is one; a last arm that was        \
+       never built counts as its default. */                                                    \
+    template <class Use>                                                                        \
+    void visit_payload(Use&& use) const {                                                       \
+        ::sml::core::ArmAccess::visit_payload(*this, use);                                      \
+    }                                                                                           \
+                                                                                                \
+private:                                                                                        \
+    friend struct ::sml::core::ArmAccess;                                                       \
+    friend struct ::sml::core::VariantAccess;                                                   \
+                                                                                                \
+    std::int32_t alive_ = -1; /* the arm whose payload stands in the storage */                 \
     alignas(arms::storage_align) std::byte storage_[arms::storage_size]
 
 /// The word is on the wire whatever the tag; it compares as signed in arm 0, else as unsigned.
-#define SML_REFERENCE(Type, IdName, PtrName)                                                   \
-    using arms = ::sml::core::Arms<::sml::core::Arm<IdName, std::int64_t>,                     \
-                                   ::sml::core::Arm<PtrName, std::uint64_t>>;                  \
-    std::int32_t  which = -1;                                                                  \
-    std::uint64_t value = 0;                                                                   \
-                                                                                               \
-    SML_FIELDS(Type, which, value);                                                            \
-    SML_COMPARISON_MEMBERS(Type);                                                              \
-    SML_SERIALIZE_MEMBER;                                                                      \
-    SML_API char const* toString() const;                                                      \
-    /* Chooses an arm by name with the word 0; gives the word. */                              \
-    template <::sml::core::Name ArmName>                                                       \
-    std::uint64_t& choose() noexcept {                                                         \
-        which = arm_tag<ArmName>();                                                            \
-        value = 0;                                                                             \
-        return value;                                                                          \
-    }                                                                                          \
-    template <::sml::core::Name ArmName>                                                       \
-    bool holds() const noexcept {                                                              \
-        return which == arm_tag<ArmName>();                                                    \
-    }                                                                                          \
-    /* The word, which must be held under the named arm. */                                    \
-    template <::sml::core::Name ArmName>                                                       \
-    std::uint64_t& arm() noexcept {                                                            \
-        assert(holds<ArmName>());                                                              \
-        return value;                                                                          \
-    }                                                                                          \
-    template <::sml::core::Name ArmName>                                                       \
-    std::uint64_t const& arm() const noexcept {                                                \
-        assert(holds<ArmName>());                                                              \
-        return value;                                                                          \
-    }                                                                                          \
-    template <::sml::core::Name ArmName>                                                       \
-    static consteval std::int32_t arm_tag() {                                                  \
-        static_assert(arms::template tag_of<ArmName>() < arms::count, "no arm has this name"); \
-        return arms::template tag_of<ArmName>();                                               \
-    }                                                                                          \
+#define SML_REFERENCE(Type, IdName, PtrName)                                  \
+    using arms = ::sml::core::Arms<::sml::core::Arm<IdName, std::int64_t>,    \
+                                   ::sml::core::Arm<PtrName, std::uint64_t>>; \
+    std::int32_t  which = -1;                                                 \
+    std::uint64_t value = 0;                                                  \
+                                                                              \
+    SML_FIELDS(Type, which, value);                                           \
+    SML_COMPARISON_MEMBERS(Type);                                             \
+    SML_SERIALIZE_MEMBER;                                                     \
+    SML_API char const* toString() const;                                     \
+    /* Chooses an arm by name with the word 0; gives the word. */             \
+    template <::sml::core::Name ArmName>                                      \
+    std::uint64_t& choose() noexcept {                                        \
+        which = ::sml::core::tag_of<Type, ArmName>();                         \
+        value = 0;                                                            \
+        return value;                                                         \
+    }                                                                         \
+    /* Whether the tag is exactly that of the named arm. */                   \
+    template <::sml::core::Name ArmName>                                      \
+    bool holds() const noexcept {                                             \
+        return which == ::sml::core::tag_of<Type, ArmName>();                 \
+    }                                                                         \
+    /* The word, which must be held under the named arm. */                   \
+    template <::sml::core::Name ArmName>                                      \
+    std::uint64_t& arm() noexcept {                                           \
+        assert(holds<ArmName>());                                             \
+        return value;                                                         \
+    }                                                                         \
+    template <::sml::core::Name ArmName>                                      \
+    std::uint64_t const& arm() const noexcept {                               \
+        assert(holds<ArmName>());                                             \
+        return value;                                                         \
+    }                                                                         \
     static_assert(true)
 
 /// `enumerators(Type{})` gives the names as spelled; `toString` a null pointer outside them.
-#define SML_ENUM(Type, ...)                                                                \
-    enum Type : std::int32_t { __VA_ARGS__ };                                              \
-    constexpr auto enumerators(Type) {                                                     \
-        constexpr std::size_t count = ::sml::core::count_names(#__VA_ARGS__);              \
-        constexpr ::sml::core::NameTable<count, sizeof(#__VA_ARGS__)> names(#__VA_ARGS__); \
-        static_assert(names.ascends(), "enumerators stand in ascending byte order");       \
-        return names;                                                                      \
-    }                                                                                      \
+#define SML_ENUM(Type, ...)                           \
+    enum Type : std::int32_t { __VA_ARGS__ };         \
+    template <::sml::core::Name Names = #__VA_ARGS__> \
+    constexpr auto enumerators(Type) {                \
+        return ::sml::core::name_table<Names>();      \
+    }                                                 \
     SML_API char const* toString(Type value)

@@ -41,6 +41,7 @@
     SML_DEFINE_VARIANT_WITHOUT_COMPARISON(Type)
 
 #define SML_DEFINE_VARIANT_WITHOUT_COMPARISON(Type)                                        \
+    static_assert(::sml::core::WellFormed<Type::arms>::value);                             \
     Type::Type() = default;                                                                \
     Type::Type(Type const& other) { ::sml::core::VariantAccess::copy(*this, other); }      \
     Type::Type(Type&& other) { ::sml::core::VariantAccess::move(*this, other); }           \
@@ -64,6 +65,7 @@
     SML_INSTANTIATE_SERIALIZE(Type)
 
 #define SML_DEFINE_REFERENCE(Type)                                                           \
+    static_assert(::sml::core::WellFormed<Type::arms>::value);                               \
     bool Type::operator==(Type const& other) const {                                         \
         return ::sml::core::ReferenceAccess::equal(*this, other);                            \
     }                                                                                        \
@@ -77,12 +79,13 @@
     }                                                                                        \
     SML_INSTANTIATE_SERIALIZE(Type)
 
-#define SML_DEFINE_ENUM(Type)                                            \
-    char const* toString(Type value) {                                   \
-        static constexpr auto names = enumerators(Type{});               \
-        auto const            index = static_cast<std::uint32_t>(value); \
-        return index < names.start.size() ? names[index] : nullptr;      \
-    }                                                                    \
+#define SML_DEFINE_ENUM(Type)                                                        \
+    char const* toString(Type value) {                                               \
+        static constexpr auto names = enumerators(Type{});                           \
+        static_assert(names.ascends(), "enumerators stand in ascending byte order"); \
+        auto const index = static_cast<std::uint32_t>(value);                        \
+        return index < names.start.size() ? names[index] : nullptr;                  \
+    }                                                                                \
     static_assert(true)
 
 /// Special members that do what the compiler's own would.

@@ -2,7 +2,6 @@
 // The one hash combining step, and `sml::Hash`, the functor of every hashed key but plain handles.
 
 #include <sml/core/Strings.hpp>
-#include <sml/core/big_integer.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -55,18 +54,6 @@ template <>
 struct Hash<std::pair<Strings_T, std::int32_t>> {
     std::size_t operator()(std::pair<Strings_T, std::int32_t> const& key) const {
         return core::combine(key.first.hash(), core::hash_word(key.second));
-    }
-};
-
-/// Limb by limb, least significant first, then the sign.
-template <>
-struct Hash<BigInteger> {
-    std::size_t operator()(BigInteger const& key) const {
-        mpz_srcptr const number = key.backend().data();
-        std::uint64_t    seed = 0;
-        for (std::size_t i = 0; i < mpz_size(number); ++i)
-            seed = core::combine(seed, mpz_getlimbn(number, static_cast<mp_size_t>(i)));
-        return core::combine(seed, core::hash_word(mpz_sgn(number)));
     }
 };
 

@@ -1,7 +1,9 @@
 #pragma once
 // Which rule of the wire form and of the comparison a C++ type falls under.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
+#include <sml/core/ieee754_float.hpp>
 
 namespace sml::core {
 

@@ -18,6 +18,21 @@ struct Name {
     constexpr std::string_view view() const { return {text, Size - 1}; }
 };
 
+/// How many letters have to be added, taken away or changed to make one text of the other. `row`
+/// has room for one number more than `b` has letters.
+constexpr std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t* row) {
+    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            std::size_t const changed = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row[b.size()];
+}
+
 /// How many names a comma-separated list holds.
 constexpr std::size_t count_names(std::string_view list) {
     return list.empty() ? 0 : 1 + static_cast<std::size_t>(std::ranges::count(list, ','));
@@ -48,5 +63,10 @@ struct NameTable {
         return true;
     }
 };
+
+template <Name List>
+consteval auto name_table() {
+    return NameTable<count_names(List.view()), sizeof(List.text)>(List.text);
+}
 
 }  // namespace sml::core

@@ -30,7 +30,7 @@ struct VariantAccess {
     template <class V>
     static void copy(V& target, V const& source) {
         with_arm<V>(source.alive_, [&]<std::int32_t Index>() {
-            std::construct_at(place<Index>(target), V::template payload_at<Index>(source));
+            std::construct_at(place<Index>(target), ArmAccess::payload_at<Index>(source));
         });
         target.alive_ = source.alive_;
         target.tag.value_ = source.tag;
@@ -40,7 +40,7 @@ struct VariantAccess {
     static void move(V& target, V& source) {
         with_arm<V>(source.alive_, [&]<std::int32_t Index>() {
             std::construct_at(place<Index>(target),
-                              std::move(V::template payload_at<Index>(source)));
+                              std::move(ArmAccess::payload_at<Index>(source)));
         });
         target.alive_ = source.alive_;
         target.tag.value_ = source.tag;
@@ -59,7 +59,7 @@ struct VariantAccess {
         V fresh;
         build(fresh, source.alive_);
         with_arm<V>(source.alive_, [&]<std::int32_t Index>() {
-            V::template payload_at<Index>(fresh) = V::template payload_at<Index>(source);
+            ArmAccess::payload_at<Index>(fresh) = ArmAccess::payload_at<Index>(source);
         });
         fresh.tag.value_ = source.tag;
         replace(target, fresh);
@@ -76,8 +76,8 @@ struct VariantAccess {
         if (a.tag != b.tag || a.tag < 0) return false;
         bool result = true;
         with_arm<V>(V::arms::serving(a.tag), [&]<std::int32_t Index>() {
-            result = Comparison::equal(V::template payload_at<Index>(a),
-                                       V::template payload_at<Index>(b));
+            result =
+                Comparison::equal(ArmAccess::payload_at<Index>(a), ArmAccess::payload_at<Index>(b));
         });
         return result;
     }
@@ -88,8 +88,8 @@ struct VariantAccess {
         if (a.tag < 0) return false;
         bool result = true;  // required: an arm without payload is less than itself
         with_arm<V>(V::arms::serving(a.tag), [&]<std::int32_t Index>() {
-            result = Comparison::less(V::template payload_at<Index>(a),
-                                      V::template payload_at<Index>(b));
+            result =
+                Comparison::less(ArmAccess::payload_at<Index>(a), ArmAccess::payload_at<Index>(b));
         });
         return result;
     }
@@ -143,8 +143,7 @@ private:
     /// Calls `use` with the payload of a living arm.
     template <class V, class Use>
     static void at(V& variant, std::int32_t arm, Use&& use) {
-        with_arm<V>(arm,
-                    [&]<std::int32_t Index>() { use(V::template payload_at<Index>(variant)); });
+        with_arm<V>(arm, [&]<std::int32_t Index>() { use(ArmAccess::payload_at<Index>(variant)); });
     }
 
     /// Calls `use` with the index of an arm with payload; nothing for -1.

@@ -1,6 +1,7 @@
 #pragma once
 // The raw result of an analysis.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
 #include <sml/schema/Blocks.hpp>
 #include <sml/schema/Checks.hpp>

@@ -1,6 +1,7 @@
 #pragma once
 // Conditions under which an access is atomic on the target.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
 
 namespace sml::Atomicity_Condition {

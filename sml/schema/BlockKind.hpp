@@ -1,6 +1,7 @@
 #pragma once
 // Kinds of blocks and of points on a path.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
 #include <sml/schema/QualifiedPrettySignature.hpp>
 

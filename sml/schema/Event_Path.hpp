@@ -1,6 +1,7 @@
 #pragma once
 // Values on the path behind a check.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
 
 namespace sml::Event_Path::Event_Value {

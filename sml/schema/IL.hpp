@@ -1,7 +1,9 @@
 #pragma once
 // Annotations of the intermediate language and their expressions.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
+#include <sml/core/ieee754_float.hpp>
 #include <sml/schema/IEEE754.hpp>
 #include <sml/schema/Long_Operation.hpp>
 

@@ -1,6 +1,7 @@
 #pragma once
 // Attributes of a program in the intermediate language.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
 
 namespace sml::IL_Attribute {

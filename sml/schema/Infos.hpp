@@ -1,7 +1,9 @@
 #pragma once
 // What the analyser knows beyond checks: values, ranges, calls, concurrency.
 
+#include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
+#include <sml/core/ieee754_float.hpp>
 #include <sml/schema/IEEE754.hpp>
 #include <sml/schema/InfosTypes.hpp>
 #include <sml/schema/Interrogators.hpp>

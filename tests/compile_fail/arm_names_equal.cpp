@@ -1,6 +1,6 @@
 // error: arms stand in ascending byte order of their names
 
-#include <sml/core/declare.hpp>
+#include <sml/core/define.hpp>
 
 using sml::core::Arm;
 
@@ -12,3 +12,5 @@ struct Variant {
 #endif
     SML_VARIANT(Variant);
 };
+
+SML_DEFINE_VARIANT(Variant);

@@ -5,10 +5,13 @@
     compile_fail.py SOURCE COMPILER FILE
 
 The file begins with what the compiler must say of the mistake, as a regular expression, and in how
-many errors where that number is required:
+many errors and lines at most, those apart that say what includes what, and what names it must show, where
+that is required:
 
     // error: EXPRESSION
     // errors: NUMBER
+    // lines: NUMBER
+    // says: EXPRESSION    of names as "NAME", "NAME", however the compiler shows template arguments
 
 The headers of `sml/core/` are compiled once, into the working directory.
 """
@@ -25,11 +28,26 @@ def precompile(compiler):
         sys.exit(result.stderr)
 
 
+def with_plain_names(text):
+    """Names among template arguments are literals inside others, or single characters."""
+    def joined(match):
+        return '"' + "".join(re.findall(r"'(.)'", match.group(1))) + '"'
+    text = re.sub(r"[\w:]*Spelled<((?:'.'(?:, )?)*)>", joined, text)
+    return re.sub(r'[\w:]*Shown<[\w:]*Name<\d+>\{("\w*")\}>', r"\1", text)
+
+
+def required(head, what):
+    found = re.search(rf"^// {what}: (.*)$", head, re.MULTILINE)
+    return found and found.group(1)
+
+
 def check(compiler, file):
     with open(file) as text:
         head = text.read()
-    expected = re.match(r"// error: (.*)", head).group(1)
-    number = re.search(r"^// errors: (\d+)$", head, re.MULTILINE)
+    expected = required(head, "error")
+    number = required(head, "errors")
+    lines = required(head, "lines")
+    names = required(head, "says")
 
     right = compiler.check_file(file)
     if right.returncode != 0 or right.stderr:
@@ -40,8 +58,14 @@ def check(compiler, file):
     errors = re.findall(r"error: (.*)", wrong.stderr)
     if not any(re.search(expected, error) for error in errors):
         sys.exit(f"the compiler does not say '{expected}':\n{wrong.stderr}")
-    if number and len(errors) != int(number.group(1)):
+    if number and len(errors) != int(number):
         sys.exit(f"{len(errors)} errors:\n" + "\n".join(errors))
+    told = [line for line in wrong.stderr.splitlines() if "In file included from" not in line
+            and not line.lstrip().startswith("from ")]
+    if lines and len(told) > int(lines):
+        sys.exit(f"more than {lines} lines:\n{wrong.stderr}")
+    if names and not re.search(names, with_plain_names(wrong.stderr)):
+        sys.exit(f"the compiler does not show '{names}':\n{with_plain_names(wrong.stderr)}")
 
 
 def main():

@@ -1,6 +1,6 @@
 // error: only the last arm can take the remaining tags
 
-#include <sml/core/declare.hpp>
+#include <sml/core/define.hpp>
 
 using sml::core::Arm, sml::core::ElseArm;
 
@@ -12,3 +12,5 @@ struct Variant {
 #endif
     SML_VARIANT(Variant);
 };
+
+SML_DEFINE_VARIANT(Variant);

@@ -1,4 +1,7 @@
 // error: no arm has this name
+// errors: 1
+// lines: 20
+// says: "Atomic".*"ATOMIC", "UNKNOWN", "ARCH_SIZE"
 
 #include <sml/schema/Atomicity_Condition.hpp>
 

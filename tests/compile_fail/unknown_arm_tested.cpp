@@ -1,4 +1,7 @@
 // error: no arm has this name
+// errors: 1
+// lines: 20
+// says: "ATOMI".*"ATOMIC"
 
 #include <sml/schema/Atomicity_Condition.hpp>
 

@@ -1,4 +1,7 @@
 // error: no arm has this name
+// errors: 1
+// lines: 20
+// says: "AnswerId".*"QuestionId", "QuestionPtr"
 
 #include <sml/schema/Interrogators.hpp>
 

@@ -1,9 +1,10 @@
 #pragma once
 // Which of the names somebody may have meant.
 
+#include <sml/core/names.hpp>
+
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -12,16 +13,7 @@ namespace sml::inspect {
 /// How many letters have to be added, taken away or changed.
 inline std::size_t edit_distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            std::size_t const changed = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
+    return core::edit_distance(a, b, row.data());
 }
 
 /// The name that is nearest, the first of several. There is at least one.

@@ -128,7 +128,7 @@ struct Root {
     Type const*      type;
 };
 
-/// The 40 roots, in their fixed order.
+/// All roots, in their fixed order.
 SML_API std::span<Root const> roots();
 
 /// The root with this stem, null where there is none.

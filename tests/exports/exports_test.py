@@ -2,7 +2,7 @@
 """Compares what the shared library exports with exports.txt, both ways.
 
     exports_test.py NM LIBRARY            runs the tests
-    exports_test.py NM LIBRARY --update   rewrites exports.txt from the library
+    exports_test.py NM LIBRARY --update   rewrites exports.txt from the library; read the difference
 
 The complete and the base form of a constructor or destructor have one demangled name, so each name
 is listed once.
@@ -146,6 +146,7 @@ def update(names):
 class Exports(unittest.TestCase):
     maxDiff = None
     names = set()  # what the library exports
+    mend = ""  # the command that makes the list anew
 
     @classmethod
     def setUpClass(cls):
@@ -155,10 +156,10 @@ class Exports(unittest.TestCase):
         return sum(1 for name in self.names if re.search(pattern, name))
 
     def test_library_exports_what_is_listed(self):
-        self.assertEqual(sorted(set(self.required + self.further) - self.names), [])
+        self.assertEqual(sorted(set(self.required + self.further) - self.names), [], self.mend)
 
     def test_library_exports_nothing_else(self):
-        self.assertEqual(sorted(self.names - set(self.required + self.further)), [])
+        self.assertEqual(sorted(self.names - set(self.required + self.further)), [], self.mend)
 
     def test_sections_are_sorted_and_each_name_is_listed_once(self):
         self.assertEqual(self.required, sorted(self.required))
@@ -167,7 +168,6 @@ class Exports(unittest.TestCase):
         self.assertEqual(len(everything), len(set(everything)))
 
     def test_section_of_its_own_holds_special_members_and_arm_choice_only(self):
-        self.assertEqual(len(variants(self.names)), 37)
         self.assertEqual(set(self.further), further_names(self.names))
 
     def test_nothing_internal_is_exported(self):
@@ -175,14 +175,12 @@ class Exports(unittest.TestCase):
 
     def test_every_type_has_its_four_wire_forms(self):
         types = listed_types("all_types.hpp")
-        self.assertEqual(len(types), 227)
         wanted = {f"void {name}::serialize<sml::{archive}>(sml::{archive}&, unsigned int)"
                   for name in types for archive in ARCHIVES}
         self.assertEqual({name for name in self.names if "::serialize<" in name}, wanted)
 
     def test_every_type_but_four_is_compared(self):
         compared = listed_types("all_types.hpp") - NOT_COMPARED
-        self.assertEqual(len(compared), 223)
         for operator, types in [("==", compared), ("<", compared | {FLOAT})]:
             wanted = {f"{name}::operator{operator}({name} const&) const" for name in types}
             found = {name for name in self.names if f"::operator{operator}(" in name}
@@ -190,12 +188,10 @@ class Exports(unittest.TestCase):
 
     def test_variants_and_enumerations_give_their_names(self):
         enumerations = listed_types("generic/all_enumerations.hpp")
-        self.assertEqual(len(enumerations), 32)
         wanted = {f"{name.rsplit('::', 1)[0]}::toString({name})" for name in enumerations}
         free = {name for name in self.names
                 if "::toString(" in name and not name.endswith("() const")}
         self.assertEqual(free, wanted)
-        self.assertEqual(self.count(r"::toString\(\) const$"), 43)
         self.assertLess(variants(self.names) | REFERENCES, listed_types("all_types.hpp"))
 
     def test_keys_are_hashed(self):
@@ -217,24 +213,29 @@ class Exports(unittest.TestCase):
                           f"{FLOAT}::operator<({FLOAT} const&) const"})
 
     def test_every_root_has_its_seven_functions(self):
-        self.assertEqual(len(stems()), 40)
         for stem in stems():
             for flat in [f"{stem}_toCxx", f"{stem}_fromCxx"]:
                 self.assertIn(flat, self.names)
             for function in ["toCxx", "fromCxx", "toStream", "fromStream"]:
                 self.assertEqual(self.count(rf"^sml::{stem}_{function}[\[(]"), 1, stem)
-        self.assertEqual(self.count(r"^sml::deserializeSmlData\("), 40)
+        self.assertEqual(self.count(r"^sml::deserializeSmlData\("), len(stems()))
         entry_points = {name for name in self.names if ENTRY_POINT.match(name)}
-        self.assertEqual(len(entry_points), 280)
+        self.assertEqual(len(entry_points), 7 * len(stems()))
 
-    def test_what_is_required_is_all_told(self):
-        told = 280 + 227 * 4 + 223 + (223 + 1) + 75 + 5 + 2 + 2 + len(NAMED_MEMBERS)
-        self.assertEqual(len(self.required), told)
-        self.assertEqual(len(self.further), 37 * 7 + 8 * 6 - len(NAMED_MEMBERS))
+    def test_nothing_else_is_required(self):
+        types = len(listed_types("all_types.hpp"))
+        compared = types - len(NOT_COMPARED)
+        printed = (len(variants(self.names)) + len(REFERENCES)
+                   + len(listed_types("generic/all_enumerations.hpp")))
+        of_strings, of_floats = 2, 3  # a float's operator< is one of them
+        self.assertEqual(len(self.required),
+                         7 * len(stems()) + len(ARCHIVES) * types + 2 * compared + printed
+                         + len(HASHED) + of_strings + of_floats + len(NAMED_MEMBERS))
 
 
 if __name__ == "__main__":
     Exports.names = exported_names(sys.argv[1], sys.argv[2])
+    Exports.mend = "to list what is exported now: " + " ".join([*sys.argv[:3], "--update"])
     if sys.argv[3:] == ["--update"]:
         update(Exports.names)
     else:

@@ -13,15 +13,39 @@ using generic::Row;
 
 namespace {
 
+std::set<std::type_index> enumerations() {
+    return {
+#define TYPE_OF(Type) typeid(sml::Type),
+        ALL_ENUMERATIONS(TYPE_OF)
+#undef TYPE_OF
+    };
+}
+
+std::set<std::string> stems() {
+    return {
+#define SML_ROOT(Stem, ...) #Stem,
+#include <sml/bindings/roots.def>
+    };
+}
+
 auto count_of(bool (*is_counted)(Row const&)) {
     return std::ranges::count_if(generic::all_rows(), is_counted);
 }
 
-TEST(Counts, TypesAre227OfWhich184AreRecordsAnd43AreVariants) {
-    EXPECT_EQ(generic::all_rows().size(), 227u);
-    EXPECT_EQ(count_of([](Row const& row) { return row.form == Form::record; }), 184);
-    EXPECT_EQ(count_of([](Row const& row) { return row.form != Form::record; }), 43);
-    EXPECT_EQ(count_of([](Row const& row) { return row.form == Form::reference; }), 6);
+/// The schema is fixed: a type that joins or leaves it does so on purpose, and changes the number
+/// here, which stands nowhere else.
+constexpr auto how_to_mend =
+    "where this is meant, change the number in tests/generic/counts_test.cpp";
+
+TEST(Counts, OfRecordsVariantsReferencesEnumerationsAndRoots) {
+    EXPECT_EQ(count_of([](Row const& row) { return row.form == Form::record; }), 184)
+        << how_to_mend;
+    EXPECT_EQ(count_of([](Row const& row) { return row.form == Form::variant; }), 37)
+        << how_to_mend;
+    EXPECT_EQ(count_of([](Row const& row) { return row.form == Form::reference; }), 6)
+        << how_to_mend;
+    EXPECT_EQ(enumerations().size(), 32u) << how_to_mend;
+    EXPECT_EQ(stems().size(), 40u) << how_to_mend;
 }
 
 TEST(Counts, NoTypeIsListedTwice) {
@@ -37,21 +61,6 @@ TEST(Counts, FourTypesHaveNoComparison) {
     EXPECT_EQ(names, (std::set<std::string>{
                          "IL::T_Annotation", "IL::T_Info_Expr", "IL_Extras::T_ZelvaniteResultData",
                          "IL_Extras::VVIRZelvanitePragmasTag::T_PragmaParameter"}));
-}
-
-TEST(Counts, EnumerationsAre32) {
-    std::set<std::type_index> types;
-#define INSERT(Type) types.insert(typeid(sml::Type));
-    ALL_ENUMERATIONS(INSERT)
-#undef INSERT
-    EXPECT_EQ(types.size(), 32u);
-}
-
-TEST(Counts, RootsAre40) {
-    std::set<std::string> stems;
-#define SML_ROOT(Stem, ...) EXPECT_TRUE(stems.insert(#Stem).second) << #Stem;
-#include <sml/bindings/roots.def>
-    EXPECT_EQ(stems.size(), 40u);
 }
 
 }  // namespace

@@ -42,4 +42,19 @@ TEST(Golden, TheFilesReachEveryTypeArmAndEnumerator) {
     for (auto const& goal : to_reach) EXPECT_TRUE(reached.contains(goal)) << golden::name_of(goal);
 }
 
+/// Golden files of a wire form that has not changed are never rewritten: what is in them must be
+/// read as before.
+TEST(Golden, EachFileHoldsWhatItsDumpSays) {
+    for (File const& file : all_files())
+        EXPECT_EQ(golden::bytes_of(std::filesystem::path(GOLDEN_FILES) / dump_name(file)),
+                  dump_of(file))
+            << file.name << " is read otherwise than when it was written";
+}
+
+TEST(Golden, TheFilesAreOfTheWireFormsThatRootsHave) {
+    EXPECT_EQ(golden::digests_in(GOLDEN_FILES), golden::digests_of_roots())
+        << "the wire form of a root has changed; where this is meant, make its files anew: "
+           "cmake --build build/dev --target goldens";
+}
+
 }  // namespace

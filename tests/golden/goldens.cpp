@@ -1,10 +1,14 @@
 #include "tests/golden/goldens.hpp"
 
+#include <sml/inspect/dump.hpp>
+#include <sml/inspect/schema_json.hpp>
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 
 namespace golden {
@@ -127,12 +131,6 @@ private:
     std::string_view bytes_;  // those not taken yet
 };
 
-std::string bytes_of(std::filesystem::path const& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw std::runtime_error("can't read " + path.string());
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 /// Names for types without one of their own: from where they stand.
 void name_parts(Type const& type, std::string const& path, std::map<Type const*, std::string>& in) {
     if (!in.try_emplace(&type, type.name.empty() ? path : std::string(type.name)).second) return;
@@ -147,6 +145,35 @@ void name_parts(Type const& type, std::string const& path, std::map<Type const*,
 }
 
 }  // namespace
+
+std::string bytes_of(std::filesystem::path const& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw std::runtime_error("can't read " + path.string());
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+Digests digests_in(std::filesystem::path const& directory) {
+    Digests       digests;
+    std::ifstream in(directory / digests_name);
+    for (std::string stem, digest; in >> stem >> digest;) digests.emplace(stem, digest);
+    return digests;
+}
+
+Digests digests_of_roots() {
+    Digests digests;
+    for (Root const& root : sml::inspect::roots()) digests.emplace(root.stem, wire_digest(root));
+    return digests;
+}
+
+std::string dump_of(File const& file) {
+    std::ostringstream out;
+    dump(*file.root, file.bytes, out);
+    return std::move(out).str();
+}
+
+std::string dump_name(File const& file) {
+    return std::filesystem::path(file.name).replace_extension(".json").string();
+}
 
 std::vector<File> files_in(std::filesystem::path const& directory) {
     std::vector<File> files;

@@ -4,6 +4,8 @@
 #include <sml/inspect/type.hpp>
 
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -19,6 +21,28 @@ struct File {
     sml::inspect::Root const* root;
     std::string               bytes;
 };
+
+/// The file of a directory that holds, for each root, the digest of the wire form that the root's
+/// files were written in: lines STEM DIGEST.
+constexpr char const* digests_name = "digests.txt";
+
+/// Digests of wire forms by the stems of their roots.
+using Digests = std::map<std::string, std::string, std::less<>>;
+
+/// Those that a directory holds; none where it has no such file.
+Digests digests_in(std::filesystem::path const& directory);
+
+/// Those of the roots as they are.
+Digests digests_of_roots();
+
+/// What stands beside a golden file: what is in it as JSON.
+std::string dump_of(File const& file);
+
+/// The name of the file that holds the dump.
+std::string dump_name(File const& file);
+
+/// What a file holds. Throws `std::runtime_error` where it can't be read.
+std::string bytes_of(std::filesystem::path const& path);
 
 /// All golden files of a directory by name. Throws `std::runtime_error` for what is none.
 std::vector<File> files_in(std::filesystem::path const& directory);

@@ -1,11 +1,14 @@
-// Makes the golden files anew:
+// Makes the golden files of a directory those of the roots as they are:
 //
-//   make_goldens DIRECTORY    takes away the golden files there and writes new ones
+//   make_goldens DIRECTORY
 //
-// Random values are drawn until together they reach all that the schema has; of each draw the one
-// is kept that reaches most for its size. The files hold canonical bytes, so they come out the same
-// in every process. Built by another compiler, which may evaluate arguments in another order, the
-// program draws other values: the files in the tree are those of g++.
+// Files of a root whose wire form is the one that they were written in are kept: they are how a
+// change that reads them otherwise is found. Those of other roots are removed. Random values are
+// drawn until all files reach together what the schema has; of each draw the one is kept that
+// reaches most for its size. Beside each file without one its dump is written. The files hold
+// canonical bytes, so they come out the same in every process. Built by another compiler, which may
+// evaluate arguments in another order, the program draws other values: the files in the tree are
+// those of g++.
 
 #include <sml/inspect/canonical.hpp>
 #include "tests/golden/goldens.hpp"
@@ -43,36 +46,67 @@ std::string canonical(Root const& root, std::string const& bytes) {
 
 class Goldens {
 public:
-    Goldens() {
+    explicit Goldens(std::filesystem::path directory) : directory_(std::move(directory)) {
         for (Root const& root : sml::inspect::roots()) missing_.merge(golden::reachable_from(root));
+        keep_files_of_unchanged_roots();
     }
 
     void choose() {
         constexpr int values = 60;
         constexpr int most_draws = 1000;
-        for (Root const& root : sml::inspect::roots()) keep(best_of({&root}, values));
+        for (Root const& root : sml::inspect::roots())
+            if (!last_numbers_.contains(&root)) add(best_of({&root}, values));
         for (int draw = 0; !missing_.empty(); ++draw) {
             if (draw == most_draws)
                 throw std::runtime_error("not reached: " + golden::name_of(*missing_.begin()));
             if (Candidate best = best_of(useful_roots(), values); !best.news.empty())
-                keep(std::move(best));
+                add(std::move(best));
         }
     }
 
-    void write(std::filesystem::path const& directory) const {
-        for (golden::File const& file : golden::files_in(directory))
-            std::filesystem::remove(directory / file.name);
-        std::map<Root const*, int> numbers;
-        for (Candidate const& kept : kept_) {
-            std::string const name =
-                std::string(kept.root->stem) + '.' + std::to_string(++numbers[kept.root]) + ".bin";
-            std::ofstream out(directory / name, std::ios::binary);
-            out << kept.bytes;
-            if (!out.flush()) throw std::runtime_error("can't write " + name);
+    void write() const {
+        for (golden::File const& file : added_) {
+            write_file(file.name, file.bytes);
+            std::cout << "added " << file.name << '\n';
         }
+        for (golden::File const& file : golden::files_in(directory_))
+            if (std::string const name = dump_name(file); !exists(directory_ / name))
+                write_file(name, dump_of(file));
+        std::string digests;
+        for (auto const& [stem, digest] : golden::digests_of_roots())
+            digests += stem + ' ' + digest + '\n';
+        write_file(golden::digests_name, digests);
     }
 
 private:
+    void keep_files_of_unchanged_roots() {
+        golden::Digests const written = golden::digests_in(directory_);
+        golden::Digests const now = golden::digests_of_roots();
+        for (auto const& entry : std::filesystem::directory_iterator(directory_)) {
+            std::filesystem::path const path = entry.path();
+            std::string const           name = path.filename().string();
+            std::string const           stem = name.substr(0, name.find('.'));
+            if (name == golden::digests_name) continue;
+            auto const digest = written.find(stem);
+            if (digest != written.end() && now.contains(stem) && now.at(stem) == digest->second)
+                continue;
+            std::filesystem::remove(path);
+            std::cout << "removed " << name << '\n';
+        }
+        for (golden::File const& file : golden::files_in(directory_)) {
+            for (auto const& reached : golden::reached_by(*file.root, file.bytes))
+                missing_.erase(reached);
+            int const number = std::stoi(file.name.substr(file.name.find('.') + 1));
+            last_numbers_[file.root] = std::max(last_numbers_[file.root], number);
+        }
+    }
+
+    void write_file(std::string const& name, std::string const& bytes) const {
+        std::ofstream out(directory_ / name, std::ios::binary);
+        out << bytes;
+        if (!out.flush()) throw std::runtime_error("can't write " + name);
+    }
+
     /// The roots below which something is missing.
     std::vector<Root const*> useful_roots() const {
         std::vector<Root const*> useful;
@@ -106,15 +140,18 @@ private:
         return made;
     }
 
-    void keep(Candidate best) {
+    void add(Candidate best) {
         for (auto const& reached : best.news) missing_.erase(reached);
-        best.bytes = canonical(*best.root, best.bytes);
-        kept_.push_back(std::move(best));
+        std::string const name = std::string(best.root->stem) + '.' +
+                                 std::to_string(++last_numbers_[best.root]) + ".bin";
+        added_.push_back({name, best.root, canonical(*best.root, best.bytes)});
     }
 
-    Reached                missing_;
-    std::vector<Candidate> kept_;
-    std::uint64_t          seed_ = 0;
+    std::filesystem::path      directory_;
+    Reached                    missing_;
+    std::vector<golden::File>  added_;
+    std::map<Root const*, int> last_numbers_;  // of the files of each root
+    std::uint64_t              seed_ = 0;
 };
 
 }  // namespace
@@ -124,9 +161,9 @@ int main(int count, char** arguments) try {
         std::cerr << "usage: make_goldens DIRECTORY\n";
         return 2;
     }
-    Goldens goldens;
+    Goldens goldens(arguments[1]);
     goldens.choose();
-    goldens.write(arguments[1]);
+    goldens.write();
     return 0;
 } catch (std::exception const& failure) {
     std::cerr << "make_goldens: " << failure.what() << '\n';

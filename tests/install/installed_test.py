@@ -110,7 +110,8 @@ def try_commands(source, prefix, folder):
     schema = folder / "schema"
     schema.write_text(run(bradep, "schema"))
     run(bradep, "schema", "--diff", schema)
-    expect("there are 40 roots", len(run(bradep, "roots").splitlines()) == 40)
+    expect("every root is there", [line.split()[0] for line in run(bradep, "roots").splitlines()]
+           == re.findall(r"^SML_ROOT\((\w+),", (source / "sml/bindings/roots.def").read_text(), re.M))
     result.write_bytes(result.read_bytes()[:-1])
     run(bradep, "verify", result, code=1)
     expect("an option is told of", "--version" in run(bradep, "--help"))

@@ -103,15 +103,15 @@ private:
     [[gnu::noinline]] void string(Type const& type, Readings at) {
         pass_all_but_last(type, at);
         std::uint64_t&   offset = at.back();
-        auto const       word = take<std::int32_t>(offset);
+        StringWord const word(take<std::int32_t>(offset));
         std::string_view text;
         std::uint64_t    place = offset;
-        if (word >= 1) {
-            place = walk_.strings.place_of(word);
-            text = walk_.strings.text_of(word);
+        if (word.refers()) {
+            place = walk_.strings.place_of(word.id());
+            text = walk_.strings.text_of(word.id());
         } else {
             text = take_block(offset);
-            place = walk_.strings.place_of_told(place);
+            place = walk_.strings.place_at(place);
         }
         // Equal texts have one place, but for the empty one of an id that was never told.
         constexpr std::uint64_t place_of_empty = 0;
@@ -247,7 +247,7 @@ private:
                 offset += sizeof(std::int32_t);
                 return;
             case Kind::string:
-                if (take<std::int32_t>(offset) < 1) take_block(offset);
+                if (!StringWord(take<std::int32_t>(offset)).refers()) take_block(offset);
                 return;
             case Kind::optional:
                 if (bytes_[offset++] == flag_of_presence) pass(*type.element, offset);

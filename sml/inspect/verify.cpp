@@ -124,7 +124,7 @@ Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& op
     verdict.heap = walk.heap.peak();
     verdict.work = verifier.work();
     verdict.elements = walk.elements;
-    verdict.strings = walk.strings.told();
+    verdict.strings = walk.strings.count();
     return std::move(verdict);
 }
 

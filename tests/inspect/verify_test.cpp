@@ -184,6 +184,10 @@ TEST(Verify, IdOutOfSequenceIsOdd) {
                               "01 00 00 00  00 00 00 00  01 00 00 00 'a'  00 00 00 00")
                   .found,
               "id 0");
+    EXPECT_EQ(the_odd_finding("String_To_StringSet_T",
+                              "01 00 00 00  00 00 00 80  01 00 00 00 'a'  00 00 00 00")
+                  .found,
+              "id 2147483648");
 }
 
 TEST(Verify, UndefinedIdIsOddAndIsTheEmptyTextFromThenOn) {

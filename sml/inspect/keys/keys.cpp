@@ -38,22 +38,22 @@ public:
 
     // Of a string, one of these.
     std::string_view take_string() {
-        auto const word = take_word<std::int32_t>();
-        return word >= 1 ? keys_.strings_.text_of(word) : take_block();
+        StringWord const word(take_word<std::int32_t>());
+        return word.refers() ? keys_.strings_.text_of(word.id()) : take_block();
     }
     std::uint64_t take_string_hash() {
-        auto const word = take_word<std::int32_t>();
-        if (word >= 1) return keys_.strings_.hash_of(word);
+        StringWord const word(take_word<std::int32_t>());
+        if (word.refers()) return keys_.strings_.hash_of(word.id());
         std::uint64_t const length_offset = offset_;
         take_block();
-        return keys_.strings_.hash_of_told(length_offset);
+        return keys_.strings_.hash_at(length_offset);
     }
     std::uint64_t take_string_place() {
-        auto const word = take_word<std::int32_t>();
-        if (word >= 1) return keys_.strings_.place_of(word);
+        StringWord const word(take_word<std::int32_t>());
+        if (word.refers()) return keys_.strings_.place_of(word.id());
         std::uint64_t const length_offset = offset_;
         take_block();
-        return keys_.strings_.place_of_told(length_offset);
+        return keys_.strings_.place_at(length_offset);
     }
 
 private:

@@ -195,7 +195,7 @@ private:
         };
         for (;; ++part) {
             at += part->words_before;
-            if (part->kind == Kind::string && word_at(at) - 1 < walk_.strings.known_at_sight())
+            if (part->kind == Kind::string && walk_.strings.knows_at_sight(string_word_at(at)))
                 [[likely]] {
                 at += sizeof(std::int32_t);
                 continue;
@@ -277,6 +277,10 @@ private:
         std::uint32_t word;
         std::memcpy(&word, at, sizeof word);
         return word;
+    }
+
+    static StringWord string_word_at(char const* at) {
+        return StringWord(static_cast<std::int32_t>(word_at(at)));
     }
 
     /// Whether a tag stands alone, and may.
@@ -506,33 +510,33 @@ private:
     }
 
     bool string() {
-        auto const word = walk_.take_word<std::int32_t>();
-        if (word < 1) return told_string(word);
-        if (!walk_.strings.refer(word)) [[unlikely]] {
-            odd_reference(word);
+        StringWord const word(walk_.take_word<std::int32_t>());
+        if (!word.refers()) return string_in_full(word.id());
+        if (!walk_.strings.refer(word.id())) [[unlikely]] {
+            odd_reference(word.id());
             if (!walk_.heap.take_other_id()) return too_much_heap(walk_.offset());
             if (!work_does(walk_.offset())) return false;
         }
-        if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word));
+        if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word.id()));
         return true;
     }
 
-    [[gnu::noinline]] bool told_string(std::int32_t word) {
+    [[gnu::noinline]] bool string_in_full(std::int32_t id) {
         std::uint64_t const length_offset = walk_.offset();
-        std::uint64_t const at = length_offset - sizeof word;
-        std::string_view    told;
-        if (!block(told, "a string")) return false;
-        if (walk_.strings.told() == StringTable::most) return too_many_strings(at);
-        auto const first_sight = walk_.strings.tell(word, length_offset);
-        if (!first_sight.in_sequence) odd_id(at, word);
-        if (!first_sight.text_is_new) odd_repetition(at);
-        bool const does = walk_.heap.take_string(told.size(), first_sight.text_is_new) &&
-                          (first_sight.in_turn ? walk_.heap.take_id_in_turn(walk_.strings.told())
-                           : first_sight.id_is_new ? walk_.heap.take_other_id()
-                                                   : true);
+        std::uint64_t const at = length_offset - sizeof id;
+        std::string_view    text;
+        if (!block(text, "a string")) return false;
+        if (walk_.strings.count() == StringTable::most) return too_many_strings(at);
+        auto const added = walk_.strings.add(id, length_offset);
+        if (!added.in_sequence) odd_id(at, id);
+        if (!added.text_is_new) odd_repetition(at);
+        bool const does = walk_.heap.take_string(text.size(), added.text_is_new) &&
+                          (added.in_turn     ? walk_.heap.take_id_in_turn(walk_.strings.count())
+                           : added.id_is_new ? walk_.heap.take_other_id()
+                                             : true);
         if (!does) return too_much_heap(at);
         if (!work_does(at)) return false;
-        visitor_.string(told);
+        visitor_.string(text);
         return true;
     }
 
@@ -678,9 +682,10 @@ private:
         });
     }
 
-    [[gnu::cold, gnu::noinline]] void odd_id(std::uint64_t at, std::int32_t word) {
-        odd(Oddity::other, at, "id " + std::to_string(walk_.strings.told()),
-            [&] { return "id " + std::to_string(-static_cast<std::int64_t>(word)); });
+    [[gnu::cold, gnu::noinline]] void odd_id(std::uint64_t at, std::int32_t id) {
+        // The least number is shown without its sign.
+        odd(Oddity::other, at, "id " + std::to_string(walk_.strings.count()),
+            [&] { return "id " + std::to_string(static_cast<std::uint32_t>(id)); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_reference(std::int32_t id) {

@@ -1,5 +1,5 @@
 #pragma once
-// The string ids that come out of sequence: which of them were used before they were told, and the
+// The string ids that come out of sequence: which of them were used before they had a text, and the
 // numbers that the user of this table has for the others.
 
 #include <sml/inspect/wire/hashing.hpp>

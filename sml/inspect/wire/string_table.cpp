@@ -5,25 +5,24 @@
 
 namespace sml::inspect {
 
-StringTable::Told StringTable::tell(std::int32_t word, std::uint64_t length_offset) {
-    auto const id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
+StringTable::Added StringTable::add(std::int32_t id, std::uint64_t length_offset) {
     auto const entry = static_cast<std::uint32_t>(entries_.size());
     entries_.push_back({length_offset, hash_of(text_at(length_offset))});
     bool const in_turn =
         id == prefix_ + 1 && static_cast<std::uint32_t>(prefix_) == entry && others_.empty();
     if (in_turn) ++prefix_;
-    bool const id_is_new = in_turn || tell_other(id, entry);
-    ++told_;
+    bool const id_is_new = in_turn || add_other(id, entry);
+    ++count_;
     bool const text_is_new = index_text(entry);
-    return {static_cast<std::uint32_t>(id) == told_, text_is_new, in_turn, id_is_new};
+    return {static_cast<std::uint32_t>(id) == count_, text_is_new, in_turn, id_is_new};
 }
 
-bool StringTable::tell_other(std::int32_t id, std::uint32_t entry) {
+bool StringTable::add_other(std::int32_t id, std::uint32_t entry) {
+    bool const is_referable = StringWord::is_referable(id);
     bool const is_new =
-        id >= 1 ? !knows(id) : !std::exchange(id == 0 ? tells_0_ : tells_least_, true);
+        is_referable ? !knows(id) : !std::exchange(id == 0 ? has_0_ : has_least_, true);
     if (model_ != nullptr) model_->use_id(id, is_new);
-    // No word refers to an id below 1.
-    if (is_new && id >= 1) others_.add(id, entry);
+    if (is_new && is_referable) others_.add(id, entry);
     return is_new;
 }
 
@@ -34,9 +33,7 @@ bool StringTable::refer_other(std::int32_t id) {
     return !is_new;
 }
 
-bool StringTable::knows(std::int32_t id) const {
-    return (id >= 1 && id <= prefix_) || (id >= 1 && others_.find(id));
-}
+bool StringTable::knows(std::int32_t id) const { return id <= prefix_ || others_.find(id); }
 
 bool StringTable::index_text(std::uint32_t entry) {
     if (distinct_ * 4 >= index_.size() * 3) grow_index();

@@ -4,6 +4,7 @@
 #include <sml/inspect/reader/reader_model.hpp>
 #include <sml/inspect/wire/hashing.hpp>
 #include <sml/inspect/wire/id_table.hpp>
+#include <sml/inspect/wire/string_word.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +17,7 @@
 namespace sml::inspect {
 
 /// Texts by id as a reader's table has them. An id keeps its first text; an id that is used before
-/// it is told becomes the empty text.
+/// it has a text becomes the empty text.
 class StringTable {
 public:
     /// Ids are positive words.
@@ -45,18 +46,21 @@ public:
     /// How often texts with the hash of another one were compared with it; long ones count more.
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
-    struct Told {
+    struct Added {
         bool in_sequence;  ///< the id is the next one
         bool text_is_new;
-        bool in_turn;    ///< so were all ids before it, and none was used before it was told
-        bool id_is_new;  ///< not used or told before
+        bool in_turn;    ///< so were all ids before it, and none was used before it had a text
+        bool id_is_new;  ///< neither used nor given a text before
     };
 
-    /// Takes a first sight: its word and where its length word stands. The text fits the bytes.
-    Told tell(std::int32_t word, std::uint64_t length_offset);
+    /// Adds a string that is written in full: its id and where its length word stands. The text
+    /// fits the bytes.
+    Added add(std::int32_t id, std::uint64_t length_offset);
 
-    /// How many ids from 1 on are known without looking.
-    std::uint32_t known_at_sight() const noexcept { return static_cast<std::uint32_t>(prefix_); }
+    /// Whether a word refers to an id that is known without looking.
+    bool knows_at_sight(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
+
+    // Of ids that words refer to.
 
     /// Whether the id is known; makes it the empty text when it is not.
     bool refer(std::int32_t id) { return id <= prefix_ || refer_other(id); }
@@ -65,19 +69,20 @@ public:
     std::string_view text_of(std::int32_t id) const { return text_at(place_of(id)); }
     std::uint64_t    hash_of(std::int32_t id) const { return entry_of(id).hash; }
 
-    /// The hash of a text that was told whole; known without looking for the one told last.
-    std::uint64_t hash_of_told(std::uint64_t length_offset) const {
+    /// The hash of a text that is written in full; known without looking for the last one.
+    std::uint64_t hash_at(std::uint64_t length_offset) const {
         Entry const& last = entries_.back();
         return last.length_offset == length_offset ? last.hash : hash_of(text_at(length_offset));
     }
 
-    /// The place of the empty text of an id that was used before it was told.
+    /// The place of the empty text of an id that was used before it had a text.
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
 
-    /// Where the length word of the text stands that is told for an id, or at a place: the same one
-    /// for equal texts, but for the empty text of an id that was used before it was told.
+    /// Where the length word of the text stands that an id has, or that is written at a place: the
+    /// same one for equal texts, but for the empty text of an id that was used before it had a
+    /// text.
     std::uint64_t place_of(std::int32_t id) const { return entry_of(id).length_offset; }
-    std::uint64_t place_of_told(std::uint64_t length_offset) const {
+    std::uint64_t place_at(std::uint64_t length_offset) const {
         auto const repetition = repetitions_.find(length_offset);
         return repetition == repetitions_.end() ? length_offset : repetition->second;
     }
@@ -86,8 +91,8 @@ public:
         return place == other || (text_at(place).empty() && text_at(other).empty());
     }
 
-    /// How many strings were told whole so far.
-    std::uint32_t told() const noexcept { return told_; }
+    /// How many strings were written in full so far.
+    std::uint32_t count() const noexcept { return count_; }
 
 private:
     struct Entry {
@@ -95,11 +100,11 @@ private:
         std::uint64_t hash;
     };
 
-    static constexpr std::uint32_t unknown = IdTable::no_number;  // used before it was told
+    static constexpr std::uint32_t unknown = IdTable::no_number;  // used before it had a text
 
     /// The number of the entry of an id that is known.
     std::uint32_t number_of(std::int32_t id) const {
-        if (id >= 1 && id <= prefix_) return static_cast<std::uint32_t>(id) - 1;
+        if (id <= prefix_) return static_cast<std::uint32_t>(id) - 1;
         return *others_.find(id);
     }
 
@@ -132,28 +137,28 @@ private:
 
     bool knows(std::int32_t id) const;
     bool refer_other(std::int32_t id);
-    bool tell_other(std::int32_t id, std::uint32_t entry);
+    bool add_other(std::int32_t id, std::uint32_t entry);
     bool index_text(std::uint32_t entry);
     void grow_index();
 
     std::string_view                bytes_;
     ReaderModel*                    model_ = nullptr;
-    std::pmr::vector<Entry>         entries_;  // of the texts told, in their order
+    std::pmr::vector<Entry>         entries_;  // of the texts written in full, in their order
     Entry                           of_unknown_ids_{nowhere, seeded_hash(std::string_view())};
-    std::uint32_t                   told_ = 0;
+    std::uint32_t                   count_ = 0;
     std::int32_t                    prefix_ = 0;  // ids 1 to this are the first entries, in order
     std::pmr::vector<Slot>          index_;       // open addressing by hash
     int                             shift_ = 0;   // leaves the bits of a slot's number
     std::size_t                     distinct_ = 0;
     std::uint64_t                   comparisons_ = 0;
-    std::pmr::vector<std::uint32_t> repeated_;  // entries whose text was told before
+    std::pmr::vector<std::uint32_t> repeated_;  // entries whose text was there before
     IdTable                         others_;    // entries by id, or unknown
 
-    // The ids below 1 that words can tell: 0 and the least number.
-    bool tells_0_ = false;
-    bool tells_least_ = false;
+    // Whether there were strings under the ids that no word refers to: 0 and the least number.
+    bool has_0_ = false;
+    bool has_least_ = false;
 
-    // Where a text was told again, and where it was told first.
+    // Where a text is written again, and where it was written first.
     std::pmr::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;
 };
 

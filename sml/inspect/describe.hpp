@@ -4,6 +4,7 @@
 #include <sml/core/kinds.hpp>
 #include <sml/inspect/reader/heap_chunk.hpp>
 #include <sml/inspect/type.hpp>
+#include <sml/inspect/wire/form.hpp>
 
 #include <algorithm>
 #include <array>
@@ -36,56 +37,6 @@ struct Described {
 
 template <class T>
 using BoxedType = std::remove_cvref_t<decltype(*std::declval<T&>())>;
-
-template <class T>
-consteval std::uint32_t least_size();
-
-template <class... T>
-consteval std::uint32_t least_size_of_all(Types<T...>) {
-    return (0 + ... + least_size<T>());
-}
-
-template <class Payload>
-consteval std::uint32_t least_size_of_arm() {
-    if constexpr (std::is_void_v<Payload>)
-        return 0;
-    else
-        return least_size<Payload>();
-}
-
-template <class V, std::int32_t... Index>
-consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
-    // A tag that stands bare needs nothing more; asking no further also ends the recursion of
-    // types that hold their own kind.
-    if constexpr (!V::arms::takes_rest)
-        return 0;
-    else
-        return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
-}
-
-template <class T>
-consteval std::uint32_t least_size() {
-    using namespace core;
-    if constexpr (Word<T>)
-        return sizeof(T);
-    else if constexpr (std::is_same_v<T, bool> || Optional<T>)
-        return 1;
-    else if constexpr (std::is_same_v<T, zelvanite::IEEE754Float>)
-        return 8;
-    else if constexpr (Leaf<T> || List<T> || Set<T> || Map<T>)
-        return 4;
-    else if constexpr (Boxed<T>)
-        return least_size<BoxedType<T>>();
-    else if constexpr (PairOrTuple<T>)
-        return least_size_of_all(decltype(parts_of(std::declval<T>())){});
-    else if constexpr (FlagArray<T>)
-        return std::tuple_size_v<T>;
-    else if constexpr (Fielded<T>)
-        return least_size_of_all(FieldTypes<T>{});
-    else
-        return 4 +
-               least_size_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
-}
 
 template <class T>
 consteval Kind kind_of_leaf() {
@@ -184,9 +135,6 @@ constexpr std::size_t count_flat_parts(Types<T...>) {
 }
 
 template <class T>
-constexpr bool is_plain_word = core::Word<T> && !std::is_enum_v<T>;
-
-template <class T>
 consteval Kind kind_of() {
     using namespace core;
     if constexpr (Leaf<T>)
@@ -209,6 +157,50 @@ consteval Kind kind_of() {
         return Fielded<T> ? Kind::reference : Kind::variant;
     else
         return Serialized<T> ? Kind::record : Kind::group;
+}
+
+template <class T>
+consteval std::uint32_t least_size();
+
+template <class... T>
+consteval std::uint32_t least_size_of_all(Types<T...>) {
+    return (0 + ... + least_size<T>());
+}
+
+template <class Payload>
+consteval std::uint32_t least_size_of_arm() {
+    if constexpr (std::is_void_v<Payload>)
+        return 0;
+    else
+        return least_size<Payload>();
+}
+
+template <class V, std::int32_t... Index>
+consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
+    // A tag that stands bare needs nothing more; asking no further also ends the recursion of
+    // types that hold their own kind.
+    if constexpr (!V::arms::takes_rest)
+        return 0;
+    else
+        return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
+}
+
+template <class T>
+consteval std::uint32_t least_size() {
+    constexpr Kind          kind = kind_of<T>();
+    constexpr std::uint32_t own = least_size_of(kind);
+    static_assert(!core::Word<T> || own == sizeof(T));
+    if constexpr (HasParts<T>)
+        return own + least_size_of_all(PartTypes<T>{});
+    else if constexpr (kind == Kind::boxed)
+        return own + least_size<BoxedType<T>>();
+    else if constexpr (kind == Kind::flags)
+        return own + std::tuple_size_v<T> * least_size_of(Kind::flag);
+    else if constexpr (kind == Kind::variant)
+        return own +
+               least_size_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
+    else
+        return own;
 }
 
 /// Whether a walk can pass a part of this kind at a glance: the id of a string told before, a bare
@@ -272,8 +264,8 @@ struct FlatParts {
     constexpr void add() {
         if constexpr (HasParts<T>)
             add_all(PartTypes<T>{});
-        else if constexpr (is_plain_word<T>)
-            next.words_before += sizeof(T);
+        else if constexpr (is_plain_word(kind_of<T>()))
+            next.words_before += least_size<T>();
         else
             add_part(&Described<T>::type, kind_of<T>(), least_size<T>());
     }

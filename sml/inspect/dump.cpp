@@ -19,10 +19,6 @@ using Form = DumpOptions::Form;
 
 bool has_names(Type const& type) { return type.kind == Kind::record || type.kind == Kind::group; }
 
-bool is_container(Type const& type) {
-    return type.kind == Kind::list || type.kind == Kind::set || type.kind == Kind::map;
-}
-
 void write_unsafe(JsonWriter& json, Finding const& finding) {
     json.open('{');
     json.member("offset");
@@ -245,11 +241,11 @@ public:
     void part(Type const& type, std::uint64_t index) {
         leave_part();
         end_skipping();
-        if (!superseded_.empty() && is_container(type) && superseded_.contains(walk_.offset()))
+        if (!superseded_.empty() && type.is_container() && superseded_.contains(walk_.offset()))
             skipped_depth_ = std::min(skipped_depth_, walk_.depth());
         if (is_on()) json_.part(type, index);
         enter_part(type.kind == Kind::map ? *type.key
-                   : is_container(type)   ? *type.element
+                   : type.is_container()  ? *type.element
                    : type.parts.empty()   ? type
                                           : *type.parts[index].type);
     }
@@ -321,7 +317,7 @@ private:
     static bool holds_lines(Type const& type) {
         if (type.kind == Kind::optional || type.kind == Kind::boxed)
             return holds_lines(*type.element);
-        return is_container(type);
+        return type.is_container();
     }
 
     void deselect() {

@@ -23,7 +23,7 @@ enum class Kind : std::uint8_t {
     number,       ///< a `double` as decimal text
     big_integer,  ///< hexadecimal text
     ieee_float,   ///< hexadecimal float text and a width word
-    string,       ///< interned: told whole once, then by id
+    string,       ///< interned: written in full once, then by id
     text,         ///< a length and bytes
     enumeration,
     optional,
@@ -38,6 +38,9 @@ enum class Kind : std::uint8_t {
     reference,  ///< a tag and one word behind it, whatever the tag
     boxed,      ///< its element, which a reader holds as an object of its own
 };
+
+/// Whether values of a kind are words that may have any value.
+constexpr bool is_plain_word(Kind kind) noexcept { return kind <= Kind::uint64; }
 
 struct Type;
 
@@ -96,8 +99,11 @@ struct Type {
         return kind == Kind::record || kind == Kind::group || kind == Kind::tuple;
     }
 
-    /// A word that may have any value.
-    bool is_plain_word() const noexcept { return kind <= Kind::uint64; }
+    bool is_container() const noexcept {
+        return kind == Kind::list || kind == Kind::set || kind == Kind::map;
+    }
+
+    bool is_plain_word() const noexcept { return inspect::is_plain_word(kind); }
 
     /// Whether a variant, reference or enumeration has this tag or value.
     bool knows_tag(std::int32_t tag) const noexcept {

@@ -6,12 +6,12 @@
 #include <sml/inspect/memory.hpp>
 #include <sml/inspect/reader/reader_heap.hpp>
 #include <sml/inspect/type.hpp>
+#include <sml/inspect/wire/form.hpp>
 #include <sml/inspect/wire/string_table.hpp>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -44,10 +44,8 @@ public:
     /// The next word; `left()` holds it.
     template <class Word>
     Word take_word() noexcept {
-        Word word;
-        std::memcpy(&word, at_, sizeof word);
-        at_ += sizeof word;
-        return word;
+        at_ += sizeof(Word);
+        return word_at<Word>(at_ - sizeof(Word));
     }
 
     void skip(std::size_t size) noexcept { at_ += size; }

@@ -9,8 +9,8 @@
 #include <sml/inspect/text/number_text.hpp>
 #include <sml/inspect/text/quote.hpp>
 #include <sml/inspect/walk/walk.hpp>
+#include <sml/inspect/wire/form.hpp>
 
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -195,9 +195,9 @@ private:
         };
         for (;; ++part) {
             at += part->words_before;
-            if (part->kind == Kind::string && walk_.strings.knows_at_sight(string_word_at(at)))
-                [[likely]] {
-                at += sizeof(std::int32_t);
+            if (part->kind == Kind::string &&
+                walk_.strings.knows_at_sight(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
+                at += least_size_of(Kind::string);
                 continue;
             }
             switch (part->kind) {
@@ -207,23 +207,23 @@ private:
                     break;
                 case Kind::flag:
                     if (is_flag(*at)) [[likely]] {
-                        ++at;
+                        at += least_size_of(Kind::flag);
                         continue;
                     }
                     stop();
                     flag();
                     break;
                 case Kind::optional:
-                    if (*at == 'F') {
-                        ++at;
+                    if (*at == flag_byte(false)) {
+                        at += least_size_of(Kind::optional);
                         continue;
                     }
                     stop();
                     whole = optional(*part->type);
                     break;
                 case Kind::variant:
-                    if (is_bare(*part->type, word_at(at))) {
-                        at += sizeof(std::int32_t);
+                    if (is_bare(*part->type, word_at<std::uint32_t>(at))) {
+                        at += least_size_of(Kind::variant);
                         continue;
                     }
                     stop();
@@ -236,8 +236,8 @@ private:
                 case Kind::list:
                 case Kind::set:
                 case Kind::map:
-                    if (word_at(at) == 0 && may_nest()) {
-                        at += sizeof(std::uint32_t);
+                    if (word_at<std::uint32_t>(at) == 0 && may_nest()) {
+                        at += least_size_of(Kind::list);
                         continue;
                     }
                     stop();
@@ -264,23 +264,6 @@ private:
                 return flat_parts_with_care(type, step, part + 1);
             at = walk_.at();
         }
-    }
-
-    /// T or F, without a branch on which of them.
-    static bool is_flag(char byte) {
-        constexpr unsigned both = 1u << ('T' - 'F') | 1u;
-        unsigned const     index = static_cast<unsigned char>(byte) - unsigned{'F'};
-        return index <= 'T' - 'F' && (both >> index & 1) != 0;
-    }
-
-    static std::uint32_t word_at(char const* at) {
-        std::uint32_t word;
-        std::memcpy(&word, at, sizeof word);
-        return word;
-    }
-
-    static StringWord string_word_at(char const* at) {
-        return StringWord(static_cast<std::int32_t>(word_at(at)));
     }
 
     /// Whether a tag stands alone, and may.
@@ -503,7 +486,7 @@ private:
     bool flag() {
         std::uint64_t const at = walk_.offset();
         char const          byte = walk_.take(1).front();
-        bool const          is_true = byte == 'T';
+        bool const          is_true = is_true_flag(byte);
         if (!is_flag(byte)) [[unlikely]]
             odd_flag(at, byte);
         return is_true;

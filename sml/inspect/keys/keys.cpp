@@ -7,58 +7,40 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <functional>
 
 namespace sml::inspect {
 
-/// A place in the bytes, behind which a key goes on.
-class Keys::Cursor {
+/// A place in the bytes, at which a key goes on.
+class Keys::Cursor : public WalkedBytes {
 public:
-    Cursor(Keys const& keys, std::uint64_t offset) : keys_(keys), offset_(offset) {}
+    Cursor(Keys const& keys, std::uint64_t offset)
+        : WalkedBytes(keys.bytes_, offset), keys_(keys) {}
 
-    std::uint64_t offset() const { return offset_; }
-    Budget&       budget() const { return keys_.budget_; }
-
-    template <class Word>
-    Word take_word() {
-        Word word;
-        std::memcpy(&word, keys_.bytes_.data() + offset_, sizeof word);
-        offset_ += sizeof word;
-        return word;
-    }
-
-    bool take_flag() { return keys_.bytes_[offset_++] == 'T'; }
-
-    std::string_view take_block() {
-        auto const length = static_cast<std::size_t>(take_word<std::int32_t>());
-        offset_ += length;
-        return {keys_.bytes_.data() + (offset_ - length), length};
-    }
+    Budget& budget() const { return keys_.budget_; }
 
     // Of a string, one of these.
     std::string_view take_string() {
-        StringWord const word(take_word<std::int32_t>());
+        StringWord const word = take_string_word();
         return word.refers() ? keys_.strings_.text_of(word.id()) : take_block();
     }
     std::uint64_t take_string_hash() {
-        StringWord const word(take_word<std::int32_t>());
+        StringWord const word = take_string_word();
         if (word.refers()) return keys_.strings_.hash_of(word.id());
-        std::uint64_t const length_offset = offset_;
+        std::uint64_t const length_offset = offset();
         take_block();
         return keys_.strings_.hash_at(length_offset);
     }
     std::uint64_t take_string_place() {
-        StringWord const word(take_word<std::int32_t>());
+        StringWord const word = take_string_word();
         if (word.refers()) return keys_.strings_.place_of(word.id());
-        std::uint64_t const length_offset = offset_;
+        std::uint64_t const length_offset = offset();
         take_block();
         return keys_.strings_.place_at(length_offset);
     }
 
 private:
-    Keys const&   keys_;
-    std::uint64_t offset_;
+    Keys const& keys_;
 };
 
 /// The digits of the integer that a reader has after a block, with its sign: the block's own where

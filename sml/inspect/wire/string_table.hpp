@@ -5,10 +5,10 @@
 #include <sml/inspect/wire/hashing.hpp>
 #include <sml/inspect/wire/id_table.hpp>
 #include <sml/inspect/wire/string_word.hpp>
+#include <sml/inspect/wire/walked_bytes.hpp>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory_resource>
 #include <string_view>
 #include <unordered_map>
@@ -115,9 +115,7 @@ private:
 
     std::string_view text_at(std::uint64_t length_offset) const {
         if (length_offset == nowhere) return {};
-        std::int32_t length;
-        std::memcpy(&length, bytes_.data() + length_offset, sizeof length);
-        return {bytes_.data() + length_offset + sizeof length, static_cast<std::size_t>(length)};
+        return WalkedBytes(bytes_, length_offset).take_block();
     }
 
     std::uint64_t hash_of(std::string_view text) const {

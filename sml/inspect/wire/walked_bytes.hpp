@@ -1,0 +1,95 @@
+#pragma once
+// Bytes that have been walked, gone through again: nothing is checked any more.
+
+#include <sml/inspect/wire/form.hpp>
+#include <sml/inspect/wire/string_word.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace sml::inspect {
+
+/// A place in bytes, which moves behind what is taken.
+class WalkedBytes {
+public:
+    /// The bytes live as long as this.
+    explicit WalkedBytes(std::string_view bytes, std::uint64_t offset = 0) noexcept
+        : start_(bytes.data()), offset_(offset) {}
+
+    std::uint64_t offset() const noexcept { return offset_; }
+
+    template <class Word>
+    Word peek_word() const noexcept {
+        return word_at<Word>(start_ + offset_);
+    }
+    template <class Word>
+    Word take_word() noexcept {
+        offset_ += sizeof(Word);
+        return word_at<Word>(start_ + offset_ - sizeof(Word));
+    }
+    StringWord take_string_word() noexcept { return StringWord(take_word<std::int32_t>()); }
+
+    bool take_flag() noexcept { return is_true_flag(start_[offset_++]); }
+
+    std::string_view take(std::size_t size) noexcept {
+        offset_ += size;
+        return {start_ + (offset_ - size), size};
+    }
+
+    /// A length word and so many bytes, without the word.
+    std::string_view take_block() noexcept {
+        return take(static_cast<std::size_t>(take_word<std::int32_t>()));
+    }
+
+private:
+    char const*   start_;
+    std::uint64_t offset_;
+};
+
+/// Takes a value of a type. `taker` takes what stands there itself: `bytes` so many, `word` a word,
+/// `flag` a flag, whose value they give; `block` a length and its bytes; `string` a string.
+template <class Taker>
+void take_value(Type const& type, Taker& taker) {
+    switch (type.kind) {
+        case Kind::int32:
+        case Kind::uint32:
+        case Kind::int64:
+        case Kind::uint64:
+        case Kind::flag:
+        case Kind::flags:
+        case Kind::enumeration:
+        case Kind::reference: taker.bytes(type.least_size); return;
+        case Kind::text:
+        case Kind::number:
+        case Kind::big_integer: taker.block(); return;
+        case Kind::ieee_float:
+            taker.block();
+            taker.template word<std::int32_t>();
+            return;
+        case Kind::string: taker.string(); return;
+        case Kind::optional:
+            if (taker.flag()) take_value(*type.element, taker);
+            return;
+        case Kind::boxed: take_value(*type.element, taker); return;
+        case Kind::variant:
+            if (Arm const* const arm = type.with_payload(taker.template word<std::int32_t>()))
+                take_value(*arm->payload, taker);
+            return;
+        case Kind::list:
+        case Kind::set:
+        case Kind::map:
+            for (auto left = taker.template word<std::uint32_t>(); left > 0; --left) {
+                if (type.key != nullptr) take_value(*type.key, taker);
+                take_value(*type.element, taker);
+            }
+            return;
+        case Kind::tuple:
+        case Kind::record:
+        case Kind::group:
+            for (Part const& part : type.parts) take_value(*part.type, taker);
+            return;
+    }
+}
+
+}  // namespace sml::inspect

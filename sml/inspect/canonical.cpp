@@ -2,10 +2,12 @@
 
 #include <sml/inspect/sha256.hpp>
 #include <sml/inspect/walk/walker.hpp>
+#include <sml/inspect/wire/piece_output.hpp>
+#include <sml/inspect/wire/walked_bytes.hpp>
+#include <sml/inspect/wire/writer.hpp>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <memory_resource>
 #include <stdexcept>
@@ -21,7 +23,7 @@ using Texts = std::pmr::vector<std::string_view>;
 
 constexpr std::size_t rank_size = 4;
 
-/// By where the text stands: encodable bytes tell a text once.
+/// By where the text stands: encodable bytes have a text in full once.
 using Ranks = std::pmr::unordered_map<std::uint64_t, std::uint32_t, SeededHash>;
 
 std::uint64_t place_of(std::string_view text) {
@@ -51,54 +53,47 @@ private:
     Ranks ranks_;
 };
 
-/// Rewrites the bytes so that comparing them as bytes compares strings by text: a string is the
-/// rank of its text, highest byte first. Entries stand in their canonical order.
-class Ranker : public SilentVisitor {
+/// The bytes in a form of which comparing bytes compares strings by text: a string is the rank of
+/// its text, highest byte first. All else is as a writer makes it. Entries stand in their canonical
+/// order.
+class RankedForm : public SilentVisitor {
 public:
-    Ranker(Ranks ranks, std::pmr::memory_resource* memory)
+    RankedForm(Ranks ranks, std::pmr::memory_resource* memory)
         : bytes(memory), ranks_(std::move(ranks)), entries_(memory), first_entry_(memory) {}
 
     std::pmr::string bytes;
 
     void integer(Type const& type, std::int64_t value) {
-        if (type.kind == Kind::int64)
-            word(value);
-        else
-            word(static_cast<std::int32_t>(value));
+        natural(type, static_cast<std::uint64_t>(value));
     }
     void natural(Type const& type, std::uint64_t value) {
-        if (type.kind == Kind::uint64)
-            word(value);
+        if (type.least_size == sizeof value)
+            writer_.word(value);
         else
-            word(static_cast<std::uint32_t>(value));
+            writer_.word(static_cast<std::uint32_t>(value));
     }
-    void flag(bool value) { bytes += value ? 'T' : 'F'; }
-    void number(double value) { block(written_double(value)); }
-    void big_integer(std::string_view value) {
-        word(static_cast<std::int32_t>(value.size() + zeros_behind(value)));
-        (bytes += value).append(zeros_behind(value), '\0');
-    }
+    void flag(bool value) { writer_.flag(value); }
+    void number(double value) { writer_.block(written_double(value)); }
+    void big_integer(std::string_view value) { writer_.big_integer(value); }
     void ieee_float(std::string_view value, std::int32_t width) {
-        block(value);
-        word(width);
+        writer_.ieee_float(value, width);
     }
     void string(std::string_view text) {
         std::uint32_t const rank = ranks_.at(place_of(text));
         for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(rank >> shift);
     }
-    void text(std::string_view text) { block(text); }
-    void enumeration(Type const&, std::int32_t value) { word(value); }
-    void absent(Type const&) { flag(false); }
-    void present(Type const&) { flag(true); }
-    void begin_variant(Type const&, std::int32_t tag, Arm const*) { word(tag); }
+    void text(std::string_view text) { writer_.block(text); }
+    void enumeration(Type const&, std::int32_t value) { writer_.word(value); }
+    void absent(Type const&) { writer_.flag(false); }
+    void present(Type const&) { writer_.flag(true); }
+    void begin_variant(Type const&, std::int32_t tag, Arm const*) { writer_.word(tag); }
     void reference(Type const&, std::int32_t tag, std::uint64_t value) {
-        word(tag);
-        word(value);
+        writer_.reference(tag, value);
     }
 
     void begin(Type const& type, std::uint64_t count) {
-        if (!is_counted(type)) return;
-        word(static_cast<std::uint32_t>(count));
+        if (!type.is_container()) return;
+        writer_.word(static_cast<std::uint32_t>(count));
         if (is_sorted(type)) first_entry_.push_back(entries_.size());
     }
     void part(Type const& type, std::uint64_t) {
@@ -118,16 +113,6 @@ private:
 
     static bool is_sorted(Type const& type) {
         return type.kind == Kind::set || type.kind == Kind::map;
-    }
-    static bool is_counted(Type const& type) { return is_sorted(type) || type.kind == Kind::list; }
-
-    template <class Word>
-    void word(Word word) {
-        bytes.append(reinterpret_cast<char const*>(&word), sizeof word);
-    }
-    void block(std::string_view text) {
-        word(static_cast<std::int32_t>(text.size()));
-        bytes += text;
     }
 
     void sort_entries() {
@@ -154,142 +139,77 @@ private:
         return std::string_view(bytes).substr(start, end - start);
     }
 
+    Writer<std::pmr::string>      writer_{bytes};
     Ranks                         ranks_;
     std::pmr::vector<Entry>       entries_;      // of the open sets and maps, the innermost last
     std::pmr::vector<std::size_t> first_entry_;  // of each of them
 };
 
-/// Walks ranked bytes and writes them with their strings told, numbered anew.
-class Teller {
+/// Takes the ranked form of a value and writes the canonical bytes: each string in full where it
+/// is met first, under the next id.
+class CanonicalWriter {
 public:
-    Teller(std::string_view ranked, Texts const& texts, std::function<void(std::string_view)> write,
-           std::function<void(std::size_t)> progress)
+    CanonicalWriter(WalkedBytes& ranked, Texts const& texts, PieceOutput& out)
         : ranked_(ranked),
           texts_(texts),
           ids_(texts.size(), 0, texts.get_allocator()),
-          write_(std::move(write)),
-          progress_(std::move(progress)) {}
+          out_(out),
+          writer_(out) {}
 
-    void run(Type const& root) {
-        value(root);
-        write_(out_);
-    }
+    // For `take_value`.
 
-private:
-    void value(Type const& type) {
-        switch (type.kind) {
-            case Kind::int32:
-            case Kind::uint32:
-            case Kind::enumeration: copy(4); return;
-            case Kind::int64:
-            case Kind::uint64: copy(8); return;
-            case Kind::reference: copy(12); return;
-            case Kind::flag: copy(1); return;
-            case Kind::flags: copy(type.flag_count); return;
-            case Kind::number:
-            case Kind::big_integer:
-            case Kind::text: copy_block(); return;
-            case Kind::ieee_float:
-                copy_block();
-                copy(4);
-                return;
-            case Kind::string: string(); return;
-            case Kind::optional:
-                if (copy(1) == "T") value(*type.element);
-                return;
-            case Kind::boxed: value(*type.element); return;
-            case Kind::variant: variant(type); return;
-            case Kind::list:
-            case Kind::set:
-            case Kind::map: container(type); return;
-            default:
-                for (Part const& part : type.parts) value(*part.type);
-                return;
-        }
-    }
+    void bytes(std::size_t size) { out_.append(ranked_.take(size)); }
 
-    void variant(Type const& type) {
-        Arm const* const arm = type.serving(word<std::int32_t>(copy(4)));
-        if (arm != nullptr && arm->payload != nullptr) value(*arm->payload);
+    template <class Word>
+    Word word() {
+        auto const word = ranked_.take_word<Word>();
+        writer_.word(word);
+        return word;
     }
-
-    void container(Type const& type) {
-        for (auto left = word<std::uint32_t>(copy(4)); left > 0; --left) {
-            if (type.key != nullptr) value(*type.key);
-            value(*type.element);
-            progress_(at_);
-        }
+    bool flag() {
+        bool const is_true = ranked_.take_flag();
+        writer_.flag(is_true);
+        return is_true;
     }
+    void block() { writer_.block(ranked_.take_block()); }
 
     void string() {
         std::uint32_t rank = 0;
-        for (char const byte : take(rank_size)) rank = rank << 8 | static_cast<unsigned char>(byte);
-        std::int32_t& id = ids_[rank];
-        if (id > 0) return put_word(id);
-        id = ++told_;
-        put_word(-id);
-        put_word(static_cast<std::int32_t>(texts_[rank].size()));
-        put(texts_[rank]);
+        for (char const byte : ranked_.take(rank_size))
+            rank = rank << 8 | static_cast<unsigned char>(byte);
+        writer_.string(texts_[rank], ids_[rank]);
     }
 
-    void copy_block() { copy(static_cast<std::size_t>(word<std::int32_t>(copy(4)))); }
-
-    std::string_view copy(std::size_t size) {
-        std::string_view const bytes = take(size);
-        put(bytes);
-        return bytes;
-    }
-
-    std::string_view take(std::size_t size) {
-        at_ += size;
-        return ranked_.substr(at_ - size, size);
-    }
-
-    template <class Word>
-    static Word word(std::string_view bytes) {
-        Word word;
-        std::memcpy(&word, bytes.data(), sizeof word);
-        return word;
-    }
-
-    void put_word(std::int32_t word) { put({reinterpret_cast<char const*>(&word), sizeof word}); }
-
-    void put(std::string_view bytes) {
-        constexpr std::size_t written_at = std::size_t{1} << 16;
-        if (bytes.size() < written_at) out_ += bytes;
-        if (out_.size() < written_at && bytes.size() < written_at) return;
-        write_(out_);
-        out_.clear();
-        if (bytes.size() >= written_at) write_(bytes);
-    }
-
-    std::string_view                      ranked_;
-    Texts const&                          texts_;
-    std::pmr::vector<std::int32_t>        ids_;  // by rank; 0: not told yet
-    std::int32_t                          told_ = 0;
-    std::size_t                           at_ = 0;
-    std::string                           out_;
-    std::function<void(std::string_view)> write_;
-    std::function<void(std::size_t)>      progress_;  // told how many ranked bytes are done
+private:
+    WalkedBytes&                   ranked_;
+    Texts const&                   texts_;
+    std::pmr::vector<std::int32_t> ids_;  // by rank; 0: not written yet
+    PieceOutput&                   out_;
+    Writer<PieceOutput>            writer_;
 };
 
 void canonical(Root const& root, std::string_view bytes, CanonOptions const& options,
-               std::function<void(std::string_view)> write) {
+               std::function<void(std::string_view)> const& write) {
     Budget        budget(options.limits.own_memory);
     TextCollector collector(&budget);
     Walk          first(bytes, options, budget);
     if (!Walker(first, collector).run(*root.type))
         throw std::invalid_argument("unsafe bytes have no canonical form");
-    Ranker ranker(collector.take_ranks(), &budget);
-    Walk   second(bytes, options, budget);
-    Walker(second, ranker).run(*root.type);
+    RankedForm ranked(collector.take_ranks(), &budget);
+    Walk       second(bytes, options, budget);
+    Walker(second, ranked).run(*root.type);
     double const share =
-        static_cast<double>(bytes.size()) / static_cast<double>(ranker.bytes.size());
-    Teller(ranker.bytes, collector.texts, std::move(write), [&](std::size_t done) {
+        static_cast<double>(bytes.size()) / static_cast<double>(ranked.bytes.size());
+    WalkedBytes     taken(ranked.bytes);
+    PieceOutput     out([&](std::string_view piece) {
+        write(piece);
+        auto const done = static_cast<double>(taken.offset()) * share;
         if (options.progress != nullptr)
-            options.progress->store(static_cast<std::uint64_t>(static_cast<double>(done) * share),
-                                    std::memory_order_relaxed);
-    }).run(*root.type);
+            options.progress->store(static_cast<std::uint64_t>(done), std::memory_order_relaxed);
+    });
+    CanonicalWriter writer(taken, collector.texts, out);
+    take_value(*root.type, writer);
+    out.flush();
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <sml/inspect/encode.hpp>
 
 #include <sml/inspect/memory.hpp>
-#include <sml/inspect/patched_output.hpp>
 #include <sml/inspect/text/double_text.hpp>
 #include <sml/inspect/text/json_reader.hpp>
 #include <sml/inspect/text/json_text.hpp>
@@ -10,6 +9,8 @@
 #include <sml/inspect/text/quote.hpp>
 #include <sml/inspect/walk/path.hpp>
 #include <sml/inspect/wire/hashing.hpp>
+#include <sml/inspect/wire/patched_output.hpp>
+#include <sml/inspect/wire/writer.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -266,12 +267,10 @@ private:
 
     void reference(Type const& type) {
         std::int32_t const tag = arm(type);
-        word(tag);
         take_member("args");
-        if (type.is_signed_word(tag))
-            word(large_integer<std::int64_t>());
-        else
-            word(large_integer<std::uint64_t>());
+        writer_.reference(tag, type.is_signed_word(tag)
+                                   ? static_cast<std::uint64_t>(large_integer<std::int64_t>())
+                                   : large_integer<std::uint64_t>());
         json_.close('}', "the end of the object");
     }
 
@@ -379,7 +378,8 @@ private:
         Budget::Hold const held(budget_, memory_for_conversion(text.size()));
         std::string const  hexadecimal = hexadecimal_of(text);
         show_key(hexadecimal);
-        block(written_integer(hexadecimal));
+        judge_length(json_.offset(), hexadecimal.size() + zeros_behind(hexadecimal));
+        write([&](auto& writer) { writer.big_integer(hexadecimal); });
     }
 
     std::string number() {
@@ -412,8 +412,8 @@ private:
                 "a float of this width as it is written, such as " + quoted(float_of(text, width)),
                 quoted(text));
         json_.close('}', "the end of the object");
-        block(text);
-        word(width);
+        judge_length(json_.offset(), text.size());
+        writer_.ieee_float(text, width);
     }
 
     void string() {
@@ -421,14 +421,10 @@ private:
         auto              text = json_.string("a string");
         judge_length(at, text.size());
         if (in_key_) show_key(quoted(text));
-        auto const [known, is_new] = ids_.try_emplace(std::move(text), 0);
-        if (in_key_) add_to_key_block(known->first);
-        if (!is_new) return out_.append_word(known->second);
+        auto const known = ids_.try_emplace(std::move(text), 0).first;
         if (ids_.size() > longest_block) json_.fail(at, "fewer strings", "one more");
-        known->second = static_cast<std::int32_t>(ids_.size());
-        out_.append_word(-known->second);
-        out_.append_word(static_cast<std::int32_t>(known->first.size()));
-        out_.append(known->first);
+        writer_.string(known->first, known->second);
+        if (in_key_) key_writer_.block(known->first);
     }
 
     void text() {
@@ -455,29 +451,25 @@ private:
         return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
     }
 
-    // What is written, but for strings, goes through these. A key is its bytes with the texts of
-    // strings in place of their ids.
-    void flag(bool is_true) { append(is_true ? "T" : "F"); }
+    // What keys may hold goes through these, but for strings.
+    void flag(bool is_true) {
+        write([&](auto& writer) { writer.flag(is_true); });
+    }
 
     template <class Word>
     void word(Word word) {
-        append({reinterpret_cast<char const*>(&word), sizeof word});
+        write([&](auto& writer) { writer.word(word); });
     }
 
     void block(std::string_view bytes) {
         judge_length(json_.offset(), bytes.size());
-        word(static_cast<std::int32_t>(bytes.size()));
-        append(bytes);
+        write([&](auto& writer) { writer.block(bytes); });
     }
 
-    void append(std::string_view bytes) {
-        out_.append(bytes);
-        if (in_key_) whole_key_ += bytes;
-    }
-
-    void add_to_key_block(std::string_view text) {
-        auto const size = static_cast<std::uint32_t>(text.size());
-        whole_key_.append(reinterpret_cast<char const*>(&size), sizeof size) += text;
+    template <class Write>
+    void write(Write const& write_to) {
+        write_to(writer_);
+        if (in_key_) write_to(key_writer_);
     }
 
     void show_key(std::string_view text) {
@@ -486,9 +478,12 @@ private:
 
     using Ids = std::pmr::unordered_map<std::pmr::string, std::int32_t, SeededHash>;
 
-    Budget               budget_;
-    JsonReader           json_;
-    PatchedOutput        out_;
+    Budget        budget_;
+    JsonReader    json_;
+    PatchedOutput out_;
+
+    Writer<PatchedOutput> writer_{out_};
+
     EncodeOptions const& options_;
     std::vector<Step>    steps_;
     std::uint32_t        nesting_ = 0;
@@ -496,8 +491,10 @@ private:
     Ids                  ids_;
     bool                 in_key_ = false;
     bool                 key_is_unequal_ = false;
-    std::pmr::string     whole_key_;  // keys are compared by it
+    std::pmr::string     whole_key_;  // its bytes with strings as texts: keys are compared by it
     std::string          shown_key_;  // as paths show it
+
+    Writer<std::pmr::string> key_writer_{whole_key_};
 };
 
 }  // namespace

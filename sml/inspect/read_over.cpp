@@ -1,6 +1,8 @@
 #include <sml/inspect/read_over.hpp>
 
 #include <sml/inspect/walk/walker.hpp>
+#include <sml/inspect/wire/walked_bytes.hpp>
+#include <sml/inspect/wire/writer.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -55,6 +57,23 @@ private:
     std::size_t                                      count_ = 0;
 };
 
+/// Takes a value and does nothing with it.
+struct Passer {
+    WalkedBytes& at;
+
+    void bytes(std::size_t size) { at.take(size); }
+
+    template <class Word>
+    Word word() {
+        return at.take_word<Word>();
+    }
+    bool flag() { return at.take_flag(); }
+    void block() { at.take_block(); }
+    void string() {
+        if (!at.take_string_word().refers()) at.take_block();
+    }
+};
+
 /// Writes what a reader keeps of values of one type that it reads one over another.
 class Keeper {
 public:
@@ -63,7 +82,7 @@ public:
 
     std::pmr::string run(Type const& root) {
         kept_.reserve(bytes_.size());
-        std::uint64_t start = 0;
+        WalkedBytes start(bytes_);
         value(root, {&start, 1});
         return std::move(kept_);
     }
@@ -71,7 +90,7 @@ public:
 private:
     /// Where the readings of a value stand in the bytes, at least one, in the order in which they
     /// are read. Each is moved behind the value.
-    using Readings = std::span<std::uint64_t>;
+    using Readings = std::span<WalkedBytes>;
 
     void value(Type const& type, Readings at) {
         switch (type.kind) {
@@ -95,74 +114,61 @@ private:
 
     /// Nothing is left of an earlier reading.
     void last(Type const& type, Readings at) {
-        std::uint64_t const start = pass_all_but_last(type, at);
-        pass(type, at.back());
-        kept_ += bytes_.substr(start, at.back() - start);
+        pass_all_but_last(type, at);
+        keep(type, at.back());
     }
 
     [[gnu::noinline]] void string(Type const& type, Readings at) {
         pass_all_but_last(type, at);
-        std::uint64_t&   offset = at.back();
-        StringWord const word(take<std::int32_t>(offset));
-        std::string_view text;
-        std::uint64_t    place = offset;
-        if (word.refers()) {
-            place = walk_.strings.place_of(word.id());
-            text = walk_.strings.text_of(word.id());
-        } else {
-            text = take_block(offset);
-            place = walk_.strings.place_at(place);
-        }
-        // Equal texts have one place, but for the empty one of an id that was never told.
+        WalkedBytes&           last = at.back();
+        StringWord const       word = last.take_string_word();
+        std::uint64_t const    length_offset = last.offset();
+        std::string_view const text =
+            word.refers() ? walk_.strings.text_of(word.id()) : last.take_block();
+        std::uint64_t const place = word.refers() ? walk_.strings.place_of(word.id())
+                                                  : walk_.strings.place_at(length_offset);
+        // Equal texts have one place, but for the empty one of an id that never had a text.
         constexpr std::uint64_t place_of_empty = 0;
-        std::int32_t&           id = ids_[text.empty() ? place_of_empty : place];
-        if (id > 0) return put(id);
-        id = static_cast<std::int32_t>(ids_.size());
-        put(-id);
-        put(static_cast<std::int32_t>(text.size()));
-        kept_ += text;
+        writer_.string(text, ids_[text.empty() ? place_of_empty : place]);
     }
 
     /// A text that is no number leaves what was there.
     [[gnu::noinline]] void big_integer(Type const& type, Readings at) {
-        std::uint64_t kept = at.front();
-        for (std::uint64_t& offset : at) {
-            std::uint64_t const start = offset;
-            if (is_integer(take_block(offset))) kept = start;
+        WalkedBytes kept = at.front();
+        for (WalkedBytes& reading : at) {
+            WalkedBytes const start = reading;
+            if (is_integer(reading.take_block())) kept = start;
         }
-        std::uint64_t const start = kept;
-        pass(type, kept);
-        kept_ += bytes_.substr(start, kept - start);
+        keep(type, kept);
     }
 
     /// The element is made anew by each reading.
     [[gnu::noinline]] void optional(Type const& type, Readings at) {
         pass_all_but_last(type, at);
-        bool const is_there = bytes_[at.back()++] == flag_of_presence;
-        kept_ += is_there ? flag_of_presence : 'F';
+        bool const is_there = at.back().take_flag();
+        writer_.flag(is_there);
         if (is_there) value(*type.element, at.last(1));
     }
 
     /// Another tag makes a payload anew, an equal one reads over it.
     [[gnu::noinline]] void variant(Type const& type, Readings at) {
-        std::int32_t const tag = word_at<std::int32_t>(at.back());
-        std::size_t        first = at.size() - 1;
-        while (first > 0 && word_at<std::int32_t>(at[first - 1]) == tag) --first;
-        for (std::uint64_t& offset : at.first(first)) pass(type, offset);
+        auto const  tag = at.back().peek_word<std::int32_t>();
+        std::size_t first = at.size() - 1;
+        while (first > 0 && at[first - 1].peek_word<std::int32_t>() == tag) --first;
+        for (WalkedBytes& reading : at.first(first)) pass(type, reading);
         at = at.subspan(first);
-        for (std::uint64_t& offset : at) offset += sizeof tag;
-        put(tag);
-        Arm const* const arm = type.serving(tag);
-        if (arm != nullptr && arm->payload != nullptr) value(*arm->payload, at);
+        for (WalkedBytes& reading : at) reading.take(sizeof tag);
+        writer_.word(tag);
+        if (Arm const* const arm = type.with_payload(tag)) value(*arm->payload, at);
     }
 
     /// Each reading adds its elements.
     [[gnu::noinline]] void list(Type const& type, Readings at) {
         std::size_t const count_at = put_count();
         std::uint32_t     count = 0;
-        for (std::uint64_t& offset : at)
-            for (auto left = take<std::uint32_t>(offset); left > 0; --left, ++count)
-                value(*type.element, {&offset, 1});
+        for (WalkedBytes& reading : at)
+            for (auto left = reading.take_word<std::uint32_t>(); left > 0; --left, ++count)
+                value(*type.element, {&reading, 1});
         set_count(count_at, count);
     }
 
@@ -171,12 +177,12 @@ private:
         Type const&       key_type = type.kind == Kind::set ? *type.element : *type.key;
         KeyNumbers        keys(walk_, key_type);
         std::size_t const count_at = put_count();
-        for (std::uint64_t& offset : at) {
-            for (auto left = take<std::uint32_t>(offset); left > 0; --left) {
+        for (WalkedBytes& reading : at) {
+            for (auto left = reading.take_word<std::uint32_t>(); left > 0; --left) {
                 std::size_t const before = keys.count();
-                bool const        is_new = keys.number_of(offset) == before;
-                keep_or_pass(key_type, offset, is_new);
-                if (type.kind == Kind::map) keep_or_pass(*type.element, offset, is_new);
+                bool const        is_new = keys.number_of(reading.offset()) == before;
+                value_or_pass(key_type, reading, is_new);
+                if (type.kind == Kind::map) value_or_pass(*type.element, reading, is_new);
             }
         }
         set_count(count_at, keys.count());
@@ -184,16 +190,16 @@ private:
 
     /// The first key stays, and all values of equal keys are read one over another.
     [[gnu::noinline]] void entries_read_over(Type const& type, Readings at) {
-        auto const                      entries = entries_by_key(type, at);
-        std::pmr::vector<std::uint64_t> values(&walk_.budget);
-        std::size_t const               count_at = put_count();
-        std::size_t                     count = 0;
+        auto const                    entries = entries_by_key(type, at);
+        std::pmr::vector<WalkedBytes> values(&walk_.budget);
+        std::size_t const             count_at = put_count();
+        std::size_t                   count = 0;
         for (auto entry = entries.begin(); entry != entries.end(); ++count) {
             std::size_t const number = entry->number;
-            std::uint64_t     key = entry->key;
+            WalkedBytes       key(bytes_, entry->key);
             values.clear();
             for (; entry != entries.end() && entry->number == number; ++entry)
-                values.push_back(entry->value);
+                values.emplace_back(bytes_, entry->value);
             value(*type.key, {&key, 1});
             value(*type.element, values);
         }
@@ -210,12 +216,12 @@ private:
     std::pmr::vector<Entry> entries_by_key(Type const& type, Readings at) {
         KeyNumbers              keys(walk_, *type.key);
         std::pmr::vector<Entry> entries(&walk_.budget);
-        for (std::uint64_t& offset : at) {
-            for (auto left = take<std::uint32_t>(offset); left > 0; --left) {
-                std::uint64_t const key = offset;
-                pass(*type.key, offset);
-                entries.push_back({keys.number_of(key), key, offset});
-                pass(*type.element, offset);
+        for (WalkedBytes& reading : at) {
+            for (auto left = reading.take_word<std::uint32_t>(); left > 0; --left) {
+                std::uint64_t const key = reading.offset();
+                pass(*type.key, reading);
+                entries.push_back({keys.number_of(key), key, reading.offset()});
+                pass(*type.element, reading);
             }
         }
         // As they came where numbers are equal.
@@ -224,81 +230,32 @@ private:
         return entries;
     }
 
-    void keep_or_pass(Type const& type, std::uint64_t& offset, bool is_kept) {
+    void value_or_pass(Type const& type, WalkedBytes& at, bool is_kept) {
         if (is_kept)
-            value(type, {&offset, 1});
+            value(type, {&at, 1});
         else
-            pass(type, offset);
+            pass(type, at);
     }
 
-    /// Gives where the last one starts.
-    std::uint64_t pass_all_but_last(Type const& type, Readings at) const {
-        for (std::uint64_t& offset : at.first(at.size() - 1)) pass(type, offset);
-        return at.back();
+    static void pass_all_but_last(Type const& type, Readings at) {
+        for (WalkedBytes& reading : at.first(at.size() - 1)) pass(type, reading);
     }
 
-    void pass(Type const& type, std::uint64_t& offset) const {
-        switch (type.kind) {
-            case Kind::number:
-            case Kind::big_integer:
-            case Kind::text: take_block(offset); return;
-            case Kind::ieee_float:
-                take_block(offset);
-                offset += sizeof(std::int32_t);
-                return;
-            case Kind::string:
-                if (!StringWord(take<std::int32_t>(offset)).refers()) take_block(offset);
-                return;
-            case Kind::optional:
-                if (bytes_[offset++] == flag_of_presence) pass(*type.element, offset);
-                return;
-            case Kind::boxed: pass(*type.element, offset); return;
-            case Kind::variant: {
-                Arm const* const arm = type.serving(take<std::int32_t>(offset));
-                if (arm != nullptr && arm->payload != nullptr) pass(*arm->payload, offset);
-                return;
-            }
-            case Kind::list:
-            case Kind::set:
-            case Kind::map:
-                for (auto left = take<std::uint32_t>(offset); left > 0; --left) {
-                    if (type.key != nullptr) pass(*type.key, offset);
-                    pass(*type.element, offset);
-                }
-                return;
-            case Kind::record:
-            case Kind::group:
-            case Kind::tuple:
-                for (Part const& part : type.parts) pass(*part.type, offset);
-                return;
-            default: offset += type.least_size;
-        }
+    /// Keeps a value as it stands there; it holds no strings.
+    void keep(Type const& type, WalkedBytes& at) {
+        std::uint64_t const start = at.offset();
+        pass(type, at);
+        kept_ += bytes_.substr(start, at.offset() - start);
     }
 
-    template <class Word>
-    Word word_at(std::uint64_t offset) const {
-        Word word;
-        std::memcpy(&word, bytes_.data() + offset, sizeof word);
-        return word;
+    static void pass(Type const& type, WalkedBytes& at) {
+        Passer passer{at};
+        take_value(type, passer);
     }
-
-    template <class Word>
-    Word take(std::uint64_t& offset) const {
-        offset += sizeof(Word);
-        return word_at<Word>(offset - sizeof(Word));
-    }
-
-    std::string_view take_block(std::uint64_t& offset) const {
-        auto const length = static_cast<std::size_t>(take<std::int32_t>(offset));
-        offset += length;
-        return bytes_.substr(offset - length, length);
-    }
-
-    void put(std::int32_t word) { kept_.append(reinterpret_cast<char const*>(&word), sizeof word); }
 
     /// Room for a count that is known when its entries are over; gives its place.
     std::size_t put_count() {
-        put(0);
+        writer_.word(std::uint32_t{0});
         return kept_.size() - sizeof(std::uint32_t);
     }
 
@@ -307,11 +264,11 @@ private:
         std::memcpy(kept_.data() + at, &word, sizeof word);
     }
 
-    static constexpr char flag_of_presence = 'T';
-
     Walk const&      walk_;
     std::string_view bytes_;
     std::pmr::string kept_;
+
+    Writer<std::pmr::string> writer_{kept_};
 
     std::pmr::unordered_map<std::uint64_t, std::int32_t, SeededHash> ids_;  // by the text's place
 };

@@ -1,6 +1,7 @@
 #include <sml/inspect/text/number_text.hpp>
 
 #include <sml/bindings/bindings.hpp>
+#include "tests/inspect/wire_bytes.hpp"
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,6 @@ using sml::inspect::integer_of;
 using sml::inspect::is_float_width;
 using sml::inspect::is_written_float;
 using sml::inspect::is_written_integer;
-using sml::inspect::written_integer;
 using namespace std::string_literals;
 
 constexpr std::int32_t widths[] = {16, 32, 40, 48, 64, 80, 128};
@@ -131,6 +131,12 @@ TEST(NumberText, Integers) {
     EXPECT_EQ(integer_of("-0\0"s), "0");
     EXPECT_EQ(integer_of("x"), "0");
     EXPECT_EQ(integer_of("1\0f\0\0"s), "1");
+}
+
+/// Without its length.
+std::string written_integer(std::string_view hexadecimal) {
+    auto const write = [&](auto& writer) { writer.big_integer(hexadecimal); };
+    return wire_bytes::written(write).substr(sizeof(std::int32_t));
 }
 
 // Of any length, with any one byte changed, whatever stands behind.

@@ -165,12 +165,6 @@ std::string integer_of(std::string_view block) {
     return digits;
 }
 
-std::string written_integer(std::string_view hexadecimal) {
-    std::string block(hexadecimal);
-    block.append(zeros_behind(hexadecimal), '\0');
-    return block;
-}
-
 bool is_float_width(std::int32_t width) {
     auto const bytes = static_cast<std::uint32_t>(width) / 8;
     return width % 8 == 0 && bytes < formats.size() && formats[bytes].mantissa_bits != 0;

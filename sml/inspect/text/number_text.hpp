@@ -54,9 +54,6 @@ bool is_integer(std::string_view block);
 /// bytes; 0 where the block is no number. Takes memory for its digits.
 std::string integer_of(std::string_view block);
 
-/// An integer's block from its hexadecimal digits as the writer prints them.
-std::string written_integer(std::string_view hexadecimal);
-
 /// Whether a float format has this width.
 bool is_float_width(std::int32_t width);
 

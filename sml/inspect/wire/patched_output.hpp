@@ -26,11 +26,6 @@ public:
         flushed_ += bytes.size();
     }
 
-    template <class Word>
-    void append_word(Word word) {
-        append({reinterpret_cast<char const*>(&word), sizeof word});
-    }
-
     /// Replaces the word that was appended at an offset.
     void patch(std::uint64_t offset, std::uint32_t word) {
         if (offset >= flushed_) {

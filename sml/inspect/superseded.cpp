@@ -11,13 +11,13 @@ namespace sml::inspect {
 
 namespace {
 
-using Suspects = std::pmr::unordered_set<std::uint64_t>;  // seeded hashes
+using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // which are seeded
 
 // First half of the search: the hashes that two keys of one container may share, found by 32 bits
 // of each. A false one does no harm.
-class Suspecting : public SilentVisitor {
+class SharedHashes : public SilentVisitor {
 public:
-    explicit Suspecting(std::pmr::memory_resource* memory) : suspects(memory), tables_(memory) {}
+    explicit SharedHashes(std::pmr::memory_resource* memory) : found(memory), tables_(memory) {}
 
     static constexpr bool compares_keys = true;
     static constexpr bool hears_values = false;
@@ -35,7 +35,7 @@ public:
         auto const mark = static_cast<std::uint32_t>(hash) | 1;
         for (std::size_t i = first_slot(hash, table.size());;
              i = i + 1 == table.size() ? 0 : i + 1) {
-            if (table[i] == mark) suspects.insert(hash);
+            if (table[i] == mark) found.insert(hash);
             if (table[i] == mark || table[i] == 0) {
                 table[i] = mark;
                 return true;
@@ -43,20 +43,20 @@ public:
         }
     }
 
-    Suspects suspects;
+    SeededHashes found;
 
 private:
     std::pmr::vector<std::pmr::vector<std::uint32_t>> tables_;  // 0: a free slot
     std::size_t                                       open_ = 0;
 };
 
-// Second half: exact, for the keys with a suspect hash.
-class Settling : public SilentVisitor {
+// Second half: exact, for the keys with such a hash.
+class RepeatedKeys : public SilentVisitor {
 public:
-    Settling(Walk const& walk, Suspects suspects, std::size_t listed)
+    RepeatedKeys(Walk const& walk, SeededHashes shared, std::size_t listed)
         : found(&walk.budget),
           walk_(walk),
-          suspects_(std::move(suspects)),
+          shared_(std::move(shared)),
           listed_(listed),
           open_(&walk.budget) {}
 
@@ -69,7 +69,7 @@ public:
     void close_keys() { open_.pop_back(); }
 
     bool add_key(Type const& key, std::uint64_t offset, std::uint64_t hash) {
-        if (hash == Keys::no_hash || !suspects_.contains(hash)) return true;
+        if (hash == Keys::no_hash || !shared_.contains(hash)) return true;
         auto& keys = open_.back().keys;
         auto [known, end] = keys.equal_range(hash);
         while (known != end && !walk_.keys.are_equal(key, known->second, offset)) ++known;
@@ -102,7 +102,7 @@ private:
     };
 
     Walk const&                 walk_;
-    Suspects                    suspects_;
+    SeededHashes                shared_;
     std::size_t                 listed_;
     std::pmr::vector<Container> open_;
 };
@@ -111,16 +111,16 @@ private:
 
 Superseded superseded_entries(Root const& root, std::string_view bytes,
                               VerifyOptions const& options, Budget& budget) {
-    Suspecting suspecting(&budget);
+    SharedHashes shared(&budget);
     {
         Walk walk(bytes, options.walk(), budget);
-        Walker(walk, suspecting).run(*root.type);
+        Walker(walk, shared).run(*root.type);
     }
-    if (suspecting.suspects.empty()) return Superseded(&budget);
-    Walk     walk(bytes, options.walk(), budget);
-    Settling settling(walk, std::move(suspecting.suspects), options.listed);
-    Walker(walk, settling).run(*root.type);
-    return std::move(settling.found);
+    if (shared.found.empty()) return Superseded(&budget);
+    Walk         walk(bytes, options.walk(), budget);
+    RepeatedKeys repeated(walk, std::move(shared.found), options.listed);
+    Walker(walk, repeated).run(*root.type);
+    return std::move(repeated.found);
 }
 
 }  // namespace sml::inspect

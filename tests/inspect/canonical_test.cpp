@@ -5,6 +5,7 @@
 #include <sml/inspect/verify.hpp>
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,8 @@ using sml::inspect::Root;
 using sml::inspect::verify;
 using sml::inspect::write_canonical;
 using Numbers = std::unordered_map<Strings_T, std::int32_t>;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 std::string canonical(Root const& root, std::string const& bytes) {
     std::ostringstream out;
@@ -40,14 +43,6 @@ std::string canonical(Root const& root, std::string const& bytes) {
 template <class T>
 std::string canonical(std::string const& bytes) {
     return canonical(Root{"R", describe<T>()}, bytes);
-}
-
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-
-std::string told(std::int32_t id, std::string const& text) {
-    return word(-id) + word(static_cast<std::int32_t>(text.size())) + text;
 }
 
 template <class T>
@@ -83,25 +78,27 @@ TEST(Canonical, IsThatOfTheValueWrittenAgain) {
 }
 
 TEST(Canonical, ListsKeepTheirOrder) {
-    expect_canonical<std::list<Strings_T>>(word(3) + told(1, "b") + told(2, "a") + word(1),
-                                           word(3) + told(1, "b") + told(2, "a") + word(1));
+    expect_canonical<std::list<Strings_T>>(word(3) + in_full(1, "b") + in_full(2, "a") + word(1),
+                                           word(3) + in_full(1, "b") + in_full(2, "a") + word(1));
 }
 
 TEST(Canonical, TablesAndSetsAreSortedByTextAndNumberedAnew) {
-    std::string const given = word(2) + told(1, "b") + word(1) + told(2, "a") + word(2);
-    std::string const sorted = word(2) + told(1, "a") + word(2) + told(2, "b") + word(1);
+    std::string const given = word(2) + in_full(1, "b") + word(1) + in_full(2, "a") + word(2);
+    std::string const sorted = word(2) + in_full(1, "a") + word(2) + in_full(2, "b") + word(1);
     expect_canonical<Numbers>(given, sorted);
     expect_canonical<std::map<Strings_T, std::int32_t>>(given, sorted);
-    std::string const set = word(2) + told(1, "b") + told(2, "a");
-    expect_canonical<std::set<Strings_T>>(set, word(2) + told(1, "a") + told(2, "b"));
-    expect_canonical<std::unordered_set<Strings_T>>(set, word(2) + told(1, "a") + told(2, "b"));
+    std::string const set = word(2) + in_full(1, "b") + in_full(2, "a");
+    expect_canonical<std::set<Strings_T>>(set, word(2) + in_full(1, "a") + in_full(2, "b"));
+    expect_canonical<std::unordered_set<Strings_T>>(set,
+                                                    word(2) + in_full(1, "a") + in_full(2, "b"));
 }
 
 TEST(Canonical, NumberingFollowsTheSortedOrderThroughTheWholeObject) {
     using Sets = std::unordered_map<Strings_T, std::unordered_set<Strings_T>>;
     expect_canonical<Sets>(
-        word(2) + told(1, "b") + word(2) + told(2, "z") + told(3, "a") + word(3) + word(0),
-        word(2) + told(1, "a") + word(0) + told(2, "b") + word(2) + word(1) + told(3, "z"));
+        word(2) + in_full(1, "b") + word(2) + in_full(2, "z") + in_full(3, "a") + word(3) + word(0),
+        word(2) + in_full(1, "a") + word(0) + in_full(2, "b") + word(2) + word(1) +
+            in_full(3, "z"));
 }
 
 TEST(Canonical, TextsAreComparedByTheirBytes) {
@@ -111,8 +108,8 @@ TEST(Canonical, TextsAreComparedByTheirBytes) {
     std::string                    given = word(8);
     std::string                    expected = word(8);
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        given += told(static_cast<std::int32_t>(i + 1), texts[i]);
-        expected += told(static_cast<std::int32_t>(i + 1), sorted[i]);
+        given += in_full(static_cast<std::int32_t>(i + 1), texts[i]);
+        expected += in_full(static_cast<std::int32_t>(i + 1), sorted[i]);
     }
     expect_canonical<std::set<Strings_T>>(given, expected);
 }
@@ -124,7 +121,7 @@ TEST(Canonical, MoreThan256TextsAreStillSortedByText) {
     auto const in_order = [&] {
         std::string all = word(1000);
         for (std::size_t i = 0; i < texts.size(); ++i)
-            all += told(static_cast<std::int32_t>(i + 1), texts[i]);
+            all += in_full(static_cast<std::int32_t>(i + 1), texts[i]);
         return all;
     };
     std::string const given = in_order();
@@ -133,16 +130,16 @@ TEST(Canonical, MoreThan256TextsAreStillSortedByText) {
 }
 
 TEST(Canonical, EntriesWithOneKeyAreSortedByTheirValue) {
-    expect_canonical<Numbers>(word(2) + told(1, "a") + word(2) + word(1) + word(1),
-                              word(2) + told(1, "a") + word(1) + word(1) + word(2));
+    expect_canonical<Numbers>(word(2) + in_full(1, "a") + word(2) + word(1) + word(1),
+                              word(2) + in_full(1, "a") + word(1) + word(1) + word(2));
 }
 
 TEST(Canonical, TableWithoutAnEntryAndPairsWithoutFraming) {
     expect_canonical<Numbers>(word(0), word(0));
     using Keys = std::set<std::pair<Strings_T, std::int32_t>>;
     expect_canonical<Keys>(
-        word(3) + told(1, "b") + word(1) + told(2, "a") + word(2) + word(2) + word(1),
-        word(3) + told(1, "a") + word(1) + word(1) + word(2) + told(2, "b") + word(1));
+        word(3) + in_full(1, "b") + word(1) + in_full(2, "a") + word(2) + word(2) + word(1),
+        word(3) + in_full(1, "a") + word(1) + word(1) + word(2) + in_full(2, "b") + word(1));
 }
 
 TEST(Canonical, UnknownTagsStay) {
@@ -157,7 +154,7 @@ TEST(Canonical, RefusesUnsafeBytes) {
     EXPECT_THROW(write_canonical(root, "", out), std::invalid_argument);
     EXPECT_THROW(write_canonical(root, "TT", out), std::invalid_argument);
     EXPECT_THROW(digest(root, ""), std::invalid_argument);
-    std::string const deep = word(1) + told(1, "a") + word(0);
+    std::string const deep = word(1) + in_full(1, "a") + word(0);
     EXPECT_THROW(digest(*find_root("String_To_StringSet_T"), deep, {.limits = {.depth = 1}}),
                  std::invalid_argument);
 }
@@ -206,7 +203,7 @@ TEST(Digest, IsTheSha256OfTheCanonicalBytes) {
         "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195";
     Root const&       root = *find_root("String_To_StringSet_T");
     std::string const given =
-        word(2) + told(1, "b") + word(2) + told(2, "z") + told(3, "a") + word(3) + word(0);
+        word(2) + in_full(1, "b") + word(2) + in_full(2, "z") + in_full(3, "a") + word(3) + word(0);
     EXPECT_EQ(digest(root, given), known);
     EXPECT_EQ(digest(root, canonical(root, given)), known);
 }
@@ -231,9 +228,9 @@ TEST(Digest, DiffersForOtherContent) {
 TEST(Digest, DiffersWhenATextMovesToAnotherKey) {
     Root const&       root = *find_root("String_To_StringSet_T");
     std::string const in_a =
-        word(2) + told(1, "a") + word(1) + told(2, "x") + told(3, "b") + word(0);
+        word(2) + in_full(1, "a") + word(1) + in_full(2, "x") + in_full(3, "b") + word(0);
     std::string const in_b =
-        word(2) + told(1, "a") + word(0) + told(2, "b") + word(1) + told(3, "x");
+        word(2) + in_full(1, "a") + word(0) + in_full(2, "b") + word(1) + in_full(3, "x");
     EXPECT_NE(digest(root, in_a), digest(root, in_b));
 }
 

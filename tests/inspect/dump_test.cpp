@@ -8,6 +8,7 @@
 #include "tests/hex.hpp"
 #include "tests/inspect/json_support.hpp"
 #include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +41,9 @@ using Data = sml::IL_Extras::T_ZelvaniteResultData;
 using Parameter = sml::IL_Extras::VVIRZelvanitePragmasTag::T_PragmaParameter;
 using Numbers = std::unordered_map<Strings_T, std::int32_t>;
 using namespace std::string_literals;
+using wire_bytes::block;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 struct Shown {
     Dumped      dumped;
@@ -69,18 +73,6 @@ std::string value_of(std::string const& bytes) {
     return shown.json.substr(before.size(), shown.json.size() - before.size() - behind.size());
 }
 
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-
-/// A length and a text.
-std::string block(std::string const& text) {
-    return word(static_cast<std::int32_t>(text.size())) + text;
-}
-
-/// A string told for the first time.
-std::string told(std::int32_t id, std::string const& text) { return word(-id) + block(text); }
-
 TEST(Dump, RecordIsAnObjectWithItsFieldsInWireOrder) {
     EXPECT_EQ(value_of<sml::SourceLocRef::T_SourceLocRef>(
                   bytes("07 00 00 00  FE FF FF FF  FF FF FF FF 03 00 00 00 'a.c'  05 00 00 00"
@@ -95,7 +87,7 @@ TEST(Dump, RootIsNamed) {
 }
 
 TEST(Dump, ArmWithARecordTakesTheRecordsObject) {
-    EXPECT_EQ(value_of<Data>(word(19) + told(1, "a") + word(1)),
+    EXPECT_EQ(value_of<Data>(word(19) + in_full(1, "a") + word(1)),
               R"({"arm":"Marker","args":{"first_name":"a","second_name":"a"}})");
 }
 
@@ -122,7 +114,7 @@ TEST(Dump, ArmWithNamedValuesTakesAnObject) {
 }
 
 TEST(Dump, ArmWithUnnamedValuesTakesAnArray) {
-    EXPECT_EQ(value_of<Data>(word(5) + told(1, "x") + word(2)),
+    EXPECT_EQ(value_of<Data>(word(5) + in_full(1, "x") + word(2)),
               R"({"arm":"Assert","args":["x",2]})");
 }
 
@@ -173,7 +165,7 @@ TEST(Dump, ListAndSetAreArrays) {
 }
 
 TEST(Dump, MapIsAnArrayOfPairsInWireOrder) {
-    std::string const two = word(2) + told(1, "b") + word(1) + told(2, "a") + word(2);
+    std::string const two = word(2) + in_full(1, "b") + word(1) + in_full(2, "a") + word(2);
     EXPECT_EQ((value_of<std::map<Strings_T, std::int32_t>>(two)), R"([["b",1],["a",2]])");
     EXPECT_EQ(value_of<Numbers>(two), R"([["b",1],["a",2]])");
     EXPECT_EQ((value_of<sml::core::LastWinsMap<Strings_T, std::int32_t>>(two)),
@@ -182,9 +174,11 @@ TEST(Dump, MapIsAnArrayOfPairsInWireOrder) {
 }
 
 TEST(Dump, PairAndTupleAreArrays) {
-    EXPECT_EQ((value_of<std::pair<Strings_T, std::int32_t>>(told(1, "x") + word(1))), R"(["x",1])");
-    EXPECT_EQ((value_of<std::tuple<Strings_T, std::int32_t, bool>>(told(1, "x") + word(1) + "F")),
-              R"(["x",1,false])");
+    EXPECT_EQ((value_of<std::pair<Strings_T, std::int32_t>>(in_full(1, "x") + word(1))),
+              R"(["x",1])");
+    EXPECT_EQ(
+        (value_of<std::tuple<Strings_T, std::int32_t, bool>>(in_full(1, "x") + word(1) + "F")),
+        R"(["x",1,false])");
 }
 
 TEST(Dump, FlagsAreAnArray) {
@@ -198,8 +192,9 @@ TEST(Dump, OptionalIsNullOrTheValue) {
 }
 
 TEST(Dump, BoxedValueIsTheValue) {
-    EXPECT_EQ(value_of<sml::IL::T_Annotation>(word(3) + told(1, "x") + word(2) + word(5) + word(1)),
-              R"({"arm":"Valued_Event_Annote","args":["x",2,{"arm":"Info_Var","args":"x"}]})");
+    EXPECT_EQ(
+        value_of<sml::IL::T_Annotation>(word(3) + in_full(1, "x") + word(2) + word(5) + word(1)),
+        R"({"arm":"Valued_Event_Annote","args":["x",2,{"arm":"Info_Var","args":"x"}]})");
 }
 
 TEST(Dump, SmallIntegersAreNumbersLargeOnesText) {
@@ -325,17 +320,17 @@ TEST(Dump, TextIsUtf8AndOtherBytesAreLoneSurrogates) {
     };
     for (Text const& text : texts) {
         EXPECT_EQ(value_of<std::string>(block(text.bytes)), '"' + text.json + '"');
-        EXPECT_EQ(value_of<Strings_T>(told(1, text.bytes)), '"' + text.json + '"');
+        EXPECT_EQ(value_of<Strings_T>(in_full(1, text.bytes)), '"' + text.json + '"');
     }
 }
 
 TEST(Dump, EveryStringIsToldInFull) {
-    EXPECT_EQ(value_of<std::list<Strings_T>>(word(3) + told(1, "a") + told(2, "") + word(1)),
+    EXPECT_EQ(value_of<std::list<Strings_T>>(word(3) + in_full(1, "a") + in_full(2, "") + word(1)),
               R"(["a","","a"])");
 }
 
 TEST(Dump, PrettyHasALineForEachMember) {
-    std::string const bytes = word(5) + told(1, "x") + word(2);
+    std::string const bytes = word(5) + in_full(1, "x") + word(2);
     EXPECT_EQ(show<Data>(bytes, {.form = Form::pretty}).json, R"({
   "root": "R",
   "value": {
@@ -369,8 +364,8 @@ using Tables = std::unordered_map<std::pair<Strings_T, std::int32_t>, std::list<
                                   sml::Hash<std::pair<Strings_T, std::int32_t>>>;
 
 std::string tables() {
-    return word(2) + (told(1, "a.c") + word(3)) + word(2) +
-           (word(19) + told(2, "m") + told(3, "n")) + word(20) +  //
+    return word(2) + (in_full(1, "a.c") + word(3)) + word(2) +
+           (word(19) + in_full(2, "m") + in_full(3, "n")) + word(20) +  //
            (word(1) + word(4)) + word(1) + (word(5) + word(2) + word(9));
 }
 
@@ -398,7 +393,7 @@ TEST(Select, KeyAndPartOfAKey) {
 
 TEST(Select, ValueByTheNumberOfItsEntry) {
     expect_selected<Tables>(tables(), "[#1][0].Assert.1", "9");
-    expect_selected<Numbers>(word(1) + told(1, "a") + word(7), "[#0]", "7");
+    expect_selected<Numbers>(word(1) + in_full(1, "a") + word(7), "[#0]", "7");
     EXPECT_FALSE(selected<Tables>(tables(), "[#2]").dumped.found);
     EXPECT_FALSE(selected<Tables>(tables(), "[#]").dumped.found);
 }
@@ -454,18 +449,18 @@ TEST(Select, FirstOfSeveralWithOnePath) {
     // Keys are cut in paths, so these two look alike there.
     std::string const start(100, 'k');
     std::string const bytes =
-        word(2) + told(1, start + "1") + word(1) + told(2, start + "2") + word(2);
+        word(2) + in_full(1, start + "1") + word(1) + in_full(2, start + "2") + word(2);
     auto const path = "[\"" + std::string(80, 'k') + "\"... (101 bytes)]";
     expect_selected<Numbers>(bytes, path, "1");
 }
 
 TEST(Select, EntryThatAReaderDropsIsNotThere) {
-    std::string const twice = word(2) + told(1, "a") + word(1) + word(1) + word(2);
+    std::string const twice = word(2) + in_full(1, "a") + word(1) + word(1) + word(2);
     expect_selected<Numbers>(twice, R"(["a"])", "1");
     expect_selected<sml::core::LastWinsMap<Strings_T, std::int32_t>>(twice, R"(["a"])", "2");
     using Lists = std::unordered_map<Strings_T, std::list<std::int32_t>>;
     Shown const shown = selected<Lists>(
-        word(2) + told(1, "a") + word(0) + word(1) + word(1) + word(7), R"(["a"][0])");
+        word(2) + in_full(1, "a") + word(0) + word(1) + word(1) + word(7), R"(["a"][0])");
     EXPECT_FALSE(shown.dumped.found);
     EXPECT_EQ(shown.json, "");
 }
@@ -505,7 +500,8 @@ TEST(Lines, NoneForAnEmptyOrAbsentTable) {
 
 TEST(Lines, NotFoundWhereThereIsNoTable) {
     for (char const* const path : {"", "first_name", "[0]"}) {
-        Shown const shown = selected<Data::Marker_args>(told(1, "a") + word(1), path, Form::lines);
+        Shown const shown =
+            selected<Data::Marker_args>(in_full(1, "a") + word(1), path, Form::lines);
         EXPECT_FALSE(shown.dumped.found) << path;
         EXPECT_EQ(shown.json, "");
     }
@@ -514,7 +510,7 @@ TEST(Lines, NotFoundWhereThereIsNoTable) {
 TEST(Lines, DamageIsMarkedInItsLine) {
     using List = std::list<Strings_T>;
     Shown const shown =
-        show<List>(word(2) + told(1, "a") + word(-2) + word(9), {.form = Form::lines});
+        show<List>(word(2) + in_full(1, "a") + word(-2) + word(9), {.form = Form::lines});
     EXPECT_EQ(shown.json,
               "\"a\"\n"
               R"({"unsafe":{"offset":17,"expected":"a length from 0 to 0","found":"9"}})"
@@ -559,7 +555,7 @@ TEST(DumpOfDamage, LimitIsDamage) {
 
 TEST(DumpOfDamage, MarkedAlsoInAnEntryThatAReaderWouldDrop) {
     Shown const shown = show<std::unordered_map<Strings_T, std::list<Strings_T>>>(
-        word(2) + told(1, "a") + word(0) + word(1) + word(1) + word(-2) + word(9));
+        word(2) + in_full(1, "a") + word(0) + word(1) + word(1) + word(-2) + word(9));
     EXPECT_EQ(shown.dumped.answer, Answer::unsafe);
     EXPECT_TRUE(is_json(shown.json)) << shown.json;
     EXPECT_NE(shown.json.find("\"unsafe\""), std::string::npos) << shown.json;
@@ -608,7 +604,7 @@ TEST(DumpOfDamage, ChangedBytesAreJson) {
 
 TEST(DumpOfDuplicates, FirstOrLastEntryAsAReaderKeeps) {
     std::string const twice =
-        word(3) + told(1, "a") + word(1) + told(2, "b") + word(5) + word(1) + word(2);
+        word(3) + in_full(1, "a") + word(1) + in_full(2, "b") + word(5) + word(1) + word(2);
     EXPECT_EQ(value_of<Numbers>(twice), R"([["a",1],["b",5]])");
     EXPECT_EQ((value_of<std::map<Strings_T, std::int32_t>>(twice)), R"([["a",1],["b",5]])");
     EXPECT_EQ((value_of<sml::core::LastWinsMap<Strings_T, std::int32_t>>(twice)),
@@ -620,16 +616,16 @@ TEST(DumpOfDuplicates, FirstOrLastEntryAsAReaderKeeps) {
 
 TEST(DumpOfDuplicates, LastOfThreeStays) {
     std::string const thrice =
-        word(3) + told(1, "a") + word(1) + word(1) + word(2) + word(1) + word(3);
+        word(3) + in_full(1, "a") + word(1) + word(1) + word(2) + word(1) + word(3);
     EXPECT_EQ(value_of<Numbers>(thrice), R"([["a",1]])");
     EXPECT_EQ((value_of<sml::core::LastWinsMap<Strings_T, std::int32_t>>(thrice)), R"([["a",3]])");
 }
 
 TEST(DumpOfDuplicates, WhateverTheSpellingOfTheKey) {
     // told whole again, by an id that was never defined, and in other digits
-    EXPECT_EQ(value_of<Numbers>(word(2) + told(1, "a") + word(1) + told(2, "a") + word(2)),
+    EXPECT_EQ(value_of<Numbers>(word(2) + in_full(1, "a") + word(1) + in_full(2, "a") + word(2)),
               R"([["a",1]])");
-    EXPECT_EQ(value_of<Numbers>(word(2) + told(1, "") + word(1) + word(9) + word(2)),
+    EXPECT_EQ(value_of<Numbers>(word(2) + in_full(1, "") + word(1) + word(9) + word(2)),
               R"([["",1]])");
     using Integers = sml::core::HashedSet<BigInteger>;
     EXPECT_EQ(value_of<Integers>(word(3) + block("1f\0\0"s) + block(" 01F") + block("+1f")),
@@ -638,7 +634,7 @@ TEST(DumpOfDuplicates, WhateverTheSpellingOfTheKey) {
 
 TEST(DumpOfDuplicates, UnsetVariantsAreNeverEqual) {
     using Classes = sml::core::HashedSet<sml::Check_Classification::T_Check_Classification>;
-    std::string const first = told(1, "a") + word(3);
+    std::string const first = in_full(1, "a") + word(3);
     std::string const again = word(1) + word(3);
     std::string const args = R"("args":{"first_string":"a","first_int":3}})";
     EXPECT_EQ(value_of<Classes>(word(2) + word(-1) + first + word(-1) + again),
@@ -649,8 +645,8 @@ TEST(DumpOfDuplicates, UnsetVariantsAreNeverEqual) {
 
 TEST(DumpOfDuplicates, StringToldInADroppedEntryIsKnownAfterwards) {
     using Strings = std::unordered_map<Strings_T, Strings_T>;
-    EXPECT_EQ(value_of<Strings>(word(3) + told(1, "a") + word(1) + word(1) + told(2, "x") +
-                                told(3, "b") + word(2)),
+    EXPECT_EQ(value_of<Strings>(word(3) + in_full(1, "a") + word(1) + word(1) + in_full(2, "x") +
+                                in_full(3, "b") + word(2)),
               R"([["a","a"],["b","x"]])");
 }
 
@@ -786,7 +782,7 @@ TEST(DumpOfOddBytes, FindingsAreListedInOrderAndCounted) {
 
 TEST(DumpOfOddBytes, FindingsAreThoseOfVerify) {
     Root const        root{"R", describe<std::map<Strings_T, bool>>()};
-    std::string const odd = word(3) + told(1, "a") + "x" + word(1) + "T" + word(7) + "y";
+    std::string const odd = word(3) + in_full(1, "a") + "x" + word(1) + "T" + word(7) + "y";
     auto const        verdict = verify(root, odd);
     Shown const       shown = show(root, odd);
     EXPECT_EQ(shown.dumped.odd_count, verdict.odd_count);

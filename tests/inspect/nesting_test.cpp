@@ -6,6 +6,7 @@
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/encode.hpp>
 #include <sml/inspect/verify.hpp>
+#include <sml/inspect/wire/writer.hpp>
 #include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/small_stack.hpp"
 
@@ -73,16 +74,16 @@ private:
         bool const goes_on = on_chain && at_ < ways_.size();
         Way const  way = goes_on ? ways_[at_++] : Way{nullptr, -1};
         switch (type.kind) {
-            case Kind::flag: bytes += 'F'; return;
+            case Kind::flag: return writer_.flag(false);
             case Kind::flags: bytes.append(type.flag_count, 'F'); return;
-            case Kind::number: return block("0.000000");
-            case Kind::big_integer: return block(std::string("0\0\0", 3));
-            case Kind::ieee_float: block("0X0P+0"); return word(64);
-            case Kind::text: return block("");
-            case Kind::string: return string();
+            case Kind::number: return writer_.block("0.000000");
+            case Kind::big_integer: return writer_.big_integer("0");
+            case Kind::ieee_float: return writer_.ieee_float("0X0P+0", 64);
+            case Kind::text: return writer_.block("");
+            case Kind::string: return writer_.string("s", id_);
             case Kind::boxed: return value(*type.element, goes_on);
             case Kind::optional:
-                bytes += goes_on ? 'T' : 'F';
+                writer_.flag(goes_on);
                 if (goes_on) value(*type.element, true);
                 return;
             case Kind::list:
@@ -100,7 +101,7 @@ private:
     }
 
     void container(Type const& type, Way const& way) {
-        word(way.to != nullptr ? 1 : 0);
+        writer_.word(way.to != nullptr ? 1 : 0);
         if (way.to == nullptr) return;
         if (type.key != nullptr) value(*type.key, way.index == 1);
         value(*type.element, way.index == 0);
@@ -108,7 +109,7 @@ private:
 
     void variant(Type const& type, Way const& way) {
         std::int32_t const tag = way.to != nullptr ? way.index : least_tag(type);
-        word(tag);
+        writer_.word(tag);
         Type const* const payload = type.arms[static_cast<std::size_t>(tag)].payload;
         if (payload != nullptr) value(*payload, way.to != nullptr);
     }
@@ -122,23 +123,10 @@ private:
         return static_cast<std::int32_t>(flat - type.arms.begin());
     }
 
-    void string() {
-        if (std::exchange(told_, true)) return word(1);
-        word(-1);
-        block("s");
-    }
-
-    void block(std::string const& text) {
-        word(static_cast<std::int32_t>(text.size()));
-        bytes += text;
-    }
-    void word(std::int32_t word) {
-        bytes.append(reinterpret_cast<char const*>(&word), sizeof word);
-    }
-
+    Writer<std::string>     writer_{bytes};
     std::vector<Way> const& ways_;
     std::size_t             at_ = 0;
-    bool                    told_ = false;
+    std::int32_t            id_ = 0;  // of the only text
 };
 
 /// All types that hold their own kind and have a name.

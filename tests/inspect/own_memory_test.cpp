@@ -8,6 +8,7 @@
 #include <sml/inspect/text/json_text.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/inspect/counted_heap.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,9 @@
 namespace {
 
 using namespace sml::inspect;
+using wire_bytes::block;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 /// What findings, paths and buffers for output take whatever the budget is.
 constexpr std::uint64_t beside = std::uint64_t{3} << 20;
@@ -34,13 +38,6 @@ class Sink : public std::streambuf {
     pos_type seekpos(pos_type, std::ios::openmode) override { return 0; }
 };
 
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-std::string block(std::string_view text) {
-    return word(static_cast<std::int32_t>(text.size())) + std::string(text);
-}
-
 Root const& strings_root() { return *find_root("String_To_StringSet_T"); }
 
 std::string undefined_ids(std::int32_t count) {
@@ -52,7 +49,7 @@ std::string undefined_ids(std::int32_t count) {
 std::string distinct_strings(std::int32_t count) {
     std::string bytes = word(count);
     for (std::int32_t i = 1; i <= count; ++i)
-        bytes += word(-i) + block("text number " + std::to_string(i)) + word(0);
+        bytes += in_full(i, "text number " + std::to_string(i)) + word(0);
     return bytes;
 }
 
@@ -168,7 +165,7 @@ TEST(OwnMemory, IsKeptByLongNumbers) {
 }
 
 TEST(OwnMemory, IsKeptByLongTexts) {
-    std::string const bytes = word(1) + word(-1) + block(std::string(20'000'000, 'x')) + word(0);
+    std::string const bytes = word(1) + in_full(1, std::string(20'000'000, 'x')) + word(0);
     Sink              sink;
     EXPECT_LT(peak_of([&] {
                   std::ostream out(&sink);

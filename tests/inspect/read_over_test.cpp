@@ -10,6 +10,7 @@
 #include <sml/schema/Infos.hpp>
 #include <sml/schema/Interrogators.hpp>
 #include "tests/inspect/small_stack.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/wire.hpp"
 
@@ -33,6 +34,9 @@ using sml::inspect::Root;
 using sml::inspect::verify;
 using sml::inspect::VerifyOptions;
 using namespace std::string_literals;
+using wire_bytes::block;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 std::string kept_of(sml::inspect::Root const& root, std::string_view bytes,
                     sml::inspect::VerifyOptions const& options) {
@@ -343,10 +347,6 @@ TEST(ReadOverRule, ABoxedValueIsReadOver) {
         field + "01 00 00 00  03 00 00 00 '5' 00 00  FF FF FF FF 01 00 00 00 'a'");
 }
 
-std::string word(std::uint32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-
 TEST(ReadOverCost, TheGreatestDepthRunsOnEightMegabytes) {
     using Expressions = Table<sml::IL::T_Info_Expr>;
     Root const          root{"R", describe<Expressions>()};
@@ -383,18 +383,17 @@ TEST(ReadOverCost, ManyReadingsOfOneKeyTakeLinearTime) {
 TEST(ReadOverCost, LongTextsAndNumbersOfManyReadingsTakeLinearTime) {
     constexpr std::uint32_t count = 300000;
     constexpr std::uint32_t length = 1 << 20;
-    std::string             strings =
-        word(count) + word(7) + word(0xFFFFFFFF) + word(length) + std::string(length, 'x');
+    std::string             strings = word(count) + word(7) + in_full(1, std::string(length, 'x'));
     for (std::uint32_t i = 1; i < count; ++i) strings += word(i % 2) + word(1);
     Root const        by_word{"R", describe<Table<Strings_T>>()};
     std::string const result = kept_of(by_word, strings, {});
     EXPECT_EQ(result.size(), 4 + (4 + 8 + length) + 2 * 8u);
 
     // The same long number as a key, spelled with zeros once.
-    std::string numbers = word(count) + word(length) + std::string(length - 1, '0') + "1" + "T";
-    for (std::uint32_t i = 1; i < count; ++i) numbers += word(1) + "1" + "F";
+    std::string numbers = word(count) + block(std::string(length - 1, '0') + "1") + "T";
+    for (std::uint32_t i = 1; i < count; ++i) numbers += block("1") + "F";
     EXPECT_EQ(kept_of({"R", describe<LastWinsMap<BigInteger, bool>>()}, numbers, {}),
-              word(1) + word(length) + std::string(length - 1, '0') + "1" + "F");
+              word(1) + block(std::string(length - 1, '0') + "1") + "F");
 }
 
 }  // namespace

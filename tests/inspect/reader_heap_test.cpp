@@ -5,6 +5,7 @@
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/counted_heap.hpp"
 #include "tests/inspect/real_roots.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -21,6 +22,9 @@
 namespace {
 
 using namespace sml::inspect;
+using wire_bytes::block;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 template <class T>
 std::uint64_t peak_of(void (*to_cxx)(T&, char const*), char const* bytes) {
@@ -73,13 +77,6 @@ void expect_close_estimate(Root const& root, std::string const& bytes) {
     EXPECT_LE(verdict.heap, 2 * peak);
 }
 
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-std::string block(std::string_view text) {
-    return word(static_cast<std::int32_t>(text.size())) + std::string(text);
-}
-
 TEST(ReaderHeap, OfGoldenFiles) {
     auto const files = golden::files_in(GOLDEN_FILES);
     ASSERT_GE(files.size(), sml::inspect::roots().size());
@@ -119,7 +116,7 @@ std::string strings(std::size_t count, std::size_t length) {
     for (std::size_t i = 1; i <= count; ++i) {
         std::string text = std::to_string(i);
         text.resize(length, '.');
-        bytes += word(-static_cast<std::int32_t>(i)) + block(text) + word(0);
+        bytes += in_full(static_cast<std::int32_t>(i), text) + word(0);
     }
     return bytes;
 }

@@ -4,6 +4,7 @@
 #include <sml/core/kinds.hpp>
 #include <sml/inspect/verify.hpp>
 #include <sml/inspect/walk/walker.hpp>
+#include "tests/inspect/wire_bytes.hpp"
 #include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
@@ -19,13 +20,9 @@
 namespace {
 
 using namespace sml::inspect;
-
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-std::string block(std::string_view text) {
-    return word(static_cast<std::int32_t>(text.size())) + std::string(text);
-}
+using wire_bytes::block;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 // The hashes of the keys of all hashed containers, in the order in which they are written.
 
@@ -251,7 +248,7 @@ std::vector<std::string> texts(std::size_t count, std::uint64_t divisor) {
 std::string string_table(std::vector<std::string> const& texts) {
     std::string bytes = word(static_cast<std::int32_t>(texts.size()));
     for (std::size_t i = 0; i < texts.size(); ++i)
-        bytes += word(-static_cast<std::int32_t>(i + 1)) + block(texts[i]) + word(0);
+        bytes += in_full(static_cast<std::int32_t>(i + 1), texts[i]) + word(0);
     return bytes;
 }
 
@@ -301,7 +298,7 @@ TEST(ReaderWork, CountsTextsThatShareABucketWhenTheyAreGivenUp) {
 
 TEST(ReaderWork, AnIdBelowOneIsOneId) {
     std::string bytes = word(20'000);
-    for (std::int32_t i = 0; i < 20'000; ++i) bytes += word(0) + block(std::to_string(i)) + word(0);
+    for (std::int32_t i = 0; i < 20'000; ++i) bytes += in_full(0, std::to_string(i)) + word(0);
     Verdict const verdict = judge(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.answer, Answer::odd);
     EXPECT_LT(verdict.work, 200'000u);

@@ -9,6 +9,7 @@
 #include <sml/inspect/schema_json.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 #include "tests/plain/seed.hpp"
 
 #include <gtest/gtest.h>
@@ -28,6 +29,8 @@ namespace {
 using namespace sml::inspect;
 using namespace std::string_literals;
 using Form = DumpOptions::Form;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 struct Case {
     std::string name;
@@ -36,10 +39,6 @@ struct Case {
 };
 
 VerifyOptions const bounded{.limits = {.memory = std::uint64_t{1} << 24}};
-
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
 
 /// A field of a structure under a name: a pointer of no type, with a full range of integers.
 std::string field(std::string const& name, std::int32_t number) {
@@ -59,12 +58,12 @@ std::string information(std::string const& key, std::vector<std::string> const& 
 Case with_fields_twice(std::int32_t count) {
     std::string bytes;
     for (int left = 9; left > 0; --left) bytes += word(0);
-    bytes += word(count) + information(word(-1) + word(0), {field(word(1), 1), field(word(1), 2)});
+    bytes += word(count) + information(in_full(1, ""), {field(word(1), 1), field(word(1), 2)});
     for (std::int32_t i = 1; i < count; ++i) {
         std::string const name = "key " + std::to_string(i);
-        std::string const told = word(-1 - i) + word(static_cast<std::int32_t>(name.size())) + name;
+        std::string const key = in_full(1 + i, name);
         bytes +=
-            information(told, {field(word(1 + i), 1), field(word(1), 2), field(word(1 + i), 3)});
+            information(key, {field(word(1 + i), 1), field(word(1), 2), field(word(1 + i), 3)});
     }
     for (int left = 4; left > 0; --left) bytes += word(0);
     return {"fields twice, " + std::to_string(count),

@@ -4,6 +4,7 @@
 #include <sml/inspect/dump.hpp>
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,8 @@ using sml::inspect::Finding;
 using sml::inspect::Limits;
 using sml::inspect::Verdict;
 using sml::inspect::verify;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 std::string told(Finding const& finding) {
     return std::to_string(finding.offset) + " " + finding.path + ": expected " + finding.expected +
@@ -246,20 +249,14 @@ TEST(Verify, AListenerIsToldOfWhatWouldBeListed) {
     EXPECT_EQ(verdict.findings.front().severity, sml::inspect::Severity::unsafe);
 }
 
-/// The bytes of a word.
-std::string word(std::int32_t value) {
-    return {reinterpret_cast<char const*>(&value), sizeof value};
-}
-
 // However often elements are equal, their long text is not compared again: with these sizes, that
 // would be four terabytes.
 TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
     constexpr std::int32_t length = 4'000'000;
     constexpr std::int32_t count = 1'000'000;
     std::string const      text(length, 'a');
-    // Told again by the element that the others are compared with.
-    std::string bytes = word(1) + word(-1) + word(length) + text + word(count);
-    bytes += word(-2) + word(length) + text;
+    // Written again by the element that the others are compared with.
+    std::string bytes = word(1) + in_full(1, text) + word(count) + in_full(2, text);
     for (std::int32_t i = 1; i < count; ++i) bytes += word(1);
     auto const verdict = verify(*find_root("String_To_StringSet_T"), bytes, {.listed = 1});
     EXPECT_EQ(verdict.answer, Answer::odd);
@@ -276,9 +273,8 @@ TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
     constexpr std::int32_t count = 300'000;
     std::string            bytes = word(count);
     for (std::int32_t i = 1; i <= count; ++i) {
-        std::string const key = std::to_string(i);
-        bytes += word(i == 1 ? -1 : -i - 1) + word(static_cast<std::int32_t>(key.size())) + key;
-        bytes += word(1) + (i == 1 ? word(-2) + word(length) + std::string(length, 'a') : word(2));
+        bytes += in_full(i == 1 ? 1 : i + 1, std::to_string(i));
+        bytes += word(1) + (i == 1 ? in_full(2, std::string(length, 'a')) : word(2));
     }
     auto const& root = *find_root("String_To_StringSet_T");
     EXPECT_EQ(verify(root, bytes).answer, Answer::good);
@@ -287,7 +283,7 @@ TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
 
 TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
     // {"a": {}, "a": {...}} of which the second set can't be.
-    std::string const bytes = word(2) + word(-1) + word(1) + "a" + word(0) + word(1) + word(9);
+    std::string const bytes = word(2) + in_full(1, "a") + word(0) + word(1) + word(9);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.answer, Answer::unsafe);
     EXPECT_EQ(verdict.odd_count, 1u);
@@ -298,7 +294,7 @@ TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
 
 TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
     // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
-    std::string const bytes = word(1) + word(-1) + word(0) + word(3) + word(7) + word(1) + word(7);
+    std::string const bytes = word(1) + in_full(1, "") + word(3) + word(7) + word(1) + word(7);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two elements that are there already
 }
@@ -319,7 +315,7 @@ public:
             return by_id_[id];
         }
         std::string const text(texts[below(texts.size())]);
-        bytes += word(-id) + word(static_cast<std::int32_t>(text.size())) + text;
+        bytes += in_full(id, text);
         by_id_.emplace(id, text);
         return text;
     }

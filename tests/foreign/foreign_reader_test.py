@@ -115,6 +115,8 @@ class ForeignReader(unittest.TestCase):
             cls.schema = cls.reader.Schema(json.load(file))
         cls.golden = {}
         for name in sorted(os.listdir(GOLDEN)):
+            if not name.endswith(".bin"):
+                continue
             with open(os.path.join(GOLDEN, name), "rb") as file:
                 cls.golden[name] = name.partition(".")[0], file.read()
 

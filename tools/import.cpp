@@ -8,8 +8,9 @@
 #include "errors.hpp"
 #include "input_bytes.hpp"
 #include "output_file.hpp"
-#include "result_mapping.hpp"
-#include "sarif_reader.hpp"
+#include "result_set.hpp"
+#include "sarif/mapping.hpp"
+#include "sarif/reader.hpp"
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
@@ -63,7 +64,7 @@ std::int32_t import_log(std::string_view text, std::string const& name, Options 
     Progress      progress(err, name + ", importing", sarif::count_results(document));
     std::uint64_t results = 0;
     auto const    add = [&](sarif::Result&& result) {
-        add_result(result, set, comparisons);
+        sarif::add_result(result, set, comparisons);
         ++results;
         if (progress.done()) progress.done()->store(results, std::memory_order_relaxed);
     };

@@ -2,7 +2,8 @@
 
 #include <ostream>
 
-#include "result_mapping.hpp"
+#include "result_set.hpp"
+#include "sarif/result.hpp"
 
 namespace bradep {
 

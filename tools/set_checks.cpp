@@ -53,7 +53,7 @@ std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set 
     if (!check.form || !check.check || !has_category_of_import(check.category()))
         return std::nullopt;
     try {
-        return restored_result(*check.form, set);
+        return sarif::restored_result(*check.form, set);
     } catch (Damaged_Input const&) {  // its fields mean something else
         return std::nullopt;
     }

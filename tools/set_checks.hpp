@@ -8,12 +8,10 @@
 #include <set>
 #include <vector>
 
-#include "result_mapping.hpp"
+#include "result_set.hpp"
+#include "sarif/mapping.hpp"
 
 namespace bradep {
-
-using Check = sml::Checks::T_A_Check;
-using Category = sml::Checks::T_Check_Category;
 
 struct Set_Check {
     Numbered_Key const* key;    // null for a form that names no check
@@ -30,7 +28,7 @@ bool has_category_of_import(Category const& category);
 // to look at it.
 class Review {
 public:
-    explicit Review(Result_Set const& set) : suppressed_(suppressed_checks(set)) {}
+    explicit Review(Result_Set const& set) : suppressed_(sarif::suppressed_checks(set)) {}
 
     bool is_suppressed(Numbered_Key const& key) const { return suppressed_.contains(key); }
     bool is_absent(Check const& check) const {

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "result_mapping.hpp"
+#include "result_set.hpp"
 
 namespace bradep {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "run.hpp"
-#include "sarif_reader.hpp"
+#include "sarif/reader.hpp"
 
 namespace cli_test {
 

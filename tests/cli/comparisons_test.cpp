@@ -12,7 +12,7 @@
 #include <sml/inspect/reader/reader_model.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 
 namespace {
 
@@ -108,8 +108,8 @@ std::uint64_t count_of(std::string const& log) {
     Comparisons        comparisons(unlimited);
     bradep::Result_Set set;
     bradep::sarif::read_log(
-        log, "log", 0, [&](auto&& result) { bradep::add_result(result, set, comparisons); }, {},
-        comparisons);
+        log, "log", 0, [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); },
+        {}, comparisons);
     return comparisons.counted();
 }
 
@@ -215,7 +215,7 @@ double tables_compared(std::size_t count, Fill const& fill) {
     }();
     bradep::Result_Set set;
     Comparisons        comparisons(unlimited);
-    for (auto const& result : fill(texts)) bradep::add_result(result, set, comparisons);
+    for (auto const& result : fill(texts)) bradep::sarif::add_result(result, set, comparisons);
     auto const squared = static_cast<double>(count * count);
     return static_cast<double>(comparisons.counted()) / (squared / 2);
 }
@@ -307,7 +307,8 @@ TEST(Comparisons, UpToTheLimitAreAllowed) {
         Comparisons        comparisons(most);
         bradep::Result_Set set;
         bradep::sarif::read_log(
-            log, "log", 0, [&](auto&& result) { bradep::add_result(result, set, comparisons); }, {},
+            log, "log", 0,
+            [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); }, {},
             comparisons);
     };
     EXPECT_NO_THROW(import(work));

@@ -7,7 +7,7 @@
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 
 namespace {
 
@@ -127,8 +127,8 @@ TEST(Expansion, ItsLimitIsAnOption) {
 bradep::Result_Set set_of(std::string const& log) {
     bradep::Result_Set  set;
     bradep::Comparisons comparisons;
-    bradep::sarif::read_log(log, "log", 0,
-                            [&](auto&& result) { bradep::add_result(result, set, comparisons); });
+    bradep::sarif::read_log(
+        log, "log", 0, [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); });
     return set;
 }
 
@@ -147,12 +147,12 @@ std::string shared_step(std::size_t steps, std::size_t length) {
     return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
 }
 
-std::string complaint_of_adding(std::string const& log, bradep::Set_Limits const& limits) {
+std::string complaint_of_adding(std::string const& log, bradep::sarif::Set_Limits const& limits) {
     bradep::Result_Set  set;
     bradep::Comparisons comparisons;
     try {
         bradep::sarif::read_log(log, "log", 0, [&](auto&& result) {
-            bradep::add_result(result, set, comparisons, limits);
+            bradep::sarif::add_result(result, set, comparisons, limits);
         });
     } catch (bradep::Damaged_Input const& error) {
         return error.what();

@@ -7,7 +7,7 @@
 #include <ctime>
 
 #include "cli_support.hpp"
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 #include "summary.hpp"
 
 namespace {
@@ -150,7 +150,7 @@ TEST(Growth, SummaryOfManyChecksThatShareOneLongText) {
         bradep::sarif::Result result;
         bradep::Comparisons   comparisons;
         result.rule = std::string(40 * n, 'r');
-        for (std::size_t i = 0; i < n; ++i) bradep::add_result(result, set, comparisons);
+        for (std::size_t i = 0; i < n; ++i) bradep::sarif::add_result(result, set, comparisons);
         return [set] {
             std::ostringstream out;
             bradep::write_summary(out, set, {"set", 0, {}, 0});

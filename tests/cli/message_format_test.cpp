@@ -1,4 +1,4 @@
-#include "message_format.hpp"
+#include "sarif/message_format.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "rule_index.hpp"
+#include "sarif/rule_index.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "sarif_reader.hpp"
+#include "sarif/reader.hpp"
 
 #include <gtest/gtest.h>
 

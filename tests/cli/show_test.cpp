@@ -6,7 +6,7 @@
 
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 
 namespace {
 
@@ -33,7 +33,7 @@ Result_Set native_set() {
     Result_Set          set;
     bradep::Comparisons comparisons;
     for (auto const& result : results_of(log_with(R"({"message": {"text": "imported"}})")))
-        bradep::add_result(result, set, comparisons);
+        bradep::sarif::add_result(result, set, comparisons);
     add_overflow(set, "b.c", 2, true);
     add_overflow(set, "b.c", 10, false);
     add_overflow(set, "a.c", 1, false);

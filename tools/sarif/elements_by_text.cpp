@@ -1,13 +1,13 @@
-#include "elements_by_text.hpp"
+#include "sarif/elements_by_text.hpp"
 
-namespace bradep::json_input {
+namespace bradep::sarif {
 
 json::value const* Elements_By_Text::find(std::string_view wanted) {
     auto const known = known_.find(wanted);
     if (known != known_.end()) return known->second;
     while (list_ != nullptr && looked_at_ < list_->size()) {
         auto const& element = (*list_)[looked_at_];
-        auto const  text = view(element, member_name_);
+        auto const  text = json_input::view(element, member_name_);
         ++looked_at_;  // only now: a misfit stays one for whoever comes next
         if (!text) continue;
         known_.try_emplace(*text, &element);
@@ -16,4 +16,4 @@ json::value const* Elements_By_Text::find(std::string_view wanted) {
     return nullptr;
 }
 
-}  // namespace bradep::json_input
+}  // namespace bradep::sarif

@@ -5,7 +5,9 @@
 
 #include "json_input.hpp"
 
-namespace bradep::json_input {
+namespace bradep::sarif {
+
+namespace json = boost::json;
 
 // Finds elements of a list by a text that is a member of theirs. Each element is looked at once,
 // and none behind the one that is wanted: what is wrong with that is nobody's concern yet. The
@@ -27,4 +29,4 @@ private:
     std::map<std::string_view, json::value const*> known_;
 };
 
-}  // namespace bradep::json_input
+}  // namespace bradep::sarif

@@ -8,8 +8,8 @@
 
 #include "comparisons.hpp"
 #include "json_input.hpp"
-#include "sarif_limits.hpp"
-#include "sarif_result.hpp"
+#include "sarif/limits.hpp"
+#include "sarif/result.hpp"
 
 namespace bradep::sarif {
 

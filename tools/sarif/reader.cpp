@@ -1,10 +1,10 @@
-#include "sarif_reader.hpp"
+#include "sarif/reader.hpp"
 
 #include <limits>
 
 #include "errors.hpp"
 #include "json_input.hpp"
-#include "sarif_run.hpp"
+#include "sarif/run.hpp"
 
 namespace bradep::sarif {
 namespace {

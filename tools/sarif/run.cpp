@@ -1,9 +1,9 @@
-#include "sarif_run.hpp"
+#include "sarif/run.hpp"
 
 #include <utility>
 
 #include "errors.hpp"
-#include "message_format.hpp"
+#include "sarif/message_format.hpp"
 
 namespace bradep::sarif {
 namespace {

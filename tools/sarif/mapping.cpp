@@ -1,18 +1,14 @@
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 
 #include <algorithm>
 #include <string>
 
 #include "errors.hpp"
 
-namespace bradep {
+namespace bradep::sarif {
 namespace {
 
-using sarif::Place;
-using sarif::Result;
-using sarif::Text;
 using sml::Strings_T;
-using Check = sml::Checks::T_A_Check;
 using Event = sml::Events::T_An_Event;
 using Failure = sml::Failure::T;
 using Info = sml::Infos::T_An_Info;
@@ -117,8 +113,7 @@ struct Filling {
     }
 };
 
-void add_event(sarif::Step const& step, std::int32_t run, Failure& failure,
-               Filling const& filling) {
+void add_event(Step const& step, std::int32_t run, Failure& failure, Filling const& filling) {
     auto&      tables = filling.set.application_results;
     auto const place = step.place.value_or(Place{});
     auto const key = filling.next_key(tables.event_numbers, or_empty(place.uri));
@@ -132,8 +127,8 @@ void add_event(sarif::Step const& step, std::int32_t run, Failure& failure,
     failure.steps.emplace_back(key, std::nullopt);
 }
 
-sarif::Step restored_step(Event const& event) {
-    sarif::Step step;
+Step restored_step(Event const& event) {
+    Step        step;
     auto const& logical = event.signature.qualified_signature.qualified_name.name;
     step.place = place_of(event.source_ref, event.first_string, logical);
     step.message = event.optional_string;
@@ -188,10 +183,10 @@ std::int32_t count_at(Failure const& failure, std::string const& pointer) {
     return entry(failure.named_ints, Strings_T(pointer), "a flow");
 }
 
-std::vector<sarif::Code_Flow> restored_flows(Failure const& failure, Result_Set const& set) {
-    std::vector<sarif::Code_Flow> flows;
-    auto                          step = failure.steps.begin();
-    auto const flow_count = static_cast<std::size_t>(count_at(failure, flows_pointer));
+std::vector<Code_Flow> restored_flows(Failure const& failure, Result_Set const& set) {
+    std::vector<Code_Flow> flows;
+    auto                   step = failure.steps.begin();
+    auto const             flow_count = static_cast<std::size_t>(count_at(failure, flows_pointer));
     for (std::size_t i = 0; i < flow_count; ++i) {
         auto&      flow = flows.emplace_back();
         auto const thread_count = static_cast<std::size_t>(count_at(failure, flow_pointer(i)));
@@ -310,7 +305,7 @@ void fill_check(Result const& result, Check& check, Filling const& filling) {
     if (!result.flows.empty()) check.failure = failure_of(result, filling);
 }
 
-void add_fingerprints(sarif::Fingerprints const& fingerprints, char const* family, Check_Form& form,
+void add_fingerprints(Fingerprints const& fingerprints, char const* family, Check_Form& form,
                       Filling const& filling) {
     for (auto const& [name, value] : fingerprints) {
         sml::PackagedPrettySignature::T signature;
@@ -466,4 +461,4 @@ std::set<Numbered_Key> suppressed_checks(Result_Set const& set) {
     return suppressed;
 }
 
-}  // namespace bradep
+}  // namespace bradep::sarif

@@ -1,4 +1,4 @@
-#include "result_mapping.hpp"
+#include "sarif/mapping.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using sml::Strings_T;
 Result_Set set_of(std::vector<Result> const& results) {
     Result_Set          set;
     bradep::Comparisons comparisons;
-    for (auto const& result : results) bradep::add_result(result, set, comparisons);
+    for (auto const& result : results) bradep::sarif::add_result(result, set, comparisons);
     return set;
 }
 
@@ -36,7 +36,7 @@ void send_through_bytes(Result_Set const& set, Result_Set& back) {
 std::vector<Result> restored(Result_Set const& set) {
     std::vector<Result> results;
     for (auto const& [id, form] : set.check_data)
-        results.push_back(bradep::restored_result(form, set));
+        results.push_back(bradep::sarif::restored_result(form, set));
     return results;
 }
 

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "comparisons.hpp"
-#include "elements_by_text.hpp"
-#include "rule_index.hpp"
-#include "sarif_limits.hpp"
-#include "sarif_result.hpp"
+#include "sarif/elements_by_text.hpp"
+#include "sarif/limits.hpp"
+#include "sarif/result.hpp"
+#include "sarif/rule_index.hpp"
 
 namespace bradep::sarif {
 
@@ -54,9 +54,9 @@ private:
     struct Component {
         explicit Component(json::value const* given);
 
-        json::value const*           value;
-        json::array const*           rules;
-        json_input::Elements_By_Text rules_by_guid;
+        json::value const* value;
+        json::array const* rules;
+        Elements_By_Text   rules_by_guid;
     };
     static constexpr std::size_t driver = 0;  // its place among the components
     static constexpr std::size_t first_extension = 1;
@@ -85,8 +85,8 @@ private:
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;
     std::map<json::value const*, std::size_t> numbers_;  // the components' places among them
-    json_input::Elements_By_Text              extensions_by_guid_{nullptr, "guid"};
-    json_input::Elements_By_Text              extensions_by_name_{nullptr, "name"};
+    Elements_By_Text                          extensions_by_guid_{nullptr, "guid"};
+    Elements_By_Text                          extensions_by_name_{nullptr, "name"};
     Rule_Index                                rules_by_id_;
 };
 

@@ -3,20 +3,14 @@
 // restoring are each other's inverse.
 
 #include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <set>
 
-#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 #include "comparisons.hpp"
-#include "sarif_result.hpp"
+#include "result_set.hpp"
+#include "sarif/result.hpp"
 
-namespace bradep {
-
-using Result_Set = sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
-constexpr char const* result_set_stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
-using Check_Form = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
-using Numbered_Key = std::pair<sml::Strings_T, std::int32_t>;
+namespace bradep::sarif {
 
 // What a set can carry: lengths, counts, ordinals and the numbers of strings are 32 bits wide, with
 // a sign. The strings are those of the process.
@@ -29,14 +23,14 @@ struct Set_Limits {
 // Adds the result as the last check of the set, with its events and its further places. What
 // looking up its keys takes is counted. Throws Damaged_Input where that or the set is beyond the
 // limits; the set is of no use then.
-void add_result(sarif::Result const& result, Result_Set& set, Comparisons& comparisons,
+void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
                 Set_Limits const& limits = {});
 
 // The result that a check form of the set was made from. Throws Damaged_Input where the set holds
 // no such check, which means that it did not come from add_result.
-sarif::Result restored_result(Check_Form const& form, Result_Set const& set);
+Result restored_result(Check_Form const& form, Result_Set const& set);
 
 // The checks with a suppression that holds: one that is accepted, or whose status is not given.
 std::set<Numbered_Key> suppressed_checks(Result_Set const& set);
 
-}  // namespace bradep
+}  // namespace bradep::sarif

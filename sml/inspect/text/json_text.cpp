@@ -40,10 +40,10 @@ void append_escape(std::string& json, std::uint32_t code) {
 }
 
 // The first character of a text that does not simply stand for itself.
-std::size_t append_special(std::string& json, std::string_view text) {
+std::size_t append_special(std::string& json, std::string_view text, StrayByte stray) {
     auto const [code, length, valid] = first_character(text);
     if (!valid)
-        append_escape(json, 0xDC80 + (code - 0x80));
+        append_escape(json, stray == StrayByte::kept ? 0xDC80 + (code - 0x80) : 0xFFFD);
     else if (code == '"' || code == '\\')
         (json += '\\') += static_cast<char>(code);
     else if (is_obeyed_by_terminals(code))
@@ -71,19 +71,19 @@ void append_long_decimal(std::string& text, std::string_view hexadecimal) {
 
 }  // namespace
 
-void append_json_characters(std::string& json, std::string_view text) {
+void append_json_characters(std::string& json, std::string_view text, StrayByte stray) {
     for (;;) {
         std::size_t const plain = plain_length(text);
         json.append(text.data(), plain);
         text.remove_prefix(plain);
         if (text.empty()) return;
-        text.remove_prefix(append_special(json, text));
+        text.remove_prefix(append_special(json, text, stray));
     }
 }
 
-void append_json_string(std::string& json, std::string_view text) {
+void append_json_string(std::string& json, std::string_view text, StrayByte stray) {
     json += '"';
-    append_json_characters(json, text);
+    append_json_characters(json, text, stray);
     json += '"';
 }
 

@@ -7,12 +7,19 @@
 
 namespace sml::inspect {
 
-/// Adds a text in quotes. A byte that is not UTF-8 becomes the lone surrogate U+DC80 + (byte -
-/// 0x80), so that nothing is lost; what a terminal would obey is escaped.
-void append_json_string(std::string& json, std::string_view text);
+/// What becomes of a byte that is not UTF-8.
+enum class StrayByte {
+    kept,     ///< the lone surrogate U+DC80 + (byte - 0x80), so that nothing is lost
+    replaced  ///< U+FFFD, which every reader of JSON takes
+};
+
+/// Adds a text in quotes. What a terminal would obey is escaped.
+void append_json_string(std::string& json, std::string_view text,
+                        StrayByte stray = StrayByte::kept);
 
 /// The same without the quotes.
-void append_json_characters(std::string& json, std::string_view text);
+void append_json_characters(std::string& json, std::string_view text,
+                            StrayByte stray = StrayByte::kept);
 
 /// Adds a finite double so that it reads back as the same, or "inf", "-inf", "nan", "-nan".
 void append_json_double(std::string& json, double value);

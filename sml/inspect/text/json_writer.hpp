@@ -16,7 +16,8 @@ struct OutputEnded {};
 /// What is written last is to be flushed.
 class JsonWriter {
 public:
-    JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pretty) {}
+    JsonWriter(std::ostream& out, bool pretty, StrayByte stray = StrayByte::kept)
+        : out_(out), pretty_(pretty), stray_(stray) {}
     JsonWriter(JsonWriter const&) = delete;
     JsonWriter& operator=(JsonWriter const&) = delete;
 
@@ -46,13 +47,13 @@ public:
     /// The value of a member is to come.
     void member(std::string_view name) {
         next();
-        append_json_string(text, name);
+        append_json_string(text, name, stray_);
         text += pretty_ ? ": " : ":";
     }
 
     void string_member(std::string_view name, std::string_view value) {
         member(name);
-        append_json_string(text, value);
+        append_json_string(text, value, stray_);
     }
 
     /// A string value of any length, in pieces that end between characters.
@@ -61,11 +62,11 @@ public:
         while (value.size() > flushed_at) {
             std::size_t end = flushed_at;
             while (end > flushed_at - longest_character && is_inside_character(value[end])) --end;
-            append_json_characters(text, value.substr(0, end));
+            append_json_characters(text, value.substr(0, end), stray_);
             value.remove_prefix(end);
             flush();
         }
-        append_json_characters(text, value);
+        append_json_characters(text, value, stray_);
         text += '"';
     }
 
@@ -95,6 +96,7 @@ private:
 
     std::ostream& out_;
     bool          pretty_;
+    StrayByte     stray_;
     bool          is_empty_ = true;  // the container opened last
     std::size_t   level_ = 0;
 };

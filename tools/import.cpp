@@ -9,6 +9,7 @@
 #include "input_bytes.hpp"
 #include "output_file.hpp"
 #include "result_set.hpp"
+#include "sarif/fields.hpp"
 #include "sarif/mapping.hpp"
 #include "sarif/reader.hpp"
 #include "terminal.hpp"
@@ -57,6 +58,10 @@ json_input::Document parsed(std::string_view text, std::string const& name, std:
     return json_input::Document(text, name, progress.done());
 }
 
+std::int32_t& run_count_of(Result_Set& set) {
+    return sarif::fields::runs.held(sarif::SetRecord{set});
+}
+
 // Returns the number of its runs.
 std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
                         Result_Set& set, Comparisons& comparisons, std::ostream& err) {
@@ -68,8 +73,7 @@ std::int32_t import_log(std::string_view text, std::string const& name, Options 
         ++results;
         if (progress.done()) progress.done()->store(results, std::memory_order_relaxed);
     };
-    return sarif::read_log(document, name, set.application_results.first_int, add, options.limits,
-                           comparisons);
+    return sarif::read_log(document, name, run_count_of(set), add, options.limits, comparisons);
 }
 
 void import_logs(Options const& options, Streams& streams) {
@@ -77,10 +81,9 @@ void import_logs(Options const& options, Streams& streams) {
     refuse_overwriting_an_input(options);
     Result_Set  set;
     Comparisons comparisons(options.verify.limits.work);
-    auto&       run_count = set.application_results.first_int;
     for (auto const& input : options.inputs) {
         Input_Bytes const text(input, options.max_size, streams.in);
-        run_count +=
+        run_count_of(set) +=
             import_log(text.view(), input_name(input), options, set, comparisons, streams.err);
     }
     auto const write = [&](std::ostream& out) {

@@ -1,157 +1,117 @@
 #include "json_line.hpp"
 
-#include <algorithm>
-#include <cstdint>
-#include <limits>
-#include <list>
-#include <streambuf>
-#include <string>
-#include <string_view>
-
 #include <sml/bindings/bindings.hpp>
 #include <sml/core/decimal_point.hpp>
 #include <sml/inspect/dump.hpp>
-#include "printable.hpp"
+#include <sml/inspect/text/json_writer.hpp>
+
+#include "sarif/fields.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <list>
+#include <optional>
+#include <streambuf>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace bradep {
 namespace {
 
-using sarif::Place;
-using sarif::Result;
+namespace fields = sarif::fields;
 using sarif::Text;
+using sml::inspect::append_json_integer;
+using sml::inspect::JsonWriter;
+using sml::inspect::StrayByte;
 
-// JSON on its way out. Results share their texts, so that a line can be far longer than all of its
-// set: it is never held as a whole.
-class Json_Output {
-public:
-    explicit Json_Output(std::ostream& out) : out_(out) {}
+template <class Rows, class Part>
+void add_members(JsonWriter& json, Rows const& rows, Part const& part);
+template <class Part>
+void write(JsonWriter& json, Part const& part);
 
-    Json_Output& operator<<(std::string_view json) {
-        json_ += json;
-        if (json_.size() >= flushed_at) flush();
-        return *this;
+void write(JsonWriter& json, std::int32_t number) {
+    append_json_integer(json.text, std::int64_t{number});
+}
+
+void write(JsonWriter& json, Text const& text) { json.string(text.str()); }
+
+// Results share their texts, so that a line can be far longer than all of its set: it is never held
+// as a whole.
+template <class T>
+void write(JsonWriter& json, std::vector<T> const& elements) {
+    json.open('[');
+    for (T const& element : elements) {
+        json.next();
+        write(json, element);
     }
+    json.close(']');
+}
 
-    void flush() {
-        out_ << json_;
-        json_.clear();
+template <class Part>
+void write(JsonWriter& json, Part const& part) {
+    json.open('{');
+    add_members(json, fields::rows_of(part), part);
+    json.close('}');
+}
+
+template <class T>
+void add_member(JsonWriter& json, char const* name, T const& value) {
+    json.member(name);
+    write(json, value);
+}
+template <class T>
+void add_member(JsonWriter& json, char const* name, std::optional<T> const& value) {
+    if (value) add_member(json, name, *value);
+}
+template <class T>
+void add_member(JsonWriter& json, char const* name, std::vector<T> const& elements) {
+    if (elements.empty()) return;
+    json.member(name);
+    write(json, elements);
+}
+
+template <class Row, class Part>
+void add_row(JsonWriter& json, Row const& row, Part const& part) {
+    if constexpr (requires { row.place_rows; }) {
+        if (auto const* const place = fields::place_in(std::invoke(row.said, part)))
+            add_members(json, row.place_rows, *place);
+    } else if constexpr (requires { row.shown; }) {
+        if (row.shown != nullptr) add_member(json, row.shown, std::invoke(row.said, part));
     }
-
-private:
-    static constexpr std::size_t flushed_at = std::size_t{1} << 16;
-
-    std::ostream& out_;
-    std::string   json_;
-};
-
-void write(Json_Output& out, std::string const& text) { out << json_string(text); }
-void write(Json_Output& out, Text const& text) { write(out, text.str()); }
-void write(Json_Output& out, std::int32_t number) { out << std::to_string(number); }
-
-class Json_Object {
-public:
-    explicit Json_Object(Json_Output& out) : out_(out) { out_ << "{"; }
-    void end() { out_ << "}"; }
-
-    // The value is to come.
-    Json_Output& member(std::string const& name) {
-        out_ << (is_empty_ ? "" : ",");
-        is_empty_ = false;
-        write(out_, name);
-        return out_ << ":";
-    }
-    template <typename T>
-    void add(char const* name, std::optional<T> const& value) {
-        if (value) add(name, *value);
-    }
-    void add(char const* name, Text const& value) { write(member(name), value); }
-    void add(char const* name, std::int32_t value) { write(member(name), value); }
-
-private:
-    Json_Output& out_;
-    bool         is_empty_ = true;
-};
-
-template <typename List, typename Write>
-void write_list(Json_Output& out, List const& list, Write const& write_element) {
-    char const* comma = "";
-    out << "[";
-    for (auto const& element : list) {
-        out << comma;
-        write_element(out, element);
-        comma = ",";
-    }
-    out << "]";
 }
 
-template <typename List, typename Write>
-void add_list(Json_Object& object, char const* name, List const& list, Write const& write_element) {
-    if (!list.empty()) write_list(object.member(name), list, write_element);
-}
-
-void add_place(Json_Object& object, Place const& place) {
-    object.add("uri", place.uri);
-    object.add("base", place.base);
-    object.add("line", place.line);
-    object.add("column", place.column);
-    object.add("endLine", place.end_line);
-    object.add("endColumn", place.end_column);
-}
-
-void write_place(Json_Output& out, Place const& place) {
-    Json_Object object(out);
-    add_place(object, place);
-    object.end();
-}
-
-void write_related(Json_Output& out, sarif::Related_Place const& related) {
-    Json_Object object(out);
-    object.add("id", related.id);
-    add_place(object, related.place);
-    object.add("message", related.message);
-    object.end();
-}
-
-void write_step(Json_Output& out, sarif::Step const& step) {
-    auto const  place = step.place.value_or(Place{});
-    Json_Object object(out);
-    object.add("uri", place.uri);
-    object.add("line", place.line);
-    object.add("column", place.column);
-    object.add("message", step.message);
-    object.end();
-}
-
-void write_thread(Json_Output& out, sarif::Thread_Flow const& thread) {
-    write_list(out, thread, write_step);
-}
-
-void write_flow(Json_Output& out, sarif::Code_Flow const& flow) {
-    write_list(out, flow, write_thread);
-}
-
-void write_suppression(Json_Output& out, sarif::Suppression const& suppression) {
-    Json_Object object(out);
-    object.add("kind", suppression.kind);
-    object.add("status", suppression.status);
-    object.end();
+template <class Rows, class Part>
+void add_members(JsonWriter& json, Rows const& rows, Part const& part) {
+    for_each_row(rows, [&](auto const& row) { add_row(json, row, part); });
 }
 
 // A log may use one name in both families; the complete fingerprint is the stronger one.
-void add_fingerprints(Json_Object& line, Result const& result) {
+void add_fingerprints(JsonWriter& json, sarif::Result const& result) {
     auto all = result.fingerprints;
     all.insert(result.partial_fingerprints.begin(), result.partial_fingerprints.end());
     if (all.empty()) return;
-    Json_Object object(line.member("fingerprints"));
-    for (auto const& [name, value] : all) write(object.member(name.str()), value);
-    object.end();
+    json.member(fields::complete.shown);
+    json.open('{');
+    for (auto const& [name, value] : all) {
+        json.next();
+        write(json, name);
+        json.text += ':';
+        write(json, value);
+    }
+    json.close('}');
 }
 
-void add_key(Json_Object& line, Numbered_Key const& key) {
-    auto& json = line.member("key") << "[";
+void add_key(JsonWriter& json, Numbered_Key const& key) {
+    json.member("key");
+    json.open('[');
+    json.next();
     write(json, key.first);
-    write(json << ",", key.second);
-    json << "]";
+    json.next();
+    write(json, key.second);
+    json.close(']');
 }
 
 // Hands on what stands between the first and the last so many bytes.
@@ -211,35 +171,25 @@ void write_category(std::ostream& out, sml::Checks::T_Check_Category const& cate
 
 void write_json_line(std::ostream& out, Numbered_Key const* key,
                      sml::Checks::T_Check_Category const& category) {
-    Json_Output json(out);
-    Json_Object line(json);
-    if (key) add_key(line, *key);
-    line.member("category");
+    JsonWriter json(out, false, StrayByte::replaced);
+    json.open('{');
+    if (key) add_key(json, *key);
+    json.member("category");
     json.flush();
     write_category(out, category);
-    line.end();
-    json << "\n";
+    json.close('}');
+    json.end_line();
     json.flush();
 }
 
-void write_json_line(std::ostream& out, Numbered_Key const& key, Result const& result) {
-    Json_Output json(out);
-    Json_Object line(json);
-    add_key(line, key);
-    line.add("run", result.run);
-    line.add("tool", result.tool);
-    line.add("rule", result.rule);
-    line.add("level", result.level);
-    line.add("kind", result.kind);
-    line.add("baselineState", result.baseline_state);
-    add_list(line, "suppressions", result.suppressions, write_suppression);
-    line.add("message", result.message);
-    add_list(line, "locations", result.locations, write_place);
-    add_list(line, "related", result.related, write_related);
-    add_list(line, "flows", result.flows, write_flow);
-    add_fingerprints(line, result);
-    line.end();
-    json << "\n";
+void write_json_line(std::ostream& out, Numbered_Key const& key, sarif::Result const& result) {
+    JsonWriter json(out, false, StrayByte::replaced);
+    json.open('{');
+    add_key(json, key);
+    add_members(json, fields::of_line, result);
+    add_fingerprints(json, result);
+    json.close('}');
+    json.end_line();
     json.flush();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "errors.hpp"
+#include "sarif/fields.hpp"
 
 namespace bradep {
 namespace {
@@ -45,12 +46,13 @@ std::size_t count_checks(Result_Set const& set) {
     return set.application_results.checks.size() + static_cast<std::size_t>(alone);
 }
 
-bool has_category_of_import(Category const& category) {
-    return category.holds<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
+bool Review::is_absent(Check const& check) const {
+    auto const& state = sarif::fields::baseline_state.held(sarif::CheckAlone{check});
+    return sarif::has_category_of_import(check.category) && state.str() == "absent";
 }
 
 std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set const& set) {
-    if (!check.form || !check.check || !has_category_of_import(check.category()))
+    if (!check.form || !check.check || !sarif::has_category_of_import(check.category()))
         return std::nullopt;
     try {
         return sarif::restored_result(*check.form, set);

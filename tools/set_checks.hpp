@@ -21,9 +21,6 @@ struct Set_Check {
     Category const& category() const { return check ? check->category : form->category; }
 };
 
-// Whether the category is the one that import gives to all checks. A native one can have it, too.
-bool has_category_of_import(Category const& category);
-
 // What became of a check in reviews and since an earlier analysis: where it is not open, nobody has
 // to look at it.
 class Review {
@@ -31,9 +28,7 @@ public:
     explicit Review(Result_Set const& set) : suppressed_(sarif::suppressed_checks(set)) {}
 
     bool is_suppressed(Numbered_Key const& key) const { return suppressed_.contains(key); }
-    bool is_absent(Check const& check) const {
-        return has_category_of_import(check.category) && check.sixth_string.str() == "absent";
-    }
+    bool is_absent(Check const& check) const;
     bool is_open(Numbered_Key const& key, Check const& check) const {
         return !is_suppressed(key) && !is_absent(check);
     }

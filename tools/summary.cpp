@@ -6,11 +6,13 @@
 #include <vector>
 
 #include "printable.hpp"
+#include "sarif/fields.hpp"
 #include "set_checks.hpp"
 
 namespace bradep {
 namespace {
 
+namespace fields = sarif::fields;
 using Counts = std::map<std::string, std::size_t>;
 using Rows = std::vector<std::pair<std::string, std::size_t>>;
 
@@ -117,12 +119,13 @@ Check_Counts counts_of(Result_Set const& set, Review const& review) {
     Text_Counts                 rules, levels, kinds, states, files;
     for (auto const& [key, check] : set.application_results.checks) {
         if (!review.is_open(key, check)) continue;
+        sarif::CheckAlone const record{check};
         ++categories[category_name(check.category)];
-        ++tools[{check.first_string, check.second_string}];
-        ++rules[check.optional_string.value_or(sml::Strings_T())];
-        ++levels[check.third_string];
-        ++kinds[check.fourth_string];
-        ++states[check.sixth_string];
+        ++tools[{fields::tool.held(record), fields::tool_version.held(record)}];
+        ++rules[fields::rule.held(record).value_or(sml::Strings_T())];
+        ++levels[fields::level.held(record)];
+        ++kinds[fields::kind.held(record)];
+        ++states[fields::baseline_state.held(record)];
         ++files[key.first];
     }
     return {.by_category = std::move(categories),
@@ -203,8 +206,8 @@ std::string milliseconds(std::chrono::microseconds time) {
 }  // namespace
 
 void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const& facts) {
-    auto const& tables = set.application_results;
-    auto const  runs = static_cast<std::size_t>(std::max(tables.first_int, 0));
+    auto const runs =
+        static_cast<std::size_t>(std::max(fields::runs.held(sarif::SetRecord{set}), 0));
     out << printable(facts.name) << ": " << counted(count_checks(set), "check") << " from "
         << counted(runs, "run");
     Review const review(set);

@@ -1,6 +1,6 @@
 #pragma once
-// Where a result set holds what a SARIF result says. docs/sarif.md has the table; adding and
-// restoring are each other's inverse.
+// Where a result set holds what a SARIF result says. fields.hpp has the table; adding and
+// restoring go through it in both directions.
 
 #include <cstddef>
 #include <limits>
@@ -29,6 +29,9 @@ void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
 // The result that a check form of the set was made from. Throws Damaged_Input where the set holds
 // no such check, which means that it did not come from add_result.
 Result restored_result(Check_Form const& form, Result_Set const& set);
+
+// Whether the category is the one that import gives to all checks. A native one can have it, too.
+bool has_category_of_import(Category const& category);
 
 // The checks with a suppression that holds: one that is accepted, or whose status is not given.
 std::set<Numbered_Key> suppressed_checks(Result_Set const& set);

@@ -1,0 +1,256 @@
+// The table that importing and restoring go through, held against what `dump` finds at its paths.
+
+#include "sarif/fields.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/text/json_text.hpp>
+#include "cli_support.hpp"
+#include "json_line.hpp"
+#include "sarif/mapping.hpp"
+
+namespace {
+
+using namespace cli_test;
+namespace fields = bradep::sarif::fields;
+using bradep::Result_Set;
+using bradep::sarif::for_each_row;
+using bradep::sarif::Result;
+using bradep::sarif::Text;
+
+/// A result that gives everything, each time another value; with one event and one information
+/// record at most.
+Result result_with(std::string const& lists) {
+    auto const log =
+        R"j({"version": "2.1.0", "runs": [{}, {}, {"tool": {"driver": {"name": "Tool", "version": "7"}},
+        "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "told"},
+        "baselineState": "new", "fingerprints": {"f": "complete"}, "locations": [{
+        "logicalLocations": [{"name": "logic"}], "physicalLocation": {
+        "artifactLocation": {"uri": "a.c", "uriBaseId": "SRC"},
+        "region": {"startLine": 11, "startColumn": 12, "endLine": 13, "endColumn": 14}}}],
+        "codeFlows": [{"threadFlows": [{"locations": [{"location": {"message": {"text": "step"},
+        "logicalLocations": [{"name": "step logic"}], "physicalLocation": {
+        "artifactLocation": {"uri": "b.c", "uriBaseId": "STEP"}, "region": {"startLine": 21}}}}]}]}])j" +
+        lists + "}]}]}";
+    return results_of(log).at(0);
+}
+
+Result_Set set_of(Result const& result) {
+    Result_Set          set;
+    bradep::Comparisons comparisons;
+    bradep::sarif::add_result(result, set, comparisons);
+    set.application_results.first_int = 3;
+    return set;
+}
+
+/// With a record of each kind that says nothing.
+Result_Set empty_records() {
+    Result_Set set;
+    auto&      tables = set.application_results;
+    tables.checks[{}];
+    tables.events[{}];
+    tables.infos[{}];
+    set.check_data.emplace_back();
+    return set;
+}
+
+/// What `dump` prints of the only entry or element; nothing where the path leads nowhere.
+std::string value_at(std::string path, Result_Set const& set) {
+    auto const put = [&](std::string const& any, std::string const& first) {
+        auto const at = path.find(any);
+        if (at != std::string::npos) path.replace(at, any.size(), first);
+    };
+    put("check_data[*]", "check_data[0]");
+    put("signature_locations[*]", "signature_locations[0]");
+    put("[*]", "[#0]");
+    auto const bytes = sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
+    auto const dumped = run_command(
+        {"dump", "--root", bradep::result_set_stem, "--select", path, "-"}, std::string(bytes));
+    auto const start = dumped.out.find("\"value\":");
+    if (dumped.code != 0 || start == std::string::npos) return "";
+    auto const value = dumped.out.substr(start + 8);
+    return value.substr(0, value.size() - 2);  // the bracket and the line break
+}
+
+std::string json_of(std::int32_t number) { return std::to_string(number); }
+std::string json_of(Text const& text) {
+    std::string json;
+    sml::inspect::append_json_string(json, text.str());
+    return json;
+}
+template <class T>
+std::string json_of(std::optional<T> const& value) {
+    return value ? json_of(*value) : "null";
+}
+
+std::string path_of(char const* table, char const* field) {
+    return std::string(table) + "." + field;
+}
+
+template <class Held>
+std::string path_of(Held const& held) {
+    return path_of(held.table, held.field);
+}
+
+/// A plain field has the very value at its path, and its bit is set.
+template <class Said, class Access, class Bits, class Part>
+void expect_row(bradep::sarif::Field<Said, Access, Bits> const& row, Part const& part,
+                Result_Set const& set) {
+    auto const expected = json_of(std::invoke(row.said, part));
+    EXPECT_NE(expected, "null") << row.sarif;
+    EXPECT_EQ(value_at(path_of(row.held), set), expected) << row.sarif;
+    if constexpr (!std::is_same_v<Bits, bradep::sarif::NoBits>) {
+        auto const word = value_at(path_of(row.given.word), set);
+        auto const bits = word == "true" ? 1U : static_cast<std::uint32_t>(std::stoul(word));
+        EXPECT_EQ(bits & row.given.bits, row.given.bits) << row.sarif;
+    }
+}
+
+/// What is held by hand has the value there, too, or something that an empty record has not.
+template <class Said, class Hold, class Restore, class Part>
+void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part const& part,
+                Result_Set const& set) {
+    auto const path = path_of(row.table, row.field);
+    auto const value = value_at(path, set);
+    if constexpr (requires { json_of(std::invoke(row.said, part)); }) {
+        EXPECT_EQ(value, json_of(std::invoke(row.said, part))) << row.sarif;
+    }
+    EXPECT_NE(value, "") << row.sarif;
+    EXPECT_NE(value, value_at(path, empty_records())) << row.sarif;
+}
+
+/// Has the row write its field into a record of the set that says nothing any more; `before` is
+/// what stood at its path then.
+template <class Row, class Part>
+void write_alone(Row const& row, Part const& part, Result_Set& set, std::string& before) {
+    auto&                        tables = set.application_results;
+    bradep::Comparisons          comparisons;
+    bradep::sarif::Filling const filling{set, comparisons};
+    auto const                   write_into = [&](auto& field, auto const& record) {
+        field = {};
+        before = value_at(path_of(row.table, row.field), set);
+        row.hold(part, record);
+    };
+    using Make = decltype(row.make);
+    if constexpr (std::is_invocable_v<Make, Part const&, bradep::sarif::FilledCheck const&>) {
+        auto& [key, check] = *tables.checks.begin();
+        auto&                            form = set.check_data.front().second;
+        bradep::sarif::FilledCheck const record{check, form, key, filling};
+        if (row.table == bradep::sarif::checks_path)
+            write_into(check.category, record);
+        else
+            write_into(form, record);
+    } else if constexpr (std::is_invocable_v<Make, Part const&,
+                                             bradep::sarif::FilledEvent const&>) {
+        auto& event = tables.events.begin()->second;
+        write_into(event, bradep::sarif::FilledEvent{event, event.first_int});
+    } else if constexpr (std::is_invocable_v<Make, Part const&, bradep::sarif::FilledInfo const&>) {
+        auto& info = tables.infos.begin()->second;
+        write_into(info, bradep::sarif::FilledInfo{info, filling});
+    } else {
+        auto& failure = tables.checks.begin()->second.failure.value();
+        write_into(failure.technology, bradep::sarif::FilledFailure{failure});
+    }
+}
+
+/// Without what other rows have put into an arm.
+std::string without_payload(std::string const& value) {
+    return value.substr(0, value.find(",\"args\""));
+}
+
+template <class Make, class Part>
+void expect_row(bradep::sarif::Derived<Make> const& row, Part const& part, Result_Set const& set) {
+    auto const  path = path_of(row.table, row.field);
+    auto        bare = set;
+    std::string before;
+    write_alone(row, part, bare, before);
+    auto const value = value_at(path, set);
+    EXPECT_NE(value, before) << row.what << " at " << path;
+    EXPECT_EQ(without_payload(value), without_payload(value_at(path, bare)))
+        << row.what << " at " << path;
+}
+
+template <class Said, class Shown, class Reference, class Base, class Logical, class Part>
+void expect_row(fields::PlaceField<Said, Shown, Reference, Base, Logical> const& row,
+                Part const& part, Result_Set const& set) {
+    auto const& place = *fields::place_in(std::invoke(row.said, part));
+    EXPECT_EQ(value_at(path_of(row.base), set), json_of(place.base)) << row.sarif;
+    EXPECT_EQ(value_at(path_of(row.logical), set), json_of(place.logical)) << row.sarif;
+    auto const reference = path_of(row.reference) + ".";
+    EXPECT_EQ(value_at(reference + fields::uri.held.field, set), json_of(place.uri)) << row.sarif;
+    EXPECT_EQ(value_at(reference + fields::line.held.field, set), json_of(place.line)) << row.sarif;
+    EXPECT_EQ(value_at(reference + fields::column.held.field, set),
+              json_of(place.column.value_or(0)))
+        << row.sarif;
+}
+
+template <class Rows, class Part>
+void expect_rows(Rows const& rows, Part const& part, Result_Set const& set) {
+    for_each_row(rows, [&](auto const& row) { expect_row(row, part, set); });
+}
+
+TEST(SarifFields, EachPathOfAResultLeadsToWhatItsRowHolds) {
+    auto const result = result_with("");
+    auto const set = set_of(result);
+    expect_rows(fields::of_check, result, set);
+    expect_rows(fields::of_form, result, set);
+    expect_rows(fields::of_form_place, result, set);
+    expect_rows(fields::of_step, result.flows.at(0).at(0).at(0), set);
+    expect_rows(fields::of_failure, result.flows, set);
+    expect_rows(fields::of_logs, fields::Logs{3}, set);
+    fields::Fingerprint const fingerprint{Text("fingerprints"), Text("f"), Text("complete")};
+    expect_rows(fields::of_fingerprint, fingerprint, set);
+}
+
+template <class List>
+void expect_list(List const& list, std::string const& lists, std::int32_t position) {
+    auto const result = result_with(lists);
+    auto const set = set_of(result);
+    ASSERT_EQ(set.application_results.infos.size(), 1U) << list.sarif;
+    auto const key = set.check_data.front().second.first_numbered_name.value();
+    expect_rows(fields::of_info, fields::InfoHead{Text(list.role), position, key}, set);
+    expect_rows(list.rows, std::invoke(list.said, result).back(), set);
+}
+
+TEST(SarifFields, EachPathOfAnInformationRecordLeadsToWhatItsRowHolds) {
+    std::string const place =
+        R"("logicalLocations": [{"name": "l"}], "physicalLocation": {"artifactLocation": {"uri": "d.c",
+           "uriBaseId": "D"}, "region": {"startLine": 31, "startColumn": 32}})";
+    expect_list(fields::related_locations,
+                R"(, "relatedLocations": [{"id": 9, "message": {"text": "see"}, )" + place + "}]",
+                0);
+    expect_list(fields::suppressions,
+                R"(, "suppressions": [{"kind": "external", "status": "accepted"}])", 0);
+    // Of two members with one name the last one counts.
+    expect_list(fields::further_locations, R"(, "locations": [{}, {)" + place + "}]", 1);
+}
+
+TEST(SarifFields, EveryNameIsInTheLineOfAResultThatGivesEverything) {
+    auto const result = result_with(
+        R"(, "relatedLocations": [{"id": 9, "message": {"text": "see"}}],
+           "suppressions": [{"kind": "external", "status": "accepted"}])");
+    std::ostringstream line;
+    bradep::write_json_line(line, {Text("a.c"), 1}, result);
+    auto const expect_shown = [&](auto const& row) {
+        if constexpr (requires { row.shown; }) {
+            if (row.shown == nullptr) return;
+            EXPECT_NE(line.str().find("\"" + std::string(row.shown) + "\":"), std::string::npos)
+                << row.shown << " in " << line.str();
+        }
+    };
+    for_each_row(fields::of_check, expect_shown);
+    for_each_row(fields::of_form, expect_shown);
+    for_each_row(fields::of_place, expect_shown);
+    for_each_row(fields::of_step, expect_shown);
+    for_each_row(fields::info_lists, [&](auto const& list) {
+        expect_shown(list);
+        for_each_row(list.rows, expect_shown);
+    });
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+#pragma once
+// What the rows of the table in fields.hpp are made of.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <tuple>
+#include <type_traits>
+
+namespace bradep::sarif {
+
+/// A field of the set: its path, in the words of `bradep dump`, and the way to it from a record.
+template <class Access>
+struct Held {
+    char const* table;  ///< the path of the record; null where `field` is no path, but words
+    char const* field;  ///< the path below it
+    Access      access;
+
+    template <class Record>
+    constexpr decltype(auto) operator()(Record const& record) const {
+        return access(record);
+    }
+};
+
+template <class Access>
+constexpr Held<Access> held(char const* table, char const* field, Access access) {
+    return {table, field, access};
+}
+
+/// The way along members of members.
+template <auto... members>
+struct Along {
+    template <class Record>
+    auto& operator()(Record& record) const {
+        return (record.*....*members);
+    }
+};
+template <auto... members>
+constexpr Along<members...> along;
+
+/// The bits of a word of the set that say that a value is given: absent and 0 or empty stay apart.
+template <class Access>
+struct Given {
+    std::uint32_t bits;
+    Held<Access>  word;
+
+    template <class Record>
+    bool is_set(Record const& record) const {
+        return (static_cast<std::uint32_t>(word(record)) & bits) != 0;
+    }
+
+    template <class Record>
+    void set(Record const& record) const {
+        auto& whole = word(record);
+        using Word = std::remove_reference_t<decltype(whole)>;
+        whole = static_cast<Word>(static_cast<std::uint32_t>(whole) | bits);
+    }
+};
+
+template <class Access>
+Given(std::uint32_t, Held<Access>) -> Given<Access>;
+
+/// The field itself can say that there is nothing.
+struct NoBits {};
+
+/// What a field holds, or would hold where it says that there is nothing.
+template <class T>
+T const& content(T const& field) {
+    return field;
+}
+template <class T>
+T content(std::optional<T> const& field) {
+    return field.value_or(T());
+}
+
+/// Half of a word, as a number with a sign.
+template <class Word>
+class Half {
+public:
+    Half(Word& word, int shift) : word_(word), shift_(shift) {}
+
+    operator std::int32_t() const {
+        return static_cast<std::int32_t>(static_cast<std::uint64_t>(word_) >> shift_ & mask);
+    }
+    void operator=(std::int32_t number) const {
+        auto const others = static_cast<std::uint64_t>(word_) & ~(mask << shift_);
+        word_ =
+            static_cast<Word>(others | std::uint64_t{static_cast<std::uint32_t>(number)} << shift_);
+    }
+
+private:
+    static constexpr std::uint64_t mask = 0xFFFFFFFF;
+
+    Word& word_;
+    int   shift_;
+};
+
+/// A property of a SARIF object and the field that holds it.
+template <class Said, class Access, class Bits = NoBits>
+struct Field {
+    constexpr Field(char const* its_sarif, char const* its_shown, Said its_said,
+                    Held<Access> its_held, Bits its_given = {})
+        : sarif(its_sarif), shown(its_shown), said(its_said), held(its_held), given(its_given) {}
+
+    char const*  sarif;  ///< what it is in a log
+    char const*  shown;  ///< its name in `show --json`, null where it is not there
+    Said         said;   ///< the member of the object
+    Held<Access> held;
+    Bits         given;
+
+    template <class Part, class Record>
+    void hold(Part const& part, Record const& record) const {
+        auto const& value = std::invoke(said, part);
+        if constexpr (std::is_same_v<Bits, NoBits>) {
+            held(record) = value;
+        } else if (value) {
+            given.set(record);
+            held(record) = *value;
+        }
+    }
+
+    template <class Part, class Record>
+    void restore(Part& part, Record const& record) const {
+        auto& value = std::invoke(said, part);
+        if constexpr (std::is_same_v<Bits, NoBits>)
+            value = held(record);
+        else if (given.is_set(record))
+            value = content(held(record));
+    }
+};
+
+/// A property that is no plain field: `hold_value(value, record)` and `restore_value(value,
+/// record)` are written by hand.
+template <class Said, class Hold, class Restore>
+struct ByHand {
+    char const* sarif;
+    char const* shown;
+    Said        said;
+    char const* table;
+    char const* field;
+    Hold        hold_value;
+    Restore     restore_value;
+
+    template <class Part, class Record>
+    void hold(Part const& part, Record const& record) const {
+        hold_value(std::invoke(said, part), record);
+    }
+
+    template <class Part, class Record>
+    void restore(Part& part, Record const& record) const {
+        restore_value(std::invoke(said, part), record);
+    }
+};
+
+template <class Said, class Hold, class Restore>
+ByHand(char const*, char const*, Said, char const*, char const*, Hold, Restore)
+    -> ByHand<Said, Hold, Restore>;
+
+/// A field that follows from the others, or is always the same: it is written and never read.
+template <class Make>
+struct Derived {
+    char const* what;
+    char const* table;
+    char const* field;
+    Make        make;  ///< writes it, given the object and the record
+
+    template <class Part, class Record>
+    void hold(Part const& part, Record const& record) const {
+        make(part, record);
+    }
+
+    template <class Part, class Record>
+    void restore(Part&, Record const&) const {}
+};
+
+template <class Make>
+Derived(char const*, char const*, char const*, Make) -> Derived<Make>;
+
+template <class Use, class... Rows>
+constexpr void for_each_row(std::tuple<Rows...> const& rows, Use const& use) {
+    std::apply([&](auto const&... row) { (use(row), ...); }, rows);
+}
+
+/// Writes what the object says into the record, which is new.
+template <class Rows, class Part, class Record>
+void hold(Rows const& rows, Part const& part, Record const& record) {
+    for_each_row(rows, [&](auto const& row) { row.hold(part, record); });
+}
+
+/// Gives the object, which is new, what the record holds.
+template <class Rows, class Part, class Record>
+void restore(Rows const& rows, Part& part, Record const& record) {
+    for_each_row(rows, [&](auto const& row) { row.restore(part, record); });
+}
+
+}  // namespace bradep::sarif

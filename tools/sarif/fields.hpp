@@ -1,0 +1,320 @@
+#pragma once
+// Where a result set holds what a SARIF log says: one table, in both directions.
+//
+// A row is a property of a SARIF object: what it is in a log, its name in `show --json`, the member
+// of the object (result.hpp) that has it, and the field of the set that holds it. `hold` goes
+// through the rows of an object to fill a record of the set, `restore` through the same rows to get
+// the object back. A field that can't say that nothing is given has a bit beside it that does. A
+// property that is no plain field has a row with two functions written by hand, and a field that
+// only follows from others has a row that is never read. docs/sarif.md prints the rows, and a test
+// holds each path against what `bradep dump` finds there.
+
+#include "sarif/field.hpp"
+#include "sarif/flows.hpp"
+#include "sarif/place_fields.hpp"
+#include "sarif/records.hpp"
+#include "sarif/result.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace bradep::sarif::fields {
+
+// A set holds the runs of all its logs.
+
+struct Logs {
+    std::int32_t runs;
+};
+
+inline constexpr Field runs{
+    "how many `runs`", nullptr, &Logs::runs,
+    held(
+        "application_results", "first_int",
+        [](auto const& record) -> auto& { return record.set.application_results.first_int; })};
+
+inline constexpr std::tuple of_logs{runs};
+
+// Steps of flows are events.
+
+inline constexpr std::tuple of_step{
+    PlaceField{"`location`", &Step::place, short_place, in_event("source_ref", &Event::source_ref),
+               in_event("first_string", &Event::first_string),
+               in_event("signature.qualified_signature.qualified_name.name",
+                        along<&Event::signature, &Signature::qualified_signature,
+                              &QualifiedSignature::qualified_name, &QualifiedName::name>)},
+    Field{"`location.message`", "message", &Step::message,
+          in_event("optional_string", &Event::optional_string)},
+    Derived{"number of the run, from 0", events_path, "first_int",
+            [](auto const&, FilledEvent const& record) { record.event.first_int = record.run; }},
+    Derived{"always `DEFECT_EVENT`", events_path, "kind",
+            [](auto const&, FilledEvent const& record) {
+                record.event.kind->choose<"DEFECT_EVENT">();
+            }}};
+
+inline constexpr std::tuple of_failure{Derived{"always `UNKNOWN`", checks_path,
+                                               "failure.technology",
+                                               [](auto const&, FilledFailure const& record) {
+                                                   record.failure.technology.choose<"UNKNOWN">();
+                                               }}};
+
+// Information records tell more of a check: what the elements of three lists say.
+
+/// Which check one tells of, and which element it is.
+struct InfoHead {
+    Text         role;
+    std::int32_t position;
+    Numbered_Key check;
+};
+
+inline constexpr Field role{"the list: `location`, `relatedLocation` or `suppression`", nullptr,
+                            &InfoHead::role, in_info("first_string", &Info::first_string)};
+inline constexpr Field position{"the index in it", nullptr, &InfoHead::position,
+                                in_info("first_int", &Info::first_int)};
+
+inline constexpr std::tuple of_info{
+    role, position,
+    Field{"URI in the key of the check", nullptr, along<&InfoHead::check, &Numbered_Key::first>,
+          in_info("second_string", &Info::second_string)},
+    Field{"ordinal in the key of the check", nullptr,
+          along<&InfoHead::check, &Numbered_Key::second>, in_info("second_int", &Info::second_int)},
+    Derived{"always `TOOLTIP_INFO`", infos_path, "category",
+            [](auto const&, FilledInfo const& record) {
+                record.info.category.choose<"TOOLTIP_INFO">();
+            }}};
+
+inline constexpr auto tooltip = in_info(
+    "category.TOOLTIP_INFO.tooltip",
+    [](auto& info) -> auto& { return info.category.template arm<"TOOLTIP_INFO">().tooltip; });
+inline constexpr Given tooltip_is_given{1, in_info("flag", &Info::flag)};
+
+template <class Said>
+constexpr auto place_in_info(char const* sarif, Said said) {
+    return PlaceField{sarif,
+                      said,
+                      of_place,
+                      in_info("location", &Info::location),
+                      in_info("fourth_string", &Info::fourth_string),
+                      in_info("third_string", &Info::third_string)};
+}
+
+inline constexpr std::tuple of_further_location{place_in_info("the location", std::identity())};
+
+inline constexpr std::tuple of_related_location{
+    ByHand{"`id`", "id", &Related_Place::id, infos_path, "string_and_int.1",
+           [](std::optional<std::int32_t> const& id, FilledInfo const& record) {
+               auto& comparisons = record.filling.comparisons;
+               if (id) record.info.string_and_int.emplace(comparisons.interned("id"), *id);
+           },
+           [](std::optional<std::int32_t>& id, ReadInfo const& record) {
+               if (record.info.string_and_int) id = record.info.string_and_int->second;
+           }},
+    place_in_info("the location", &Related_Place::place),
+    Field{"`message`", "message", &Related_Place::message, tooltip, tooltip_is_given}};
+
+inline constexpr std::tuple of_suppression{
+    ByHand{"`kind`", "kind", &Suppression::kind, infos_path, "string_and_int.0",
+           [](std::optional<Text> const& kind, FilledInfo const& record) {
+               if (kind) record.info.string_and_int.emplace(*kind, 0);
+           },
+           [](std::optional<Text>& kind, ReadInfo const& record) {
+               if (record.info.string_and_int) kind = record.info.string_and_int->first;
+           }},
+    Field{"`status`", "status", &Suppression::status, tooltip, tooltip_is_given}};
+
+/// A list of a result, each element of which, from `first` on, is an information record.
+template <class Said, class Rows>
+struct InfoList {
+    char const* sarif;
+    char const* shown;
+    Said        said;
+    char const* role;
+    std::size_t first;
+    Rows        rows;  ///< of an element
+};
+template <class Said, class Rows>
+InfoList(char const*, char const*, Said, char const*, std::size_t, Rows) -> InfoList<Said, Rows>;
+
+inline constexpr InfoList further_locations{
+    "`locations[i]`, i from 1", "locations", &Result::locations, "location", 1,
+    of_further_location};
+inline constexpr InfoList related_locations{
+    "`relatedLocations[i]`", "related", &Result::related,
+    "relatedLocation",       0,         of_related_location};
+inline constexpr InfoList suppressions{
+    "`suppressions[i]`", "suppressions", &Result::suppressions, "suppression", 0, of_suppression};
+
+inline constexpr std::tuple info_lists{further_locations, related_locations, suppressions};
+
+// Fingerprints stand in the form.
+
+constexpr char const* complete_family = "fingerprints";
+constexpr char const* partial_family = "partialFingerprints";
+
+struct Fingerprint {
+    Text family;
+    Text name;
+    Text value;
+};
+
+inline constexpr std::tuple of_fingerprint{
+    Field{"the list: `fingerprints` or `partialFingerprints`", nullptr, &Fingerprint::family,
+          in_fingerprint("0.package", along<&SignatureAndText::first, &Signature::package>)},
+    Field{"the name", nullptr, &Fingerprint::name,
+          in_fingerprint("0.qualified_signature.qualified_name.name",
+                         along<&SignatureAndText::first, &Signature::qualified_signature,
+                               &QualifiedSignature::qualified_name, &QualifiedName::name>)},
+    Field{"the value", nullptr, &Fingerprint::value,
+          in_fingerprint("1", &SignatureAndText::second)}};
+
+template <class Said>
+constexpr auto fingerprints_in(char const* sarif, Said said, char const* family) {
+    auto const hold_all = [family](Fingerprints const& all, FilledCheck const& record) {
+        for (auto const& [name, value] : all) {
+            SignatureAndText  held;
+            Fingerprint const one{record.filling.comparisons.interned(family), name, value};
+            hold(of_fingerprint, one, FilledFingerprint{held});
+            record.form.signature_locations.insert({record.form.localization, std::move(held)});
+        }
+    };
+    // What is not partial is complete.
+    auto const restore_all = [family](Fingerprints& all, ReadCheck const& record) {
+        bool const wants_partial = std::string_view(family) == partial_family;
+        for (auto const& [place, held] : record.form.signature_locations) {
+            Fingerprint one;
+            restore(of_fingerprint, one, ReadFingerprint{held});
+            if ((one.family.str() == partial_family) == wants_partial) all[one.name] = one.value;
+        }
+    };
+    return ByHand{sarif,    "fingerprints", said, forms_path, "signature_locations",
+                  hold_all, restore_all};
+}
+
+// Results are checks, each with a form.
+
+constexpr auto given_in_check(std::uint32_t bits) {
+    return Given{bits, in_check("second_int", &Check::second_int)};
+}
+
+inline constexpr Derived category{
+    "always `BF_CHECKER_WITH_PRECOMPUTED_MESSAGE`", checks_path, "category",
+    [](auto const&, FilledCheck const& record) {
+        record.check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
+    }};
+inline constexpr auto message_of_category = in_check(
+    "category.BF_CHECKER_WITH_PRECOMPUTED_MESSAGE.message", [](auto& check) -> auto& {
+        return check.category.template arm<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message;
+    });
+
+inline constexpr Field run{"number of the run, from 0", "run", &Result::run,
+                           in_check("first_int", &Check::first_int)};
+inline constexpr Field tool{"`tool.driver.name`", "tool", &Result::tool,
+                            in_check("first_string", &Check::first_string), given_in_check(1)};
+inline constexpr Field tool_version{
+    "`tool.driver.version`, else `semanticVersion`", nullptr, &Result::tool_version,
+    in_check("second_string", &Check::second_string), given_in_check(2)};
+inline constexpr Field rule{"`ruleId`, else `rule.id`, else the rule's `id`", "rule", &Result::rule,
+                            in_check("optional_string", &Check::optional_string)};
+inline constexpr Field level{"`level`", "level", &Result::level,
+                             in_check("third_string", &Check::third_string)};
+inline constexpr Field kind{"`kind`", "kind", &Result::kind,
+                            in_check("fourth_string", &Check::fourth_string)};
+inline constexpr Field message{"`message`", "message", &Result::message, message_of_category,
+                               given_in_check(4)};
+inline constexpr Field baseline_state{"`baselineState`", "baselineState", &Result::baseline_state,
+                                      in_check("sixth_string", &Check::sixth_string),
+                                      given_in_check(8)};
+inline constexpr PlaceField first_location{
+    "`locations[0]`",
+    &Result::locations,
+    std::tuple{},
+    in_check("source_ref", &Check::source_ref),
+    in_check("fifth_string", &Check::fifth_string),
+    in_form("second_optional_name", &Check_Form::second_optional_name)};
+inline constexpr ByHand flows{"`codeFlows`", "flows",    &Result::flows, checks_path,
+                              "failure",     hold_flows, restore_flows};
+
+/// In the order in which a record is filled.
+inline constexpr std::tuple of_check{category, run,     tool,           tool_version,   rule, level,
+                                     kind,     message, baseline_state, first_location, flows};
+
+/// What a row of a result holds, once more in the form.
+template <class Row, class Member>
+constexpr auto again(Row const& row, char const* field, Member member) {
+    return Derived{row.sarif, forms_path, field,
+                   [row, member](Result const& result, FilledCheck const& record) {
+                       std::invoke(member, record.form) = std::invoke(row.said, result);
+                   }};
+}
+
+/// What a row of the first location holds, once more in the form.
+template <class Row, class Member>
+constexpr auto again_of_place(Row const& row, char const* field, Member member) {
+    return Derived{row.sarif, forms_path, field,
+                   [row, member](Result const& result, FilledCheck const& record) {
+                       if (auto const* const place = place_in(result.locations))
+                           std::invoke(member, record.form) = std::invoke(row.said, *place);
+                   }};
+}
+
+inline constexpr auto complete =
+    fingerprints_in("`fingerprints`", &Result::fingerprints, complete_family);
+inline constexpr auto partial =
+    fingerprints_in("`partialFingerprints`", &Result::partial_fingerprints, partial_family);
+
+inline constexpr std::tuple of_form_place{
+    again_of_place(line, "first_optional_int", &Check_Form::first_optional_int),
+    again_of_place(column, "second_optional_int", &Check_Form::second_optional_int),
+    again_of_place(end_line, "third_optional_int", &Check_Form::third_optional_int),
+    again_of_place(end_column, "fourth_optional_int", &Check_Form::fourth_optional_int)};
+
+/// To be filled once `of_check` is.
+inline constexpr std::tuple of_form{
+    Derived{"the key of the check", forms_path, "first_numbered_name",
+            [](auto const&, FilledCheck const& record) {
+                record.form.first_numbered_name = record.key;
+            }},
+    again(run, "first_int", &Check_Form::first_int),
+    again(rule, "first_optional_name", &Check_Form::first_optional_name),
+    again(level, "name", &Check_Form::name),
+    Derived{"`message`, as in the check", forms_path, "category",
+            [](auto const&, FilledCheck const& record) {
+                record.form.category = record.check.category;
+            }},
+    Derived{"`locations[0]`, as in its source reference", forms_path, "localization",
+            [](auto const&, FilledCheck const& record) {
+                record.form.localization = record.check.source_ref.localization;
+            }},
+    Derived{"always `UNCLASSIFIED`", forms_path, "classification.classification_class",
+            [](auto const&, FilledCheck const& record) {
+                record.form.classification.classification_class =
+                    sml::Results_API_base::GUI_Check_Classification_base::UNCLASSIFIED;
+            }},
+    complete,
+    partial};
+
+/// In the order of a line of `show --json`, before the fingerprints.
+inline constexpr std::tuple of_line{run,
+                                    tool,
+                                    rule,
+                                    level,
+                                    kind,
+                                    baseline_state,
+                                    suppressions,
+                                    message,
+                                    further_locations,
+                                    related_locations,
+                                    flows};
+
+/// The rows of a part of a result.
+constexpr auto const& rows_of(Place const&) { return of_place; }
+constexpr auto const& rows_of(Step const&) { return of_step; }
+constexpr auto const& rows_of(Related_Place const&) { return of_related_location; }
+constexpr auto const& rows_of(Suppression const&) { return of_suppression; }
+
+}  // namespace bradep::sarif::fields

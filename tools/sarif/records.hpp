@@ -1,0 +1,155 @@
+#pragma once
+// Records of a result set while they are filled and while they are read, and the ways to their
+// fields.
+
+#include "comparisons.hpp"
+#include "errors.hpp"
+#include "result_set.hpp"
+#include "sarif/field.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace bradep::sarif {
+
+using Event = sml::Events::T_An_Event;
+using Info = sml::Infos::T_An_Info;
+
+using SourceRef = sml::SourceLocRef::T_SourceLocRef;
+using Localization = sml::Localization::T_Localization;
+using Signature = sml::PackagedPrettySignature::T;
+using QualifiedSignature = sml::QualifiedPrettySignature::T;
+using QualifiedName = sml::QualifiedPrettyName::T;
+using SignatureAndText = std::pair<Signature, sml::Strings_T>;
+
+/// A set to which results are added. What is looked up in its tables, or among all texts, is
+/// counted.
+struct Filling {
+    Result_Set&  set;
+    Comparisons& comparisons;
+
+    /// The value behind a key, which is added where it is not there.
+    template <class Table>
+    typename Table::mapped_type& at(Table& table, typename Table::key_type const& key) const {
+        auto& value = table[key];
+        comparisons.count_key(table, key);
+        return value;
+    }
+
+    /// The next key of a table for a URI: ordinals count from 1 and `numbers` holds the last one.
+    template <class Numbers>
+    Numbered_Key next_key(Numbers& numbers, sml::Strings_T const& uri) const {
+        return {uri, ++at(numbers, uri)};
+    }
+};
+
+struct FilledCheck {
+    Check&              check;
+    Check_Form&         form;
+    Numbered_Key const& key;
+    Filling const&      filling;
+};
+struct ReadCheck {
+    Check const&      check;
+    Check_Form const& form;
+    Result_Set const& set;
+};
+
+/// For the rows that need no more.
+struct CheckAlone {
+    Check const& check;
+};
+
+struct FilledFailure {
+    sml::Failure::T& failure;
+};
+
+struct FilledEvent {
+    Event&       event;
+    std::int32_t run;
+};
+struct ReadEvent {
+    Event const& event;
+};
+
+struct FilledInfo {
+    Info&          info;
+    Filling const& filling;
+};
+struct ReadInfo {
+    Info const& info;
+};
+
+template <class Set>
+struct SetRecord {
+    Set& set;
+};
+template <class Set>
+SetRecord(Set&) -> SetRecord<Set>;
+
+struct FilledFingerprint {
+    SignatureAndText& fingerprint;
+};
+struct ReadFingerprint {
+    SignatureAndText const& fingerprint;
+};
+
+constexpr char const* checks_path = "application_results.checks[*]";
+constexpr char const* forms_path = "check_data[*].1";
+constexpr char const* events_path = "application_results.events[*]";
+constexpr char const* infos_path = "application_results.infos[*]";
+constexpr char const* fingerprints_path = "check_data[*].1.signature_locations[*].1";
+
+// Fields of each of these. `member` is a pointer to one, or what finds it.
+
+template <class Member>
+constexpr auto in_check(char const* field, Member member) {
+    return held(
+        checks_path,
+        field, [member](auto const& record) -> auto& { return std::invoke(member, record.check); });
+}
+template <class Member>
+constexpr auto in_form(char const* field, Member member) {
+    return held(
+        forms_path,
+        field, [member](auto const& record) -> auto& { return std::invoke(member, record.form); });
+}
+template <class Member>
+constexpr auto in_event(char const* field, Member member) {
+    return held(
+        events_path,
+        field, [member](auto const& record) -> auto& { return std::invoke(member, record.event); });
+}
+template <class Member>
+constexpr auto in_info(char const* field, Member member) {
+    return held(
+        infos_path,
+        field, [member](auto const& record) -> auto& { return std::invoke(member, record.info); });
+}
+template <class Member>
+constexpr auto in_fingerprint(char const* field, Member member) {
+    return held(
+        fingerprints_path, field, [member](auto const& record) -> auto& {
+            return std::invoke(member, record.fingerprint);
+        });
+}
+
+/// Throws Damaged_Input: no import wrote this.
+[[noreturn]] inline void not_imported(std::string const& what) {
+    throw Damaged_Input("not an imported result set: " + what);
+}
+
+/// The value behind a key, which a check refers to by `what`. Throws Damaged_Input where there is
+/// none.
+template <class Table>
+typename Table::mapped_type const& entry(Table const& table, typename Table::key_type const& key,
+                                         char const* what) {
+    auto const found = table.find(key);
+    if (found == table.end())
+        not_imported(std::string("a check has ") + what + " that is in no table");
+    return found->second;
+}
+
+}  // namespace bradep::sarif

@@ -1,9 +1,9 @@
 #include <memory>
 
 #include <sml/inspect/canonical.hpp>
+#include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
 #include "output_file.hpp"
-#include "printable.hpp"
 #include "terminal.hpp"
 #include "walk_options.hpp"
 

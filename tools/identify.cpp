@@ -1,7 +1,7 @@
 #include <memory>
 
+#include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
-#include "printable.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {

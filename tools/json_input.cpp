@@ -5,10 +5,11 @@
 #include <limits>
 #include <vector>
 
+#include <sml/inspect/text/json_reader.hpp>
+#include <sml/inspect/text/quote.hpp>
 #include <sml/inspect/text/utf8.hpp>
 #include "errors.hpp"
 #include "foreign_form.hpp"
-#include "printable.hpp"
 
 namespace bradep::json_input {
 namespace {
@@ -16,19 +17,11 @@ namespace {
 // Deeper than any log in use, shallow enough for the parser's recursion on a small stack.
 constexpr std::size_t max_depth = 1000;
 
-std::string line_and_column(std::string_view text, std::size_t offset) {
-    auto const before = text.substr(0, offset);
-    auto const line = 1 + std::count(before.begin(), before.end(), '\n');
-    auto const line_start = before.rfind('\n') + 1;  // npos + 1 is 0
-    auto const in_line = before.substr(line_start);
-    auto const is_character_start = [](char byte) { return (byte & 0xC0) != 0x80; };
-    auto const column = 1 + std::count_if(in_line.begin(), in_line.end(), is_character_start);
-    return std::to_string(line) + ":" + std::to_string(column);
-}
-
 [[noreturn]] void fail_at(std::string const& name, std::string_view text, std::size_t offset,
                           std::string const& what) {
-    throw Damaged_Input(name + ":" + line_and_column(text, offset) + ": " + what);
+    auto const [line, column] = sml::inspect::position_of(text, offset);
+    throw Damaged_Input(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
+                        what);
 }
 
 std::string_view without_byte_order_mark(std::string_view text) {
@@ -55,7 +48,7 @@ std::size_t first_byte_outside_utf8(std::string_view text) {
     auto const outside = first_byte_outside_utf8(text.substr(0, used + longest_character));
     if (outside <= used && outside < text.size())
         fail_at(name, text, outside,
-                "not JSON: the byte " + printable(text.substr(outside, 1)) +
+                "not JSON: the byte " + sml::inspect::printable(text.substr(outside, 1)) +
                     " is not UTF-8, as in Latin-1 text");
     fail_at(name, text, used, "not JSON: " + error.message());
 }

@@ -6,14 +6,14 @@
 #include <iostream>
 #include <utility>
 
-#include "printable.hpp"
+#include <sml/inspect/text/quote.hpp>
 
 namespace bradep {
 
 using namespace std::chrono_literals;
 
 Progress::Progress(std::ostream& err, std::string const& name, std::optional<std::uint64_t> total)
-    : err_(err), name_(printable(name)), total_(total) {
+    : err_(err), name_(sml::inspect::printable(name)), total_(total) {
     if (&err == &std::cerr && total != 0 && ::isatty(STDERR_FILENO) != 0)
         thread_ = std::thread([this] { show(); });
 }

@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "printable.hpp"
+#include <sml/inspect/text/quote.hpp>
 
 namespace bradep {
 
@@ -12,7 +12,7 @@ constexpr char const* out_of_own_memory =
 
 // How all that goes to standard error starts, and ends: one line, whatever the text.
 inline void report(std::ostream& err, std::string_view what) {
-    err << "bradep: " << printable(what) << '\n';
+    err << "bradep: " << sml::inspect::printable(what) << '\n';
 }
 
 }  // namespace bradep

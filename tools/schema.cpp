@@ -5,9 +5,9 @@
 #include <sstream>
 
 #include <sml/inspect/schema_json.hpp>
+#include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
 #include "input_bytes.hpp"
-#include "printable.hpp"
 #include "schema_diff.hpp"
 #include "walk_options.hpp"
 

@@ -5,13 +5,14 @@
 #include <utility>
 #include <vector>
 
-#include "printable.hpp"
+#include <sml/inspect/text/quote.hpp>
 #include "sarif/fields.hpp"
 #include "set_checks.hpp"
 
 namespace bradep {
 namespace {
 
+using sml::inspect::printable;
 namespace fields = sarif::fields;
 using Counts = std::map<std::string, std::size_t>;
 using Rows = std::vector<std::pair<std::string, std::size_t>>;

@@ -1,11 +1,12 @@
-#include "printable.hpp"
-
 #include <gtest/gtest.h>
+
+#include <sml/inspect/text/json_text.hpp>
+#include <sml/inspect/text/quote.hpp>
 
 namespace {
 
-using bradep::json_string;
-using bradep::printable;
+using sml::inspect::printable;
+using sml::inspect::StrayByte;
 using namespace std::string_literals;
 
 TEST(Printable, TextStays) {
@@ -29,6 +30,12 @@ TEST(Printable, BytesThatAreNoUtf8AreEscaped) {
     EXPECT_EQ(printable("\xED\xA0\x80"), "\\xed\\xa0\\x80");           // half of a surrogate pair
     EXPECT_EQ(printable("\xF5\x80\x80\x80"), "\\xf5\\x80\\x80\\x80");  // beyond the last character
     EXPECT_EQ(printable("\xE2\x82"), "\\xe2\\x82");                    // cut off
+}
+
+std::string json_string(std::string_view text) {
+    std::string json;
+    sml::inspect::append_json_string(json, text, StrayByte::replaced);
+    return json;
 }
 
 TEST(JsonString, IsQuotedAndEscaped) {

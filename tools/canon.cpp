@@ -1,5 +1,3 @@
-#include <memory>
-
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
@@ -7,26 +5,29 @@
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
+#include <memory>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
 
-struct Options : Walk_Options {
+struct Options : WalkOptions {
     Output output;
 };
 
-// Throws Damaged_Input for bytes that have no canonical form.
-void refuse_without_canonical_form(Walked_Input const& input) {
+// Throws DamagedInput for bytes that have no canonical form.
+void refuse_without_canonical_form(WalkedInput const& input) {
     Verdict const verdict = input.verify();
     if (verdict.reason_against_encoding)
-        throw Damaged_Input(input.name() +
-                            ": no canonical form: " + described(*verdict.reason_against_encoding));
+        throw DamagedInput(input.name() +
+                           ": no canonical form: " + described(*verdict.reason_against_encoding));
 }
 
-Exit_Code write_canon(Options const& options, Streams& streams) {
+ExitCode write_canon(Options const& options, Streams& streams) {
     refuse_terminal(options.output, streams);
-    Walked_Input const input(options, streams);
+    WalkedInput const input(options, streams);
     refuse_without_canonical_form(input);
     write_seekable(options.output.target, streams.out, [&](std::ostream& out) {
         input.watch("sorting", [&](VerifyOptions const& watched) {
@@ -36,13 +37,13 @@ Exit_Code write_canon(Options const& options, Streams& streams) {
     return exit_done;
 }
 
-struct Digest_Options : Walk_Options {
+struct DigestOptions : WalkOptions {
     std::vector<std::string> files;
 };
 
 // As other programs print sums, with the name that was given.
-Exit_Code print_digest(Walk_Options const& options, Streams& streams) {
-    Walked_Input const input(options, streams);
+ExitCode print_digest(WalkOptions const& options, Streams& streams) {
+    WalkedInput const input(options, streams);
     refuse_without_canonical_form(input);
     streams.out << input.watch("sorting",
                                [&](VerifyOptions const& watched) {
@@ -68,12 +69,12 @@ Action declare_canon(CLI::App& app) {
 }
 
 Action declare_digest(CLI::App& app) {
-    auto options = std::make_shared<Digest_Options>();
+    auto options = std::make_shared<DigestOptions>();
     declare_walk_options(app, *options, options->files);
     app.footer("Prints the sum and the name of each file.\n" + std::string(what_is_canonical));
     return [options](Streams& streams) {
         return for_each_file(options->files, *options, streams,
-                             [&](Walk_Options const& one) { return print_digest(one, streams); });
+                             [&](WalkOptions const& one) { return print_digest(one, streams); });
     };
 }
 

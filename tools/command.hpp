@@ -1,14 +1,15 @@
 #pragma once
 // The parts that every subcommand is made of.
 
+#include "errors.hpp"
+
 #include <CLI/CLI.hpp>
+
 #include <functional>
 #include <istream>
 #include <ostream>
 #include <set>
 #include <string>
-
-#include "errors.hpp"
 
 namespace bradep {
 
@@ -16,12 +17,12 @@ struct Streams {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool          prints_on_standard_output;  // of the process, and no stream in its place
+    bool          prints_on_standard_output;  ///< of the process, and no stream in its place
 
-    std::set<std::string> told{};  // what need not be said again
+    std::set<std::string> told{};  ///< what need not be said again
 };
 
-using Action = std::function<Exit_Code(Streams&)>;
+using Action = std::function<ExitCode(Streams&)>;
 
 struct Command {
     char const* name;

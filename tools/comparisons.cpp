@@ -1,8 +1,8 @@
 #include "comparisons.hpp"
 
-#include <vector>
-
 #include "errors.hpp"
+
+#include <vector>
 
 namespace bradep {
 
@@ -34,7 +34,7 @@ Strings_T Comparisons::interned(std::string const& text) {
 void Comparisons::spend(std::uint64_t comparisons) {
     counted_ += comparisons;
     if (counted_ > most_)
-        throw Damaged_Input(
+        throw DamagedInput(
             "keys fall together in the hash tables, which takes more than --max-work " +
             std::to_string(most_) + " comparisons");
 }

@@ -1,8 +1,5 @@
 #include <sml/inspect/dump.hpp>
 
-#include <algorithm>
-#include <memory>
-
 #include "errors.hpp"
 #include "limited_output.hpp"
 #include "path_check.hpp"
@@ -10,12 +7,16 @@
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
+#include <algorithm>
+#include <memory>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
 
-struct Options : Walk_Options {
+struct Options : WalkOptions {
     bool          pretty = false;
     std::uint64_t max_output = default_max_output;
     std::string   part;
@@ -32,10 +33,10 @@ std::string missing_part(std::string const& path, Dumped const& dumped) {
     return "there is no " + std::string(step_at(path, dumped.reached)) + " in " + owner;
 }
 
-Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& streams) {
-    Walked_Input const input(options, streams);
-    DumpOptions        dump_options;
-    bool const         in_lines = app.count("--ndjson") > 0;
+ExitCode dump_file(Options const& options, CLI::App const& app, Streams& streams) {
+    WalkedInput const input(options, streams);
+    DumpOptions       dump_options;
+    bool const        in_lines = app.count("--ndjson") > 0;
     dump_options.path = in_lines ? options.table : options.part;
     if (in_lines)
         dump_options.form = DumpOptions::Form::lines;
@@ -43,9 +44,9 @@ Exit_Code dump_file(Options const& options, CLI::App const& app, Streams& stream
         dump_options.form = DumpOptions::Form::pretty;
 
     if (auto const complaint = path_complaint(*input.root().type, dump_options.path, in_lines))
-        throw Damaged_Input(input.name() + ": " + *complaint);
-    Limited_Output limited(streams.out, options.max_output);
-    Dumped const   dumped = input.watch("printing", [&](VerifyOptions const& watched) {
+        throw DamagedInput(input.name() + ": " + *complaint);
+    LimitedOutput limited(streams.out, options.max_output);
+    Dumped const  dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
         // A line of progress would stand in the midst of the JSON.
         if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;

@@ -1,14 +1,15 @@
 #include <sml/inspect/encode.hpp>
 
-#include <memory>
-
 #include "errors.hpp"
 #include "input_bytes.hpp"
 #include "output_file.hpp"
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
+#include <memory>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
@@ -26,25 +27,25 @@ std::string placed(EncodeError const& error) {
            place + ": expected " + error.expected + ", found " + error.found;
 }
 
-// Throws Damaged_Input for bytes that are beyond a limit as a whole.
+// Throws DamagedInput for bytes that are beyond a limit as a whole.
 void refuse_unless_encodable(Root const& root, std::string_view bytes, std::string const& name,
                              Limits const& limits) {
     Verdict const verdict = verify(root, bytes, {.limits = limits, .listed = 0});
     if (verdict.reason_against_encoding)
-        throw Damaged_Input(name + ": not encoded, as a reader could not take the bytes: " +
-                            described(*verdict.reason_against_encoding));
+        throw DamagedInput(name + ": not encoded, as a reader could not take the bytes: " +
+                           described(*verdict.reason_against_encoding));
 }
 
-Exit_Code encode_file(Options const& options, Streams& streams) {
+ExitCode encode_file(Options const& options, Streams& streams) {
     refuse_terminal(options.output, streams);
-    auto const        name = input_name(options.file);
-    Input_Bytes const json(options.file, options.max_size, streams.in);
-    Progress          progress(streams.err, name + ", encoding", json.view().size());
-    Root const*       root = nullptr;
-    auto const        write = [&](std::ostream& out) {
+    auto const       name = input_name(options.file);
+    InputBytes const json(options.file, options.max_size, streams.in);
+    Progress         progress(streams.err, name + ", encoding", json.view().size());
+    Root const*      root = nullptr;
+    auto const       write = [&](std::ostream& out) {
         Encoded const encoded =
             encode(json.view(), out, {.limits = options.limits, .progress = progress.done()});
-        if (encoded.error) throw Damaged_Input(name + ":" + placed(*encoded.error));
+        if (encoded.error) throw DamagedInput(name + ":" + placed(*encoded.error));
         root = encoded.root;
     };
     write_seekable(options.output.target, streams.out, write, [&](std::string_view bytes) {

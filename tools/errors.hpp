@@ -5,19 +5,19 @@
 
 namespace bradep {
 
-enum Exit_Code : int {
+enum ExitCode : int {
     exit_done = 0,
-    exit_no = 1,  // the input is damaged, or the answer is no
+    exit_no = 1,  ///< the input is damaged, or the answer is no
     exit_usage_or_io = 2
 };
 
-// The input was read but is not what it has to be. The text starts with the place.
-struct Damaged_Input : std::runtime_error {
+/// The input was read but is not what it has to be. The text starts with the place.
+struct DamagedInput : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A file could not be opened, read or written.
-struct Io_Failure : std::runtime_error {
+/// A file could not be opened, read or written.
+struct IoFailure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 

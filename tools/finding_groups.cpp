@@ -8,7 +8,7 @@ namespace bradep {
 
 using sml::inspect::Finding;
 
-void Finding_Groups::add(Finding const& finding) {
+void FindingGroups::add(Finding const& finding) {
     auto shape = path_shape(finding.path);
     auto place = places_.find(shape);
     if (place == places_.end()) {
@@ -21,8 +21,8 @@ void Finding_Groups::add(Finding const& finding) {
     if (group.first.size() < most_of_a_shape) group.first.push_back(finding);
 }
 
-void Finding_Groups::report(std::ostream& err, std::string const& name,
-                            sml::inspect::Verdict const& verdict) const {
+void FindingGroups::report(std::ostream& err, std::string const& name,
+                           sml::inspect::Verdict const& verdict) const {
     auto left = verdict.odd_count;
     for (auto const& group : groups_) {
         left -= group.count;

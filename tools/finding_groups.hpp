@@ -1,27 +1,27 @@
 #pragma once
 
+#include <sml/inspect/verify.hpp>
+
 #include <cstdint>
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include <sml/inspect/verify.hpp>
-
 namespace bradep {
 
-// Odd findings of one shape: their paths differ in keys and indices alone.
-class Finding_Groups {
+/// Odd findings of one shape: their paths differ in keys and indices alone.
+class FindingGroups {
 public:
-    // Looking at each takes time: beyond so many they are counted only.
+    /// Looking at each takes time: beyond so many they are counted only.
     static constexpr std::size_t most_findings = 1'000'000;
 
-    explicit Finding_Groups(std::size_t most_shapes) : most_shapes_(most_shapes) {}
+    explicit FindingGroups(std::size_t most_shapes) : most_shapes_(most_shapes) {}
 
     void add(sml::inspect::Finding const& finding);
 
-    // The first few of each shape and how many more there are; then what the verdict lists itself,
-    // and how many odd findings have not been told of.
+    /// The first few of each shape and how many more there are; then what the verdict lists itself,
+    /// and how many odd findings have not been told of.
     void report(std::ostream& err, std::string const& name,
                 sml::inspect::Verdict const& verdict) const;
 

@@ -1,6 +1,7 @@
 #include "foreign_form.hpp"
 
 namespace bradep {
+
 namespace {
 
 using namespace std::string_view_literals;

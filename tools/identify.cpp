@@ -1,18 +1,19 @@
-#include <memory>
-
 #include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
 #include "walk_options.hpp"
 
+#include <memory>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
 
-Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
-    auto const        name = input_name(options.file);
-    Input_Bytes const input(options.file, options.max_size, streams.in);
-    auto const        candidates =
+ExitCode identify_file(WalkOptions const& options, Streams& streams) {
+    auto const       name = input_name(options.file);
+    InputBytes const input(options.file, options.max_size, streams.in);
+    auto const       candidates =
         watch(streams.err, name + ", looking for its root", input.view().size(), options.verify,
               [&](VerifyOptions const& watched) { return identify(input.view(), watched); });
     for (Candidate const& candidate : candidates)
@@ -28,7 +29,7 @@ Exit_Code identify_file(Walk_Options const& options, Streams& streams) {
 }  // namespace
 
 Action declare_identify(CLI::App& app) {
-    auto options = std::make_shared<Walk_Options>();
+    auto options = std::make_shared<WalkOptions>();
     app.add_option("FILE", options->file, "The bytes. - is standard input")
         ->required()
         ->type_name("");

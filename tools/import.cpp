@@ -1,8 +1,3 @@
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <sml/bindings/bindings.hpp>
 #include "command.hpp"
 #include "errors.hpp"
@@ -15,7 +10,13 @@
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace bradep {
+
 namespace {
 
 using sml::inspect::Answer;
@@ -34,14 +35,14 @@ void refuse_overwriting_an_input(Options const& options) {
     for (auto const& input : options.inputs)
         if (std::filesystem::is_regular_file(options.output.target, error) &&
             std::filesystem::equivalent(input, options.output.target, error))
-            throw Io_Failure("the output " + options.output.target + " is also an input");
+            throw IoFailure("the output " + options.output.target + " is also an input");
 }
 
 std::string output_name(Options const& options) {
     return options.output.target == "-" ? "standard output" : options.output.target;
 }
 
-// Throws Damaged_Input for a set that its readers would not take as it is.
+// Throws DamagedInput for a set that its readers would not take as it is.
 void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
     auto const name = output_name(options);
     auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
@@ -49,8 +50,8 @@ void refuse_unless_good(std::string_view bytes, Options const& options, std::ost
                                    return verify(root_of(result_set_stem), bytes, watched);
                                });
     if (verdict.answer != Answer::good)
-        throw Damaged_Input(name + ": not written, as it would be no good result set: " +
-                            described(verdict.findings.back()));
+        throw DamagedInput(name + ": not written, as it would be no good result set: " +
+                           described(verdict.findings.back()));
 }
 
 json_input::Document parsed(std::string_view text, std::string const& name, std::ostream& err) {
@@ -58,13 +59,13 @@ json_input::Document parsed(std::string_view text, std::string const& name, std:
     return json_input::Document(text, name, progress.done());
 }
 
-std::int32_t& run_count_of(Result_Set& set) {
+std::int32_t& run_count_of(ResultSet& set) {
     return sarif::fields::runs.held(sarif::SetRecord{set});
 }
 
 // Returns the number of its runs.
 std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
-                        Result_Set& set, Comparisons& comparisons, std::ostream& err) {
+                        ResultSet& set, Comparisons& comparisons, std::ostream& err) {
     auto const    document = parsed(text, name, err);
     Progress      progress(err, name + ", importing", sarif::count_results(document));
     std::uint64_t results = 0;
@@ -79,10 +80,10 @@ std::int32_t import_log(std::string_view text, std::string const& name, Options 
 void import_logs(Options const& options, Streams& streams) {
     refuse_terminal(options.output, streams);
     refuse_overwriting_an_input(options);
-    Result_Set  set;
+    ResultSet   set;
     Comparisons comparisons(options.verify.limits.work);
     for (auto const& input : options.inputs) {
-        Input_Bytes const text(input, options.max_size, streams.in);
+        InputBytes const text(input, options.max_size, streams.in);
         run_count_of(set) +=
             import_log(text.view(), input_name(input), options, set, comparisons, streams.err);
     }

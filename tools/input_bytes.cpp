@@ -1,5 +1,7 @@
 #include "input_bytes.hpp"
 
+#include "errors.hpp"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,28 +11,27 @@
 #include <cstring>
 #include <new>
 
-#include "errors.hpp"
-
 namespace bradep {
+
 namespace {
 
 constexpr std::size_t first_capacity = 1 << 16;
 
 [[noreturn]] void cannot_read(std::string const& name, int error) {
-    throw Io_Failure("cannot read " + name + ": " + std::strerror(error ? error : EIO));
+    throw IoFailure("cannot read " + name + ": " + std::strerror(error ? error : EIO));
 }
 
-class Opened_File {
+class OpenedFile {
 public:
     // A pipe waits here until somebody writes to it.
-    Opened_File(std::string const& path, std::string const& name) {
+    OpenedFile(std::string const& path, std::string const& name) {
         do descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
         while (descriptor_ < 0 && errno == EINTR);
         if (descriptor_ < 0) cannot_read(name, errno);
     }
-    ~Opened_File() { ::close(descriptor_); }
-    Opened_File(Opened_File const&) = delete;
-    Opened_File& operator=(Opened_File const&) = delete;
+    ~OpenedFile() { ::close(descriptor_); }
+    OpenedFile(OpenedFile const&) = delete;
+    OpenedFile& operator=(OpenedFile const&) = delete;
 
     int descriptor() const { return descriptor_; }
 
@@ -50,8 +51,8 @@ ssize_t read_some(int descriptor, char* to, std::size_t most) {
 
 std::string input_name(std::string const& path) { return path == "-" ? "standard input" : path; }
 
-Input_Bytes::Input_Bytes(std::string const& path, std::uint64_t max_size,
-                         std::istream& standard_input)
+InputBytes::InputBytes(std::string const& path, std::uint64_t max_size,
+                       std::istream& standard_input)
     : name_(input_name(path)), max_size_(max_size) {
     if (path == "-")
         read_stream(standard_input);
@@ -59,9 +60,9 @@ Input_Bytes::Input_Bytes(std::string const& path, std::uint64_t max_size,
         read_file(path);
 }
 
-void Input_Bytes::read_file(std::string const& path) {
-    Opened_File const file(path, name_);
-    struct stat       status {};
+void InputBytes::read_file(std::string const& path) {
+    OpenedFile const file(path, name_);
+    struct stat      status {};
     if (::fstat(file.descriptor(), &status) != 0) cannot_read(name_, errno);
     if (S_ISREG(status.st_mode) && status.st_size > 0) {
         auto const size = static_cast<std::uint64_t>(status.st_size);
@@ -75,7 +76,7 @@ void Input_Bytes::read_file(std::string const& path) {
     });
 }
 
-void Input_Bytes::read_stream(std::istream& stream) {
+void InputBytes::read_stream(std::istream& stream) {
     errno = 0;
     read_all([&](char* to, std::size_t most) {
         stream.read(to, static_cast<std::streamsize>(most));
@@ -86,7 +87,7 @@ void Input_Bytes::read_stream(std::istream& stream) {
 
 // `read` fills what it is given from its start on and returns how much, 0 at the end.
 template <class Read>
-void Input_Bytes::read_all(Read const& read) {
+void InputBytes::read_all(Read const& read) {
     // Less than the kernel and streams take at once.
     constexpr std::size_t most_at_once = std::size_t{1} << 30;
     for (;;) {
@@ -99,13 +100,13 @@ void Input_Bytes::read_all(Read const& read) {
 }
 
 // Never more than shows that there is too much.
-std::size_t Input_Bytes::next_capacity() const {
+std::size_t InputBytes::next_capacity() const {
     auto const doubled = std::max(first_capacity, 2 * capacity_);
     return max_size_ < doubled ? static_cast<std::size_t>(max_size_) + 1 : doubled;
 }
 
 // No byte is touched before it is read. Grown by the kernel's moving pages, not by copying.
-void Input_Bytes::grow_to(std::size_t capacity) {
+void InputBytes::grow_to(std::size_t capacity) {
     void* const grown = std::realloc(start_.get(), capacity);
     if (grown == nullptr) throw std::bad_alloc();
     (void)start_.release();
@@ -113,10 +114,10 @@ void Input_Bytes::grow_to(std::size_t capacity) {
     capacity_ = capacity;
 }
 
-void Input_Bytes::refuse_beyond_limit(std::uint64_t size) const {
+void InputBytes::refuse_beyond_limit(std::uint64_t size) const {
     if (size > max_size_)
-        throw Io_Failure("cannot read " + name_ + ": larger than --max-size " +
-                         std::to_string(max_size_));
+        throw IoFailure("cannot read " + name_ + ": larger than --max-size " +
+                        std::to_string(max_size_));
 }
 
 }  // namespace bradep

@@ -9,18 +9,18 @@
 
 namespace bradep {
 
-// What a command reads of one input at most, unless it is told otherwise.
+/// What a command reads of one input at most, unless it is told otherwise.
 constexpr std::uint64_t default_max_size = std::uint64_t{4} << 30;
 
-// How messages call the input at `path`.
+/// How messages call the input at `path`.
 std::string input_name(std::string const& path);
 
-// The bytes of the file at `path`, or of `standard_input` where it is "-", in memory of our own:
-// what others write into the file, or cut from it, later on changes nothing. The file is opened
-// once. Throws Io_Failure, also for more than `max_size` bytes.
-class Input_Bytes {
+/// The bytes of the file at `path`, or of `standard_input` where it is "-", in memory of our own:
+/// what others write into the file, or cut from it, later on changes nothing. The file is opened
+/// once. Throws IoFailure, also for more than `max_size` bytes.
+class InputBytes {
 public:
-    Input_Bytes(std::string const& path, std::uint64_t max_size, std::istream& standard_input);
+    InputBytes(std::string const& path, std::uint64_t max_size, std::istream& standard_input);
 
     std::string_view view() const { return {start_.get(), size_}; }
 

@@ -1,17 +1,18 @@
 #include "json_input.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <vector>
-
 #include <sml/inspect/text/json_reader.hpp>
 #include <sml/inspect/text/quote.hpp>
 #include <sml/inspect/text/utf8.hpp>
 #include "errors.hpp"
 #include "foreign_form.hpp"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
 namespace bradep::json_input {
+
 namespace {
 
 // Deeper than any log in use, shallow enough for the parser's recursion on a small stack.
@@ -20,8 +21,8 @@ constexpr std::size_t max_depth = 1000;
 [[noreturn]] void fail_at(std::string const& name, std::string_view text, std::size_t offset,
                           std::string const& what) {
     auto const [line, column] = sml::inspect::position_of(text, offset);
-    throw Damaged_Input(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
-                        what);
+    throw DamagedInput(name + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
+                       what);
 }
 
 std::string_view without_byte_order_mark(std::string_view text) {

@@ -4,7 +4,6 @@
 #include <sml/core/decimal_point.hpp>
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/text/json_writer.hpp>
-
 #include "sarif/fields.hpp"
 
 #include <algorithm>
@@ -19,6 +18,7 @@
 #include <vector>
 
 namespace bradep {
+
 namespace {
 
 namespace fields = sarif::fields;
@@ -104,7 +104,7 @@ void add_fingerprints(JsonWriter& json, sarif::Result const& result) {
     json.close('}');
 }
 
-void add_key(JsonWriter& json, Numbered_Key const& key) {
+void add_key(JsonWriter& json, NumberedKey const& key) {
     json.member("key");
     json.open('[');
     json.next();
@@ -115,9 +115,9 @@ void add_key(JsonWriter& json, Numbered_Key const& key) {
 }
 
 // Hands on what stands between the first and the last so many bytes.
-class Inner_Bytes : public std::streambuf {
+class InnerBytes : public std::streambuf {
 public:
-    Inner_Bytes(std::ostream& out, std::size_t before, std::size_t behind)
+    InnerBytes(std::ostream& out, std::size_t before, std::size_t behind)
         : out_(out), before_(before), behind_(behind) {}
 
 private:
@@ -155,21 +155,21 @@ sml::inspect::VerifyOptions without_limits() {
 void write_category(std::ostream& out, sml::Checks::T_Check_Category const& category) {
     constexpr char const* stem = "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T";
     constexpr char const* path = "[0].1.category";
-    std::list<std::pair<std::int32_t, Check_Form>> forms(1);
+    std::list<std::pair<std::int32_t, CheckForm>> forms(1);
     forms.front().second.category = category;
     auto const& bytes = sml::Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T_fromCxx(forms);
 
     auto const before =
         R"({"root":")" + std::string(stem) + R"(","path":")" + path + R"(","value":)";
     constexpr std::string_view behind = "}\n";
-    Inner_Bytes                inner(out, before.size(), behind.size());
+    InnerBytes                 inner(out, before.size(), behind.size());
     std::ostream               stream(&inner);
     dump(*sml::inspect::find_root(stem), bytes, stream, {.walk = without_limits(), .path = path});
 }
 
 }  // namespace
 
-void write_json_line(std::ostream& out, Numbered_Key const* key,
+void write_json_line(std::ostream& out, NumberedKey const* key,
                      sml::Checks::T_Check_Category const& category) {
     JsonWriter json(out, false, StrayByte::replaced);
     json.open('{');
@@ -182,7 +182,7 @@ void write_json_line(std::ostream& out, Numbered_Key const* key,
     json.flush();
 }
 
-void write_json_line(std::ostream& out, Numbered_Key const& key, sarif::Result const& result) {
+void write_json_line(std::ostream& out, NumberedKey const& key, sarif::Result const& result) {
     JsonWriter json(out, false, StrayByte::replaced);
     json.open('{');
     add_key(json, key);

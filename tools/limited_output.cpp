@@ -4,13 +4,13 @@
 
 namespace bradep {
 
-void Limited_Output::refuse_if_cut(std::string const& name) const {
+void LimitedOutput::refuse_if_cut(std::string const& name) const {
     if (buffer_.is_cut())
-        throw Damaged_Input(name + ": what is to be printed is larger than --max-output " +
-                            std::to_string(buffer_.most()));
+        throw DamagedInput(name + ": what is to be printed is larger than --max-output " +
+                           std::to_string(buffer_.most()));
 }
 
-std::streamsize Limited_Output::Buffer::xsputn(char const* bytes, std::streamsize count) {
+std::streamsize LimitedOutput::Buffer::xsputn(char const* bytes, std::streamsize count) {
     if (is_cut_ || static_cast<std::uint64_t>(count) > left_) {
         is_cut_ = true;
         return 0;
@@ -19,12 +19,12 @@ std::streamsize Limited_Output::Buffer::xsputn(char const* bytes, std::streamsiz
     return out_.write(bytes, count) ? count : 0;
 }
 
-Limited_Output::Buffer::int_type Limited_Output::Buffer::overflow(int_type byte) {
+LimitedOutput::Buffer::int_type LimitedOutput::Buffer::overflow(int_type byte) {
     if (traits_type::eq_int_type(byte, traits_type::eof())) return traits_type::not_eof(byte);
     char const one = traits_type::to_char_type(byte);
     return xsputn(&one, 1) == 1 ? byte : traits_type::eof();
 }
 
-int Limited_Output::Buffer::sync() { return out_.flush() ? 0 : -1; }
+int LimitedOutput::Buffer::sync() { return out_.flush() ? 0 : -1; }
 
 }  // namespace bradep

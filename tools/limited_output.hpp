@@ -7,19 +7,19 @@
 
 namespace bradep {
 
-// What a command prints at most, unless it is told otherwise.
+/// What a command prints at most, unless it is told otherwise.
 constexpr std::uint64_t default_max_output = std::uint64_t{4} << 30;
 
-// A stream that hands on to `out` until `most` bytes have been written. What goes beyond makes the
-// stream bad, and nothing of it is handed on; so does a failure of `out`, which is bad then, too.
-class Limited_Output {
+/// A stream that hands on to `out` until `most` bytes have been written. What goes beyond makes the
+/// stream bad, and nothing of it is handed on; so does a failure of `out`, which is bad then, too.
+class LimitedOutput {
 public:
-    Limited_Output(std::ostream& out, std::uint64_t most) : buffer_(out, most), stream_(&buffer_) {}
+    LimitedOutput(std::ostream& out, std::uint64_t most) : buffer_(out, most), stream_(&buffer_) {}
 
     std::ostream& stream() { return stream_; }
 
-    // To be called in the end. Throws Damaged_Input, its text starting with `name`, where more was
-    // written than is handed on.
+    /// To be called in the end. Throws DamagedInput, its text starting with `name`, where more was
+    /// written than is handed on.
     void refuse_if_cut(std::string const& name) const;
 
 private:

@@ -1,13 +1,13 @@
+#include "errors.hpp"
+#include "output_file.hpp"
+#include "run.hpp"
+
 #include <gmp.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
-
-#include "errors.hpp"
-#include "output_file.hpp"
-#include "run.hpp"
 
 namespace {
 

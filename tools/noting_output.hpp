@@ -5,14 +5,14 @@
 
 namespace bradep {
 
-// A stream that hands everything on to `out`, and notes why that failed first.
-class Noting_Output {
+/// A stream that hands everything on to `out`, and notes why that failed first.
+class NotingOutput {
 public:
-    explicit Noting_Output(std::ostream& out) : buffer_(out), stream_(&buffer_) {}
+    explicit NotingOutput(std::ostream& out) : buffer_(out), stream_(&buffer_) {}
 
     std::ostream& stream() { return stream_; }
 
-    // The `errno` of the first failure; 0 where none is known.
+    /// The `errno` of the first failure; 0 where none is known.
     int error() const { return buffer_.error; }
 
 private:

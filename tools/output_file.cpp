@@ -1,5 +1,8 @@
 #include "output_file.hpp"
 
+#include "errors.hpp"
+#include "input_bytes.hpp"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,25 +19,23 @@
 #include <sstream>
 #include <string>
 
-#include "errors.hpp"
-#include "input_bytes.hpp"
-
 namespace bradep {
+
 namespace {
 
 namespace fs = std::filesystem;
 
 [[noreturn]] void cannot_write(fs::path const& target, int error) {
-    throw Io_Failure("cannot write " + target.string() + ": " + std::strerror(error ? error : EIO));
+    throw IoFailure("cannot write " + target.string() + ": " + std::strerror(error ? error : EIO));
 }
 
 // A file that outgrows its limit is to fail like a full disk, not to end the process.
-class Ignored_Signal {
+class IgnoredSignal {
 public:
-    explicit Ignored_Signal(int signal) : signal_(signal), before_(std::signal(signal, SIG_IGN)) {}
-    ~Ignored_Signal() { std::signal(signal_, before_); }
-    Ignored_Signal(Ignored_Signal const&) = delete;
-    Ignored_Signal& operator=(Ignored_Signal const&) = delete;
+    explicit IgnoredSignal(int signal) : signal_(signal), before_(std::signal(signal, SIG_IGN)) {}
+    ~IgnoredSignal() { std::signal(signal_, before_); }
+    IgnoredSignal(IgnoredSignal const&) = delete;
+    IgnoredSignal& operator=(IgnoredSignal const&) = delete;
 
 private:
     int signal_;
@@ -50,9 +51,9 @@ extern "C" void remove_and_die(int signal) {
 }
 
 // A command that is interrupted leaves no half-written file either.
-class Removal_On_Interrupt {
+class RemovalOnInterrupt {
 public:
-    explicit Removal_On_Interrupt(std::string const& path) {
+    explicit RemovalOnInterrupt(std::string const& path) {
         file_to_remove = path;
         for (auto& [signal, before] : handlers_) {
             before = std::signal(signal, remove_and_die);
@@ -60,12 +61,12 @@ public:
                 std::signal(signal, before);  // ignored, or somebody else's to handle
         }
     }
-    ~Removal_On_Interrupt() {
+    ~RemovalOnInterrupt() {
         for (auto const& [signal, before] : handlers_) std::signal(signal, before);
         file_to_remove.clear();
     }
-    Removal_On_Interrupt(Removal_On_Interrupt const&) = delete;
-    Removal_On_Interrupt& operator=(Removal_On_Interrupt const&) = delete;
+    RemovalOnInterrupt(RemovalOnInterrupt const&) = delete;
+    RemovalOnInterrupt& operator=(RemovalOnInterrupt const&) = delete;
 
 private:
     struct Handler {
@@ -117,18 +118,18 @@ fs::path directory_of(fs::path const& target) {
 
 // A file beside the target, which takes the target's place in the end or goes away. Where the file
 // system can, it has no name until then, so that not even a kill leaves it behind.
-class Sibling_File {
+class SiblingFile {
 public:
-    Sibling_File(fs::path const& target, Temporary kind) : target_(target) {
+    SiblingFile(fs::path const& target, Temporary kind) : target_(target) {
         if (kind == Temporary::unnamed_where_possible) open_unnamed();
         if (descriptor_ < 0) open_named();
     }
-    ~Sibling_File() {
+    ~SiblingFile() {
         ::close(descriptor_);
         if (!path_.empty()) ::unlink(path_.c_str());
     }
-    Sibling_File(Sibling_File const&) = delete;
-    Sibling_File& operator=(Sibling_File const&) = delete;
+    SiblingFile(SiblingFile const&) = delete;
+    SiblingFile& operator=(SiblingFile const&) = delete;
 
     int descriptor() const { return descriptor_; }
 
@@ -196,13 +197,13 @@ private:
         if (::fchmod(descriptor_, before.st_mode & 07777) != 0) cannot_write(target_, errno);
     }
 
-    fs::path                            target_;
-    std::string                         path_;  // empty while the file has no name of its own
-    int                                 descriptor_ = -1;
-    std::optional<Removal_On_Interrupt> removal_;  // of that name
+    fs::path                          target_;
+    std::string                       path_;  // empty while the file has no name of its own
+    int                               descriptor_ = -1;
+    std::optional<RemovalOnInterrupt> removal_;  // of that name
 };
 
-void write_to(Sibling_File& sibling, fs::path const& target,
+void write_to(SiblingFile& sibling, fs::path const& target,
               std::function<void(std::ostream&)> const& write) {
     int const descriptor = ::fcntl(sibling.descriptor(), F_DUPFD_CLOEXEC, 0);
     if (descriptor < 0) cannot_write(target, errno);
@@ -212,12 +213,12 @@ void write_to(Sibling_File& sibling, fs::path const& target,
 
 void write_beside(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
                   Temporary kind, std::function<void(std::string_view)> const& check) {
-    Sibling_File sibling(without_links(named_target), kind);
+    SiblingFile sibling(without_links(named_target), kind);
     write_to(sibling, named_target, write);
     if (check) {
         std::istringstream none;
         constexpr auto     any_size = std::numeric_limits<std::uint64_t>::max();
-        check(Input_Bytes(sibling.readable_path(), any_size, none).view());
+        check(InputBytes(sibling.readable_path(), any_size, none).view());
     }
     sibling.take_place();
 }
@@ -230,9 +231,9 @@ void remove_temporary_file() noexcept {
 
 void write_file(fs::path const& named_target, std::function<void(std::ostream&)> const& write,
                 Temporary kind) {
-    std::error_code      error;
-    auto const           status = fs::status(named_target, error);
-    Ignored_Signal const file_too_large(SIGXFSZ);
+    std::error_code     error;
+    auto const          status = fs::status(named_target, error);
+    IgnoredSignal const file_too_large(SIGXFSZ);
     if (fs::is_directory(status)) cannot_write(named_target, EISDIR);
     if (fs::exists(status) && !fs::is_regular_file(status))
         return write_directly(named_target, write);
@@ -246,7 +247,7 @@ void write_seekable(std::string const& target, std::ostream& standard_output,
     auto const      status = fs::status(target, error);
     bool const      can_seek = !fs::exists(status) || fs::is_regular_file(status);
     if (target != "-" && can_seek) {
-        Ignored_Signal const file_too_large(SIGXFSZ);
+        IgnoredSignal const file_too_large(SIGXFSZ);
         return write_beside(target, write, Temporary::unnamed_where_possible, check);
     }
     if (target != "-" && fs::is_directory(status)) cannot_write(target, EISDIR);

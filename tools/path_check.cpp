@@ -1,13 +1,14 @@
 #include "path_check.hpp"
 
+#include <sml/inspect/text/characters.hpp>
+#include <sml/inspect/text/nearest.hpp>
+
 #include <algorithm>
 #include <functional>
 #include <vector>
 
-#include <sml/inspect/text/characters.hpp>
-#include <sml/inspect/text/nearest.hpp>
-
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
@@ -72,9 +73,9 @@ bool starts_as_key(Type const& type, char first) {
     return first != '"' && first != '(' && first != '#';
 }
 
-class Path_Check {
+class PathCheck {
 public:
-    Path_Check(Type const& type, std::string_view path) : type_(&inner(type)), path_(path) {}
+    PathCheck(Type const& type, std::string_view path) : type_(&inner(type)), path_(path) {}
 
     std::optional<std::string> complaint() {
         while (at_ < path_.size())
@@ -213,8 +214,8 @@ std::string part_name(std::string_view path) {
 }
 
 std::optional<std::string> path_complaint(Type const& type, std::string_view path, bool to_table) {
-    Path_Check check(type, path);
-    auto       complaint = check.complaint();
+    PathCheck check(type, path);
+    auto      complaint = check.complaint();
     if (!complaint && to_table && !is_table(check.type()))
         return part_name(path) + " is no list, set or table";
     return complaint;

@@ -1,12 +1,12 @@
 #include "progress.hpp"
 
+#include <sml/inspect/text/quote.hpp>
+
 #include <unistd.h>
 
 #include <chrono>
 #include <iostream>
 #include <utility>
-
-#include <sml/inspect/text/quote.hpp>
 
 namespace bradep {
 

@@ -12,9 +12,9 @@
 
 namespace bradep {
 
-// Shows the share of `total`, or no share where that is not known, on one line of `err` that goes
-// away at the end. Nothing is shown in the first second, nor where `err` is not the terminal's
-// standard error.
+/// Shows the share of `total`, or no share where that is not known, on one line of `err` that goes
+/// away at the end. Nothing is shown in the first second, nor where `err` is not the terminal's
+/// standard error.
 class Progress {
 public:
     Progress(std::ostream& err, std::string const& name,
@@ -23,7 +23,7 @@ public:
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-    // For the work to store into; null where nothing is shown.
+    /// For the work to store into; null where nothing is shown.
     std::atomic<std::uint64_t>* done() { return thread_.joinable() ? &done_ : nullptr; }
 
 private:

@@ -1,16 +1,16 @@
 #pragma once
 
+#include <sml/inspect/text/quote.hpp>
+
 #include <ostream>
 #include <string_view>
-
-#include <sml/inspect/text/quote.hpp>
 
 namespace bradep {
 
 constexpr char const* out_of_own_memory =
     "out of memory: more working memory than --max-own-memory allows";
 
-// How all that goes to standard error starts, and ends: one line, whatever the text.
+/// How all that goes to standard error starts, and ends: one line, whatever the text.
 inline void report(std::ostream& err, std::string_view what) {
     err << "bradep: " << sml::inspect::printable(what) << '\n';
 }

@@ -1,18 +1,18 @@
 #pragma once
 // A result set and what is named in it, whoever wrote it.
 
+#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
+
 #include <cstdint>
 #include <utility>
 
-#include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
-
 namespace bradep {
 
-using Result_Set = sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
+using ResultSet = sml::Base_Gui_Internal_Form_Datas::T_Aggregated_Results;
 constexpr char const* result_set_stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
 using Check = sml::Checks::T_A_Check;
 using Category = sml::Checks::T_Check_Category;
-using Check_Form = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
-using Numbered_Key = std::pair<sml::Strings_T, std::int32_t>;
+using CheckForm = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
+using NumberedKey = std::pair<sml::Strings_T, std::int32_t>;
 
 }  // namespace bradep

@@ -1,11 +1,5 @@
 #include "run.hpp"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <iostream>
-#include <new>
-
 #include <sml/inspect/finding.hpp>
 #include <sml/inspect/text/nearest.hpp>
 #include "command.hpp"
@@ -13,7 +7,14 @@
 #include "noting_output.hpp"
 #include "report.hpp"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <new>
+
 namespace bradep {
+
 namespace {
 
 constexpr Command commands[] = {
@@ -33,7 +34,7 @@ constexpr char const* exit_codes =
     "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage, a file that\n"
     "cannot be read or written, or no memory left. Errors go to standard error.";
 
-int ended(std::ostream& err, Exit_Code code, std::string const& what) {
+int ended(std::ostream& err, ExitCode code, std::string const& what) {
     report(err, what);
     return code;
 }
@@ -52,15 +53,15 @@ void refuse_unknown_command(std::vector<std::string> const& args) {
 }
 
 // Standard output can be a full disk, too.
-void finish(Noting_Output& out) {
+void finish(NotingOutput& out) {
     if (out.stream().flush()) return;
-    throw Io_Failure(std::string("cannot write standard output: ") +
-                     std::strerror(out.error() ? out.error() : EIO));
+    throw IoFailure(std::string("cannot write standard output: ") +
+                    std::strerror(out.error() ? out.error() : EIO));
 }
 
-Exit_Code parse_and_act(CLI::App& app, std::vector<std::string> args,
-                        std::vector<Action> const& actions, Noting_Output& out, Streams streams) {
-    Exit_Code code = exit_done;
+ExitCode parse_and_act(CLI::App& app, std::vector<std::string> args,
+                       std::vector<Action> const& actions, NotingOutput& out, Streams streams) {
+    ExitCode code = exit_done;
     refuse_unknown_command(args);
     try {
         std::reverse(args.begin(), args.end());  // as the parser wants them
@@ -91,13 +92,13 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
     // Commands without a footer would inherit it.
     app.footer(exit_codes);
     try {
-        Noting_Output noting(out);
+        NotingOutput noting(out);
         return parse_and_act(app, args, actions, noting,
                              {in, noting.stream(), err, &out == &std::cout});
     } catch (CLI::ParseError const& error) {
         return ended(err, exit_usage_or_io,
                      std::string(error.what()) + " (bradep --help tells more)");
-    } catch (Damaged_Input const& error) {
+    } catch (DamagedInput const& error) {
         return ended(err, exit_no, error.what());
     } catch (sml::inspect::BudgetExceeded const&) {
         return ended(err, exit_usage_or_io, out_of_own_memory);

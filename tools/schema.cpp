@@ -1,9 +1,3 @@
-#include <algorithm>
-#include <iomanip>
-#include <memory>
-#include <optional>
-#include <sstream>
-
 #include <sml/inspect/schema_json.hpp>
 #include <sml/inspect/text/quote.hpp>
 #include "errors.hpp"
@@ -11,7 +5,14 @@
 #include "schema_diff.hpp"
 #include "walk_options.hpp"
 
+#include <algorithm>
+#include <iomanip>
+#include <memory>
+#include <optional>
+#include <sstream>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
@@ -27,12 +28,12 @@ std::span<Root const> chosen_roots(Options const& options) {
     return {&root_of(*options.stem), 1};
 }
 
-Exit_Code print_diff(Options const& options, Streams& streams) {
+ExitCode print_diff(Options const& options, Streams& streams) {
     auto const         name = input_name(*options.old_file);
     std::ostringstream current;
     write_schema(roots(), current);
     json_input::Document const now(current.view(), "schema");
-    Input_Bytes const          old_text(*options.old_file, options.max_size, streams.in);
+    InputBytes const           old_text(*options.old_file, options.max_size, streams.in);
     json_input::Document const old(old_text.view(), name);
     try {
         auto const changes = breaking_changes(old.root(), now.root());
@@ -45,11 +46,11 @@ Exit_Code print_diff(Options const& options, Streams& streams) {
         return changes.empty() ? exit_done : exit_no;
     } catch (json_input::Misfit const& misfit) {
         auto const pointer = old.pointer_to(*misfit.where);
-        throw Damaged_Input(name + ": " + (pointer.empty() ? "" : pointer + ": ") + misfit.what);
+        throw DamagedInput(name + ": " + (pointer.empty() ? "" : pointer + ": ") + misfit.what);
     }
 }
 
-Exit_Code print_roots(Streams& streams) {
+ExitCode print_roots(Streams& streams) {
     std::size_t width = 0;
     for (Root const& root : roots()) width = std::max(width, root.stem.size());
     for (Root const& root : roots())

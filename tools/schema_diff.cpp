@@ -7,6 +7,7 @@
 #include <variant>
 
 namespace bradep {
+
 namespace {
 
 namespace json = boost::json;

@@ -1,20 +1,21 @@
 #include "set_checks.hpp"
 
-#include <algorithm>
-
 #include "errors.hpp"
 #include "sarif/fields.hpp"
 
+#include <algorithm>
+
 namespace bradep {
+
 namespace {
 
 // Keys themselves are in the order of addresses, which says nothing.
-bool stands_before(Set_Check const& a, Set_Check const& b) {
+bool stands_before(SetCheck const& a, SetCheck const& b) {
     int const files = a.key->first.str().compare(b.key->first.str());
     return files != 0 ? files < 0 : a.key->second < b.key->second;
 }
 
-Set_Check told_by(Check_Form const& form, Result_Set const& set) {
+SetCheck told_by(CheckForm const& form, ResultSet const& set) {
     if (!form.first_numbered_name) return {nullptr, nullptr, &form};
     auto const& checks = set.application_results.checks;
     auto const  found = checks.find(*form.first_numbered_name);
@@ -23,9 +24,9 @@ Set_Check told_by(Check_Form const& form, Result_Set const& set) {
 
 }  // namespace
 
-std::vector<Set_Check> checks_of(Result_Set const& set, std::size_t most) {
-    std::vector<Set_Check> all;
-    std::set<Numbered_Key> told;
+std::vector<SetCheck> checks_of(ResultSet const& set, std::size_t most) {
+    std::vector<SetCheck> all;
+    std::set<NumberedKey> told;
     for (auto const& [id, form] : set.check_data) {
         if (all.size() == most) return all;
         auto const one = told_by(form, set);
@@ -40,7 +41,7 @@ std::vector<Set_Check> checks_of(Result_Set const& set, std::size_t most) {
     return all;
 }
 
-std::size_t count_checks(Result_Set const& set) {
+std::size_t count_checks(ResultSet const& set) {
     auto const has_no_check = [&](auto const& form) { return !told_by(form.second, set).check; };
     auto const alone = std::ranges::count_if(set.check_data, has_no_check);
     return set.application_results.checks.size() + static_cast<std::size_t>(alone);
@@ -51,12 +52,12 @@ bool Review::is_absent(Check const& check) const {
     return sarif::has_category_of_import(check.category) && state.str() == "absent";
 }
 
-std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set const& set) {
+std::optional<sarif::Result> imported_result(SetCheck const& check, ResultSet const& set) {
     if (!check.form || !check.check || !sarif::has_category_of_import(check.category()))
         return std::nullopt;
     try {
         return sarif::restored_result(*check.form, set);
-    } catch (Damaged_Input const&) {  // its fields mean something else
+    } catch (DamagedInput const&) {  // its fields mean something else
         return std::nullopt;
     }
 }

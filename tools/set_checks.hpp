@@ -2,48 +2,48 @@
 // The checks of a result set, whoever wrote it: imported ones, of which all is known that their log
 // said, and native ones, of which the category is.
 
+#include "result_set.hpp"
+#include "sarif/mapping.hpp"
+
 #include <cstddef>
 #include <limits>
 #include <optional>
 #include <set>
 #include <vector>
 
-#include "result_set.hpp"
-#include "sarif/mapping.hpp"
-
 namespace bradep {
 
-struct Set_Check {
-    Numbered_Key const* key;    // null for a form that names no check
-    Check const*        check;  // null where no table has it
-    Check_Form const*   form;   // null where none tells of it; one of the two is there
+struct SetCheck {
+    NumberedKey const* key;    ///< null for a form that names no check
+    Check const*       check;  ///< null where no table has it
+    CheckForm const*   form;   ///< null where none tells of it; one of the two is there
 
     Category const& category() const { return check ? check->category : form->category; }
 };
 
-// What became of a check in reviews and since an earlier analysis: where it is not open, nobody has
-// to look at it.
+/// What became of a check in reviews and since an earlier analysis: where it is not open, nobody
+/// has to look at it.
 class Review {
 public:
-    explicit Review(Result_Set const& set) : suppressed_(sarif::suppressed_checks(set)) {}
+    explicit Review(ResultSet const& set) : suppressed_(sarif::suppressed_checks(set)) {}
 
-    bool is_suppressed(Numbered_Key const& key) const { return suppressed_.contains(key); }
+    bool is_suppressed(NumberedKey const& key) const { return suppressed_.contains(key); }
     bool is_absent(Check const& check) const;
-    bool is_open(Numbered_Key const& key, Check const& check) const {
+    bool is_open(NumberedKey const& key, Check const& check) const {
         return !is_suppressed(key) && !is_absent(check);
     }
 
 private:
-    std::set<Numbered_Key> suppressed_;
+    std::set<NumberedKey> suppressed_;
 };
 
-// The first checks, each once: in the order of the forms, then those without a form, by file and
-// ordinal. A form without a check stands for one.
-std::vector<Set_Check> checks_of(Result_Set const& set,
-                                 std::size_t       most = std::numeric_limits<std::size_t>::max());
-std::size_t            count_checks(Result_Set const& set);
+/// The first checks, each once: in the order of the forms, then those without a form, by file and
+/// ordinal. A form without a check stands for one.
+std::vector<SetCheck> checks_of(ResultSet const& set,
+                                std::size_t      most = std::numeric_limits<std::size_t>::max());
+std::size_t           count_checks(ResultSet const& set);
 
-// The result that an imported check was made from; none of a native one.
-std::optional<sarif::Result> imported_result(Set_Check const& check, Result_Set const& set);
+/// The result that an imported check was made from; none of a native one.
+std::optional<sarif::Result> imported_result(SetCheck const& check, ResultSet const& set);
 
 }  // namespace bradep

@@ -1,8 +1,3 @@
-#include <chrono>
-#include <memory>
-#include <sstream>
-#include <string>
-
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/text/double_text.hpp>
@@ -15,14 +10,20 @@
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
+#include <chrono>
+#include <memory>
+#include <sstream>
+#include <string>
+
 namespace bradep {
+
 namespace {
 
 using sml::inspect::Answer;
 
 constexpr std::size_t default_rows = 10;
 
-struct Options : Walk_Options {
+struct Options : WalkOptions {
     bool          json = false;
     std::uint64_t max_output = default_max_output;
     std::size_t   rows = default_rows;
@@ -30,33 +31,33 @@ struct Options : Walk_Options {
 
 // A reader takes the decimal point of this process: bytes with another one are read as they are in
 // their canonical form, which has this one.
-void read(Walked_Input const& input, sml::inspect::Verdict const& verdict, Result_Set& set) {
+void read(WalkedInput const& input, sml::inspect::Verdict const& verdict, ResultSet& set) {
     using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
     auto const& options = input.options();
     if (options.decimal_point == sml::inspect::plain_point)
         return Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
     if (verdict.reason_against_encoding)
-        throw Damaged_Input(input.name() + ": can't be read with another decimal point: " +
-                            described(*verdict.reason_against_encoding));
+        throw DamagedInput(input.name() + ": can't be read with another decimal point: " +
+                           described(*verdict.reason_against_encoding));
     std::ostringstream canonical;
     write_canonical(input.root(), input.bytes(), canonical, options.walk());
     Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, canonical.view().data());
 }
 
-// Throws Damaged_Input for bytes that are not safe to read.
-void decode(Walked_Input const& input, std::ostream& err, Result_Set& set) {
+// Throws DamagedInput for bytes that are not safe to read.
+void decode(WalkedInput const& input, std::ostream& err, ResultSet& set) {
     if (input.bytes().empty())
-        throw Damaged_Input(input.name() + ": not a result set: the file is empty");
-    Finding_Groups groups(input.options().listed);
-    auto const     verdict = input.verify(groups);
+        throw DamagedInput(input.name() + ": not a result set: the file is empty");
+    FindingGroups groups(input.options().listed);
+    auto const    verdict = input.verify(groups);
     if (verdict.answer == Answer::unsafe)
-        throw Damaged_Input(input.name() + ": " + told_form(input.bytes()) +
-                            "can't be read as a result set: " + described(verdict.findings.back()));
+        throw DamagedInput(input.name() + ": " + told_form(input.bytes()) +
+                           "can't be read as a result set: " + described(verdict.findings.back()));
     groups.report(err, input.name(), verdict);
     read(input, verdict, set);
 }
 
-void write_json_lines(std::ostream& out, Result_Set const& set) {
+void write_json_lines(std::ostream& out, ResultSet const& set) {
     for (auto const& check : checks_of(set)) {
         if (auto const result = imported_result(check, set))
             write_json_line(out, *check.key, *result);
@@ -65,9 +66,9 @@ void write_json_lines(std::ostream& out, Result_Set const& set) {
     }
 }
 
-void show_json(Result_Set const& set, std::string const& name, std::uint64_t max_output,
+void show_json(ResultSet const& set, std::string const& name, std::uint64_t max_output,
                std::ostream& out) {
-    Limited_Output limited(out, max_output);
+    LimitedOutput limited(out, max_output);
     limited.stream().exceptions(std::ios::badbit);  // not to go on for nothing
     try {
         write_json_lines(limited.stream(), set);
@@ -76,10 +77,10 @@ void show_json(Result_Set const& set, std::string const& name, std::uint64_t max
     }
 }
 
-Exit_Code show(Options const& options, Streams& streams) {
-    auto const         start = std::chrono::steady_clock::now();
-    Walked_Input const input(options, streams);
-    Result_Set         set;
+ExitCode show(Options const& options, Streams& streams) {
+    auto const        start = std::chrono::steady_clock::now();
+    WalkedInput const input(options, streams);
+    ResultSet         set;
     decode(input, streams.err, set);
     auto const time = std::chrono::steady_clock::now() - start;
     if (options.json) {

@@ -1,15 +1,16 @@
 #include "summary.hpp"
 
+#include <sml/inspect/text/quote.hpp>
+#include "sarif/fields.hpp"
+#include "set_checks.hpp"
+
 #include <algorithm>
 #include <map>
 #include <utility>
 #include <vector>
 
-#include <sml/inspect/text/quote.hpp>
-#include "sarif/fields.hpp"
-#include "set_checks.hpp"
-
 namespace bradep {
+
 namespace {
 
 using sml::inspect::printable;
@@ -46,7 +47,7 @@ void write_ranking(std::ostream& out, std::string const& title, std::string cons
         out << "  and " << counted(rows.size() - limit, "more " + noun) << '\n';
 }
 
-void write_tables(std::ostream& out, Result_Set const& set) {
+void write_tables(std::ostream& out, ResultSet const& set) {
     auto const& tables = set.application_results;
     Rows const  all = {
          {"checks", tables.checks.size()},
@@ -98,7 +99,7 @@ std::string tool_text(Tool const& tool) {
 }
 
 // Counts whatever the checks share, each of which is spelled once: texts may be long.
-template <typename Shared, typename Spell>
+template <class Shared, class Spell>
 Counts spelled(std::map<Shared, std::size_t> const& shared_counts, Spell const& spell) {
     Counts counts;
     for (auto const& [shared, count] : shared_counts) counts[spell(shared)] += count;
@@ -109,15 +110,15 @@ auto or_blank(char const* blank) {
     return [blank](sml::Strings_T const& text) { return or_blank(text.str(), blank); };
 }
 
-struct Check_Counts {
+struct CheckCounts {
     Counts by_category, by_rule, by_level, by_tool, by_kind, by_baseline_state, by_file;
 };
 
-Check_Counts counts_of(Result_Set const& set, Review const& review) {
-    using Text_Counts = std::map<sml::Strings_T, std::size_t>;
+CheckCounts counts_of(ResultSet const& set, Review const& review) {
+    using TextCounts = std::map<sml::Strings_T, std::size_t>;
     Counts                      categories;
     std::map<Tool, std::size_t> tools;
-    Text_Counts                 rules, levels, kinds, states, files;
+    TextCounts                  rules, levels, kinds, states, files;
     for (auto const& [key, check] : set.application_results.checks) {
         if (!review.is_open(key, check)) continue;
         sarif::CheckAlone const record{check};
@@ -159,13 +160,13 @@ std::string check_text(sarif::Result const& result) {
     return text;
 }
 
-std::string native_text(Set_Check const& check) {
+std::string native_text(SetCheck const& check) {
     auto const& file = check.key ? check.key->first : check.form->localization.file;
     auto const  text = or_blank(file.str(), "(no file)") + ": " + category_name(check.category());
     return check.key ? text + ", check " + std::to_string(check.key->second) : text;
 }
 
-std::string check_text(Set_Check const& check, Result_Set const& set, Review const& review) {
+std::string check_text(SetCheck const& check, ResultSet const& set, Review const& review) {
     auto const result = imported_result(check, set);
     auto       text = result ? check_text(*result) : native_text(check);
     if (check.check == nullptr) return text;
@@ -174,7 +175,7 @@ std::string check_text(Set_Check const& check, Result_Set const& set, Review con
 }
 
 // Apart from the others: nobody has to look at them.
-void write_checks_not_open(std::ostream& out, Result_Set const& set, Review const& review) {
+void write_checks_not_open(std::ostream& out, ResultSet const& set, Review const& review) {
     std::size_t suppressed = 0;
     std::size_t absent = 0;
     for (auto const& [key, check] : set.application_results.checks) {
@@ -189,7 +190,7 @@ void write_checks_not_open(std::ostream& out, Result_Set const& set, Review cons
     out << " (not counted below)";
 }
 
-void write_first_checks(std::ostream& out, Result_Set const& set, Review const& review,
+void write_first_checks(std::ostream& out, ResultSet const& set, Review const& review,
                         std::size_t limit) {
     auto const checks = checks_of(set, limit);
     if (checks.empty()) return;
@@ -206,7 +207,7 @@ std::string milliseconds(std::chrono::microseconds time) {
 
 }  // namespace
 
-void write_summary(std::ostream& out, Result_Set const& set, Summary_Facts const& facts) {
+void write_summary(std::ostream& out, ResultSet const& set, SummaryFacts const& facts) {
     auto const runs =
         static_cast<std::size_t>(std::max(fields::runs.held(sarif::SetRecord{set}), 0));
     out << printable(facts.name) << ": " << counted(count_checks(set), "check") << " from "

@@ -1,5 +1,7 @@
 #include "terminal.hpp"
 
+#include <sml/inspect/text/utf8.hpp>
+
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -8,9 +10,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include <sml/inspect/text/utf8.hpp>
-
 namespace bradep {
+
 namespace {
 
 struct Range {
@@ -98,8 +99,8 @@ void refuse_terminal(Output const& output, Streams const& streams) {
     if (output.force ||
         !(is_standard_output ? prints_on_terminal(streams) : is_terminal(output.target)))
         return;
-    throw Io_Failure((is_standard_output ? "standard output" : output.target) +
-                     " is a terminal: bytes are written to it with --force only");
+    throw IoFailure((is_standard_output ? "standard output" : output.target) +
+                    " is a terminal: bytes are written to it with --force only");
 }
 
 }  // namespace bradep

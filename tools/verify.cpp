@@ -1,15 +1,16 @@
-#include <memory>
-
 #include "errors.hpp"
 #include "report.hpp"
 #include "walk_options.hpp"
 
+#include <memory>
+
 namespace bradep {
+
 namespace {
 
 using namespace sml::inspect;
 
-struct Options : Walk_Options {
+struct Options : WalkOptions {
     std::vector<std::string> files;
     bool                     strict = false;
 };
@@ -22,11 +23,11 @@ char const* name_of(Answer answer) {
     }
 }
 
-Exit_Code verify_file(Walk_Options const& options, bool strict, Streams& streams) {
-    Walked_Input const input(options, streams);
-    Finding_Groups     groups(options.verify.listed);
-    Verdict const      verdict = input.verify(groups);
-    auto const         form = told_form(input.bytes());
+ExitCode verify_file(WalkOptions const& options, bool strict, Streams& streams) {
+    WalkedInput const input(options, streams);
+    FindingGroups     groups(options.verify.listed);
+    Verdict const     verdict = input.verify(groups);
+    auto const        form = told_form(input.bytes());
     if (options.stem && verdict.answer == Answer::unsafe && !form.empty())
         report(streams.err, input.name() + ": " + form + "not " + *options.stem);
     groups.report(streams.err, input.name(), verdict);
@@ -59,7 +60,7 @@ Action declare_verify(CLI::App& app) {
         "indices\n"
         "alone are of one shape: the first few of each are listed, and how many more there are.\n");
     return [options](Streams& streams) {
-        return for_each_file(options->files, *options, streams, [&](Walk_Options const& one) {
+        return for_each_file(options->files, *options, streams, [&](WalkOptions const& one) {
             return verify_file(one, options->strict, streams);
         });
     };

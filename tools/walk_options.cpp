@@ -1,15 +1,15 @@
 #include "walk_options.hpp"
 
-#include <algorithm>
-#include <functional>
-#include <string>
-
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/nearest.hpp>
 #include "errors.hpp"
 #include "finding_groups.hpp"
 #include "foreign_form.hpp"
 #include "report.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <string>
 
 namespace bradep {
 
@@ -116,7 +116,7 @@ void declare_decimal_point(CLI::App& app, VerifyOptions& options) {
         ->type_name("CHARACTER");
 }
 
-void declare_findings_option(CLI::App& app, Walk_Options& options, char const* meaning) {
+void declare_findings_option(CLI::App& app, WalkOptions& options, char const* meaning) {
     declare_amount(*app.add_option("-n,--findings", options.verify.listed, meaning)
                         ->capture_default_str()
                         ->type_name("NUMBER"));
@@ -125,7 +125,7 @@ void declare_findings_option(CLI::App& app, Walk_Options& options, char const* m
 namespace {
 
 template <class Files>
-void declare_walk(CLI::App& app, Walk_Options& options, Files& files) {
+void declare_walk(CLI::App& app, WalkOptions& options, Files& files) {
     app.add_option("FILE", files, "The bytes. - is standard input")->required()->type_name("");
     app.add_flag("-q,--quiet", options.quiet, "Not a word about the roots that fit without --root");
     declare_max_size(app, options.max_size);
@@ -136,22 +136,22 @@ void declare_walk(CLI::App& app, Walk_Options& options, Files& files) {
 
 }  // namespace
 
-void declare_walk_options(CLI::App& app, Walk_Options& options) {
+void declare_walk_options(CLI::App& app, WalkOptions& options) {
     declare_walk(app, options, options.file);
 }
 
-void declare_walk_options(CLI::App& app, Walk_Options& options, std::vector<std::string>& files) {
+void declare_walk_options(CLI::App& app, WalkOptions& options, std::vector<std::string>& files) {
     declare_walk(app, options, files);
 }
 
-Walked_Input::Walked_Input(Walk_Options const& options, Streams& streams)
+WalkedInput::WalkedInput(WalkOptions const& options, Streams& streams)
     : streams_(streams),
       name_(input_name(options.file)),
       bytes_(options.file, options.max_size, streams.in),
       options_(options.verify),
       root_(options.stem ? &root_of(*options.stem) : choose_root(options.quiet)) {}
 
-Root const* Walked_Input::choose_root(bool quiet) const {
+Root const* WalkedInput::choose_root(bool quiet) const {
     auto       candidates = watch("looking for its root", [&](VerifyOptions const& watched) {
         return identify(bytes(), watched);
     });
@@ -173,15 +173,15 @@ Root const* Walked_Input::choose_root(bool quiet) const {
     return best.root;
 }
 
-Verdict Walked_Input::verify() const {
+Verdict WalkedInput::verify() const {
     return watch("verifying", [&](VerifyOptions const& watched) {
         return sml::inspect::verify(root(), bytes(), watched);
     });
 }
 
-Verdict Walked_Input::verify(Finding_Groups& groups) const {
+Verdict WalkedInput::verify(FindingGroups& groups) const {
     return watch("verifying", [&](VerifyOptions watched) {
-        watched.listed = Finding_Groups::most_findings;
+        watched.listed = FindingGroups::most_findings;
         watched.listener = [&](Finding const& finding) { groups.add(finding); };
         return sml::inspect::verify(root(), bytes(), watched);
     });
@@ -213,19 +213,18 @@ void report_findings(std::ostream& err, std::string const& name,
                         (finding.severity == Severity::odd ? " (odd)" : " (unsafe)"));
 }
 
-Exit_Code for_each_file(std::vector<std::string> const& files, Walk_Options options,
-                        Streams&                                             streams,
-                        std::function<Exit_Code(Walk_Options const&)> const& act) {
-    Exit_Code  highest = exit_done;
-    auto const end_with = [&](Exit_Code code) { highest = std::max(highest, code); };
+ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions options, Streams& streams,
+                       std::function<ExitCode(WalkOptions const&)> const& act) {
+    ExitCode   highest = exit_done;
+    auto const end_with = [&](ExitCode code) { highest = std::max(highest, code); };
     for (auto const& file : files) {
         options.file = file;
         try {
             end_with(act(options));
-        } catch (Damaged_Input const& error) {
+        } catch (DamagedInput const& error) {
             report(streams.err, error.what());
             end_with(exit_no);
-        } catch (Io_Failure const& error) {
+        } catch (IoFailure const& error) {
             report(streams.err, error.what());
             end_with(exit_usage_or_io);
         } catch (BudgetExceeded const&) {

@@ -1,14 +1,14 @@
 #pragma once
 // What the tests of the command share.
 
+#include "run.hpp"
+#include "sarif/reader.hpp"
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include "run.hpp"
-#include "sarif/reader.hpp"
 
 namespace cli_test {
 
@@ -28,7 +28,7 @@ inline void write_bytes(fs::path const& path, std::string const& bytes) {
     if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
-// A directory of its own, gone again at the end.
+/// A directory of its own, gone again at the end.
 class Scratch {
 public:
     Scratch() {
@@ -79,7 +79,7 @@ inline std::vector<bradep::sarif::Result> results_of(std::string const& log) {
     return results;
 }
 
-// The well-formed logs among the fixtures.
+/// The well-formed logs among the fixtures.
 inline std::vector<fs::path> sound_logs() {
     std::vector<fs::path> logs;
     for (auto const& entry : fs::directory_iterator(BRADEP_FIXTURES))

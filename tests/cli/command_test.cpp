@@ -1,10 +1,10 @@
+#include "cli_support.hpp"
+
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <algorithm>
-
-#include "cli_support.hpp"
 
 namespace {
 

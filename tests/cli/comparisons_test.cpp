@@ -1,6 +1,10 @@
 // Logs whose texts are made to fall together in the hash tables that an import fills.
 
 #include "comparisons.hpp"
+#include <sml/inspect/reader/reader_model.hpp>
+#include "cli_support.hpp"
+#include "errors.hpp"
+#include "sarif/mapping.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +12,6 @@
 #include <cstring>
 #include <functional>
 #include <string_view>
-
-#include <sml/inspect/reader/reader_model.hpp>
-#include "cli_support.hpp"
-#include "errors.hpp"
-#include "sarif/mapping.hpp"
 
 namespace {
 
@@ -27,7 +26,7 @@ using Texts = std::vector<std::string>;
 constexpr std::uint64_t unlimited = ~std::uint64_t{0};
 
 /// The hash of a text of 16 bytes, and its inverse: the second half that gives a hash.
-class Hash_Of_16 {
+class HashOf16 {
 public:
     static std::uint64_t behind(std::uint64_t first_half) {
         std::uint64_t const state = seed ^ (16 * factor);
@@ -60,12 +59,12 @@ bool is_plain(char c) { return c > ' ' && c < '\x7f' && c != '"' && c != '\\' &&
 /// So many texts with this hash, to be written as they are in JSON.
 Texts texts_of_hash(std::size_t count, std::uint64_t hash) {
     Texts         texts;
-    std::uint64_t wanted = Hash_Of_16::unfinished(hash);
+    std::uint64_t wanted = HashOf16::unfinished(hash);
     for (std::uint64_t i = 10'000'000; texts.size() < count; ++i) {
         std::string   text = std::to_string(i);
         std::uint64_t half = 0;
         std::memcpy(&half, text.data(), 8);
-        half = Hash_Of_16::second_half(half, wanted);
+        half = HashOf16::second_half(half, wanted);
         text.append(reinterpret_cast<char const*>(&half), 8);
         if (!std::ranges::all_of(text, is_plain)) continue;
         if (ReaderModel::text_hash(text) != hash) throw std::logic_error("another hash: " + text);
@@ -105,8 +104,8 @@ std::string const located =
 std::string log_of_uris(Texts const& texts) { return log_with(filled(located, texts)); }
 
 std::uint64_t count_of(std::string const& log) {
-    Comparisons        comparisons(unlimited);
-    bradep::Result_Set set;
+    Comparisons       comparisons(unlimited);
+    bradep::ResultSet set;
     bradep::sarif::read_log(
         log, "log", 0, [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); },
         {}, comparisons);
@@ -172,9 +171,9 @@ TEST(Comparisons, OfSeveralLogsAreCountedTogether) {
 
 /// Every text of a log that goes into the table of all texts, wherever it stands.
 TEST(Comparisons, AreCountedForEachKindOfText) {
-    using Log_Of = std::function<std::string(Texts const&)>;
+    using LogOf = std::function<std::string(Texts const&)>;
     auto const result_with = [](std::string const& before, std::string const& element,
-                                std::string const& behind) -> Log_Of {
+                                std::string const& behind) -> LogOf {
         return
             [=](Texts const& texts) { return log_with(before + filled(element, texts) + behind); };
     };
@@ -198,7 +197,7 @@ TEST(Comparisons, AreCountedForEachKindOfText) {
           result_with(R"({"suppressions":[)", R"({"status":"TEXT"})", "]}"),
           result_with(R"({"relatedLocations":[)", R"({"message":{"text":"TEXT"}})", "]}"),
           result_with(steps, R"({"location":{"message":{"text":"TEXT"}}})", "]}]}]}"),
-          Log_Of(tools)}) {
+          LogOf(tools)}) {
         auto const log = log_of(colliding(500));
         EXPECT_GT(count_of(log), 500U * 500 / 2 - 100) << log.substr(0, 200);
         EXPECT_LT(count_of(log_of(ordinary(500))), 500U * 10) << log.substr(0, 200);
@@ -207,14 +206,14 @@ TEST(Comparisons, AreCountedForEachKindOfText) {
 
 /// Of adding results whose texts are there already: how many tables compare each of `count` keys
 /// with all before it.
-template <typename Fill>
+template <class Fill>
 double tables_compared(std::size_t count, Fill const& fill) {
     std::vector<Strings_T> const texts = [&] {
         auto const given = colliding(count);
         return std::vector<Strings_T>(given.begin(), given.end());
     }();
-    bradep::Result_Set set;
-    Comparisons        comparisons(unlimited);
+    bradep::ResultSet set;
+    Comparisons       comparisons(unlimited);
     for (auto const& result : fill(texts)) bradep::sarif::add_result(result, set, comparisons);
     auto const squared = static_cast<double>(count * count);
     return static_cast<double>(comparisons.counted()) / (squared / 2);
@@ -304,15 +303,15 @@ TEST(Comparisons, UpToTheLimitAreAllowed) {
     count_of(log);  // the texts are there from now on
     auto const work = count_of(log);
     auto const import = [&](std::uint64_t most) {
-        Comparisons        comparisons(most);
-        bradep::Result_Set set;
+        Comparisons       comparisons(most);
+        bradep::ResultSet set;
         bradep::sarif::read_log(
             log, "log", 0,
             [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); }, {},
             comparisons);
     };
     EXPECT_NO_THROW(import(work));
-    EXPECT_THROW(import(work - 1), bradep::Damaged_Input);
+    EXPECT_THROW(import(work - 1), bradep::DamagedInput);
 }
 
 }  // namespace

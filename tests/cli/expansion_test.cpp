@@ -1,13 +1,13 @@
 // Inputs of which a few bytes stand for very many.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
 #include "errors.hpp"
 #include "sarif/mapping.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -18,7 +18,7 @@ std::string complaint_about(std::string const& log, Limits const& limits) {
     try {
         bradep::sarif::read_log(
             log, "log", 0, [](auto&&) {}, limits);
-    } catch (bradep::Damaged_Input const& error) {
+    } catch (bradep::DamagedInput const& error) {
         return error.what();
     }
     return "nothing";
@@ -124,8 +124,8 @@ TEST(Expansion, ItsLimitIsAnOption) {
     EXPECT_NE(refused.err.find("--max-expansion 1 bytes"), std::string::npos) << refused.err;
 }
 
-bradep::Result_Set set_of(std::string const& log) {
-    bradep::Result_Set  set;
+bradep::ResultSet set_of(std::string const& log) {
+    bradep::ResultSet   set;
     bradep::Comparisons comparisons;
     bradep::sarif::read_log(
         log, "log", 0, [&](auto&& result) { bradep::sarif::add_result(result, set, comparisons); });
@@ -147,14 +147,14 @@ std::string shared_step(std::size_t steps, std::size_t length) {
     return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
 }
 
-std::string complaint_of_adding(std::string const& log, bradep::sarif::Set_Limits const& limits) {
-    bradep::Result_Set  set;
+std::string complaint_of_adding(std::string const& log, bradep::sarif::SetLimits const& limits) {
+    bradep::ResultSet   set;
     bradep::Comparisons comparisons;
     try {
         bradep::sarif::read_log(log, "log", 0, [&](auto&& result) {
             bradep::sarif::add_result(result, set, comparisons, limits);
         });
-    } catch (bradep::Damaged_Input const& error) {
+    } catch (bradep::DamagedInput const& error) {
         return error.what();
     }
     return "nothing";

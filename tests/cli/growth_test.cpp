@@ -1,14 +1,14 @@
 // How time grows with the input. Four times the input may take eight times as long: what is
 // quadratic takes sixteen times.
 
+#include "cli_support.hpp"
+#include "sarif/mapping.hpp"
+#include "summary.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <ctime>
-
-#include "cli_support.hpp"
-#include "sarif/mapping.hpp"
-#include "summary.hpp"
 
 namespace {
 
@@ -18,14 +18,14 @@ constexpr double most_growth = 8;
 constexpr int    repetitions = 3;
 constexpr double shortest = 0.02;  // seconds that can be compared
 
-template <typename Work>
+template <class Work>
 double seconds_of(Work const& work) {
     auto const start = std::clock();
     work();
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-template <typename Work>
+template <class Work>
 double median_seconds(Work const& work) {
     std::vector<double> times;
     for (int i = 0; i < repetitions; ++i) times.push_back(seconds_of(work));
@@ -34,7 +34,7 @@ double median_seconds(Work const& work) {
 }
 
 /// Of `work_of(n)()`, from an n that takes long enough to be compared.
-template <typename Work>
+template <class Work>
 void expect_linear_work(Work const& work_of) {
     std::size_t n = 500;
     double      time = median_seconds(work_of(n));
@@ -44,7 +44,7 @@ void expect_linear_work(Work const& work_of) {
 }
 
 /// Of importing `log_of(n)`.
-template <typename Log>
+template <class Log>
 void expect_linear(Log const& log_of) {
     expect_linear_work([&](std::size_t n) {
         return [log = log_of(n)] {
@@ -146,7 +146,7 @@ TEST(Growth, ManyMembers) {
 
 TEST(Growth, SummaryOfManyChecksThatShareOneLongText) {
     expect_linear_work([](std::size_t n) {
-        bradep::Result_Set    set;
+        bradep::ResultSet     set;
         bradep::sarif::Result result;
         bradep::Comparisons   comparisons;
         result.rule = std::string(40 * n, 'r');

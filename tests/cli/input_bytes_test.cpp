@@ -1,5 +1,8 @@
 #include "input_bytes.hpp"
 
+#include "cli_support.hpp"
+#include "errors.hpp"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -8,26 +11,23 @@
 #include <csignal>
 #include <thread>
 
-#include "cli_support.hpp"
-#include "errors.hpp"
-
 namespace {
 
 using namespace cli_test;
 using bradep::default_max_size;
-using bradep::Input_Bytes;
+using bradep::InputBytes;
 
 std::string read_of(fs::path const& path, std::uint64_t max_size = default_max_size,
                     std::string const& input = "") {
     std::istringstream in(input);
-    return std::string(Input_Bytes(path.string(), max_size, in).view());
+    return std::string(InputBytes(path.string(), max_size, in).view());
 }
 
 std::string failure_of_reading(fs::path const& path, std::uint64_t max_size = default_max_size,
                                std::string const& input = "") {
     try {
         read_of(path, max_size, input);
-    } catch (bradep::Io_Failure const& failure) {
+    } catch (bradep::IoFailure const& failure) {
         return failure.what();
     }
     return "nothing";
@@ -69,7 +69,7 @@ TEST(InputBytes, StayWhenTheFileIsCutOrWrittenInto) {
     std::istringstream none;
     auto const         bytes = numbered_bytes(1 << 20);
     write_bytes(scratch / "in", bytes);
-    Input_Bytes const read((scratch / "in").string(), default_max_size, none);
+    InputBytes const read((scratch / "in").string(), default_max_size, none);
     write_bytes(scratch / "in", "short");
     EXPECT_EQ(read.view(), bytes);
 }

@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <algorithm>
-#include <cstdlib>
-
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/verify.hpp>
 #include "cli_support.hpp"
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace {
 

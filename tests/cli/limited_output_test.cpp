@@ -1,19 +1,19 @@
 #include "limited_output.hpp"
 
+#include "errors.hpp"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <sstream>
 
-#include "errors.hpp"
-
 namespace {
 
-using bradep::Limited_Output;
+using bradep::LimitedOutput;
 
 TEST(LimitedOutput, HandsOnWhatFits) {
     std::ostringstream out;
-    Limited_Output     limited(out, 5);
+    LimitedOutput      limited(out, 5);
     limited.stream() << "abc" << 'd' << std::flush << "e";
     EXPECT_TRUE(limited.stream());
     EXPECT_EQ(out.str(), "abcde");
@@ -23,7 +23,7 @@ TEST(LimitedOutput, HandsOnWhatFits) {
 TEST(LimitedOutput, IsBadFromTheFirstPieceThatDoesNotFit) {
     for (std::string const piece : {"d", "def"}) {
         std::ostringstream out;
-        Limited_Output     limited(out, 3 + piece.size() - 1);
+        LimitedOutput      limited(out, 3 + piece.size() - 1);
         limited.stream() << "abc";
         EXPECT_TRUE(limited.stream());
         if (piece.size() == 1)
@@ -39,7 +39,7 @@ TEST(LimitedOutput, IsBadFromTheFirstPieceThatDoesNotFit) {
         try {
             limited.refuse_if_cut("name");
             ADD_FAILURE();
-        } catch (bradep::Damaged_Input const& error) {
+        } catch (bradep::DamagedInput const& error) {
             EXPECT_EQ(error.what(), "name: what is to be printed is larger than --max-output " +
                                         std::to_string(3 + piece.size() - 1));
         }
@@ -47,8 +47,8 @@ TEST(LimitedOutput, IsBadFromTheFirstPieceThatDoesNotFit) {
 }
 
 TEST(LimitedOutput, AFailureOfTheOutputIsNoLimit) {
-    std::ofstream  full("/dev/full");
-    Limited_Output limited(full, 1 << 20);
+    std::ofstream full("/dev/full");
+    LimitedOutput limited(full, 1 << 20);
     limited.stream() << std::string(100000, 'x') << std::flush;
     EXPECT_TRUE(limited.stream().bad());
     EXPECT_TRUE(full.bad());

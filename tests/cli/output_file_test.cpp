@@ -1,5 +1,8 @@
 #include "output_file.hpp"
 
+#include "cli_support.hpp"
+#include "errors.hpp"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -9,9 +12,6 @@
 
 #include <csignal>
 #include <cstdlib>
-
-#include "cli_support.hpp"
-#include "errors.hpp"
 
 namespace {
 
@@ -35,7 +35,7 @@ protected:
                                           std::string const& bytes = "new") {
         try {
             write_file(target, text(bytes));
-        } catch (bradep::Io_Failure const& failure) {
+        } catch (bradep::IoFailure const& failure) {
             return failure.what();
         }
         return "nothing";

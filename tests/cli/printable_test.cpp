@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <sml/inspect/text/json_text.hpp>
 #include <sml/inspect/text/quote.hpp>
+
+#include <gtest/gtest.h>
 
 namespace {
 

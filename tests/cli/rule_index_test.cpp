@@ -9,7 +9,7 @@
 namespace {
 
 namespace json = boost::json;
-using bradep::sarif::Rule_Index;
+using bradep::sarif::RuleIndex;
 
 struct Known {
     std::string id;
@@ -34,7 +34,7 @@ public:
         }
     }
 
-    Rule_Index::Rule find_from(std::size_t first, std::string const& id) const {
+    RuleIndex::Rule find_from(std::size_t first, std::string const& id) const {
         for (std::size_t component = first; component < components; ++component)
             if (auto const* found = find_in(component, id)) return {found, component};
         return {};
@@ -56,14 +56,14 @@ public:
 
 private:
     std::vector<Known> const& rules_;
-    Rule_Index                index_;
+    RuleIndex                 index_;
 };
 
 TEST(RuleIndex, LongestIdOfTheFirstComponentThatHasAnyIsFound) {
     std::vector<Known> const rules = {{"a/b/c", 3, 0}, {"a", 1, 0},    {"a/b", 1, 0}, {"", 2, 0},
                                       {"/", 2, 0},     {"a//b", 1, 0}, {"a/b", 1, 0}, {"x/", 0, 0}};
     Both const               both(rules);
-    Rule_Index               index;
+    RuleIndex                index;
     for (Known const& rule : rules) index.add(rule.id, rule.component, rule.descriptor);
     EXPECT_EQ(index.find_from(1, "a/b/c/d").descriptor, &rules[2].descriptor);
     EXPECT_EQ(index.find_from(2, "a/b/c/d").descriptor, &rules[0].descriptor);

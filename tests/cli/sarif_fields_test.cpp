@@ -1,6 +1,11 @@
 // The table that importing and restoring go through, held against what `dump` finds at its paths.
 
+#include <sml/bindings/bindings.hpp>
+#include <sml/inspect/text/json_text.hpp>
+#include "cli_support.hpp"
+#include "json_line.hpp"
 #include "sarif/fields.hpp"
+#include "sarif/mapping.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,17 +13,11 @@
 #include <sstream>
 #include <string>
 
-#include <sml/bindings/bindings.hpp>
-#include <sml/inspect/text/json_text.hpp>
-#include "cli_support.hpp"
-#include "json_line.hpp"
-#include "sarif/mapping.hpp"
-
 namespace {
 
 using namespace cli_test;
 namespace fields = bradep::sarif::fields;
-using bradep::Result_Set;
+using bradep::ResultSet;
 using bradep::sarif::for_each_row;
 using bradep::sarif::Result;
 using bradep::sarif::Text;
@@ -40,8 +39,8 @@ Result result_with(std::string const& lists) {
     return results_of(log).at(0);
 }
 
-Result_Set set_of(Result const& result) {
-    Result_Set          set;
+ResultSet set_of(Result const& result) {
+    ResultSet           set;
     bradep::Comparisons comparisons;
     bradep::sarif::add_result(result, set, comparisons);
     set.application_results.first_int = 3;
@@ -49,9 +48,9 @@ Result_Set set_of(Result const& result) {
 }
 
 /// With a record of each kind that says nothing.
-Result_Set empty_records() {
-    Result_Set set;
-    auto&      tables = set.application_results;
+ResultSet empty_records() {
+    ResultSet set;
+    auto&     tables = set.application_results;
     tables.checks[{}];
     tables.events[{}];
     tables.infos[{}];
@@ -60,7 +59,7 @@ Result_Set empty_records() {
 }
 
 /// What `dump` prints of the only entry or element; nothing where the path leads nowhere.
-std::string value_at(std::string path, Result_Set const& set) {
+std::string value_at(std::string path, ResultSet const& set) {
     auto const put = [&](std::string const& any, std::string const& first) {
         auto const at = path.find(any);
         if (at != std::string::npos) path.replace(at, any.size(), first);
@@ -100,7 +99,7 @@ std::string path_of(Held const& held) {
 /// A plain field has the very value at its path, and its bit is set.
 template <class Said, class Access, class Bits, class Part>
 void expect_row(bradep::sarif::Field<Said, Access, Bits> const& row, Part const& part,
-                Result_Set const& set) {
+                ResultSet const& set) {
     auto const expected = json_of(std::invoke(row.said, part));
     EXPECT_NE(expected, "null") << row.sarif;
     EXPECT_EQ(value_at(path_of(row.held), set), expected) << row.sarif;
@@ -114,7 +113,7 @@ void expect_row(bradep::sarif::Field<Said, Access, Bits> const& row, Part const&
 /// What is held by hand has the value there, too, or something that an empty record has not.
 template <class Said, class Hold, class Restore, class Part>
 void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part const& part,
-                Result_Set const& set) {
+                ResultSet const& set) {
     auto const path = path_of(row.table, row.field);
     auto const value = value_at(path, set);
     if constexpr (requires { json_of(std::invoke(row.said, part)); }) {
@@ -127,7 +126,7 @@ void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part cons
 /// Has the row write its field into a record of the set that says nothing any more; `before` is
 /// what stood at its path then.
 template <class Row, class Part>
-void write_alone(Row const& row, Part const& part, Result_Set& set, std::string& before) {
+void write_alone(Row const& row, Part const& part, ResultSet& set, std::string& before) {
     auto&                        tables = set.application_results;
     bradep::Comparisons          comparisons;
     bradep::sarif::Filling const filling{set, comparisons};
@@ -164,7 +163,7 @@ std::string without_payload(std::string const& value) {
 }
 
 template <class Make, class Part>
-void expect_row(bradep::sarif::Derived<Make> const& row, Part const& part, Result_Set const& set) {
+void expect_row(bradep::sarif::Derived<Make> const& row, Part const& part, ResultSet const& set) {
     auto const  path = path_of(row.table, row.field);
     auto        bare = set;
     std::string before;
@@ -177,7 +176,7 @@ void expect_row(bradep::sarif::Derived<Make> const& row, Part const& part, Resul
 
 template <class Said, class Shown, class Reference, class Base, class Logical, class Part>
 void expect_row(fields::PlaceField<Said, Shown, Reference, Base, Logical> const& row,
-                Part const& part, Result_Set const& set) {
+                Part const& part, ResultSet const& set) {
     auto const& place = *fields::place_in(std::invoke(row.said, part));
     EXPECT_EQ(value_at(path_of(row.base), set), json_of(place.base)) << row.sarif;
     EXPECT_EQ(value_at(path_of(row.logical), set), json_of(place.logical)) << row.sarif;
@@ -190,7 +189,7 @@ void expect_row(fields::PlaceField<Said, Shown, Reference, Base, Logical> const&
 }
 
 template <class Rows, class Part>
-void expect_rows(Rows const& rows, Part const& part, Result_Set const& set) {
+void expect_rows(Rows const& rows, Part const& part, ResultSet const& set) {
     for_each_row(rows, [&](auto const& row) { expect_row(row, part, set); });
 }
 

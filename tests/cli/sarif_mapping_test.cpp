@@ -1,46 +1,46 @@
 #include "sarif/mapping.hpp"
 
+#include <sml/bindings/bindings.hpp>
+#include "cli_support.hpp"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include <sml/bindings/bindings.hpp>
-#include "cli_support.hpp"
-
 namespace {
 
 using namespace cli_test;
-using bradep::Numbered_Key;
-using bradep::Result_Set;
+using bradep::NumberedKey;
+using bradep::ResultSet;
 using bradep::sarif::Result;
 using sml::Strings_T;
 
-Result_Set set_of(std::vector<Result> const& results) {
-    Result_Set          set;
+ResultSet set_of(std::vector<Result> const& results) {
+    ResultSet           set;
     bradep::Comparisons comparisons;
     for (auto const& result : results) bradep::sarif::add_result(result, set, comparisons);
     return set;
 }
 
-Result_Set set_of_fixture(std::string const& name) {
+ResultSet set_of_fixture(std::string const& name) {
     return set_of(results_of(bytes_of(fixture(name))));
 }
 
-void send_through_bytes(Result_Set const& set, Result_Set& back) {
+void send_through_bytes(ResultSet const& set, ResultSet& back) {
     std::stringstream stream;
     sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, stream);
     sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromStream(back, stream);
     EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(stream.str().size()));
 }
 
-std::vector<Result> restored(Result_Set const& set) {
+std::vector<Result> restored(ResultSet const& set) {
     std::vector<Result> results;
     for (auto const& [id, form] : set.check_data)
         results.push_back(bradep::sarif::restored_result(form, set));
     return results;
 }
 
-std::vector<std::pair<std::string, std::int32_t>> check_keys(Result_Set const& set) {
+std::vector<std::pair<std::string, std::int32_t>> check_keys(ResultSet const& set) {
     std::vector<std::pair<std::string, std::int32_t>> keys;
     for (auto const& [id, form] : set.check_data)
         keys.emplace_back(form.first_numbered_name.value().first.str(),
@@ -48,7 +48,7 @@ std::vector<std::pair<std::string, std::int32_t>> check_keys(Result_Set const& s
     return keys;
 }
 
-Numbered_Key key(char const* uri, std::int32_t ordinal) {
+NumberedKey key(char const* uri, std::int32_t ordinal) {
     return {Strings_T(std::string(uri)), ordinal};
 }
 
@@ -58,7 +58,7 @@ TEST(ResultMapping, EveryFixtureComesBackWhole) {
     for (auto const& log : logs) {
         auto const results = results_of(bytes_of(log));
         auto const set = set_of(results);
-        Result_Set back;
+        ResultSet  back;
         send_through_bytes(set, back);
         EXPECT_TRUE(back == set) << log;
         auto const again = restored(back);
@@ -250,7 +250,7 @@ TEST(ResultMapping, FingerprintsStandInTheForm) {
 
 TEST(ResultMapping, EveryVariantIsSet) {
     for (auto const& log : sound_logs()) {
-        Result_Set set;
+        ResultSet set;
         send_through_bytes(set_of(results_of(bytes_of(log))), set);
         auto const& tables = set.application_results;
         for (auto const& [check_key, check] : tables.checks) {

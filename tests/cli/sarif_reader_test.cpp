@@ -1,11 +1,11 @@
 #include "sarif/reader.hpp"
 
+#include "cli_support.hpp"
+#include "errors.hpp"
+
 #include <gtest/gtest.h>
 
 #include <limits>
-
-#include "cli_support.hpp"
-#include "errors.hpp"
 
 namespace {
 
@@ -16,7 +16,7 @@ using Texts = std::vector<std::optional<std::string>>;
 std::string complaint_about(std::string const& log) {
     try {
         results_of(log);
-    } catch (bradep::Damaged_Input const& error) {
+    } catch (bradep::DamagedInput const& error) {
         return error.what();
     }
     return "nothing";
@@ -27,7 +27,7 @@ std::optional<std::string> plain(std::optional<bradep::sarif::Text> const& text)
     return text->str();
 }
 
-template <typename Member>
+template <class Member>
 Texts each(std::vector<bradep::sarif::Result> const& results, Member member) {
     Texts texts;
     for (auto const& result : results) texts.push_back(plain(result.*member));
@@ -174,7 +174,7 @@ TEST(SarifReader, RunsAreNumberedWithin32Bits) {
         try {
             bradep::sarif::read_log(R"({"version": "2.1.0", "runs": [{}, {}]})", "log", first,
                                     [](auto&&) {});
-        } catch (bradep::Damaged_Input const& error) {
+        } catch (bradep::DamagedInput const& error) {
             return error.what();
         }
         return "nothing";

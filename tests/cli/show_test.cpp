@@ -1,43 +1,43 @@
 // What `show` tells of checks, whoever wrote them.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
 #include "sarif/mapping.hpp"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
 namespace {
 
 using namespace cli_test;
-using bradep::Result_Set;
+using bradep::ResultSet;
 using sml::Strings_T;
 
 bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-std::string bytes_of_set(Result_Set const& set) {
+std::string bytes_of_set(ResultSet const& set) {
     return sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set);
 }
 
-void add_overflow(Result_Set& set, char const* file, std::int32_t ordinal, bool flag) {
+void add_overflow(ResultSet& set, char const* file, std::int32_t ordinal, bool flag) {
     auto& check = set.application_results.checks[{Strings_T(file), ordinal}];
     auto& args = check.category.choose<"OVFL">();
     args.ovfl_data.choose<"Single_Ovfl">().first_flag = flag;
 }
 
 // Two checks of which no form tells, between an imported one and one that has a form.
-Result_Set native_set() {
-    Result_Set          set;
+ResultSet native_set() {
+    ResultSet           set;
     bradep::Comparisons comparisons;
     for (auto const& result : results_of(log_with(R"({"message": {"text": "imported"}})")))
         bradep::sarif::add_result(result, set, comparisons);
     add_overflow(set, "b.c", 2, true);
     add_overflow(set, "b.c", 10, false);
     add_overflow(set, "a.c", 1, false);
-    auto& form = set.check_data.emplace_back(1, bradep::Check_Form()).second;
+    auto& form = set.check_data.emplace_back(1, bradep::CheckForm()).second;
     form.first_numbered_name = {Strings_T("b.c"), 10};
     form.category = set.application_results.checks.at({Strings_T("b.c"), 10}).category;
     return set;
@@ -85,8 +85,8 @@ TEST(ShowNative, ASuppressedOneIsMarked) {
 }
 
 TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
-    Result_Set set;
-    auto&      check = set.application_results.checks[{Strings_T("a.c"), 1}];
+    ResultSet set;
+    auto&     check = set.application_results.checks[{Strings_T("a.c"), 1}];
     check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("told");
     auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
     EXPECT_EQ(shown.out,
@@ -96,8 +96,8 @@ TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
 }
 
 TEST(ShowNative, AFormWithoutACheckIsShownByItsOwnCategory) {
-    Result_Set set;
-    auto&      form = set.check_data.emplace_back(7, bradep::Check_Form()).second;
+    ResultSet set;
+    auto&     form = set.check_data.emplace_back(7, bradep::CheckForm()).second;
     form.category.choose<"OVFL">();
     form.localization.file = Strings_T("a.c");
     auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));

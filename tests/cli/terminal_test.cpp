@@ -1,13 +1,12 @@
 // What the command does where a person looks on.
 
 #include "terminal.hpp"
+#include "cli_support.hpp"
 
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "cli_support.hpp"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 namespace bradep::sarif {
 
-json::value const* Elements_By_Text::find(std::string_view wanted) {
+json::value const* ElementsByText::find(std::string_view wanted) {
     auto const known = known_.find(wanted);
     if (known != known_.end()) return known->second;
     while (list_ != nullptr && looked_at_ < list_->size()) {

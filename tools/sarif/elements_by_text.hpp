@@ -1,25 +1,25 @@
 #pragma once
 
+#include "json_input.hpp"
+
 #include <map>
 #include <string_view>
-
-#include "json_input.hpp"
 
 namespace bradep::sarif {
 
 namespace json = boost::json;
 
-// Finds elements of a list by a text that is a member of theirs. Each element is looked at once,
-// and none behind the one that is wanted: what is wrong with that is nobody's concern yet. The
-// list, which may be null, must outlive this.
-class Elements_By_Text {
+/// Finds elements of a list by a text that is a member of theirs. Each element is looked at once,
+/// and none behind the one that is wanted: what is wrong with that is nobody's concern yet. The
+/// list, which may be null, must outlive this.
+class ElementsByText {
 public:
-    Elements_By_Text(json::array const* list, std::string_view member_name)
+    ElementsByText(json::array const* list, std::string_view member_name)
         : list_(list), member_name_(member_name) {}
 
     std::string_view member_name() const { return member_name_; }
 
-    // The first element with this text, or null. Throws Misfit.
+    /// The first element with this text, or null. Throws Misfit.
     json::value const* find(std::string_view wanted);
 
 private:

@@ -69,7 +69,7 @@ inline constexpr std::tuple of_failure{Derived{"always `UNKNOWN`", checks_path,
 struct InfoHead {
     Text         role;
     std::int32_t position;
-    Numbered_Key check;
+    NumberedKey  check;
 };
 
 inline constexpr Field role{"the list: `location`, `relatedLocation` or `suppression`", nullptr,
@@ -79,10 +79,10 @@ inline constexpr Field position{"the index in it", nullptr, &InfoHead::position,
 
 inline constexpr std::tuple of_info{
     role, position,
-    Field{"URI in the key of the check", nullptr, along<&InfoHead::check, &Numbered_Key::first>,
+    Field{"URI in the key of the check", nullptr, along<&InfoHead::check, &NumberedKey::first>,
           in_info("second_string", &Info::second_string)},
-    Field{"ordinal in the key of the check", nullptr,
-          along<&InfoHead::check, &Numbered_Key::second>, in_info("second_int", &Info::second_int)},
+    Field{"ordinal in the key of the check", nullptr, along<&InfoHead::check, &NumberedKey::second>,
+          in_info("second_int", &Info::second_int)},
     Derived{"always `TOOLTIP_INFO`", infos_path, "category",
             [](auto const&, FilledInfo const& record) {
                 record.info.category.choose<"TOOLTIP_INFO">();
@@ -106,7 +106,7 @@ constexpr auto place_in_info(char const* sarif, Said said) {
 inline constexpr std::tuple of_further_location{place_in_info("the location", std::identity())};
 
 inline constexpr std::tuple of_related_location{
-    ByHand{"`id`", "id", &Related_Place::id, infos_path, "string_and_int.1",
+    ByHand{"`id`", "id", &RelatedPlace::id, infos_path, "string_and_int.1",
            [](std::optional<std::int32_t> const& id, FilledInfo const& record) {
                auto& comparisons = record.filling.comparisons;
                if (id) record.info.string_and_int.emplace(comparisons.interned("id"), *id);
@@ -114,8 +114,8 @@ inline constexpr std::tuple of_related_location{
            [](std::optional<std::int32_t>& id, ReadInfo const& record) {
                if (record.info.string_and_int) id = record.info.string_and_int->second;
            }},
-    place_in_info("the location", &Related_Place::place),
-    Field{"`message`", "message", &Related_Place::message, tooltip, tooltip_is_given}};
+    place_in_info("the location", &RelatedPlace::place),
+    Field{"`message`", "message", &RelatedPlace::message, tooltip, tooltip_is_given}};
 
 inline constexpr std::tuple of_suppression{
     ByHand{"`kind`", "kind", &Suppression::kind, infos_path, "string_and_int.0",
@@ -235,7 +235,7 @@ inline constexpr PlaceField first_location{
     std::tuple{},
     in_check("source_ref", &Check::source_ref),
     in_check("fifth_string", &Check::fifth_string),
-    in_form("second_optional_name", &Check_Form::second_optional_name)};
+    in_form("second_optional_name", &CheckForm::second_optional_name)};
 inline constexpr ByHand flows{"`codeFlows`", "flows",    &Result::flows, checks_path,
                               "failure",     hold_flows, restore_flows};
 
@@ -268,10 +268,10 @@ inline constexpr auto partial =
     fingerprints_in("`partialFingerprints`", &Result::partial_fingerprints, partial_family);
 
 inline constexpr std::tuple of_form_place{
-    again_of_place(line, "first_optional_int", &Check_Form::first_optional_int),
-    again_of_place(column, "second_optional_int", &Check_Form::second_optional_int),
-    again_of_place(end_line, "third_optional_int", &Check_Form::third_optional_int),
-    again_of_place(end_column, "fourth_optional_int", &Check_Form::fourth_optional_int)};
+    again_of_place(line, "first_optional_int", &CheckForm::first_optional_int),
+    again_of_place(column, "second_optional_int", &CheckForm::second_optional_int),
+    again_of_place(end_line, "third_optional_int", &CheckForm::third_optional_int),
+    again_of_place(end_column, "fourth_optional_int", &CheckForm::fourth_optional_int)};
 
 /// To be filled once `of_check` is.
 inline constexpr std::tuple of_form{
@@ -279,9 +279,9 @@ inline constexpr std::tuple of_form{
             [](auto const&, FilledCheck const& record) {
                 record.form.first_numbered_name = record.key;
             }},
-    again(run, "first_int", &Check_Form::first_int),
-    again(rule, "first_optional_name", &Check_Form::first_optional_name),
-    again(level, "name", &Check_Form::name),
+    again(run, "first_int", &CheckForm::first_int),
+    again(rule, "first_optional_name", &CheckForm::first_optional_name),
+    again(level, "name", &CheckForm::name),
     Derived{"`message`, as in the check", forms_path, "category",
             [](auto const&, FilledCheck const& record) {
                 record.form.category = record.check.category;
@@ -314,7 +314,7 @@ inline constexpr std::tuple of_line{run,
 /// The rows of a part of a result.
 constexpr auto const& rows_of(Place const&) { return of_place; }
 constexpr auto const& rows_of(Step const&) { return of_step; }
-constexpr auto const& rows_of(Related_Place const&) { return of_related_location; }
+constexpr auto const& rows_of(RelatedPlace const&) { return of_related_location; }
 constexpr auto const& rows_of(Suppression const&) { return of_suppression; }
 
 }  // namespace bradep::sarif::fields

@@ -37,7 +37,7 @@ std::int32_t count_at(Failure const& failure, std::string const& pointer) {
 
 }  // namespace
 
-void hold_flows(std::vector<Code_Flow> const& flows, FilledCheck const& record) {
+void hold_flows(std::vector<CodeFlow> const& flows, FilledCheck const& record) {
     if (flows.empty()) return;
     auto const& filling = record.filling;
     Failure&    failure = record.check.failure.emplace();
@@ -57,7 +57,7 @@ void hold_flows(std::vector<Code_Flow> const& flows, FilledCheck const& record) 
     }
 }
 
-void restore_flows(std::vector<Code_Flow>& flows, ReadCheck const& record) {
+void restore_flows(std::vector<CodeFlow>& flows, ReadCheck const& record) {
     if (!record.check.failure) return;
     auto const& failure = *record.check.failure;
     auto        step = failure.steps.begin();

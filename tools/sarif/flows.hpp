@@ -10,9 +10,9 @@ namespace bradep::sarif {
 
 /// Gives the check a failure with a step, which is an event of the set, for each location of each
 /// thread flow; none where there is no flow. The run must be in the check already.
-void hold_flows(std::vector<Code_Flow> const& flows, FilledCheck const& record);
+void hold_flows(std::vector<CodeFlow> const& flows, FilledCheck const& record);
 
-/// Throws Damaged_Input where the set lacks an event, or the failure a step.
-void restore_flows(std::vector<Code_Flow>& flows, ReadCheck const& record);
+/// Throws DamagedInput where the set lacks an event, or the failure a step.
+void restore_flows(std::vector<CodeFlow>& flows, ReadCheck const& record);
 
 }  // namespace bradep::sarif

@@ -18,14 +18,14 @@ Text const& uri_of(Place const& place) {
 }
 
 // The URI in the key of an information record.
-Text const& key_uri(Place const& place, Numbered_Key const&) { return uri_of(place); }
-Text const& key_uri(Related_Place const& related, Numbered_Key const&) {
+Text const& key_uri(Place const& place, NumberedKey const&) { return uri_of(place); }
+Text const& key_uri(RelatedPlace const& related, NumberedKey const&) {
     return uri_of(related.place);
 }
-Text const& key_uri(Suppression const&, Numbered_Key const& check) { return check.first; }
+Text const& key_uri(Suppression const&, NumberedKey const& check) { return check.first; }
 
 template <class List>
-void add_infos(List const& list, Result const& result, Numbered_Key const& check,
+void add_infos(List const& list, Result const& result, NumberedKey const& check,
                Filling const& filling) {
     auto&       tables = filling.set.application_results;
     auto const& elements = std::invoke(list.said, result);
@@ -41,7 +41,7 @@ void add_infos(List const& list, Result const& result, Numbered_Key const& check
 }
 
 // In the order of their lists.
-std::vector<Info const*> infos_of(Numbered_Key const& check, Result_Set const& set) {
+std::vector<Info const*> infos_of(NumberedKey const& check, ResultSet const& set) {
     std::vector<Info const*> infos;
     auto const&              tables = set.application_results;
     auto const               keys = tables.first_key_sets.find(check);
@@ -110,7 +110,7 @@ private:
 };
 
 // The longest container of a set to which the result is added.
-std::size_t most_entries(Result const& result, Result_Set const& set) {
+std::size_t most_entries(Result const& result, ResultSet const& set) {
     std::size_t lists = 1 + result.flows.size();  // whose lengths `named_ints` holds
     std::size_t steps = 0;
     for (auto const& flow : result.flows) {
@@ -126,14 +126,14 @@ std::size_t most_entries(Result const& result, Result_Set const& set) {
 
 void refuse_more(std::size_t found, std::size_t most, char const* what) {
     if (found > most)
-        throw Damaged_Input("a result set has no room for " + std::string(what) + " " +
-                            std::to_string(found) + ", only for " + std::to_string(most));
+        throw DamagedInput("a result set has no room for " + std::string(what) + " " +
+                           std::to_string(found) + ", only for " + std::to_string(most));
 }
 
 }  // namespace
 
-void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
-                Set_Limits const& limits) {
+void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
+                SetLimits const& limits) {
     refuse_more(LongestText(result).bytes(), limits.text_bytes, "a text of this many bytes:");
     refuse_more(most_entries(result, set), limits.entries, "this many entries of a table:");
     Filling const filling{set, comparisons};
@@ -141,7 +141,7 @@ void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
     auto const    uri = result.locations.empty() ? Text() : uri_of(result.locations.front());
     auto const    key = filling.next_key(tables.check_numbers, uri);
     Check&        check = filling.at(tables.checks, key);
-    Check_Form    form;
+    CheckForm     form;
     hold(fields::of_check, result, FilledCheck{check, form, key, filling});
     for_each_row(fields::info_lists,
                  [&](auto const& list) { add_infos(list, result, key, filling); });
@@ -153,7 +153,7 @@ void add_result(Result const& result, Result_Set& set, Comparisons& comparisons,
     refuse_more(strings, limits.strings, "this many strings:");
 }
 
-Result restored_result(Check_Form const& form, Result_Set const& set) {
+Result restored_result(CheckForm const& form, ResultSet const& set) {
     if (!form.first_numbered_name) not_imported("a check form names no check");
     auto const& key = *form.first_numbered_name;
     auto const& check = entry(set.application_results.checks, key, "a key");
@@ -170,8 +170,8 @@ bool has_category_of_import(Category const& category) {
     return category.holds<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
 }
 
-std::set<Numbered_Key> suppressed_checks(Result_Set const& set) {
-    std::set<Numbered_Key> suppressed;
+std::set<NumberedKey> suppressed_checks(ResultSet const& set) {
+    std::set<NumberedKey> suppressed;
     for (auto const& [key, info] : set.application_results.infos) {
         ReadInfo const record{info};
         if (fields::role.held(record).str() != fields::suppressions.role) continue;

@@ -5,6 +5,7 @@
 #include <system_error>
 
 namespace bradep::sarif {
+
 namespace {
 
 using Arguments = std::vector<std::string_view>;

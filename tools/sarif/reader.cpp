@@ -1,12 +1,13 @@
 #include "sarif/reader.hpp"
 
-#include <limits>
-
 #include "errors.hpp"
 #include "json_input.hpp"
 #include "sarif/run.hpp"
 
+#include <limits>
+
 namespace bradep::sarif {
+
 namespace {
 
 namespace json = boost::json;
@@ -24,15 +25,15 @@ json::array const& runs_of(json::value const& log) {
     return *runs;
 }
 
-void hand_over(Run& run, json::value const& result, Result_Sink const& sink) {
+void hand_over(Run& run, json::value const& result, ResultSink const& sink) {
     try {
         sink(run.resolve(result));
-    } catch (Damaged_Input const& refusal) {
+    } catch (DamagedInput const& refusal) {
         throw Misfit{&result, refusal.what()};
     }
 }
 
-std::int32_t read_runs(json::value const& log, std::int32_t first_run, Result_Sink const& sink,
+std::int32_t read_runs(json::value const& log, std::int32_t first_run, ResultSink const& sink,
                        Limits const& limits, Comparisons& comparisons) {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
     Expansion      expansion(limits, comparisons);
@@ -56,7 +57,7 @@ std::string place_name(json_input::Document const& document, json::value const& 
 }  // namespace
 
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink, Limits const& limits, Comparisons& comparisons) {
+                      ResultSink const& sink, Limits const& limits, Comparisons& comparisons) {
     return read_log(json_input::Document(text, name), name, first_run, sink, limits, comparisons);
 }
 
@@ -71,12 +72,12 @@ std::uint64_t count_results(json_input::Document const& document) {
 }
 
 std::int32_t read_log(json_input::Document const& document, std::string const& name,
-                      std::int32_t first_run, Result_Sink const& sink, Limits const& limits,
+                      std::int32_t first_run, ResultSink const& sink, Limits const& limits,
                       Comparisons& comparisons) {
     try {
         return read_runs(document.root(), first_run, sink, limits, comparisons);
     } catch (Misfit const& misfit) {
-        throw Damaged_Input(name + ":" + place_name(document, *misfit.where) + ": " + misfit.what);
+        throw DamagedInput(name + ":" + place_name(document, *misfit.where) + ": " + misfit.what);
     }
 }
 

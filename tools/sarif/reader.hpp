@@ -1,38 +1,37 @@
 #pragma once
 // Reads SARIF 2.1.0 as analysers write it.
 
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <string_view>
-
 #include "comparisons.hpp"
 #include "json_input.hpp"
 #include "sarif/limits.hpp"
 #include "sarif/result.hpp"
 
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
 namespace bradep::sarif {
 
-using Result_Sink = std::function<void(Result&&)>;
+using ResultSink = std::function<void(Result&&)>;
 
-// Hands every result of every run to `sink`, in the order of the log, and returns the number of
-// runs. Runs are numbered from `first_run` on. Throws Damaged_Input, its text starting with `name`
-// and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
-// not SARIF, and for a result that `sink` refuses with a Damaged_Input of its own. Results handed
-// over before that are to be thrown away. What making its texts
-// takes is counted.
+/// Hands every result of every run to `sink`, in the order of the log, and returns the number of
+/// runs. Runs are numbered from `first_run` on. Throws DamagedInput, its text starting with `name`
+/// and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
+/// not SARIF, and for a result that `sink` refuses with a DamagedInput of its own. Results handed
+/// over before that are to be thrown away. What making its texts takes is counted.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                      Result_Sink const& sink, Limits const& limits, Comparisons& comparisons);
+                      ResultSink const& sink, Limits const& limits, Comparisons& comparisons);
 
-// The same for a document that has been parsed, and how many results it has.
+/// The same for a document that has been parsed, and how many results it has.
 std::int32_t  read_log(json_input::Document const& document, std::string const& name,
-                       std::int32_t first_run, Result_Sink const& sink, Limits const& limits,
+                       std::int32_t first_run, ResultSink const& sink, Limits const& limits,
                        Comparisons& comparisons);
 std::uint64_t count_results(json_input::Document const& document);
 
-// The same for a log by itself, within the limits that are usual.
+/// The same for a log by itself, within the limits that are usual.
 inline std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
-                             Result_Sink const& sink, Limits const& limits = {}) {
+                             ResultSink const& sink, Limits const& limits = {}) {
     Comparisons comparisons;
     return read_log(text, name, first_run, sink, limits, comparisons);
 }

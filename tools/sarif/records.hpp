@@ -27,7 +27,7 @@ using SignatureAndText = std::pair<Signature, sml::Strings_T>;
 /// A set to which results are added. What is looked up in its tables, or among all texts, is
 /// counted.
 struct Filling {
-    Result_Set&  set;
+    ResultSet&   set;
     Comparisons& comparisons;
 
     /// The value behind a key, which is added where it is not there.
@@ -40,21 +40,21 @@ struct Filling {
 
     /// The next key of a table for a URI: ordinals count from 1 and `numbers` holds the last one.
     template <class Numbers>
-    Numbered_Key next_key(Numbers& numbers, sml::Strings_T const& uri) const {
+    NumberedKey next_key(Numbers& numbers, sml::Strings_T const& uri) const {
         return {uri, ++at(numbers, uri)};
     }
 };
 
 struct FilledCheck {
-    Check&              check;
-    Check_Form&         form;
-    Numbered_Key const& key;
-    Filling const&      filling;
+    Check&             check;
+    CheckForm&         form;
+    NumberedKey const& key;
+    Filling const&     filling;
 };
 struct ReadCheck {
-    Check const&      check;
-    Check_Form const& form;
-    Result_Set const& set;
+    Check const&     check;
+    CheckForm const& form;
+    ResultSet const& set;
 };
 
 /// For the rows that need no more.
@@ -136,12 +136,12 @@ constexpr auto in_fingerprint(char const* field, Member member) {
         });
 }
 
-/// Throws Damaged_Input: no import wrote this.
+/// Throws DamagedInput: no import wrote this.
 [[noreturn]] inline void not_imported(std::string const& what) {
-    throw Damaged_Input("not an imported result set: " + what);
+    throw DamagedInput("not an imported result set: " + what);
 }
 
-/// The value behind a key, which a check refers to by `what`. Throws Damaged_Input where there is
+/// The value behind a key, which a check refers to by `what`. Throws DamagedInput where there is
 /// none.
 template <class Table>
 typename Table::mapped_type const& entry(Table const& table, typename Table::key_type const& key,

@@ -2,37 +2,37 @@
 // One result of a SARIF log with every reference resolved: no index, message id or default is left
 // to look up. An empty optional is a property that the log does not give.
 
+#include <sml/core/Strings.hpp>
+
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <sml/core/Strings.hpp>
-
 namespace bradep::sarif {
 
-// Copies share the text: what a result refers to many times stands in memory once.
+/// Copies share the text: what a result refers to many times stands in memory once.
 using Text = sml::Strings_T;
 
 struct Place {
-    std::optional<Text>         uri;   // as written: neither decoded nor joined with its base
-    std::optional<Text>         base;  // uriBaseId
+    std::optional<Text>         uri;   ///< as written: neither decoded nor joined with its base
+    std::optional<Text>         base;  ///< uriBaseId
     std::optional<std::int32_t> line;
     std::optional<std::int32_t> column;
     std::optional<std::int32_t> end_line;
     std::optional<std::int32_t> end_column;
-    std::optional<Text>         logical;  // name of the first logical location
+    std::optional<Text>         logical;  ///< name of the first logical location
 
     bool operator==(Place const&) const = default;
 };
 
-struct Related_Place {
+struct RelatedPlace {
     Place                       place;
     std::optional<std::int32_t> id;
     std::optional<Text>         message;
 
-    bool operator==(Related_Place const&) const = default;
+    bool operator==(RelatedPlace const&) const = default;
 };
 
 struct Step {
@@ -49,30 +49,30 @@ struct Suppression {
     bool operator==(Suppression const&) const = default;
 };
 
-using Thread_Flow = std::vector<Step>;
-using Code_Flow = std::vector<Thread_Flow>;
+using ThreadFlow = std::vector<Step>;
+using CodeFlow = std::vector<ThreadFlow>;
 
-// Alphabetical, unlike the order of texts themselves.
+/// Alphabetical, unlike the order of texts themselves.
 struct Alphabetical {
     bool operator()(Text const& a, Text const& b) const { return !(a == b) && a.str() < b.str(); }
 };
 using Fingerprints = std::map<Text, Text, Alphabetical>;
 
 struct Result {
-    std::int32_t               run = 0;
-    std::optional<Text>        tool;
-    std::optional<Text>        tool_version;
-    std::optional<Text>        rule;
-    Text                       level;
-    Text                       kind;
-    std::optional<Text>        message;
-    std::vector<Place>         locations;
-    std::vector<Related_Place> related;
-    std::vector<Code_Flow>     flows;
-    Fingerprints               fingerprints;
-    Fingerprints               partial_fingerprints;
-    std::vector<Suppression>   suppressions;
-    std::optional<Text>        baseline_state;
+    std::int32_t              run = 0;
+    std::optional<Text>       tool;
+    std::optional<Text>       tool_version;
+    std::optional<Text>       rule;
+    Text                      level;
+    Text                      kind;
+    std::optional<Text>       message;
+    std::vector<Place>        locations;
+    std::vector<RelatedPlace> related;
+    std::vector<CodeFlow>     flows;
+    Fingerprints              fingerprints;
+    Fingerprints              partial_fingerprints;
+    std::vector<Suppression>  suppressions;
+    std::optional<Text>       baseline_state;
 
     bool operator==(Result const&) const = default;
 };

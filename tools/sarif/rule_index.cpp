@@ -3,6 +3,7 @@
 #include <limits>
 
 namespace bradep::sarif {
+
 namespace {
 
 // Takes the part before the first '/' off `id`; false where it was the last.
@@ -16,8 +17,8 @@ bool take_part(std::string_view& id, std::string_view& part) {
 
 }  // namespace
 
-void Rule_Index::add(std::string_view id, std::size_t component,
-                     boost::json::value const& descriptor) {
+void RuleIndex::add(std::string_view id, std::size_t component,
+                    boost::json::value const& descriptor) {
     Node             node = 0;
     std::string_view part;
     bool             has_more = true;
@@ -30,7 +31,7 @@ void Rule_Index::add(std::string_view id, std::size_t component,
 
 // Visits the nodes of the id, from the shortest on, as far as there are any.
 template <class Visit>
-void Rule_Index::visit_parts(std::string_view id, Visit const& visit) const {
+void RuleIndex::visit_parts(std::string_view id, Visit const& visit) const {
     Node             node = 0;
     std::string_view part;
     bool             has_more = true;
@@ -42,7 +43,7 @@ void Rule_Index::visit_parts(std::string_view id, Visit const& visit) const {
     }
 }
 
-Rule_Index::Rule Rule_Index::find_in(std::size_t component, std::string_view id) const {
+RuleIndex::Rule RuleIndex::find_in(std::size_t component, std::string_view id) const {
     Rule longest;
     visit_parts(id, [&](Node node) {
         auto const found = rules_.find({node, component});
@@ -51,7 +52,7 @@ Rule_Index::Rule Rule_Index::find_in(std::size_t component, std::string_view id)
     return longest;
 }
 
-Rule_Index::Rule Rule_Index::find_from(std::size_t component, std::string_view id) const {
+RuleIndex::Rule RuleIndex::find_from(std::size_t component, std::string_view id) const {
     Rule best{nullptr, std::numeric_limits<std::size_t>::max()};
     visit_parts(id, [&](Node node) {
         auto const found = rules_.lower_bound({node, component});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/json.hpp>
+
 #include <cstddef>
 #include <map>
 #include <string_view>
@@ -8,24 +9,24 @@
 
 namespace bradep::sarif {
 
-// The rules of a tool's components by id. A result may refine a rule's id by further parts behind a
-// '/': "R1/a" is of rule "R1" unless there is a rule "R1/a". Finding takes the time of reading the
-// id, however many components and parts there are. Refers to the texts of ids, which must outlive
-// it.
-class Rule_Index {
+/// The rules of a tool's components by id. A result may refine a rule's id by further parts behind
+/// a slash: "R1/a" is of rule "R1" unless there is a rule "R1/a". Finding takes the time of reading
+/// the id, however many components and parts there are. Refers to the texts of ids, which must
+/// outlive it.
+class RuleIndex {
 public:
     struct Rule {
-        boost::json::value const* descriptor = nullptr;  // null: there is none
+        boost::json::value const* descriptor = nullptr;  ///< null: there is none
         std::size_t               component = 0;
     };
 
-    // Of a component's rules with the same id the first one counts.
+    /// Of a component's rules with the same id the first one counts.
     void add(std::string_view id, std::size_t component, boost::json::value const& descriptor);
 
-    // The rule with the longest id, of this component.
+    /// The rule with the longest id, of this component.
     Rule find_in(std::size_t component, std::string_view id) const;
 
-    // The rule with the longest id of the first component, from this one on, that has any.
+    /// The rule with the longest id of the first component, from this one on, that has any.
     Rule find_from(std::size_t component, std::string_view id) const;
 
 private:

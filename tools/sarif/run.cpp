@@ -1,11 +1,12 @@
 #include "sarif/run.hpp"
 
-#include <utility>
-
 #include "errors.hpp"
 #include "sarif/message_format.hpp"
 
+#include <utility>
+
 namespace bradep::sarif {
+
 namespace {
 
 using namespace json_input;  // member, list, text, number, index: the whole file is written in them
@@ -76,7 +77,7 @@ Text Expansion::text_of(std::string_view text, json::value const& where) {
     spend(text.size(), where);
     try {
         return comparisons_.interned(std::string(text));
-    } catch (Damaged_Input const& refusal) {
+    } catch (DamagedInput const& refusal) {
         throw Misfit{&where, refusal.what()};
     }
 }
@@ -247,8 +248,8 @@ Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) {
     return {place_of(*location), message_of(*location, rule)};
 }
 
-Code_Flow Run::flow_of(json::value const& code_flow, Rule const& rule) {
-    Code_Flow   flow;
+CodeFlow Run::flow_of(json::value const& code_flow, Rule const& rule) {
+    CodeFlow    flow;
     auto const* thread_flows = list(code_flow, "threadFlows");
     if (!thread_flows) return flow;
     for (auto const& thread_flow : *thread_flows) {

@@ -1,33 +1,33 @@
 #pragma once
 // One run of a SARIF log, with what its results refer to by index, id or guid.
 
-#include <map>
-#include <string_view>
-#include <vector>
-
 #include "comparisons.hpp"
 #include "sarif/elements_by_text.hpp"
 #include "sarif/limits.hpp"
 #include "sarif/result.hpp"
 #include "sarif/rule_index.hpp"
 
+#include <map>
+#include <string_view>
+#include <vector>
+
 namespace bradep::sarif {
 
 namespace json = boost::json;
 
-// A rule's descriptor and the part of the tool that defines it. Either may be null.
+/// A rule's descriptor and the part of the tool that defines it. Either may be null.
 struct Rule {
     json::value const* descriptor = nullptr;
     json::value const* component = nullptr;
 };
 
-// Makes the texts of a log's results, within its limits. All members throw json_input::Misfit.
+/// Makes the texts of a log's results, within its limits. All members throw json_input::Misfit.
 class Expansion {
 public:
     Expansion(Limits const& limits, Comparisons& comparisons)
         : limits_(limits), left_(limits.expansion), comparisons_(comparisons) {}
 
-    // `where` is the place to tell where that is too much.
+    /// `where` is the place to tell where that is too much.
     Text                text_of(std::string_view text, json::value const& where);
     std::optional<Text> text(std::optional<std::string_view> given, json::value const& where);
     Text message(std::string_view pattern, std::vector<std::string_view> const& arguments,
@@ -41,7 +41,7 @@ private:
     Comparisons&  comparisons_;
 };
 
-// Refers to the document's values, which must outlive it. All members throw json_input::Misfit.
+/// Refers to the document's values, which must outlive it. All members throw json_input::Misfit.
 class Run {
 public:
     Run(json::value const& run, std::int32_t number, Expansion& expansion);
@@ -56,7 +56,7 @@ private:
 
         json::value const* value;
         json::array const* rules;
-        Elements_By_Text   rules_by_guid;
+        ElementsByText     rules_by_guid;
     };
     static constexpr std::size_t driver = 0;  // its place among the components
     static constexpr std::size_t first_extension = 1;
@@ -71,7 +71,7 @@ private:
     void resolve_places(json::value const& given, Rule const& rule, Result& result);
     std::optional<std::string_view> logical_name(json::value const& location) const;
     Step                     step_of(json::value const& thread_flow_location, Rule const& rule);
-    Code_Flow                flow_of(json::value const& code_flow, Rule const& rule);
+    CodeFlow                 flow_of(json::value const& code_flow, Rule const& rule);
     Fingerprints             fingerprints_of(json::value const& result, std::string_view name);
     std::vector<Suppression> suppressions_of(json::value const& result);
 
@@ -85,9 +85,9 @@ private:
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;
     std::map<json::value const*, std::size_t> numbers_;  // the components' places among them
-    Elements_By_Text                          extensions_by_guid_{nullptr, "guid"};
-    Elements_By_Text                          extensions_by_name_{nullptr, "name"};
-    Rule_Index                                rules_by_id_;
+    ElementsByText                            extensions_by_guid_{nullptr, "guid"};
+    ElementsByText                            extensions_by_name_{nullptr, "name"};
+    RuleIndex                                 rules_by_id_;
 };
 
 }  // namespace bradep::sarif

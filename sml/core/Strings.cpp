@@ -11,8 +11,8 @@ constexpr std::size_t hash_seed = 0xc70f6907;
 
 }  // namespace
 
-// First of all static objects of the library and so the last to be destroyed. Its destructor
-// frees the entries whatever their counts say.
+// The first static object of the library, and so the last to be destroyed. Its destructor frees
+// the entries whatever their counts are.
 __attribute__((init_priority(101)))
 std::unordered_set<Strings_T::StringWithRefCount, Strings_T::StringWithRefCountHash,
                    std::equal_to<Strings_T::StringWithRefCount>>

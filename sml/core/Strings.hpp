@@ -1,7 +1,8 @@
 #pragma once
-// Interned text: one machine word per handle, one counted entry per distinct text.
+// Interned strings: one machine word a handle, one counted entry a distinct text.
 //
-// Nothing here is safe across threads, and no handle may outlive the library's exit handlers.
+// Nothing here may be used by two threads at once, and no handle may outlive the library's exit
+// handlers.
 
 #include <sml/core/export.hpp>
 
@@ -18,12 +19,12 @@ namespace core {
 class StringsById;
 }
 
-/// A handle to an interned text. The null handle is the empty text. Copies share the entry;
-/// equality and order are those of the entry's address, so the order is not alphabetical and
-/// differs from process to process.
+/// A handle to an interned string, which shares ownership of the text's entry in the string table.
+/// The null handle is the empty text. Copies share the entry; equality and order are those of the
+/// entry's address, so the order is not alphabetical and differs from process to process.
 class Strings_T {
 public:
-    /// One distinct non-empty text with the number of handles that refer to it.
+    /// An entry of the string table: a distinct text, not empty, and the number of its handles.
     struct StringWithRefCount {
         std::string           str;  // first member: the text's address is the entry's address
         std::uint64_t         hash{};
@@ -35,12 +36,12 @@ public:
         }
     };
 
-    /// Gives the stored hash; never reads text.
+    /// Returns the stored hash; never reads the text.
     struct StringWithRefCountHash {
         std::size_t operator()(StringWithRefCount const& entry) const { return entry.hash; }
     };
 
-    /// The process-wide table. It owns the entries, which keep their address for their life.
+    /// The process-wide string table. It owns the entries, whose addresses never change.
     SML_API static std::unordered_set<StringWithRefCount, StringWithRefCountHash,
                                       std::equal_to<StringWithRefCount>>
         fAllStrings;
@@ -48,7 +49,7 @@ public:
     Strings_T() noexcept = default;
     Strings_T(std::string const& text) { setStr(text); }
 
-    // There is no stealing move: a moved-from record keeps its strings.
+    // No move: a moved-from record is required to keep its strings.
     Strings_T(Strings_T const& other) noexcept : fStr(other.fStr) { retain(); }
 
     Strings_T& operator=(Strings_T const& other) {
@@ -59,7 +60,8 @@ public:
         return *this;
     }
 
-    /// Interns `text`. Assigning a handle from its own entry's text changes nothing.
+    /// Releases the present entry and interns `text`, which may be this handle's own `str()`. If
+    /// that throws `std::bad_alloc`, the handle is null.
     Strings_T& operator=(std::string const& text) {
         if (static_cast<void const*>(fStr) == static_cast<void const*>(&text)) return *this;
         release();
@@ -69,12 +71,12 @@ public:
 
     ~Strings_T() { release(); }
 
-    /// Points the handle at the entry of `text`, making it when absent; the empty text gives the
-    /// null handle. What was held is not released: the caller does that first. Throws
-    /// `std::bad_alloc` and leaves the handle as it was.
+    /// Points the handle to the entry of `text`, which is added if there is none; the empty text
+    /// gives the null handle. The present entry is not released: the caller does that first.
+    /// Throws `std::bad_alloc`, and then leaves the handle as it was.
     SML_API void setStr(std::string const& text);
 
-    /// The text; valid as long as some handle to the entry lives.
+    /// The text, owned by the entry: valid as long as some handle to it lives.
     std::string const& str() const {
         static std::string const emptyStr;
         return fStr == nullptr ? emptyStr : fStr->str;
@@ -106,6 +108,6 @@ private:
 
 template <>
 struct std::hash<sml::Strings_T> {
-    // Not noexcept: the standard table then keeps each node's hash beside it.
+    // Not noexcept: libstdc++ then stores the hash in each node of a hash table.
     std::size_t operator()(sml::Strings_T const& handle) const { return handle.hash(); }
 };

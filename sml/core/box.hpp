@@ -1,13 +1,14 @@
 #pragma once
-// One owned heap object, for types that hold their own kind.
+// One owned heap object, for recursive types.
 
 #include <memory>
 #include <utility>
 
 namespace sml::core {
 
-/// Owns one `T`: default construction makes it, copies are deep, comparison looks at the value.
-/// Null only after a move; a null box may be destroyed, assigned and copied, nothing else.
+/// Owns one `T` on the heap. Default construction makes it, copies are deep, comparison is that of
+/// the values. A box is null only after a move: then it may be destroyed, assigned and copied,
+/// nothing else.
 template <class T>
 class Box {
 public:
@@ -16,7 +17,7 @@ public:
     Box(Box const& other) : object_(other.object_ ? new T(*other.object_) : nullptr) {}
     Box(Box&& other) noexcept : object_(std::move(other.object_)) {}
 
-    // The source may sit inside the object held here, so that is let go last.
+    // The source may be inside the object held here, so that object is destroyed last.
     Box& operator=(Box const& other) {
         Box copy(other);
         object_.swap(copy.object_);

@@ -1,6 +1,7 @@
 #pragma once
-// The order and equality of all types. The standard containers' own `<` is never used: it may ask
-// an element's `<` in other directions than required, and `x < x` holds for some elements.
+// The order and equality of all types. The standard containers' own `<` is never used: it may call
+// the elements' `<` with other operands than is required, and since `x < x` is true for some
+// elements, that would give another result.
 
 #include <sml/core/kinds.hpp>
 #include <sml/core/read_ahead.hpp>
@@ -9,13 +10,13 @@
 
 namespace sml::core {
 
-/// A group of parts that is walked with `<` in both directions and never asked for equality.
+/// A group of parts that are compared by `<` in both directions and never by equality.
 template <class T>
 concept WalkedWithLess = Fielded<T> && requires {
     requires T::walked_with_less;
 };
 
-/// Equality and order, one function a rule.
+/// Equality and order, with one function for each rule.
 struct Comparison {
     template <class T>
     static bool equal(T const& a, T const& b) {
@@ -34,15 +35,16 @@ struct Comparison {
         });
     }
 
-    /// What the containers' own `==` gives.
+    /// Gives the result of the standard containers' `==`.
     template <HashMap T>
     static bool equal_tables(T const& a, T const& b) {
         return every_entry(a, b,
                            [](auto const& left, auto const& right) { return equal(left, right); });
     }
 
-    /// Whether tables have the same keys and `holds` for the values of each, with the entries to
-    /// come on their way: the next one of `a` and its counterpart, and the one behind it.
+    /// Whether the maps have the same keys, and `holds` is true for the two values of each key.
+    /// While it compares one entry, the next entry of `a`, its counterpart in `b` and the entry
+    /// after it are prefetched.
     template <HashMap T, class Holds>
     static bool every_entry(T const& a, T const& b, Holds holds) {
         if (a.size() != b.size()) return false;
@@ -67,9 +69,9 @@ struct Comparison {
         return true;
     }
 
-    /// Whether the two are equal and neither is less, which one walk tells. Asking `less` one way,
-    /// then the other way and then for equality takes several at each level. What has no payload
-    /// is never the same: it is less than itself.
+    /// Whether `a` and `b` are equal and neither is less than the other, found out in one walk. To
+    /// call `less` both ways and then `equal` would take several walks at each level. Variants
+    /// without payload are never the same, since they are less than themselves.
     template <class T>
     static bool same(T const& a, T const& b) {
         if constexpr (HashedVariant<T>) {
@@ -107,7 +109,8 @@ struct Comparison {
         }
     }
 
-    /// Of the same tag, whose payload is built in both: only a tag below 0 can go without.
+    /// False for variants without payload. With equal tags of 0 or more, both have the payload of
+    /// the same arm in their storage; only with a tag below 0 it may be missing.
     template <HashedVariant T>
     static bool same_arms(T const& a, T const& b) {
         if (a.tag != b.tag || a.tag < 0) return false;
@@ -130,7 +133,8 @@ struct Comparison {
         requires(!WalkedWithLess<T>)
     static bool less(T const& a, T const& b) { return less_fields(a, b); }
 
-    /// Field by field: a lesser one gives true, an unequal one false, the last one decides.
+    /// Compares field by field: if one is less, the result is true; else if it is unequal, false.
+    /// If all fields before it are equal, the last one decides by `<` alone.
     template <Fielded T>
     static bool less_fields(T const& a, T const& b) {
         return a.with_fields([&](auto const&... left) {
@@ -155,20 +159,20 @@ struct Comparison {
         return !a || less(*a, *b);
     }
 
-    /// Required: the shorter list is less, whatever it holds.
+    /// Required: a shorter list is less, whatever its elements are.
     template <List T>
     static bool less(T const& a, T const& b) {
         if (a.size() != b.size()) return a.size() < b.size();
         return less_elements(a, b);
     }
 
-    /// Required: no size step.
+    /// Required: sizes are not compared first.
     template <class T>
         requires SortedSet<T> || SortedMap<T>
     static bool less(T const& a, T const& b) { return less_elements(a, b); }
 
-    /// Required: of one size and with different elements, neither is less. Equal elements can
-    /// still be less than one another.
+    /// Required: if the sizes are equal and the elements are not, neither set is less. Equal
+    /// elements are compared by `<`, too, since one of them can be less than the other.
     template <HashSet T>
     static bool less(T const& a, T const& b) {
         if (a.size() != b.size()) return a.size() < b.size();
@@ -183,7 +187,8 @@ struct Comparison {
         return false;
     }
 
-    /// Required: the walk follows the left table's own order and stops at a greater value.
+    /// Required: values are compared in the order of the left map's hash table, up to the first one
+    /// that is less (true) or greater (false).
     template <HashMap T>
     static bool less(T const& a, T const& b) {
         if (a.size() != b.size()) return a.size() < b.size();
@@ -198,7 +203,7 @@ struct Comparison {
         return false;
     }
 
-    /// Each part with `<` in both directions; parts that are neither are passed over.
+    /// Compares each part by `<` in both directions; the first one that is less or greater decides.
     template <GroupedParts T>
         requires WalkedWithLess<T>
     static bool less(T const& a, T const& b) {
@@ -212,8 +217,8 @@ struct Comparison {
     }
 
 private:
-    /// Required: walked with `<` in both directions; an element that is neither less nor greater
-    /// is passed over, equal or not.
+    /// Required: elements are compared by `<` in both directions, and the first one that is less or
+    /// greater decides; whether others are equal does not matter.
     template <class T>
     static bool less_elements(T const& a, T const& b) {
         auto left = a.begin();
@@ -238,6 +243,7 @@ private:
             left_parts);
     }
 
+    /// Whether this part decides the comparison; if it does, `result` says how.
     template <class T>
     static bool settled(T const& left, T const& right, bool is_last, bool& result) {
         if (!is_last && same(left, right)) return false;
@@ -245,6 +251,7 @@ private:
         return result || is_last || !equal(left, right);
     }
 
+    /// The same by `<` in both directions, without equality.
     template <class T>
     static bool settled_by_less(T const& left, T const& right, bool& result) {
         if (same(left, right)) return false;
@@ -252,6 +259,7 @@ private:
         return result || less_alone(right, left);
     }
 
+    /// `<` of a part whose components are not compared by equality either.
     template <class T>
     static bool less_alone(T const& a, T const& b) {
         return less(a, b);

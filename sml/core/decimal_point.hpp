@@ -5,7 +5,7 @@
 
 namespace sml::core {
 
-/// 0 where the point is not exactly one character.
+/// Returns the point, or 0 where it is not exactly one byte long.
 inline char decimal_point() noexcept {
     char const* const point = std::localeconv()->decimal_point;
     return point[0] != '\0' && point[1] == '\0' ? point[0] : '\0';

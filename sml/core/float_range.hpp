@@ -1,5 +1,5 @@
 #pragma once
-// MPFR's exponent range, which every float that is written sets anew.
+// MPFR's process-wide exponent range, which writing a float is required to set.
 
 #include <sml/core/ieee754_float.hpp>
 
@@ -7,8 +7,8 @@
 
 namespace sml::core {
 
-/// Sets the range of the float that was touched last, when it is needed and at the end: nobody
-/// looks at those in between.
+/// Remembers the width of the float written last, and sets its format's range in `apply` and at
+/// destruction only: no other code runs in between that could see the range.
 class FloatRange {
 public:
     FloatRange() = default;
@@ -16,12 +16,13 @@ public:
     FloatRange(FloatRange const&) = delete;
     FloatRange& operator=(FloatRange const&) = delete;
 
-    /// A float of this width was touched.
+    /// To be called for each float of this width in bits that is written.
     void touch(std::uint64_t width) noexcept {
         width_ = width;
         is_due_ = true;
     }
 
+    /// Sets the range, if a float was written since the last call.
     void apply() noexcept {
         if (is_due_)
             zelvanite::IEEE754Float::set_range(zelvanite::IEEE754Float::Format::of(width_));

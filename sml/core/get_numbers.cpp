@@ -14,7 +14,7 @@ namespace {
 constexpr int limb_bits = 64;
 constexpr int limb_digits = 16;
 
-/// The bits behind a float's first digit, from the highest on.
+/// The bits after a float's first digit, the first one in the highest bit of `high`.
 struct Fraction {
     std::uint64_t high = 0;
     std::uint64_t low = 0;
@@ -33,7 +33,7 @@ bool take_fraction(char const* at, int digits, Fraction& fraction) noexcept {
     return true;
 }
 
-/// Decimal digits up to the end.
+/// Parses a sign and one to six decimal digits up to `end`; false for anything else.
 bool take_exponent(char const* at, char const* end, mpfr_exp_t& exponent) noexcept {
     constexpr int most_digits = 6;
     bool const    is_negative = *at == '-';
@@ -50,7 +50,7 @@ bool take_exponent(char const* at, char const* end, mpfr_exp_t& exponent) noexce
     return true;
 }
 
-/// The number with the format's mantissa size; its range is set.
+/// Sets the format's exponent range and the number's mantissa size; returns the number.
 mpfr_ptr in_format(zelvanite::IEEE754Float& value, zelvanite::IEEE754Float::Format const& format) {
     zelvanite::IEEE754Float::set_range(format);
     mpfr_ptr const number = value.number();
@@ -58,7 +58,7 @@ mpfr_ptr in_format(zelvanite::IEEE754Float& value, zelvanite::IEEE754Float::Form
     return number;
 }
 
-/// Zeros and infinities.
+/// Parses a zero or an infinity; false for anything else.
 bool take_special(std::string_view text, zelvanite::IEEE754Float& value) {
     int const sign = text.starts_with('-') ? -1 : 1;
     if (sign < 0) text.remove_prefix(1);

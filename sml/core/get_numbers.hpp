@@ -1,6 +1,6 @@
 #pragma once
-// Big integers and floats from text, straight into their limbs, where the text is one that a writer
-// makes. What is not told here goes the plain way of `sml/core/text_blocks.hpp`.
+// Parsing big integers and floats straight into their limbs, for texts as a writer spells them. All
+// other texts are left to the slower functions of `sml/core/text_blocks.hpp`.
 
 #include <sml/core/big_integer.hpp>
 #include <sml/core/ieee754_float.hpp>
@@ -9,13 +9,16 @@
 
 namespace sml::core {
 
-/// Reads the bytes of a block; false, with nothing done, for a text of many digits or one that is
-/// not as it is written.
+/// Parses the `size` bytes of a block into `value`. Returns false, and changes nothing, if the
+/// text has more than 64 digits or is not spelled as a writer spells it. Throws nothing; the number
+/// library ends the process if it gets no memory.
 bool take_integer(char const* block, std::size_t size, BigInteger& value);
 
-/// Reads the bytes of a block by the format that `value.width` says and makes that format's the
-/// exponent range; false, with nothing done, for a text that is not as it is written with a dot for
-/// the point, one that would have to be rounded, and one with a point where `point` is no dot.
+/// Parses the `size` bytes of a block into `value`, by the format of `value.width`, and sets MPFR's
+/// exponent range to that of the format. `point` is the decimal point of the process. Returns
+/// false, and changes nothing, if the text is not spelled as a writer with a dot for the point
+/// spells it, if the number would have to be rounded, and if the text has a point but `point` is
+/// not a dot.
 bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value, char point);
 
 }  // namespace sml::core

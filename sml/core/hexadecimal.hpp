@@ -6,27 +6,27 @@
 
 namespace sml::core {
 
-/// The digits behind 9: `Ten` is 'a' or 'A'.
+/// `Ten` is the digit of value ten: 'a' or 'A'.
 template <char Ten>
 struct Hexadecimal {
     static constexpr std::uint64_t ones = 0x0101010101010101;
 
-    /// The characters of digits that stand one in each byte.
+    /// The characters of eight digits, one digit in each byte.
     static constexpr std::uint64_t characters(std::uint64_t digits) noexcept {
         constexpr std::uint64_t gap = Ten - '0' - 10;
         return digits + '0' * ones + (((digits + 6 * ones) >> 4) & ones) * gap;
     }
 
-    /// Writes all 16 digits of a word.
+    /// Writes 16 characters, all digits of a word, at `at`.
     static void put(char* at, std::uint64_t word) noexcept {
         std::uint64_t const text[2] = {__builtin_bswap64(characters(spread(word >> 32))),
                                        __builtin_bswap64(characters(spread(word & 0xFFFFFFFF)))};
         std::memcpy(at, text, sizeof text);
     }
 
-    /// Reads `count` digits, 1 to 16, and nothing beyond them. False where one of them is none.
+    /// Parses `count` digits, 1 to 16, and reads nothing beyond them. False if one is no digit.
     static bool take(char const* at, int count, std::uint64_t& word) noexcept {
-        // The first and the last of them, which overlap in the middle.
+        // Two loads, of the first and of the last characters, which may overlap in the middle.
         if (count >= 8) {
             std::uint64_t first = load<std::uint64_t>(at);
             std::uint64_t last = load<std::uint64_t>(at + count - 8);
@@ -61,14 +61,14 @@ private:
         return word;
     }
 
-    /// The eight digits of a half word, one in each byte.
+    /// The eight digits of a half word, one in each byte of the result.
     static constexpr std::uint64_t spread(std::uint64_t half) noexcept {
         half = (half | half << 16) & 0x0000FFFF0000FFFF;
         half = (half | half << 8) & 0x00FF00FF00FF00FF;
         return (half | half << 4) & 0x0F0F0F0F0F0F0F0F;
     }
 
-    /// Makes eight characters the digits that they are.
+    /// Turns eight characters into the digits that they stand for; false if one is no digit.
     static constexpr bool are_digits(std::uint64_t& text) noexcept {
         std::uint64_t const digits = (text & 15 * ones) + (text >> 6 & ones) * 9;
         bool const          fit = (digits & 0xF0 * ones) == 0 && characters(digits) == text;
@@ -76,7 +76,7 @@ private:
         return fit;
     }
 
-    /// The half word of eight digits, the highest of which stands at the lowest address.
+    /// The half word made of eight digits; the one at the lowest address is the highest.
     static constexpr std::uint64_t gathered(std::uint64_t digits) noexcept {
         digits = __builtin_bswap64(digits);
         digits = (digits | digits >> 4) & 0x00FF00FF00FF00FF;

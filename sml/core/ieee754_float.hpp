@@ -9,13 +9,14 @@
 
 namespace zelvanite {
 
-/// A float with the total width in bits of its format.
+/// A float and the total width in bits of its format.
 ///
 /// Every construction, copy and assignment sets MPFR's process-wide exponent range to that of the
-/// format and leaves it so. A width other than 16, 32, 40, 48, 64, 80 and 128 has an empty range
-/// and a mantissa of 0 bits, which MPFR refuses in ways of its own; nothing here tests for it.
+/// format and does not restore it. A width other than 16, 32, 40, 48, 64, 80 and 128 has an empty
+/// range and a mantissa of 0 bits. Nothing here checks for it; what MPFR makes of it is left as it
+/// is.
 struct IEEE754Float {
-    /// Exponent range and mantissa size of a format.
+    /// The least and greatest exponent of a format, as MPFR has them, and its mantissa size.
     struct Format {
         mpfr_exp_t  emin;
         mpfr_exp_t  emax;
@@ -41,17 +42,17 @@ struct IEEE754Float {
     Number        value;
     std::uint64_t width;
 
-    /// 0 in the 64-bit format.
+    /// The number 0 in the 64-bit format.
     SML_API IEEE754Float();
 
-    /// Takes the mantissa size of the format, whatever that of `other`.
+    /// Copies, and rounds to the mantissa size of the format, whatever that of `other` is.
     SML_API IEEE754Float(IEEE754Float const& other);
 
-    // Copies, with the mantissa size that `other` has: the wrapper's moved-from numbers may not be
-    // touched.
+    // Copies, with the mantissa size that `other` has. A move of the wrapper would leave `other`
+    // in a state in which it may only be destroyed or assigned to.
     IEEE754Float(IEEE754Float&& other) : width(other.width) { take(other); }
 
-    /// Takes the mantissa size that `other` has.
+    /// Copies, with the mantissa size that `other` has.
     IEEE754Float& operator=(IEEE754Float const& other) {
         width = other.width;
         take(other);
@@ -69,10 +70,10 @@ struct IEEE754Float {
         mpfr_set_emax(format.emax);
     }
 
-    /// By value, equal values by width. A NaN is neither less nor greater.
+    /// Compares the numbers; if they are equal, the widths. A NaN is neither less nor greater.
     SML_API bool operator<(IEEE754Float const& other) const;
 
-    /// By value and width; a NaN is unequal to everything, itself included.
+    /// Whether number and width are equal; a NaN is unequal to everything, even to itself.
     bool operator==(IEEE754Float const& other) const noexcept {
         return mpfr_equal_p(number(), other.number()) != 0 && width == other.width;
     }

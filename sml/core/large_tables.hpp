@@ -1,11 +1,11 @@
 #pragma once
 // Reading large hash tables.
 //
-// The order of a table's entries follows from all of its growth and is part of the bytes, so room
-// can't be reserved. But when a table of large entries grows, they are no longer in the cache: each
-// lookup waits for the memory of others, and each growth visits them all. So its growth is played
-// through without them, and the table gets its entries in the end. Small entries are dense enough
-// in memory to be visited.
+// The order of a hash table's entries depends on each time it has grown, and is part of the bytes,
+// so buckets can't be reserved. But while a table of large entries grows, most of them are no
+// longer in the cache: each lookup waits for the memory of other entries, and each growth visits
+// them all. So the growth is simulated without the entries (`TableOrder`), and they are inserted at
+// the end. Small entries are dense enough in memory to be visited.
 
 #include <sml/core/kinds.hpp>
 #include <sml/core/table_order.hpp>
@@ -18,11 +18,12 @@
 
 namespace sml::core {
 
-/// Adds entries to a new table, which has those that were kept when this is destroyed.
+/// Collects entries for a new, empty table, which the caller owns; the destructor inserts those
+/// that were kept.
 template <HashMap Table>
 class LargeTable {
 public:
-    /// Whether adding so many entries this way is possible, and pays.
+    /// Whether so many entries can be added to the table this way, and whether that is faster.
     static bool suits(Table const& table, std::uint32_t entries) {
         return sizeof(typename Table::value_type) >= least_size && entries >= least_count &&
                table.empty() && table.bucket_count() == 1 && table.max_load_factor() == 1;
@@ -33,7 +34,7 @@ public:
     LargeTable& operator=(LargeTable const&) = delete;
     ~LargeTable() { link(); }
 
-    /// Makes an entry and gives its value, to be kept when it is complete.
+    /// Makes an entry and returns its value, to be read before `keep` is called.
     typename Table::mapped_type& make(typename Table::key_type&& key) {
         maker_.try_emplace(std::move(key));
         made_ = maker_.extract(maker_.begin());
@@ -42,7 +43,7 @@ public:
         return made_.mapped();
     }
 
-    /// Keeps the entry, unless there is one with its key.
+    /// Keeps the entry made last, unless one with its key has been kept before.
     void keep() {
         if (has_its_key()) {
             made_ = Entry();
@@ -54,13 +55,13 @@ public:
     }
 
 private:
-    // Measured: tables of numbers read entry by entry take two thirds of the time.
+    // Measured: reading a table of small entries one by one takes two thirds of the time.
     static constexpr std::size_t   least_size = 128;
     static constexpr std::uint32_t least_count = 64;
 
     using Entry = typename Table::node_type;
 
-    // The tables that are made here hash alike.
+    // So the tables that are made here hash like the caller's.
     static_assert(std::is_empty_v<typename Table::hasher>);
 
     bool has_its_key() const {
@@ -69,7 +70,8 @@ private:
         });
     }
 
-    /// So does the table itself, which has room for the entries then. All or nothing.
+    /// Gives the table its next number of buckets, and all vectors room for as many entries. If
+    /// that throws, nothing has changed but the vectors' capacity.
     void grow() {
         Table grown;
         grown.rehash(TableOrder::more_buckets(table_.bucket_count()));
@@ -79,7 +81,7 @@ private:
         table_.swap(grown);
     }
 
-    /// From the last to the first, since each comes before those that are there.
+    /// Inserts from the last entry to the first, since a table puts a new one before those in it.
     void link() noexcept {
         order_.for_each([this](std::uint32_t number) { in_order_.push_back(number - 1); });
         for (std::size_t left = in_order_.size(); left != 0; --left) {

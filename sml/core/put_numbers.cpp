@@ -16,7 +16,7 @@ static_assert(GMP_NUMB_BITS == limb_bits);
 
 void put_word(char* at, std::int32_t word) noexcept { std::memcpy(at, &word, sizeof word); }
 
-/// Zeros, infinities and what is not a number.
+/// Writes a zero, an infinity or a NaN.
 char* put_special(char* at, zelvanite::IEEE754Float const& value) noexcept {
     mpfr_srcptr const number = value.number();
     char* const       block = at;
@@ -72,7 +72,7 @@ char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noex
     std::uint64_t const high = number->_mpfr_d[has_two ? 1 : 0];
     std::uint64_t const low = has_two ? number->_mpfr_d[0] : 0;
 
-    // The exponent told is a multiple of 4; the first digit takes what it lacks.
+    // The exponent is written as a multiple of 4; the first digit has one to four bits for that.
     auto const          first_bits = static_cast<int>((exponent - 1) & 3) + 1;
     std::uint64_t const rest_high = high << first_bits | low >> (limb_bits - first_bits);
     std::uint64_t const rest_low = low << first_bits;

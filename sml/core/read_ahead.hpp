@@ -1,15 +1,15 @@
 #pragma once
-// Walking the nodes of a container while the memory fetches those to come. The nodes of a graph are
-// scattered, so that waiting for them would take longer than all else.
+// Walking the nodes of a container with the next one prefetched. The nodes of an object graph are
+// scattered in memory, so that waiting for them would take longer than all else.
 
 #include <cstddef>
 #include <iterator>
 
 namespace sml::core {
 
-/// Asks for the memory of an object. Of a very large one, mostly a variant with a small arm in it,
-/// that is where the arm begins and what stands behind it. What a large one owns was mostly
-/// allocated right after it, so the beginning of that is asked for, too.
+/// Prefetches the memory of an object. A very large one is mostly a variant with a small arm, so of
+/// it only the beginning and the end are prefetched. What a large object owns was mostly allocated
+/// right after it, so the first bytes behind it are prefetched, too.
 template <class T>
 inline void prefetch(T const& object) noexcept {
     constexpr std::size_t line = 64;
@@ -28,7 +28,7 @@ inline void prefetch(T const& object) noexcept {
     }
 }
 
-/// Calls `use` with each element in turn, while the next one is on its way.
+/// Calls `use` with each element in order, after prefetching the next one.
 template <class Container, class Use>
 void for_each_ahead(Container const& container, Use&& use) {
     auto const end = container.end();

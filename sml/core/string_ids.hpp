@@ -13,10 +13,12 @@
 
 namespace sml::core {
 
-/// Handles to ids from 1 on, in the order in which they are met. Pins each of them.
+/// The ids that a writer has given to strings: 1, 2, 3, ... in the order of their definitions. It
+/// holds a handle to each, so that no entry is released meanwhile.
 class IdsByString {
 public:
-    /// The id of the handle; 0 when it is met for the first time, and it gets the next one.
+    /// Returns the string's id. If it has none yet, it gets the next one, `size()`, and 0 is
+    /// returned.
     std::int32_t find_or_add(Strings_T const& handle) {
         void const* const key = key_of(handle);
         for (std::size_t i = slot_of(key);; i = (i + 1) & mask_) {
@@ -36,7 +38,7 @@ private:
 
     static constexpr std::size_t first_size = 64;
 
-    /// Handles are equal when their entries are, and a handle is nothing but its entry's address.
+    /// The address of the handle's entry, which is all that a handle consists of.
     static void const* key_of(Strings_T const& handle) noexcept {
         void const* key;
         static_assert(sizeof key == sizeof handle);
@@ -44,7 +46,7 @@ private:
         return key;
     }
 
-    /// Multiplied so that the high bits, which choose the slot, depend on all of the address.
+    /// Multiplies, so that the high bits, which choose the slot, depend on the whole address.
     std::size_t slot_of(void const* key) const noexcept {
         constexpr std::uint64_t factor = 0x9e3779b97f4a7c15;
         return reinterpret_cast<std::uintptr_t>(key) * factor >> shift_;
@@ -61,14 +63,15 @@ private:
     std::vector<Strings_T>  pinned_;  // by id, from 1 on
 };
 
-/// Strings by id. An id keeps what it was given first; one that is asked for before it was given
-/// has been given the null handle thereby. Pins each of them.
+/// The strings that a reader has by their ids. An id keeps its first text, and an id that is
+/// referred to before its definition gets the empty text. It keeps the entry of each string alive.
 class StringsById {
 public:
-    /// When the handles that are given out go into the counts of their entries. A graph has far
-    /// more handles than strings, so that counting in the end saves fetching an entry for each;
-    /// until then nobody may look at a count, which is too high to reach zero. Only the caller's
-    /// functions for memory run meanwhile.
+    /// When handles made by `refer` are added to the counts of their entries. A graph has far more
+    /// handles than strings, so counting them at the end saves an access to an entry for each.
+    /// Until then a pin, a large number added to each count, keeps it from reaching zero, and
+    /// nobody may look at a count: so the only code of the caller that may run is its memory
+    /// functions.
     enum class Counting { at_once, in_the_end };
 
     explicit StringsById(Counting counting) : counting_(counting) {}
@@ -79,7 +82,7 @@ public:
             if (string.entry != nullptr) settle(string);
     }
 
-    /// Makes `handle` one of the string of `id`.
+    /// Makes `handle` refer to the string of `id`, which is at least 1.
     void refer(Strings_T& handle, std::int32_t id) {
         auto const index = static_cast<std::size_t>(id) - 1;
         if (index >= in_turn_.size()) {
@@ -94,6 +97,7 @@ public:
         }
     }
 
+    /// Sets the string of `id`, unless the id has one.
     void give(std::int32_t id, Strings_T const& handle) {
         if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty() &&
             can_pin(handle)) {
@@ -114,12 +118,12 @@ private:
         std::uint64_t uncounted;
     };
 
-    /// More than memory has room for; so little that a string can be pinned many times, by ids of
-    /// one archive that have the same text, and by archives inside one another.
+    /// More handles than memory has room for, and yet so few that a string can be pinned many
+    /// times: by ids of one archive that have the same text, and by archives inside one another.
     static constexpr std::uint64_t most_handles = std::uint64_t{1} << 48;
     static constexpr std::uint64_t highest_count = std::uint64_t{1} << 63;
 
-    /// What pinning a string adds to its count.
+    /// The number that is added to a string's count as long as this object holds it.
     std::uint64_t pin() const { return counting_ == Counting::at_once ? 1 : most_handles; }
 
     static bool can_pin(Strings_T const& handle) {
@@ -132,7 +136,7 @@ private:
     }
 
     Counting                                    counting_;
-    std::vector<InTurn>                         in_turn_;  // ids from 1 on, given in their turn
+    std::vector<InTurn>                         in_turn_;  // ids from 1 on, in sequence
     std::unordered_map<std::int32_t, Strings_T> others_;
 };
 

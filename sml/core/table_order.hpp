@@ -1,5 +1,5 @@
 #pragma once
-// The order of the entries of a hash table, played through without the entries.
+// The order of the entries of a hash table, simulated without the entries.
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace sml::core {
 
-/// The remainders of division by one number, by multiplication.
+/// Computes remainders of division by one number, without dividing.
 class Remainder {
 public:
     explicit Remainder(std::uint64_t divisor)
@@ -21,7 +21,7 @@ public:
 
     std::uint64_t operator()(std::uint64_t value) const {
         auto const quotient = static_cast<std::uint64_t>((Wide{value} * inverse_) >> 64);
-        // It may be one too small.
+        // The quotient may be one too small.
         std::uint64_t const rest = value - quotient * divisor_;
         return rest < divisor_ ? rest : rest - divisor_;
     }
@@ -34,18 +34,20 @@ private:
 };
 
 /// The order in which libstdc++ has the entries of a hash table that grows while they are added one
-/// by one, its maximum load being 1. All are in one chain, in which those of a bucket stand
-/// together. A new entry comes first in its bucket, or first in the chain when the bucket is empty.
-/// When the table grows, all do so anew, one after another. Entries have numbers, from 1 on.
+/// by one, with a maximum load factor of 1. All entries are in one chain, in which those of a
+/// bucket are neighbours. A new entry comes first in its bucket, or first in the chain if the
+/// bucket is empty. When the table grows, all entries are added anew in the order of the chain.
+/// Entries are numbered from 1 in the order in which they were added.
 class TableOrder {
 public:
-    /// The buckets to ask an empty table for that is to have as many as one that grows: it gets the
-    /// next prime.
+    /// The argument of `rehash` by which an empty table gets as many buckets as a full table of
+    /// `buckets` buckets gets when it grows: the next prime.
     static std::size_t more_buckets(std::size_t buckets) { return buckets == 1 ? 12 : 2 * buckets; }
 
-    /// Whether the table grows when it gets another entry.
+    /// Whether the table has to grow before another entry is added.
     bool is_full() const { return entries() == most_entries_; }
 
+    /// Grows to so many buckets. If that throws `std::bad_alloc`, nothing has changed.
     void grow(std::size_t buckets) {
         std::vector<std::uint32_t> before_bucket(buckets, none);
         links_.reserve(buckets + 1);
@@ -56,10 +58,10 @@ public:
         while (number != edge) link(std::exchange(number, links_[number].next));
     }
 
-    /// Asks for the memory that `has` and `add` will need first.
+    /// Prefetches the memory that `has` and `add` read first for this hash.
     void prefetch(std::size_t hash) const { __builtin_prefetch(&before_bucket_[bucket_of_(hash)]); }
 
-    /// Whether `is_same(number)` holds for an entry that has the hash.
+    /// Whether `is_same(number)` is true for an entry with this hash.
     template <class IsSame>
     bool has(std::size_t hash, IsSame&& is_same) const {
         std::size_t const bucket = bucket_of_(hash);
@@ -71,12 +73,13 @@ public:
         return false;
     }
 
-    /// Adds the next entry, when it is not full. Can't fail.
+    /// Adds an entry with this hash; `is_full()` is false. Doesn't throw.
     void add(std::size_t hash) {
         links_.push_back({hash, edge});
         link(static_cast<std::uint32_t>(entries()));
     }
 
+    /// Calls `use(number)` for each entry in the order of the table.
     template <class Use>
     void for_each(Use&& use) const {
         for (std::uint32_t at = links_[edge].next; at != edge; at = links_[at].next) use(at);
@@ -88,7 +91,7 @@ private:
         std::uint32_t next;
     };
 
-    static constexpr std::uint32_t edge = 0;  // stands before the first and behind the last
+    static constexpr std::uint32_t edge = 0;  // before the first entry and after the last
     static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 
     std::size_t entries() const { return links_.size() - 1; }

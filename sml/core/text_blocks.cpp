@@ -26,7 +26,7 @@ TextBlock make_block(std::int32_t length) {
 std::string text_of(BigInteger const& value) {
     mpz_srcptr const number = value.backend().data();
     auto const       digits = static_cast<std::int32_t>(mpz_sizeinbase(number, number_base));
-    // One more for the terminator of a negative number; the block leaves that one out.
+    // Room for a sign and the terminator; the last byte is not part of the block.
     std::string text(static_cast<std::size_t>(digits) + 3, '\0');
     mpz_get_str(text.data(), number_base, number);
     text.pop_back();

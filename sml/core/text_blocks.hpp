@@ -1,5 +1,5 @@
 #pragma once
-// Numbers as text: what a block on the wire holds for a big integer, a float and a double.
+// Numbers as text: the contents of the blocks of big integers, floats and doubles.
 
 #include <sml/core/big_integer.hpp>
 #include <sml/core/ieee754_float.hpp>
@@ -11,26 +11,27 @@
 
 namespace sml::core {
 
-/// Bytes of a block with one zero behind them; null for the length -1.
+/// The bytes of a block, followed by a zero byte; null for the length -1.
 using TextBlock = std::unique_ptr<char[]>;
 
-/// Room for a block, zeroed. Throws `std::bad_alloc` where the length is below -1.
+/// Allocates a block of zero bytes. Throws `std::bad_alloc`, also if the length is below -1.
 TextBlock make_block(std::int32_t length);
 
-/// Base 16 in lower case, followed by zero bytes: two, or one behind a negative number.
+/// The digits in base 16 and lower case, followed by two zero bytes, or one for a negative number.
 std::string text_of(BigInteger const& value);
 
-/// Six digits behind the point, in the process's numeric locale.
+/// Decimal digits, six of them behind the point, by the process's numeric locale.
 std::string text_of(double value);
 
-/// A text that is no number leaves the value as it was.
+/// Parses base 16. If the text is no number, the value stays as it was.
 void parse(TextBlock const& text, BigInteger& value);
 
-/// Parses by the format that `value.width` says, which also becomes MPFR's exponent range.
+/// Parses base 16 by the format of `value.width`, and sets MPFR's exponent range to that of the
+/// format.
 void parse(TextBlock const& text, zelvanite::IEEE754Float& value);
 
-/// The number that the text begins with. Throws what `std::stod` throws, and `std::logic_error`
-/// for a null block.
+/// Returns the number that the text begins with. Throws `std::invalid_argument` if there is none,
+/// `std::out_of_range`, and `std::logic_error` for a null block.
 double double_of(TextBlock const& text);
 
 /// A float as upper-case hexadecimal text, held on the stack. Sets MPFR's exponent range to that
@@ -43,7 +44,7 @@ public:
     std::size_t size() const noexcept { return size_; }
 
 private:
-    // Only the low byte of a length goes out.
+    // Only the low byte of the length is written.
     static constexpr std::size_t capacity = 256;
 
     char        text_[capacity];

@@ -1,5 +1,5 @@
 #pragma once
-// The wire form. Each of its rules stands in exactly one function here.
+// The wire form. Each of its rules is in exactly one function here.
 
 #include <sml/core/archives.hpp>
 #include <sml/core/get_numbers.hpp>
@@ -29,8 +29,8 @@ consteval std::size_t longest_run_of_arms(std::integer_sequence<std::int32_t, Ta
     return std::max({longest_run<typename V::arms::template payload<Tag>>()...});
 }
 
-/// The most bytes that a value takes between the places where room is asked for: behind texts, and
-/// around what stands in a container or a box.
+/// The most bytes that a value takes between two calls of `make_room`. It is called after each text
+/// and around each element of a container and each boxed value.
 template <class T>
 consteval std::size_t longest_run() {
     if constexpr (std::is_void_v<T> || Boxed<T>)
@@ -55,10 +55,10 @@ consteval std::size_t longest_run() {
         return 4 +
                longest_run_of_arms<T>(std::make_integer_sequence<std::int32_t, T::arms::count>{});
     else
-        return 0;  // no wire form, which is told elsewhere
+        return 0;  // no wire form
 }
 
-/// Writes values to one archive.
+/// Writes values to one archive, which must outlive it.
 template <class Archive>
 class Writer {
 public:
@@ -69,7 +69,7 @@ public:
         if constexpr (WireForm<T>::exists) write(value);
     }
 
-    /// What stands on its own: a root, an element of a container, a boxed value.
+    /// Writes a root, an element of a container or a boxed value, with room made for it before.
     template <class T>
     void write_with_room(T const& value) {
         static_assert(!WireForm<T>::exists || longest_run<T>() <= room_ahead);
@@ -151,13 +151,14 @@ private:
         parts.with_fields([this](auto const&... field) { ((*this)(field), ...); });
     }
 
-    // One `serialize` serves both directions; a writing archive leaves the object as it is.
+    // `serialize` is one function for both directions; a writing archive does not change the
+    // object.
     template <Serialized T>
     void write(T const& value) {
         const_cast<T&>(value).serialize(archive_, 0);
     }
 
-    // The size goes out as its low 32 bits.
+    // Required: the length word is the low 32 bits of the size.
     void put_block(char const* bytes, std::size_t size) {
         write(static_cast<std::int32_t>(size));
         archive_.put_long(bytes, size);
@@ -166,7 +167,8 @@ private:
     Archive& archive_;
 };
 
-/// Reads values from one archive. Containers are added to, never cleared first.
+/// Reads values from one archive, which must outlive it. It adds to containers and never clears
+/// them.
 template <class Archive>
 class Reader {
 public:
@@ -198,7 +200,7 @@ private:
         parse(get_block(length), value);
     }
 
-    // The width stands behind the text but decides how it is parsed.
+    // The width follows the text but decides how it is parsed.
     void read(zelvanite::IEEE754Float& value) {
         constexpr std::int32_t width_size = sizeof(std::int32_t);
         auto const             length = archive_.template get_word<std::int32_t>();
@@ -207,7 +209,7 @@ private:
             set_width(value, core::word_at<std::int32_t>(block + length));
             if (take_float(block, static_cast<std::size_t>(length), value, archive_.point))
                 return archive_.skip(length, width_size);
-            value.width = width_before;  // memory for the text can run out
+            value.width = width_before;  // `get_block` may throw
         }
         TextBlock const text = get_block(length);
         set_width(value, archive_.template get_word<std::int32_t>());
@@ -218,14 +220,14 @@ private:
         value.width = static_cast<std::uint64_t>(static_cast<std::int64_t>(width));
     }
 
-    // A negative length becomes a huge size; `assign` throws the required length error.
+    // Required: a negative length becomes a huge size, for which `assign` throws its length error.
     void read(std::string& text) {
         auto const length = archive_.template get_word<std::int32_t>();
         text.assign(static_cast<std::size_t>(static_cast<std::int64_t>(length)), ' ');
         archive_.get(text.data(), length);
     }
 
-    // Required: 0 and below are first sights, and an undefined id becomes a null handle.
+    // Required: a word of 0 or below is a definition, and an id without one gives a null handle.
     void read(Strings_T& handle) {
         auto const word = archive_.template get_word<std::int32_t>();
         if (word >= 1) return archive_.strings_by_id.refer(handle, word);
@@ -249,7 +251,7 @@ private:
         (*this)(*value);
     }
 
-    // Required: the count is unsigned and the loop runs that often.
+    // Required: the count is unsigned, and so many elements are read.
     template <class Use>
     void repeat(Use&& read_element) {
         repeat(archive_.template get_word<std::uint32_t>(), read_element);
@@ -260,7 +262,7 @@ private:
         for (; times != 0; --times) read_element();
     }
 
-    // Each element is read in its own node and joins the list when it is complete.
+    // Each element is read in a node of its own, which is added to the list when it is complete.
     template <List T>
     void read(T& list) {
         repeat([&] {
@@ -279,8 +281,8 @@ private:
         });
     }
 
-    // Required: the first entry for a key stays, a later one is read and dropped, and one whose
-    // reading throws is not left behind.
+    // Required: the first entry for a key stays, a later one is read and dropped, and an entry
+    // whose reading throws does not stay in the map.
     template <Map T>
         requires(!last_wins<T>)
     void read(T& map) {
@@ -318,7 +320,7 @@ private:
         (*this)(value);
     }
 
-    // Required: the first key object for a key stays, the value is read over the one held.
+    // Required: the first entry for a key stays, and later values are read over its value.
     template <Map T>
         requires last_wins<T>
     void read(T& map) {
@@ -358,7 +360,7 @@ private:
     Archive& archive_;
 };
 
-/// Writes or reads `value`, as the archive does.
+/// Writes `value` to the archive, or reads it, by what the archive does.
 template <class Archive, class T>
 void transfer(Archive& archive, T& value) {
     if constexpr (Archive::writes)
@@ -367,7 +369,7 @@ void transfer(Archive& archive, T& value) {
         Reader<Archive>{archive}(value);
 }
 
-/// Writes or reads all fields of a record in wire order.
+/// Writes or reads all fields of a record, in wire order.
 template <class Archive, class T>
 void transfer_fields(Archive& archive, T& record) {
     record.with_fields([&](auto&... field) { (transfer(archive, field), ...); });
@@ -380,7 +382,9 @@ void write_with_archive(T const& value, std::ostream& stream) {
     archive.finish();
 }
 
-/// Required: a stream that flushes itself behind each item, or another one before each, does so.
+/// Writes a value. A stream that flushes itself after each item (`unitbuf`), or another stream
+/// before it (a tied stream), is required to do so, and is written item by item. Throws what the
+/// stream throws.
 template <class T>
 void write_to_stream(T const& value, std::ostream& stream) {
     bool const flushes_each_item = stream.tie() != nullptr || (stream.flags() & std::ios::unitbuf);
@@ -390,6 +394,8 @@ void write_to_stream(T const& value, std::ostream& stream) {
         write_with_archive<StreamOArchive>(value, stream);
 }
 
+/// Reads a value and leaves the stream behind its last byte. Throws what the stream throws, and
+/// what reading throws.
 template <class T>
 void read_from_stream(T& value, std::istream& stream) {
     StreamIArchive archive(stream);

@@ -1,10 +1,10 @@
 #pragma once
-// What every variant does with its tag and its arm.
+// What all variants do with their tag and payload.
 //
-// A variant holds two numbers: the tag, and the arm whose payload stands in the storage. Copying,
-// moving and destroying follow the second, so a payload whose construction throws leaves nothing
-// half alive. A last arm that takes the remaining tags is built when such a tag is read or chosen;
-// the default variant, whose tag -1 it serves, does without.
+// A variant has two numbers: its tag, and the arm whose payload is in its storage. Copying, moving
+// and destroying follow the second, so a payload whose constructor throws leaves no half-built
+// object. The payload of a catch-all arm is built when an unknown tag is read or chosen; a
+// default-constructed variant, whose tag is -1, has none.
 
 #include <sml/core/compare.hpp>
 #include <sml/core/transfer.hpp>
@@ -46,14 +46,14 @@ struct VariantAccess {
         target.tag.value_ = source.tag;
     }
 
-    // What is assigned from may sit inside the target, so it is taken before the target's own goes.
+    // The source may be inside the target's payload, so it is moved out before that is destroyed.
     template <class V>
     static void assign(V& target, V&& source) {
         V taken(std::move(source));
         replace(target, taken);
     }
 
-    /// The payload is assigned to a default one, not copy-constructed.
+    /// Required: the payload is assigned to a default-constructed one, not copy-constructed.
     template <class V>
     static void assign(V& target, V const& source) {
         V fresh;
@@ -110,7 +110,7 @@ private:
         variant.visit_payload([&](auto const& payload) { writer(payload); });
     }
 
-    // Required: an equal tag reads over the payload that is there.
+    // Required: if the variant has this tag already, the payload is read over its present one.
     template <class Archive, class V>
     static void read(Archive& archive, V& variant) {
         Reader<Archive> reader(archive);
@@ -140,13 +140,13 @@ private:
         return reinterpret_cast<typename V::arms::template payload<Index>*>(variant.storage_);
     }
 
-    /// Calls `use` with the payload of a living arm.
+    /// Calls `use` with the payload of an arm that is built; does nothing for -1.
     template <class V, class Use>
     static void at(V& variant, std::int32_t arm, Use&& use) {
         with_arm<V>(arm, [&]<std::int32_t Index>() { use(ArmAccess::payload_at<Index>(variant)); });
     }
 
-    /// Calls `use` with the index of an arm with payload; nothing for -1.
+    /// Calls `use` with the index of an arm that has a payload; does nothing for others and for -1.
     template <class V, class Use>
     static void with_arm(std::int32_t arm, Use&& use) {
         with_arm<V>(arm, use, std::make_integer_sequence<std::int32_t, V::arms::count>());
@@ -164,7 +164,7 @@ private:
     }
 };
 
-/// Order and equality of the reference types; the word is told as signed in arm 0 only.
+/// Order, equality and names of reference types. Only the word of arm 0 is compared as signed.
 struct ReferenceAccess {
     template <class R>
     static bool equal(R const& a, R const& b) {

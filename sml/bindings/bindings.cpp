@@ -23,9 +23,9 @@ struct InsideCall {
 constinit std::atomic<char const*> outermost_call = nullptr;  // of the thread that is inside
 constinit thread_local std::size_t calls_of_this_thread = 0;  // inside one another
 
-/// Its thread is inside an entry point. Ends the process when another thread is, before the two
-/// spoil the string table or the shared result. A thread that is inside may enter again, as a
-/// stream buffer does that calls the library.
+/// Marks that its thread is inside an entry point. Aborts if another thread is inside one, before
+/// the two damage the string table or the shared result. A thread that is inside one may enter
+/// another, as a stream buffer does that calls the library.
 class InsideCall {
 public:
     explicit InsideCall(char const* call) {
@@ -51,18 +51,18 @@ private:
 
 #endif
 
-// Holds the bytes of the latest `fromCxx` of any root. Built right after the string table and
+// The bytes of the latest `fromCxx` of any root. Constructed right after the string table and
 // destroyed right before it.
 __attribute__((init_priority(102))) std::string shared_result;
 
-// What the latest call but one has left, which the next one writes over: its memory is warm. A call
-// that fails leaves the latest result as it is.
+// The result of the call before the latest one, over which the next call writes: its memory is in
+// the caches. So a call that throws leaves the latest result as it is.
 __attribute__((init_priority(102))) std::string spare_result;
 
 constexpr std::size_t largest_spare = std::size_t{128} << 20;
 constexpr std::size_t smallest_shrunk = std::size_t{1} << 20;
 
-/// Gives back memory that a much larger result before has left.
+/// Frees memory of a result that is much smaller than an earlier one in the same string.
 void shrink(std::string& result) {
     if (result.capacity() > smallest_shrunk && result.capacity() / 4 > result.size())
         result.shrink_to_fit();

@@ -1,25 +1,30 @@
 #pragma once
-// The entry points: bytes to objects and back, seven functions for each of the 40 root types.
+// The entry points: seven functions for each of the 40 root types, which make objects of bytes and
+// bytes of objects.
 //
 // For a root with stem X and object type T:
 //
-//   void               sml::X_toCxx(T& value, char const* bytes)          reads T from the bytes
+//   void               sml::X_toCxx(T& value, char const* bytes)          reads a T from bytes
 //   void               sml::deserializeSmlData(T& value, char const* bytes)   the same
-//   std::string const& sml::X_fromCxx(T const& value)                     writes T to a string
-//   void               sml::X_toStream(T const& value, std::ostream&)     writes T to a stream
-//   void               sml::X_fromStream(T& value, std::istream&)         reads T from a stream
-//   void               X_toCxx(T* value, char const* bytes)               flat twin of toCxx
-//   char const*        X_fromCxx(T const* value)                          flat twin of fromCxx
+//   std::string const& sml::X_fromCxx(T const& value)                     writes a T to a string
+//   void               sml::X_toStream(T const& value, std::ostream&)     writes a T to a stream
+//   void               sml::X_fromStream(T& value, std::istream&)         reads a T from a stream
+//   void               X_toCxx(T* value, char const* bytes)               toCxx as `extern "C"`
+//   char const*        X_fromCxx(T const* value)                          fromCxx as `extern "C"`
 //
-// Reading adds to the containers that `value` already holds, so give it a fresh object. It trusts
-// its input: bytes that no writer of this library made are undefined behaviour. Object and bytes
-// stay the caller's.
+// Reading requires bytes that a writer of this library made, or that `sml/inspect/verify.hpp` found
+// not to be unsafe: it checks nothing, and other bytes are undefined behaviour. It adds to the
+// containers that `value` already has, so give it a new object. Pointers are not null. `value`,
+// `bytes` and streams stay the caller's, and nothing keeps a pointer to them.
 //
-// All `fromCxx` share one result string: copy the bytes before the next call of any of them. The
-// bytes hold zeros, and the flat form tells no length.
+// All `fromCxx` return the same string, which the library owns and which is valid until the next
+// call of any of them. The bytes may contain zeros; the `extern "C"` form does not return their
+// number.
 //
-// Exceptions of the standard library pass through, also through the flat functions. Nothing here
-// is safe across threads: a library built with assertions names two calls that overlap and aborts.
+// They throw the exceptions of the standard library (`std::bad_alloc`; `std::length_error` and
+// those of `std::stod` in reading) and what the stream throws; the `extern "C"` functions throw
+// them, too. `fromCxx` that throws leaves the string of the last call as it was. No two threads may
+// be in these functions at once: a library built with assertions names the two calls and aborts.
 
 #include <sml/core/Strings.hpp>
 #include <sml/core/export.hpp>

@@ -236,7 +236,7 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
                plainly_written(value);
     };
     for (std::size_t const window : {1u, 20u, 300u, 20'000u})
-        for (int flushes = 0; flushes < 300; ++flushes)
+        for (int flushes = 0; flushes < 300; flushes += 1 + flushes / 8)
             ASSERT_EQ(read_flushed(read_archived<Values>, window, flushes),
                       read_flushed(plain::from_stream<Values>, window, flushes))
                 << window << ", " << flushes;

@@ -23,6 +23,7 @@ list has mistakes, a mutant survives that need not, or one is killed that is sai
 import argparse
 import contextlib
 import dataclasses
+import fcntl
 import hashlib
 import itertools
 import json
@@ -124,12 +125,12 @@ def complaint(mutant: Mutant, known_tests: "Tests") -> str | None:
 
 
 def complaints(mutants: list[Mutant], known_tests: "Tests") -> list[str]:
-    told = [f"{mutant.name}: {text}" for mutant in mutants
-            if (text := complaint(mutant, known_tests))]
+    all_of_them = [f"{mutant.name}: {text}" for mutant in mutants
+                   if (text := complaint(mutant, known_tests))]
     names = [mutant.name for mutant in mutants]
-    told += [f"{name}: two mutants have this name" for name in sorted(set(names))
-             if names.count(name) > 1]
-    return told
+    all_of_them += [f"{name}: two mutants have this name" for name in sorted(set(names))
+                    if names.count(name) > 1]
+    return all_of_them
 
 
 def folder_of(mutant: Mutant) -> str:
@@ -157,6 +158,18 @@ def source_files() -> list[str]:
     command = ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
     listed = subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout
     return sorted({name for name in listed.split("\0") if name and (ROOT / name).is_file()})
+
+
+@contextlib.contextmanager
+def alone() -> Iterator[None]:
+    """Two runs would change one another's copy."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    with open(WORK / "lock", "w", encoding="utf-8") as lock:
+        try:
+            fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except BlockingIOError:
+            sys.exit(f"another run is using {COPY}")
+        yield
 
 
 def update_copy() -> None:
@@ -225,8 +238,8 @@ def ninja_targets() -> dict[str, str]:
 
 def ctest_entries() -> list[dict]:
     command = ["ctest", "--test-dir", str(BUILD), "--show-only=json-v1"]
-    told = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-    return json.loads(told)["tests"]
+    output = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    return json.loads(output)["tests"]
 
 
 class Tests:
@@ -356,7 +369,7 @@ class Runner:
         (COPY / mutant.file).write_text(mutant.changed(source), encoding="utf-8")
         result = {**self.judged(mutant), "seconds": round(time.monotonic() - start)}
         self.results.add(mutant, source, result)
-        print(f"{place} {mutant.name}: {told(result)} ({result['seconds']} s)", flush=True)
+        print(f"{place} {mutant.name}: {shown(result)} ({result['seconds']} s)", flush=True)
 
     def judged(self, mutant: Mutant) -> dict:
         for test in map(self.tests.find, mutant.tests):
@@ -375,7 +388,7 @@ class Runner:
         return {"status": "survives"}
 
 
-def told(result: dict | None) -> str:
+def shown(result: dict | None) -> str:
     if result is None:
         return "not run"
     if result["status"] != "killed":
@@ -394,7 +407,7 @@ def cell(text: str) -> str:
 
 def row(mutant: Mutant, results: Results) -> str:
     result = results.of(mutant)
-    killer = told(result)
+    killer = shown(result)
     if result is not None and result["status"] == "killed":
         killer = f"`{killer}`"
     elif result is not None and mutant.survives:
@@ -461,21 +474,15 @@ def chosen(mutants: list[Mutant], names: list[str]) -> list[Mutant]:
             if not names or any(is_named(mutant, name) for name in names)]
 
 
-def is_as_told(mutant: Mutant, results: Results) -> bool:
+def is_as_listed(mutant: Mutant, results: Results) -> bool:
     result = results.of(mutant)
     wanted = "survives" if mutant.survives else "killed"
     return result is None or result["status"] == wanted
 
 
-def main() -> int:
-    options = parsed()
-    mutants = load_list()
+def check_and_run(mutants: list[Mutant], options: argparse.Namespace) -> int:
     selected = chosen(mutants, options.names)
     results = Results()
-    if options.table:
-        text = table(mutants, results)
-        write_table(text) if options.write else print(text, end="")
-        return 0
     update_copy()
     configure()
     tests = Tests()
@@ -487,10 +494,21 @@ def main() -> int:
         return 0
     todo = [mutant for mutant in selected if options.again or results.of(mutant) is None]
     Runner(tests, results, options).run(todo)
-    wrong = [mutant for mutant in selected if not is_as_told(mutant, results)]
+    wrong = [mutant for mutant in selected if not is_as_listed(mutant, results)]
     for mutant in wrong:
-        print(f"{mutant.name}: {told(results.of(mutant))}", file=sys.stderr)
+        print(f"{mutant.name}: {shown(results.of(mutant))}", file=sys.stderr)
     return 1 if wrong else 0
+
+
+def main() -> int:
+    options = parsed()
+    mutants = load_list()
+    if options.table:
+        text = table(mutants, Results())
+        write_table(text) if options.write else print(text, end="")
+        return 0
+    with alone():
+        return check_and_run(mutants, options)
 
 
 def interrupt(*_: object) -> None:

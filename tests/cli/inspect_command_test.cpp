@@ -702,6 +702,9 @@ TEST(Limits, EachMakesBytesUnsafe) {
         for (char const* const option :
              {"--max-elements", "--max-text", "--max-memory", "--findings"})
             EXPECT_EQ(code(option, amount), 2) << option << ' ' << amount;
+    EXPECT_EQ(code("--max-elements", "999999999999999999"),
+              0);  // no suffix takes it beyond 64 bits
+    EXPECT_EQ(code("--max-elements", "1000000000000000000"), 2);
 }
 
 TEST(Limits, AreThereForEveryCommand) {

@@ -4,14 +4,12 @@
     compile_fail.py SOURCE COMPILER --precompile
     compile_fail.py SOURCE COMPILER FILE
 
-The file begins with what the compiler must say of the mistake, as a regular expression, and in how
-many errors and lines at most, those apart that say what includes what, and what names it must show, where
-that is required:
+The file begins with what is required of the compiler's messages; all but the first may be left out:
 
-    // error: EXPRESSION
-    // errors: NUMBER
-    // lines: NUMBER
-    // says: EXPRESSION    of names as "NAME", "NAME", however the compiler shows template arguments
+    // error: EXPRESSION   a regular expression that an error must match
+    // errors: NUMBER      how many errors there must be
+    // lines: NUMBER       how many lines at most, without those that say what includes what
+    // says: EXPRESSION    what must stand in them, names as "NAME", "NAME", however they are shown
 
 The headers of `sml/core/` are compiled once, into the working directory.
 """

@@ -215,7 +215,7 @@ TEST(StreamReader, FlushesATiedStreamBeforeEachItem) {
     std::ostream       other(&other_sink);
     std::istringstream stream(wire::write(ten_items()));
     stream.tie(&other);
-    auto value = ten_items();
+    decltype(ten_items()) value;
     sml::core::read_from_stream(value, stream);
     EXPECT_EQ(other_sink.flushes, 10);
     EXPECT_TRUE(value == ten_items());

@@ -5,6 +5,7 @@
     header_weight.py SOURCE COMPILER --time    prints user times of the compiler, the least of 9
 
 A type has numbers where its header, or one that it includes, includes that of big integers or floats.
+A header of sml/schema includes one of these just where its own text has the type.
 """
 
 import os
@@ -14,7 +15,7 @@ import subprocess
 import sys
 
 LIBRARIES = ("boost/multiprecision", "gmp", "mpfr.h")
-NUMBERS = ("sml/core/big_integer.hpp", "sml/core/ieee754_float.hpp")
+NUMBERS = {"BigInteger": "sml/core/big_integer.hpp", "IEEE754Float": "sml/core/ieee754_float.hpp"}
 MPFR = "boost/multiprecision/mpfr.hpp"
 
 
@@ -37,11 +38,19 @@ def schema_headers(source):
     return sorted(str(path.relative_to(source)) for path in (source / "sml/schema").glob("*.hpp"))
 
 
+def needless(source, header):
+    """The headers of numbers that a header includes without a type of theirs, or lacks."""
+    text = (source / header).read_text()
+    return [f"{header} has {name} or includes {number}, not both" for name, number in NUMBERS.items()
+            if (f"#include <{number}>" in text) != (name in text.replace(number, ""))]
+
+
 def check(command, source):
     heavy, light = [], 0
     for header in schema_headers(source):
+        heavy += needless(source, header)
         files = includes(command, source, header)
-        if any(file.endswith(NUMBERS) for file in files):
+        if any(file.endswith(tuple(NUMBERS.values())) for file in files):
             continue
         light += 1
         heavy += [f"{header} includes {file}" for file in files

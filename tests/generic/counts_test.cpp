@@ -33,7 +33,7 @@ auto count_of(bool (*is_counted)(Row const&)) {
 }
 
 /// The schema is fixed: a type that joins or leaves it does so on purpose, and changes the number
-/// here, which stands nowhere else.
+/// here, which stands in no other test.
 constexpr auto how_to_mend =
     "where this is meant, change the number in tests/generic/counts_test.cpp";
 

@@ -42,13 +42,13 @@ TEST(Golden, TheFilesReachEveryTypeArmAndEnumerator) {
     for (auto const& goal : to_reach) EXPECT_TRUE(reached.contains(goal)) << golden::name_of(goal);
 }
 
-/// Golden files of a wire form that has not changed are never rewritten: what is in them must be
-/// read as before.
+/// Golden files of a wire form that has not changed are never rewritten: they must be dumped as
+/// before.
 TEST(Golden, EachFileHoldsWhatItsDumpSays) {
     for (File const& file : all_files())
         EXPECT_EQ(golden::bytes_of(std::filesystem::path(GOLDEN_FILES) / dump_name(file)),
                   dump_of(file))
-            << file.name << " is read otherwise than when it was written";
+            << file.name << " is dumped otherwise than when it was written";
 }
 
 TEST(Golden, TheFilesAreOfTheWireFormsThatRootsHave) {

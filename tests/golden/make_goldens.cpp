@@ -65,6 +65,11 @@ public:
     }
 
     void write() const {
+        for (golden::File const& file : outdated_) {
+            std::filesystem::remove(directory_ / file.name);
+            std::filesystem::remove(directory_ / dump_name(file));
+            std::cout << "removed " << file.name << '\n';
+        }
         for (golden::File const& file : added_) {
             write_file(file.name, file.bytes);
             std::cout << "added " << file.name << '\n';
@@ -82,18 +87,15 @@ private:
     void keep_files_of_unchanged_roots() {
         golden::Digests const written = golden::digests_in(directory_);
         golden::Digests const now = golden::digests_of_roots();
-        for (auto const& entry : std::filesystem::directory_iterator(directory_)) {
-            std::filesystem::path const path = entry.path();
-            std::string const           name = path.filename().string();
-            std::string const           stem = name.substr(0, name.find('.'));
-            if (name == golden::digests_name) continue;
-            auto const digest = written.find(stem);
-            if (digest != written.end() && now.contains(stem) && now.at(stem) == digest->second)
-                continue;
-            std::filesystem::remove(path);
-            std::cout << "removed " << name << '\n';
-        }
+        auto const            unchanged = [&](golden::File const& file) {
+            auto const digest = written.find(file.root->stem);
+            return digest != written.end() && now.at(digest->first) == digest->second;
+        };
         for (golden::File const& file : golden::files_in(directory_)) {
+            if (!unchanged(file)) {
+                outdated_.push_back(file);
+                continue;
+            }
             for (auto const& reached : golden::reached_by(*file.root, file.bytes))
                 missing_.erase(reached);
             int const number = std::stoi(file.name.substr(file.name.find('.') + 1));
@@ -149,6 +151,7 @@ private:
 
     std::filesystem::path      directory_;
     Reached                    missing_;
+    std::vector<golden::File>  outdated_;  // of roots whose wire form has changed
     std::vector<golden::File>  added_;
     std::map<Root const*, int> last_numbers_;  // of the files of each root
     std::uint64_t              seed_ = 0;

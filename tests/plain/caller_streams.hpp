@@ -106,12 +106,14 @@ inline void limit_flushes(Flushed& buffer, std::uint64_t choice, bool throws) {
 class TiedStream {
 public:
     TiedStream(std::ios& stream, std::uint64_t choice, bool may_throw = true) {
+        if (is_chosen(choice)) stream.tie(&stream_);
         choice /= 8;
-        if (choice % 4 < 2) stream.tie(&stream_);
         bool const throws = choice / 4 % 2 == 0;
         limit_flushes(buffer_, choice / 8, throws);
         if (may_throw && choice % 4 == 0) stream_.exceptions(std::ios::badbit);
     }
+
+    static bool is_chosen(std::uint64_t choice) { return choice / 8 % 4 < 2; }
 
     std::string told() const {
         return " tied stream: state " + std::to_string(stream_.rdstate()) + " flushes " +
@@ -122,6 +124,11 @@ private:
     Flushed      buffer_;
     std::ostream stream_{&buffer_};
 };
+
+/// Whether the choice has the stream flushed around each item.
+inline bool is_flushed_for_each_item(std::uint64_t choice) {
+    return choice % 8 == 3 || TiedStream::is_chosen(choice);
+}
 
 /// What writing to a stream over `buffer` comes to, for one choice of settings.
 template <class Write>

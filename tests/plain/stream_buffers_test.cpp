@@ -356,8 +356,12 @@ TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
         auto const          seen = ranges_seen(archiving(value), choice);
         auto const          expected = ranges_seen(plainly_writing(value), choice);
         EXPECT_EQ(seen.back(), expected.back());
-        ASSERT_EQ(seen.size() > 1, expected.size() > 1);
-        if (seen.size() == 1) continue;  // the tied stream has thrown
+        if (is_flushed_for_each_item(choice)) {
+            EXPECT_TRUE(seen == expected);
+            continue;
+        }
+        ASSERT_GT(seen.size(), 1u);
+        ASSERT_GT(expected.size(), 1u);
         EXPECT_EQ(seen[seen.size() - 2], expected[expected.size() - 2]);
         for (Range const& range : seen)
             EXPECT_NE(std::ranges::find(expected, range), expected.end())

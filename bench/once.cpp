@@ -91,7 +91,7 @@ namespace {
 using Graph = sml::Application_Results::T_Application_Results;
 
 /// A size that the system tells of this process, in bytes.
-std::int64_t told(std::string_view name) {
+std::int64_t system_figure(std::string_view name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
         if (line.starts_with(name)) return std::stoll(line.substr(name.size())) * 1024;
@@ -122,18 +122,18 @@ void measure(std::function<std::size_t()> const& call) {
     using Clock = std::chrono::steady_clock;
     malloc_trim(0);
     forget_peak();
-    auto const resident = told("VmRSS:");
+    auto const resident = system_figure("VmRSS:");
     heap.peak = heap.size;
     Heap const before = heap;
     auto const start = Clock::now();
     auto const size = call();
     auto const time = std::chrono::duration<double, std::nano>(Clock::now() - start).count();
     Heap const after = heap;
-    auto const peak = told("VmHWM:");
+    auto const peak = system_figure("VmHWM:");
     std::printf(R"({"ns": %.0f, "bytes": %zu, "resident": %lld, "resident_peak": %lld, )"
                 R"("heap": %lld, "heap_peak": %lld, "allocations": %lld, "allocations_kept": %lld})"
                 "\n",
-                time, size, static_cast<long long>(told("VmRSS:") - resident),
+                time, size, static_cast<long long>(system_figure("VmRSS:") - resident),
                 static_cast<long long>(peak - resident),
                 static_cast<long long>(after.size - before.size),
                 static_cast<long long>(after.peak - before.size),

@@ -94,7 +94,7 @@ constexpr std::uint64_t least() {
         return sum_of_least(typename PartsOf<T>::types{});
     else if constexpr (Variant<T>) {
         using Arms = typename T::arms;
-        if constexpr (Arms::takes_rest)
+        if constexpr (Arms::has_catch_all)
             return 4 + least_of_arms<Arms>(std::make_integer_sequence<std::int32_t, Arms::count>{});
         return 4;
     } else
@@ -304,16 +304,16 @@ private:
 
     std::string string() {
         std::uint64_t const at = at_;
-        std::int64_t const  told = word<std::int32_t>();
-        if (told >= 1) {
-            auto const [entry, is_new] = texts_by_id_.try_emplace(told);
+        std::int64_t const  id = word<std::int32_t>();
+        if (id >= 1) {
+            auto const [entry, is_new] = texts_by_id_.try_emplace(id);
             if (is_new) odd(at);
             return entry->second;
         }
         std::string const text = block();
-        if (-told != ++told_) odd(at);
+        if (-id != ++definitions_) odd(at);
         if (!texts_.insert(text).second) odd(at);
-        texts_by_id_.try_emplace(-told, text);
+        texts_by_id_.try_emplace(-id, text);
         return text;
     }
 
@@ -390,7 +390,7 @@ private:
     std::uint32_t                       depth_;
     std::uint64_t                       at_ = 0;
     std::uint32_t                       nesting_ = 0;
-    std::int64_t                        told_ = 0;
+    std::int64_t                        definitions_ = 0;
     std::map<std::int64_t, std::string> texts_by_id_;
     std::set<std::string>               texts_;
     Judgement                           judgement_;

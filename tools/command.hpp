@@ -19,7 +19,7 @@ struct Streams {
     std::ostream& err;
     bool          prints_on_standard_output;  ///< of the process, and no stream in its place
 
-    std::set<std::string> told{};  ///< what need not be said again
+    std::set<std::string> notices{};  ///< what need not be said again
 };
 
 using Action = std::function<ExitCode(Streams&)>;

@@ -34,9 +34,8 @@ Strings_T Comparisons::interned(std::string const& text) {
 void Comparisons::spend(std::uint64_t comparisons) {
     counted_ += comparisons;
     if (counted_ > most_)
-        throw DamagedInput(
-            "keys fall together in the hash tables, which takes more than --max-work " +
-            std::to_string(most_) + " comparisons");
+        throw DamagedInput("keys collide in the hash tables, which takes more than --max-work " +
+                           std::to_string(most_) + " comparisons");
 }
 
 }  // namespace bradep

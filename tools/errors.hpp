@@ -7,7 +7,7 @@ namespace bradep {
 
 enum ExitCode : int {
     exit_done = 0,
-    exit_no = 1,  ///< the input is damaged, or the answer is no
+    exit_no = 1,  ///< the input is damaged or refused
     exit_usage_or_io = 2
 };
 

@@ -100,14 +100,15 @@ void import_logs(Options const& options, Streams& streams) {
 
 Action declare_import(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    app.add_option("RESULTS.sarif", options->inputs,
-                   "SARIF 2.1.0 logs; the runs of several are counted on. - is standard input")
+    app.add_option(
+           "RESULTS.sarif", options->inputs,
+           "SARIF 2.1.0 logs, whose runs are numbered across all of them. - is standard input")
         ->required()
         ->type_name("");
     declare_output(app, options->output, "The bytes of the result set to write");
     declare_max_size(app, options->max_size);
     declare_size(app, "--max-message", options->limits.message,
-                 "Bytes of a message that is put together from a text and arguments");
+                 "Bytes of a message that is expanded from a text and arguments");
     declare_size(app, "--max-expansion", options->limits.expansion,
                  "Bytes of a log's texts, each counted wherever a result refers to it");
     declare_limits(app, options->verify.limits);

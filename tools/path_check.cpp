@@ -217,7 +217,7 @@ std::optional<std::string> path_complaint(Type const& type, std::string_view pat
     PathCheck check(type, path);
     auto      complaint = check.complaint();
     if (!complaint && to_table && !is_table(check.type()))
-        return part_name(path) + " is no list, set or table";
+        return part_name(path) + " is no list, set or map";
     return complaint;
 }
 

@@ -45,7 +45,7 @@ std::pair<std::string_view, json::value const*> inner_kind_of(json::value const&
     throw Misfit{&use, "not a schema: no type"};
 }
 
-// Bytes do not tell whether a value is boxed.
+// Bytes do not show whether a value is boxed.
 json::value const& without_boxes(json::value const& boxed) {
     auto const* use = &boxed;
     while (!use->is_string()) {
@@ -116,7 +116,7 @@ std::vector<Named> tagged_of(json::value const& definition) {
     return all;
 }
 
-bool takes_rest(json::value const& definition) {
+bool has_catch_all(json::value const& definition) {
     auto const* const arms = json_input::list(definition, "arms");
     return arms != nullptr && !arms->empty() &&
            json_input::member(arms->back(), "serves_all_other_tags") != nullptr;
@@ -166,12 +166,12 @@ private:
         if (was.kind == is.kind && (old_type != nullptr || now_type != nullptr))
             throw Misfit{&old, "not a schema: the type " + was.kind + " is missing"};
         if (was.kind != is.kind || was.inner.size() != is.inner.size() || was.flags != is.flags)
-            return tell(where, "was " + spelled(old) + ", is " + spelled(now));
+            return add_change(where, "was " + spelled(old) + ", is " + spelled(now));
         for (std::size_t i = 0; i < was.inner.size(); ++i)
             compare(*was.inner[i], *is.inner[i], where);
     }
 
-    void tell(std::string const& where, std::string const& what) {
+    void add_change(std::string const& where, std::string const& what) {
         changes.push_back(where + ": " + what);
     }
 
@@ -184,8 +184,8 @@ private:
         auto const was = kind_of(old);
         auto const is = kind_of(now);
         if (was != is)
-            return tell(where,
-                        "was the " + was + " " + old.name + ", is the " + is + " " + now.name);
+            return add_change(
+                where, "was the " + was + " " + old.name + ", is the " + is + " " + now.name);
         if (was == "record")
             compare_fields(now.name, fields_of(*old.type), fields_of(*now.type));
         else
@@ -198,14 +198,14 @@ private:
         std::vector<std::string> kept_before;
         for (Named const& field : old)
             if (find(now, field.name) == now.end())
-                tell(type, "the field " + field.name + " is gone");
+                add_change(type, "the field " + field.name + " is gone");
             else
                 kept_before.push_back(field.name);
         std::vector<std::string> kept_now;
         for (Named const& field : now) {
             auto const was = find(old, field.name);
             if (was == old.end()) {
-                tell(type, "the field " + field.name + " is new");
+                add_change(type, "the field " + field.name + " is new");
                 continue;
             }
             kept_now.push_back(field.name);
@@ -213,8 +213,8 @@ private:
         }
         for (std::size_t i = 0; i < kept_now.size(); ++i)
             if (kept_before[i] != kept_now[i])
-                return tell(type,
-                            "the fields from " + kept_before[i] + " on stand in another order");
+                return add_change(
+                    type, "the fields from " + kept_before[i] + " on stand in another order");
     }
 
     void compare_tagged(std::string const& type, std::string const& noun, json::value const& old,
@@ -225,8 +225,8 @@ private:
         for (std::size_t tag = 0; tag < was.size(); ++tag) {
             auto const found = find(is, was[tag].name);
             if (found == is.end()) {
-                tell(type, "the " + noun + " " + was[tag].name + " with tag " +
-                               std::to_string(tag) + " is gone");
+                add_change(type, "the " + noun + " " + was[tag].name + " with tag " +
+                                     std::to_string(tag) + " is gone");
                 continue;
             }
             auto const tag_now = static_cast<std::size_t>(found - is.begin());
@@ -235,8 +235,8 @@ private:
                          " -> " + std::to_string(tag_now);
             compare_payloads(type + "." + was[tag].name, was[tag].type, found->type);
         }
-        if (!moved.empty()) tell(type, news(noun, was, is) + "tags move: " + moved);
-        compare_rest(type, was, is, takes_rest(old), takes_rest(now));
+        if (!moved.empty()) add_change(type, news(noun, was, is) + "tags move: " + moved);
+        compare_rest(type, was, is, has_catch_all(old), has_catch_all(now));
     }
 
     // Which names push the others aside.
@@ -251,18 +251,18 @@ private:
     void compare_payloads(std::string const& where, json::value const* old,
                           json::value const* now) {
         if (old != nullptr && now != nullptr) return compare(*old, *now, where);
-        if (old != nullptr) tell(where, "has no payload any more");
-        if (now != nullptr) tell(where, "has a payload now");
+        if (old != nullptr) add_change(where, "has no payload any more");
+        if (now != nullptr) add_change(where, "has a payload now");
     }
 
     void compare_rest(std::string const& type, std::vector<Named> const& was,
                       std::vector<Named> const& is, bool took, bool takes) {
         auto const taker = [](std::vector<Named> const& arms, bool does) {
-            return does ? arms.back().name : std::string("no arm");
+            return does ? arms.back().name : std::string("none");
         };
         if (taker(was, took) != taker(is, takes))
-            tell(type, "all other tags were served by " + taker(was, took) + ", are served by " +
-                           taker(is, takes));
+            add_change(type,
+                       "the catch-all arm was " + taker(was, took) + ", is " + taker(is, takes));
     }
 
     json::value const&                            old_types_;

@@ -51,7 +51,7 @@ void decode(WalkedInput const& input, std::ostream& err, ResultSet& set) {
     FindingGroups groups(input.options().listed);
     auto const    verdict = input.verify(groups);
     if (verdict.answer == Answer::unsafe)
-        throw DamagedInput(input.name() + ": " + told_form(input.bytes()) +
+        throw DamagedInput(input.name() + ": " + form_notice(input.bytes()) +
                            "can't be read as a result set: " + described(verdict.findings.back()));
     groups.report(err, input.name(), verdict);
     read(input, verdict, set);
@@ -109,7 +109,7 @@ Action declare_show(CLI::App& app) {
     app.add_flag("--json", options->json,
                  "One line of JSON a check: those of an import in its order, then by file");
     declare_size(app, "--max-output", options->max_output,
-                 "Bytes that --json prints; before more, the command ends with code 1");
+                 "Bytes that --json prints; where there are more, printing ends and the code is 1");
     declare_amount(*app.add_option("-n,--rows", options->rows,
                                    "How many rules, files and checks to list at most")
                         ->capture_default_str()

@@ -88,7 +88,7 @@ void print_lines(Streams& streams, std::string_view text) {
 
 void declare_output(CLI::App& app, Output& output, std::string const& what) {
     app.add_option("-o,--output", output.target,
-                   what + "; they appear whole or not at all. - is standard output")
+                   what + "; the file appears when it is complete. - is standard output")
         ->required()
         ->type_name("FILE");
     app.add_flag("--force", output.force, "Also where the output is a terminal");

@@ -80,20 +80,20 @@ void declare_limits(CLI::App& app, Limits& limits) {
             ->capture_default_str()
             ->group("Limits, beyond which bytes are unsafe");
     };
-    add("--max-depth", limits.depth, "Variants and containers inside one another, at most 1000")
+    add("--max-depth", limits.depth,
+        "Levels of variants and containers inside one another, at most 1000")
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");
-    declare_amount(
-        *add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")
-             ->type_name("NUMBER"));
+    declare_amount(*add("--max-elements", limits.elements,
+                        "Elements and entries of all lists, sets and maps together")
+                        ->type_name("NUMBER"));
     declare_amount(
         *add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
              ->transform(CLI::AsSizeValue(false))
              ->type_name("SIZE"));
-    declare_amount(
-        *add("--max-memory", limits.memory, "Heap that reading takes at its peak, estimated")
-             ->transform(CLI::AsSizeValue(false))
-             ->type_name("SIZE"));
+    declare_amount(*add("--max-memory", limits.memory, "Heap of a reader at its peak, estimated")
+                        ->transform(CLI::AsSizeValue(false))
+                        ->type_name("SIZE"));
     declare_amount(*add("--max-work", limits.work,
                         "Comparisons of keys in the hash tables of a reader, estimated")
                         ->type_name("NUMBER"));
@@ -102,7 +102,7 @@ void declare_limits(CLI::App& app, Limits& limits) {
 
 void declare_own_memory(CLI::App& app, Limits& limits) {
     declare_size(app, "--max-own-memory", limits.own_memory,
-                 "Memory for the command's own tables, beside the input; beyond it the code is 2");
+                 "Memory for the command itself, beside the input; beyond it the code is 2");
 }
 
 void declare_decimal_point(CLI::App& app, VerifyOptions& options) {
@@ -127,7 +127,7 @@ namespace {
 template <class Files>
 void declare_walk(CLI::App& app, WalkOptions& options, Files& files) {
     app.add_option("FILE", files, "The bytes. - is standard input")->required()->type_name("");
-    app.add_flag("-q,--quiet", options.quiet, "Not a word about the roots that fit without --root");
+    app.add_flag("-q,--quiet", options.quiet, "No notice of the roots that fit");
     declare_max_size(app, options.max_size);
     declare_root_option(app, options.stem);
     declare_decimal_point(app, options.verify);
@@ -157,8 +157,8 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     });
     auto const best = candidates.front();
     if (best.answer == Answer::unsafe) {
-        report(streams_.err, name_ + ": " + told_form(bytes()) + "fits no root, read as " +
-                                 std::string(best.root->stem) + ", which came furthest: to byte " +
+        report(streams_.err, name_ + ": " + form_notice(bytes()) + "fits no root; read as " +
+                                 std::string(best.root->stem) + ", which came furthest, to byte " +
                                  std::to_string(best.walked) + " of " +
                                  std::to_string(bytes().size()));
         return best.root;
@@ -166,10 +166,10 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     std::erase_if(candidates, [&](Candidate const& other) {
         return other.answer == Answer::unsafe || other.root == best.root;
     });
-    auto const told =
+    auto const notice =
         "read as " + std::string(best.root->stem) + "; it also fits " + stems_of(candidates);
-    if (!candidates.empty() && !quiet && streams_.told.insert(told).second)
-        report(streams_.err, name_ + ": " + told);
+    if (!candidates.empty() && !quiet && streams_.notices.insert(notice).second)
+        report(streams_.err, name_ + ": " + notice);
     return best.root;
 }
 
@@ -193,7 +193,7 @@ Root const& root_of(std::string const& stem) {
         "--root", "no root is called " + stem + "; there is " + std::string(stem_like(stem)));
 }
 
-std::string told_form(std::string_view bytes) {
+std::string form_notice(std::string_view bytes) {
     auto const form = foreign_form(bytes);
     if (form.empty()) return {};
     if (form != json_form) return "is " + std::string(form) + ", ";

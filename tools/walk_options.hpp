@@ -85,7 +85,7 @@ private:
 sml::inspect::Root const& root_of(std::string const& stem);
 
 /// "is JSON text (...), " for what is no binary form, as far as it shows; else nothing.
-std::string told_form(std::string_view bytes);
+std::string form_notice(std::string_view bytes);
 
 /// "checks[2].category: expected X, found Y" and where.
 std::string described(sml::inspect::Finding const& finding);

@@ -2,8 +2,8 @@
 // each text once, in a table made by hand, numbers by their limbs. Bytes are verified before they
 // are read.
 
-#include "bench/carriers.hpp"
 #include "bench/peers/message_form.hpp"
+#include "bench/serialisers.hpp"
 
 #include "graph_tables_generated.h"
 
@@ -129,25 +129,25 @@ tables::Graph const& verified() {
 }
 
 bool const is_added =
-    bench::add_carrier({"flatbuffers",
-                        [](bench::Graph const& graph) {
-                            builder().Clear();
-                            Saver      saver{builder(), {}, {}};
-                            auto const root = save_root(saver, graph);
-                            for (std::string const* text : saver.numbers.texts())
-                                saver.waiting.push_back(builder().CreateString(*text).Union());
-                            Strings const strings = builder().CreateVector(saver.waiting).o;
-                            builder().Finish(tables::CreateGraph(builder(), strings, root));
-                            return std::size_t{builder().GetSize()};
-                        },
-                        [](bench::Graph& graph) {
-                            tables::Graph const& from = verified();
-                            Loader               loader;
-                            loader.strings.reserve(from.strings()->size());
-                            for (auto const* text : *from.strings())
-                                loader.strings.emplace_back(text->str());
-                            load_root(loader, *from.root(), graph);
-                        }});
+    bench::add_serialiser({"flatbuffers",
+                           [](bench::Graph const& graph) {
+                               builder().Clear();
+                               Saver      saver{builder(), {}, {}};
+                               auto const root = save_root(saver, graph);
+                               for (std::string const* text : saver.numbers.texts())
+                                   saver.waiting.push_back(builder().CreateString(*text).Union());
+                               Strings const strings = builder().CreateVector(saver.waiting).o;
+                               builder().Finish(tables::CreateGraph(builder(), strings, root));
+                               return std::size_t{builder().GetSize()};
+                           },
+                           [](bench::Graph& graph) {
+                               tables::Graph const& from = verified();
+                               Loader               loader;
+                               loader.strings.reserve(from.strings()->size());
+                               for (auto const* text : *from.strings())
+                                   loader.strings.emplace_back(text->str());
+                               load_root(loader, *from.root(), graph);
+                           }});
 
 }  // namespace
 

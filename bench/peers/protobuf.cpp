@@ -1,8 +1,8 @@
 // Protocol Buffers in its best form: messages in an arena whose memory is kept, each text once, in
 // a table made by hand, numbers by their limbs.
 
-#include "bench/carriers.hpp"
 #include "bench/peers/message_form.hpp"
+#include "bench/serialisers.hpp"
 
 #include "graph.pb.h"
 
@@ -84,7 +84,7 @@ void read(form::Graph& message) {
         throw std::runtime_error("the message can't be parsed");
 }
 
-bool const is_added = bench::add_carrier(
+bool const is_added = bench::add_serialiser(
     {"protobuf",
      [](bench::Graph const& graph) {
          with_message([&](form::Graph& message) {

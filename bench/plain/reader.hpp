@@ -174,7 +174,7 @@ public:
     void operator()(T& variant) {
         std::int32_t tag{};
         (*this)(tag);
-        bool const has_rest_arm_unbuilt = tag == -1 && T::arms::takes_rest;
+        bool const has_rest_arm_unbuilt = tag == -1 && T::arms::has_catch_all;
         if (tag != variant.tag || has_rest_arm_unbuilt) variant.choose_tag(tag);
         variant.visit_payload([this]<class Payload>(Payload const& payload) {
             (*this)(const_cast<Payload&>(payload));

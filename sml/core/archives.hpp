@@ -274,7 +274,7 @@ public:
     /// Takes from the stream what was taken from its buffer.
     void finish() { close(); }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::at_once};
+    core::StringsById strings_by_id{core::StringsById::Counting::immediately};
     char              point = core::decimal_point();
 
 private:
@@ -334,7 +334,7 @@ public:
     /// The next unread byte.
     char const* cursor() const { return cursor_; }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::in_the_end};
+    core::StringsById strings_by_id{core::StringsById::Counting::at_end};
     char              point = core::decimal_point();
 
 private:

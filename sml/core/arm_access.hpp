@@ -103,7 +103,7 @@ private:
     template <class V, class Use, std::int32_t... Index>
     static void visit_payload(V const& variant, Use& use,
                               std::integer_sequence<std::int32_t, Index...>) {
-        std::int32_t const served = V::arms::serving(variant.tag);
+        std::int32_t const served = V::arms::arm_for(variant.tag);
         static_cast<void>(
             ((Index == served && (use_payload_at<Index>(variant, use), true)) || ...));
     }

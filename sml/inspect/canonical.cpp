@@ -31,7 +31,7 @@ std::uint64_t place_of(std::string_view text) {
 }
 
 /// Collects the distinct texts.
-class TextCollector : public SilentVisitor {
+class TextCollector : public BaseVisitor {
 public:
     explicit TextCollector(std::pmr::memory_resource* memory) : texts(memory), ranks_(memory) {}
 
@@ -56,7 +56,7 @@ private:
 /// The bytes in a form of which comparing bytes compares strings by text: a string is the rank of
 /// its text, highest byte first. All else is as a writer makes it. Entries stand in their canonical
 /// order.
-class RankedForm : public SilentVisitor {
+class RankedForm : public BaseVisitor {
 public:
     RankedForm(Ranks ranks, std::pmr::memory_resource* memory)
         : bytes(memory), ranks_(std::move(ranks)), entries_(memory), first_entry_(memory) {}

@@ -179,7 +179,7 @@ template <class V, std::int32_t... Index>
 consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
     // A tag that stands bare needs nothing more; asking no further also ends the recursion of
     // types that hold their own kind.
-    if constexpr (!V::arms::takes_rest)
+    if constexpr (!V::arms::has_catch_all)
         return 0;
     else
         return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
@@ -382,7 +382,7 @@ constexpr Type make() {
     } else if constexpr (HasArms<T>) {
         type.name = name_of<T>();
         type.arms = ArmTable<T>::arms;
-        type.takes_rest = T::arms::takes_rest;
+        type.has_catch_all = T::arms::has_catch_all;
     } else {
         type.name = name_of<T>();
         type.parts = Tables<T>::parts;

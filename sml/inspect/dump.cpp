@@ -1,7 +1,7 @@
 #include <sml/inspect/dump.hpp>
 
+#include <sml/inspect/dropped_entries.hpp>
 #include <sml/inspect/read_over.hpp>
-#include <sml/inspect/superseded.hpp>
 #include <sml/inspect/text/json_writer.hpp>
 #include <sml/inspect/walk/path_match.hpp>
 #include <sml/inspect/walk/walker.hpp>
@@ -92,7 +92,7 @@ public:
     }
 
     void enumeration(Type const& type, std::int32_t value) {
-        if (type.knows_tag(value))
+        if (type.has_tag(value))
             append_json_string(json_.text, type.enumerators[static_cast<std::size_t>(value)]);
         else
             append_json_integer(json_.text, std::int64_t{value});
@@ -127,7 +127,7 @@ public:
     void begin_variant(Type const& type, std::int32_t tag) {
         json_.open('{');
         json_.member("arm");
-        if (type.knows_tag(tag))
+        if (type.has_tag(tag))
             return append_json_string(json_.text, type.arms[static_cast<std::size_t>(tag)].name);
         json_.text += "null";
         json_.member("tag");
@@ -170,18 +170,18 @@ private:
 };
 
 /// Hands on what stands in the part asked for, without the entries that a reader drops.
-class Picker : public SilentVisitor {
+class SelectingVisitor : public BaseVisitor {
 public:
-    Picker(Walk const& walk, Root const& root, std::ostream& out, DumpOptions const& options,
-           Superseded superseded)
+    SelectingVisitor(Walk const& walk, Root const& root, std::ostream& out,
+                     DumpOptions const& options, DroppedEntries dropped)
         : walk_(walk),
           root_(root),
           options_(options),
           match_(walk, options.path),
-          superseded_(std::move(superseded.entries)),
-          repeated_(std::move(superseded.findings)),
+          dropped_(std::move(dropped.entries)),
+          repeated_(std::move(dropped.findings)),
           json_(out, options.form, walk.budget) {
-        dumped.odd_count = superseded_.size();
+        dumped.odd_count = dropped_.size();
         if (options.path.empty()) select(*root.type, 0);
     }
 
@@ -241,7 +241,7 @@ public:
     void part(Type const& type, std::uint64_t index) {
         leave_part();
         end_skipping();
-        if (!superseded_.empty() && type.is_container() && superseded_.contains(walk_.offset()))
+        if (!dropped_.empty() && type.is_container() && dropped_.contains(walk_.offset()))
             skipped_depth_ = std::min(skipped_depth_, walk_.depth());
         if (is_on()) json_.part(type, index);
         enter_part(type.kind == Kind::map ? *type.key
@@ -341,33 +341,33 @@ private:
         if (is_skipping && walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
     }
 
-    Walk const&                   walk_;
-    std::size_t                   listed_ = 0;
-    Root const&                   root_;
-    DumpOptions const&            options_;
-    PathMatch                     match_;
-    decltype(Superseded::entries) superseded_;
-    std::vector<Finding>          repeated_;
-    JsonVisitor                   json_;
-    bool                          is_selected_ = false;
-    bool                          was_selected_ = false;
-    bool                          is_root_over_ = false;
-    Finding const*                behind_value_ = nullptr;
-    std::size_t                   selected_depth_ = 0;
-    std::size_t                   skipped_depth_ = no_depth;
+    Walk const&                       walk_;
+    std::size_t                       listed_ = 0;
+    Root const&                       root_;
+    DumpOptions const&                options_;
+    PathMatch                         match_;
+    decltype(DroppedEntries::entries) dropped_;
+    std::vector<Finding>              repeated_;
+    JsonVisitor                       json_;
+    bool                              is_selected_ = false;
+    bool                              was_selected_ = false;
+    bool                              is_root_over_ = false;
+    Finding const*                    behind_value_ = nullptr;
+    std::size_t                       selected_depth_ = 0;
+    std::size_t                       skipped_depth_ = no_depth;
 };
 
 Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
-                    DumpOptions const& options, Superseded superseded, Budget& budget) {
-    Walk   walk(bytes, options.walk.walk(), budget);
-    Picker picker(walk, root, out, options, std::move(superseded));
+                    DumpOptions const& options, DroppedEntries dropped, Budget& budget) {
+    Walk             walk(bytes, options.walk.walk(), budget);
+    SelectingVisitor visitor(walk, root, out, options, std::move(dropped));
     try {
-        Walker(walk, picker).run(*root.type);
-        picker.finish();
+        Walker(walk, visitor).run(*root.type);
+        visitor.finish();
     } catch (OutputEnded const&) {
         // The caller sees it by the stream; what has been found up to there is told.
     }
-    return std::move(picker.dumped);
+    return std::move(visitor.dumped);
 }
 
 /// Of bytes that are within the limits, what a reader keeps is, too, but for an empty text that
@@ -379,17 +379,17 @@ Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
     unlimited.walk.limits = {
         .depth = options.walk.limits.depth, .elements = most, .text_bytes = most, .memory = most};
     auto const kept = bytes_kept(root, bytes, options.walk, budget);
-    return dump_entries(root, kept, out, unlimited, Superseded(&budget), budget);
+    return dump_entries(root, kept, out, unlimited, DroppedEntries(&budget), budget);
 }
 
 }  // namespace
 
 Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             DumpOptions const& options) {
-    Budget     budget(options.walk.limits.own_memory);
-    Superseded superseded = superseded_entries(root, bytes, options.walk, budget);
-    bool const are_read_over = superseded.are_read_over;
-    Verdict    verdict;
+    Budget         budget(options.walk.limits.own_memory);
+    DroppedEntries dropped = dropped_entries(root, bytes, options.walk, budget);
+    bool const     are_read_over = dropped.are_read_over;
+    Verdict        verdict;
     if (are_read_over) {
         verdict = verify(root, bytes, options.walk);
         if (verdict.answer != Answer::unsafe) {
@@ -400,7 +400,7 @@ Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             return kept;
         }
     }
-    Dumped dumped = dump_entries(root, bytes, out, options, std::move(superseded), budget);
+    Dumped dumped = dump_entries(root, bytes, out, options, std::move(dropped), budget);
     // What only verify judges: the comparisons of a reader.
     if (are_read_over && dumped.answer != Answer::unsafe) {
         dumped.answer = Answer::unsafe;

@@ -16,7 +16,7 @@ enum class Severity : std::uint8_t {
 };
 
 enum class Oddity : std::uint8_t {
-    unknown,   ///< a variant never set, an unknown tag or enumerator: told and encoded as it is
+    unknown,   ///< an unset variant, an unknown tag or enumerator: told and encoded as it is
     repeated,  ///< an entry whose key is there already
     other,     ///< lost in the value that a reader has
 };

@@ -16,9 +16,9 @@ namespace sml::inspect {
 namespace {
 
 /// A visitor that hears nothing: its walk leaves the table of the strings.
-class StringsOnly : public SilentVisitor {
+class StringsOnly : public BaseVisitor {
 public:
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 };
 
 /// Keys at offsets that have been walked before, numbered in the order in which they are met.
@@ -58,7 +58,7 @@ private:
 };
 
 /// Takes a value and does nothing with it.
-struct Passer {
+struct Skipper {
     WalkedBytes& at;
 
     void bytes(std::size_t size) { at.take(size); }
@@ -75,9 +75,9 @@ struct Passer {
 };
 
 /// Writes what a reader keeps of values of one type that it reads one over another.
-class Keeper {
+class ReadOverWriter {
 public:
-    Keeper(Walk const& walk, std::string_view bytes)
+    ReadOverWriter(Walk const& walk, std::string_view bytes)
         : walk_(walk), bytes_(bytes), kept_(&walk.budget), ids_(&walk.budget) {}
 
     std::pmr::string run(Type const& root) {
@@ -249,7 +249,7 @@ private:
     }
 
     static void pass(Type const& type, WalkedBytes& at) {
-        Passer passer{at};
+        Skipper passer{at};
         take_value(type, passer);
     }
 
@@ -280,7 +280,7 @@ std::pmr::string bytes_kept(Root const& root, std::string_view bytes, VerifyOpti
     Walk        walk(bytes, options.walk(), budget);
     StringsOnly strings;
     Walker(walk, strings).run(*root.type);
-    return Keeper(walk, bytes).run(*root.type);
+    return ReadOverWriter(walk, bytes).run(*root.type);
 }
 
 }  // namespace sml::inspect

@@ -158,7 +158,7 @@ private:
                 json_.member("payload");
                 write_use(*arm.payload);
             }
-            if (type.takes_rest && &arm == &type.arms.back()) {
+            if (type.has_catch_all && &arm == &type.arms.back()) {
                 json_.member("serves_all_other_tags");
                 json_.text += "true";
             }
@@ -191,7 +191,7 @@ public:
         for (Arm const& arm : type.arms) add_named(arm.name, arm.payload);
         if (type.key != nullptr) add_named("", type.key);
         if (type.element != nullptr) add_named("", type.element);
-        text += type.takes_rest ? "*)" : ")";
+        text += type.has_catch_all ? "*)" : ")";
         if (!type.name.empty()) open_.pop_back();
     }
 

@@ -76,10 +76,10 @@ struct Arm {
 /// A descriptor. All that it points to lives as long as the program.
 struct Type {
     Kind          kind;
-    bool          takes_rest{};  ///< the last arm serves every other tag
-    bool          hashed{};      ///< a set or map in no order of its keys
-    bool          last_wins{};   ///< a map read insert-then-read
-    std::uint32_t least_size{};  ///< no value takes fewer bytes
+    bool          has_catch_all{};  ///< the last arm serves every other tag
+    bool          hashed{};         ///< a set or map in no order of its keys
+    bool          last_wins{};      ///< a map read insert-then-read
+    std::uint32_t least_size{};     ///< no value takes fewer bytes
 
     FlatPart const*       flat{};     ///< of what has parts: the parts taken apart, and the end
     std::span<Part const> parts{};    ///< tuple, record, group
@@ -106,24 +106,24 @@ struct Type {
     bool is_plain_word() const noexcept { return inspect::is_plain_word(kind); }
 
     /// Whether a variant, reference or enumeration has this tag or value.
-    bool knows_tag(std::int32_t tag) const noexcept {
+    bool has_tag(std::int32_t tag) const noexcept {
         std::size_t const count = kind == Kind::enumeration ? enumerators.size() : arms.size();
         return tag >= 0 && static_cast<std::size_t>(tag) < count;
     }
 
     /// Whether the word of a reference has a sign.
     bool is_signed_word(std::int32_t tag) const noexcept {
-        return knows_tag(tag) && arms[static_cast<std::size_t>(tag)].payload->kind == Kind::int64;
+        return has_tag(tag) && arms[static_cast<std::size_t>(tag)].payload->kind == Kind::int64;
     }
 
     /// The arm that serves a tag, null where the tag stands bare.
-    Arm const* serving(std::int32_t tag) const noexcept {
-        if (knows_tag(tag)) return &arms[static_cast<std::size_t>(tag)];
-        return takes_rest ? &arms.back() : nullptr;
+    Arm const* arm_of(std::int32_t tag) const noexcept {
+        if (has_tag(tag)) return &arms[static_cast<std::size_t>(tag)];
+        return has_catch_all ? &arms.back() : nullptr;
     }
     /// The same where a payload follows.
     Arm const* with_payload(std::int32_t tag) const noexcept {
-        Arm const* const arm = serving(tag);
+        Arm const* const arm = arm_of(tag);
         return arm != nullptr && arm->payload != nullptr ? arm : nullptr;
     }
 };

@@ -11,7 +11,7 @@ namespace sml::inspect {
 
 namespace {
 
-class Verifier : public SilentVisitor {
+class Verifier : public BaseVisitor {
 public:
     Verifier(Walk& walk, VerifyOptions const& options)
         : walk_(walk), options_(options), keys_(&walk.budget), model_(&walk.budget) {
@@ -19,7 +19,7 @@ public:
     }
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const& type, std::uint64_t count) {
         keys_.open(count);

@@ -58,7 +58,7 @@ TEST(Command, VersionIsOneLine) {
 }
 
 TEST(Command, WrongUsageIsOneLineAndCodeTwo) {
-    std::string const more = " (bradep --help tells more)";
+    std::string const more = " (see bradep --help)";
     expect_refused(run_command({}), 2, "A command is required" + more);
     expect_refused(run_command({"frob"}), 2, "no such command: frob" + more);
     expect_refused(run_command({"shw", "set"}), 2, "no such command: shw (show?)" + more);

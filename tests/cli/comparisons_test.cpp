@@ -1,4 +1,4 @@
-// Logs whose texts are made to fall together in the hash tables that an import fills.
+// Logs whose texts are made to collide in the hash tables that an import fills.
 
 #include "comparisons.hpp"
 #include <sml/inspect/reader/reader_model.hpp>
@@ -141,7 +141,7 @@ TEST(Comparisons, BeyondMaxWorkImportNamesThePlaceAndWritesNothing) {
     // Three tables, each of which compares a text with all before it.
     EXPECT_NEAR(std::stod(refused.err.substr(place.size())), 258, 3);
     EXPECT_TRUE(
-        refused.err.ends_with(": keys fall together in the hash tables, which takes more "
+        refused.err.ends_with(": keys collide in the hash tables, which takes more "
                               "than --max-work 100000 comparisons\n"))
         << refused.err;
     EXPECT_EQ(std::ranges::count(refused.err, '\n'), 1);

@@ -305,14 +305,14 @@ TEST(SarifReader, NestingHasALimitAndNoEffectOnTheStack) {
 
 TEST(SarifReader, WhatIsEasyToSeeIsToldOfOtherEncodings) {
     using namespace std::string_literals;
-    auto const told = [](std::string const& form) {
+    auto const complaint = [](std::string const& form) {
         return "log:1:1: not JSON: " + form + ", only plain UTF-8 is read";
     };
-    EXPECT_EQ(complaint_about("{\0}\0"s), told("UTF-16 text"));
-    EXPECT_EQ(complaint_about("\0{\0}"s), told("UTF-16 text"));
-    EXPECT_EQ(complaint_about("\xFF\xFE\0\0{\0\0\0"s), told("UTF-32 text"));
-    EXPECT_EQ(complaint_about("\x1F\x8B\x08\0"s), told("compressed by gzip"));
-    EXPECT_EQ(complaint_about("PK\x03\x04"), told("a zip archive"));
+    EXPECT_EQ(complaint_about("{\0}\0"s), complaint("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\0{\0}"s), complaint("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\xFF\xFE\0\0{\0\0\0"s), complaint("UTF-32 text"));
+    EXPECT_EQ(complaint_about("\x1F\x8B\x08\0"s), complaint("compressed by gzip"));
+    EXPECT_EQ(complaint_about("PK\x03\x04"), complaint("a zip archive"));
     EXPECT_EQ(complaint_about("{\"a\":\n \"\xE4 text\"}"),
               "log:2:3: not JSON: the byte \\xe4 is not UTF-8, as in Latin-1 text");
     EXPECT_EQ(complaint_about("{\"a\": x \"\xE4\""), "log:1:7: not JSON: syntax error");

@@ -149,12 +149,12 @@ TEST(SchemaDiff, PayloadOfAnArm) {
 
 TEST(SchemaDiff, ArmThatServesAllOtherTags) {
     EXPECT_EQ(changes_of_x(variant(arm("A", with_int)), variant(arm("A", serves_rest))),
-              Lines{"X: all other tags were served by no arm, are served by A"});
+              Lines{"X: the catch-all arm was none, is A"});
     EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)), variant(arm("A", with_int))),
-              Lines{"X: all other tags were served by A, are served by no arm"});
+              Lines{"X: the catch-all arm was A, is none"});
     EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)),
                            variant(arm("A", with_int) + "," + arm("B", serves_rest))),
-              Lines{"X: all other tags were served by A, are served by B"});
+              Lines{"X: the catch-all arm was A, is B"});
 }
 
 TEST(SchemaDiff, HowAReaderHoldsAValueBreaksNothing) {

@@ -87,11 +87,11 @@ TEST(ShowNative, ASuppressedOneIsMarked) {
 TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
     ResultSet set;
     auto&     check = set.application_results.checks[{Strings_T("a.c"), 1}];
-    check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("told");
+    check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("given");
     auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
     EXPECT_EQ(shown.out,
               R"({"key":["a.c",1],"category":{"arm":"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE",)"
-              R"("args":{"message":"told"}}})"
+              R"("args":{"message":"given"}}})"
               "\n");
 }
 

@@ -42,7 +42,7 @@ enum class Kind {
 struct Shape {
     std::vector<std::string> names;        ///< arms, enumerators or fields
     std::vector<bool>        has_payload;  ///< by arm
-    bool                     takes_rest = false;
+    bool                     has_catch_all = false;
     bool                     last_wins = false;  ///< a map that is read insert-then-read
 
     void (*choose)(void* variant, std::int32_t tag) = nullptr;
@@ -54,7 +54,7 @@ struct Shape {
     /// The arm whose payload stands behind the tag, -1 where none does.
     std::int32_t arm_behind(std::int32_t tag) const {
         bool const listed = tag >= 0 && tag < count();
-        if (!listed) return takes_rest ? count() - 1 : -1;
+        if (!listed) return has_catch_all ? count() - 1 : -1;
         return has_payload[static_cast<std::size_t>(tag)] ? tag : -1;
     }
 };

@@ -62,7 +62,7 @@ Shape arms_shape() {
     Shape shape;
     for (char const* name : Arms::names) shape.names.emplace_back(name);
     shape.has_payload.assign(Arms::has_payload.begin(), Arms::has_payload.end());
-    shape.takes_rest = Arms::takes_rest;
+    shape.has_catch_all = Arms::has_catch_all;
     return shape;
 }
 

@@ -93,7 +93,7 @@ private:
     void variant(Type const& type) {
         std::int32_t const tag = word();
         reached.insert({&type, tag});
-        Arm const* const arm = type.serving(tag);
+        Arm const* const arm = type.arm_of(tag);
         if (arm != nullptr && arm->payload != nullptr) value(*arm->payload);
     }
 

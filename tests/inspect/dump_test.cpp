@@ -546,11 +546,10 @@ TEST(DumpOfDamage, LimitIsDamage) {
     DumpOptions const shallow{.walk = {.limits = {.depth = 1}}};
     Shown const       shown = show<std::list<std::list<bool>>>(word(1) + word(1) + "T", shallow);
     EXPECT_EQ(shown.dumped.answer, Answer::unsafe);
-    EXPECT_EQ(
-        shown.json,
-        R"({"root":"R","value":[{"unsafe":{"offset":4,)"
-        R"("expected":"no more than 1 variants and containers inside one another","found":"one more"}}]})"
-        "\n");
+    EXPECT_EQ(shown.json,
+              R"({"root":"R","value":[{"unsafe":{"offset":4,)"
+              R"("expected":"at most 1 levels of variants and containers","found":"one more"}}]})"
+              "\n");
 }
 
 TEST(DumpOfDamage, MarkedAlsoInAnEntryThatAReaderWouldDrop) {

@@ -62,11 +62,11 @@ public:
         auto const         dumped =
             dump(*file.root, damaged, json, {.walk = {.limits = {.memory = most_heap}}});
         EXPECT_EQ(dumped.answer, verdict.answer) << file.name << "\n" << hex::shown(damaged);
-        EXPECT_EQ(told(dumped.findings), told(verdict.findings)) << file.name << "\n"
-                                                                 << hex::shown(damaged);
+        EXPECT_EQ(text_of(dumped.findings), text_of(verdict.findings)) << file.name << "\n"
+                                                                       << hex::shown(damaged);
     }
 
-    static std::string told(std::vector<sml::inspect::Finding> const& findings) {
+    static std::string text_of(std::vector<sml::inspect::Finding> const& findings) {
         std::string text;
         for (auto const& finding : findings)
             text += std::to_string(finding.offset) + ' ' + finding.path + ": " + finding.expected +

@@ -219,8 +219,7 @@ TEST(Nesting, TheDepthLimitIsExact) {
         auto const verdict = verify(*loop.root, loop.bytes(3), {.limits = limits});
         ASSERT_EQ(verdict.answer, Answer::unsafe);
         EXPECT_EQ(verdict.findings.back().expected,
-                  "no more than " + std::to_string(depth - 1) +
-                      " variants and containers inside one another");
+                  "at most " + std::to_string(depth - 1) + " levels of variants and containers");
     }
 }
 

@@ -285,11 +285,11 @@ using Class = sml::Check_Classification::T_Check_Classification;
 TEST(ReadOverRule, AKeyWithANegativeTagEqualsNoOther) {
     using Flags = LastWinsUnorderedMap<Class, bool>;
     std::string const args = " 01 00 00 00 03 00 00 00 ";
-    std::string const told = " FF FF FF FF 01 00 00 00 'a' 03 00 00 00 ";
-    expect_kept<Flags>("02 00 00 00  FF FF FF FF" + told + "'T'  FF FF FF FF" + args + "'F'",
-                       "02 00 00 00  FF FF FF FF" + told + "'T'  FF FF FF FF" + args + "'F'");
-    expect_kept<Flags>("02 00 00 00  63 00 00 00" + told + "'T'  63 00 00 00" + args + "'F'",
-                       "01 00 00 00  63 00 00 00" + told + "'F'");
+    std::string const definition = " FF FF FF FF 01 00 00 00 'a' 03 00 00 00 ";
+    expect_kept<Flags>("02 00 00 00  FF FF FF FF" + definition + "'T'  FF FF FF FF" + args + "'F'",
+                       "02 00 00 00  FF FF FF FF" + definition + "'T'  FF FF FF FF" + args + "'F'");
+    expect_kept<Flags>("02 00 00 00  63 00 00 00" + definition + "'T'  63 00 00 00" + args + "'F'",
+                       "01 00 00 00  63 00 00 00" + definition + "'F'");
 }
 
 TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
@@ -317,7 +317,7 @@ TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
     auto const both = [](std::string const& tag) {
         return tag + " 02 00 00 00  01 00 00 00  01 00 00 00  03 00 00 00";
     };
-    ASSERT_TRUE(Range::arms::takes_rest);
+    ASSERT_TRUE(Range::arms::has_catch_all);
     for (std::string const tag : {"63 00 00 00", "FF FF FF FF", "FE FF FF FF", "02 00 00 00"}) {
         SCOPED_TRACE(tag);
         expect_value<Range>({tagged(tag), tagged(tag)}, both(tag));
@@ -328,7 +328,7 @@ TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
 
 TEST(ReadOverRule, TagsThatStandBareAreKeptAsTheyAre) {
     using Multiplicity = sml::Infos::Multiplicity::T;
-    static_assert(!Multiplicity::arms::takes_rest);
+    static_assert(!Multiplicity::arms::has_catch_all);
     std::string const five = "02 00 00 00  03 00 00 00 '5' 00 00";
     expect_value<Multiplicity>({five, "FF FF FF FF"}, "FF FF FF FF");
     expect_value<Multiplicity>({"63 00 00 00", "63 00 00 00"}, "63 00 00 00");

@@ -62,7 +62,7 @@ void collect_hashes(T const& value, std::vector<std::uint64_t>& hashes) {
 constexpr std::uint64_t none = 0x6e6f6e65'6e6f6e65;
 
 /// Hears the hashes that the walk has for the same keys.
-class HashListener : public SilentVisitor {
+class HashListener : public BaseVisitor {
 public:
     explicit HashListener(Walk& walk) : walk_(walk), model_(&walk.budget) {
         walk.strings.model_reader(model_);
@@ -226,9 +226,8 @@ TEST(ReaderWork, BeyondTheLimitIsUnsafe) {
     EXPECT_EQ(judge(numbers_root(), bytes, work).answer, Answer::good);
     Verdict const refused = judge(numbers_root(), bytes, work - 1);
     ASSERT_EQ(refused.answer, Answer::unsafe);
-    EXPECT_EQ(
-        refused.findings.back().expected,
-        "keys that a reader compares at most " + std::to_string(work - 1) + " times with others");
+    EXPECT_EQ(refused.findings.back().expected,
+              "at most " + std::to_string(work - 1) + " comparisons of keys by a reader");
 }
 
 TEST(ReaderWork, OfOrdinaryBytesIsAFewComparisonsAKey) {

@@ -229,10 +229,10 @@ Type record(std::span<Part const> parts, std::string_view name = "Record") {
     return type;
 }
 
-Type variant(std::span<Arm const> arms, bool takes_rest = false) {
+Type variant(std::span<Arm const> arms, bool has_catch_all = false) {
     Type type = of_kind(Kind::variant, "Variant");
     type.arms = arms;
-    type.takes_rest = takes_rest;
+    type.has_catch_all = has_catch_all;
     return type;
 }
 

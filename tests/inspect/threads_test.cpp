@@ -97,7 +97,7 @@ std::vector<Case> all_cases() {
     return cases;
 }
 
-void tell(std::ostream& out, std::vector<Finding> const& findings) {
+void print(std::ostream& out, std::vector<Finding> const& findings) {
     for (Finding const& finding : findings)
         out << finding.offset << ' ' << finding.path << ": " << finding.expected << ", "
             << finding.found << '\n';
@@ -108,7 +108,7 @@ void tell_verdict(std::ostream& out, Case const& one) {
     out << static_cast<int>(verdict.answer) << ' ' << verdict.odd_count << ' ' << verdict.walked
         << ' ' << verdict.heap << ' ' << verdict.elements << ' ' << verdict.strings << ' '
         << verdict.reason_against_encoding.has_value() << '\n';
-    tell(out, verdict.findings);
+    print(out, verdict.findings);
 }
 
 void tell_dumps(std::ostream& out, Case const& one) {
@@ -117,7 +117,7 @@ void tell_dumps(std::ostream& out, Case const& one) {
         Dumped const       dumped =
             dump(*one.root, one.bytes, json, {.walk = bounded, .form = form, .path = ""});
         out << json.view() << dumped.odd_count << ' ' << dumped.found << '\n';
-        tell(out, dumped.findings);
+        print(out, dumped.findings);
         if (form != Form::compact) continue;
         std::ostringstream encoded;
         auto const         error = encode(json.view(), encoded).error;
@@ -186,20 +186,20 @@ void in_all_threads(Work work) {
 TEST(Threads, EachGetsWhatOneAloneGets) {
     std::vector<Case> const cases = all_cases();
     // Threads come first, so that what is made at first use is made by several at once.
-    std::vector<std::vector<std::string>> told(thread_count);
+    std::vector<std::vector<std::string>> printed(thread_count);
     std::vector<std::string>              schemas(thread_count);
     in_all_threads([&](std::size_t thread) {
-        told[thread].resize(cases.size());
+        printed[thread].resize(cases.size());
         // All of them at the two cases that are read over, then each on a way of its own.
         for (std::size_t i = 0; i < cases.size(); ++i) {
             std::size_t const at = i < 2 ? i : 2 + (i + thread * 17) % (cases.size() - 2);
-            told[thread][at] = all_of(cases[at]);
+            printed[thread][at] = all_of(cases[at]);
         }
         schemas[thread] = schema();
     });
     for (std::size_t i = 0; i < cases.size(); ++i) {
         std::string const alone = all_of(cases[i]);
-        for (auto const& by_thread : told) ASSERT_EQ(by_thread[i], alone) << cases[i].name;
+        for (auto const& by_thread : printed) ASSERT_EQ(by_thread[i], alone) << cases[i].name;
     }
     for (std::string const& one : schemas) EXPECT_EQ(one, schema());
 }

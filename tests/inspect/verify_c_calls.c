@@ -5,7 +5,7 @@
 
 static void listen(void* context, struct sml_inspect_finding const* finding) {
     struct called* const called = context;
-    ++called->told;
+    ++called->reported;
     called->told_unsafe += finding->is_unsafe;
     called->offset = finding->offset;
     snprintf(called->path, sizeof called->path, "%s", finding->path);

@@ -8,11 +8,11 @@
 extern "C" {
 #endif
 
-/* What a call gave, and of the findings how many were told and the last one. */
+/* What a call gave, and of the findings how many were reported and the last one. */
 struct called {
     enum sml_inspect_answer    answer;
     struct sml_inspect_verdict verdict;
-    int                        told;
+    int                        reported;
     int                        told_unsafe;
     uint64_t                   offset;
     char                       path[80];

@@ -22,7 +22,7 @@ std::string one_set() {
 TEST(VerifyC, GoodBytesHaveNoFindingsAndTheirFigures) {
     called const result = call(sets, one_set());
     EXPECT_EQ(result.answer, SML_INSPECT_GOOD);
-    EXPECT_EQ(result.told, 0);
+    EXPECT_EQ(result.reported, 0);
     EXPECT_EQ(result.verdict.odd_count, 0u);
     EXPECT_EQ(result.verdict.walked, one_set().size());
     EXPECT_EQ(result.verdict.elements, 2u);
@@ -33,7 +33,7 @@ TEST(VerifyC, GoodBytesHaveNoFindingsAndTheirFigures) {
 TEST(VerifyC, OddFindingIsTold) {
     called const result = call("Answers_Context", "x");
     EXPECT_EQ(result.answer, SML_INSPECT_ODD);
-    EXPECT_EQ(result.told, 1);
+    EXPECT_EQ(result.reported, 1);
     EXPECT_EQ(result.told_unsafe, 0);
     EXPECT_EQ(result.verdict.odd_count, 1u);
     EXPECT_EQ(result.offset, 0u);
@@ -56,13 +56,13 @@ TEST(VerifyC, UnsafeFindingIsToldLast) {
 TEST(VerifyC, ListedBoundsTheOddFindingsThatAreTold) {
     std::string bytes = hex::bytes("03 00 00 00");
     for (int i = 0; i < 3; ++i) bytes += hex::bytes("00 00 00 00 'x'");
-    EXPECT_EQ(call(parameters, bytes, nullptr, 2).told, 2);
+    EXPECT_EQ(call(parameters, bytes, nullptr, 2).reported, 2);
     EXPECT_EQ(call(parameters, bytes, nullptr, 2).verdict.odd_count, 3u);
     called const none = call(parameters, bytes, nullptr, 0);
-    EXPECT_EQ(none.told, 0);
+    EXPECT_EQ(none.reported, 0);
     EXPECT_EQ(none.answer, SML_INSPECT_ODD);
     called const cut = call(parameters, bytes + "y", nullptr, 0);
-    EXPECT_EQ(cut.told, 1);
+    EXPECT_EQ(cut.reported, 1);
     EXPECT_EQ(cut.told_unsafe, 1);
 }
 
@@ -105,7 +105,7 @@ TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
     for (std::uint64_t const size : {std::uint64_t{1}, std::uint64_t{8}, ~std::uint64_t{0}}) {
         called const result = call_verify("Integers64_T", nullptr, size, nullptr, 100);
         EXPECT_EQ(result.answer, SML_INSPECT_NO_BYTES);
-        EXPECT_EQ(result.told, 0);
+        EXPECT_EQ(result.reported, 0);
         EXPECT_EQ(result.verdict.walked, 0u);
     }
     EXPECT_EQ(call_verify_null("Integers64_T", 8), SML_INSPECT_NO_BYTES);
@@ -116,7 +116,7 @@ TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
 TEST(VerifyC, UnknownStemIsToldWithoutAWalk) {
     called const result = call("Answers_Contex", "T");
     EXPECT_EQ(result.answer, SML_INSPECT_NO_SUCH_ROOT);
-    EXPECT_EQ(result.told, 0);
+    EXPECT_EQ(result.reported, 0);
     EXPECT_EQ(result.verdict.walked, 0u);
     EXPECT_EQ(call_verify_bare("", "T", 1), SML_INSPECT_NO_SUCH_ROOT);
     EXPECT_EQ(call_verify_bare(nullptr, "T", 1), SML_INSPECT_NO_SUCH_ROOT);

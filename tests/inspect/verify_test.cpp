@@ -32,14 +32,14 @@ using sml::inspect::verify;
 using wire_bytes::in_full;
 using wire_bytes::word;
 
-std::string told(Finding const& finding) {
+std::string text_of(Finding const& finding) {
     return std::to_string(finding.offset) + " " + finding.path + ": expected " + finding.expected +
            ", found " + finding.found;
 }
 
-std::string told(Verdict const& verdict) {
+std::string text_of(Verdict const& verdict) {
     std::string all;
-    for (Finding const& finding : verdict.findings) all += told(finding) + "\n";
+    for (Finding const& finding : verdict.findings) all += text_of(finding) + "\n";
     return all;
 }
 
@@ -53,7 +53,7 @@ TEST(Verify, WhatIsWrittenIsGood) {
             SCOPED_TRACE(root.stem + std::string(", seed ") + std::to_string(seed));
             RandomValues  random(seed);
             Verdict const verdict = verify(*find_root(root.stem), root.random_bytes(random));
-            EXPECT_EQ(verdict.answer, Answer::good) << told(verdict);
+            EXPECT_EQ(verdict.answer, Answer::good) << text_of(verdict);
         }
     }
 }
@@ -118,34 +118,34 @@ TEST(Verify, WhatIsNotUnsafeIsReadToTheLastByte) {
 /// The one odd finding of bytes that are otherwise good.
 Finding the_odd_finding(char const* stem, std::string_view bytes) {
     Verdict const verdict = verify_hex(stem, bytes);
-    EXPECT_EQ(verdict.answer, Answer::odd) << told(verdict);
-    EXPECT_EQ(verdict.odd_count, 1u) << told(verdict);
+    EXPECT_EQ(verdict.answer, Answer::odd) << text_of(verdict);
+    EXPECT_EQ(verdict.odd_count, 1u) << text_of(verdict);
     return verdict.findings.empty() ? Finding{} : verdict.findings.front();
 }
 
 TEST(Verify, FlagOtherThanTOrFIsOdd) {
     Finding const finding = the_odd_finding("Answers_Answer", "20");
-    EXPECT_EQ(told(finding),
-              "0 flag: expected T or F, found ' ', which reading from a stream skips");
+    EXPECT_EQ(text_of(finding),
+              "0 flag: expected T or F, found ' ', which a reader of a stream skips");
     EXPECT_EQ(the_odd_finding("Answers_Answer", "'t'").found, "'t'");
 }
 
 TEST(Verify, UnsetVariantIsOdd) {
     Finding const finding =
         the_odd_finding("Interrogators_QuestionRef", "FF FF FF FF  00 00 00 00 00 00 00 00");
-    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 1, found -1, a variant never set");
+    EXPECT_EQ(text_of(finding), "0 : expected a tag from 0 to 1, found -1, an unset variant");
 }
 
 TEST(Verify, UnknownTagIsOddAndServedByTheLastArm) {
     Finding const finding =
         the_odd_finding("IL_Extras_ZelvaniteResultData", "1A 00 00 00  01 00 00 00");
-    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 25, found 26");
+    EXPECT_EQ(text_of(finding), "0 : expected a tag from 0 to 25, found 26");
 }
 
 TEST(Verify, UnknownEnumeratorIsOdd) {
     Finding const finding =
         the_odd_finding("IL_Extras_ZelvaniteResultData", "19 00 00 00  04 00 00 00");
-    EXPECT_EQ(told(finding),
+    EXPECT_EQ(text_of(finding),
               "4 Variable_Value_Scalar: expected an enumerator from 0 to 3, found 4");
 }
 
@@ -154,8 +154,8 @@ TEST(Verify, DuplicateKeyIsOddWhateverItsSpelling) {
                                             "02 00 00 00"
                                             "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
                                             "01 00 00 00  00 00 00 00");
-    EXPECT_EQ(told(finding),
-              "17 [#1].key: expected a key or element that is not there yet, "
+    EXPECT_EQ(text_of(finding),
+              "17 [#1].key: expected a new key or element, "
               "found \"a\" again");
 }
 
@@ -173,9 +173,9 @@ TEST(Verify, TextToldTwiceIsOdd) {
                                             "01 00 00 00"
                                             "FF FF FF FF  01 00 00 00 'a'"
                                             "01 00 00 00  FE FF FF FF  01 00 00 00 'a'");
-    EXPECT_EQ(told(finding),
-              "17 [\"a\"][0]: expected a reference to the text told before, "
-              "found the text told again");
+    EXPECT_EQ(text_of(finding),
+              "17 [\"a\"][0]: expected a back-reference, "
+              "found a second definition of the same text");
 }
 
 TEST(Verify, IdOutOfSequenceIsOdd) {
@@ -200,15 +200,16 @@ TEST(Verify, UndefinedIdIsOddAndIsTheEmptyTextFromThenOn) {
                                        "01 00 00 00  00 00 00 00"
                                        "FF FF FF FF  01 00 00 00 'a'"
                                        "01 00 00 00  01 00 00 00");
-    ASSERT_EQ(verdict.odd_count, 1u) << told(verdict);
-    EXPECT_EQ(told(verdict.findings.front()), "4 [#0].key: expected an id told before, found id 1");
+    ASSERT_EQ(verdict.odd_count, 1u) << text_of(verdict);
+    EXPECT_EQ(text_of(verdict.findings.front()),
+              "4 [#0].key: expected an id that is defined before, found id 1");
 }
 
 TEST(Verify, LengthBeyondTheBytesIsUnsafe) {
     Verdict const verdict =
         verify_hex("String_To_StringSet_T", "01 00 00 00  FF FF FF FF  02 00 00 00 'a'");
     ASSERT_EQ(verdict.answer, Answer::unsafe);
-    EXPECT_EQ(told(verdict), "8 [#0].key: expected a length from 0 to 1, found 2\n");
+    EXPECT_EQ(text_of(verdict), "8 [#0].key: expected a length from 0 to 1, found 2\n");
 }
 
 TEST(Verify, NegativeLengthIsUnsafe) {
@@ -221,7 +222,7 @@ TEST(Verify, NegativeLengthIsUnsafe) {
 TEST(Verify, CountThatCannotFitIsUnsafe) {
     Verdict const verdict = verify_hex("String_To_StringSet_T", "FF FF FF FF  00 00 00 00");
     ASSERT_EQ(verdict.answer, Answer::unsafe);
-    EXPECT_EQ(told(verdict), "0 : expected a count of at most 0, found 4294967295\n");
+    EXPECT_EQ(text_of(verdict), "0 : expected a count of at most 0, found 4294967295\n");
 }
 
 TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
@@ -345,10 +346,11 @@ TEST(Verify, EveryStringThatIsAKeyAlreadyIsFound) {
         }
         Verdict const verdict = verify(root, bytes, {.listed = 1000});
         auto const    is_repeated = [](Finding const& finding) {
-            return finding.expected == "a key or element that is not there yet";
+            return finding.expected == "a new key or element";
         };
         ASSERT_NE(verdict.answer, Answer::unsafe);
-        EXPECT_EQ(std::ranges::count_if(verdict.findings, is_repeated), repeated) << told(verdict);
+        EXPECT_EQ(std::ranges::count_if(verdict.findings, is_repeated), repeated)
+            << text_of(verdict);
     }
 }
 

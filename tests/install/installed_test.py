@@ -97,7 +97,7 @@ def try_commands(source, prefix, folder):
     stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T"
     result, again, canonical = folder / "result", folder / "again", folder / "canonical"
     run(bradep, "import", log, "-o", result)
-    expect("show tells the checks", "checks" in run(bradep, "show", result))
+    expect("show lists the checks", "checks" in run(bradep, "show", result))
     run(bradep, "verify", "--strict", result)
     expect("identify finds the root", run(bradep, "identify", result).splitlines()[0] == stem)
     json = folder / "json"
@@ -114,7 +114,7 @@ def try_commands(source, prefix, folder):
            == re.findall(r"^SML_ROOT\((\w+),", (source / "sml/bindings/roots.def").read_text(), re.M))
     result.write_bytes(result.read_bytes()[:-1])
     run(bradep, "verify", result, code=1)
-    expect("an option is told of", "--version" in run(bradep, "--help"))
+    expect("an option is listed", "--version" in run(bradep, "--help"))
 
 
 def main():

@@ -115,7 +115,7 @@ public:
 
     static bool is_chosen(std::uint64_t choice) { return choice / 8 % 4 < 2; }
 
-    std::string told() const {
+    std::string calls() const {
         return " tied stream: state " + std::to_string(stream_.rdstate()) + " flushes " +
                std::to_string(buffer_.flushes);
     }
@@ -142,7 +142,7 @@ std::string written(Write const& write, Taker& buffer, std::uint64_t choice,
     result += outcome([&] { write(stream); });
     result += " state " + std::to_string(stream.rdstate()) + " width " +
               std::to_string(stream.width()) + " flushes " + std::to_string(buffer.flushes) +
-              tied.told() + " bytes " + buffer.bytes;
+              tied.calls() + " bytes " + buffer.bytes;
     return result;
 }
 

@@ -126,22 +126,22 @@ private:
     int flushes_;
 };
 
-/// Reads two objects; tells what came of each, what was taken, and what they hold.
+/// Reads two objects; says what came of each, what was taken, and what they hold.
 template <class Buffer, class T, class Read>
 std::string read_two(std::string const& bytes, std::size_t window, bool is_tied, Read const& read) {
     Buffer       buffer(bytes, window);
     std::istream stream(&buffer);
     std::ostream other_way(&buffer);
     if (is_tied) stream.tie(&other_way);
-    std::string told;
+    std::string outcomes;
     for (int object = 0; object < 2; ++object) {
         T value{};
-        told += outcome([&] { read(value, stream); });
-        told += " state " + std::to_string(stream.rdstate()) + " count " +
-                std::to_string(stream.gcount()) + " taken " + std::to_string(buffer.taken()) +
-                " value " + plainly_written(value);
+        outcomes += outcome([&] { read(value, stream); });
+        outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                    std::to_string(stream.gcount()) + " taken " + std::to_string(buffer.taken()) +
+                    " value " + plainly_written(value);
     }
-    return told;
+    return outcomes;
 }
 
 template <class Buffer, class T, class Read>
@@ -231,8 +231,8 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
         stream.exceptions(std::ios::badbit);
         stream.tie(&other_way);
         Values      value;
-        std::string told = outcome([&] { read(value, stream); });
-        return told + " taken " + std::to_string(buffer.taken()) + " value " +
+        std::string outcomes = outcome([&] { read(value, stream); });
+        return outcomes + " taken " + std::to_string(buffer.taken()) + " value " +
                plainly_written(value);
     };
     for (std::size_t const window : {1u, 20u, 300u, 20'000u})
@@ -269,21 +269,21 @@ std::locale locale_with_spaces(std::string_view spaces, bool blank) {
 
 using Flags = std::tuple<std::int32_t, bool, bool, std::array<bool, 4>, std::int32_t, bool>;
 
-/// Reads two values; tells where each leaves the stream, and what they hold.
+/// Reads two values; says where each leaves the stream, and what they hold.
 std::string read_flags(std::string const& bytes, std::locale const& locale, bool skips,
                        void (*read)(Flags&, std::istream&)) {
     std::istringstream stream(bytes);
     stream.imbue(locale);
     if (!skips) stream.unsetf(std::ios::skipws);
-    std::string told;
+    std::string outcomes;
     for (int object = 0; object < 2; ++object) {
         Flags value{};
         read(value, stream);
-        told += " state " + std::to_string(stream.rdstate()) + " count " +
-                std::to_string(stream.gcount()) + " at " + std::to_string(stream.tellg()) +
-                " value " + plainly_written(value);
+        outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                    std::to_string(stream.gcount()) + " at " + std::to_string(stream.tellg()) +
+                    " value " + plainly_written(value);
     }
-    return told;
+    return outcomes;
 }
 
 TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {

@@ -96,7 +96,7 @@ TEST(PlainStreams, AreWrittenAlikeWhenLong) {
 }
 
 struct Read {
-    std::string told;
+    std::string outcomes;
     Object      value;
 };
 
@@ -106,10 +106,11 @@ Read read(Root const& root, void (*read)(void*, std::istream&), Giver& buffer, s
     set_up(stream, choice);
     TiedStream const tied(stream, choice, tied_may_throw);
     Read             result{outcome([&] { stream.setstate(state); }), root.make()};
-    result.told += outcome([&] { read(result.value.get(), stream); });
-    result.told += " state " + std::to_string(stream.rdstate()) + " count " +
-                   std::to_string(stream.gcount()) + " width " + std::to_string(stream.width()) +
-                   " taken " + std::to_string(buffer.taken()) + tied.told();
+    result.outcomes += outcome([&] { read(result.value.get(), stream); });
+    result.outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                       std::to_string(stream.gcount()) + " width " +
+                       std::to_string(stream.width()) + " taken " + std::to_string(buffer.taken()) +
+                       tied.calls();
     return result;
 }
 
@@ -129,7 +130,7 @@ TEST(PlainStreams, AreReadAlike) {
                 read(root, root.read_from, our_buffer, choice, std::ios::goodbit, false);
             Read const expected =
                 read(root, root.plain_read_from, expected_buffer, choice, std::ios::goodbit, false);
-            EXPECT_EQ(ours.told, expected.told) << root.stem << " window " << window;
+            EXPECT_EQ(ours.outcomes, expected.outcomes) << root.stem << " window " << window;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))
                 << root.stem;
@@ -157,7 +158,7 @@ TEST(PlainStreams, ThatFailAreReadAlike) {
             Read const          ours = read(root, root.read_from, our_buffer, choice, state, true);
             Read const          expected =
                 read(root, root.plain_read_from, expected_buffer, choice, state, true);
-            EXPECT_EQ(ours.told, expected.told) << root.stem << " setting " << choice % 8;
+            EXPECT_EQ(ours.outcomes, expected.outcomes) << root.stem << " setting " << choice % 8;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))
                 << root.stem;

@@ -28,7 +28,7 @@ void close_slots(Slots& slots) {
     if (slots.capacity() > most_kept) Slots(slots.get_allocator()).swap(slots);
 }
 
-/// 8 bytes for a key that is a string told in full, 16 for any other, each for all keys of a
+/// 8 bytes for a key that is a string defined in full, 16 for any other, each for all keys of a
 /// container while it is open and has such a one; exact when hashes collide.
 class KeyTable {
 public:
@@ -61,17 +61,17 @@ private:
     struct Table {
         using allocator_type = std::pmr::polymorphic_allocator<std::byte>;
 
-        explicit Table(allocator_type memory) : told(memory), slots(memory) {}
+        explicit Table(allocator_type memory) : defined(memory), slots(memory) {}
         Table(Table&& other, allocator_type memory)
             : count(other.count),
-              told(std::move(other.told), memory),
+              defined(std::move(other.defined), memory),
               slots(std::move(other.slots), memory) {}
 
         std::uint64_t count = 0;  // of the keys to come
 
-        // The places of the keys that are strings told in full, in ascending order. They are new as
-        // their texts are, which no table has to find out.
-        std::pmr::vector<std::uint64_t> told;
+        // The places of the keys that are strings defined in full, in ascending order. They are new
+        // as their texts are, which no table has to find out.
+        std::pmr::vector<std::uint64_t> defined;
         // The other keys.
         std::pmr::vector<Slot> slots;
     };

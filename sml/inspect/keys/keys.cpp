@@ -252,8 +252,8 @@ struct Keys::TextSink {
     bool text() { return append(quoted(at.take_block())); }
     bool enumeration(Type const& type) {
         auto const number = at.take_word<std::int32_t>();
-        return type.knows_tag(number) ? append(type.enumerators[static_cast<std::size_t>(number)])
-                                      : append(std::to_string(number));
+        return type.has_tag(number) ? append(type.enumerators[static_cast<std::size_t>(number)])
+                                    : append(std::to_string(number));
     }
 
     template <class Take>
@@ -263,7 +263,7 @@ struct Keys::TextSink {
     template <class Take>
     bool variant(Type const& type, Take const& take_payload) {
         auto const tag = at.take_word<std::int32_t>();
-        append(type.knows_tag(tag) ? std::string(type.serving(tag)->name) : std::to_string(tag));
+        append(type.has_tag(tag) ? std::string(type.arm_of(tag)->name) : std::to_string(tag));
         Arm const* const arm = type.with_payload(tag);
         return arm == nullptr || (append(" ") && take_payload(*arm));
     }

@@ -52,7 +52,7 @@ public:
 
     /// The bytes not taken yet; who has taken more of them without the walk says how far.
     char const* at() const noexcept { return at_; }
-    void        go_to(char const* at) noexcept { at_ = at; }
+    void        seek(char const* at) noexcept { at_ = at; }
 
     /// The next bytes; `left()` holds them.
     std::string_view take(std::size_t size) noexcept {
@@ -70,7 +70,7 @@ public:
 
     /// A step into a value, which is to be left again.
     Step enter(Type const& type) const noexcept { return {&type, top_}; }
-    void go_to(Step const* step) noexcept { top_ = step; }
+    void set_step(Step const* step) noexcept { top_ = step; }
 
     /// How many steps the walk is in.
     std::size_t depth() const noexcept {

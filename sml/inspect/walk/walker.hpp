@@ -2,7 +2,8 @@
 // One bounded pass over the bytes of a root, by descriptor, telling a visitor what it meets.
 //
 // It builds no objects and takes nothing beyond the bytes; it is the only code that reads bytes of
-// unknown origin. The first unsafe finding ends the pass; the ends of what is open are still told.
+// unknown origin. The first unsafe finding ends the pass; the end events of all open values still
+// come.
 
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/double_text.hpp>
@@ -19,12 +20,12 @@ namespace sml::inspect {
 
 /// A visitor that listens to nothing. Others derive from it and hide what they want to hear; the
 /// walker is instantiated for each, so what is not heard costs nothing.
-struct SilentVisitor {
-    /// Whether the keys and elements of tables and sets are told to `add_key`.
+struct BaseVisitor {
+    /// Whether the keys and elements of tables and sets are text to `add_key`.
     static constexpr bool compares_keys = false;
 
-    /// Whether words, strings and the parts of records are told.
-    static constexpr bool hears_values = true;
+    /// Whether words, strings and the parts of records are text.
+    static constexpr bool wants_values = true;
 
     void integer(Type const&, std::int64_t) {}
     void natural(Type const&, std::uint64_t) {}
@@ -55,19 +56,19 @@ struct SilentVisitor {
     void end_variant(Type const&) {}
     void reference(Type const&, std::int32_t /*tag*/, std::uint64_t /*word*/) {}
 
-    /// A set or map with so many entries, more than one, whose keys are going to be told.
+    /// A set or map with so many entries, more than one, whose keys are going to be text.
     void open_keys(Type const&, std::uint64_t /*count*/) {}
     void close_keys() {}
     /// The root's value is over; bytes behind it are unsafe.
     void end_root() {}
 
-    /// By what the key at an offset is told from others; `Keys::no_hash` where it equals none.
+    /// The hash of the key at an offset; `Keys::no_hash` where it equals none.
     std::uint64_t key_hash(Walk const& walk, Type const& key, std::uint64_t offset) const {
         return walk.keys.hash(key, offset);
     }
-    /// A key with this hash is going to be told behind its value.
+    /// A key with this hash is going to be text behind its value.
     void expect_key(std::uint64_t /*hash*/) {}
-    /// Whether the key at an offset is new to the container opened last. In a map it is told when
+    /// Whether the key at an offset is new to the container opened last. In a map it is called when
     /// its value is over. `Keys::no_hash` stands for a key that equals no other.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
@@ -102,7 +103,7 @@ private:
 
     // Inlined where values are walked in a row; what is rare, or walks on, stands outside.
     [[gnu::always_inline]] bool inline_value(Type const& type) {
-        // Of what has parts the first one that is not there is told.
+        // Of what has parts the first one that is not there is text.
         if (walk_.left() < type.least_size && !type.has_parts()) [[unlikely]]
             return too_short(type.least_size);
         return whole_value(type);
@@ -144,9 +145,9 @@ private:
     template <class Use>
     bool inside(Type const& type, Use use) {
         Step step = walk_.enter(type);
-        walk_.go_to(&step);
+        walk_.set_step(&step);
         bool const whole = use(step);
-        walk_.go_to(step.up);
+        walk_.set_step(step.up);
         return whole;
     }
 
@@ -163,12 +164,12 @@ private:
 
     [[gnu::noinline]] bool parts(Type const& type) {
         return inside(type, [&](Step& step) {
-            if (Visitor::hears_values) return heard_parts(type, step);
+            if (Visitor::wants_values) return visited_parts(type, step);
             return flat_parts(type, step);
         });
     }
 
-    bool heard_parts(Type const& type, Step& step) {
+    bool visited_parts(Type const& type, Step& step) {
         visitor_.begin(type, type.parts.size());
         bool          whole = true;
         std::uint64_t index = 0;
@@ -190,13 +191,13 @@ private:
         char const* at = walk_.at();
         bool        whole = true;
         auto const  stop = [&] {
-            walk_.go_to(at);
+            walk_.seek(at);
             step.flat = part;
         };
         for (;; ++part) {
             at += part->words_before;
             if (part->kind == Kind::string &&
-                walk_.strings.knows_at_sight(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
+                walk_.strings.is_in_sequence(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
                 at += least_size_of(Kind::string);
                 continue;
             }
@@ -256,8 +257,8 @@ private:
                     stop();
                     whole = value(*part->type);
                     break;
-                case Kind::record: walk_.go_to(at); return true;  // the end
-                default: __builtin_unreachable();                 // plain words, and what has parts
+                case Kind::record: walk_.seek(at); return true;  // the end
+                default: __builtin_unreachable();                // plain words, and what has parts
             }
             if (!whole) return false;
             if (walk_.left() < part[1].least_size_of_row) [[unlikely]]
@@ -325,7 +326,7 @@ private:
         } else {
             odd_tag(type, tag);
             index = static_cast<std::uint32_t>(type.arms.size() - 1);
-            if (type.takes_rest) arm = &type.arms[index];
+            if (type.has_catch_all) arm = &type.arms[index];
         }
         visitor_.begin_variant(type, tag, arm);
         bool whole = true;
@@ -391,7 +392,7 @@ private:
             if (!parts_or_value(*type.element)) return false;
             if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
             if (!keyed) continue;
-            settle_key(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
+            add_key_of_entry(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
             if (!work_does(at)) return false;
         }
         return true;
@@ -418,11 +419,11 @@ private:
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);
         step.key_offset = Step::nowhere;
-        if (keyed) settle_key(type, *type.key, at, hash);
+        if (keyed) add_key_of_entry(type, *type.key, at, hash);
         return whole && work_does(at);
     }
 
-    void settle_key(Type const& type, Type const& key, std::uint64_t at, std::uint64_t hash) {
+    void add_key_of_entry(Type const& type, Type const& key, std::uint64_t at, std::uint64_t hash) {
         if (visitor_.add_key(key, at, hash)) [[likely]]
             return;
         walk_.heap.give_back_node(type);
@@ -458,7 +459,7 @@ private:
 
     [[gnu::noinline]] bool reference(Type const& type) {
         auto const tag = walk_.take_word<std::int32_t>();
-        if (!type.knows_tag(tag)) odd_tag(type, tag);
+        if (!type.has_tag(tag)) odd_tag(type, tag);
         visitor_.reference(type, tag, walk_.take_word<std::uint64_t>());
         return true;
     }
@@ -500,7 +501,7 @@ private:
             if (!walk_.heap.take_other_id()) return too_much_heap(walk_.offset());
             if (!work_does(walk_.offset())) return false;
         }
-        if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word.id()));
+        if (Visitor::wants_values) visitor_.string(walk_.strings.text_of(word.id()));
         return true;
     }
 
@@ -525,53 +526,53 @@ private:
 
     [[gnu::noinline]] bool text() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a text")) return false;
-        if (!walk_.heap.take_text(told.size())) return too_much_heap(at);
-        visitor_.text(told);
+        std::string_view    text;
+        if (!block(text, "a text")) return false;
+        if (!walk_.heap.take_text(text.size())) return too_much_heap(at);
+        visitor_.text(text);
         return true;
     }
 
     [[gnu::noinline]] bool number() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a number")) return false;
-        if (!walk_.heap.take_double(told.size())) return too_much_heap(at);
-        bool const is_plain = is_plainly_written_double(told, walk_.point());
-        if (is_plain && !Visitor::hears_values) return true;
-        auto const read = double_of(told, walk_.point());
+        std::string_view    text;
+        if (!block(text, "a number")) return false;
+        if (!walk_.heap.take_double(text.size())) return too_much_heap(at);
+        bool const is_plain = is_plainly_written_double(text, walk_.point());
+        if (is_plain && !Visitor::wants_values) return true;
+        auto const read = double_of(text, walk_.point());
         if (!read)
             return fail(at, "a number that a double holds in every locale and rounding mode",
-                        quoted(told));
-        if (!is_plain && told != written_double(*read, walk_.point())) odd_double(at, told);
+                        quoted(text));
+        if (!is_plain && text != written_double(*read, walk_.point())) odd_double(at, text);
         visitor_.number(*read);
         return true;
     }
 
     [[gnu::noinline]] bool big_integer() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "an integer")) return false;
-        bool const is_written = is_written_integer(told, told.size() + walk_.left());
-        bool const is_zero = is_written && told.front() == '0';
-        bool const is_plain = is_written && told.size() <= ReaderHeap::plain_integer;
-        if (!is_zero && !walk_.heap.take_integer(told.size(), is_plain)) return too_much_heap(at);
+        std::string_view    text;
+        if (!block(text, "an integer")) return false;
+        bool const is_written = is_written_integer(text, text.size() + walk_.left());
+        bool const is_zero = is_written && text.front() == '0';
+        bool const is_plain = is_written && text.size() <= ReaderHeap::plain_integer;
+        if (!is_zero && !walk_.heap.take_integer(text.size(), is_plain)) return too_much_heap(at);
         if (is_written) {
-            if (Visitor::hears_values) visitor_.big_integer(written_digits(told));
+            if (Visitor::wants_values) visitor_.big_integer(written_digits(text));
             return true;
         }
-        odd_number(at, told);
-        if (Visitor::hears_values) {
-            Budget::Hold const held(walk_.budget, told.size());
-            visitor_.big_integer(integer_of(told));
+        odd_number(at, text);
+        if (Visitor::wants_values) {
+            Budget::Hold const held(walk_.budget, text.size());
+            visitor_.big_integer(integer_of(text));
         }
         return true;
     }
 
     [[gnu::noinline]] bool ieee_float() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a float")) return false;
+        std::string_view    text;
+        if (!block(text, "a float")) return false;
         std::uint64_t const width_offset = walk_.offset();
         if (walk_.left() < sizeof(std::int32_t))
             return fail(width_offset, "a float's width", "the end of the bytes");
@@ -581,19 +582,19 @@ private:
                         std::to_string(width));
         char const point = float_point(walk_.point());
         bool const is_written =
-            is_written_float(told, width, told.size() + sizeof width + walk_.left(), point);
-        bool const is_plain = is_written && told != "NAN";
-        if (!walk_.heap.take_float(told.size(), is_plain)) return too_much_heap(at);
-        if (!is_written) odd_number(at, told);
-        if (Visitor::hears_values) hear_float(told, width, point, is_written);
+            is_written_float(text, width, text.size() + sizeof width + walk_.left(), point);
+        bool const is_plain = is_written && text != "NAN";
+        if (!walk_.heap.take_float(text.size(), is_plain)) return too_much_heap(at);
+        if (!is_written) odd_number(at, text);
+        if (Visitor::wants_values) visit_float(text, width, point, is_written);
         return true;
     }
 
-    void hear_float(std::string_view told, std::int32_t width, char point, bool is_written) {
-        if (is_written && point == '.') return visitor_.ieee_float(told, width);
-        Budget::Hold const held(walk_.budget, 3 * told.size());
-        std::string const  text = is_written ? with_dot(told, point) : float_of(told, width, point);
-        visitor_.ieee_float(text, width);
+    void visit_float(std::string_view text, std::int32_t width, char point, bool is_written) {
+        if (is_written && point == '.') return visitor_.ieee_float(text, width);
+        Budget::Hold const held(walk_.budget, 3 * text.size());
+        std::string const usual = is_written ? with_dot(text, point) : float_of(text, width, point);
+        visitor_.ieee_float(usual, width);
     }
 
     /// A length word and so many bytes.
@@ -626,42 +627,39 @@ private:
                     std::to_string(found));
     }
     [[gnu::cold, gnu::noinline]] bool too_deep() {
-        return fail(walk_.offset(),
-                    "no more than " + std::to_string(walk_.limits.depth) +
-                        " variants and containers inside one another",
-                    "one more");
+        return fail(
+            walk_.offset(),
+            "at most " + std::to_string(walk_.limits.depth) + " levels of variants and containers",
+            "one more");
     }
     [[gnu::cold, gnu::noinline]] bool too_much_heap(std::uint64_t at) {
-        return fail(
-            at, "an object that takes at most " + std::to_string(walk_.limits.memory) + " bytes",
-            "at least " + std::to_string(walk_.heap.peak()));
+        return fail(at,
+                    "a reader's heap of at most " + std::to_string(walk_.limits.memory) + " bytes",
+                    "at least " + std::to_string(walk_.heap.peak()));
     }
     [[gnu::cold, gnu::noinline]] bool too_much_work(std::uint64_t at) {
-        return fail(at,
-                    "keys that a reader compares at most " + std::to_string(walk_.limits.work) +
-                        " times with others",
-                    "at least " + std::to_string(visitor_.work()) +
-                        " comparisons, as many keys fall together in the hash tables");
+        return fail(
+            at, "at most " + std::to_string(walk_.limits.work) + " comparisons of keys by a reader",
+            "at least " + std::to_string(visitor_.work()) +
+                ", since many keys collide in its hash tables");
     }
     [[gnu::cold, gnu::noinline]] bool no_length(char const* what) {
         return fail(walk_.offset(), std::string("the length of ") + what, "the end of the bytes");
     }
 
     [[gnu::cold, gnu::noinline]] bool too_many_strings(std::uint64_t at) {
-        return fail(at, "no more than " + std::to_string(StringTable::most) + " strings",
-                    "one more");
+        return fail(at, "at most " + std::to_string(StringTable::most) + " strings", "one more");
     }
 
     [[gnu::cold, gnu::noinline]] void odd_tag(Type const& type, std::int32_t tag) {
         odd(Oddity::unknown, walk_.offset() - sizeof tag,
-            "a tag from 0 to " + std::to_string(type.arms.size() - 1), [&] {
-                return tag == -1 ? std::string("-1, a variant never set") : std::to_string(tag);
-            });
+            "a tag from 0 to " + std::to_string(type.arms.size() - 1),
+            [&] { return tag == -1 ? std::string("-1, an unset variant") : std::to_string(tag); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_flag(std::uint64_t at, char byte) {
         odd(Oddity::other, at, "T or F", [&] {
-            return byte_text(byte) + (is_blank(byte) ? ", which reading from a stream skips" : "");
+            return byte_text(byte) + (is_blank(byte) ? ", which a reader of a stream skips" : "");
         });
     }
 
@@ -672,13 +670,13 @@ private:
     }
 
     [[gnu::cold, gnu::noinline]] void odd_reference(std::int32_t id) {
-        odd(Oddity::other, walk_.offset() - sizeof id, "an id told before",
+        odd(Oddity::other, walk_.offset() - sizeof id, "an id that is defined before",
             [&] { return "id " + std::to_string(id); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_repetition(std::uint64_t at) {
-        odd(Oddity::other, at, "a reference to the text told before",
-            [] { return "the text told again"; });
+        odd(Oddity::other, at, "a back-reference",
+            [] { return "a second definition of the same text"; });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_enumerator(Type const& type, std::int32_t number) {
@@ -688,19 +686,20 @@ private:
     }
 
     [[gnu::cold, gnu::noinline]] void odd_key(Type const& type, std::uint64_t at) {
-        odd(Oddity::repeated, at, "a key or element that is not there yet",
+        odd(Oddity::repeated, at, "a new key or element",
             [&] { return walk_.keys.text(type, at) + " again"; });
     }
 
-    [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view told) {
-        odd(Oddity::other, at, "a number as it is written", [&] { return quoted(told); });
+    [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view text) {
+        odd(Oddity::other, at, "a number as a writer spells it", [&] { return quoted(text); });
     }
 
-    [[gnu::cold, gnu::noinline]] void odd_double(std::uint64_t at, std::string_view told) {
-        odd(Oddity::other, at, "a number as it is written", [&] {
-            auto const point = other_point_of(told, walk_.point());
-            return quoted(told) +
-                   (point ? ", as it is written where the decimal point is " + quoted(*point) : "");
+    [[gnu::cold, gnu::noinline]] void odd_double(std::uint64_t at, std::string_view text) {
+        odd(Oddity::other, at, "a number as a writer spells it", [&] {
+            auto const point = other_point_of(text, walk_.point());
+            return quoted(text) +
+                   (point ? ", as a writer spells it where the decimal point is " + quoted(*point)
+                          : "");
         });
     }
 

@@ -58,7 +58,7 @@ public:
     Added add(std::int32_t id, std::uint64_t length_offset);
 
     /// Whether a word refers to an id that is known without looking.
-    bool knows_at_sight(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
+    bool is_in_sequence(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
 
     // Of ids that words refer to.
 

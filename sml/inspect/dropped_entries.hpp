@@ -16,8 +16,8 @@
 
 namespace sml::inspect {
 
-struct Superseded {
-    explicit Superseded(std::pmr::memory_resource* memory) : entries(memory) {}
+struct DroppedEntries {
+    explicit DroppedEntries(std::pmr::memory_resource* memory) : entries(memory) {}
 
     /// The offsets of their keys.
     std::pmr::unordered_set<std::uint64_t, SeededHash> entries;
@@ -29,7 +29,7 @@ struct Superseded {
 };
 
 /// Finds them with 8 bytes a key of the open containers. An unsafe byte ends the search.
-Superseded superseded_entries(Root const& root, std::string_view bytes,
-                              VerifyOptions const& options, Budget& budget);
+DroppedEntries dropped_entries(Root const& root, std::string_view bytes,
+                               VerifyOptions const& options, Budget& budget);
 
 }  // namespace sml::inspect

@@ -1,4 +1,4 @@
-#include <sml/inspect/superseded.hpp>
+#include <sml/inspect/dropped_entries.hpp>
 
 #include <sml/inspect/keys/key_table.hpp>
 #include <sml/inspect/walk/walker.hpp>
@@ -15,12 +15,12 @@ using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // which are seede
 
 // First half of the search: the hashes that two keys of one container may share, found by 32 bits
 // of each. A false one does no harm.
-class SharedHashes : public SilentVisitor {
+class SharedHashes : public BaseVisitor {
 public:
     explicit SharedHashes(std::pmr::memory_resource* memory) : found(memory), tables_(memory) {}
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const&, std::uint64_t count) {
         if (open_ == tables_.size()) tables_.emplace_back();
@@ -51,7 +51,7 @@ private:
 };
 
 // Second half: exact, for the keys with such a hash.
-class RepeatedKeys : public SilentVisitor {
+class RepeatedKeys : public BaseVisitor {
 public:
     RepeatedKeys(Walk const& walk, SeededHashes shared, std::size_t listed)
         : found(&walk.budget),
@@ -61,7 +61,7 @@ public:
           open_(&walk.budget) {}
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const& type, std::uint64_t) {
         open_.push_back({&type, Container::Keys(&walk_.budget)});
@@ -91,7 +91,7 @@ public:
             found.findings.push_back(make());
     }
 
-    Superseded found;
+    DroppedEntries found;
 
 private:
     struct Container {
@@ -109,14 +109,14 @@ private:
 
 }  // namespace
 
-Superseded superseded_entries(Root const& root, std::string_view bytes,
-                              VerifyOptions const& options, Budget& budget) {
+DroppedEntries dropped_entries(Root const& root, std::string_view bytes,
+                               VerifyOptions const& options, Budget& budget) {
     SharedHashes shared(&budget);
     {
         Walk walk(bytes, options.walk(), budget);
         Walker(walk, shared).run(*root.type);
     }
-    if (shared.found.empty()) return Superseded(&budget);
+    if (shared.found.empty()) return DroppedEntries(&budget);
     Walk         walk(bytes, options.walk(), budget);
     RepeatedKeys repeated(walk, std::move(shared.found), options.listed);
     Walker(walk, repeated).run(*root.type);

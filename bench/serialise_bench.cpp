@@ -5,11 +5,11 @@
 // "first" is the first call in the process, in microseconds a check.
 
 #include <sml/bindings/bindings.hpp>
-#include "bench/carriers.hpp"
 #include "bench/plain/equal.hpp"
 #include "bench/plain/plain.hpp"
 #include "bench/prepared.hpp"
 #include "bench/scratch_file.hpp"
+#include "bench/serialisers.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -23,8 +23,8 @@
 
 namespace {
 
-using bench::Carrier;
 using bench::Graph;
+using bench::Serialiser;
 
 struct Library {
     static constexpr char const* name = "library";
@@ -93,30 +93,30 @@ void time_reading(benchmark::State& state, bench::Prepared const& data, Read con
     bench::report(state, data);
 }
 
-void encode(benchmark::State& state, Carrier const& carrier) {
+void encode(benchmark::State& state, Serialiser const& serialiser) {
     auto const& data = data_of(state);
     std::size_t size = 0;
-    time_first(state, carrier.name + std::string(" encode"),
-               [&] { size = carrier.encode(data.value); });
+    time_first(state, serialiser.name + std::string(" encode"),
+               [&] { size = serialiser.encode(data.value); });
     for ([[maybe_unused]] auto const round : state)
-        benchmark::DoNotOptimize(size = carrier.encode(data.value));
+        benchmark::DoNotOptimize(size = serialiser.encode(data.value));
     bench::report(state, data);
     state.counters["size"] = static_cast<double>(size);
 }
 
-void decode(benchmark::State& state, Carrier const& carrier) {
+void decode(benchmark::State& state, Serialiser const& serialiser) {
     auto const& data = data_of(state);
-    carrier.encode(data.value);
+    serialiser.encode(data.value);
     std::optional<Graph> first(std::in_place);
     bool                 was_first = false;
-    time_first(state, carrier.name + std::string(" decode"), [&] {
-        carrier.decode(*first);
+    time_first(state, serialiser.name + std::string(" decode"), [&] {
+        serialiser.decode(*first);
         was_first = true;
     });
     if (was_first && !plain::equal(data.value, *first))
         return state.SkipWithError("what was read is not what was written");
     first.reset();
-    time_reading(state, data, [&](Graph& value) { carrier.decode(value); });
+    time_reading(state, data, [&](Graph& value) { serialiser.decode(value); });
 }
 
 /// Whether the stream flushes itself behind each item, or another stream before each.
@@ -195,12 +195,12 @@ void destroy(benchmark::State& state) {
 template <class Own>
 bool add() {
     static std::string const* bytes = nullptr;
-    bench::add_carrier({Own::name,
-                        [](Graph const& value) {
-                            bytes = &Own::from_cxx(value);
-                            return bytes->size();
-                        },
-                        [](Graph& value) { Own::to_cxx(value, bytes->data()); }});
+    bench::add_serialiser({Own::name,
+                           [](Graph const& value) {
+                               bytes = &Own::from_cxx(value);
+                               return bytes->size();
+                           },
+                           [](Graph& value) { Own::to_cxx(value, bytes->data()); }});
     std::string const name = Own::name;
     bench::sizes(benchmark::RegisterBenchmark((name + "/toStream").c_str(), to_stream<Own>));
     bench::sizes(benchmark::RegisterBenchmark((name + "/fromStream").c_str(), from_stream<Own>));
@@ -224,9 +224,9 @@ BENCHMARK(destroy)->Name("library/destroy")->Apply(bench::sizes);
 
 }  // namespace
 
-bool bench::add_carrier(Carrier carrier) {
-    std::string const name = carrier.name;
-    sizes(benchmark::RegisterBenchmark((name + "/encode").c_str(), encode, carrier));
-    sizes(benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, std::move(carrier)));
+bool bench::add_serialiser(Serialiser serialiser) {
+    std::string const name = serialiser.name;
+    sizes(benchmark::RegisterBenchmark((name + "/encode").c_str(), encode, serialiser));
+    sizes(benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, std::move(serialiser)));
     return true;
 }

@@ -10,15 +10,15 @@ namespace bench {
 
 using Graph = sml::Application_Results::T_Application_Results;
 
-struct Carrier {
+struct Serialiser {
     char const* name;
-    /// Gives the number of bytes, which stay with the carrier until the next call.
+    /// Gives the number of bytes, which stay with the serialiser until the next call.
     std::function<std::size_t(Graph const&)> encode;
     /// Reads what was encoded last into a fresh graph.
     std::function<void(Graph&)> decode;
 };
 
 /// Has the benchmarks NAME/encode and NAME/decode run. To be called before `main`; gives true.
-bool add_carrier(Carrier carrier);
+bool add_serialiser(Serialiser serialiser);
 
 }  // namespace bench

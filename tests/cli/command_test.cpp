@@ -34,13 +34,13 @@ std::string imported(Scratch const& scratch, fs::path const& log) {
     return set;
 }
 
-TEST(Command, HelpTellsTheCommandsAndTheExitCodes) {
+TEST(Command, HelpListsTheCommandsAndTheExitCodes) {
     auto const help = run_command({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.err, "");
     for (char const* part : {"import", "show", "verify", "dump", "encode", "identify", "canon",
                              "digest", "schema", "roots", "--version",
-                             "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 "})
+                             "Exit codes: 0 done, 1 the input is damaged or refused, 2 "})
         EXPECT_TRUE(contains(help.out, part)) << part;
     EXPECT_TRUE(contains(run_command({"import", "--help"}).out, "--output"));
     EXPECT_TRUE(contains(run_command({"show", "--help"}).out, "--json"));
@@ -209,7 +209,7 @@ TEST(Show, JsonLinesHaveTheDocumentedForm) {
         "\n");
 }
 
-TEST(Show, SummaryTellsTablesRankingsAndFirstChecks) {
+TEST(Show, SummaryHasTablesRankingsAndFirstChecks) {
     Scratch const scratch;
     auto const    set = imported(scratch, fixture("flows.sarif"));
     auto const    shown = run_command({"show", set});
@@ -335,7 +335,7 @@ TEST(Show, EmptyShortAndLongFilesAreDamaged) {
     EXPECT_EQ(line_count(half.err), 1U);
 }
 
-TEST(Show, OddBytesAreShownAndTold) {
+TEST(Show, OddBytesAreShownAndReported) {
     Scratch const scratch;
     auto          bytes = bytes_of(imported(scratch, fixture("flows.sarif")));
     auto const    at = bytes.find_last_of('F');

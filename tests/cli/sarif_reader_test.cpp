@@ -280,7 +280,7 @@ constexpr Damage damages[] = {
     {"bad-xml.sarif", "1:1: not JSON: syntax error"},
 };
 
-TEST(SarifReader, DamageIsToldWithItsPlace) {
+TEST(SarifReader, DamageIsReportedWithItsPlace) {
     for (auto const& [name, complaint] : damages)
         EXPECT_EQ(complaint_about(bytes_of(fixture(name))), std::string("log:") + complaint)
             << name;
@@ -303,7 +303,7 @@ TEST(SarifReader, NestingHasALimitAndNoEffectOnTheStack) {
     EXPECT_EQ(complaint_about(nested(1000000)), "log:1:1047: not JSON: too deep");
 }
 
-TEST(SarifReader, WhatIsEasyToSeeIsToldOfOtherEncodings) {
+TEST(SarifReader, OtherEncodingsAreNamedWhereTheyAreEasyToSee) {
     using namespace std::string_literals;
     auto const complaint = [](std::string const& form) {
         return "log:1:1: not JSON: " + form + ", only plain UTF-8 is read";

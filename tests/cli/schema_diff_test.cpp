@@ -177,7 +177,7 @@ TEST(SchemaDiff, AnotherClassNameBreaksNothing) {
         Lines{});
 }
 
-TEST(SchemaDiff, EachTypeIsToldOnceAndRecursionEnds) {
+TEST(SchemaDiff, EachTypeIsReportedOnceAndRecursionEnds) {
     std::string const both = field("a", R"("X")") + "," + field("b", R"({"list": "X"})");
     EXPECT_EQ(changes_of_x(record(both + "," + field("c")), record(both)),
               Lines{"X: the field c is gone"});

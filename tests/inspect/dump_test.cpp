@@ -324,7 +324,7 @@ TEST(Dump, TextIsUtf8AndOtherBytesAreLoneSurrogates) {
     }
 }
 
-TEST(Dump, EveryStringIsToldInFull) {
+TEST(Dump, EveryStringIsWrittenInFull) {
     EXPECT_EQ(value_of<std::list<Strings_T>>(word(3) + in_full(1, "a") + in_full(2, "") + word(1)),
               R"(["a","","a"])");
 }
@@ -398,7 +398,7 @@ TEST(Select, ValueByTheNumberOfItsEntry) {
     EXPECT_FALSE(selected<Tables>(tables(), "[#]").dumped.found);
 }
 
-TEST(Select, HowFarThePathLedIsTold) {
+TEST(Select, HowFarThePathLedIsReported) {
     auto const reached = [](std::string const& path) {
         return path.substr(0, selected<Tables>(tables(), path).dumped.reached);
     };
@@ -642,7 +642,7 @@ TEST(DumpOfDuplicates, UnsetVariantsAreNeverEqual) {
               R"([{"arm":null,"tag":99,)" + args + "]");
 }
 
-TEST(DumpOfDuplicates, StringToldInADroppedEntryIsKnownAfterwards) {
+TEST(DumpOfDuplicates, StringDefinedInADroppedEntryIsKnownAfterwards) {
     using Strings = std::unordered_map<Strings_T, Strings_T>;
     EXPECT_EQ(value_of<Strings>(word(3) + in_full(1, "a") + word(1) + word(1) + in_full(2, "x") +
                                 in_full(3, "b") + word(2)),

@@ -399,7 +399,7 @@ TEST(EncodeError, ArmEnumeratorOrRootIsNearestToWhatIsGiven) {
               "2:8 : expected an arm such as \"QuestionId\", found \"QuestionID\"");
 }
 
-TEST(EncodeError, KnownTagOrEnumeratorIsToldByName) {
+TEST(EncodeError, KnownTagOrEnumeratorIsReportedByName) {
     EXPECT_EQ(error_of(parameters, R"([{"arm":null,"tag":0,"args":true}])"),
               "2:20 [0]: expected the arm \"BOOL_PRAGMA_PARAMETER\", found its tag 0");
     EXPECT_EQ(error_of(data, R"({"arm":"MEMORY_BUILTIN","args":1})"),

@@ -67,7 +67,7 @@ void expect_distinguished(std::list<Key> const& keys, std::string const& found,
     EXPECT_EQ(repeated(map_root, entry_bytes), found);
 }
 
-TEST(Keys, WordsAreToldApart) {
+TEST(Keys, WordsAreDistinguished) {
     expect_distinguished<std::set<std::int32_t>>({-1, 2, -1}, "-1 again\n",
                                                  R"({"root":"Set","value":[-1,2]})"
                                                  "\n");
@@ -83,7 +83,7 @@ TEST(Keys, WordsAreToldApart) {
         "\n");
 }
 
-TEST(Keys, FlagsEnumeratorsAndTextsAreToldApart) {
+TEST(Keys, FlagsEnumeratorsAndTextsAreDistinguished) {
     expect_distinguished<std::set<bool>>({false, true, true}, "true again\n",
                                          R"({"root":"Set","value":[false,true]})"
                                          "\n");
@@ -95,7 +95,7 @@ TEST(Keys, FlagsEnumeratorsAndTextsAreToldApart) {
                                                 "\n");
 }
 
-TEST(Keys, BigIntegersAreToldApart) {
+TEST(Keys, BigIntegersAreDistinguished) {
     using sml::BigInteger;
     expect_distinguished<std::set<BigInteger>>({BigInteger(-255), BigInteger(1), BigInteger(-255)},
                                                "-ff again\n",
@@ -103,7 +103,7 @@ TEST(Keys, BigIntegersAreToldApart) {
                                                "\n");
 }
 
-TEST(Keys, OptionalsAreToldApart) {
+TEST(Keys, OptionalsAreDistinguished) {
     expect_distinguished<std::set<std::optional<std::int32_t>>>(
         {{}, 0, 1, {}, 1}, "null again\n1 again\n",
         R"({"root":"Set","value":[null,0,1]})"
@@ -112,7 +112,7 @@ TEST(Keys, OptionalsAreToldApart) {
                                                              "\"a\" again\n", "");
 }
 
-TEST(Keys, TuplesOfThemAreToldApart) {
+TEST(Keys, TuplesOfThemAreDistinguished) {
     using Pair = std::pair<Enum, Strings_T>;
     expect_distinguished<std::set<Pair>>(
         {{Enum(0), text("a")}, {Enum(1), text("a")}, {Enum(0), text("b")}, {Enum(1), text("a")}},
@@ -123,7 +123,7 @@ TEST(Keys, TuplesOfThemAreToldApart) {
         "(1,true,null) again\n", "");
 }
 
-TEST(Keys, HashedOnesAreToldApart) {
+TEST(Keys, HashedOnesAreDistinguished) {
     expect_distinguished<std::unordered_set<std::uint64_t>>({1, 2, 1}, "1 again\n", "");
     expect_distinguished<std::unordered_set<std::int64_t>>({-1, 2, -1}, "-1 again\n", "");
     expect_distinguished<std::unordered_set<bool>>({false, true, true}, "true again\n", "");
@@ -152,7 +152,7 @@ TEST(Keys, HashesOfReadersAreKnown) {
     expect_hash(std::string("a text of more than one word"));
 }
 
-TEST(Keys, ManyHashedOnesAreToldApart) {
+TEST(Keys, ManyHashedOnesAreDistinguished) {
     constexpr std::uint64_t  count = 10'000;
     std::list<std::uint64_t> keys;
     for (std::uint64_t i = 0; i < count; ++i) keys.push_back(i * 0x9e3779b97f4a7c15);

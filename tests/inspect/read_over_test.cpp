@@ -158,7 +158,7 @@ TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
     EXPECT_LT(numbers, 18000);
 }
 
-TEST(ReadOverRule, StringsAreToldAnewWhereTheyAreMetFirst) {
+TEST(ReadOverRule, StringsAreDefinedAnewWhereTheyOccurFirst) {
     // id 1 is told in what is lost, id 2 in what is kept
     expect_kept<Table<std::pair<Strings_T, Strings_T>>>(
         "02 00 00 00 "
@@ -168,7 +168,7 @@ TEST(ReadOverRule, StringsAreToldAnewWhereTheyAreMetFirst) {
         "07 00 00 00  FF FF FF FF 01 00 00 00 'b'  FE FF FF FF 01 00 00 00 'a'");
 }
 
-TEST(ReadOverRule, AnIdThatIsToldTwiceKeepsItsFirstText) {
+TEST(ReadOverRule, AnIdThatIsDefinedTwiceKeepsItsFirstText) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  01 00 00 00  FF FF FF FF 01 00 00 00 'a' "
@@ -178,7 +178,7 @@ TEST(ReadOverRule, AnIdThatIsToldTwiceKeepsItsFirstText) {
         "FF FF FF FF 01 00 00 00 'a'  FE FF FF FF 01 00 00 00 'b'  01 00 00 00");
 }
 
-TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsToldIsTheEmptyTextForGood) {
+TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsDefinedIsTheEmptyTextForGood) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  02 00 00 00  05 00 00 00  FB FF FF FF 01 00 00 00 'a' "
@@ -189,7 +189,7 @@ TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsToldIsTheEmptyTextForGood) {
         "01 00 00 00  01 00 00 00  01 00 00 00");
 }
 
-TEST(ReadOverRule, ATextThatIsToldAgainIsOneString) {
+TEST(ReadOverRule, ATextThatIsDefinedAgainIsOneString) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  01 00 00 00  FF FF FF FF 01 00 00 00 'a' "

@@ -102,7 +102,7 @@ json::value field(char const* type, char const* name) {
     return nullptr;
 }
 
-TEST(Schema, ContainersTellHowTheyAreHeldAndRead) {
+TEST(Schema, ContainersSayHowTheyAreHeldAndRead) {
     constexpr char const* results = "sml::Application_Results::T_Application_Results";
     EXPECT_EQ(field(results, "block_numbers"), json::parse(R"(
         {"map": ["string", "int32"], "held": "hashed", "repeated_key": "is dropped"})"));
@@ -119,7 +119,7 @@ TEST(Schema, ContainersTellHowTheyAreHeldAndRead) {
     EXPECT_EQ(fields.at("map").at(0), json::value("string"));
 }
 
-TEST(Schema, OtherTypesWithoutANameAreTold) {
+TEST(Schema, OtherTypesWithoutANameAreReported) {
     constexpr char const* declaration =
         "sml::IL_Extras::T_ZelvaniteResultData::Procedure_Declaration_args";
     EXPECT_EQ(field(declaration, "text"), json::parse(R"({"optional": "text"})"));

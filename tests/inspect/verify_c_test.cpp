@@ -30,7 +30,7 @@ TEST(VerifyC, GoodBytesHaveNoFindingsAndTheirFigures) {
     EXPECT_GT(result.verdict.heap, 0u);
 }
 
-TEST(VerifyC, OddFindingIsTold) {
+TEST(VerifyC, OddFindingIsReported) {
     called const result = call("Answers_Context", "x");
     EXPECT_EQ(result.answer, SML_INSPECT_ODD);
     EXPECT_EQ(result.reported, 1);
@@ -42,7 +42,7 @@ TEST(VerifyC, OddFindingIsTold) {
     EXPECT_STREQ(result.found, "'x'");
 }
 
-TEST(VerifyC, UnsafeFindingIsToldLast) {
+TEST(VerifyC, UnsafeFindingIsReportedLast) {
     called const result = call("Interrogators_ZvFunction", hex::bytes("00 00 00 00 'x'  01 00"));
     EXPECT_EQ(result.answer, SML_INSPECT_UNSAFE);
     EXPECT_EQ(result.told_unsafe, 1);
@@ -53,7 +53,7 @@ TEST(VerifyC, UnsafeFindingIsToldLast) {
     EXPECT_EQ(later.verdict.walked, 8u);
 }
 
-TEST(VerifyC, ListedBoundsTheOddFindingsThatAreTold) {
+TEST(VerifyC, ListedBoundsTheOddFindingsThatAreReported) {
     std::string bytes = hex::bytes("03 00 00 00");
     for (int i = 0; i < 3; ++i) bytes += hex::bytes("00 00 00 00 'x'");
     EXPECT_EQ(call(parameters, bytes, nullptr, 2).reported, 2);
@@ -101,7 +101,7 @@ TEST(VerifyC, NoBytesAtAllAreUnsafe) {
     EXPECT_EQ(result.told_unsafe, 1);
 }
 
-TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
+TEST(VerifyC, NullWithASizeIsReportedWithoutAWalk) {
     for (std::uint64_t const size : {std::uint64_t{1}, std::uint64_t{8}, ~std::uint64_t{0}}) {
         called const result = call_verify("Integers64_T", nullptr, size, nullptr, 100);
         EXPECT_EQ(result.answer, SML_INSPECT_NO_BYTES);
@@ -113,7 +113,7 @@ TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
     EXPECT_EQ(call_verify_null("Integers64", 8), SML_INSPECT_NO_SUCH_ROOT);
 }
 
-TEST(VerifyC, UnknownStemIsToldWithoutAWalk) {
+TEST(VerifyC, UnknownStemIsReportedWithoutAWalk) {
     called const result = call("Answers_Contex", "T");
     EXPECT_EQ(result.answer, SML_INSPECT_NO_SUCH_ROOT);
     EXPECT_EQ(result.reported, 0);

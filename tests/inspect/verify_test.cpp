@@ -168,7 +168,7 @@ TEST(Verify, DuplicateElementIsOdd) {
     EXPECT_EQ(finding.path, "[\"a\"][1]");
 }
 
-TEST(Verify, TextToldTwiceIsOdd) {
+TEST(Verify, TextDefinedTwiceIsOdd) {
     Finding const finding = the_odd_finding("String_To_StringSet_T",
                                             "01 00 00 00"
                                             "FF FF FF FF  01 00 00 00 'a'"
@@ -236,7 +236,7 @@ TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
     EXPECT_EQ(verdict.findings.size(), 2u);
 }
 
-TEST(Verify, AListenerIsToldOfWhatWouldBeListed) {
+TEST(Verify, AListenerGetsWhatWouldBeListed) {
     std::vector<std::string>    heard;
     sml::inspect::VerifyOptions options{.listed = 2};
     options.listener = [&](Finding const& finding) { heard.push_back(finding.path); };
@@ -293,7 +293,7 @@ TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
     EXPECT_EQ(verdict.findings[1].path, "[\"a\"]");
 }
 
-TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
+TEST(Verify, TheEmptyTextOfAnIdNotDefinedEqualsTheOneThatIs) {
     // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
     std::string const bytes = word(1) + in_full(1, "") + word(3) + word(7) + word(1) + word(7);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);

@@ -77,7 +77,7 @@ TEST(EventValue, TheTagDecidesAheadOfThePayload) {
     order::expect_less(T_value(), iteration(-100));
 }
 
-TEST(EventValue, TagsPastTheLastAreToldByTagThenByPayload) {
+TEST(EventValue, TagsPastTheLastAreOrderedByTagThenByPayload) {
     order::Handles const names;
     auto                 value = [](std::int32_t tag, Strings_T const& text) {
         auto result = tables::with_tag<T_value>(tag);

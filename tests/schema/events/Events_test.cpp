@@ -139,7 +139,7 @@ TEST(EventKind, TagFortyReadsAndWritesThreeStringsAndHasNoName) {
     wire::expect(T_Event_Kind(kind), wire::hex(bytes));
 }
 
-TEST(EventKind, TagsPastTheLastAreToldByTagThenByPayload) {
+TEST(EventKind, TagsPastTheLastAreOrderedByTagThenByPayload) {
     auto kind = [](std::int32_t tag, Strings_T const& third) {
         T_Event_Kind value = tables::with_tag<T_Event_Kind>(tag);
         value.arm<"VARIABLE_TASK_ACCESS_EVENT">().third_string = third;

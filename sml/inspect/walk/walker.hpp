@@ -1,9 +1,9 @@
 #pragma once
-// One bounded pass over the bytes of a root, by descriptor, telling a visitor what it meets.
+// One bounded pass over the bytes of a root, by descriptor. It reports events to a visitor.
 //
-// It builds no objects and takes nothing beyond the bytes; it is the only code that reads bytes of
-// unknown origin. The first unsafe finding ends the pass; the end events of all open values still
-// come.
+// It builds no objects and takes no bytes after the end; it is the only code that reads bytes of
+// unknown origin. The first unsafe finding ends the pass; after it, the end events of all open
+// values are still reported.
 
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/double_text.hpp>
@@ -18,13 +18,16 @@
 
 namespace sml::inspect {
 
-/// A visitor that listens to nothing. Others derive from it and hide what they want to hear; the
-/// walker is instantiated for each, so what is not heard costs nothing.
+/// A visitor that ignores all events. Other visitors derive from it and hide the functions of the
+/// events that they want. The walker is instantiated for each visitor, so an ignored event costs
+/// nothing.
 struct BaseVisitor {
-    /// Whether the keys and elements of tables and sets are text to `add_key`.
+    /// Whether keys of maps and elements of sets are compared: whether `open_keys`, `key_hash`,
+    /// `expect_key`, `add_key` and `close_keys` are called.
     static constexpr bool compares_keys = false;
 
-    /// Whether words, strings and the parts of records are text.
+    /// Whether events are wanted for words, strings, numbers and the parts of records. If not, the
+    /// walker reports only some of them, to save time.
     static constexpr bool wants_values = true;
 
     void integer(Type const&, std::int64_t) {}
@@ -40,44 +43,50 @@ struct BaseVisitor {
     /// The element of an optional follows.
     void present(Type const&) {}
 
-    /// A record, group, tuple, list, set, map or row of flags with so many parts or entries.
+    /// The start of a record, group, tuple, list, set, map or row of flags, with the number of its
+    /// parts or entries.
     void begin(Type const&, std::uint64_t /*count*/) {}
-    /// The part or entry to come; in a map the key of the entry.
+    /// Comes before each part or entry; in a map, before the key of the entry.
     void part(Type const&, std::uint64_t /*index*/) {}
-    /// The value of the entry of a map to come.
+    /// Comes before the value of a map's entry.
     void entry_value(Type const&) {}
-    /// The end of the entry of a map.
+    /// The end of a map's entry.
     void end_entry(Type const&) {}
     void end(Type const&) {}
 
-    /// The arm is null for a tag that stands bare; a payload follows when the arm has one.
+    /// The start of a variant. The arm is null for an unset or unknown tag in a variant without
+    /// catch-all arm. `payload` and the event of the payload follow if the arm has one.
     void begin_variant(Type const&, std::int32_t /*tag*/, Arm const*) {}
     void payload(Type const&) {}
     void end_variant(Type const&) {}
     void reference(Type const&, std::int32_t /*tag*/, std::uint64_t /*word*/) {}
 
-    /// A set or map with so many entries, more than one, whose keys are going to be text.
+    /// Comes before a set or map of more than one entry, whose keys will be compared.
     void open_keys(Type const&, std::uint64_t /*count*/) {}
     void close_keys() {}
-    /// The root's value is over; bytes behind it are unsafe.
+    /// The end of the root's value; bytes after it are unsafe.
     void end_root() {}
 
-    /// The hash of the key at an offset; `Keys::no_hash` where it equals none.
+    /// Returns the hash by which `add_key` finds the key at an offset; `Keys::no_hash` for a key
+    /// that equals no other.
     std::uint64_t key_hash(Walk const& walk, Type const& key, std::uint64_t offset) const {
         return walk.keys.hash(key, offset);
     }
-    /// A key with this hash is going to be text behind its value.
+    /// Comes after the key of a map's entry: `add_key` will be called with this hash after the
+    /// value.
     void expect_key(std::uint64_t /*hash*/) {}
-    /// Whether the key at an offset is new to the container opened last. In a map it is called when
-    /// its value is over. `Keys::no_hash` stands for a key that equals no other.
+    /// Adds the key at an offset to the container opened last; returns whether it is new there. In
+    /// a map it is called after the entry's value. The hash is `Keys::no_hash` for a key that
+    /// equals no other.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
     }
 
-    /// How many comparisons of keys a reader has made in its hash tables.
+    /// The estimate of a reader's comparisons of keys in its hash tables so far.
     std::uint64_t work() const { return 0; }
 
-    /// `make` gives the finding; not calling it saves its making.
+    /// An odd finding, which `make()` returns. Making it takes time: a visitor that does not need
+    /// it does not call that.
     template <class Make>
     void odd(Oddity, Make const& /*make*/) {}
     void unsafe(Finding const&) {}
@@ -88,7 +97,8 @@ class Walker {
 public:
     Walker(Walk& walk, Visitor& visitor) : walk_(walk), visitor_(visitor) {}
 
-    /// Whether nothing unsafe was found and the root's value took all the bytes.
+    /// Walks a value of the root. Returns whether nothing unsafe was found; bytes after the value
+    /// are unsafe.
     bool run(Type const& root) {
         if (!value(root)) return false;
         visitor_.end_root();
@@ -101,20 +111,21 @@ public:
 private:
     [[gnu::noinline]] bool value(Type const& type) { return inline_value(type); }
 
-    // Inlined where values are walked in a row; what is rare, or walks on, stands outside.
+    // Inlined where values are walked one after another. What is rare or walks inner values is in
+    // functions of its own, which are not inlined.
     [[gnu::always_inline]] bool inline_value(Type const& type) {
-        // Of what has parts the first one that is not there is text.
+        // For a type with parts, the finding is that of the first missing part.
         if (walk_.left() < type.least_size && !type.has_parts()) [[unlikely]]
             return too_short(type.least_size);
         return whole_value(type);
     }
 
-    /// The same where parts are likely.
+    /// The same, for places where most types have parts.
     [[gnu::always_inline]] bool parts_or_value(Type const& type) {
         return type.has_parts() ? parts(type) : value(type);
     }
 
-    /// The same for a type whose least size is there.
+    /// The same, where at least `least_size` bytes are left or the type has parts.
     [[gnu::always_inline]] bool whole_value(Type const& type) {
         if (type.kind == Kind::string) return string();
         switch (type.kind) {
@@ -141,7 +152,7 @@ private:
         }
     }
 
-    /// Calls `use` with the step into a value.
+    /// Calls `use` with a new step, into a value of this type. Returns what `use` returns.
     template <class Use>
     bool inside(Type const& type, Use use) {
         Step step = walk_.enter(type);
@@ -151,7 +162,7 @@ private:
         return whole;
     }
 
-    /// The same for what can hold its own kind, as deep as is allowed.
+    /// The same for variants and containers, whose nesting is limited.
     template <class Use>
     bool inside_nesting(Type const& type, Use use) {
         if (!may_nest()) [[unlikely]]
@@ -182,8 +193,11 @@ private:
         return whole;
     }
 
-    /// Parts inside parts are walked in a row. Words that nobody hears, and that can't be odd, are
-    /// skipped; what takes just its least size, and is not odd, is passed at a glance.
+    /// Walks the flat parts of a type. No events are reported for records and plain words. A part
+    /// is skipped after one comparison if it takes only its least size and is not odd, such as a
+    /// back-reference or an empty list.
+    ///
+    /// `at` is the position here; the walk gets it only before other functions are called.
     bool flat_parts(Type const& type, Step& step) {
         FlatPart const* part = type.flat;
         if (walk_.left() < part->least_size_of_row) [[unlikely]]
@@ -258,7 +272,7 @@ private:
                     whole = value(*part->type);
                     break;
                 case Kind::record: walk_.seek(at); return true;  // the end
-                default: __builtin_unreachable();                // plain words, and what has parts
+                default: __builtin_unreachable();                // no flat parts
             }
             if (!whole) return false;
             if (walk_.left() < part[1].least_size_of_row) [[unlikely]]
@@ -267,15 +281,15 @@ private:
         }
     }
 
-    /// Whether a tag stands alone, and may.
+    /// Whether a tag has an arm without payload, and the limit of depth allows this variant.
     bool is_bare(Type const& type, std::uint32_t tag) const {
         return tag < type.arms.size() && type.arms[tag].payload == nullptr && may_nest();
     }
 
-    /// Whether one more variant or container is allowed inside those that the walk is in.
+    /// Whether the limit of depth allows one more variant or container here.
     bool may_nest() const { return walk_.nesting < walk_.limits.depth; }
 
-    /// The same from one part on, where the bytes may end before the row does.
+    /// The same from one flat part on, where the bytes may end before the last one.
     [[gnu::cold, gnu::noinline]] bool flat_parts_with_care(Type const& type, Step& step,
                                                            FlatPart const* part) {
         for (;; ++part) {
@@ -287,14 +301,17 @@ private:
         }
     }
 
-    /// Tells which of the parts is missing: a word before a flat part, or that part itself.
+    /// Reports the first part that the bytes do not hold: a plain word before the flat part, or
+    /// that part itself.
     bool parts_too_short(Type const& type, Step& step) {
         auto flat_parts_before = static_cast<std::uint64_t>(step.flat - type.flat);
         step.flat = nullptr;
         return pass_parts(type, step, flat_parts_before);
     }
 
-    /// Takes words once the flat parts before them are passed. False at what is missing.
+    /// Goes through all parts, inner ones too. Those up to the flat part with index
+    /// `flat_parts_before` have been walked; plain words after these are taken here. At the first
+    /// part that the bytes do not hold, reports it and returns false.
     bool pass_parts(Type const& type, Step& step, std::uint64_t& flat_parts_before) {
         for (step.part = 0; step.part < type.parts.size(); ++step.part) {
             Type const& part = *type.parts[step.part].type;
@@ -411,7 +428,8 @@ private:
     bool pair(Type const& type, Step& step, bool keyed) {
         std::uint64_t const at = walk_.offset();
         if (!parts_or_value(*type.key)) return false;
-        // Settled behind the value: by then what it takes has come from memory.
+        // The key is added after the value: by then the memory that `expect_key` prefetches has
+        // arrived.
         std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Keys::no_hash;
         if (hash != Keys::no_hash) visitor_.expect_key(hash);
         if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
@@ -597,7 +615,7 @@ private:
         visitor_.ieee_float(usual, width);
     }
 
-    /// A length word and so many bytes.
+    /// Takes a length word and as many bytes. `what` names the value in a finding.
     bool block(std::string_view& bytes, char const* what) {
         if (walk_.left() < sizeof(std::int32_t)) [[unlikely]]
             return no_length(what);
@@ -614,12 +632,12 @@ private:
         return visitor_.work() <= walk_.limits.work || too_much_work(at);
     }
 
-    // Kept out of the way of what is as it should be.
+    // Not inlined, so that these rare cases do not slow down the usual ones.
     [[gnu::cold, gnu::noinline]] bool too_short(std::uint32_t least_size) {
         return fail(walk_.offset(), "at least " + std::to_string(least_size) + " bytes",
                     std::to_string(walk_.left()));
     }
-    // Of the word just taken.
+    // The finding is at the word that was taken last.
     template <class Number>
     [[gnu::cold, gnu::noinline]] bool too_large(char const* expected, std::uint64_t most,
                                                 Number found) {
@@ -664,7 +682,7 @@ private:
     }
 
     [[gnu::cold, gnu::noinline]] void odd_id(std::uint64_t at, std::int32_t id) {
-        // The least number is shown without its sign.
+        // Shown without a sign: the id may be INT32_MIN.
         odd(Oddity::other, at, "id " + std::to_string(walk_.strings.count()),
             [&] { return "id " + std::to_string(static_cast<std::uint32_t>(id)); });
     }

@@ -43,7 +43,8 @@ bool KeyTable::add(Keys const& keys, Type const& type, std::uint64_t key_offset,
             comparisons_ += comparisons_for(compared.bytes);
             continue;
         }
-        // From now on the later one is compared with: no long number is read again and again.
+        // The later key takes the slot: else an earlier long number would be parsed again for each
+        // equal key.
         table.slots[i] = key;
         return false;
     }

@@ -155,8 +155,8 @@ private:
     };
 
     /// What a reader holds beside a large hash table while it reads that by `core::LargeTable`: the
-    /// nodes' handles, and the hashes, links, buckets and order of the entries. While these grow,
-    /// the old and the new ones are there.
+    /// nodes' handles, and the hashes, links, buckets and order of the entries. While one of these
+    /// grows, its old memory is there, too: at most half of the largest.
     static std::uint64_t building_size(Type const& type, std::uint64_t count) {
         constexpr std::uint64_t least_size = 128;
         constexpr std::uint64_t least_count = 64;

@@ -16,7 +16,7 @@
 
 namespace sml::inspect {
 
-/// How many comparisons one of so many bytes counts as.
+/// How many comparisons a comparison of so many bytes counts as.
 constexpr std::uint64_t comparisons_for(std::uint64_t bytes) {
     constexpr std::uint64_t bytes_of_one = 256;
     return 1 + bytes / bytes_of_one;

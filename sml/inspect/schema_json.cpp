@@ -20,7 +20,7 @@ static_assert(kind_names.size() == static_cast<std::size_t>(Kind::boxed) + 1);
 
 char const* name_of(Kind kind) { return kind_names[static_cast<std::size_t>(kind)]; }
 
-/// Calls `use` with every type that a type is made of.
+/// Calls `use` with each type of a part, payload, key or element of a type.
 template <class Use>
 void for_each_inner(Type const& type, Use use) {
     for (Part const& part : type.parts) use(*part.type);
@@ -170,7 +170,8 @@ private:
     JsonWriter json_;
 };
 
-/// Says what stands where, in full; a type inside itself is told by how far up it stands.
+/// The text of a wire form, in which every type is written out. A type that occurs inside itself is
+/// written there as the number of levels up to it.
 class WireText {
 public:
     std::string text;
@@ -212,7 +213,7 @@ void write_schema(std::span<Root const> roots, std::ostream& out) {
     try {
         SchemaWriter(out).write(roots);
     } catch (OutputEnded const&) {
-        // The caller sees it by the stream.
+        // The state of the stream shows it to the caller.
     }
 }
 

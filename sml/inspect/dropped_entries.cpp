@@ -11,10 +11,10 @@ namespace sml::inspect {
 
 namespace {
 
-using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // which are seeded
+using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // of seeded hashes
 
-// First half of the search: the hashes that two keys of one container may share, found by 32 bits
-// of each. A false one does no harm.
+// The first walk finds the hashes that two keys of one container may share, by 32 bits of each. A
+// hash that is found by mistake does no harm.
 class SharedHashes : public BaseVisitor {
 public:
     explicit SharedHashes(std::pmr::memory_resource* memory) : found(memory), tables_(memory) {}
@@ -50,7 +50,7 @@ private:
     std::size_t                                       open_ = 0;
 };
 
-// Second half: exact, for the keys with such a hash.
+// The second walk finds the repeated keys among those with such a hash.
 class RepeatedKeys : public BaseVisitor {
 public:
     RepeatedKeys(Walk const& walk, SeededHashes shared, std::size_t listed)
@@ -77,7 +77,8 @@ public:
             keys.emplace(hash, offset);
             return true;
         }
-        // The later one is compared with from now on: no long number is read again and again.
+        // The later key takes the place of the earlier one: else an earlier long number would be
+        // parsed again for each equal key.
         std::uint64_t const earlier = std::exchange(known->second, offset);
         bool const          last_wins = open_.back().type->last_wins;
         found.entries.insert(last_wins ? earlier : offset);

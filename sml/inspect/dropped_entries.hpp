@@ -1,5 +1,5 @@
 #pragma once
-// Entries that a reader drops because their container has another one with an equal key.
+// Entries with repeated keys: those that a reader drops, or whose values it reads over.
 
 #include <sml/inspect/finding.hpp>
 #include <sml/inspect/memory.hpp>
@@ -19,16 +19,18 @@ namespace sml::inspect {
 struct DroppedEntries {
     explicit DroppedEntries(std::pmr::memory_resource* memory) : entries(memory) {}
 
-    /// The offsets of their keys.
+    /// The offsets of the keys of the entries to be left out of a dump: the later one of two equal
+    /// keys, but the earlier one in a map whose values are read over.
     std::pmr::unordered_set<std::uint64_t, SeededHash> entries;
 
-    std::vector<Finding> findings;  ///< as many as are to be listed
+    std::vector<Finding> findings;  ///< the first ones, as many as are to be listed
 
-    /// Whether one is in a table whose reader reads the later value over the earlier one.
+    /// Whether an entry is in a map in which a later value is read over an earlier one.
     bool are_read_over = false;
 };
 
-/// Finds them with 8 bytes a key of the open containers. An unsafe byte ends the search.
+/// Finds the entries in two walks. An unsafe finding ends a walk. Takes 8 bytes from the budget for
+/// each key of the open containers.
 DroppedEntries dropped_entries(Root const& root, std::string_view bytes,
                                VerifyOptions const& options, Budget& budget);
 

@@ -28,7 +28,7 @@ void write_unsafe(JsonWriter& json, Finding const& finding) {
     json.close('}');
 }
 
-/// Writes all that it is told.
+/// Writes each event as JSON.
 class JsonVisitor {
 public:
     JsonVisitor(std::ostream& out, Form form, Budget& budget)
@@ -54,7 +54,7 @@ public:
         json_.end_line();
     }
 
-    /// In the place of a value.
+    /// Writes an unsafe finding in place of a value.
     void mark(Finding const& finding) {
         json_.open('{');
         json_.member("unsafe");
@@ -63,7 +63,7 @@ public:
         if (in_lines_ && depth_ == 0) json_.end_line();
     }
 
-    /// In the place of an entry of the container at hand.
+    /// Writes it in place of an entry of the open container.
     void mark_entry(Finding const& finding) {
         begin_entry();
         mark(finding);
@@ -169,7 +169,7 @@ private:
     std::size_t depth_ = 0;
 };
 
-/// Hands on what stands in the part asked for, without the entries that a reader drops.
+/// Passes on the events in the selected part, except those of the entries that a reader drops.
 class SelectingVisitor : public BaseVisitor {
 public:
     SelectingVisitor(Walk const& walk, Root const& root, std::ostream& out,
@@ -189,7 +189,7 @@ public:
         if (is_selected_) deselect();
         dumped.found = was_selected_;
         dumped.reached = match_.reached();
-        // The unsafe one stands last and is always told.
+        // The unsafe finding is the last one, and is always listed.
         auto&      findings = dumped.findings;
         auto const unsafe = [&] { return findings.end() - (dumped.answer == Answer::unsafe); };
         findings.insert(unsafe(), repeated_.begin(), repeated_.end());
@@ -330,7 +330,8 @@ private:
         if (is_searched && match_.step()) select(type, walk_.depth());
     }
 
-    // The part that was selected ends where another one of its owner begins, or its owner ends.
+    // The selected part ends where the next part of the value around it begins, or where that value
+    // ends.
     void leave_part() {
         bool const is_part = is_selected_ && !options_.path.empty();
         if (is_part && walk_.depth() <= selected_depth_) deselect();
@@ -365,13 +366,14 @@ Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
         Walker(walk, visitor).run(*root.type);
         visitor.finish();
     } catch (OutputEnded const&) {
-        // The caller sees it by the stream; what has been found up to there is told.
+        // The state of the stream shows it to the caller. The findings until then are returned.
     }
     return std::move(visitor.dumped);
 }
 
-/// Of bytes that are within the limits, what a reader keeps is, too, but for an empty text that
-/// takes the place of an id that was never told.
+/// Dumps the value that a reader makes of bytes that are within the limits. Their kept value is,
+/// too, except that an empty text is defined where an id without definition was referred to. So
+/// only the depth is limited here.
 Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
                  DumpOptions const& options, Budget& budget) {
     constexpr auto most = std::numeric_limits<std::uint64_t>::max();
@@ -401,7 +403,7 @@ Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
         }
     }
     Dumped dumped = dump_entries(root, bytes, out, options, std::move(dropped), budget);
-    // What only verify judges: the comparisons of a reader.
+    // Only `verify` counts the comparisons of a reader, so only it has found them too many.
     if (are_read_over && dumped.answer != Answer::unsafe) {
         dumped.answer = Answer::unsafe;
         dumped.findings.push_back(verdict.findings.back());

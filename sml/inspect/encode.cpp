@@ -62,7 +62,7 @@ private:
     struct Step {
         Type const*   type;
         std::uint64_t part = nowhere;
-        std::string   key{};  // of the entry of a map, as paths show it, once it is read
+        std::string   key{};  // of the entry of a map, as paths show it, once it has been read
 
         static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
     };
@@ -75,7 +75,8 @@ private:
         json_.fail(at, "a root such as " + in_quotes(nearest), quoted(stem));
     }
 
-    // What doesn't recurse is kept out of line here: frames that stay small make deep values safe.
+    // Functions that don't recurse are not inlined here: so the frames of those that do stay small,
+    // and deep values are safe.
     void value(Type const& type) {
         switch (type.kind) {
             case Kind::optional: optional(type); return;
@@ -234,7 +235,7 @@ private:
         steps_.back().key.clear();
     }
 
-    /// The key as paths show it.
+    /// Takes a key or element. Returns it as paths show it.
     std::string key(Type const& type, Keys& keys) {
         std::size_t const at = json_.offset();
         whole_key_.clear();
@@ -273,7 +274,8 @@ private:
         json_.close('}', "the end of the object");
     }
 
-    /// Takes the start of an object as far as it tells the tag.
+    /// Takes the start of the object of a variant or reference, up to the member that gives the
+    /// tag.
     [[gnu::noinline]] std::int32_t arm(Type const& type) {
         json_.open('{', "an object with \"arm\"");
         take_member("arm");
@@ -450,7 +452,8 @@ private:
         return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
     }
 
-    // What keys may hold goes through these, but for strings.
+    // These write to the key, too, while there is one. All that a key can hold but strings is
+    // written by them.
     void flag(bool is_true) {
         write([&](auto& writer) { writer.flag(is_true); });
     }
@@ -490,7 +493,7 @@ private:
     Ids                  ids_;
     bool                 in_key_ = false;
     bool                 key_is_unequal_ = false;
-    std::pmr::string     whole_key_;  // its bytes with strings as texts: keys are compared by it
+    std::pmr::string     whole_key_;  // its bytes with texts for strings, which are compared
     std::string          shown_key_;  // as paths show it
 
     Writer<std::pmr::string> key_writer_{whole_key_};

@@ -24,7 +24,8 @@ struct Arm {
     static constexpr char const*      text() { return ArmName.text; }
 };
 
-/// A last arm whose payload stands behind every tag that no other arm has, negative ones too.
+/// A catch-all arm, which must be the last one: its payload is also that of every tag that no other
+/// arm has, negative ones too.
 template <Name ArmName, class Payload>
 struct ElseArm : Arm<ArmName, Payload> {
     static constexpr bool has_catch_all = true;
@@ -61,13 +62,13 @@ struct Arms {
     static constexpr std::size_t storage_align =
         std::max({align_of_payload<typename A::payload>...});
 
-    /// The arm whose payload stands behind `tag`, -1 where nothing does.
+    /// The arm whose payload belongs to `tag`, -1 if the tag has no payload.
     static constexpr std::int32_t arm_for(std::int32_t tag) {
         if (tag >= 0 && tag < count) return has_payload[static_cast<std::size_t>(tag)] ? tag : -1;
         return has_catch_all ? last : -1;
     }
 
-    /// `count` where no arm has the name.
+    /// The tag of the arm with this name, `count` if there is none.
     template <Name ArmName>
     static consteval std::int32_t tag_of() {
         std::int32_t tag = 0;
@@ -85,7 +86,8 @@ struct Arms {
     }
 };
 
-/// What is asked of the arms where a variant is defined; users of its header need not wait for it.
+/// Checks the arms of a variant. This is done where the variant is defined, to save the users of
+/// its header the time.
 template <class Arms>
 struct WellFormed {
     static_assert(Arms::names_ascend(), "arms stand in ascending byte order of their names");
@@ -93,7 +95,8 @@ struct WellFormed {
     static constexpr bool value = true;
 };
 
-/// The tag of a variant: reads as an `int32`, changes only with the arm. -1: no arm chosen yet.
+/// The tag of a variant. It converts to an `int32`, and changes only together with the payload. -1:
+/// unset.
 class Tag {
 public:
     Tag() = default;

@@ -24,7 +24,7 @@ namespace {
 
 using namespace sml::core;
 
-/// Ends the judging. No offset: bytes are missing.
+/// Thrown at what is unsafe; without offset if bytes are missing.
 struct Unsafe {
     std::optional<std::uint64_t> offset;
 };
@@ -73,7 +73,7 @@ constexpr std::uint64_t least_of_arms(std::integer_sequence<std::int32_t, Index.
     return std::min({least<typename Arms::template payload<Index>>()...});
 }
 
-/// The fewest bytes that a value can take.
+/// The fewest bytes that a value takes.
 template <class T>
 constexpr std::uint64_t least() {
     if constexpr (std::is_void_v<T>)
@@ -101,7 +101,7 @@ constexpr std::uint64_t least() {
         return 4;
 }
 
-/// Whether parsing a text by the "C" locale is within the range of doubles however it is rounded.
+/// Whether a text, parsed in the "C" locale, is within the range of doubles in every rounding mode.
 bool is_in_range_in_every_rounding(std::string const& text) {
     static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
     int const             before = std::fegetround();
@@ -116,9 +116,9 @@ bool is_in_range_in_every_rounding(std::string const& text) {
     return is_in_range;
 }
 
-/// Whether a text, up to its first zero byte, is read without an exception whatever the locale's
-/// decimal point and the rounding. That point is taken to be all that stands behind the leading
-/// digits, up to a letter or digit: then once it is the point, once the number ends before it.
+/// Whether a text, up to its first zero byte, is read without an exception in every locale and
+/// rounding mode. Only the characters after the leading digits, up to a letter or digit, can be a
+/// decimal point: the number must be in range both if they are, and if it ends before them.
 bool is_double_in_every_process(std::string text) {
     constexpr char const* digits = "0123456789";
     constexpr char const* hexadecimal = "0123456789abcdefABCDEF";
@@ -129,7 +129,7 @@ bool is_double_in_every_process(std::string text) {
     if (text.starts_with('-') || text.starts_with('+')) text.erase(0, 1);
     for (char const* name : {"inf", "nan"})
         if (strncasecmp(text.c_str(), name, 3) == 0) return true;
-    // What starts with a point is no number where the point is another one.
+    // A text that starts with a decimal point is no number in a process with another one.
     if (text.find_first_of(digits) != 0) return false;
 
     bool const        is_hexadecimal = strncasecmp(text.c_str(), "0x", 2) == 0;
@@ -142,8 +142,8 @@ bool is_double_in_every_process(std::string text) {
     return is_in_range_in_every_rounding(as_it_is) && is_in_range_in_every_rounding(with_point);
 }
 
-/// Each function takes a value off the bytes and gives its content: a text that only equal values
-/// share.
+/// Each function takes a value and returns its content, as a text that is the same for equal values
+/// only.
 class Judge {
 public:
     Judge(std::string_view bytes, std::uint32_t depth) : bytes_(bytes), depth_(depth) {}
@@ -351,7 +351,7 @@ private:
         return content + ' ' + std::to_string(number.width);
     }
 
-    /// A length word and so many bytes.
+    /// Takes a length word and as many bytes.
     std::string block() {
         std::uint64_t const at = at_;
         if (left() < 4) throw Unsafe{};

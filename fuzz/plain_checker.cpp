@@ -235,7 +235,7 @@ private:
         if (tag < 0 || tag >= Arms::count) odd(at);
         // A variant with a negative tag is unequal even to itself.
         if (tag < 0) content += "at " + std::to_string(at);
-        return content + payload<Arms>(Arms::serving(tag),
+        return content + payload<Arms>(Arms::arm_for(tag),
                                        std::make_integer_sequence<std::int32_t, Arms::count>{});
     }
 

@@ -126,7 +126,7 @@ auto word_of(T const& value) {
 /// The arm whose payload stands behind the tag, -1 where nothing does.
 template <class Variant>
 std::int32_t serving(Variant const& variant) {
-    return Variant::arms::serving(variant.tag);
+    return Variant::arms::arm_for(variant.tag);
 }
 
 /// Calls `use` with the payload of the last arm, which takes the remaining tags, too, and counts as

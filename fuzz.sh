@@ -3,7 +3,7 @@
 #
 #   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS a target, 60 without; all targets without
 #
-# Ends with 1 on any finding; what was found and the logs are in build/fuzz/found. The corpus is made
+# Ends with 1 on any finding; what was found and the logs are in build/asan/found. The corpus is made
 # of the golden files and of what stands in fuzz/corpus; BRADEP_FUZZ_BUILD names another build
 # directory, BRADEP_FUZZ_KEEP one where the inputs that were found worth keeping go.
 set -euo pipefail
@@ -14,7 +14,7 @@ seconds=${1:-60}
 shift $(($# > 0 ? 1 : 0))
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(walk_fuzz check_fuzz read_fuzz budget_fuzz encode_fuzz)
-build=${BRADEP_FUZZ_BUILD:-build/fuzz}
+build=${BRADEP_FUZZ_BUILD:-build/asan}
 found=$build/found
 
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
@@ -23,7 +23,7 @@ export UBSAN_OPTIONS=print_stacktrace=1
 install_packages
 generate_comma_locale
 mkdir -p "$build"
-cmake --preset fuzz -B "$build"
+cmake --preset asan -B "$build"
 cmake --build "$build" --parallel "${BRADEP_FUZZ_JOBS:-$(nproc)}" --target fuzz_seeds "${targets[@]}"
 
 rm -rf "$found" "$build/seeds"

@@ -41,7 +41,7 @@ struct DigestOptions : WalkOptions {
     std::vector<std::string> files;
 };
 
-// As other programs print sums, with the name that was given.
+// Prints the digest and the name as it was given, in the layout of sha256sum.
 ExitCode print_digest(WalkOptions const& options, Streams& streams) {
     WalkedInput const input(options, streams);
     refuse_without_canonical_form(input);

@@ -48,12 +48,12 @@ ExitCode dump_file(Options const& options, CLI::App const& app, Streams& streams
     LimitedOutput limited(streams.out, options.max_output);
     Dumped const  dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
-        // A line of progress would stand in the midst of the JSON.
+        // On a terminal, the line of progress would appear in the middle of the JSON.
         if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;
         return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });
     limited.refuse_if_cut(input.name());
-    streams.out.flush();  // the findings stand behind what was printed
+    streams.out.flush();  // so that the findings appear after the JSON
     report_findings(streams.err, input.name(), dumped.findings);
     if (auto const more = dumped.odd_count - odd_ones(dumped.findings))
         report(streams.err, input.name() + ": " + std::to_string(more) + " more odd findings");

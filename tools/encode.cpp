@@ -27,7 +27,7 @@ std::string placed(EncodeError const& error) {
            place + ": expected " + error.expected + ", found " + error.found;
 }
 
-// Throws DamagedInput for bytes that are beyond a limit as a whole.
+// Throws DamagedInput if the bytes as a whole exceed a limit.
 void refuse_unless_encodable(Root const& root, std::string_view bytes, std::string const& name,
                              Limits const& limits) {
     Verdict const verdict = verify(root, bytes, {.limits = limits, .listed = 0});

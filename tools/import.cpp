@@ -27,11 +27,11 @@ struct Options {
     Output                   output;
     std::uint64_t            max_size = default_max_size;
     sarif::Limits            limits;
-    VerifyOptions            verify;  // of what is written
+    VerifyOptions            verify;  // for verifying the output
 };
 
 void refuse_overwriting_an_input(Options const& options) {
-    std::error_code error;  // names that cannot be looked at are told of when they are opened
+    std::error_code error;  // not reported here: opening the file reports it
     for (auto const& input : options.inputs)
         if (std::filesystem::is_regular_file(options.output.target, error) &&
             std::filesystem::equivalent(input, options.output.target, error))
@@ -42,7 +42,7 @@ std::string output_name(Options const& options) {
     return options.output.target == "-" ? "standard output" : options.output.target;
 }
 
-// Throws DamagedInput for a set that its readers would not take as it is.
+// Throws DamagedInput unless the bytes of the set are good.
 void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
     auto const name = output_name(options);
     auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
@@ -63,7 +63,7 @@ std::int32_t& run_count_of(ResultSet& set) {
     return sarif::fields::runs.held(sarif::SetRecord{set});
 }
 
-// Returns the number of its runs.
+// Returns the number of runs of the log.
 std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
                         ResultSet& set, Comparisons& comparisons, std::ostream& err) {
     auto const    document = parsed(text, name, err);

@@ -39,7 +39,7 @@ int ended(std::ostream& err, ExitCode code, std::string const& what) {
     return code;
 }
 
-// The parser would only say that it did not expect the word.
+// The option parser's own message would name neither the command nor a similar one.
 void refuse_unknown_command(std::vector<std::string> const& args) {
     auto const first =
         std::ranges::find_if(args, [](auto const& arg) { return !arg.starts_with('-'); });
@@ -52,7 +52,7 @@ void refuse_unknown_command(std::vector<std::string> const& args) {
                           exit_usage_or_io);
 }
 
-// Standard output can be a full disk, too.
+// Flushing standard output can fail, for example on a full disk.
 void finish(NotingOutput& out) {
     if (out.stream().flush()) return;
     throw IoFailure(std::string("cannot write standard output: ") +
@@ -64,7 +64,7 @@ ExitCode parse_and_act(CLI::App& app, std::vector<std::string> args,
     ExitCode code = exit_done;
     refuse_unknown_command(args);
     try {
-        std::reverse(args.begin(), args.end());  // as the parser wants them
+        std::reverse(args.begin(), args.end());  // the parser takes the last one first
         app.parse(std::move(args));
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
         for (std::size_t i = 0; i < actions.size(); ++i)

@@ -31,21 +31,21 @@ json::value const& part(json::value const& object, std::string_view name) {
     throw Misfit{&object, "not a schema: the member \"" + std::string(name) + "\" is missing"};
 }
 
-// What a type is made of: its name or kind, and the types inside one without a name.
+// The parts of a type use: its name or kind and, for a type without a name, the types inside it.
 struct Shape {
     std::string                     kind;
     std::vector<json::value const*> inner;
     std::int64_t                    flags = 0;
 };
 
-// The kind of a type without a name, and what it is given.
+// Returns the kind of a type without a name, and the value of that member.
 std::pair<std::string_view, json::value const*> inner_kind_of(json::value const& use) {
     for (std::string_view const kind : inner_kinds)
         if (auto const* const inside = json_input::member(use, kind)) return {kind, inside};
     throw Misfit{&use, "not a schema: no type"};
 }
 
-// Bytes do not show whether a value is boxed.
+// A boxed value has the same bytes as a value that is not boxed.
 json::value const& without_boxes(json::value const& boxed) {
     auto const* use = &boxed;
     while (!use->is_string()) {
@@ -72,7 +72,7 @@ Shape shape_of(json::value const& boxed) {
 
 std::string spelled(json::value const& whole) {
     std::string                                                text;
-    std::vector<std::variant<json::value const*, char const*>> left{&whole};  // the next one last
+    std::vector<std::variant<json::value const*, char const*>> left{&whole};  // last is next
     while (!left.empty()) {
         auto const next = left.back();
         left.pop_back();
@@ -94,7 +94,7 @@ std::string spelled(json::value const& whole) {
 
 struct Named {
     std::string        name;
-    json::value const* type;  // null where there is none
+    json::value const* type;  // null if there is none
 };
 
 std::vector<Named> fields_of(json::value const& definition) {
@@ -104,7 +104,7 @@ std::vector<Named> fields_of(json::value const& definition) {
     return fields;
 }
 
-// Arms with their payloads, or enumerators; the place is the tag.
+// Arms with their payloads, or enumerators. The index is the tag.
 std::vector<Named> tagged_of(json::value const& definition) {
     std::vector<Named> all;
     if (auto const* const enumerators = json_input::list(definition, "enumerators")) {
@@ -126,7 +126,8 @@ std::vector<Named>::const_iterator find(std::vector<Named> const& all, std::stri
     return std::ranges::find(all, name, &Named::name);
 }
 
-// Compares what is reached from a root, and not by calling itself: a schema may be as deep as long.
+// Compares all types that a root reaches. It uses a queue, not recursion, because a schema may be
+// nested as deeply as it is long.
 class Comparison {
 public:
     Comparison(json::value const& old, json::value const& now)
@@ -134,8 +135,8 @@ public:
 
     std::vector<std::string> changes;
 
-    // All that is reached from these two uses of a type. What is wrong with a type itself is told
-    // before what is wrong with those inside it.
+    // Compares two type uses and all types that they reach. The changes of a type are reported
+    // before those of the types inside it.
     void compare_all(json::value const& old, json::value const& now, std::string const& where) {
         compare(old, now, where);
         while (!left_.empty()) {
@@ -239,7 +240,7 @@ private:
         compare_rest(type, was, is, has_catch_all(old), has_catch_all(now));
     }
 
-    // Which names push the others aside.
+    // The names that are new, which can be why the tags of others have changed.
     static std::string news(std::string const& noun, std::vector<Named> const& was,
                             std::vector<Named> const& is) {
         std::string all;

@@ -9,7 +9,7 @@ namespace bradep {
 
 namespace {
 
-// Keys themselves are in the order of addresses, which says nothing.
+// The order of keys is that of addresses, which means nothing to a user.
 bool stands_before(SetCheck const& a, SetCheck const& b) {
     int const files = a.key->first.str().compare(b.key->first.str());
     return files != 0 ? files < 0 : a.key->second < b.key->second;
@@ -57,7 +57,7 @@ std::optional<sarif::Result> imported_result(SetCheck const& check, ResultSet co
         return std::nullopt;
     try {
         return sarif::restored_result(*check.form, set);
-    } catch (DamagedInput const&) {  // its fields mean something else
+    } catch (DamagedInput const&) {  // a native check: its fields mean something else
         return std::nullopt;
     }
 }

@@ -29,8 +29,8 @@ struct Options : WalkOptions {
     std::size_t   rows = default_rows;
 };
 
-// A reader takes the decimal point of this process: bytes with another one are read as they are in
-// their canonical form, which has this one.
+// Readers use the decimal point of this process. Bytes written with another one are converted to
+// canonical bytes first, which have a dot.
 void read(WalkedInput const& input, sml::inspect::Verdict const& verdict, ResultSet& set) {
     using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
     auto const& options = input.options();
@@ -69,11 +69,11 @@ void write_json_lines(std::ostream& out, ResultSet const& set) {
 void show_json(ResultSet const& set, std::string const& name, std::uint64_t max_output,
                std::ostream& out) {
     LimitedOutput limited(out, max_output);
-    limited.stream().exceptions(std::ios::badbit);  // not to go on for nothing
+    limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
     try {
         write_json_lines(limited.stream(), set);
     } catch (std::ios_base::failure const&) {
-        limited.refuse_if_cut(name);  // where it was not, `out` tells what failed
+        limited.refuse_if_cut(name);  // otherwise `out` failed and keeps the reason
     }
 }
 

@@ -24,7 +24,8 @@ std::string stems_of(std::vector<Candidate> const& candidates) {
     return stems;
 }
 
-// A stem that ends with what was given, else one that holds it, else any: the nearest of these.
+// Returns the stem nearest to `given`: of those that end with it; else of those that contain it;
+// else of all.
 std::string_view stem_like(std::string_view given) {
     std::vector<std::string_view> ending, holding, all;
     for (Root const& root : roots()) {
@@ -49,7 +50,8 @@ bool is_part_of_number(char c) {
     return is_digit(c) || is_letter(c) || is_blank(c) || c == '+' || c == '-';
 }
 
-/// Refuses what would wrap around or be cut short.
+/// Refuses a sign and more than 18 digits, which the option parser would wrap around or cut short.
+/// A unit may follow the digits.
 std::string judge_amount(std::string const& text) {
     std::size_t const digits = std::min(text.find_first_not_of("0123456789"), text.size());
     if (digits == 0 || digits > 18) return "\"" + text + "\" is no number, or too large a one";
@@ -231,7 +233,7 @@ ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions option
             report(streams.err, input_name(file) + ": " + out_of_own_memory);
             end_with(exit_usage_or_io);
         }
-        streams.out.flush();  // before what the next one says on standard error
+        streams.out.flush();  // before messages of the next file on standard error
     }
     return highest;
 }

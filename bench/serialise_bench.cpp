@@ -1,8 +1,8 @@
-// How fast a result set goes to bytes and back, into files and out of them, how fast two are
-// compared and one is destroyed; beside the plain reference and, where they are built, other
-// libraries.
+// Measures how fast a result set is written and read, in memory and in files, and how fast two are
+// compared and one is destroyed. The reference implementation and, if they are built, other
+// libraries are measured as well.
 //
-// "first" is the first call in the process, in microseconds a check.
+// "first" is the time of the first call in the process, in microseconds per check.
 
 #include <sml/bindings/bindings.hpp>
 #include "bench/plain/equal.hpp"
@@ -64,7 +64,8 @@ bench::Prepared const& data_without_bare_arms_of(benchmark::State const& state) 
     return bench::prepared_without_bare_arms(static_cast<std::size_t>(state.range(0)));
 }
 
-/// Reports how long `call` takes when `name` is met for the first time, and calls it then only.
+/// Calls `call` only the first time for this `name` and size, and reports how long that first call
+/// took.
 template <class Call>
 void time_first(benchmark::State& state, std::string const& name, Call const& call) {
     using Clock = std::chrono::steady_clock;
@@ -119,7 +120,8 @@ void decode(benchmark::State& state, Serialiser const& serialiser) {
     time_reading(state, data, [&](Graph& value) { serialiser.decode(value); });
 }
 
-/// Whether the stream flushes itself behind each item, or another stream before each.
+/// Whether the stream flushes itself after each item (output), or another stream before each item
+/// (input).
 enum class Flushes { nothing, each_item };
 
 template <class Own, Flushes flushes = Flushes::nothing>
@@ -149,7 +151,7 @@ void from_stream(benchmark::State& state) {
     });
 }
 
-/// Of graphs that are equal but share no memory except for the texts.
+/// Compares graphs that are equal but share no memory except for the texts.
 template <class Own>
 void time_equal(benchmark::State& state, bench::Prepared const& data) {
     Graph other;
@@ -164,12 +166,13 @@ void equal(benchmark::State& state) {
     time_equal<Own>(state, data_of(state));
 }
 
-/// `==` of the graphs that `less` is measured on.
+/// Measures `==` with the graphs that `less` is measured with.
 void equal_without_bare_arms(benchmark::State& state) {
     time_equal<Library>(state, data_without_bare_arms_of(state));
 }
 
-/// Of graphs that are equal and nowhere less than one another, so that everything has to be walked.
+/// Compares graphs that are equal and in which no part is less than the other, so that `<` has to
+/// compare everything.
 void less(benchmark::State& state) {
     auto const& data = data_without_bare_arms_of(state);
     Graph       other;

@@ -1,5 +1,5 @@
 #pragma once
-// Ways to carry a result set to bytes and back, all timed alike.
+// Ways to write and read a result set, all measured in the same way.
 
 #include <sml/schema/Application_Results.hpp>
 
@@ -12,13 +12,14 @@ using Graph = sml::Application_Results::T_Application_Results;
 
 struct Serialiser {
     char const* name;
-    /// Gives the number of bytes, which stay with the serialiser until the next call.
+    /// Returns the number of bytes. The serialiser keeps the bytes until the next call.
     std::function<std::size_t(Graph const&)> encode;
-    /// Reads what was encoded last into a fresh graph.
+    /// Reads the bytes of the last `encode` into a fresh graph.
     std::function<void(Graph&)> decode;
 };
 
-/// Has the benchmarks NAME/encode and NAME/decode run. To be called before `main`; gives true.
+/// Registers the benchmarks NAME/encode and NAME/decode. Must be called before `main`. Returns
+/// true.
 bool add_serialiser(Serialiser serialiser);
 
 }  // namespace bench

@@ -4,9 +4,9 @@
   table.py [--sizes N,...] [--serialisers NAME,...] [--rounds R] [--million] BUILD
 
 BUILD is the build directory; `bench` is its target. Each serialiser runs in a process of its own, in
-turns, R times (4 by default) with three repetitions each; given are the medians. Without --serialisers all
-that are built run; plain and library always do. --million adds one encoding and one decoding of a
-million checks, which take about 8 GB.
+turns, R times (4 by default) with three repetitions each; the tables have the medians. Without
+--serialisers, all that are built run; plain and library always run. --million adds one encoding and one
+decoding of a million checks, which take about 8 GB.
 """
 
 import argparse
@@ -21,7 +21,7 @@ import tempfile
 
 REPETITIONS = 3
 MILLION = 1_000_000
-MILLION_MEMORY = 12e9  # what is asked for, in bytes
+MILLION_MEMORY = 12e9  # bytes of memory that a million checks require
 
 OPERATIONS = {"encode": "encode, `fromCxx`", "decode": "decode, `toCxx`",
               "toStream": "`toStream`, a `std::ofstream`",
@@ -38,7 +38,7 @@ def run(*command):
 
 
 class Timings:
-    """The times of all benchmarks, in microseconds a check."""
+    """The times of all benchmarks, in microseconds per check."""
 
     def __init__(self, program, sizes, rounds, wanted):
         names = run(program, "--benchmark_list_tests").split()
@@ -150,7 +150,7 @@ def print_growth(timings):
 
 
 def once(build, checks, folder):
-    """The two calls in fresh processes: the figures of bench_once by name."""
+    """Runs bench_once for encode and decode; returns its figures by the name of the call."""
     file = pathlib.Path(folder) / f"{checks}.bin"
     run(build / "bench" / "make_workload", checks, file)
     figures = {call: json.loads(run(build / "bench" / "bench_once", call, file))

@@ -4,9 +4,9 @@
   generate_flatbuffers.py SCHEMA.json DIRECTORY
 
 SCHEMA.json is the output of `bradep schema --root STEM`. Writes graph_tables.fbs and
-graph_tables.hpp. A type that consists only of words becomes a struct, a variant becomes a union, and
-everything else becomes a table. Strings become indices into a table in the root. A big integer is a long
-or, if it does not fit, bytes.
+graph_tables.hpp. A type that consists only of words becomes a struct, a variant becomes a union,
+and everything else becomes a table. Strings become indices into a table in the root. A big integer
+is a long or, if it does not fit, bytes.
 """
 
 from schema_uses import Generator, element, entry, held, main, whole

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Generates, from a printed schema, Protocol Buffers messages and functions that save and load a graph.
+"""Generates Protocol Buffers messages from a printed schema, and functions that save and load a graph.
 
   generate_protobuf.py SCHEMA.json DIRECTORY
 
 SCHEMA.json is the output of `bradep schema --root STEM`. Writes graph.proto and graph_messages.hpp.
-Strings become indices into a table in the message of the root. A big integer is a sint64 or, if it does
-not fit, bytes. The tag of a variant is stored only if the arm does not imply it.
+Strings become indices into a table in the message of the root. A big integer is a sint64 or, if it
+does not fit, bytes. The tag of a variant is stored only if the arm does not imply it.
 """
 
 from schema_uses import Generator, element, entry, held, main, whole

@@ -1,5 +1,5 @@
 #pragma once
-// Values of any type through the archives and through the plain reference.
+// Writes and reads values of any type by the archives and by the reference implementation.
 
 #include <sml/core/archives.hpp>
 #include <sml/core/transfer.hpp>
@@ -13,7 +13,7 @@
 
 namespace plain_test {
 
-/// Writes over the bytes that `result` holds.
+/// The bytes of the value. The archive writes over the bytes that `result` already has.
 template <class T>
 std::string archived(T const& value, std::string result = {}) {
     sml::StringOArchive archive(result);

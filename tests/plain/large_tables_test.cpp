@@ -1,4 +1,4 @@
-// Tables of many large entries, with keys that come again, against the plain reference.
+// Compares maps of many large entries and repeated keys with the reference implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
@@ -18,7 +18,7 @@ using namespace plain_test;
 using Engine = std::mt19937_64;
 using sml::Strings_T;
 
-/// Of at most 200 keys.
+/// The bytes of a map with `count` entries and at most 200 different keys.
 template <class Table>
 std::string bytes_of_entries(int count, Engine& engine) {
     using Key = typename Table::key_type;
@@ -32,7 +32,7 @@ std::string bytes_of_entries(int count, Engine& engine) {
     return plainly_written(entries);
 }
 
-/// What is written of both tells their orders.
+/// Expects that both read the same values in the same order, which is visible in the bytes written.
 template <class Table>
 void expect_read_alike(Engine& engine) {
     for (int const entries : {60, 63, 64, 65, 100, 300}) {

@@ -1,4 +1,5 @@
-// Texts around the sizes of the writers' buffer and chunks, against the plain reference.
+// Compares texts around the sizes of the writers' buffer and chunks with the reference
+// implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
@@ -22,7 +23,7 @@ constexpr std::size_t first_chunk = sml::StringOArchive::smallest_chunk;
 constexpr std::size_t largest_chunk = sml::StringOArchive::largest_chunk;
 constexpr std::size_t near = 20;
 
-/// Bytes that tell where they stand; another text each time.
+/// A text in which each position is recognisable. Each call returns another text.
 std::string text(std::size_t size) {
     static std::string const numbers = [] {
         std::string all;
@@ -34,11 +35,11 @@ std::string text(std::size_t size) {
     return numbers.substr(start, size);
 }
 
-/// Behind the last text comes as much as may stand between two places that ask for room.
+/// After the last text come as many bytes as may follow without another request for room.
 using ThreeTexts = std::tuple<std::string, std::string, std::string,
                               std::array<bool, room_ahead - 20>, std::int32_t>;
 
-/// The last text has this size, and so many bytes end with it.
+/// Three texts: the last one has `size` bytes and ends at offset `end`.
 ThreeTexts three_texts(std::size_t end, std::size_t size) {
     std::size_t const before = end - size - 3 * sizeof(std::int32_t);
     ThreeTexts        value{text(before / 2), text(before - before / 2), text(size), {}, 12345};
@@ -46,7 +47,8 @@ ThreeTexts three_texts(std::size_t end, std::size_t size) {
     return value;
 }
 
-/// Places around the end of a block of memory and around where room runs short, and some between.
+/// Offsets around the end of a block of memory, around the point where room runs short, and some in
+/// between.
 std::vector<std::size_t> ends_within(std::size_t block) {
     std::vector<std::size_t> result;
     for (std::size_t i = 0; i <= room_ahead + 2 * near; ++i)
@@ -96,7 +98,7 @@ TEST(LongTexts, EndNearTheEndOfTheLargestChunk) {
     }
 }
 
-/// Through the string, over some bytes or other, and to sinks that take all, refuse and throw.
+/// Writes to a string that already has bytes, and to sinks that take everything, refuse and throw.
 template <class T>
 void expect_written_alike(T const& value, Engine& engine) {
     std::string const expected = plainly_written(value);
@@ -147,7 +149,7 @@ TEST(LongTexts, OfTheSizeOfTheLargestChunkAreWrittenAlike) {
     }
 }
 
-/// Mostly short; else around the sizes of the buffers.
+/// A size: mostly small, else around the sizes of the buffers.
 std::size_t any_size(Engine& engine) {
     std::size_t const units[] = {0, 1, 2, 3, 4, 6, 7, 8, 12, 16};
     switch (engine() % 8) {
@@ -234,7 +236,7 @@ TEST(LongTexts, InChecksAreWrittenAlike) {
     }
 }
 
-/// Ends the writing of the value that it stands in.
+/// A part whose writing throws, which ends the writing of the value around it.
 struct Stop {
     bool is_due = false;
 
@@ -246,7 +248,8 @@ struct Stop {
     }
 };
 
-/// What was written before an exception that is none of the stream's has reached the stream.
+/// The bytes written before an exception that does not come from the stream have reached the
+/// stream.
 TEST(LongTexts, BeforeAnExceptionReachTheStream) {
     Engine engine(seed() + 5);
     for (int i = count(2000, 50'000); i > 0 && !HasFailure(); --i) {
@@ -254,7 +257,7 @@ TEST(LongTexts, BeforeAnExceptionReachTheStream) {
         std::list<Item> value;
         for (auto left = 1 + engine() % 8; left > 0; --left)
             value.emplace_back(text(any_size(engine)), 5, engine() % 2 == 0, Stop{left == 1});
-        // Where the stream does not throw: its own exception would come first.
+        // A stream that does not throw; otherwise its own exception would come first.
         std::uint64_t const choice = engine() % 5;
         std::size_t const   end = engine() % 3 == 0 ? no_end : engine() % 60'000;
         bool const          throws = engine() % 2 == 0;

@@ -1,4 +1,4 @@
-// Floats and integers as text and back, against the plain reference.
+// Compares the reading and writing of floats and integers with the reference implementation.
 
 #include "bench/plain/plain.hpp"
 #include "tests/core/comma_locale.hpp"
@@ -21,7 +21,7 @@ using zelvanite::IEEE754Float;
 
 constexpr std::uint64_t widths[] = {16, 32, 40, 48, 64, 80, 128};
 
-/// From 0 to `bound` - 1.
+/// A number from 0 to `bound` - 1.
 int below(Engine& engine, int bound) {
     return std::uniform_int_distribution<int>(0, bound - 1)(engine);
 }
@@ -33,7 +33,7 @@ std::string plainly_written(T const& value) {
     return stream.str();
 }
 
-/// What makes up a float: its precision, sign, exponent and limbs.
+/// The parts of a float: its width, precision, sign, exponent and limbs.
 std::vector<std::uint64_t> parts(IEEE754Float const& value) {
     mpfr_srcptr const          number = value.number();
     std::vector<std::uint64_t> all{value.width, static_cast<std::uint64_t>(mpfr_get_prec(number)),
@@ -42,7 +42,7 @@ std::vector<std::uint64_t> parts(IEEE754Float const& value) {
     if (mpfr_regular_p(number) != 0)
         for (mpfr_prec_t bits = 0; bits < mpfr_get_prec(number); bits += 64)
             all.push_back(number->_mpfr_d[bits / 64]);
-    if (mpfr_nan_p(number) != 0) all[2] = 0;  // the sign of a NaN is not looked at
+    if (mpfr_nan_p(number) != 0) all[2] = 0;  // the sign of a NaN does not matter
     return all;
 }
 
@@ -62,7 +62,8 @@ std::string expect_written_alike(auto const& value) {
     return bytes;
 }
 
-/// Reads over copies of `before`, from bytes that stand alone so that a sanitizer sees the end.
+/// Reads the bytes over copies of `before`. The bytes are in a block of their exact size, so that a
+/// sanitizer reports a read beyond them.
 template <class T>
 void expect_read_alike(std::string const& bytes, T const& before) {
     std::vector<char> const alone(bytes.begin(), bytes.end());
@@ -78,7 +79,7 @@ void expect_read_alike(std::string const& bytes, T const& before) {
     EXPECT_EQ(archive.cursor(), buffer.at()) << wire::hex(bytes);
 }
 
-/// Of any precision: mostly that of its format.
+/// A random float of any precision, mostly that of its format.
 IEEE754Float random_float(Engine& engine) {
     IEEE754Float value;
     value.width = widths[below(engine, 7)];
@@ -130,7 +131,7 @@ std::string float_block(std::string const& text, std::uint64_t width) {
            word(static_cast<std::int32_t>(width));
 }
 
-/// Another text than a writer's, in one place or in several.
+/// Changes the text in one to three places.
 std::string spoilt(std::string text, std::string_view characters, Engine& engine) {
     for (int i = below(engine, 3); i >= 0; --i) {
         auto const at = static_cast<std::size_t>(below(engine, static_cast<int>(text.size()) + 1));
@@ -150,7 +151,7 @@ TEST(PlainFloats, AreWrittenAndReadAlike) {
     for (int i = plain_test::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         auto const        value = random_float(engine);
         std::string const bytes = expect_written_alike(value);
-        // The text stands between two words.
+        // The text is between two words.
         std::string const text = bytes.substr(4, bytes.size() - 8);
         auto const        before = random_float(engine);
         expect_read_alike(bytes, before);

@@ -1,4 +1,5 @@
-// All roots, of random values and from bytes with defined damages, against the plain reference.
+// Compares all roots with the reference implementation, for random values and for bytes with
+// defined damage.
 
 #include "tests/plain/roots.hpp"
 #include <sml/inspect/verify.hpp>
@@ -15,8 +16,8 @@ using namespace plain_test;
 
 constexpr int few = 4;
 
-/// Both read the bytes, and what they have read is written by the plain reference: its bytes tell
-/// values and the order of tables.
+/// Expects that both read the same. The reference implementation writes both values: its bytes show
+/// the values and the order of hash tables.
 void expect_read_alike(Root const& root, std::string const& bytes) {
     std::vector<char> const alone(bytes.begin(), bytes.end());
     Object const            ours = root.make();
@@ -43,7 +44,7 @@ TEST(PlainRoots, CarryRandomValuesAlike) {
     }
 }
 
-/// The library's result is one string for all: longer and shorter results take turns.
+/// All roots share one result string. Longer and shorter results alternate.
 TEST(PlainRoots, ResultsOfAllSizesFollowOneAnother) {
     std::mt19937_64     engine(seed() + 1);
     auto const&         all = roots();
@@ -63,7 +64,7 @@ std::string damaged(std::string bytes, std::mt19937_64& engine) {
             case 0: bytes[at] = static_cast<char>(engine()); break;
             case 1: bytes[at] = static_cast<char>(bytes[at] + 1); break;
             case 2: bytes[at] = "TF0123456789abcdef"[engine() % 18]; break;
-            default: {  // a word from elsewhere: another tag, another string's id
+            default: {  // a word of other bytes: another tag or string id
                 std::size_t const from = engine() % bytes.size();
                 bytes.replace(at, 4, bytes, from, 4);
             }
@@ -72,7 +73,7 @@ std::string damaged(std::string bytes, std::mt19937_64& engine) {
     return bytes;
 }
 
-/// Beyond the bytes of the result before, and beyond several chunks.
+/// Values larger than the previous result and larger than several chunks.
 TEST(PlainRoots, CarryLargeValuesAlike) {
     std::mt19937_64 engine(seed() + 4);
     for (Root const& root : roots()) {
@@ -81,7 +82,8 @@ TEST(PlainRoots, CarryLargeValuesAlike) {
             root.stem != "String_To_StringSet_T")
             continue;
         for (int i = count(3, 50); i > 0 && !HasFailure(); --i) {
-            // A table of sets that grows often; tables of tables in the others.
+            // For String_To_StringSet_T, a map of sets that grows often; for the others, nested
+            // maps.
             int const         most = root.stem == "String_To_StringSet_T" ? 1000 : 30;
             Object const      value = root.random(engine(), most);
             std::string const bytes = root.write(value.get());

@@ -1,5 +1,5 @@
 #pragma once
-// How often the comparisons with the plain reference are made, and from which seed.
+// The number of comparisons with the reference implementation, and their seed.
 
 #include <cstdint>
 #include <cstdlib>
@@ -9,12 +9,12 @@
 
 namespace plain_test {
 
-/// All of them when BRADEP_SLOW_TESTS is set.
+/// Returns `slow` if BRADEP_SLOW_TESTS is set.
 inline int count(int usual, int slow) {
     return std::getenv("BRADEP_SLOW_TESTS") == nullptr ? usual : slow;
 }
 
-/// BRADEP_SEED, or another one each time; printed.
+/// BRADEP_SEED if it is set, else a random seed for each run. Prints it.
 inline std::uint64_t seed() {
     static std::uint64_t const chosen = [] {
         char const* const given = std::getenv("BRADEP_SEED");

@@ -1,4 +1,4 @@
-// What a caller's stream buffer and locale may do, against the plain reference.
+// Compares the effects of callers' stream buffers and locales with the reference implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
@@ -19,12 +19,12 @@ using namespace plain_test;
 using Engine = std::mt19937_64;
 using sml::Strings_T;
 
-/// Holds a part of its bytes at a time, in memory that is new each time.
+/// A buffer that has only a part of its bytes in memory at a time, in a new block each time.
 class Refilled : public std::streambuf {
 public:
     Refilled(std::string bytes, std::size_t window) : bytes_(std::move(bytes)), window_(window) {}
 
-    /// How many bytes have been taken.
+    /// The number of bytes read.
     std::size_t taken() const { return held_to_ - static_cast<std::size_t>(egptr() - gptr()); }
 
 protected:
@@ -33,7 +33,7 @@ protected:
         return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
     }
 
-    /// Holds up to so many bytes from there on.
+    /// Loads up to `size` bytes from offset `start`.
     void hold_from(std::size_t start, std::size_t size) {
         size = std::min(size, bytes_.size() - start);
         held_ = std::make_unique_for_overwrite<char[]>(size);
@@ -51,7 +51,7 @@ private:
     std::unique_ptr<char[]> held_;
 };
 
-/// Changes what it holds whenever a block has been read.
+/// A buffer that changes its memory whenever a block has been read.
 class Changing : public Refilled {
 public:
     using Refilled::Refilled;
@@ -66,7 +66,7 @@ protected:
     virtual void change() = 0;
 };
 
-/// Moves what it holds to the front.
+/// Moves the remaining bytes to the front.
 class Compacting : public Changing {
 public:
     using Changing::Changing;
@@ -79,7 +79,7 @@ protected:
     }
 };
 
-/// Fills itself up in other memory.
+/// Loads the following bytes into other memory.
 class FilledUp : public Changing {
 public:
     using Changing::Changing;
@@ -88,7 +88,7 @@ protected:
     void change() override { hold_from(taken(), window()); }
 };
 
-/// Holds nothing: the next byte is asked for anew.
+/// Has no byte in memory, so the next one is requested anew.
 class Emptied : public Changing {
 public:
     using Changing::Changing;
@@ -97,7 +97,7 @@ protected:
     void change() override { hold_from(taken(), 0); }
 };
 
-/// Gives what has not been read back when it is flushed, as a file does that is read and written.
+/// Gives the unread bytes back when it is flushed, as a file that is read and written does.
 class Duplex : public Refilled {
 public:
     using Refilled::Refilled;
@@ -109,7 +109,7 @@ protected:
     }
 };
 
-/// Throws when it is flushed once too often, what has not been read given back.
+/// Throws when it is flushed more than `flushes` times. It gives the unread bytes back first.
 class Unflushable : public Refilled {
 public:
     Unflushable(std::string bytes, std::size_t window, int flushes)
@@ -126,7 +126,7 @@ private:
     int flushes_;
 };
 
-/// Reads two objects; says what came of each, what was taken, and what they hold.
+/// Reads two objects. Describes the outcome of each, the number of bytes read, and the objects.
 template <class Buffer, class T, class Read>
 std::string read_two(std::string const& bytes, std::size_t window, bool is_tied, Read const& read) {
     Buffer       buffer(bytes, window);
@@ -225,7 +225,7 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
         Unflushable  buffer(bytes, window, flushes);
         std::istream stream(&buffer);
         std::ostream other_way(&buffer);
-        stream.get();  // holds bytes from here on
+        stream.get();  // loads bytes
         stream.unget();
         other_way.exceptions(std::ios::badbit);
         stream.exceptions(std::ios::badbit);
@@ -242,7 +242,7 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
                 << window << ", " << flushes;
 }
 
-/// The second text of the first object has a length that no text has.
+/// The second text of the first object has an impossible length.
 TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
     using Item = std::tuple<std::int32_t, std::array<bool, 4>, std::string, bool, std::string>;
     Engine engine(seed() + 2);
@@ -255,7 +255,8 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
     }
 }
 
-/// The classic locale, but these characters are white space, too; a blank is where it says so.
+/// The classic locale, except that these characters are white space, and a blank is only if `blank`
+/// is true.
 std::locale locale_with_spaces(std::string_view spaces, bool blank) {
     using Kinds = std::ctype<char>;
     static std::list<std::vector<Kinds::mask>> tables;  // one for each locale, which refers to it
@@ -269,7 +270,7 @@ std::locale locale_with_spaces(std::string_view spaces, bool blank) {
 
 using Flags = std::tuple<std::int32_t, bool, bool, std::array<bool, 4>, std::int32_t, bool>;
 
-/// Reads two values; says where each leaves the stream, and what they hold.
+/// Reads two values. Describes the state of the stream after each, and the values.
 std::string read_flags(std::string const& bytes, std::locale const& locale, bool skips,
                        void (*read)(Flags&, std::istream&)) {
     std::istringstream stream(bytes);
@@ -304,7 +305,7 @@ TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
     }
 }
 
-/// Notes the exponent range at each call.
+/// Records the exponent range at each call.
 class Watcher : public BlockTaker {
 public:
     Watcher() : BlockTaker(no_end, false) {}
@@ -337,7 +338,8 @@ Floats random_floats(Engine& engine) {
     return value;
 }
 
-/// The exponent ranges that the stream's buffer sees; the last is the one that is left.
+/// The exponent ranges that are in force when the stream's buffer is called, and last the one that
+/// remains.
 std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
     mpfr_set_emin(-5000);
     mpfr_set_emax(5000);
@@ -347,7 +349,7 @@ std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
     return watcher.seen;
 }
 
-/// Not the one that the process had before: a float comes first.
+/// The range seen is not the process's initial one, because a float comes first.
 TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
     Engine engine(seed() + 4);
     for (int i = count(500, 20'000); i > 0 && !HasFailure(); --i) {

@@ -1,4 +1,4 @@
-// Caller's streams in every state, against the plain reference.
+// Compares callers' streams in every state with the reference implementation.
 
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/roots.hpp"
@@ -16,13 +16,14 @@ using namespace plain_test;
 
 constexpr int few = 4;
 
-/// Gives bytes through a window of so many at a time and can't seek; at the end it ends, or throws.
+/// A buffer that supplies `window` bytes at a time and can't seek. At the end it reports the end or
+/// throws.
 class Giver : public std::streambuf {
 public:
     Giver(std::string bytes, std::size_t window, bool throws)
         : bytes_(std::move(bytes)), window_(window), throws_(throws) {}
 
-    /// How many bytes have been taken.
+    /// The number of bytes read.
     std::size_t taken() const { return given_ - static_cast<std::size_t>(egptr() - gptr()); }
 
 protected:
@@ -45,7 +46,7 @@ private:
     std::size_t given_ = 0;
 };
 
-/// Writes one value by one of the root's two functions.
+/// Returns a function that writes the value with `write`.
 auto writing(void (*write)(void const*, std::ostream&), Object const& value) {
     return [write, &value](std::ostream& stream) { write(value.get(), stream); };
 }
@@ -71,7 +72,7 @@ TEST(PlainStreams, AreWrittenAlike) {
     }
 }
 
-/// Longer than what is held back, with the end of the stream anywhere.
+/// Values larger than the writer's buffer, with the end of the stream at any offset.
 TEST(PlainStreams, AreWrittenAlikeWhenLong) {
     std::mt19937_64 engine(seed() + 3);
     for (Root const& root : roots()) {
@@ -114,7 +115,8 @@ Read read(Root const& root, void (*read)(void*, std::istream&), Giver& buffer, s
     return result;
 }
 
-/// Not damaged: a failed read takes the word before it for a length, of any size.
+/// The bytes are not damaged, because after a failed read any previous word would be used as a
+/// length.
 TEST(PlainStreams, AreReadAlike) {
     std::mt19937_64 engine(seed() + 1);
     for (Root const& root : roots()) {
@@ -138,7 +140,7 @@ TEST(PlainStreams, AreReadAlike) {
     }
 }
 
-/// Of the roots of fixed size, which a failed read can do no harm.
+/// Only roots of fixed size, for which a failed read is harmless.
 TEST(PlainStreams, ThatFailAreReadAlike) {
     std::mt19937_64 engine(seed() + 2);
     for (Root const& root : roots()) {

@@ -40,8 +40,9 @@ long Shortage::asked() const noexcept { return asked_for; }
 
 }  // namespace allocations
 
-// Those for arrays as well: a sanitizer's own would not call the others. Not inlined: the compiler
-// would take malloc() and `delete` for a mismatched pair.
+// The functions for arrays are replaced as well, because those of a sanitizer would not call the
+// others. Not inlined: otherwise the compiler would report malloc() and `delete` as a mismatched
+// pair.
 [[gnu::noinline]] void* operator new(std::size_t size) { return allocate(size); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return allocate(size); }
 [[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {

@@ -1,5 +1,6 @@
 #pragma once
-// Values to bytes and back in tests: hex literals cut at field boundaries, and all four archives.
+// Writes and reads values in tests: with hex literals cut at field boundaries, through all four
+// archives.
 
 #include <sml/core/archives.hpp>
 #include <sml/core/transfer.hpp>
@@ -13,7 +14,7 @@
 
 namespace wire {
 
-/// The bytes of a hex literal; blanks between bytes are free. `'` quotes text: "'abc' 00".
+/// The bytes of a hex literal. Blanks between bytes are ignored. `'` quotes text: "'abc' 00".
 inline std::string bytes(std::string_view hex) {
     std::string result;
     auto        digit = [](char c) -> int {
@@ -37,7 +38,7 @@ inline std::string bytes(std::string_view hex) {
     return result;
 }
 
-/// Bytes as a person compares them.
+/// The bytes in hex, for comparisons and messages.
 inline std::string hex(std::string_view bytes) {
     constexpr char digits[] = "0123456789ABCDEF";
     std::string    result;
@@ -68,7 +69,7 @@ std::string write_to_stream(T const& value) {
     return stream.str();
 }
 
-/// Reads over `value`; gives how many bytes were taken.
+/// Reads the bytes over `value` and returns how many were read.
 template <class T>
 std::size_t read_over(T& value, std::string const& bytes) {
     sml::StringIArchive archive(bytes.data());
@@ -83,7 +84,7 @@ void read_over_from_stream(T& value, std::istream& stream) {
     archive.finish();
 }
 
-/// Reads a fresh value that must take all the bytes.
+/// Reads the bytes into a fresh value, and expects that all of them are read.
 template <class T>
 T read(std::string const& bytes) {
     T value{};
@@ -91,7 +92,8 @@ T read(std::string const& bytes) {
     return value;
 }
 
-/// Reads a fresh value through the stream archive; it must take all the bytes and no more.
+/// Reads the bytes into a fresh value through the stream archive, and expects that all of them are
+/// read and nothing after them.
 template <class T>
 T read_from_stream(std::string const& bytes) {
     std::istringstream stream(bytes + "x");
@@ -101,8 +103,8 @@ T read_from_stream(std::string const& bytes) {
     return value;
 }
 
-/// `value` goes out as these bytes through both writers, and the bytes come back through both
-/// readers as a value that goes out the same.
+/// Expects that both writers write `value` as these bytes, and that both readers read them as a
+/// value that is written as the same bytes.
 template <class T>
 void expect(T const& value, std::string_view hex_bytes) {
     std::string const expected = bytes(hex_bytes);

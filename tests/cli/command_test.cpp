@@ -18,7 +18,7 @@ bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-// One line on standard error, nothing on standard output.
+// Expects one line on standard error and nothing on standard output.
 void expect_refused(Outcome const& outcome, int code, std::string const& line) {
     EXPECT_EQ(outcome.code, code);
     EXPECT_EQ(outcome.err, "bradep: " + line + "\n");
@@ -325,7 +325,7 @@ TEST(Show, EmptyShortAndLongFilesAreDamaged) {
                 "expected at least 4 bytes, found 3");
     refused(bytes + "x", "can't be read as a result set: byte " + std::to_string(size) +
                              ": expected the end of the bytes, found 1 more bytes");
-    // Which count does not fit depends on the order of the tables.
+    // The order of hash tables determines which count exceeds the bytes.
     write_bytes(file, bytes.substr(0, size / 2));
     auto const half = run_command({"show", file});
     EXPECT_EQ(half.code, 1);

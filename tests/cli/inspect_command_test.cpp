@@ -23,11 +23,11 @@ bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// {"b": {"z", "a"}, "a": {}}
 std::string word(std::int32_t value) {
     return {reinterpret_cast<char const*>(&value), sizeof value};
 }
 
+/// The bytes of {"b": {"z", "a"}, "a": {}}.
 std::string two_sets() {
     return hex::bytes(
         "02 00 00 00  FF FF FF FF 01 00 00 00 'b'  02 00 00 00"
@@ -90,7 +90,7 @@ TEST(VerifyCommand, UnsafeBytesAreCodeOne) {
 
 constexpr char const* pragmas = "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList";
 
-/// What is printed of the flag in the element of a list of such parameters.
+/// The finding about the flag in the element with this index of a list of such parameters.
 std::string odd_flag(std::size_t index) {
     return "bradep: standard input: byte " + std::to_string(8 + 5 * index) + " at [" +
            std::to_string(index) + "].BOOL_PRAGMA_PARAMETER: expected T or F, found 'x' (odd)\n";
@@ -223,7 +223,7 @@ TEST(VerifyCommand, JsonTextIsCalledSo) {
         << packed.err;
 }
 
-/// More than a stream holds back, so that not only the last flush fails.
+/// More bytes than the stream's buffer holds, so that not only the last flush fails.
 TEST(FullStandardOutput, ReportsTheReasonWhateverTheCommand) {
     Scratch const scratch;
     std::string   results = "{}";
@@ -269,7 +269,7 @@ TEST(VerifyCommand, AFileThatTakesTooMuchMemoryHindersNoOther) {
     EXPECT_TRUE(outcome.out.starts_with(good + ": good\n")) << outcome.out;
 }
 
-// The count of a set can look like text of wide characters.
+// The count of a set can look like the start of UTF-16 or UTF-32 text.
 TEST(VerifyCommand, ACountIsNoText) {
     for (std::int32_t const count : {123, 123 << 8}) {
         auto const err = run_command({"show", "-"}, word(count) + word(0)).err;
@@ -518,7 +518,8 @@ TEST(EncodeCommand, TroubleIsCodeTwo) {
 
 TEST(IdentifyCommand, PrintsTheRootsThatFitGoodOnesFirst) {
     expect_outcome(run_command({"identify", "-"}, "T"), 0, "Answers_Answer\nAnswers_Context\n", "");
-    // Good as a reference; odd as a table, which stands before them among the roots.
+    // The bytes are good as a reference and odd as a map, whose root comes first in the list of
+    // roots.
     expect_outcome(
         run_command({"identify", "-"}, hex::bytes("01 00 00 00  05 00 00 00  00 00 00 00")), 0,
         "Interrogators_AnswerRef\nInterrogators_ContextRef\nInterrogators_FunctionRef\n"
@@ -633,7 +634,8 @@ TEST(SchemaCommand, DiffWithNoSchemaIsCodeOne) {
     EXPECT_EQ(run_command({"schema", "--diff", "-", "--root", sets}, "{}").code, 2);
 }
 
-/// The schema with one more root, of a type that is nested so deep.
+/// The outcome of `schema --diff` with an old schema that has one more root, whose type is deeply
+/// nested.
 Outcome diff_with_nested_type(std::string const& kind, std::string const& innermost) {
     constexpr int depth = 990;  // of the 1000 that the parser allows
     std::string   type;
@@ -705,7 +707,7 @@ TEST(Limits, EachMakesBytesUnsafe) {
              {"--max-elements", "--max-text", "--max-memory", "--findings"})
             EXPECT_EQ(code(option, amount), 2) << option << ' ' << amount;
     EXPECT_EQ(code("--max-elements", "999999999999999999"),
-              0);  // no suffix takes it beyond 64 bits
+              0);  // 18 digits fit into 64 bits; there is no suffix
     EXPECT_EQ(code("--max-elements", "1000000000000000000"), 2);
 }
 
@@ -748,7 +750,7 @@ TEST(InspectCommand, HelpListsTheOptionsAndExitCodes) {
           Help{"digest", "--root"}, Help{"schema", "--diff"},
           Help{"roots", "List the root types"}}) {
         auto const outcome = run_command({help.command, "--help"});
-        // Told once, on a line of its own.
+        // Printed once, on a line of its own.
         std::size_t const codes = outcome.out.find("\nExit codes: 0 done");
         EXPECT_NE(codes, std::string::npos) << outcome.out;
         EXPECT_EQ(outcome.out.find("Exit codes:"), codes + 1) << outcome.out;
@@ -759,7 +761,7 @@ TEST(InspectCommand, HelpListsTheOptionsAndExitCodes) {
     }
 }
 
-/// The logs that import can be tried on.
+/// The logs that the tests of import can read: the fixtures and those in BRADEP_SARIF_DIRS.
 std::vector<fs::path> logs_in_reach() {
     std::vector<fs::path> logs = sound_logs();
     char const* const     directories = std::getenv("BRADEP_SARIF_DIRS");
@@ -825,7 +827,8 @@ TEST(CommaLocale, ChangesNoVerdictNoDumpAndNoEncoding) {
         << with_comma.err;
 }
 
-// What a process with a decimal comma writes, is read, shown and made canonical when that is said.
+// Bytes of a process with a decimal comma are read, shown and made canonical if --decimal-point
+// says so.
 TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
     std::string const stem = "Application_Results_Application_Results";
     std::string const with_dot = numbers();
@@ -850,7 +853,7 @@ TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
     auto const digest = run_command({"digest", "--root", stem, "-"}, with_dot);
     EXPECT_EQ(run("digest", with_comma).out, digest.out);
     EXPECT_EQ(digest.code, 0) << digest.err;
-    // And each is odd, or has no canonical form, where --comma is not given.
+    // Without the right --decimal-point, the bytes are odd or have no canonical form.
     EXPECT_TRUE(contains(run_command({"verify", "--root", stem, "-"}, with_comma).err, "(odd)"));
     EXPECT_EQ(run_command({"digest", "--root", stem, "-"}, with_comma).code, 1);
     EXPECT_TRUE(contains(run("verify", with_dot).err, R"(where the decimal point is ".")"));
@@ -884,7 +887,7 @@ TEST(CommaLocale, ADecimalPointIsNoDigitLetterOrSign) {
         EXPECT_EQ(run_command({"verify", "--decimal-point", point, "-"}, "").code, 2) << point;
 }
 
-/// A set of strings under one key: 20,000 references to ids that were never defined.
+/// A map with a set of strings for one key: 20,000 back-references to ids without a definition.
 std::string unknown_ids() {
     std::string bytes = hex::bytes("01 00 00 00  FF FF FF FF 01 00 00 00 'k'");
     auto const  put = [&](std::int32_t word) {

@@ -202,7 +202,7 @@ struct Damage {
     char const* complaint;
 };
 
-// Every damaged fixture with what is said of it, place first.
+// Every damaged fixture with its message, which starts with the place.
 constexpr Damage damages[] = {
     {"bad-array.sarif", "1:1: not SARIF: the document is no object"},
     {"bad-artifact-index.sarif",
@@ -318,7 +318,7 @@ TEST(SarifReader, OtherEncodingsAreNamedWhereTheyAreEasyToSee) {
     EXPECT_EQ(complaint_about("{\"a\": x \"\xE4\""), "log:1:7: not JSON: syntax error");
 }
 
-// Longer than what the parser is given at once.
+// Longer than the pieces that the parser gets.
 TEST(SarifReader, LongLogsAreReadLikeShortOnes) {
     std::string const blanks(3 << 20, ' ');
     auto const log = log_with(R"({"message": {"text": ")" + std::string(3 << 20, 'm') + "\"}}");

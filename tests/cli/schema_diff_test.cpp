@@ -13,7 +13,7 @@ using bradep::breaking_changes;
 using bradep::changed_roots;
 using Lines = std::vector<std::string>;
 
-/// A schema of one root R of this type, with these definitions; all in JSON.
+/// A schema with one root R of this type and with these definitions, all in JSON.
 json::value schema(std::string const& type, std::string const& types = "",
                    std::string const& digest = "d") {
     return json::parse(R"({"roots": [{"stem": "R", "type": )" + type + R"(, "digest": ")" + digest +
@@ -24,7 +24,7 @@ Lines changes(std::string const& old, std::string const& now) {
     return breaking_changes(schema(old), schema(now));
 }
 
-/// Of a root of the type X, which is defined so.
+/// The changes of a root of type X between these two definitions of X.
 Lines changes_of_x(std::string const& old, std::string const& now) {
     return breaking_changes(schema(R"("X")", R"("X": )" + old), schema(R"("X")", R"("X": )" + now));
 }
@@ -183,7 +183,7 @@ TEST(SchemaDiff, EachTypeIsReportedOnceAndRecursionEnds) {
               Lines{"X: the field c is gone"});
 }
 
-/// This many containers around the type.
+/// The type inside `depth` containers.
 std::string nested(std::size_t depth, std::string const& kind, std::string const& type) {
     std::string text;
     for (std::size_t i = 0; i < depth; ++i) text += "{\"" + kind + "\":";
@@ -207,7 +207,7 @@ TEST(SchemaDiff, ChainOfTypesMayBeAsLongAsTheSchema) {
 }
 
 TEST(SchemaDiff, TypesInsideOneAnotherAreSpelledWhole) {
-    constexpr std::size_t depth = 25;  // what this parser allows besides the schema's own
+    constexpr std::size_t depth = 25;  // what this parser allows beyond the schema itself
     auto const            deep = nested(depth, "list", R"("int32")");
     std::string           spelled = "int32";
     for (std::size_t i = 0; i < depth; ++i) spelled = "list<" + spelled + ">";

@@ -39,7 +39,7 @@ T_Function function(std::string const& key) {
     return result;
 }
 
-/// Takes bytes and counts what else is asked of it.
+/// A buffer that takes bytes and counts all other calls.
 class CountingSink : public std::streambuf {
 public:
     std::string bytes;
@@ -127,7 +127,7 @@ TEST(Calls, TwoObjectsInOneStreamHaveIdsOfTheirOwn) {
     EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(2 * size));
 }
 
-// A reference of the second object does not reach the first one's strings.
+// A back-reference in the second object does not find a string of the first.
 TEST(Calls, SecondObjectOfAStreamSeesNoStringOfTheFirst) {
     std::stringstream stream;
     sml::Interrogators_Function_toStream(function("calls: first"), stream);
@@ -201,7 +201,7 @@ TEST(Calls, KeepNoStringBeyondTheObject) {
     EXPECT_EQ(string_table::size(), before);
 }
 
-/// What a call threw.
+/// The text of the std::length_error that a call throws.
 template <class Call>
 std::string length_error_of(Call&& call) {
     try {
@@ -229,7 +229,7 @@ TEST(Exceptions, PassThroughAllReadingFunctions) {
               }),
               expected);
 
-    // What was read stays, and the archive lets go of it.
+    // The strings that were read remain, and the archive has no handles to them.
     EXPECT_EQ(value.key.str(), "seen");
     EXPECT_EQ(count_of("seen"), 1u);
     value = T_Function();
@@ -292,7 +292,7 @@ TEST(Exceptions, LeaveTheNextCallAsIfNothingHadBeen) {
     EXPECT_TRUE(fresh == function("calls: afterwards"));
 }
 
-// Nothing tests the pointer.
+// The pointer is not checked.
 TEST(CallsDeathTest, NullBytesAreDereferenced) {
     std::int64_t number = 0;
     EXPECT_DEATH(Integers64_T_toCxx(&number, nullptr), "");
@@ -300,7 +300,7 @@ TEST(CallsDeathTest, NullBytesAreDereferenced) {
     EXPECT_DEATH(sml::deserializeSmlData(number, nullptr), "");
 }
 
-/// The result that is handed out and the one before it change places with each call.
+/// Each call swaps the result that is returned and the previous one.
 TEST(FromCxx, SmallResultsGiveBackTheMemoryOfLargeOnes) {
     constexpr std::size_t large = std::size_t{16} << 20;
     for (int i = 0; i < 2; ++i)

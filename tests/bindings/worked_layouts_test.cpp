@@ -25,7 +25,7 @@ using StringSets = std::unordered_map<Strings_T, StringSet>;
 using InfoIds = std::unordered_map<std::pair<Strings_T, std::int32_t>, std::int32_t,
                                    sml::Hash<std::pair<Strings_T, std::int32_t>>>;
 
-/// All writers give these bytes, and all readers an equal object.
+/// Expects that all writers write these bytes and that all readers read an equal object.
 template <class T>
 void expect_bytes(Family<T> const& family, T const& value, std::string_view hex) {
     std::string const expected = wire::bytes(hex);

@@ -24,7 +24,7 @@ namespace {
 
 BigInteger power_of_two(unsigned exponent) { return BigInteger(1) << exponent; }
 
-/// What is held after a block with this text was read over 5.
+/// The value after a block with this text was read over 5.
 BigInteger read_over_five(std::string_view text) {
     BigInteger value = 5;
     EXPECT_EQ(wire::read_over(value, wire::write(std::string(text))), 4 + text.size());
@@ -91,7 +91,8 @@ TEST(BigInteger, BlockThatEndsEarlyIsCutThere) {
     EXPECT_TRUE(value == 0x1f);
 }
 
-// AddressSanitizer's allocator ends the process where the standard one throws.
+// The allocator of AddressSanitizer ends the process if a size is impossible; the standard one
+// throws.
 #if !defined(__SANITIZE_ADDRESS__) && !HAS_FEATURE(address_sanitizer)
 TEST(BigInteger, LengthBelowMinusOneIsRefusedByTheAllocator) {
     BigInteger value = 5;

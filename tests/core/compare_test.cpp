@@ -29,7 +29,7 @@ using sml::uint64;
 using sml::BlockKind::T_BlockKind;
 using sml::core::Comparison;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace compare_test {
 
 /// A record with fields around a list.
@@ -50,7 +50,7 @@ using compare_test::Record;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// Parts compared field by field.
+/// Parts that are compared field by field.
 struct Parts {
     double first{};
     double second{};
@@ -58,7 +58,7 @@ struct Parts {
     SML_FIELDS(Parts, first, second);
 };
 
-/// The same, told with `<` alone.
+/// The same, compared by `<` alone.
 struct Group {
     double first{};
     double second{};
@@ -67,7 +67,7 @@ struct Group {
     SML_FIELDS(Group, first, second);
 };
 
-/// Told with `<` alone, what it holds too.
+/// Compared by `<` alone, and so are its parts.
 struct DeepGroup {
     std::optional<std::pair<double, double>> bounds;
     std::list<double>                        values;
@@ -145,7 +145,7 @@ TEST(Comparison, PairComparesFirstThenSecond) {
     EXPECT_EQ(both_ways(Pair(1, 1), Pair(1, 1)), neither);
 }
 
-// Equality of the first decides, not `<` in the other direction.
+// The first parts are compared by equality, not by `<` in the other direction.
 TEST(Comparison, PairEndsAtAnUnequalFirst) {
     using Pair = std::pair<double, double>;
     EXPECT_EQ(both_ways(Pair(nan, 1), Pair(nan, 2)), neither);
@@ -248,14 +248,14 @@ TEST(Comparison, ValuesOfAHashedTableDecideInTheLeftTablesOrder) {
     EXPECT_EQ(both_ways(a, b), neither);
     EXPECT_TRUE(Comparison::equal(a, b));
 
-    // Less at the entry that `a` meets first, greater at the other.
+    // Less at the first entry in the order of `a`, greater at the other.
     int32 const first = a.begin()->first;
     a[first] = 1;
     b[first] = 2;
     a[3 - first] = 9;
     EXPECT_TRUE(Comparison::less(a, b));
 
-    // Greater at the first: the walk stops there.
+    // Greater at the first entry, which ends the comparison.
     a[first] = 3;
     a[3 - first] = -9;
     EXPECT_FALSE(Comparison::less(a, b));
@@ -263,7 +263,7 @@ TEST(Comparison, ValuesOfAHashedTableDecideInTheLeftTablesOrder) {
 
 TEST(Comparison, HashedTableWalksItsOwnOrderNotThatOfTheOther) {
     using Map = std::unordered_map<int32, int32>;
-    // Inserted one way and the other, so that the tables iterate differently.
+    // The entries are inserted in different orders, so that the maps iterate differently.
     Map a;
     Map b;
     for (int32 const key : {1, 2}) a[key] = key;
@@ -346,12 +346,12 @@ TEST(Comparison, RecordIsLexicographicOverItsFields) {
 }
 
 TEST(Comparison, ContainerIsAskedForEqualityAfterItsWalk) {
-    // Neither less nor greater, and unequal: the next field is not reached.
+    // The first list is neither less nor greater, and unequal: the next field is not compared.
     EXPECT_EQ(both_ways(Record{1, {nan}, 1}, Record{1, {nan}, 2}), neither);
     EXPECT_EQ(both_ways(Record{1, {nan}, 1}, Record{1, {5}, 2}), neither);
-    // Unequal at first, but an element behind it decides.
+    // The first element is unequal, but a later one decides.
     EXPECT_EQ(both_ways(Record{1, {nan, 3}, 9}, Record{1, {nan, 4}, 0}), lesser);
-    // Equal, though not the same.
+    // The first fields are equal, though not identical.
     EXPECT_EQ(both_ways(Record{1, {0.0}, 1}, Record{1, {-0.0}, 2}), lesser);
 }
 

@@ -32,13 +32,13 @@ using LastWinsHashed =
 
 using StringSets = std::unordered_map<Strings_T, std::unordered_set<Strings_T>>;
 
-/// One list each for key 1, twice.
+/// A map that has key 1 twice, each time with one list.
 constexpr char const* key_one_twice =
     "02 00 00 00"
     "01 00 00 00  01 00 00 00  0A 00 00 00"
     "01 00 00 00  01 00 00 00  0B 00 00 00";
 
-/// A text whose length is negative: reading it throws.
+/// A text with a negative length: reading it throws.
 constexpr char const* unreadable_text = "FF FF FF FF";
 
 TEST(Containers, ReadingAppendsToAList) {
@@ -109,7 +109,7 @@ TEST(Containers, LastWinsMapReadsOverWhatItHeldBefore) {
     EXPECT_EQ(map.at(1), (std::list<int32>{9, 10, 11}));
 }
 
-// Doubles tell which of two equal keys is held: the zeros differ in their sign.
+// With doubles one can see which of two equal keys is kept: the zeros differ in their sign.
 TEST(Containers, FirstKeyObjectStaysInBothMapForms) {
     std::string const bytes = wire::bytes(
         "02 00 00 00"
@@ -198,7 +198,7 @@ TEST(Containers, EntryWhoseReadingThrowsIsNotLeftInATable) {
     EXPECT_EQ(hashed, (std::unordered_map<int32, std::string>{{0, "held"}, {1, "a"}}));
 }
 
-// There the entry is made before its value is read.
+// In these maps the entry is added before its value is read.
 TEST(Containers, EntryWhoseReadingThrowsStaysInALastWinsMap) {
     LastWinsMap<int32, std::string> map;
     EXPECT_THROW(wire::read_over(
@@ -209,7 +209,7 @@ TEST(Containers, EntryWhoseReadingThrowsStaysInALastWinsMap) {
 }
 
 TEST(Containers, NegativeCountIsAnUnsignedOne) {
-    // A list of texts ends at the one that can't be read.
+    // The list ends at the text that can't be read.
     std::string bytes = wire::bytes("FF FF FF FF");
     for (int i = 0; i < 1000; ++i) bytes += wire::bytes("01 00 00 00 'x'");
     bytes += wire::bytes(unreadable_text);

@@ -19,7 +19,7 @@ constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 /// The bytes of a block with this text.
 std::string block(std::string_view text) { return wire::write(std::string(text)); }
 
-/// What both readers make of a text.
+/// The value that both readers read from a text.
 double read(std::string_view text) {
     double const value = wire::read<double>(block(text));
     double const from_stream = wire::read_from_stream<double>(block(text));

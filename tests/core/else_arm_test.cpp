@@ -11,10 +11,10 @@
 
 using sml::int32;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace else_arm_test {
 
-/// A variant whose last arm takes every remaining tag.
+/// A variant whose last arm is a catch-all arm.
 struct Rest {
     // clang-format off
     using arms = sml::core::Arms<
@@ -26,7 +26,7 @@ struct Rest {
 };
 SML_DEFINE_VARIANT(Rest);
 
-/// One that takes every tag.
+/// A variant whose only arm is a catch-all arm.
 struct Everything {
     using arms = sml::core::Arms<sml::core::ElseArm<"ONLY", std::list<int32>>>;
     SML_VARIANT(Everything);
@@ -48,7 +48,7 @@ Rest with_tag(std::int32_t tag) {
     return value;
 }
 
-/// One of the remaining tags with a number in its payload.
+/// A value with a tag that the catch-all arm serves, and a number in its payload.
 Rest with_number(std::int32_t tag, int32 number) {
     Rest value = with_tag(tag);
     value.arm<"OTHER">().number = number;
@@ -63,7 +63,7 @@ void read_over(Rest& value, std::string const& bytes) {
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
 }
 
-/// The payload's list behind a tag, as bytes that read one more element into it.
+/// Bytes of the tag and a payload whose list has one element, which reading over a value appends.
 std::string one_more(std::int32_t tag, int32 element) {
     return wire::write(tag) + wire::bytes("00 00 00 00  01 00 00 00") + wire::write(element);
 }

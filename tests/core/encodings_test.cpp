@@ -174,7 +174,7 @@ TEST(Archives, ArePlainClasses) {
     static_assert(!std::is_same_v<sml::StreamIArchive, sml::StringIArchive>);
 }
 
-/// The table of ids grows from 64 places on, whenever half of them are taken.
+/// The hash table of ids starts with 64 places and grows when half of them are used.
 TEST(Archives, KnowEveryStringAroundEachGrowthOfTheirIds) {
     for (std::int32_t const most : {31, 32, 33, 34, 63, 64, 65, 127, 128, 129, 1000}) {
         SCOPED_TRACE(most);

@@ -20,7 +20,7 @@ using zelvanite::IEEE754Float;
 
 namespace {
 
-/// What a width stands for.
+/// The format of a width.
 struct Format {
     std::uint64_t width;
     long          emin;
@@ -36,19 +36,19 @@ using Range = std::pair<long, long>;
 /// MPFR's process-wide exponent range.
 Range range() { return {mpfr_get_emin(), mpfr_get_emax()}; }
 
-/// Makes the range one that no format has.
+/// Sets a range that no format has.
 void disturb_range() {
     mpfr_set_emin(-12345);
     mpfr_set_emax(12345);
 }
 
-/// A range that any value of a test fits in.
+/// Sets a range in which every value of the tests can be represented.
 void widen_range() {
     mpfr_set_emin(-20000);
     mpfr_set_emax(20000);
 }
 
-/// A value of a format; the text may be any that MPFR reads.
+/// A value with the format of this width. MPFR must be able to parse the text.
 IEEE754Float make(std::uint64_t width, std::string const& text) {
     IEEE754Float result;
     for (Format const& format : formats)
@@ -59,7 +59,7 @@ IEEE754Float make(std::uint64_t width, std::string const& text) {
     return result;
 }
 
-/// 1.5 with a width that stands for no format.
+/// 1.5 with a width that has no format.
 IEEE754Float unlisted(std::uint64_t width) {
     IEEE754Float result = make(64, "1.8");
     result.width = width;
@@ -76,7 +76,7 @@ IEEE754Float read(std::uint64_t width, std::string_view text) {
     return wire::read<IEEE754Float>(bytes_of(width, text));
 }
 
-/// The text that goes out for a value.
+/// The text that is written for a value.
 std::string text_of(IEEE754Float const& value) {
     std::string const bytes = wire::write(value);
     return bytes.substr(4, bytes.size() - 8);
@@ -106,7 +106,7 @@ TEST(Float, IsHexTextAndItsWidth) {
                  "1B 00 00 00 '0X1.00000000000000000001P+0'  80 00 00 00");
 }
 
-/// 1 and so many hexadecimal digits behind the point.
+/// 1 with `digits` hexadecimal digits after the point.
 IEEE754Float with_digits(std::size_t digits) {
     IEEE754Float result;
     mpfr_set_prec(result.number(), static_cast<mpfr_prec_t>(4 * digits + 4));
@@ -238,7 +238,7 @@ TEST(Float, UnlistedWidthStillWritesItsTextAndItsWord) {
               wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  41 00 00 00")));
 }
 
-// Only the low half of the word stands for 64 bits.
+// Only the low half of the word is 64.
 TEST(Float, WidthGoesOutAsItsLowHalf) {
     wire::write(unlisted(0x1'0000'0040));
     EXPECT_EQ(range(), Range(2, 1));
@@ -246,7 +246,7 @@ TEST(Float, WidthGoesOutAsItsLowHalf) {
               wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  40 00 00 00")));
 }
 
-// A mantissa of 0 bits ends the process in MPFR: nothing in between may prevent that.
+// A mantissa of 0 bits makes MPFR abort. No check may prevent that.
 TEST(FloatDeathTest, CopyOfAnUnlistedWidthAborts) {
     IEEE754Float const value = unlisted(7);
     EXPECT_EXIT(IEEE754Float copy(value), testing::KilledBySignal(SIGABRT), "assertion failed");
@@ -341,7 +341,7 @@ TEST(Float, CopyCarriesWidthMantissaAndValue) {
     }
 }
 
-// A value that was put together by hand: 53 bits under a width that stands for 24.
+// A value made by hand: 53 bits with a width whose format has 24.
 TEST(Float, CopyRoundsToTheMantissaOfItsWidth) {
     IEEE754Float value = make(64, "1.000003");
     value.width = 32;

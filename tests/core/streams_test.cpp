@@ -24,7 +24,8 @@ using sml::Strings_T;
 
 namespace {
 
-/// Gives its bytes one at a time, can't seek, and tells when more is asked for than it has.
+/// A buffer that supplies one byte at a time, can't seek, and records whether more bytes were
+/// requested than it has.
 class Trickle : public std::streambuf {
 public:
     explicit Trickle(std::string bytes) : bytes_(std::move(bytes)) {}
@@ -49,7 +50,7 @@ private:
     bool        asked_for_more_ = false;
 };
 
-/// Takes so many bytes and no more; counts how often it is told to flush or to seek.
+/// A buffer that takes `room` bytes. It counts the calls to flush and to seek.
 class Sink : public std::streambuf {
 public:
     explicit Sink(std::size_t room = 1000) : room_(room) {}
@@ -77,7 +78,7 @@ private:
     std::size_t room_;
 };
 
-/// Holds all of its bytes, but gives no block from one place on.
+/// A buffer that has all its bytes in memory, but supplies no block after offset `most`.
 class Unready : public std::streambuf {
 public:
     Unready(std::string bytes, std::ptrdiff_t most) : bytes_(std::move(bytes)), most_(most) {
@@ -100,14 +101,14 @@ struct BrokenLine : std::runtime_error {
     BrokenLine() : std::runtime_error("the line broke") {}
 };
 
-/// Throws at the first byte in either direction.
+/// Throws when the first byte is read or written.
 class Broken : public std::streambuf {
 protected:
     int_type overflow(int_type) override { throw BrokenLine(); }
     int_type underflow() override { throw BrokenLine(); }
 };
 
-/// One of everything that is read in a way of its own.
+/// One value of each type with its own way of being read.
 using Everything = std::tuple<Strings_T, std::list<int32>, std::optional<bool>, std::string,
                               sml::BigInteger, zelvanite::IEEE754Float, double, Strings_T, int64>;
 
@@ -184,7 +185,7 @@ TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
     EXPECT_EQ(sink.seeks, 0);
 }
 
-/// A word, a flag, an integer of two items, a float of three, and a string of three.
+/// Ten items: a word, a flag, an integer of two items, a float of three, and a string of three.
 std::tuple<int32, bool, sml::BigInteger, zelvanite::IEEE754Float, Strings_T> ten_items() {
     return {7, true, sml::BigInteger(255), {}, Strings_T("streams: an item")};
 }
@@ -359,8 +360,8 @@ TEST(StreamReader, TakesNothingFromAStreamThatHasFailedBefore) {
     EXPECT_EQ(stream.tellg(), 0);
 }
 
-/// The word is read once more when the object ends; flags behind it that the stream would not have
-/// got to stay in the buffer.
+/// The word is read again when the object ends. Flags after it, which the stream would not have
+/// reached, stay in the buffer.
 TEST(StreamReader, LeavesTheFlagsBehindAnItemThatFails) {
     using Values = std::tuple<int32, int32, bool, bool>;
     Unready      buffer(wire::write(Values(7, 8, true, true)), sizeof(int32));
@@ -399,7 +400,7 @@ TEST(StreamReader, StringOfAnEmptyStreamIsEmpty) {
 }
 
 TEST(StreamReader, LengthThatFailsIsTheWordBefore) {
-    // The first sight's own word -1 is taken for the length.
+    // The read of the length fails, so the definition's word -1 is used as the length.
     std::istringstream stream(wire::bytes("FF FF FF FF"));
     Strings_T          handle;
     EXPECT_THROW(wire::read_over_from_stream(handle, stream), std::length_error);

@@ -25,9 +25,9 @@ namespace {
 using Two = std::pair<Strings_T, Strings_T>;
 using Three = std::tuple<Strings_T, Strings_T, Strings_T>;
 
-/// The texts that both readers make of the bytes.
+/// The texts that both readers read from the bytes.
 std::list<std::string> texts(std::size_t count, std::string const& hex) {
-    // The texts follow a count, as a list has it.
+    // The bytes of a list: a count, then the texts.
     std::string const bytes = wire::write(static_cast<int32>(count)) + wire::bytes(hex);
 
     std::list<std::string> result;
@@ -162,7 +162,7 @@ TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
     EXPECT_EQ(entry_of("references: emptied"), nullptr);
 }
 
-// A caller's stream can look at the counts while it is read.
+// A caller's stream buffer can look at the counts of handles during the read.
 TEST(StringReference, ReaderOfAStreamIsExactAtEveryMoment) {
     Strings_T first;
     Strings_T second;
@@ -212,7 +212,7 @@ TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
     EXPECT_EQ(count_of("kept"), 1u);
 }
 
-/// Of an entry that is dropped for its key.
+/// The handles of an entry with a repeated key, which is dropped.
 TEST(StringReference, HandlesThatGoWhileBytesAreReadAreCounted) {
     std::map<int32, Strings_T> map;
     wire::read_over(map, wire::bytes("03 00 00 00"
@@ -238,7 +238,8 @@ TEST(StringReference, CountsAreExactWhenReadingThrows) {
 }
 
 TEST(StringReference, CountsAreExactForAllIds) {
-    // Of one text twice, in turn; of an empty one; out of turn; never given.
+    // Definitions: of one text twice, in sequence; of the empty text; out of sequence; and a
+    // back-reference without one.
     auto const list =
         wire::read<std::list<Strings_T>>(wire::bytes("0A 00 00 00"
                                                      "FF FF FF FF  01 00 00 00 'a'  01 00 00 00"
@@ -266,7 +267,7 @@ TEST(StringReference, ReferenceReadOverAnother) {
     EXPECT_EQ(entry_of("two"), nullptr);
 }
 
-/// Each pins it; so many would take the count around to where it was.
+/// Each id keeps a handle to the text. With so many, a narrow count would wrap around.
 TEST(StringReference, OneTextUnderVeryManyIds) {
     constexpr int32 ids = 65'536;
     std::string     bytes = wire::write(ids + 1);
@@ -337,7 +338,7 @@ TEST(StringReference, WriterPinsItsStringsUntilItEnds) {
         handle = Strings_T();
         EXPECT_EQ(count_of("references: written"), 1u);
 
-        // Interned anew it is still the string of id 1.
+        // Interned again, it is still the string with id 1.
         sml::core::Writer{archive}(Strings_T("references: written"));
         archive.finish();
         EXPECT_TRUE(bytes.ends_with(wire::bytes("01 00 00 00")));

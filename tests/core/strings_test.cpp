@@ -21,7 +21,7 @@ using string_table::entry_of;
 
 namespace {
 
-/// Takes a text that no handle refers to any more out of the table.
+/// Removes the entry of a text, which must have no handles.
 void forget(std::string const& text) { Strings_T::fAllStrings.erase(*entry_of(text)); }
 
 TEST(Strings, HandleIsOneWord) {
@@ -127,8 +127,8 @@ TEST(Strings, HashOfTheNullHandleIsZero) {
     EXPECT_NE(std::hash<std::string>{}(""), 0u);
 }
 
-// Texts in ascending and in descending order: however addresses run, one half disagrees with the
-// alphabet.
+// Texts in ascending and in descending order: whichever way addresses run, one half is not
+// alphabetical.
 TEST(Strings, OrderIsThatOfTheAddressesAndNotTheAlphabet) {
     std::vector<Strings_T> handles;
     for (int i = 0; i < 50; ++i) handles.emplace_back("strings: up " + std::to_string(100 + i));

@@ -22,10 +22,10 @@ using sml::Strings_T;
 using sml::Atomicity_Condition::T_Atomicity_Condition;
 using sml::IL::T_Info_Expr;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace variant_test {
 
-/// A variant that leaves unknown tags bare.
+/// A variant in which unknown tags have no payload.
 struct Choice {
     // clang-format off
     using arms = sml::core::Arms<
@@ -70,7 +70,7 @@ void read_over(V& value, std::string_view hex) {
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
 }
 
-/// Neither less than the other, and unequal.
+/// Expects that neither is less than the other and that they are unequal.
 template <class V>
 void expect_unrelated(V const& a, V const& b) {
     EXPECT_FALSE(a == b);
@@ -79,7 +79,7 @@ void expect_unrelated(V const& a, V const& b) {
     EXPECT_FALSE(b < a);
 }
 
-/// Each less than the other, and equal.
+/// Expects that each is less than the other and that they are equal.
 template <class V>
 void expect_equal_and_less(V const& a, V const& b) {
     EXPECT_TRUE(a == b);

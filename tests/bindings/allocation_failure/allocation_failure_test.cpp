@@ -1,5 +1,5 @@
-// What memory that runs out leaves behind: nothing that is half alive, lost or still counted.
-// Every allocation of an operation fails once, the first, the second and so on.
+// After a failed allocation, no object is half constructed, leaked or still counted. Each
+// allocation of an operation fails once: the first, the second and so on.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/schema/IL.hpp>
@@ -82,7 +82,7 @@ TEST(OutOfMemory, PassesThroughTheReadersAndReleasesTheirStrings) {
         check);
 }
 
-/// The width stands behind the text, whose blank takes it to memory of its own.
+/// The width follows the text. The blank in the text makes the reader parse it in allocated memory.
 TEST(OutOfMemory, LeavesAFloatWhoseTextHasNoRoom) {
     std::string const       bytes = wire::bytes("07 00 00 00  ' 0X1P+0'  40 00 00 00");
     zelvanite::IEEE754Float value;

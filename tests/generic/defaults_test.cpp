@@ -1,4 +1,4 @@
-// What a fresh object and a fresh arm hold.
+// The content of fresh objects and fresh arms.
 
 #include "tests/generic/loops.hpp"
 #include "tests/wire.hpp"
@@ -47,7 +47,7 @@ TEST(Defaults, FilledValuesAreNotFresh) {
     generic::for_each_type([](Row const& row) {
         RandomValues  random(1);
         constexpr int values = 30;
-        int           fresh = 0;  // a record of one flag is at times
+        int           fresh = 0;  // a record of one flag may be fresh by chance
         for (int i = 0; i < values; ++i) fresh += generic::is_fresh(Value(row, random).view());
         EXPECT_LT(fresh, values);
     });

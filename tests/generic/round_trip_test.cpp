@@ -1,4 +1,4 @@
-// Random values of every type through all four archives, both ways.
+// Writes and reads random values of every type through all four archives.
 
 #include "tests/generic/coverage.hpp"
 #include "tests/generic/enumeration_shapes.hpp"
@@ -30,7 +30,7 @@ void expect_round_trip(Value const& value, Row const& row) {
     expect_equal(from_stream, value, row);
 }
 
-// Unordered tables of at most one entry have one order only.
+// Hash tables of at most one entry have only one order.
 void expect_equal_bytes_again(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
     Value             copy(row);
@@ -39,7 +39,7 @@ void expect_equal_bytes_again(Value const& value, Row const& row) {
     ASSERT_EQ(wire::hex(copy.stream_bytes()), wire::hex(bytes));
 }
 
-// Some values of the type; of a variant, some on each arm.
+// Calls `use` with some values of the type and, for a variant, with some for each arm.
 template <class Use>
 void for_some_values(Row const& row, RandomValues& random, Use&& use) {
     constexpr int values = 20;

@@ -47,7 +47,7 @@ std::string json_of(Root const& root, std::string const& bytes, Form form = Form
     return out.str();
 }
 
-/// As the command tells it.
+/// The error as the command prints it.
 std::string text_of(Encoded const& encoded) {
     if (!encoded.error) return "no error";
     auto const& error = *encoded.error;
@@ -55,7 +55,7 @@ std::string text_of(Encoded const& encoded) {
            error.path + ": expected " + error.expected + ", found " + error.found;
 }
 
-/// A value of a root; it starts in line 2.
+/// JSON of a root. The value starts in line 2.
 std::string value_of(char const* stem, std::string const& value) {
     return "{\"root\":\"" + std::string(stem) + "\",\"value\":\n" + value + "}";
 }
@@ -64,7 +64,7 @@ std::string error_of(char const* stem, std::string const& value) {
     return text_of(encoded(value_of(stem, value)).encoded);
 }
 
-/// The bytes of a value that is right.
+/// The bytes of a value, which must be valid.
 std::string bytes_of(char const* stem, std::string const& value) {
     Outcome const outcome = encoded(value_of(stem, value));
     EXPECT_FALSE(outcome.encoded.error) << value << ": " << text_of(outcome.encoded);
@@ -192,7 +192,7 @@ TEST(EncodeSpelling, EscapesInNamesToo) {
     EXPECT_EQ(outcome.bytes, "F") << text_of(outcome.encoded);
 }
 
-/// The bytes of a text as JSON spells it.
+/// The text that is encoded from this JSON string.
 std::string text_of(std::string const& json) {
     std::string const whole = bytes_of(inspection, with_text(json));
     std::string const head = whole.substr(0, 5);
@@ -212,7 +212,7 @@ TEST(EncodeSpelling, EveryEscapeOfJson) {
 TEST(EncodeSpelling, LoneSurrogatesAreBytes) {
     EXPECT_EQ(text_of(R"("\udc80\uDCFF\udcff")"), "\x80\xFF\xFF");
     EXPECT_EQ(text_of(R"("a\udcc3b")"), "a\xC3\x62");
-    EXPECT_EQ(text_of(R"("\ud83d\udc80")"), "\xF0\x9F\x92\x80");  // a pair all the same
+    EXPECT_EQ(text_of(R"("\ud83d\udc80")"), "\xF0\x9F\x92\x80");  // a surrogate pair as usual
     EXPECT_EQ(bytes_of(sets, R"([["\udcff",[]]])"),
               bytes("01 00 00 00  FF FF FF FF 01 00 00 00 FF  00 00 00 00"));
 }
@@ -242,7 +242,7 @@ std::string json_with_a_half() {
                    sml::Application_Results_Application_Results_fromCxx(results));
 }
 
-/// The text of the double on the wire when JSON spells it so; what is wrong where it can't be.
+/// The text of the double on the wire if JSON spells it this way; a message if it can't be encoded.
 std::string double_as(std::string const& spelling) {
     std::string       json = json_with_a_half();
     std::size_t const at = json.find("0.5");
@@ -478,7 +478,7 @@ TEST(EncodeError, FloatThatIsNotAsItIsWritten) {
     EXPECT_EQ(error(R"({"width":32,"hex":"0X1.80P+0"})"),
               such + R"("0X1.8P+0", found "0X1.80P+0")");
     EXPECT_EQ(error(R"({"width":32,"hex":"inf"})"), such + R"("INF", found "inf")");
-    // 25 bits of mantissa where there is room for 24
+    // 25 bits of mantissa, but there is room for 24
     EXPECT_EQ(error(R"({"width":32,"hex":"0X1.000001P+0"})"),
               such + R"("0X1P+0", found "0X1.000001P+0")");
     EXPECT_EQ(error(R"({"width":16,"hex":"0X1P+20"})"), such + R"("INF", found "0X1P+20")");
@@ -575,7 +575,7 @@ TEST(EncodeError, DepthOfAChainIsBounded) {
     };
     EXPECT_FALSE(encoded(chain(150)).encoded.error);
     EXPECT_TRUE(encoded(chain(500)).encoded.error);
-    // More than any setting allows, and never a stack that runs out.
+    // Deeper than any setting allows. The stack must not overflow.
     Outcome const outcome = encoded(chain(100000), {.limits = {.depth = 1000000}});
     ASSERT_TRUE(outcome.encoded.error);
     EXPECT_EQ(outcome.encoded.error->found, "one more");

@@ -1,5 +1,5 @@
-// Every kind that the keys of sets and maps may have: keys that are there already are found, others
-// are not, and both are shown.
+// Keys of every kind that sets and maps may have: repeated keys are found, others are not, and both
+// are shown.
 
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/dump.hpp>
@@ -29,7 +29,7 @@ using sml::Strings_T;
 
 Strings_T text(char const* text) { return Strings_T(std::string(text)); }
 
-/// What verify finds of keys that are there already, as it shows them.
+/// The findings of verify about repeated keys, as it prints them.
 std::string repeated(Root const& root, std::string const& bytes) {
     std::string all;
     for (Finding const& finding : verify(root, bytes, {.listed = 1000}).findings)
@@ -43,7 +43,7 @@ std::string dumped(Root const& root, std::string const& bytes) {
     return json.str();
 }
 
-/// Reads a list of elements as a set, and as the keys of a map.
+/// Verifies the bytes of a list as a set and as the keys of a map.
 template <class Set, class Key = typename Set::value_type>
 void expect_distinguished(std::list<Key> const& keys, std::string const& found,
                           std::string const& json) {
@@ -130,7 +130,8 @@ TEST(Keys, HashedOnesAreDistinguished) {
     expect_distinguished<std::unordered_set<std::string>>({"a", "", ""}, "\"\" again\n", "");
 }
 
-/// The hash that a reader's table has is known: its comparisons are counted by it.
+/// Expects that the walk computes the same hash of a key as a reader's hash table. The estimate of
+/// comparisons depends on it.
 template <class Key>
 void expect_hash(Key const& key) {
     std::string const bytes = wire::write(key);

@@ -1,8 +1,8 @@
-// The golden files, damaged in every simple way: all that verify lets through goes to the real
-// readers.
+// Damages the golden files in every simple way. All bytes that verify does not call unsafe are
+// given to the real readers.
 //
-// As a rule a part of the damages is tried, chosen at random by a seed that is printed;
-// BRADEP_MALICE_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
+// By default, a random part of the damages is tried, with a seed that is printed and that
+// BRADEP_MALICE_SEED can set. With BRADEP_SLOW_TESTS, all are tried.
 
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/verify.hpp>
@@ -32,10 +32,10 @@ std::uint64_t malice_seed() {
     return std::random_device{}();
 }
 
-/// Judges damaged bytes and counts them.
+/// Verifies damaged bytes, reads those that are not unsafe, and counts both.
 class Trial {
 public:
-    /// Tries one damage in `one_in`; all of them when the slow tests are asked for.
+    /// Tries one of `one_in` damages, or all with BRADEP_SLOW_TESTS.
     explicit Trial(std::uint64_t one_in)
         : one_in_(std::getenv("BRADEP_SLOW_TESTS") == nullptr ? one_in : 1), seed_(malice_seed()) {
         random_.seed(seed_);
@@ -55,7 +55,8 @@ public:
             ADD_FAILURE() << file.name << ": " << fault << "\n" << hex::shown(damaged);
     }
 
-    /// A dump hears every value and a verification passes most of them by: they find the same.
+    /// A dump gets an event for every value, and a verification skips most of them. Expects that
+    /// both have the same findings.
     static void expect_same_of_dump(File const& file, std::string_view damaged,
                                     sml::inspect::Verdict const& verdict) {
         std::ostringstream json;
@@ -74,7 +75,7 @@ public:
         return text;
     }
 
-    /// Says what was done. Both answers must have come up.
+    /// Prints the counts. Expects that some bytes were read and some were not.
     void finish() const {
         std::cout << "seed " << seed_ << ", one in " << one_in_ << ": " << tried_ << " tried, "
                   << read_ << " read\n";
@@ -91,7 +92,8 @@ private:
     std::uint64_t   read_ = 0;
 };
 
-/// Tries each of the values in each place where it fits and changes something.
+/// Writes each of the values to each offset where it fits and changes something, and tries the
+/// result.
 template <class Value, std::size_t Count>
 void try_values(Value const (&values)[Count], std::uint64_t one_in) {
     Trial trial(one_in);

@@ -1,7 +1,7 @@
-// Every class that crosses the wire as the value of a table that is read over: what is told from
-// the bytes alone is what the reader has.
+// Every class that has a wire form, as the value of a map that is read over: the value computed
+// from the bytes alone must be the one that the reader reads.
 //
-// BRADEP_SEED sets the seed; BRADEP_SLOW_TESTS asks for more values.
+// BRADEP_SEED sets the seed. With BRADEP_SLOW_TESTS, more values are tried.
 
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/describe.hpp>
@@ -63,7 +63,7 @@ void edit_word(std::string& bytes, Random& random) {
     std::memcpy(bytes.data() + random() % places, &word, sizeof word);
 }
 
-/// A list of pairs stands on the wire as a table does, and may have a key many times.
+/// A list of pairs has the same wire form as a map, and can repeat a key.
 template <class T>
 void compare_random(char const* name, Random& random, Tally& tally) {
     using Table = sml::core::LastWinsMap<std::int32_t, T>;

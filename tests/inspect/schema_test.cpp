@@ -95,7 +95,7 @@ TEST(Schema, EnumerationHasItsNames) {
         {"kind": "enumeration", "enumerators": ["Memcpy", "Meminit", "Memset", "Memzero"]})"));
 }
 
-/// The type of a field as the schema tells it.
+/// The type of a field in the schema.
 json::value field(char const* type, char const* name) {
     for (json::value const& one : definition(type).at("fields").as_array())
         if (one.at("name") == json::value(name)) return one.at("type");
@@ -182,7 +182,7 @@ TEST(Schema, EveryTypeOfAKeyCanBeCompared) {
         if (type.kind == Kind::set) add_key(add_key, *type.element);
         bool const counted =
             type.kind == Kind::list || type.kind == Kind::set || type.kind == Kind::map;
-        // A count is bounded by the bytes that are left, so no entry may take none.
+        // A count is limited by the remaining bytes, so no entry may take zero bytes.
         if (counted) {
             EXPECT_GT(type.element->least_size + (type.key ? type.key->least_size : 0), 0u);
         }
@@ -212,7 +212,7 @@ TEST(WireDigest, IsEqualOnlyForRootsOfOneForm) {
               }));
 }
 
-// Types made by hand, to change one thing at a time.
+// Types made by hand, in which tests change one property at a time.
 Type of_kind(Kind kind, std::string_view name = {}) {
     Type type{};
     type.kind = kind;

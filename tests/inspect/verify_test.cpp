@@ -115,7 +115,7 @@ TEST(Verify, WhatIsNotUnsafeIsReadToTheLastByte) {
     EXPECT_GT(accepted, 1000);
 }
 
-/// The one odd finding of bytes that are otherwise good.
+/// The only finding of bytes that are otherwise good; it must be odd.
 Finding the_odd_finding(char const* stem, std::string_view bytes) {
     Verdict const verdict = verify_hex(stem, bytes);
     EXPECT_EQ(verdict.answer, Answer::odd) << text_of(verdict);
@@ -194,7 +194,7 @@ TEST(Verify, IdOutOfSequenceIsOdd) {
 }
 
 TEST(Verify, UndefinedIdIsOddAndIsTheEmptyTextFromThenOn) {
-    // Id 1 is used, then told: the reader's table keeps the empty text for it.
+    // Id 1 is used, then defined: the reader keeps the empty text for it.
     Verdict const verdict = verify_hex("String_To_StringSet_T",
                                        "02 00 00 00"
                                        "01 00 00 00  00 00 00 00"
@@ -250,13 +250,13 @@ TEST(Verify, AListenerGetsWhatWouldBeListed) {
     EXPECT_EQ(verdict.findings.front().severity, sml::inspect::Severity::unsafe);
 }
 
-// However often elements are equal, their long text is not compared again: with these sizes, that
-// would be four terabytes.
+// Equal elements do not cause another comparison of their long text. With these sizes, that would
+// read four terabytes.
 TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
     constexpr std::int32_t length = 4'000'000;
     constexpr std::int32_t count = 1'000'000;
     std::string const      text(length, 'a');
-    // Written again by the element that the others are compared with.
+    // The element that the others are compared with defines the text again.
     std::string bytes = word(1) + in_full(1, text) + word(count) + in_full(2, text);
     for (std::int32_t i = 1; i < count; ++i) bytes += word(1);
     auto const verdict = verify(*find_root("String_To_StringSet_T"), bytes, {.listed = 1});
@@ -268,7 +268,7 @@ TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
         verdict.odd_count);
 }
 
-// Good bytes with many references to a long text: canonical bytes look at it once.
+// Good bytes with many back-references to a long text. Making them canonical reads the text once.
 TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
     constexpr std::int32_t length = 4'000'000;
     constexpr std::int32_t count = 300'000;
@@ -283,7 +283,7 @@ TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
 }
 
 TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
-    // {"a": {}, "a": {...}} of which the second set can't be.
+    // {"a": {}, "a": {...}}, in which the second set is damaged.
     std::string const bytes = word(2) + in_full(1, "a") + word(0) + word(1) + word(9);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.answer, Answer::unsafe);
@@ -294,20 +294,21 @@ TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
 }
 
 TEST(Verify, TheEmptyTextOfAnIdNotDefinedEqualsTheOneThatIs) {
-    // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
+    // {"": {7, "", 7}}, in which id 7 has no definition: the empty text, three times.
     std::string const bytes = word(1) + in_full(1, "") + word(3) + word(7) + word(1) + word(7);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
-    EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two elements that are there already
+    EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two repeated elements
 }
 
-/// Writes strings as no writer would: ids in any order, texts again, ids that nobody told.
+/// Writes strings as no writer would: ids in any order, texts defined again, ids without a
+/// definition.
 class AnyStrings {
 public:
     explicit AnyStrings(std::uint64_t seed) : random_(seed) {}
 
     std::uint32_t below(std::uint32_t end) { return static_cast<std::uint32_t>(random_() % end); }
 
-    /// Appends one to bytes. Gives the text that a reader has for it.
+    /// Appends a string to the bytes and returns the text that a reader has for it.
     std::string append(std::string& bytes) {
         constexpr std::array<std::string_view, 5> texts{"", "a", "b", "cc", "d"};
         auto const                                id = static_cast<std::int32_t>(below(6)) + 1;
@@ -323,7 +324,7 @@ public:
 
 private:
     std::mt19937_64                     random_;
-    std::map<std::int32_t, std::string> by_id_;  // the first text that each has
+    std::map<std::int32_t, std::string> by_id_;  // the first text of each
 };
 
 TEST(Verify, EveryStringThatIsAKeyAlreadyIsFound) {

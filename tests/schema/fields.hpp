@@ -1,5 +1,5 @@
 #pragma once
-// Values that differ in every part, and the order of a record's fields.
+// Makes values that differ in every part, and tests the order of a record's fields.
 
 #include <sml/core/kinds.hpp>
 #include "tests/schema/order.hpp"
@@ -13,14 +13,15 @@
 
 namespace fields {
 
-/// Handles that stay where they are for the whole run.
+/// Handles that live until the process ends.
 inline order::Handles const& handles() {
     static order::Handles const found;
     return found;
 }
 
-/// Fills a value with the lesser or the greater of two that are equal to their copies, not less
-/// than themselves, and different in every part. A variant takes its first arm with a payload.
+/// Fills a value with the lesser or the greater of two contents. Both are equal to their copies and
+/// not less than themselves, and they differ in every part. A variant gets its first arm with a
+/// payload.
 template <class T>
 void fill(T& value, bool greater) {
     using namespace sml::core;
@@ -51,7 +52,7 @@ void fill(T& value, bool greater) {
         fill(element, greater);
         value.insert(element);
     } else if constexpr (HashSet<T>) {
-        // Of one size, hashed sets are not ordered.
+        // Hash sets of the same size are not ordered, so the sizes differ.
         value.clear();
         typename T::value_type element{};
         fill(element, false);
@@ -85,15 +86,15 @@ T filled(bool greater) {
     return value;
 }
 
-/// These are all fields of the record. The first that differs decides the order, and every one
-/// takes part in equality.
+/// Expects that these are all fields of the record, that the first field that differs decides the
+/// order, and that every field takes part in equality.
 template <class Record, class... Field>
 void expect_order(Field Record::*... fields) {
     ASSERT_EQ(sml::core::count_names(Record::field_names()), sizeof...(fields));
     order::expect_equal(filled<Record>(false), filled<Record>(false));
     for (std::size_t deciding = 0; deciding < sizeof...(fields); ++deciding) {
         SCOPED_TRACE(testing::Message() << "field " << deciding);
-        // The fields before it are equal, those behind it say the opposite.
+        // The fields before it are equal, those after it have the opposite order.
         Record      lesser{};
         Record      greater{};
         std::size_t index = 0;

@@ -1,5 +1,5 @@
 #pragma once
-// What `<` and `==` say of two values, always asked in both directions.
+// Expectations of `<` and `==` for two values, always in both directions.
 
 #include <sml/core/Strings.hpp>
 
@@ -13,7 +13,7 @@
 
 namespace order {
 
-/// Two handles whose order is against the order of their texts.
+/// Two handles whose order is the reverse of the order of their texts.
 struct Handles {
     sml::Strings_T lesser;
     sml::Strings_T greater;
@@ -41,7 +41,7 @@ void expect_less(T const& a, T const& b) {
     EXPECT_FALSE(b == a);
 }
 
-/// Equal, and neither less.
+/// Expects that they are equal and that neither is less.
 template <class T>
 void expect_equal(T const& a, T const& b) {
     EXPECT_FALSE(a < b);
@@ -50,7 +50,7 @@ void expect_equal(T const& a, T const& b) {
     EXPECT_TRUE(b == a);
 }
 
-/// Neither less nor greater, yet unequal.
+/// Expects that neither is less and that they are unequal.
 template <class T>
 void expect_unordered(T const& a, T const& b) {
     EXPECT_FALSE(a < b);
@@ -65,8 +65,8 @@ void expect_each_less(T const& a, T const& b) {
     EXPECT_TRUE(b < a);
 }
 
-/// Each step makes the value greater, in one field after the other; an earlier step outweighs a
-/// later one. `base` is equal to itself and not less.
+/// Expects that each step makes the value greater, one field after another, and that an earlier
+/// step outweighs a later one. `base` must be equal to itself and not less than itself.
 template <class T>
 void expect_lexicographic(T const& base, std::vector<std::function<void(T&)>> const& raise) {
     expect_equal(base, T(base));

@@ -1,5 +1,5 @@
 #pragma once
-// Whole variants and enumerations checked against a table written out by hand.
+// Compares whole variants and enumerations with tables written by hand.
 
 #include <sml/core/kinds.hpp>
 #include "tests/wire.hpp"
@@ -13,7 +13,7 @@
 
 namespace tables {
 
-/// An arm at the position of its tag: its name, and the payload that a fresh arm writes.
+/// An arm, at the index of its tag: its name, and the payload that a fresh arm writes.
 struct ArmRow {
     char const*      name;
     std::string_view payload = "";
@@ -33,7 +33,7 @@ inline std::string tag_bytes(std::int32_t tag) {
     return bytes;
 }
 
-/// A variant on `tag` writes the tag and this payload; both come back.
+/// Expects that a variant with `tag` writes the tag and this payload, and that both are read again.
 template <class Variant>
 void expect_payload(std::int32_t tag, std::string_view payload) {
     SCOPED_TRACE(testing::Message() << "tag " << tag);
@@ -44,7 +44,7 @@ void expect_payload(std::int32_t tag, std::string_view payload) {
     EXPECT_EQ(wire::read<Variant>(bytes).tag, tag);
 }
 
-/// The table names every arm, and none is missing.
+/// Expects that the rows are all arms of the variant.
 template <class Variant, std::size_t Count>
 void expect_arms(ArmRow const (&rows)[Count]) {
     EXPECT_EQ(std::size_t{Variant::arms::count}, Count);
@@ -63,7 +63,7 @@ void expect_arms(ArmRow const (&rows)[Count]) {
         EXPECT_EQ(with_tag<Variant>(tag).toString(), nullptr) << tag;
 }
 
-/// The tags that no arm has, negative ones too, carry this payload.
+/// Expects that unknown tags, including negative ones, are followed by this payload.
 template <class Variant>
 void expect_stray_tags(std::string_view payload) {
     for (std::int32_t const tag :
@@ -72,9 +72,9 @@ void expect_stray_tags(std::string_view payload) {
         expect_payload<Variant>(tag, payload);
 }
 
-/// Of two values on one tag each is less than the other exactly on the arms without payload (and
-/// on the tags past the last arm where those are bare), and they are equal. On arms with payload
-/// `fill` makes the payload such that it is equal to itself.
+/// Expects that two values with the same tag are equal, and that each is less than the other
+/// exactly if the tag has no payload: on arms without one, and on tags after the last arm unless
+/// there is a catch-all arm. `fill` must give an arm's payload a content that is equal to itself.
 template <class Variant, class Fill>
 void expect_arms_without_payload_less(Fill fill) {
     for (std::int32_t tag = 0; tag < Variant::arms::count; ++tag) {
@@ -90,7 +90,8 @@ void expect_arms_without_payload_less(Fill fill) {
     }
 }
 
-/// The enumerators count from 0 and print their names; every other value prints a null pointer.
+/// Expects that the enumerators count from 0 and print their names, and that toString returns null
+/// for every other value.
 template <class Enumeration, std::size_t Count>
 void expect_enumerators(char const* const (&names)[Count]) {
     for (std::size_t i = 0; i < Count; ++i)

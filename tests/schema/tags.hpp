@@ -1,5 +1,5 @@
 #pragma once
-// What the tag alone says about the order of two variants.
+// Expectations of the order of two variants that follow from their tags alone.
 
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
@@ -14,8 +14,8 @@
 
 namespace tags {
 
-/// Different tags decide alone, as signed numbers, those that no arm has among them. Two equal
-/// negative ones are neither equal nor less.
+/// Expects that different tags, including unknown ones, decide alone, as signed numbers. Two equal
+/// negative tags are neither equal nor less.
 template <class Variant>
 void expect_to_decide() {
     constexpr auto            smallest = std::numeric_limits<std::int32_t>::min();
@@ -37,7 +37,8 @@ void expect_to_decide() {
     }
 }
 
-/// Values with one of these tags, which have no payload, are equal and each less than the other.
+/// Expects that values with one of these tags, which have no payload, are equal and each less than
+/// the other.
 template <class Variant>
 void expect_less_than_themselves(std::initializer_list<std::int32_t> tags) {
     for (std::int32_t const tag : tags) {

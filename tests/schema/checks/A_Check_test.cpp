@@ -33,7 +33,7 @@ Classification impact(std::int32_t number) {
     return result;
 }
 
-/// A check with an overflow: equal to itself and not less, so that every field counts.
+/// A check with an overflow. It is equal to itself and not less, so that every field decides.
 Check overflow() {
     Check result;
     result.category.choose<"OVFL">().ovfl_data.choose<"Single_Ovfl">();
@@ -63,7 +63,8 @@ Name name(char const* text) { return {{}, {text}}; }
 
 sml::PackagedPrettySignature::T signature(sml::Strings_T const& package) { return {package, {}}; }
 
-/// A check with something in every field, and another text in every string: `text` and a number.
+/// A check in which every field has content, and every string has another text: `text` and a
+/// number.
 Check full(std::string const& text) {
     auto  next = [&text, number = 0]() mutable { return text + std::to_string(++number); };
     Check check;
@@ -96,7 +97,7 @@ Check full(std::string const& text) {
 }
 constexpr int strings_in_full = 14;
 
-/// How many handles each of the texts of `full` has; 0 and a failure where they differ.
+/// The number of handles to each of the texts of `full`; 0 and a failure if the numbers differ.
 std::uint64_t handles_to_each(std::string const& text) {
     std::uint64_t const first = string_table::count_of(text + "1");
     for (int i = 1; i <= strings_in_full; ++i) {
@@ -279,7 +280,7 @@ TEST(ACheck, EqualImpactsLeaveTheOrderToTheNextField) {
     order::expect_less(lesser, greater);
 }
 
-// Required, in both directions and wherever it stands among the others.
+// Required, in both directions and at any position.
 TEST(ACheck, SharedCriticalClassificationEndsTheComparison) {
     Check const first = classified({critical(), impact(1)});
     Check       second = classified({impact(1), critical()});
@@ -299,7 +300,7 @@ TEST(ACheck, ClassificationsAreEqualByTagAndPayload) {
 
 // ---- located names ----
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(ACheck, LocatedNamesOrderLexicographically) {
     order::expect_less(located({}), located({{{-1, {}, 0}, {}}}));
     order::expect_less(located({{{1, {}, 0}, {}}}), located({{{1, {}, 0}, {}}, {{2, {}, 0}, {}}}));
@@ -320,8 +321,8 @@ TEST(ACheck, LocatedNamesOrderByKeyThenSetThenSignature) {
                         located({{place, {{name("b"), name("a")}, {}}}}));
 }
 
-// Required: sets of one size with different names make an entry neither less nor greater, its
-// signature is not looked at, and the walk passes over it.
+// Required: sets of the same size with different names make an entry neither less nor greater,
+// without regard to its signature, and the comparison goes on with the next entry.
 TEST(ACheck, EntriesWithUnorderedSetsArePassedOverInTheWalk) {
     order::Handles const texts;
     T_Localization const first{1, {}, 0};
@@ -370,7 +371,7 @@ TEST(ACheck, ReadingAddsToClassificationsAndLocatedNames) {
     EXPECT_TRUE(held == expected);
 }
 
-// Required: in this table the first entry for a key stays.
+// Required: in this map the first entry of a key is kept.
 TEST(ACheck, NamesReadForAHeldLocationAreDropped) {
     Check held = overflow();
     held.located_names = {{{1, {}, 0}, {{name("a")}, {}}}};
@@ -461,7 +462,7 @@ TEST(ACheck, MoveTakesTheNodesOfBothTables) {
     EXPECT_EQ(&*moved.located_names.begin(), location);
 }
 
-// A table of one element stands in the bucket inside the object itself.
+// A hash table with one bucket has it inside the object itself.
 TEST(ACheck, TablesWorkOnBothSidesOfAMove) {
     for (std::int32_t const count : {0, 1, 2, 100}) {
         SCOPED_TRACE(count);
@@ -498,7 +499,7 @@ TEST(ACheck, MoveKeepsStringsOfEveryCategory) {
     EXPECT_EQ(source.category, before);
 }
 
-// Only the two tables of the check itself are taken.
+// Only the two containers of the check itself are moved.
 TEST(ACheck, MoveKeepsTheContainersOfCategoryAndFailure) {
     Check source;
     source.category.choose<"STACK_POINTER">() = {{{"a"}, {"b"}}, {"c"}};
@@ -549,7 +550,7 @@ TEST(ACheck, DestructionReleasesEveryString) {
         check.located_names[{1, {"released in a key"}, 0}] = {{name("released in a value")}, {}};
         EXPECT_EQ(string_table::count_of("released in a key"), 1u);
         EXPECT_EQ(string_table::count_of("released 1"), 1u);
-        EXPECT_EQ(string_table::count_of("released 2"), 0u);  // was in the category before
+        EXPECT_EQ(string_table::count_of("released 2"), 0u);  // the earlier content of the category
     }
     EXPECT_EQ(string_table::size(), before);
 }

@@ -27,7 +27,7 @@ struct Row {
     std::string_view fresh_payload = "";
 };
 
-// "FFFFFFFF 00000000" is the first empty text, "01000000" each later one.
+// "FFFFFFFF 00000000" is the definition of the empty text, "01000000" a back-reference to it.
 constexpr Row rows[] = {
     {0, "ABSOLUTE_ADDRESS", "46  FFFFFFFF 00000000"},
     {1, "ACER"},
@@ -308,7 +308,7 @@ TEST(CheckCategory, DataFlowFindingWritesKindThenName) {
                  "FFFFFFFF 01000000 'q' FEFFFFFF 01000000 'n'");
 }
 
-// The two are distinct types of one shape: only the tag tells them apart.
+// The two are distinct types with the same parts. Only the tag distinguishes them.
 TEST(CheckCategory, BothDataRacesWriteTheSameBytes) {
     constexpr std::string_view bytes =
         "54  01000000 00000000 54 03000000  FFFFFFFF 01000000 'a'"
@@ -403,7 +403,7 @@ TEST(CheckCategory, FreshNestedVariantsAreUnset) {
 
 TEST(CheckCategory, TagDecidesFirst) { tags::expect_to_decide<Category>(); }
 
-// Required: this order is no strict weak one.
+// Required: this order is not a strict weak order.
 TEST(CheckCategory, ArmsWithoutPayloadAreLessThanThemselves) {
     for (Row const& row : rows) {
         SCOPED_TRACE(row.name);
@@ -545,7 +545,7 @@ TEST(CheckCategory, PairsAndTuplesOrderPartByPart) {
     order::expect_less(ntl(texts.lesser, 1, false), ntl(texts.lesser, 1, true));
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements.
 TEST(CheckCategory, ListsOrderByCountThenByElements) {
     order::Handles const texts;
     using Pointer = Category::STACK_POINTER_args;
@@ -570,7 +570,7 @@ TEST(CheckCategory, ListsOrderByCountThenByElements) {
     order::expect_less(one_element, two_elements);
 }
 
-// Required: the walk passes over elements that are neither less nor greater.
+// Required: elements that are neither less nor greater do not end the comparison.
 TEST(CheckCategory, UnsetListElementsArePassedOverInTheWalk) {
     using Fppf = Category::CALL_FPPF_args;
     T_Incorrect_Call const unset;
@@ -579,7 +579,7 @@ TEST(CheckCategory, UnsetListElementsArePassedOverInTheWalk) {
     order::expect_unordered(Fppf{{unset}, false, false}, Fppf{{unset}, true, true});
 }
 
-// Required: the order of these records is a partial one.
+// Required: the order of these records is only partial.
 TEST(CheckCategory, SetsOfOneSizeWithDifferentElementsAreUnordered) {
     using Locked = Category::DESTROY_LOCKED_args;
     order::Handles const texts;
@@ -597,7 +597,7 @@ TEST(CheckCategory, SetsOfOneSizeWithDifferentElementsAreUnordered) {
     order::expect_equal(two, Locked{{{"b"}, {"a"}}, texts.lesser, {}, {}});
 }
 
-// Required: a kind without payload ends `<`, and `==` goes on.
+// Required: a kind without payload ends `<`, but not `==`.
 TEST(CheckCategory, DataFlowFindingsOfOneKindWithoutPayloadAreEachLess) {
     using Finding = Category::DATA_FLOW_FINDING_args;
     for (std::int32_t const tag : {2, 3, 4}) {

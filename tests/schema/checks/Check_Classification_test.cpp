@@ -22,7 +22,7 @@ Classification impact(char const* text, std::int32_t number) {
     return result;
 }
 
-/// A classification on any tag but 0, with this payload.
+/// A classification with any tag other than 0, and this payload.
 Classification stray(std::string const& tag, char const* payload) {
     return wire::read<Classification>(wire::bytes(tag + payload));
 }
@@ -39,7 +39,7 @@ TEST(CheckClassification, CriticalIsItsTagAndImpactHasAStringAndANumber) {
     wire::expect(impact("stdin", -3), "01000000  FFFFFFFF 05000000 'stdin'  FDFFFFFF");
 }
 
-// Required: the last arm has no test of its own.
+// Required: the last arm is a catch-all arm.
 TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
     tables::expect_stray_tags<Classification>("FFFFFFFF 00000000  00000000");
     for (char const* const tag : {"02000000", "07000000", "FFFFFFFF"}) {
@@ -49,7 +49,7 @@ TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
     }
 }
 
-// The literals come from a computation outside this library.
+// The literals were computed outside this library.
 TEST(CheckClassification, ImpactHashesStringAndSignedNumber) {
     EXPECT_EQ(Impact().hash(), 0xaedc04cfa2e5b999u);
     EXPECT_EQ((Impact{{"stdin"}, 3}.hash()), 0xec4364006f71788eu);

@@ -56,7 +56,7 @@ TEST(OvflData, SingleIsFiveBytes) {
     wire::expect(single(false), "02000000  46");
 }
 
-// Required: the last arm has no test of its own, so a stray tag stands before its flag.
+// Required: the last arm is a catch-all arm, so its flag follows an unknown tag.
 TEST(OvflData, EveryOtherTagTakesTheFlag) {
     tables::expect_stray_tags<T_Ovfl_Data>("46");
     for (char const* const tag : {"03000000", "07000000", "FFFFFFFF"}) {
@@ -194,7 +194,7 @@ TEST(ValidArgs, FieldsDecideInOrder) {
                          &Data::second_named_ints);
 }
 
-// Required: the count goes first, then string by address and number as signed.
+// Required: the counts are compared first, then the strings by address and the numbers as signed.
 TEST(ValidArgs, NamedIntsOrderByCountThenByElements) {
     order::Handles const texts;
     auto                 data = [](std::list<std::pair<sml::Strings_T, std::int32_t>> const& list) {

@@ -34,7 +34,7 @@ Step step(std::int32_t number, std::optional<Value> const& value = {}) {
     return {{{}, number}, value};
 }
 
-/// A failure that is equal to itself and not less, so that every field counts.
+/// A failure that is equal to itself and not less, so that every field decides.
 Failure failure() {
     Failure result;
     result.technology.choose<"FORWARD">();
@@ -122,22 +122,22 @@ TEST(Failure, StepsOrderByStringNumberAndValue) {
     order::expect_equal(with_step(step(1, iteration(9))), with_step(step(1, iteration(9))));
 }
 
-// As texts of base 16 both pairs would sort the other way: "9" and "a", "9" and "10".
+// As texts of base 16, both pairs would have the opposite order: "9" and "a", "9" and "10".
 TEST(Failure, LoopIterationsCompareAsNumbers) {
     order::expect_less(with_steps({step(0, iteration(9))}), with_steps({step(0, iteration(10))}));
     order::expect_less(with_steps({step(0, iteration(9))}), with_steps({step(0, iteration(16))}));
     order::expect_less(with_steps({step(0, iteration(-10))}), with_steps({step(0, iteration(-9))}));
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements.
 TEST(Failure, StepListsOrderByCountThenByElements) {
     order::expect_less(with_steps({step(9)}), with_steps({step(1), step(1)}));
     order::expect_less(with_steps({step(1), step(9)}), with_steps({step(2), step(1)}));
     order::expect_less(with_steps({step(1), step(1)}), with_steps({step(1), step(2)}));
 }
 
-// Required: the walk passes over steps that are neither less nor greater; only then must the
-// lists be equal.
+// Required: steps that are neither less nor greater do not end the comparison. Only at its end must
+// the lists be equal.
 TEST(Failure, StepsWithUnsetValueArePassedOverInTheWalk) {
     order::expect_less(with_steps({step(1, Value()), step(1)}),
                        with_steps({step(1, Value()), step(2)}));
@@ -189,7 +189,8 @@ TEST(Failure, NamedNumbersOfOneKeyDecide) {
     order::expect_less(lesser, greater);
 }
 
-// Required: the walk follows the left table's own order and stops at the first difference.
+// Required: the comparison follows the order of the left hash table and ends at the first
+// difference.
 TEST(Failure, FirstDifferentNumberInTheLeftTablesOrderDecides) {
     Numbers const left{{{"a"}, 1}, {{"b"}, 2}};
     Numbers const right{{{"a"}, 2}, {{"b"}, 1}};

@@ -51,7 +51,7 @@ TEST(GuiCheckEvent, AbsentStepIsLessThanPresent) {
     order::expect_less(Event{step(-9), {}, 9}, Event{step(9), {}, -9});
 }
 
-// Required: the shorter path is less, whatever it holds.
+// Required: the shorter path is less, whatever its elements.
 TEST(GuiCheckEvent, PathsOrderByCountThenByElements) {
     order::expect_less(path({step(9)}, 9), path({step(1), step(1)}, 1));
     order::expect_less(path({step(1), step(9)}, 9), path({step(2), step(1)}, 1));
@@ -99,7 +99,7 @@ TEST(GuiCheckClassification, NoSourcesAreLessThanAnyAndTheFlagIsNotReached) {
     order::expect_less(with_sources({}, true), with_sources({{-5}, {5}}, false));
 }
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(GuiCheckClassification, SourcesOrderLexicographically) {
     order::expect_less(with_sources({{1}}, true), with_sources({{1}, {2}}, false));
     order::expect_less(with_sources({{1}, {5}, {6}}, true), with_sources({{2}}, false));

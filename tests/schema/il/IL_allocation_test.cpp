@@ -1,6 +1,6 @@
-// When expressions take memory, and what is left of one whose memory runs out half way. The
-// program's allocation functions are replaced here, so that one can be made to fail and all can be
-// counted.
+// Tests when expressions allocate memory, and that nothing of them is left after a failed
+// allocation. The program's allocation functions are replaced, so that each allocation can fail and
+// all are counted.
 
 #include <sml/schema/IL.hpp>
 #include "tests/wire.hpp"
@@ -22,7 +22,8 @@ std::int64_t allocations_made = 0;
 
 }  // namespace
 
-// Not inlined: compilers would then see malloc and delete, or new and free, as a pair.
+// Not inlined: otherwise compilers would report malloc and delete, or new and free, as mismatched
+// pairs.
 __attribute__((noinline)) void* operator new(std::size_t size) {
     if (allocations_left == 0) throw std::bad_alloc();
     if (allocations_left > 0) --allocations_left;
@@ -47,7 +48,7 @@ namespace {
 using sml::IL::T_Annotation;
 using sml::IL::T_Info_Expr;
 
-/// Whether `action` throws when only so many allocations succeed.
+/// Whether `action` throws when only this many allocations succeed.
 template <class Action>
 bool runs_out(std::int64_t allocations, Action const& action) {
     allocations_left = allocations;
@@ -61,8 +62,8 @@ bool runs_out(std::int64_t allocations, Action const& action) {
     }
 }
 
-/// Fails each allocation of `action` in turn; whatever it throws out of leaves nothing behind.
-/// Gives how many allocations it makes.
+/// Makes each allocation of `action` fail in turn, and expects that nothing is left after the
+/// exception. Returns the number of allocations.
 template <class Action>
 std::int64_t expect_no_leak(Action const& action) {
     std::int64_t allowed = 0;
@@ -75,7 +76,7 @@ std::int64_t expect_no_leak(Action const& action) {
     return allowed;
 }
 
-/// How many allocations reading over `value` makes.
+/// The number of allocations when the bytes are read over `value`.
 template <class T>
 std::int64_t allocations_of_reading_over(T& value, std::string const& bytes) {
     std::int64_t const before = allocations_made;
@@ -140,7 +141,7 @@ TEST(AllocationFailure, ReadingATreeLeaksNothing) {
         T_Info_Expr expression;
         wire::read_over(expression, bytes);
     };
-    read();  // the string table keeps the room that it once took
+    read();  // the string table keeps its buckets
     std::int64_t const made = expect_no_leak(read);
     EXPECT_GE(made, 3);
 }

@@ -22,7 +22,7 @@ T_Variable_Name cell(std::int32_t index) {
     return result;
 }
 
-/// A record that is equal to itself and not less, so that every field counts.
+/// A record that is equal to itself and not less, so that every field decides.
 Info tooltip(char const* text = "") {
     Info result;
     result.category.choose<"TOOLTIP_INFO">().tooltip = std::string(text);
@@ -36,7 +36,7 @@ Info of_statement(std::int32_t index) {
     return result;
 }
 
-/// `text` in every string, and an arm with lists, tables and big numbers.
+/// A record with `text` in every string, and an arm with lists, maps and big numbers.
 Info full(std::string const& text) {
     Info info;
     info.first_string = text;
@@ -150,7 +150,7 @@ TEST(AnInfo, PayloadHeldTwiceOrdersByTheTagOfTheCategory) {
     order::expect_equal(of_statement<"VOBJ">(1), of_statement<"VOBJ">(1));
 }
 
-// Required: nothing behind such a category is reached.
+// Required: no field after such a category is compared.
 TEST(AnInfo, StatementWithoutPayloadMakesRecordsEachLess) {
     Info first;
     first.category.choose<"VOBJ">().choose<"F_CALL">();
@@ -214,7 +214,7 @@ TEST(AnInfo, ReadingTheHeldArmAddsToItsContainers) {
 
 // ---- life ----
 
-// Required: a move copies; callers go on reading the source.
+// Required: a move copies. Callers go on using the source.
 TEST(AnInfo, MoveLeavesTheSourceWholeAndEqual) {
     Info       source = full("shared with the source");
     Info const before = source;

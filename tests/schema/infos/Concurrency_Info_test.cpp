@@ -41,7 +41,7 @@ TEST(ConcurrencyInfo, RoutinesPrintTheirNames) {
     wire::expect(concurrency::Create, "01000000");
 }
 
-// ---- how an item came to be known ----
+// ---- the origin of an item ----
 
 TEST(Origin, HasFourArms) {
     tables::expect_arms<T_Origin>(
@@ -55,7 +55,7 @@ TEST(Origin, SpawnedWritesTableAndFlag) {
                  "54");
 }
 
-// Required: every tag but 0, 1 and 2 stands before a table, one that was never set among them.
+// Required: every tag other than 0, 1 and 2, also that of an unset value, is followed by a map.
 TEST(Origin, EveryOtherTagTakesTheSpawnedPayload) {
     tables::expect_stray_tags<T_Origin>("00000000  46");
     for (char const* const tag : {"04000000", "FFFFFFFF", "00000080"}) {
@@ -78,7 +78,7 @@ TEST(Origin, TagDecidesFirst) {
     order::expect_equal(spawned({{}, true}), spawned({{}, true}));
 }
 
-// ---- tables of spawners ----
+// ---- maps of spawners ----
 
 TEST(Spawners, FreshTableHasOneBucketAndFullLoad) {
     Spawned const fresh;
@@ -103,7 +103,7 @@ TEST(Spawners, FewerEntriesAreLessWhateverTheKeys) {
     order::expect_less(Spawned{{}, true}, Spawned{spawners({{"a", -9}}), false});
 }
 
-// Required: the order is a partial one.
+// Required: the order is only partial.
 TEST(Spawners, TablesOfOneSizeWithDifferentKeysAreUnordered) {
     order::expect_unordered(Spawned{spawners({{"a", 1}}), false},
                             Spawned{spawners({{"b", 2}}), true});
@@ -117,7 +117,8 @@ TEST(Spawners, NumbersOfOneKeyOrderAsSigned) {
                        Spawned{spawners({{"a", 1}, {"b", 2}}), false});
 }
 
-// Required: the walk follows the left table's own order and stops at the first difference.
+// Required: the comparison follows the order of the left hash table and ends at the first
+// difference.
 TEST(Spawners, FirstDifferentNumberInTheLeftTablesOrderDecides) {
     Spawned const left{spawners({{"a", 1}, {"b", 2}}), false};
     Spawned const right{spawners({{"a", 2}, {"b", 1}}), false};
@@ -139,7 +140,8 @@ TEST(Spawners, FlagDecidesBehindEqualTables) {
     fields::expect_order(&Spawned::spawners, &Spawned::flag);
 }
 
-// Required: a key is inserted before its value is read, so that the last value wins.
+// Required: a key is inserted before its value is read, so the last value of a repeated key is
+// kept.
 TEST(Spawners, KeyThatComesTwiceTakesItsLastNumber) {
     auto const read = wire::read<Spawned>(
         wire::bytes("02000000"
@@ -184,7 +186,7 @@ TEST(ConcurrencyInfo, RoutineWritesFieldsInOrder) {
                  "01000000  01000000 02000000 02000000 02000000");
 }
 
-// Required: a tag but 0 stands before a routine, one that was never set among them.
+// Required: every tag other than 0, also that of an unset value, is followed by a routine.
 TEST(ConcurrencyInfo, EveryOtherTagTakesTheRoutine) {
     tables::expect_stray_tags<Info>("46  00000000  FFFFFFFF 00000000 01000000 01000000 01000000");
     for (char const* const tag : {"02000000", "FFFFFFFF"}) {

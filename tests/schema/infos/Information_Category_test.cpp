@@ -1,4 +1,4 @@
-// What information records say: the arms, and what only they hold.
+// The category of information records: its arms, and the types that only they use.
 
 #include <sml/schema/Infos.hpp>
 #include "tests/schema/fields.hpp"
@@ -25,11 +25,11 @@ namespace escape_info = sml::Infos::Stack_Escape_Info_Data;
 
 namespace {
 
-// The bytes of values that were never set: one with the first empty text, one with a later.
+// The bytes of unset values: one with the definition of the empty text, one with a back-reference.
 #define FIRST_UNSET_VALUE "FFFFFFFF 00000000 00000000 FFFFFFFF FFFFFFFF 00000000 FFFFFFFF"
 #define UNSET_VALUE       "01000000 00000000 FFFFFFFF FFFFFFFF 00000000 FFFFFFFF"
 
-// The same for a statement that was never set.
+// The same for an unset statement.
 #define FIRST_UNSET_STATEMENT "FFFFFFFF FFFFFFFF FFFFFFFF 00000000 01000000 00000000 46"
 #define UNSET_STATEMENT       "FFFFFFFF FFFFFFFF 01000000 01000000 00000000 46"
 
@@ -126,7 +126,7 @@ TEST(OperatorKind, RecordsWriteFieldsInOrder) {
                  "FFFFFFFF 01000000 'a'  FEFFFFFF 01000000 'b'");
 }
 
-// Required: a tag but 0 and 1 stands before a unary operator.
+// Required: every tag other than 0 and 1 is followed by a unary operator.
 TEST(OperatorKind, EveryOtherTagTakesTheUnaryOperator) {
     tables::expect_stray_tags<T_Info_Operator_Kind>("FFFFFFFF 00000000  01000000");
     for (char const* const tag : {"03000000", "FFFFFFFF"}) {
@@ -173,7 +173,7 @@ TEST(InformationCategory, Has17Arms) {
     });
 }
 
-// Required: every other tag stands before a read structure.
+// Required: every other tag is followed by a read structure.
 TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
     tables::expect_stray_tags<Category>("00000000  46" FIRST_UNSET_STATEMENT);
     for (char const* const tag : {"11000000", "FFFFFFFF"}) {
@@ -366,7 +366,7 @@ TEST(InformationCategory, FieldsOfItsRecordsDecideInOrder) {
     fields::expect_order(&C::VORS_args::fields, &C::VORS_args::flag, &C::VORS_args::statement_kind);
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements.
 TEST(InformationCategory, RelationOfFewerVariablesIsLess) {
     using Relation = Category::RELATION_args;
     order::expect_less(Relation{{cell(9)}, {}, 9, {}}, Relation{{cell(1), cell(1)}, {}, 1, {}});
@@ -376,7 +376,7 @@ TEST(InformationCategory, RelationOfFewerVariablesIsLess) {
                        Relation{{cell(2), cell(1)}, {}, 1, {}});
 }
 
-// Required: the walk passes over variables that are neither less nor greater.
+// Required: variables that are neither less nor greater do not end the comparison.
 TEST(InformationCategory, UnsetVariablesArePassedOverInTheWalk) {
     using Relation = Category::RELATION_args;
     order::expect_less(Relation{{{}, cell(1)}, {}, 0, {}}, Relation{{{}, cell(2)}, {}, 0, {}});
@@ -477,7 +477,7 @@ TEST(StructureFields, StandInAddressOrderWhateverTheOrderOfInsertion) {
     wire::expect(other_way, bytes);
 }
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(StructureFields, OrderLexicographically) {
     order::Handles const names;
     auto const           known = std::pair(1, scalar(value(0)));
@@ -501,7 +501,7 @@ TEST(StructureFields, EntriesOrderByNameNumberKindAndValue) {
                        read_fields({{{}, {1, scalar(value(2))}}}));
 }
 
-// Required: the walk passes over entries that are neither less nor greater.
+// Required: entries that are neither less nor greater do not end the comparison.
 TEST(StructureFields, EntriesOfUnsetKindArePassedOverInTheWalk) {
     order::Handles const names;
     auto                 with_unset = [&](std::int32_t number) {
@@ -511,7 +511,7 @@ TEST(StructureFields, EntriesOfUnsetKindArePassedOverInTheWalk) {
     order::expect_unordered(with_unset(1), with_unset(1));
 }
 
-// Required: the number is replaced, the kind is read over the one held in the entry.
+// Required: the number is replaced, and the kind is read over that of the entry.
 TEST(StructureFields, NameThatComesTwiceIsReadOverItsEntry) {
     auto read = [](char const* second_entry) {
         std::string const bytes =
@@ -568,7 +568,8 @@ TEST(StackEscape, WritesEntriesInAddressOrderThenTheFlag) {
     wire::expect(Escape(), "00000000  46");
 }
 
-// Required: a key is inserted before its value is read, so that the last state wins.
+// Required: a key is inserted before its value is read, so the last state of a repeated key is
+// kept.
 TEST(StackEscape, KeyThatComesTwiceTakesItsLastState) {
     auto const read = wire::read<Escape>(
         wire::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));

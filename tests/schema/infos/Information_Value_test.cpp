@@ -1,4 +1,4 @@
-// Types of values, and values told by type and range.
+// The types of values, and values, which have a type and a range.
 
 #include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
@@ -122,7 +122,7 @@ TEST(InfoType, NoneIsLessThanItself) {
         {6, 7, std::numeric_limits<std::int32_t>::max()});
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements.
 TEST(InfoType, ListsOfAdaFixedOrderByCountThenAsSignedNumbers) {
     order::expect_less(Ada_Fixed{{9}, 9, 9, true, {}}, Ada_Fixed{{1, 1}, 1, 1, false, {}});
     order::expect_less(Ada_Fixed{{-1}, 9, 9, true, {}}, Ada_Fixed{{1}, 1, 1, false, {}});
@@ -136,7 +136,7 @@ TEST(InfoType, AbsentThirdNumberIsLessThanPresent) {
     order::expect_equal(Integer{1, 2, {}}, Integer{1, 2, {}});
 }
 
-// Required: what is no number is unequal to everything, so it ends the comparison.
+// Required: a NaN is unequal to everything, so it ends the comparison.
 TEST(InfoType, DoubleThatIsNoNumberLeavesRecordsUnordered) {
     order::expect_unordered(Ada_Float{nan, 1, 1}, Ada_Float{nan, 2, 2});
     order::expect_unordered(Ada_Float{nan, 1, 1}, Ada_Float{1, 2, 2});
@@ -173,7 +173,7 @@ TEST(InfoType, ReadingTheHeldArmAddsToItsLists) {
 
 // ---- doubles on the wire ----
 
-// Required: six decimals cross the wire and no more.
+// Required: only six decimals are written.
 TEST(InfoType, DoubleWithMoreDecimalsNoLongerEqualsWhatWasWritten) {
     Ada_Float const written{0.1234567, 1.5, 0};
     wire::expect(written, "08000000 '0.123457'  08000000 '1.500000'  00000000");
@@ -292,7 +292,7 @@ TEST(InformationValue, TypeDecidesBeforeRange) {
     order::expect_equal(value(1), value(1));
 }
 
-// Required: the range is not looked at by `<`, yet by `==`.
+// Required: `<` does not compare the range, but `==` does.
 TEST(InformationValue, ValuesOfNoTypeAreEachLess) {
     for (std::int32_t const tag : {6, 7}) {
         auto const no_type = tables::with_tag<T_Info_Type>(tag);
@@ -315,8 +315,8 @@ TEST(InformationValue, TypeWithoutNumberEndsTheComparison) {
     order::expect_unordered(of_type(T_Info_Type(), 1), of_type(T_Info_Type(), 2));
 }
 
-// Required: the range of a value goes from its intervals straight to the multiplicity, while a
-// record around the value asks for equality before it goes on.
+// Required: the comparison of a range goes from its intervals straight to the multiplicity. A
+// record around the value goes on only if the values are equal.
 TEST(InformationValue, HolderEndsAtARangeThatIsUnequalAndNotLess) {
     auto holder = [](std::int32_t number) {
         sml::Infos::T_Information_Category::VAI_args result{value(), number};

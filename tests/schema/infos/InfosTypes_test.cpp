@@ -58,7 +58,7 @@ TEST(InfosTypes, EnumerationsAreWordsOnTheWire) {
     wire::expect(sml::InfosTypes::WRAP_AROUND_MODE, "03000000");
 }
 
-// ---- what a value stands in ----
+// ---- the place of a value ----
 
 TEST(VariableName, HasSixArms) {
     tables::expect_arms<T_Variable_Name>(
@@ -271,7 +271,7 @@ TEST(StatementKind, AbsentThrownStringIsLessThanPresent) {
     order::expect_equal(none, none);
 }
 
-// Required: holders rely on it and must not find it repaired.
+// Required, and not to be repaired: the order of records that hold a kind relies on it.
 TEST(StatementKind, KindsWithoutPayloadAreLessThanThemselves) {
     tags::expect_less_than_themselves<T_Info_Statement_Kind>({8, 9, 11, 16, 18});
 }

@@ -1,4 +1,4 @@
-// Intervals, what is known of divisibility, and the ranges made of both.
+// Intervals, divisibility, and the ranges that consist of both.
 
 #include <sml/schema/Infos.hpp>
 #include "tests/schema/fields.hpp"
@@ -118,7 +118,7 @@ TEST(Range, IntervalOfFloatsWritesBothWithoutFlags) {
 
 TEST(Range, NanIsItsTag) { wire::expect(no_number(), "01000000"); }
 
-// Required: a tag but 0 and 1 stands before two floats, one that was never set among them.
+// Required: every tag other than 0 and 1, also that of an unset value, is followed by two floats.
 TEST(Range, EveryOtherTagTakesTwoFloats) {
     tables::expect_stray_tags<T_Range>(zero_float + std::string(zero_float));
     for (std::int32_t const tag : {3, 1000, -1, std::numeric_limits<std::int32_t>::min()}) {
@@ -147,7 +147,7 @@ TEST(Range, TextIsParsedByTheWordBehindIt) {
     EXPECT_EQ(read.arm<"Real_Interval">().lower.width, 32u);
 }
 
-// Required: the process-wide exponent range is left as the last float had it.
+// Required: the process-wide exponent range stays as the last float set it.
 TEST(Range, LastFloatSetsTheExponentRange) {
     T_Range const     narrow_last = real(number(1, 64), number(1, 16));
     std::string const bytes = wire::write(real(number(1, 16), number(1, 32)));
@@ -194,7 +194,7 @@ TEST(Range, EqualFloatsOfTwoFormatsOrderByFormat) {
     order::expect_less(real(number(1, 64), number(9, 32)), real(number(1, 64), number(9, 64)));
 }
 
-// Required: unlike in full ranges, the upper floats are not looked at.
+// Required: the upper floats are not compared, unlike in full ranges.
 TEST(Range, LowerThatIsNoNumberLeavesIntervalsUnordered) {
     order::expect_unordered(real(nan, 1), real(nan, 2));
     order::expect_unordered(real(nan, 1), real(5, 2));
@@ -308,7 +308,7 @@ TEST(ValueRange, NanAmongTheIntervalsIsItsTag) {
                  "02000000  01000000  01000000  02000000 03000000 '0' 00 00");
 }
 
-// Required: a tag but 0 and 1 stands before intervals and multiplicity.
+// Required: every tag other than 0 and 1 is followed by intervals and a multiplicity.
 TEST(ValueRange, EveryOtherTagTakesIntervals) {
     tables::expect_stray_tags<T_Value_Range>("00000000  FFFFFFFF");
     for (std::int32_t const tag : {3, 1000, -1}) {
@@ -337,7 +337,7 @@ TEST(ValueRange, ReadingAbsentBoundsDestroysTheHeldOnes) {
     EXPECT_EQ(read, reals({}, {}, false));
 }
 
-// Required: the bounds are there, at their defaults, before their first text is read.
+// Required: the bounds exist, with default values, before their first text is read.
 TEST(ValueRange, ReadingThatFailsInTheFirstTextLeavesFreshBounds) {
     std::istringstream stream(
         wire::bytes("01000000  01000000 02000000 03000000  54  06000000 '0X'"));
@@ -380,8 +380,8 @@ TEST(ValueRange, RealsOrderByFormatBoundsAndFlag) {
     order::expect_equal(reals({1, 2, 3}, bounds(1, 9), true), reals({1, 2, 3}, bounds(1, 9), true));
 }
 
-// Required: bounds are told with `<` alone, so what is no number stops neither the way to the
-// second of a pair nor that to the flag.
+// Required: bounds are compared by `<` alone, so a NaN does not end the comparison: the second of a
+// pair and the flag are still compared.
 TEST(ValueRange, BoundThatIsNoNumberIsPassedOver) {
     order::expect_less(reals({}, bounds(nan, 1), true), reals({}, bounds(nan, 2), false));
     order::expect_less(reals({}, bounds(nan, 1), true), reals({}, bounds(5, 2), false));
@@ -416,8 +416,8 @@ TEST(ValueRange, NansAtOnePositionMakeRangesEachLess) {
     order::expect_less(range({whole(1, 1), no_number()}), range({whole(2, 2), no_number()}));
 }
 
-// Required: the walk passes over such intervals and goes straight on to the multiplicity; their
-// equality is never asked.
+// Required: such intervals do not end the comparison, which goes straight on to the multiplicity.
+// The lists are not compared for equality.
 TEST(ValueRange, UnorderedIntervalsArePassedOver) {
     order::expect_less(range({real(nan, 2), whole(1, 1)}), range({real(nan, 1), whole(1, 2)}));
     order::expect_less(range({real(nan, 2)}, multiple(1)), range({real(nan, 1)}, multiple(2)));

@@ -167,15 +167,15 @@ TEST(Reference, TheIdentifierMinusOneSortsBelowOne) {
 
 T_SourceLocRef place(sml::uint32 kind) { return {kind, {}, 0}; }
 
-/// An interrogator of which every part is set.
+/// An interrogator in which every part is set.
 T_Interrogator interrogator() { return {reference<T_FunctionRef>(1, 2), 3, {4, {5, ""s, 6}, -7}}; }
 
-/// Its bytes where its empty file name comes first.
+/// Its bytes if its empty file name has the definition of the empty text.
 constexpr char const* interrogator_bytes =
     "01000000 0200000000000000  03000000"
     "  04000000 05000000 FFFFFFFF 00000000 06000000 F9FFFFFFFFFFFFFF  ";
 
-/// An interrogator that is equal to itself and lesser than a raised one.
+/// An interrogator that is equal to itself and less than a raised one.
 T_Interrogator lesser() { return {reference<T_FunctionRef>(0, all_ones), -1, place(1)}; }
 
 void raise(T_Interrogator& value) { value.function_ref.value = 0; }

@@ -37,7 +37,7 @@ TEST(Selector, WritesFieldNameAndOwner) {
                  "01000000  FFFFFFFF 01000000 'x'  54 FEFFFFFF 01000000 'S' 07000000");
 }
 
-// Required: only tag 0 is tested for, so each other tag stands before a field.
+// Required: every tag other than 0 is followed by a field.
 TEST(Selector, EveryOtherTagTakesTheFieldPayload) {
     tables::expect_stray_tags<Selector>("FFFFFFFF 00000000  46");
     for (char const* const tag : {"02000000", "FFFFFFFF", "00000080", "FFFFFF7F"}) {
@@ -81,7 +81,7 @@ TEST(Selector, TagsPastTheLastArmCompareTheirPayloads) {
     order::expect_less(without_owner, with_owner);
 }
 
-// Required: whatever payloads they carry.
+// Required, whatever their payloads.
 TEST(Selector, TwoNegativeTagsAreNeitherEqualNorLess) {
     auto       read = [](char const* hex) { return wire::read<Selector>(wire::bytes(hex)); };
     auto const without_owner = read("FFFFFFFF  FFFFFFFF 00000000  46");

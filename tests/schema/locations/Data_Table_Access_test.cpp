@@ -24,7 +24,7 @@ Selector field(sml::Strings_T const& name) {
     return selector;
 }
 
-/// An access whose atomicity is equal to itself and not less, so that the fields behind it count.
+/// An access whose atomicity is equal to itself and not less, so that the fields after it decide.
 Access access(std::list<Selector> const& path = {}) {
     Access result;
     result.atomicity.choose<"FUNCTION_CALL">();
@@ -71,7 +71,7 @@ TEST(DataTableAccess, EmptyPathIsLessThanEveryOther) {
     order::expect_equal(access(), access());
 }
 
-// Required: the size goes first.
+// Required: the sizes are compared first.
 TEST(DataTableAccess, ShortPathIsLessWhateverItHolds) {
     order::expect_less(access({field({"x"})}), access({element({}), element({})}));
 }
@@ -96,8 +96,8 @@ TEST(DataTableAccess, UnsetSelectorMakesARecordUnequalToItsCopy) {
     order::expect_unordered(value, Access(value));
 }
 
-// Required: the walk passes over selectors that are neither less nor greater, equal or not; only
-// then are the whole paths asked for equality.
+// Required: selectors that are neither less nor greater, equal or not, do not end the comparison.
+// Only at its end are the whole paths compared for equality.
 TEST(DataTableAccess, UnsetSelectorIsPassedOverInTheWalk) {
     order::expect_less(access({Selector(), element(1)}), access({Selector(), element(2)}));
 

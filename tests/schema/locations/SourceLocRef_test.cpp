@@ -39,7 +39,7 @@ TEST(SourceLocRef, FieldsDecideInOrder) {
                          &T_SourceLocRef::reference);
 }
 
-// Required: the kind is unsigned and everything behind it signed.
+// Required: the kind is unsigned, and all fields after it are signed.
 TEST(SourceLocRef, KindWithTopBitSetIsGreatest) {
     order::expect_less(T_SourceLocRef{1, {}, 0}, T_SourceLocRef{0xFFFFFFFF, {}, 0});
     order::expect_less(T_SourceLocRef{0x7FFFFFFF, {}, 0}, T_SourceLocRef{0x80000000, {}, 0});

@@ -18,7 +18,7 @@ using std::string_literals::operator""s;
 using Results = sml::Application_Results::T_Application_Results;
 using Key = std::pair<Strings_T, sml::int32>;
 
-/// Calls `use` with a pointer to each of the thirteen tables, in their order.
+/// Calls `use` with a pointer to each of the thirteen maps, in their order.
 template <class Use>
 void for_each_table(Use const& use) {
     use(&Results::block_numbers);
@@ -36,7 +36,7 @@ void for_each_table(Use const& use) {
     use(&Results::signatures);
 }
 
-/// The entry of a name in a table, whatever its keys are; made when absent.
+/// The entry of a name in a map with keys of any type. It is added if there is none.
 template <class Table>
 typename Table::mapped_type& entry(Table& table, std::string const& name) {
     if constexpr (std::is_same_v<typename Table::key_type, Strings_T>)
@@ -45,7 +45,7 @@ typename Table::mapped_type& entry(Table& table, std::string const& name) {
         return table[Key(name, 0)];
 }
 
-/// One entry in every table; equal to its copies and not less than itself.
+/// A value with one entry in every map. It is equal to its copies and not less than itself.
 Results one_of_each() {
     Results results;
     results.first_int = -1;

@@ -137,7 +137,7 @@ TEST(PieceOutput, HandsOnAllBytesInLargePieces) {
     EXPECT_EQ(pieces.front().size(), least_piece + 3);
 }
 
-/// Walks a value, and counts its events.
+/// Walks a value, and counts its strings and definitions.
 struct Counter {
     WalkedBytes at;
     std::size_t strings = 0;

@@ -71,7 +71,8 @@ class Wire:
 
 
 # Each class below is a type. read() returns a value, which is read over `old` if that is not None;
-# write() appends the value's JSON to the list `out`; key() returns equal keys for equal values only.
+# write() appends the value's JSON to the list `out`; key() returns a key, which is equal for equal
+# values only.
 
 
 class Type:

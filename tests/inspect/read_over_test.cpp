@@ -293,7 +293,7 @@ TEST(ReadOverRule, AKeyWithANegativeTagEqualsNoOther) {
 }
 
 TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
-    using Range = sml::Infos::T_Value_Range;  // arm 2 holds a list of ranges and a variant
+    using Range = sml::Infos::T_Value_Range;  // arm 2 has a list of ranges and a variant
     static_assert(Range::arms::count == 3);
     std::string const two = "02 00 00 00  02 00 00 00  01 00 00 00  01 00 00 00  00 00 00 00";
     std::string const one = "02 00 00 00  01 00 00 00  01 00 00 00  03 00 00 00";

@@ -81,7 +81,7 @@ TEST(VariableName, WritesEachPayload) {
     wire::expect(value, "05000000  FFFFFFFF 01000000 'q' FEFFFFFF 01000000 'n'  05000000  54");
 }
 
-// Required: every tag that no other arm has stands before a variable.
+// Required: every tag without an arm of its own is followed by a variable.
 TEST(VariableName, EveryOtherTagTakesTheVariablePayload) {
     tables::expect_stray_tags<T_Variable_Name>("FFFFFFFF 00000000 01000000  00000000  46");
     for (char const* const tag : {"06000000", "FFFFFFFF"}) {
@@ -218,7 +218,7 @@ TEST(StatementKind, WritesEachPayload) {
                  "11000000  04000000  54 FFFFFFFF 01000000 'a'");
 }
 
-// Required: every tag that no other arm has stands before a variable.
+// Required: every tag without an arm of its own is followed by a variable.
 TEST(StatementKind, EveryOtherTagTakesTheLastPayload) {
     tables::expect_stray_tags<T_Info_Statement_Kind>(unset_variable);
     for (char const* const tag : {"15000000", "FFFFFFFF", "00000080"}) {

@@ -11,7 +11,7 @@ namespace {
 
 using Failure = sml::Failure::T;
 
-// `named_ints` of a failure holds the length of each list of the flows. The key is the JSON pointer
+// `named_ints` of a failure has the length of each list of the flows. The key is the JSON pointer
 // of the list relative to the result.
 constexpr char const* flows_pointer = "codeFlows";
 

@@ -2,7 +2,7 @@
 #include "tests/bindings/families.hpp"
 #include "tests/core/string_table.hpp"
 #include "tests/random_values.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ T random_value(std::uint64_t seed) {
 /// The bytes in hex, for comparisons and messages.
 template <class T>
 std::string bytes_of(Family<T> const& family, T const& value) {
-    return wire::hex(family.from_cxx(value));
+    return hex::shown(family.from_cxx(value));
 }
 
 template <class T>

@@ -3,7 +3,7 @@
 // thread are allowed.
 
 #include <sml/bindings/bindings.hpp>
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 

@@ -56,7 +56,7 @@ Rest with_number(std::int32_t tag, int32 number) {
 }
 
 std::string bytes_of(std::int32_t tag, int32 number) {
-    return wire::write(tag) + wire::write(number) + wire::bytes("00 00 00 00");
+    return wire::write(tag) + wire::write(number) + hex::bytes("00 00 00 00");
 }
 
 void read_over(Rest& value, std::string const& bytes) {
@@ -65,7 +65,7 @@ void read_over(Rest& value, std::string const& bytes) {
 
 /// Bytes of the tag and a payload whose list has one element, which reading over a value appends.
 std::string one_more(std::int32_t tag, int32 element) {
-    return wire::write(tag) + wire::bytes("00 00 00 00  01 00 00 00") + wire::write(element);
+    return wire::write(tag) + hex::bytes("00 00 00 00  01 00 00 00") + wire::write(element);
 }
 
 class ElseArm : public testing::Test {
@@ -80,7 +80,7 @@ private:
 
 TEST_F(ElseArm, StandsBehindEveryRemainingTagOnTheWire) {
     for (std::int32_t const tag : remaining_tags)
-        wire::expect(with_number(tag, 5), wire::hex(bytes_of(tag, 5)));
+        wire::expect(with_number(tag, 5), hex::shown(bytes_of(tag, 5)));
     wire::expect(with_tag(1), "01 00 00 00");
 }
 
@@ -140,11 +140,11 @@ TEST_F(ElseArm, DifferingTagRebuildsThoughTheArmIsTheSame) {
 
 TEST_F(ElseArm, IsDestroyedWhenAnotherTagIsRead) {
     Rest value = with_number(16, 1);
-    read_over(value, wire::bytes("01 00 00 00"));
+    read_over(value, hex::bytes("01 00 00 00"));
     EXPECT_EQ(alive(), 0);
     read_over(value, bytes_of(-1, 1));
     EXPECT_EQ(alive(), 1);
-    read_over(value, wire::bytes("00 00 00 00  07 00 00 00"));
+    read_over(value, hex::bytes("00 00 00 00  07 00 00 00"));
     EXPECT_EQ(alive(), 0);
     EXPECT_EQ(value.arm<"FIRST">(), 7);
 }
@@ -243,7 +243,7 @@ TEST_F(ElseArm, AloneTakesEveryTag) {
         Everything value;
         value.choose_tag(tag);
         value.arm<"ONLY">() = {4};
-        wire::expect(value, wire::hex(wire::write(tag)) + "01 00 00 00  04 00 00 00");
+        wire::expect(value, hex::shown(wire::write(tag)) + "01 00 00 00  04 00 00 00");
     }
 }
 

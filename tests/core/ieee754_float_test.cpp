@@ -119,8 +119,7 @@ TEST(Float, TextIsCutToTheLowByteOfItsLength) {
     for (std::size_t const length : {200u, 254u, 255u, 256u, 257u, 300u, 507u, 511u, 512u, 600u}) {
         SCOPED_TRACE(length);
         std::string const whole = "0X1." + std::string(length - around, '7') + "P+0";
-        std::string const expected =
-            block(whole.substr(0, length & 0xff)) + wire::bytes("40000000");
+        std::string const expected = block(whole.substr(0, length & 0xff)) + hex::bytes("40000000");
         EXPECT_EQ(wire::write(with_digits(length - around)), expected);
         EXPECT_EQ(wire::write_to_stream(with_digits(length - around)), expected);
     }
@@ -209,7 +208,7 @@ TEST(Float, TextOfAnyKindIsReadInBase16) {
 }
 
 TEST(Float, TextIsCutAtItsFirstZeroByte) {
-    EXPECT_EQ(text_of(read(64, wire::bytes("'0X3P+0' 00 'junk'"))), "0X3P+0");
+    EXPECT_EQ(text_of(read(64, hex::bytes("'0X3P+0' 00 'junk'"))), "0X3P+0");
 }
 
 TEST(Float, TextThatIsNoNumberIsNotNoticed) {
@@ -223,27 +222,27 @@ TEST(Float, TextThatIsNoNumberIsNotNoticed) {
 
 TEST(Float, WidthIsReadBehindItsText) {
     std::pair<IEEE754Float, std::int32_t> value;
-    wire::read_over(value, bytes_of(16, "0X1.0018P+0") + wire::bytes("07 00 00 00"));
+    wire::read_over(value, bytes_of(16, "0X1.0018P+0") + hex::bytes("07 00 00 00"));
     EXPECT_EQ(value.first.width, 16u);
     EXPECT_EQ(text_of(value.first), "0X1P+0");
     EXPECT_EQ(value.second, 7);
 }
 
 TEST(Float, UnlistedWidthStillWritesItsTextAndItsWord) {
-    EXPECT_EQ(wire::hex(wire::write(unlisted(7))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  07 00 00 00")));
-    EXPECT_EQ(wire::hex(wire::write(unlisted(0))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  00 00 00 00")));
-    EXPECT_EQ(wire::hex(wire::write_to_stream(unlisted(65))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  41 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(7))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  07 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(0))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  00 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write_to_stream(unlisted(65))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  41 00 00 00")));
 }
 
 // Only the low half of the word is 64.
 TEST(Float, WidthGoesOutAsItsLowHalf) {
     wire::write(unlisted(0x1'0000'0040));
     EXPECT_EQ(range(), Range(2, 1));
-    EXPECT_EQ(wire::hex(wire::write(unlisted(0x1'0000'0040))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  40 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(0x1'0000'0040))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  40 00 00 00")));
 }
 
 // A mantissa of 0 bits makes MPFR abort. No check may prevent that.
@@ -305,7 +304,7 @@ TEST(Float, EveryUseLeavesTheRangeOfItsWidth) {
 
         disturb_range();
         std::istringstream stream(bytes);
-        wire::read_over_from_stream(value, stream);
+        sml::core::read_from_stream(value, stream);
         EXPECT_EQ(range(), expected);
     }
 }

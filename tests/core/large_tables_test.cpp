@@ -152,7 +152,7 @@ void expect_kept(Entries const& all, std::string const& unreadable) {
     expect_alike(table, expected);
     Table              from_stream;
     std::istringstream stream(bytes);
-    EXPECT_THROW(wire::read_over_from_stream(from_stream, stream), std::length_error);
+    EXPECT_THROW(sml::core::read_from_stream(from_stream, stream), std::length_error);
     expect_alike(from_stream, expected);
 }
 
@@ -160,29 +160,29 @@ TEST(LargeTable, KeepsWhatWasReadBeforeAnEntryThatThrows) {
     for (int32 const before : {0, 1, 12, 13, 14, 29, 63, 64, 100}) {
         Entries all;
         for (int32 key = 0; key < before; ++key) all.emplace_back(3 * key, Value{"value", {}});
-        expect_kept(all, wire::write(int32{1000}) + wire::bytes("FF FF FF FF"));
-        expect_kept(all, wire::write(int32{0}) + wire::bytes("FF FF FF FF"));
+        expect_kept(all, wire::write(int32{1000}) + hex::bytes("FF FF FF FF"));
+        expect_kept(all, wire::write(int32{0}) + hex::bytes("FF FF FF FF"));
     }
 }
 
 TEST(LargeTable, KeepsWhatWasReadBeforeAKeyThatThrows) {
-    std::string                            bytes = wire::bytes("64 00 00 00");
+    std::string                            bytes = hex::bytes("64 00 00 00");
     std::unordered_map<std::string, Value> expected;
     for (int32 i = 0; i < 40; ++i) {
         expected.try_emplace(std::to_string(i), std::to_string(i), Rest());
         bytes += wire::write(std::to_string(i)) + wire::write(Value{std::to_string(i), {}});
     }
     std::unordered_map<std::string, Value> table;
-    EXPECT_THROW(wire::read_over(table, bytes + wire::bytes("FF FF FF FF")), std::length_error);
+    EXPECT_THROW(wire::read_over(table, bytes + hex::bytes("FF FF FF FF")), std::length_error);
     EXPECT_EQ(table, expected);
     EXPECT_TRUE(std::equal(table.begin(), table.end(), expected.begin(), expected.end()));
 }
 
 /// A failed read leaves the bytes that were read before, so all keys are equal.
 TEST(LargeTable, HasOneEntryOfAStreamThatEnds) {
-    std::istringstream              stream(wire::bytes("00 10 00 00  05 00 00 00"));
+    std::istringstream              stream(hex::bytes("00 10 00 00  05 00 00 00"));
     std::unordered_map<int32, Rest> table;
-    wire::read_over_from_stream(table, stream);
+    sml::core::read_from_stream(table, stream);
     EXPECT_TRUE(stream.fail());
     EXPECT_EQ(table, (std::unordered_map<int32, Rest>{{5, Rest()}}));
 }
@@ -199,7 +199,7 @@ TEST(LargeTable, DropsAnEntryAtOnceWhoseKeyItHas) {
 }
 
 TEST(LargeTable, LetsStringsGoWithDroppedEntries) {
-    std::string bytes = wire::bytes("00 01 00 00");
+    std::string bytes = hex::bytes("00 01 00 00");
     for (int32 i = 0; i < 256; ++i)
         bytes += wire::write(i % 128) + wire::write(-1 - i) + wire::write("s" + std::to_string(i)) +
                  wire::write(Rest());

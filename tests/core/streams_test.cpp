@@ -135,14 +135,14 @@ std::string write_to(std::ostringstream& stream, T const& value) {
 template <class T>
 T read_from(std::istream& stream) {
     T value{};
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     return value;
 }
 
 /// Reads a value from a stream that ends too early.
 template <class T>
 T read_short(std::string_view hex) {
-    std::istringstream stream(wire::bytes(hex));
+    std::istringstream stream(hex::bytes(hex));
     T                  value = read_from<T>(stream);
     EXPECT_TRUE(stream.fail());
     return value;
@@ -152,7 +152,7 @@ TEST(StreamWriter, PadsFlagsToTheStreamsWidth) {
     std::ostringstream stream;
     stream << std::setfill('*') << std::setw(4);
     EXPECT_EQ(write_to(stream, std::tuple(int32{1}, true, false)),
-              wire::bytes("01 00 00 00 '***T' 'F'"));
+              hex::bytes("01 00 00 00 '***T' 'F'"));
 }
 
 TEST(StreamWriter, PadsFlagsAsTheStreamAdjusts) {
@@ -165,9 +165,9 @@ TEST(StreamWriter, PadsNothingButFlags) {
     std::ostringstream stream;
     stream << std::setfill('*') << std::setw(9);
     EXPECT_EQ(write_to(stream, std::tuple(Strings_T("ab"), int64{1}, std::string("c"))),
-              wire::bytes("FF FF FF FF  02 00 00 00 'ab'"
-                          "01 00 00 00 00 00 00 00"
-                          "01 00 00 00 'c'"));
+              hex::bytes("FF FF FF FF  02 00 00 00 'ab'"
+                         "01 00 00 00 00 00 00 00"
+                         "01 00 00 00 'c'"));
     EXPECT_EQ(stream.width(), 9);
 }
 
@@ -178,9 +178,9 @@ TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
         sml::StreamOArchive archive(stream);
         sml::core::Writer{archive}(one_of_everything());
         archive.finish();
-        EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+        EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(one_of_everything())));
     }
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(one_of_everything())));
     EXPECT_EQ(sink.flushes, 0);
     EXPECT_EQ(sink.seeks, 0);
 }
@@ -196,7 +196,7 @@ TEST(StreamWriter, FlushesBehindEachItemWhereTheStreamDoes) {
     stream.setf(std::ios::unitbuf);
     sml::core::write_to_stream(ten_items(), stream);
     EXPECT_EQ(sink.flushes, 10);
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(ten_items())));
 }
 
 TEST(StreamWriter, FlushesATiedStreamBeforeEachItem) {
@@ -208,7 +208,7 @@ TEST(StreamWriter, FlushesATiedStreamBeforeEachItem) {
     sml::core::write_to_stream(ten_items(), stream);
     EXPECT_EQ(other_sink.flushes, 10);
     EXPECT_EQ(sink.flushes, 0);
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(ten_items())));
 }
 
 TEST(StreamReader, FlushesATiedStreamBeforeEachItem) {
@@ -269,7 +269,7 @@ TEST(StreamReader, SkipsWhiteSpaceBeforeAFlag) {
 }
 
 TEST(StreamReader, SkipsWhiteSpaceBeforeThePresenceOfAValue) {
-    std::istringstream stream(wire::bytes("' T' 07 00 00 00"));
+    std::istringstream stream(hex::bytes("' T' 07 00 00 00"));
     EXPECT_EQ(read_from<std::optional<int32>>(stream), 7);
 }
 
@@ -281,7 +281,7 @@ TEST(StreamReader, TakesABlankAsAFlagWhereTheStreamSkipsNone) {
 }
 
 TEST(StreamReader, SkipsWhiteSpaceBeforeNothingElse) {
-    std::istringstream stream(wire::bytes("20 20 20 20  01 00 00 00 20"));
+    std::istringstream stream(hex::bytes("20 20 20 20  01 00 00 00 20"));
     EXPECT_EQ(read_from<int32>(stream), 0x20202020);
     EXPECT_EQ(read_from<std::string>(stream), " ");
 }
@@ -343,9 +343,9 @@ TEST(StreamReader, FirstFailedReadGivesZero) {
     bool  flag = true;
 
     std::istringstream empty;
-    wire::read_over_from_stream(number, empty);
+    sml::core::read_from_stream(number, empty);
     EXPECT_EQ(number, 0);
-    wire::read_over_from_stream(flag, empty);
+    sml::core::read_from_stream(flag, empty);
     EXPECT_FALSE(flag);
 }
 
@@ -354,7 +354,7 @@ TEST(StreamReader, TakesNothingFromAStreamThatHasFailedBefore) {
     std::istringstream stream(wire::write(Values(7, true, 255, 9)));
     stream.setstate(std::ios::failbit);
     Values value(1, true, 2, 3);
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_TRUE(value == Values(0, false, 2, 0));
     stream.clear();
     EXPECT_EQ(stream.tellg(), 0);
@@ -367,7 +367,7 @@ TEST(StreamReader, LeavesTheFlagsBehindAnItemThatFails) {
     Unready      buffer(wire::write(Values(7, 8, true, true)), sizeof(int32));
     std::istream stream(&buffer);
     Values       value;
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_TRUE(stream.fail());
     EXPECT_EQ(buffer.taken(), 4);
 }
@@ -400,19 +400,19 @@ TEST(StreamReader, StringOfAnEmptyStreamIsEmpty) {
 }
 
 TEST(StreamReader, LengthThatFailsIsTheWordBefore) {
-    // The read of the length fails, so the definition's word -1 is used as the length.
-    std::istringstream stream(wire::bytes("FF FF FF FF"));
+    // The first sight's own word -1 is taken for the length.
+    std::istringstream stream(hex::bytes("FF FF FF FF"));
     Strings_T          handle;
-    EXPECT_THROW(wire::read_over_from_stream(handle, stream), std::length_error);
+    EXPECT_THROW(sml::core::read_from_stream(handle, stream), std::length_error);
 }
 
 TEST(StreamReader, LetsTheStreamsExceptionPass) {
     std::size_t const  before = string_table::size();
-    std::istringstream stream(wire::bytes("FF FF FF FF  04 00 00 00 'text'  07 00"));
+    std::istringstream stream(hex::bytes("FF FF FF FF  04 00 00 00 'text'  07 00"));
     stream.exceptions(std::ios::eofbit);
     {
         std::pair<Strings_T, int32> value("streams: before", 5);
-        EXPECT_THROW(wire::read_over_from_stream(value, stream), std::ios_base::failure);
+        EXPECT_THROW(sml::core::read_from_stream(value, stream), std::ios_base::failure);
         EXPECT_EQ(value.first.str(), "text");
         EXPECT_EQ(value.second, 5);
         EXPECT_EQ(string_table::count_of("text"), 1u);

@@ -66,7 +66,7 @@ Choice with_counted(std::int32_t number) {
 
 template <class V>
 void read_over(V& value, std::string_view hex) {
-    std::string const bytes = wire::bytes(hex);
+    std::string const bytes = hex::bytes(hex);
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
 }
 
@@ -163,7 +163,7 @@ TEST(Variant, PayloadDecidesBetweenEqualTags) {
 }
 
 TEST(Variant, UnknownTagStaysAndIsLessThanItself) {
-    auto const unknown = wire::read<T_Atomicity_Condition>(wire::bytes("07 00 00 00"));
+    auto const unknown = wire::read<T_Atomicity_Condition>(hex::bytes("07 00 00 00"));
     EXPECT_EQ(unknown.tag, 7);
     EXPECT_EQ(unknown.toString(), nullptr);
     expect_equal_and_less(unknown, unknown);
@@ -345,7 +345,7 @@ TEST(Variant, PayloadThatCantBeMadeByReadingLeavesTheVariantUnset) {
     Choice    value = with_list({1});
     {
         Refuse const refuse(Counted::making);
-        EXPECT_THROW(wire::read_over(value, wire::bytes("00 00 00 00")), Refusal);
+        EXPECT_THROW(wire::read_over(value, hex::bytes("00 00 00 00")), Refusal);
     }
     EXPECT_EQ(value.tag, -1);
     EXPECT_EQ(Counted::alive, alive);
@@ -383,9 +383,9 @@ TEST(Variant, FailureInsideAPayloadKeepsWhatWasRead) {
     std::size_t const before = string_table::size();
     {
         Choice value = with_list({1});
-        EXPECT_THROW(wire::read_over(value, wire::bytes("04 00 00 00"
-                                                        "FF FF FF FF  04 00 00 00 'read'"
-                                                        "FF FF FF FF")),
+        EXPECT_THROW(wire::read_over(value, hex::bytes("04 00 00 00"
+                                                       "FF FF FF FF  04 00 00 00 'read'"
+                                                       "FF FF FF FF")),
                      std::length_error);
         ASSERT_TRUE(value.holds<"TEXTS">());
         EXPECT_EQ(value.arm<"TEXTS">().first.str(), "read");

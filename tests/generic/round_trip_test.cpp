@@ -3,7 +3,7 @@
 #include "tests/generic/coverage.hpp"
 #include "tests/generic/enumeration_shapes.hpp"
 #include "tests/generic/loops.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 using generic::Row;
 using generic::Value;
@@ -19,7 +19,7 @@ void expect_equal(Value const& copy, Value const& value, Row const& row) {
 
 void expect_round_trip(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
-    ASSERT_EQ(wire::hex(value.stream_bytes()), wire::hex(bytes));
+    ASSERT_EQ(hex::shown(value.stream_bytes()), hex::shown(bytes));
 
     Value from_bytes(row);
     ASSERT_EQ(from_bytes.read(bytes), bytes.size());
@@ -35,8 +35,8 @@ void expect_equal_bytes_again(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
     Value             copy(row);
     copy.read(bytes);
-    ASSERT_EQ(wire::hex(copy.bytes()), wire::hex(bytes));
-    ASSERT_EQ(wire::hex(copy.stream_bytes()), wire::hex(bytes));
+    ASSERT_EQ(hex::shown(copy.bytes()), hex::shown(bytes));
+    ASSERT_EQ(hex::shown(copy.stream_bytes()), hex::shown(bytes));
 }
 
 // Calls `use` with some values of the type and, for a variant, with some for each arm.

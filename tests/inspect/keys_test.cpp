@@ -139,7 +139,7 @@ void expect_hash(Key const& key) {
     StringTable       strings(bytes, &budget);
     auto const        hash = Keys(bytes, strings, budget).readers_hash(*describe<Key>(), 0);
     EXPECT_FALSE(hash.equals_none);
-    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << wire::hex(bytes);
+    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << hex::shown(bytes);
 }
 
 TEST(Keys, HashesOfReadersAreKnown) {

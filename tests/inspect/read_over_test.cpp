@@ -61,13 +61,13 @@ std::string kept(std::string const& bytes) {
     std::string const result = kept_of(root, bytes, {});
     T                 read{};
     EXPECT_EQ(wire::read_over(read, bytes), bytes.size());
-    EXPECT_EQ(wire::hex(canonical(root, result)), wire::hex(canonical(root, wire::write(read))));
-    return wire::hex(result);
+    EXPECT_EQ(hex::shown(canonical(root, result)), hex::shown(canonical(root, wire::write(read))));
+    return hex::shown(result);
 }
 
 template <class T>
 void expect_kept(std::string const& hex, std::string const& expected) {
-    EXPECT_EQ(kept<T>(wire::bytes(hex)), wire::hex(wire::bytes(expected)));
+    EXPECT_EQ(kept<T>(hex::bytes(hex)), hex::shown(hex::bytes(expected)));
 }
 
 /// The bytes of a map in which all entries have the key 7 and these values.
@@ -145,13 +145,13 @@ TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
         for (auto left = random() % 5; left > 0; --left)
             text += characters[random() % std::size(characters)];
         std::string bytes =
-            wire::bytes("02 00 00 00  07 00 00 00 03 00 00 00 '5' 00 00 07 00 00 00");
+            hex::bytes("02 00 00 00  07 00 00 00 03 00 00 00 '5' 00 00 07 00 00 00");
         auto const length = static_cast<char>(text.size());
         bytes += length + "\0\0\0"s + text;
         Table<BigInteger> read;
         wire::read_over(read, bytes);
         std::string const result = kept_of(root, bytes, {});
-        ASSERT_EQ(canonical(root, result), canonical(root, wire::write(read))) << wire::hex(bytes);
+        ASSERT_EQ(canonical(root, result), canonical(root, wire::write(read))) << hex::shown(bytes);
         numbers += read.begin()->second != 5 ? 1 : 0;
     }
     EXPECT_GT(numbers, 2000);

@@ -51,8 +51,8 @@ void compare(Root const& root, std::string const& bytes, Tally& tally) {
     std::string const kept(bytes_kept(root, bytes, bounded, budget));
     Table             read;
     wire::read_over(read, bytes);
-    ASSERT_EQ(wire::hex(canonical(root, kept)), wire::hex(canonical(root, wire::write(read))))
-        << root.stem << ": " << wire::hex(bytes);
+    ASSERT_EQ(hex::shown(canonical(root, kept)), hex::shown(canonical(root, wire::write(read))))
+        << root.stem << ": " << hex::shown(bytes);
 }
 
 void edit_word(std::string& bytes, Random& random) {

@@ -6,6 +6,7 @@
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
@@ -73,7 +74,7 @@ TEST(LongTexts, EndAnywhereInTheFirstChunk) {
     for (std::size_t const size : {room_ahead, 2 * room_ahead}) {
         for (std::size_t const end : ends_within(first_chunk)) {
             ThreeTexts const value = three_texts(end, size);
-            ASSERT_TRUE(archived(value) == plainly_written(value))
+            ASSERT_TRUE(wire::write(value) == plainly_written(value))
                 << "size " << size << " end " << end;
         }
     }
@@ -83,7 +84,7 @@ TEST(LongTexts, EndAnywhereInTheBytesThatAreWrittenOver) {
     for (std::size_t const held : {3 * room_ahead + 1, 12 * room_ahead + 77}) {
         for (std::size_t const end : ends_within(held)) {
             ThreeTexts const value = three_texts(end, room_ahead);
-            ASSERT_TRUE(archived(value, std::string(held, '*')) == plainly_written(value))
+            ASSERT_TRUE(wire::write(value, std::string(held, '*')) == plainly_written(value))
                 << "held " << held << " end " << end;
         }
     }
@@ -94,7 +95,7 @@ TEST(LongTexts, EndNearTheEndOfTheLargestChunk) {
     for (std::size_t const from_end :
          {0ul, 1ul, 5ul, 100ul, 2000ul, room_ahead - 1, room_ahead, room_ahead + 1}) {
         auto const value = std::pair(before, three_texts(largest_chunk - from_end, 2 * room_ahead));
-        ASSERT_TRUE(archived(value) == plainly_written(value)) << "from the end " << from_end;
+        ASSERT_TRUE(wire::write(value) == plainly_written(value)) << "from the end " << from_end;
     }
 }
 
@@ -104,7 +105,7 @@ void expect_written_alike(T const& value, Engine& engine) {
     std::string const expected = plainly_written(value);
     std::size_t const held =
         engine() % 2 == 0 ? engine() % 70'000 : expected.size() - engine() % (expected.size() + 1);
-    ASSERT_TRUE(archived(value, std::string(held, '*')) == expected) << "held " << held;
+    ASSERT_TRUE(wire::write(value, std::string(held, '*')) == expected) << "held " << held;
     std::size_t const ends[] = {no_end, engine() % (expected.size() + 2),
                                 expected.size() - engine() % std::min(expected.size(), 5000ul)};
     for (std::size_t const end : ends) {

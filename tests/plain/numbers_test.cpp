@@ -57,7 +57,7 @@ std::vector<std::uint64_t> parts(BigInteger const& value) {
 std::string expect_written_alike(auto const& value) {
     std::string const bytes = wire::write(value);
     Range const       range;
-    EXPECT_EQ(wire::hex(bytes), wire::hex(plainly_written(value)));
+    EXPECT_EQ(hex::shown(bytes), hex::shown(plainly_written(value)));
     EXPECT_EQ(range, Range());
     return bytes;
 }
@@ -74,9 +74,9 @@ void expect_read_alike(std::string const& bytes, T const& before) {
     T             expected(before);
     plain::Buffer buffer(alone.data());
     plain::Reader<plain::Buffer>{buffer}(expected);
-    EXPECT_EQ(parts(ours), parts(expected)) << wire::hex(bytes);
-    EXPECT_EQ(range, Range()) << wire::hex(bytes);
-    EXPECT_EQ(archive.cursor(), buffer.at()) << wire::hex(bytes);
+    EXPECT_EQ(parts(ours), parts(expected)) << hex::shown(bytes);
+    EXPECT_EQ(range, Range()) << hex::shown(bytes);
+    EXPECT_EQ(archive.cursor(), buffer.at()) << hex::shown(bytes);
 }
 
 /// A random float of any precision, mostly that of its format.

@@ -172,7 +172,7 @@ void expect_two_read_alike(Engine& engine) {
         RandomValues      random(engine(), {8, 3});
         std::string const bytes =
             plainly_written(random.make<T>()) + plainly_written(random.make<T>()) + "behind";
-        expect_read_alike_from_all<T>(bytes, engine, read_archived<T>);
+        expect_read_alike_from_all<T>(bytes, engine, sml::core::read_from_stream<T>);
     }
 }
 
@@ -237,7 +237,7 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
     };
     for (std::size_t const window : {1u, 20u, 300u, 20'000u})
         for (int flushes = 0; flushes < 300; flushes += 1 + flushes / 8)
-            ASSERT_EQ(read_flushed(read_archived<Values>, window, flushes),
+            ASSERT_EQ(read_flushed(sml::core::read_from_stream<Values>, window, flushes),
                       read_flushed(plain::from_stream<Values>, window, flushes))
                 << window << ", " << flushes;
 }
@@ -251,7 +251,7 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
         std::string bytes = plainly_written(item);
         bytes.replace(bytes.size() - 4, 4, 4, '\xff');
         bytes += plainly_written(item) + "behind";
-        expect_read_alike_from_all<Item>(bytes, engine, read_archived<Item>);
+        expect_read_alike_from_all<Item>(bytes, engine, sml::core::read_from_stream<Item>);
     }
 }
 
@@ -296,7 +296,7 @@ TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
                 std::string bytes;
                 while (bytes.size() < 60) bytes += "TF01 \n"[engine() % 6];
                 bool const skips = engine() % 2 == 0;
-                EXPECT_EQ(read_flags(bytes, locale, skips, read_archived<Flags>),
+                EXPECT_EQ(read_flags(bytes, locale, skips, sml::core::read_from_stream<Flags>),
                           read_flags(bytes, locale, skips, plain::from_stream<Flags>))
                     << "spaces " << spaces << " blank " << has_blank << " skips " << skips
                     << " bytes " << bytes;

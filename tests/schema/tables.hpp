@@ -39,8 +39,8 @@ void expect_payload(std::int32_t tag, std::string_view payload) {
     SCOPED_TRACE(testing::Message() << "tag " << tag);
     Variant const value = with_tag<Variant>(tag);
     EXPECT_EQ(value.tag, tag);
-    wire::expect(value, wire::hex(tag_bytes(tag)) + std::string(payload));
-    std::string const bytes = tag_bytes(tag) + wire::bytes(payload);
+    wire::expect(value, hex::shown(tag_bytes(tag)) + std::string(payload));
+    std::string const bytes = tag_bytes(tag) + hex::bytes(payload);
     EXPECT_EQ(wire::read<Variant>(bytes).tag, tag);
 }
 

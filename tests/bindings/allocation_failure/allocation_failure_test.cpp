@@ -84,7 +84,7 @@ TEST(OutOfMemory, PassesThroughTheReadersAndReleasesTheirStrings) {
 
 /// The width follows the text. The blank in the text makes the reader parse it in allocated memory.
 TEST(OutOfMemory, LeavesAFloatWhoseTextHasNoRoom) {
-    std::string const       bytes = wire::bytes("07 00 00 00  ' 0X1P+0'  40 00 00 00");
+    std::string const       bytes = hex::bytes("07 00 00 00  ' 0X1P+0'  40 00 00 00");
     zelvanite::IEEE754Float value;
     value.width = 32;
     long const allocations = fail_each_allocation([&] { wire::read_over(value, bytes); },

@@ -204,7 +204,7 @@ TEST(CheckCategory, StrayTagsAreBare) {
     tables::expect_stray_tags<Category>("");
     wire::expect(tables::with_tag<Category>(77), "4D000000");
     wire::expect(Category(), "FFFFFFFF");
-    EXPECT_EQ(wire::read<Category>(wire::bytes("4D000000")).tag, 77);
+    EXPECT_EQ(wire::read<Category>(hex::bytes("4D000000")).tag, 77);
 }
 
 TEST(CheckCategory, NegativeTagsPrintTheFirstArmAndTagsPastTheLastNothing) {
@@ -367,8 +367,8 @@ TEST(CheckCategory, StdLibWritesFieldsInOrder) {
 TEST(CheckCategory, ReadingTheHeldArmReplacesValuesAndKeepsTheArm) {
     Category value =
         category<"STACK_POINTER">(Category::STACK_POINTER_args{{{"kept"}}, {"replaced"}});
-    wire::read_over(value, wire::bytes("44000000  01000000 FFFFFFFF 05000000 'added'"
-                                       "FEFFFFFF 03000000 'new'"));
+    wire::read_over(value, hex::bytes("44000000  01000000 FFFFFFFF 05000000 'added'"
+                                      "FEFFFFFF 03000000 'new'"));
     EXPECT_EQ(value.arm<"STACK_POINTER">(),
               (Category::STACK_POINTER_args{{{"kept"}, {"added"}}, {"new"}}));
     EXPECT_EQ(string_table::count_of("replaced"), 0u);
@@ -378,14 +378,13 @@ TEST(CheckCategory, ReadingAnotherTagDestroysTheArmAndMakesTheNewOneAfresh) {
     Category value = category<"STACK_POINTER">(
         Category::STACK_POINTER_args{{{"in the old arm"}}, {"in the old arm"}});
     EXPECT_EQ(string_table::count_of("in the old arm"), 2u);
-    wire::read_over(value, wire::bytes("01000000"));
+    wire::read_over(value, hex::bytes("01000000"));
     EXPECT_TRUE(value.holds<"ACER">());
     EXPECT_EQ(string_table::count_of("in the old arm"), 0u);
-    wire::read_over(value,
-                    wire::bytes("44000000  01000000 FFFFFFFF 08000000 'next arm'  01000000"));
+    wire::read_over(value, hex::bytes("44000000  01000000 FFFFFFFF 08000000 'next arm'  01000000"));
     EXPECT_EQ(value.arm<"STACK_POINTER">(),
               (Category::STACK_POINTER_args{{{"next arm"}}, {"next arm"}}));
-    wire::read_over(value, wire::bytes("4D000000"));
+    wire::read_over(value, hex::bytes("4D000000"));
     EXPECT_EQ(value.tag, 77);
     EXPECT_EQ(string_table::count_of("next arm"), 0u);
 }

@@ -24,7 +24,7 @@ Classification impact(char const* text, std::int32_t number) {
 
 /// A classification with any tag other than 0, and this payload.
 Classification stray(std::string const& tag, char const* payload) {
-    return wire::read<Classification>(wire::bytes(tag + payload));
+    return wire::read<Classification>(hex::bytes(tag + payload));
 }
 
 std::uint64_t hash(Classification const& value) { return sml::Hash<Classification>{}(value); }
@@ -92,10 +92,10 @@ TEST(CheckClassification, SetHoldsCriticalOnce) {
     set.insert(impact("stdin", 4));
     EXPECT_EQ(set.size(), 3u);
 
-    EXPECT_EQ(wire::read<sml::core::HashedSet<Classification>>(
-                  wire::bytes("02000000  00000000  00000000"))
-                  .size(),
-              1u);
+    EXPECT_EQ(
+        wire::read<sml::core::HashedSet<Classification>>(hex::bytes("02000000  00000000  00000000"))
+            .size(),
+        1u);
 }
 
 // Values with a negative tag are unequal even to themselves.

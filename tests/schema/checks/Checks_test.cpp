@@ -60,7 +60,7 @@ TEST(OvflData, SingleIsFiveBytes) {
 TEST(OvflData, EveryOtherTagTakesTheFlag) {
     tables::expect_stray_tags<T_Ovfl_Data>("46");
     for (char const* const tag : {"03000000", "07000000", "FFFFFFFF"}) {
-        auto const read = wire::read<T_Ovfl_Data>(wire::bytes(tag) + "T");
+        auto const read = wire::read<T_Ovfl_Data>(hex::bytes(tag) + "T");
         EXPECT_TRUE(read.arm<"Single_Ovfl">().first_flag);
         wire::expect(read, std::string(tag) + "54");
     }
@@ -86,13 +86,13 @@ TEST(OvflData, OrdersByTagThenPayload) {
     tags::expect_to_decide<T_Ovfl_Data>();
     order::expect_less(single(false), single(true));
     order::expect_equal(single(true), single(true));
-    auto const stray = wire::read<T_Ovfl_Data>(wire::bytes("03000000 46"));
-    auto const greater_stray = wire::read<T_Ovfl_Data>(wire::bytes("03000000 54"));
+    auto const stray = wire::read<T_Ovfl_Data>(hex::bytes("03000000 46"));
+    auto const greater_stray = wire::read<T_Ovfl_Data>(hex::bytes("03000000 54"));
     order::expect_less(stray, greater_stray);
     order::expect_equal(stray, stray);
     order::expect_less(single(true), stray);
-    auto const negative = wire::read<T_Ovfl_Data>(wire::bytes("FFFFFFFF 46"));
-    auto const other_negative = wire::read<T_Ovfl_Data>(wire::bytes("FFFFFFFF 54"));
+    auto const negative = wire::read<T_Ovfl_Data>(hex::bytes("FFFFFFFF 46"));
+    auto const other_negative = wire::read<T_Ovfl_Data>(hex::bytes("FFFFFFFF 54"));
     order::expect_unordered(negative, other_negative);
     order::expect_unordered(negative, negative);
 }
@@ -100,7 +100,7 @@ TEST(OvflData, OrdersByTagThenPayload) {
 TEST(OvflData, ReadingAnotherTagDestroysTheArm) {
     T_Ovfl_Data data;
     data.choose<"Linked_Ovfl">() = {{"in the old arm"}, 7};
-    wire::read_over(data, wire::bytes("01000000  01000000 02000000"));
+    wire::read_over(data, hex::bytes("01000000  01000000 02000000"));
     EXPECT_EQ(string_table::count_of("in the old arm"), 0u);
     EXPECT_EQ(data.arm<"Merged_Ovfl">(), (T_Ovfl_Data::Merged_Ovfl_args{1, 2}));
 }
@@ -137,7 +137,7 @@ TEST(IncorrectCall, EveryOtherTagTakesTheLastRecord) {
         std::string const bytes =
             std::string(tag) + "09000000  FFFFFFFF 01000000 'a'  54" +
             "FEFFFFFF 01000000 's' FDFFFFFF 01000000 'q' FCFFFFFF 01000000 'n'  01000000";
-        auto const read = wire::read<T_Incorrect_Call>(wire::bytes(bytes));
+        auto const read = wire::read<T_Incorrect_Call>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"CALL_WTA">().first_int, 9);
         wire::expect(read, bytes);
     }
@@ -217,9 +217,9 @@ TEST(ValidArgs, ReadingAddsToBothLists) {
     T_Valid_Args_Checks_Datas data;
     data.first_named_ints = {{{"a"}, 1}};
     data.second_named_ints = {{{"b"}, 2}};
-    wire::read_over(data, wire::bytes("FFFFFFFF 00000000  01000000  01000000 FEFFFFFF 01000000 'c'"
-                                      "03000000  01000000  01000000  46"
-                                      "01000000 02000000 04000000"));
+    wire::read_over(data, hex::bytes("FFFFFFFF 00000000  01000000  01000000 FEFFFFFF 01000000 'c'"
+                                     "03000000  01000000  01000000  46"
+                                     "01000000 02000000 04000000"));
     EXPECT_EQ(data.first_named_ints.size(), 2u);
     EXPECT_EQ(data.first_named_ints.back().second, 3);
     EXPECT_EQ(data.second_named_ints.size(), 2u);

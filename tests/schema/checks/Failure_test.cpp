@@ -233,12 +233,12 @@ TEST(Failure, ReadingAddsToListAndTableAndTheFirstNumberOfAKeyStays) {
     Failure value = with_steps({step(1)});
     value.named_ints = {{{"a"}, 1}};
     value.first_step = step(7);
-    wire::read_over(value, wire::bytes("46  54  54 FFFFFFFF 00000000 08000000 46"
-                                       "01000000  01000000 02000000 46"
-                                       "03000000  FEFFFFFF 01000000 'a' 02000000"
-                                       "          FDFFFFFF 01000000 'b' 03000000"
-                                       "          03000000 04000000"
-                                       "46  46  03000000 46 00000000 00000000"));
+    wire::read_over(value, hex::bytes("46  54  54 FFFFFFFF 00000000 08000000 46"
+                                      "01000000  01000000 02000000 46"
+                                      "03000000  FEFFFFFF 01000000 'a' 02000000"
+                                      "          FDFFFFFF 01000000 'b' 03000000"
+                                      "          03000000 04000000"
+                                      "46  46  03000000 46 00000000 00000000"));
     Failure expected = with_steps({step(1), step(2)});
     expected.first_flag = true;
     expected.second_step = step(8);

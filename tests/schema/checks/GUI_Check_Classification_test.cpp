@@ -62,7 +62,7 @@ TEST(GuiCheckEvent, PathsOrderByCountThenByElements) {
 
 TEST(GuiCheckEvent, ReadingAddsToThePathAndReplacesTheStep) {
     Event event{step(1), {step(2)}, 3};
-    wire::read_over(event, wire::bytes("46  01000000 04000000 46 46 FFFFFFFF 00000000  05000000"));
+    wire::read_over(event, hex::bytes("46  01000000 04000000 46 46 FFFFFFFF 00000000  05000000"));
     EXPECT_EQ(event, path({step(2), step(4)}, 5));
 }
 
@@ -110,13 +110,13 @@ TEST(GuiCheckClassification, SourcesOrderLexicographically) {
 
 TEST(GuiCheckClassification, ReadingAddsToTheSourcesAndDropsDuplicates) {
     Classification value = with_sources({{1}});
-    wire::read_over(value, wire::bytes("03000000  46  03000000 01000000 02000000 02000000  54"));
+    wire::read_over(value, hex::bytes("03000000  46  03000000 01000000 02000000 02000000  54"));
     EXPECT_EQ(value, (Classification{base::CRITICAL, {}, {{1}, {2}}, true}));
 }
 
 TEST(GuiCheckClassification, ReadingAnAbsentEventDestroysTheHeldOne) {
     Classification value{base::PROVEN, path({}, 7), {}, false};
-    wire::read_over(value, wire::bytes("00000000  46  00000000  46"));
+    wire::read_over(value, hex::bytes("00000000  46  00000000  46"));
     EXPECT_EQ(value, Classification());
 }
 

@@ -140,7 +140,7 @@ TEST(ControlFlowPoint, ReadingAnEqualTagAddsToTheHeldNames) {
     auto&              allocation = point.choose<"CALLING_ALLOC_FUNCTION">();
     allocation.allocated_names = {"kept"s};
     auto const* const payload = &allocation;
-    wire::read_over(point, wire::bytes("01000000  FFFFFFFF 00000000  01000000 01000000  'T'"));
+    wire::read_over(point, hex::bytes("01000000  FFFFFFFF 00000000  01000000 01000000  'T'"));
     EXPECT_EQ(&point.arm<"CALLING_ALLOC_FUNCTION">(), payload);
     EXPECT_EQ(allocation.allocated_names, (std::list<Strings_T>{"kept"s, ""s}));
 }

@@ -33,11 +33,11 @@ TEST(EventValue, EveryStrayTagCarriesAPairAndAString) {
 TEST(EventValue, AStrayTagKeepsItsPayload) {
     for (char const* const tag : {"02000000", "F7FFFFFF"}) {
         std::string const bytes =
-            wire::bytes(tag + "  'T' FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'  01000000"s);
+            hex::bytes(tag + "  'T' FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'  01000000"s);
         auto const value = wire::read<T_value>(bytes);
         EXPECT_EQ(value.arm<"WithValue">().string_pair->second.str(), "b");
         EXPECT_EQ(value.arm<"WithValue">().first_string.str(), "a");
-        wire::expect(value, wire::hex(bytes));
+        wire::expect(value, hex::shown(bytes));
     }
 }
 
@@ -106,7 +106,7 @@ TEST(EventValue, WithValueOrdersByPairThenString) {
 TEST(EventValue, ReadingAPairLetsTheHeldOneGo) {
     T_value value;
     value.choose<"WithValue">().string_pair.emplace("a"s, "b"s);
-    wire::read_over(value, wire::bytes("01000000 'F'  FFFFFFFF 00000000"));
+    wire::read_over(value, hex::bytes("01000000 'F'  FFFFFFFF 00000000"));
     EXPECT_FALSE(value.arm<"WithValue">().string_pair.has_value());
 }
 

@@ -128,15 +128,15 @@ TEST(EventKind, EveryStrayTagCarriesThreeStrings) {
 
 TEST(EventKind, TagFortyReadsAndWritesThreeStringsAndHasNoName) {
     std::string const bytes =
-        wire::bytes("28000000  FFFFFFFF 01000000 'a'  FEFFFFFF 01000000 'b'  01000000");
+        hex::bytes("28000000  FFFFFFFF 01000000 'a'  FEFFFFFF 01000000 'b'  01000000");
     auto const kind = wire::read<T_Event_Kind>(bytes);
     EXPECT_EQ(kind.tag, 40);
     EXPECT_EQ(kind.toString(), nullptr);
     EXPECT_EQ(kind.arm<"VARIABLE_TASK_ACCESS_EVENT">().first_string.str(), "a");
     EXPECT_EQ(kind.arm<"VARIABLE_TASK_ACCESS_EVENT">().second_string.str(), "b");
     EXPECT_EQ(kind.arm<"VARIABLE_TASK_ACCESS_EVENT">().third_string.str(), "a");
-    wire::expect(kind, wire::hex(bytes));
-    wire::expect(T_Event_Kind(kind), wire::hex(bytes));
+    wire::expect(kind, hex::shown(bytes));
+    wire::expect(T_Event_Kind(kind), hex::shown(bytes));
 }
 
 TEST(EventKind, TagsPastTheLastAreOrderedByTagThenByPayload) {
@@ -461,13 +461,13 @@ TEST(EventKind, NestedSecurityEventsAreWrittenDepthFirst) {
 
 TEST(EventKind, NestsDeep) {
     T_Event_Kind kind = std_lib_event("x"s);
-    std::string  bytes = wire::bytes("18000000  FFFFFFFF 01000000 'x'");
+    std::string  bytes = hex::bytes("18000000  FFFFFFFF 01000000 'x'");
     for (int depth = 0; depth < 100; ++depth) {
         kind = security_event(kind);
         kind.arm<"SECURITY_EVENT">().first_string = "x";
-        bytes = wire::bytes("16000000 'T'") + bytes + wire::bytes("01000000");
+        bytes = hex::bytes("16000000 'T'") + bytes + hex::bytes("01000000");
     }
-    wire::expect(kind, wire::hex(bytes));
+    wire::expect(kind, hex::shown(bytes));
     auto const read = wire::read<T_Event_Kind>(bytes);
     order::expect_equal(read, kind);
 }
@@ -490,10 +490,10 @@ TEST(EventKind, ReadingAPresentNestedKindMakesItAnew) {
     T_Event_Kind section;
     section.choose<"CRITICAL_SECTION_EVENT">().signatures.resize(3);
     auto kind = security_event(section);
-    wire::read_over(kind, wire::bytes("16000000 'T'"
-                                      "  05000000 00000000 'F' FFFFFFFF 00000000 00000000"
-                                      "  01000000 01000000 01000000 01000000 01000000"
-                                      "  01000000"));
+    wire::read_over(kind, hex::bytes("16000000 'T'"
+                                     "  05000000 00000000 'F' FFFFFFFF 00000000 00000000"
+                                     "  01000000 01000000 01000000 01000000 01000000"
+                                     "  01000000"));
     auto const& nested = *kind.arm<"SECURITY_EVENT">().nested_kind;
     EXPECT_EQ(nested->arm<"CRITICAL_SECTION_EVENT">().signatures.size(), 1u);
 }
@@ -501,7 +501,7 @@ TEST(EventKind, ReadingAPresentNestedKindMakesItAnew) {
 TEST(EventKind, ReadingAnAbsentNestedKindLetsTheHeldOneGo) {
     for (char const flag : {'F', '\0', '\xFF'}) {
         auto kind = security_event(std_lib_event("held once"s));
-        wire::read_over(kind, wire::bytes("16000000") + flag + wire::bytes("FFFFFFFF 00000000"));
+        wire::read_over(kind, hex::bytes("16000000") + flag + hex::bytes("FFFFFFFF 00000000"));
         EXPECT_FALSE(kind.arm<"SECURITY_EVENT">().nested_kind.has_value());
     }
 }
@@ -512,8 +512,8 @@ TEST(EventKind, ReadingAnEqualTagReadsOverThePayload) {
     section.signatures.push_back({"kept"s, {}});
     auto const* const payload = &section;
     wire::read_over(kind,
-                    wire::bytes("05000000  07000000 'T'  FFFFFFFF 00000000  08000000"
-                                "  01000000  FEFFFFFF 03000000 'new' 01000000 01000000 01000000"));
+                    hex::bytes("05000000  07000000 'T'  FFFFFFFF 00000000  08000000"
+                               "  01000000  FEFFFFFF 03000000 'new' 01000000 01000000 01000000"));
     EXPECT_EQ(&kind.arm<"CRITICAL_SECTION_EVENT">(), payload);
     EXPECT_EQ(section.first_int, 7);
     ASSERT_EQ(section.signatures.size(), 2u);
@@ -524,9 +524,9 @@ TEST(EventKind, ReadingAnEqualTagReadsOverThePayload) {
 TEST(EventKind, ReadingAnotherTagMakesTheArmAnew) {
     T_Event_Kind kind;
     kind.choose<"CRITICAL_SECTION_EVENT">().signatures.resize(2);
-    wire::read_over(kind, wire::bytes("19000000"));
+    wire::read_over(kind, hex::bytes("19000000"));
     EXPECT_TRUE(kind.holds<"THROW">());
-    wire::read_over(kind, wire::bytes("05000000 00000000 'F' FFFFFFFF 00000000 00000000 00000000"));
+    wire::read_over(kind, hex::bytes("05000000 00000000 'F' FFFFFFFF 00000000 00000000 00000000"));
     EXPECT_TRUE(kind.arm<"CRITICAL_SECTION_EVENT">().signatures.empty());
 }
 

@@ -60,7 +60,7 @@ TEST(AttributeKind, BoundsOrderAbsentFirstThenNumerically) {
 TEST(AttributeKind, ReadingAnotherTagBuildsTheBoundsAbsent) {
     T_Kind kind;
     kind.choose<"NUMERICAL_ATTRIBUTE">() = {1, 2};
-    wire::read_over(kind, wire::bytes("02000000"));
+    wire::read_over(kind, hex::bytes("02000000"));
     EXPECT_TRUE(kind.holds<"SIMPLE_ATTRIBUTE">());
     kind.choose<"NUMERICAL_ATTRIBUTE">();
     EXPECT_FALSE(kind.arm<"NUMERICAL_ATTRIBUTE">().lower.has_value());
@@ -101,10 +101,10 @@ TEST(Attribute, WritesItsTablesInTheirOwnOrder) {
         attribute.first_values.insert(i * 7919);
         attribute.ranges[std::to_string(i)];
     }
-    std::string first = wire::bytes("'F' 28000000");
+    std::string first = hex::bytes("'F' 28000000");
     for (sml::int32 const value : attribute.first_values) first += tables::tag_bytes(value);
     std::string const bytes = wire::write(attribute);
-    EXPECT_EQ(wire::hex(bytes.substr(0, first.size())), wire::hex(first));
+    EXPECT_EQ(hex::shown(bytes.substr(0, first.size())), hex::shown(first));
 
     std::string  last = tables::tag_bytes(40);
     std::int32_t id = 0;
@@ -112,7 +112,7 @@ TEST(Attribute, WritesItsTablesInTheirOwnOrder) {
         last += tables::tag_bytes(--id) + tables::tag_bytes(static_cast<int>(name.str().size())) +
                 name.str() + tables::tag_bytes(0);
     ASSERT_LT(last.size(), bytes.size());
-    EXPECT_EQ(wire::hex(bytes.substr(bytes.size() - last.size())), wire::hex(last));
+    EXPECT_EQ(hex::shown(bytes.substr(bytes.size() - last.size())), hex::shown(last));
     EXPECT_TRUE(wire::read<Attribute>(bytes).ranges == attribute.ranges);
 }
 
@@ -121,12 +121,12 @@ TEST(Attribute, ReadingAddsToItsTablesAndKeepsTheFirstEntry) {
     attribute.first_values = {1};
     attribute.second_values = {1};
     attribute.ranges = {{"held"s, {{1, 1}}}};
-    wire::read_over(attribute, wire::bytes("'T'  03000000 01000000 02000000 02000000  02000000"
-                                           "  01000000 05000000"
-                                           "  03000000"
-                                           "  FFFFFFFF 04000000 'held' 01000000 09000000 09000000"
-                                           "  FEFFFFFF 03000000 'new' 01000000 02000000 03000000"
-                                           "  02000000 01000000 09000000 09000000"));
+    wire::read_over(attribute, hex::bytes("'T'  03000000 01000000 02000000 02000000  02000000"
+                                          "  01000000 05000000"
+                                          "  03000000"
+                                          "  FFFFFFFF 04000000 'held' 01000000 09000000 09000000"
+                                          "  FEFFFFFF 03000000 'new' 01000000 02000000 03000000"
+                                          "  02000000 01000000 09000000 09000000"));
     EXPECT_EQ(attribute.first_values, (std::unordered_set<sml::int32>{1, 2}));
     EXPECT_EQ(attribute.second_values, (std::unordered_set<sml::int32>{1, 5}));
     EXPECT_EQ(attribute.ranges.size(), 2u);
@@ -136,9 +136,9 @@ TEST(Attribute, ReadingAddsToItsTablesAndKeepsTheFirstEntry) {
 
 TEST(Attribute, AnExceptionWhileReadingLeavesWhatWasStored) {
     Attribute attribute;
-    EXPECT_THROW(wire::read_over(attribute, wire::bytes("'T'  01000000 07000000  02000000  00000000"
-                                                        "  02000000  FFFFFFFF 01000000 'a' 00000000"
-                                                        "  FEFFFFFF FFFFFFFF")),
+    EXPECT_THROW(wire::read_over(attribute, hex::bytes("'T'  01000000 07000000  02000000  00000000"
+                                                       "  02000000  FFFFFFFF 01000000 'a' 00000000"
+                                                       "  FEFFFFFF FFFFFFFF")),
                  std::length_error);
     EXPECT_TRUE(attribute.flag);
     EXPECT_EQ(attribute.first_values.count(7), 1u);

@@ -69,11 +69,11 @@ TEST(ResultData, EveryStrayTagCarriesOneWord) { tables::expect_stray_tags<Data>(
 
 TEST(ResultData, AStrayTagKeepsItsWord) {
     for (char const* const tag : {"1A000000", "F6FFFFFF"}) {
-        std::string const bytes = wire::bytes(tag + "  2A000000"s);
+        std::string const bytes = hex::bytes(tag + "  2A000000"s);
         auto const        data = wire::read<Data>(bytes);
         EXPECT_EQ(data.arm<"Variable_Value_Scalar">(), 42);
-        wire::expect(data, wire::hex(bytes));
-        wire::expect(Data(data), wire::hex(bytes));
+        wire::expect(data, hex::shown(bytes));
+        wire::expect(Data(data), hex::shown(bytes));
     }
 }
 
@@ -165,7 +165,7 @@ TEST(ResultData, ReadingAnEqualTagAddsToAList) {
     Data data;
     data.choose<"ATTRIBUTE_COPY">().push_back({"held"s, {}});
     auto const* const held = &data.arm<"ATTRIBUTE_COPY">().front();
-    wire::read_over(data, wire::bytes("00000000  01000000  FFFFFFFF 03000000 'new' 'F'"));
+    wire::read_over(data, hex::bytes("00000000  01000000  FFFFFFFF 03000000 'new' 'F'"));
     ASSERT_EQ(data.arm<"ATTRIBUTE_COPY">().size(), 2u);
     EXPECT_EQ(&data.arm<"ATTRIBUTE_COPY">().front(), held);
     EXPECT_EQ(held->name.str(), "held");
@@ -175,10 +175,10 @@ TEST(ResultData, ReadingAnEqualTagAddsToAList) {
 TEST(ResultData, ReadingAnotherTagDestroysTheArm) {
     Data data;
     data.choose<"Marker">().first_name = "dropped by the data";
-    wire::read_over(data, wire::bytes("14000000"));
+    wire::read_over(data, hex::bytes("14000000"));
     EXPECT_TRUE(data.holds<"No_Data">());
     EXPECT_EQ(string_table::count_of("dropped by the data"), 0u);
-    wire::read_over(data, wire::bytes("13000000 FFFFFFFF 00000000 01000000"));
+    wire::read_over(data, hex::bytes("13000000 FFFFFFFF 00000000 01000000"));
     EXPECT_EQ(data.arm<"Marker">().first_name.str(), "");
 }
 
@@ -240,7 +240,7 @@ TEST(AttributePredicate, OrdersByNameThenSize) {
 
 TEST(AttributePredicate, ReadingAddsToTheValues) {
     Data::Attribute_Pred_args predicate{"a"s, {1}};
-    wire::read_over(predicate, wire::bytes("FFFFFFFF 01000000 'b'  02000000 01000000 02000000"));
+    wire::read_over(predicate, hex::bytes("FFFFFFFF 01000000 'b'  02000000 01000000 02000000"));
     EXPECT_EQ(predicate.name.str(), "b");
     EXPECT_EQ(predicate.values, (std::unordered_set<sml::int32>{1, 2}));
     Data fresh;
@@ -319,10 +319,10 @@ TEST(CallData, MappingsAreWrittenInTheOrderOfTheirKeys) {
 
 TEST(CallData, AKeyThatComesTwiceKeepsItsFirstValue) {
     auto const call = wire::read<Data::Call_args>(
-        wire::bytes("'T' 02000000"
-                    "  FFFFFFFF 01000000 'k' 01000000  FEFFFFFF 05000000 'first' 02000000"
-                    "  01000000 01000000  FDFFFFFF 04000000 'last' 03000000"
-                    "  'F'"));
+        hex::bytes("'T' 02000000"
+                   "  FFFFFFFF 01000000 'k' 01000000  FEFFFFFF 05000000 'first' 02000000"
+                   "  01000000 01000000  FDFFFFFF 04000000 'last' 03000000"
+                   "  'F'"));
     ASSERT_EQ(call.mapping->size(), 1u);
     EXPECT_EQ(call.mapping->begin()->second, Key("first"s, 2));
 }
@@ -479,11 +479,11 @@ TEST(ProgramData, ReadingKeepsTheOldAttributesAndAddsNewOnes) {
     Data::Program_args program;
     program.attributes["held"s].flag = true;
     auto const* const held = &program.attributes["held"s];
-    wire::read_over(
-        program, wire::bytes("'F'  02000000"
-                             "  FFFFFFFF 04000000 'held'  'F' 00000000 00000000 00000000 00000000"
-                             "  FEFFFFFF 03000000 'new'  'F' 00000000 02000000 00000000 00000000"
-                             "  00000000"));
+    wire::read_over(program,
+                    hex::bytes("'F'  02000000"
+                               "  FFFFFFFF 04000000 'held'  'F' 00000000 00000000 00000000 00000000"
+                               "  FEFFFFFF 03000000 'new'  'F' 00000000 02000000 00000000 00000000"
+                               "  00000000"));
     ASSERT_EQ(program.attributes.size(), 2u);
     EXPECT_EQ(&program.attributes["held"s], held);
     EXPECT_TRUE(held->flag);
@@ -492,13 +492,13 @@ TEST(ProgramData, ReadingKeepsTheOldAttributesAndAddsNewOnes) {
 }
 
 TEST(ProgramData, ATableThatComesTwiceKeepsItsFirstEntriesWhole) {
-    auto const program = wire::read<Data::Program_args>(
-        wire::bytes("'F'  00000000  02000000"
-                    "  FFFFFFFF 01000000 't'  02000000"
-                    "  FEFFFFFF 01000000 'u' 01000000 'T' 01000000"
-                    "  02000000 02000000 'F' 02000000"
-                    "  01000000  01000000"
-                    "  FDFFFFFF 01000000 'v' 03000000 'F' 03000000"));
+    auto const program =
+        wire::read<Data::Program_args>(hex::bytes("'F'  00000000  02000000"
+                                                  "  FFFFFFFF 01000000 't'  02000000"
+                                                  "  FEFFFFFF 01000000 'u' 01000000 'T' 01000000"
+                                                  "  02000000 02000000 'F' 02000000"
+                                                  "  01000000  01000000"
+                                                  "  FDFFFFFF 01000000 'v' 03000000 'F' 03000000"));
     ASSERT_EQ(program.tables.size(), 1u);
     auto const& inner = program.tables.begin()->second;
     ASSERT_EQ(inner.size(), 1u);
@@ -510,11 +510,11 @@ TEST(ProgramData, ReadingResultsMakesThemAnew) {
     Data::Program_args program;
     program.results.emplace().check_numbers["held"s] = 1;
     std::string const bytes =
-        wire::bytes("'T' 02000000") + std::string(13 * 4, '\0') + wire::bytes("00000000 00000000");
+        hex::bytes("'T' 02000000") + std::string(13 * 4, '\0') + hex::bytes("00000000 00000000");
     wire::read_over(program, bytes);
     EXPECT_EQ(program.results->first_int, 2);
     EXPECT_TRUE(program.results->check_numbers.empty());
-    wire::read_over(program, wire::bytes("'F'  00000000  00000000"));
+    wire::read_over(program, hex::bytes("'F'  00000000  00000000"));
     EXPECT_FALSE(program.results.has_value());
 }
 
@@ -522,11 +522,11 @@ TEST(ProgramData, AnEntryThatCannotBeReadLeavesTheOnesBefore) {
     Data::Program_args program;
     EXPECT_THROW(
         wire::read_over(program,
-                        wire::bytes("'F'  02000000"
-                                    "  FFFFFFFF 05000000 'first'  'T' 00000000 02000000 00000000"
-                                    " 00000000"
-                                    "  FEFFFFFF 06000000 'second'  'T' 00000000 01000000 'F' 'F'"
-                                    " 00000000 01000000 FDFFFFFF FEFFFFFF")),
+                        hex::bytes("'F'  02000000"
+                                   "  FFFFFFFF 05000000 'first'  'T' 00000000 02000000 00000000"
+                                   " 00000000"
+                                   "  FEFFFFFF 06000000 'second'  'T' 00000000 01000000 'F' 'F'"
+                                   " 00000000 01000000 FDFFFFFF FEFFFFFF")),
         std::length_error);
     ASSERT_EQ(program.attributes.size(), 1u);
     EXPECT_TRUE(program.attributes["first"s].flag);
@@ -633,7 +633,7 @@ TEST(PragmaParameter, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
 
 TEST(PragmaParameter, EveryStrayTagCarriesAnOpaqueWord) {
     tables::expect_stray_tags<T_PragmaParameter>("0000000000000000");
-    auto const parameter = wire::read<T_PragmaParameter>(wire::bytes("06000000 0807060504030201"));
+    auto const parameter = wire::read<T_PragmaParameter>(hex::bytes("06000000 0807060504030201"));
     EXPECT_EQ(parameter.arm<"STRING_PRAGMA_PARAMETER">(), 0x0102030405060708u);
     wire::expect(parameter, "06000000 0807060504030201");
 }
@@ -665,7 +665,7 @@ TEST(PragmaParameter, ListsAreCountedAndReadingAppends) {
     Pragmas pragmas;
     pragmas.emplace_back().choose<"BOOL_PRAGMA_PARAMETER">() = true;
     wire::expect(pragmas, "01000000  00000000 'T'");
-    wire::read_over(pragmas, wire::bytes("02000000  01000000 05000000  FFFFFFFF 0900000000000000"));
+    wire::read_over(pragmas, hex::bytes("02000000  01000000 05000000  FFFFFFFF 0900000000000000"));
     ASSERT_EQ(pragmas.size(), 3u);
     EXPECT_TRUE(pragmas.front().arm<"BOOL_PRAGMA_PARAMETER">());
     EXPECT_EQ(std::next(pragmas.begin())->arm<"INT_PRAGMA_PARAMETER">(), 5);

@@ -134,7 +134,7 @@ TEST(AllocationFailure, AFailedAssignmentLeavesTheTargetWhole) {
 }
 
 TEST(AllocationFailure, ReadingATreeLeaksNothing) {
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "03000000  00000000  05000000 FFFFFFFF 01000000 'x'"
         "  02000000 05000000 01000000 FEFFFFFF 01000000 'y'");
     auto const read = [&] {
@@ -151,7 +151,7 @@ TEST(Allocation, ReadingOverEqualTagsMakesNoChild) {
     auto& [op, left, right] = expression.choose<"Info_Pred">();
     left->choose<"Info_Ptr_Builtin">();
     right->choose<"Info_Pred">();
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "03000000  01000000  04000000 01000000 FFFFFFFF  03000000 01000000 FFFFFFFF FFFFFFFF");
     EXPECT_EQ(allocations_of_reading_over(expression, bytes), 0);
     EXPECT_EQ(op, 1);
@@ -161,13 +161,13 @@ TEST(Allocation, ReadingOverEqualTagsMakesNoChild) {
 
 TEST(Allocation, ReadingOverAnEqualTagSparesTheChildBesideAString) {
     T_Info_Expr       field;
-    std::string const field_bytes = wire::bytes("02000000  FFFFFFFF  FFFFFFFF 00000000");
+    std::string const field_bytes = hex::bytes("02000000  FFFFFFFF  FFFFFFFF 00000000");
     auto const        making_the_aggregate = allocations_of_reading_over(field, field_bytes);
     EXPECT_EQ(allocations_of_reading_over(field, field_bytes), making_the_aggregate - 1);
 
     T_Annotation      annotation;
     std::string const annotation_bytes =
-        wire::bytes("03000000  FFFFFFFF 00000000  00000000  FFFFFFFF");
+        hex::bytes("03000000  FFFFFFFF 00000000  00000000  FFFFFFFF");
     auto const making_the_value = allocations_of_reading_over(annotation, annotation_bytes);
     EXPECT_EQ(allocations_of_reading_over(annotation, annotation_bytes), making_the_value - 1);
 }

@@ -169,20 +169,20 @@ TEST(InfoExpr, FloatWritesItsTextThenItsWidth) {
 }
 
 TEST(InfoExpr, UnknownOperatorsCrossAsTheyAre) {
-    std::string const bytes = wire::bytes("03000000  06000000  FFFFFFFF  FFFFFFFF");
+    std::string const bytes = hex::bytes("03000000  06000000  FFFFFFFF  FFFFFFFF");
     auto const        expression = wire::read<T_Info_Expr>(bytes);
     EXPECT_EQ(std::get<0>(expression.arm<"Info_Pred">()), 6);
-    wire::expect(expression, wire::hex(bytes));
+    wire::expect(expression, hex::shown(bytes));
 }
 
 TEST(InfoExpr, NestsDeep) {
     T_Info_Expr expression = variable("x");
-    std::string bytes = wire::bytes("05000000 FFFFFFFF 01000000 'x'");
+    std::string bytes = hex::bytes("05000000 FFFFFFFF 01000000 'x'");
     for (int depth = 0; depth < 100; ++depth) {
         expression = field_of(expression, "x");
-        bytes = wire::bytes("02000000") + bytes + wire::bytes("01000000");
+        bytes = hex::bytes("02000000") + bytes + hex::bytes("01000000");
     }
-    wire::expect(expression, wire::hex(bytes));
+    wire::expect(expression, hex::shown(bytes));
 }
 
 TEST(InfoExpr, ReadingAPredicateOverAPredicateReusesBothChildren) {
@@ -219,14 +219,14 @@ TEST(InfoExpr, ReadingAnEqualTagReusesTheOneChild) {
     T_Info_Expr builtin;
     builtin.choose<"Info_Ptr_Builtin">();
     T_Info_Expr const* const operand = &*builtin.arm<"Info_Ptr_Builtin">().second;
-    wire::read_over(builtin, wire::bytes("04000000  01000000  05000000 FFFFFFFF 01000000 'p'"));
+    wire::read_over(builtin, hex::bytes("04000000  01000000  05000000 FFFFFFFF 01000000 'p'"));
     EXPECT_EQ(&*builtin.arm<"Info_Ptr_Builtin">().second, operand);
     EXPECT_EQ(operand->arm<"Info_Var">().str(), "p");
 }
 
 TEST(InfoExpr, ReadingAnotherTagDestroysTheChildren) {
     T_Info_Expr expression = field_of(field_of(variable("innermost"), "middle"), "outer");
-    wire::read_over(expression, wire::bytes("01000000 03000000 '1' 00 00"));
+    wire::read_over(expression, hex::bytes("01000000 03000000 '1' 00 00"));
     EXPECT_EQ(string_table::count_of("innermost"), 0u);
     EXPECT_EQ(string_table::count_of("middle"), 0u);
     EXPECT_EQ(string_table::count_of("outer"), 0u);
@@ -239,7 +239,7 @@ TEST(InfoExpr, CopiesAreDeep) {
     auto& [copied_op, copied_left, copied_right] = copy.arm<"Info_Pred">();
     EXPECT_NE(&*copied_left, &*left);
     EXPECT_NE(&*copied_right, &*right);
-    EXPECT_EQ(wire::hex(wire::write(copy)), wire::hex(wire::write(original)));
+    EXPECT_EQ(hex::shown(wire::write(copy)), hex::shown(wire::write(original)));
     copied_left->arm<"Info_Var">() = "y";
     EXPECT_EQ(left->arm<"Info_Var">().str(), "x");
 }
@@ -258,16 +258,16 @@ TEST(InfoExpr, AMovedFromOneCanBeCopiedAssignedAndDestroyed) {
     T_Info_Expr const copy = source;
     EXPECT_FALSE(copy.arm<"Info_Field">().first);
     source = target;
-    EXPECT_EQ(wire::hex(wire::write(source)), wire::hex(wire::write(target)));
+    EXPECT_EQ(hex::shown(wire::write(source)), hex::shown(wire::write(target)));
 }
 
 TEST(InfoExpr, TakesItsOwnChild) {
     T_Info_Expr expression = field_of(field_of(variable("x"), "f"), "g");
     expression = *expression.arm<"Info_Field">().first;
-    EXPECT_EQ(wire::hex(wire::write(expression)),
-              wire::hex(wire::write(field_of(variable("x"), "f"))));
+    EXPECT_EQ(hex::shown(wire::write(expression)),
+              hex::shown(wire::write(field_of(variable("x"), "f"))));
     expression = std::move(*expression.arm<"Info_Field">().first);
-    EXPECT_EQ(wire::hex(wire::write(expression)), wire::hex(wire::write(variable("x"))));
+    EXPECT_EQ(hex::shown(wire::write(expression)), hex::shown(wire::write(variable("x"))));
 }
 
 TEST(Annotation, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
@@ -285,10 +285,10 @@ TEST(Annotation, EveryStrayTagIsWrittenAsAValuedEvent) {
 TEST(Annotation, AStrayTagKeepsItsPayload) {
     for (char const* const tag : {"04000000", "FEFFFFFF"}) {
         std::string const bytes =
-            wire::bytes(tag + "  FFFFFFFF 01000000 'a'  07000000  05000000 FEFFFFFF 01000000 'x'"s);
+            hex::bytes(tag + "  FFFFFFFF 01000000 'a'  07000000  05000000 FEFFFFFF 01000000 'x'"s);
         auto const annotation = wire::read<T_Annotation>(bytes);
-        wire::expect(annotation, wire::hex(bytes));
-        wire::expect(T_Annotation(annotation), wire::hex(bytes));
+        wire::expect(annotation, hex::shown(bytes));
+        wire::expect(T_Annotation(annotation), hex::shown(bytes));
         EXPECT_EQ(std::get<1>(annotation.arm<"Valued_Event_Annote">()), 7);
     }
 }
@@ -318,8 +318,8 @@ TEST(Annotation, ReadingAnEqualTagReusesTheExpression) {
     T_Annotation annotation;
     annotation.choose<"Valued_Event_Annote">();
     T_Info_Expr const* const value = &*std::get<2>(annotation.arm<"Valued_Event_Annote">());
-    wire::read_over(annotation, wire::bytes("03000000  FFFFFFFF 01000000 'v'  05000000"
-                                            "  01000000 03000000 '7' 00 00"));
+    wire::read_over(annotation, hex::bytes("03000000  FFFFFFFF 01000000 'v'  05000000"
+                                           "  01000000 03000000 '7' 00 00"));
     EXPECT_EQ(&*std::get<2>(annotation.arm<"Valued_Event_Annote">()), value);
     EXPECT_TRUE(value->arm<"Info_Const_Int">() == 7);
 }
@@ -327,7 +327,7 @@ TEST(Annotation, ReadingAnEqualTagReusesTheExpression) {
 TEST(Annotation, ReadingAnotherTagMakesTheArmAnew) {
     T_Annotation annotation;
     annotation.choose<"Simple_Annote">() = "dropped by the annotation";
-    wire::read_over(annotation, wire::bytes("00000000  FFFFFFFF 01000000 'a'  02000000"));
+    wire::read_over(annotation, hex::bytes("00000000  FFFFFFFF 01000000 'a'  02000000"));
     EXPECT_EQ(string_table::count_of("dropped by the annotation"), 0u);
     EXPECT_EQ(annotation.arm<"Event_Annote">().second, 2);
 }

@@ -63,7 +63,7 @@ TEST(Origin, EveryOtherTagTakesTheSpawnedPayload) {
             tag + std::string(
                       "01000000  FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000"
                       "07000000  54");
-        auto const read = wire::read<T_Origin>(wire::bytes(bytes));
+        auto const read = wire::read<T_Origin>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"Spawned">(), (Spawned{spawners({{"p", 7}}), true}));
         wire::expect(read, bytes);
         wire::expect(T_Origin(read), bytes);
@@ -144,10 +144,10 @@ TEST(Spawners, FlagDecidesBehindEqualTables) {
 // kept.
 TEST(Spawners, KeyThatComesTwiceTakesItsLastNumber) {
     auto const read = wire::read<Spawned>(
-        wire::bytes("02000000"
-                    "FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000  01000000"
-                    "01000000 02000000 02000000 02000000  07000000"
-                    "46"));
+        hex::bytes("02000000"
+                   "FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000  01000000"
+                   "01000000 02000000 02000000 02000000  07000000"
+                   "46"));
     EXPECT_EQ(read, (Spawned{spawners({{"p", 7}}), false}));
 }
 
@@ -193,7 +193,7 @@ TEST(ConcurrencyInfo, EveryOtherTagTakesTheRoutine) {
         std::string const bytes =
             tag +
             std::string("46  01000000  FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000");
-        auto const read = wire::read<Info>(wire::bytes(bytes));
+        auto const read = wire::read<Info>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"ConcurrentRoutine">().routine, concurrency::Create);
         wire::expect(read, bytes);
     }
@@ -248,11 +248,11 @@ TEST(ConcurrencyInfo, RoutineOrdersAsSigned) {
 
 TEST(ConcurrencyInfo, ReadingOptionalSpawnersStartsAFreshTableWhereTheLastNumberWins) {
     Routine read{spawners({{"held before", 1}}), concurrency::Create, {}};
-    wire::read_over(read, wire::bytes("54 02000000"
-                                      "FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000"
-                                      "01000000"
-                                      "01000000 02000000 02000000 02000000  07000000"
-                                      "00000000  02000000 02000000 02000000 02000000"));
+    wire::read_over(read, hex::bytes("54 02000000"
+                                     "FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000"
+                                     "01000000"
+                                     "01000000 02000000 02000000 02000000  07000000"
+                                     "00000000  02000000 02000000 02000000 02000000"));
     EXPECT_EQ(read, (Routine{spawners({{"p", 7}}), concurrency::Activate, {}}));
     EXPECT_EQ(string_table::count_of("held before"), 0u);
 }

@@ -131,7 +131,7 @@ TEST(OperatorKind, EveryOtherTagTakesTheUnaryOperator) {
     tables::expect_stray_tags<T_Info_Operator_Kind>("FFFFFFFF 00000000  01000000");
     for (char const* const tag : {"03000000", "FFFFFFFF"}) {
         std::string const bytes = tag + std::string("FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'");
-        auto const        read = wire::read<T_Info_Operator_Kind>(wire::bytes(bytes));
+        auto const        read = wire::read<T_Info_Operator_Kind>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"UNARY_OP">().second_string.str(), "b");
         wire::expect(read, bytes);
     }
@@ -182,7 +182,7 @@ TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
                       "01000000 FFFFFFFF 01000000 'f' 07000000 00000000"
                       "FEFFFFFF 00000000 00000000 06000000 02000000 00000000 04000000"
                       "54  09000000");
-        auto const read = wire::read<Category>(wire::bytes(bytes));
+        auto const read = wire::read<Category>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"VORS">().fields.size(), 1u);
         EXPECT_TRUE(read.arm<"VORS">().flag);
         wire::expect(read, bytes);
@@ -192,7 +192,7 @@ TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
 
 TEST(InformationCategory, Tag17HoldsAStructureAndPrintsNothing) {
     auto const read =
-        wire::read<Category>(wire::bytes("11000000  00000000  54  00000000 00000000 07000000"));
+        wire::read<Category>(hex::bytes("11000000  00000000  54  00000000 00000000 07000000"));
     EXPECT_EQ(read.tag, 17);
     EXPECT_EQ(read.arm<"VORS">(), (Category::VORS_args{{}, true, statement(7)}));
     EXPECT_EQ(read.toString(), nullptr);
@@ -432,8 +432,8 @@ TEST(FieldInformation, HasTwoArmsWithAValueEach) {
 TEST(FieldInformation, EveryOtherTagTakesAValueToo) {
     tables::expect_stray_tags<T_Field_Information_Kind>(FIRST_UNSET_VALUE);
     auto const read = wire::read<T_Field_Information_Kind>(
-        wire::bytes("FFFFFFFF"
-                    "FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000"));
+        hex::bytes("FFFFFFFF"
+                   "FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000"));
     EXPECT_EQ(read.arm<"Field_Scalar">().first_int, 7);
 }
 
@@ -521,7 +521,7 @@ TEST(StructureFields, NameThatComesTwiceIsReadOverItsEntry) {
             "02000000 01000000 00000000 54 03000000 '1' 00 00 46  02000000 03000000 '0' 00 00"
             "01000000 06000000" +
             std::string(second_entry) + "46  09000000";
-        return wire::read<Category::VORS_args>(wire::bytes(bytes)).fields;
+        return wire::read<Category::VORS_args>(hex::bytes(bytes)).fields;
     };
     auto const same_kind = read(
         "01000000 02000000 00000000  05000000 03000000 '0' 00 00 03000000 '0' 00 00 46"
@@ -572,23 +572,23 @@ TEST(StackEscape, WritesEntriesInAddressOrderThenTheFlag) {
 // kept.
 TEST(StackEscape, KeyThatComesTwiceTakesItsLastState) {
     auto const read = wire::read<Escape>(
-        wire::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));
+        hex::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));
     EXPECT_EQ(read, (Escape{{{{"a"}, escape_info::Surely_Out_Of_Stack}}, false}));
 
     constexpr char twice[] = "54 02000000 FFFFFFFF 01000000 'a' 01000000 01000000 03000000 46";
     Escape const   last{{{{"a"}, escape_info::Surely_Out_Of_Stack}}, false};
-    EXPECT_EQ(wire::read<decltype(Category::VORP_args::escape_info)>(wire::bytes(twice)), last);
-    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::first_escape_info)>(wire::bytes(twice)),
+    EXPECT_EQ(wire::read<decltype(Category::VORP_args::escape_info)>(hex::bytes(twice)), last);
+    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::first_escape_info)>(hex::bytes(twice)),
               last);
-    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::second_escape_info)>(wire::bytes(twice)),
+    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::second_escape_info)>(hex::bytes(twice)),
               last);
 }
 
 TEST(StackEscape, ReadingOptionalDataStartsAFreshMap) {
     std::optional<Escape> held = Escape{{{{"a"}, escape_info::No_Escape}}, true};
-    wire::read_over(held, wire::bytes("54 01000000 FFFFFFFF 01000000 'b' 02000000 46"));
+    wire::read_over(held, hex::bytes("54 01000000 FFFFFFFF 01000000 'b' 02000000 46"));
     EXPECT_EQ(held, (Escape{{{{"b"}, escape_info::Not_Computed}}, false}));
-    wire::read_over(held, wire::bytes("46"));
+    wire::read_over(held, hex::bytes("46"));
     EXPECT_FALSE(held);
 }
 

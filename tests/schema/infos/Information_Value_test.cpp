@@ -166,7 +166,7 @@ TEST(InfoType, ReadingTheHeldArmAddsToItsLists) {
         wire::write(type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{3}, 4, 5, false, {6}}));
     wire::read_over(held, bytes);
     EXPECT_EQ(held, type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{1, 3}, 4, 5, false, {2, 6}}));
-    wire::read_over(held, wire::bytes("06000000"));
+    wire::read_over(held, hex::bytes("06000000"));
     wire::read_over(held, bytes);
     EXPECT_EQ(held, type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{3}, 4, 5, false, {6}}));
 }
@@ -206,7 +206,7 @@ TEST(InfoType, InfiniteDoublesComeBack) {
 
 TEST(InfoType, DoubleTextIsCutAtAZeroByteAndItsLengthIsTakenWhole) {
     auto const read =
-        wire::read<Ada_Float>(wire::bytes("06000000 '1.5' 00 '99'  08000000 '2.500000'  07000000"));
+        wire::read<Ada_Float>(hex::bytes("06000000 '1.5' 00 '99'  08000000 '2.500000'  07000000"));
     EXPECT_EQ(read, (Ada_Float{1.5, 2.5, 7}));
 }
 
@@ -215,7 +215,7 @@ TEST(InfoType, DoubleTextWithoutNumberThrowsAndKeepsWhatWasRead) {
         SCOPED_TRACE(text);
         Ada_Float read{7, 8, 9};
         try {
-            wire::read_over(read, wire::bytes("08000000 '1.500000'" + std::string(text)));
+            wire::read_over(read, hex::bytes("08000000 '1.500000'" + std::string(text)));
             ADD_FAILURE() << "nothing was thrown";
         } catch (std::invalid_argument const& error) {
             EXPECT_STREQ(error.what(), "stod");
@@ -227,7 +227,7 @@ TEST(InfoType, DoubleTextWithoutNumberThrowsAndKeepsWhatWasRead) {
 TEST(InfoType, DoubleTextOutOfRangeThrowsAndKeepsWhatWasRead) {
     Ada_Float read{7, 8, 9};
     try {
-        wire::read_over(read, wire::bytes("08000000 '1.500000'  05000000 '1e400'"));
+        wire::read_over(read, hex::bytes("08000000 '1.500000'  05000000 '1e400'"));
         ADD_FAILURE() << "nothing was thrown";
     } catch (std::out_of_range const& error) {
         EXPECT_STREQ(error.what(), "stod");
@@ -236,9 +236,9 @@ TEST(InfoType, DoubleTextOutOfRangeThrowsAndKeepsWhatWasRead) {
 }
 
 TEST(InfoType, DoubleOfLengthMinusOneOnAStreamThrowsAndKeepsWhatWasRead) {
-    std::istringstream stream(wire::bytes("08000000 '1.500000'  FFFFFFFF"));
+    std::istringstream stream(hex::bytes("08000000 '1.500000'  FFFFFFFF"));
     Ada_Float          read{7, 8, 9};
-    EXPECT_THROW(wire::read_over_from_stream(read, stream), std::logic_error);
+    EXPECT_THROW(sml::core::read_from_stream(read, stream), std::logic_error);
     EXPECT_EQ(read, (Ada_Float{1.5, 8, 9}));
 }
 
@@ -273,7 +273,7 @@ TEST(InformationValue, ValuesThatWereNeverSetAreUnequal) {
 
 TEST(InformationValue, RangeFollowsAtOnceBehindAnUnknownType) {
     auto const read = wire::read<T_Information_Value>(
-        wire::bytes("FFFFFFFF 00000000  00000000  07000000  00000000 46 46"));
+        hex::bytes("FFFFFFFF 00000000  00000000  07000000  00000000 46 46"));
     EXPECT_EQ(read.type.tag, 7);
     EXPECT_TRUE(read.range.holds<"Int_Full_Range">());
 }

@@ -87,7 +87,7 @@ TEST(VariableName, EveryOtherTagTakesTheVariablePayload) {
     for (char const* const tag : {"06000000", "FFFFFFFF"}) {
         std::string const bytes =
             std::string(tag) + "FFFFFFFF 01000000 'q' FEFFFFFF 01000000 'n'  05000000  54";
-        auto const read = wire::read<T_Variable_Name>(wire::bytes(bytes));
+        auto const read = wire::read<T_Variable_Name>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"VARIABLE">().name.name.str(), "n");
         wire::expect(read, bytes);
     }
@@ -131,7 +131,7 @@ TEST(VariableName, VariablesOrderByNameScopeAndFlag) {
 
     auto stray = [](char const* flag) {
         return wire::read<T_Variable_Name>(
-            wire::bytes("06000000 FFFFFFFF 00000000 01000000 00000000" + std::string(flag)));
+            hex::bytes("06000000 FFFFFFFF 00000000 01000000 00000000" + std::string(flag)));
     };
     order::expect_less(stray("46"), stray("54"));
     order::expect_equal(stray("54"), stray("54"));
@@ -140,10 +140,10 @@ TEST(VariableName, VariablesOrderByNameScopeAndFlag) {
 
 TEST(VariableName, ReadingAnotherTagDestroysTheArm) {
     T_Variable_Name value = variable({"in the old arm"}, sml::InfosTypes::STATIC, true);
-    wire::read_over(value, wire::bytes("06000000 FFFFFFFF 00000000 01000000 00000000 46"));
+    wire::read_over(value, hex::bytes("06000000 FFFFFFFF 00000000 01000000 00000000 46"));
     EXPECT_EQ(value.tag, 6);
     EXPECT_EQ(string_table::count_of("in the old arm"), 0u);
-    wire::read_over(value, wire::bytes("03000000"));
+    wire::read_over(value, hex::bytes("03000000"));
     EXPECT_TRUE(value.holds<"OTHER">());
 }
 
@@ -223,7 +223,7 @@ TEST(StatementKind, EveryOtherTagTakesTheLastPayload) {
     tables::expect_stray_tags<T_Info_Statement_Kind>(unset_variable);
     for (char const* const tag : {"15000000", "FFFFFFFF", "00000080"}) {
         std::string const bytes = std::string(tag) + "00000000 07000000";
-        auto const        read = wire::read<T_Info_Statement_Kind>(wire::bytes(bytes));
+        auto const        read = wire::read<T_Info_Statement_Kind>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"USERDEF_INSPECTION_POINT">(), cell(7));
         wire::expect(read, bytes);
     }
@@ -243,7 +243,7 @@ TEST(StatementKind, OrdersByTagThenPayload) {
         SCOPED_TRACE(tag);
         auto read = [&](char const* variable_bytes) {
             return wire::read<T_Info_Statement_Kind>(
-                wire::bytes(wire::hex(tables::tag_bytes(tag)) + variable_bytes));
+                hex::bytes(hex::shown(tables::tag_bytes(tag)) + variable_bytes));
         };
         order::expect_less(read("00000000 FFFFFFFF"), read("00000000 01000000"));
         order::expect_equal(read("00000000 01000000"), read("00000000 01000000"));
@@ -292,10 +292,10 @@ TEST(StatementKind, FieldsOfItsRecordsDecideInOrder) {
 
 TEST(StatementKind, ReadingAnotherTagDestroysTheArmAndAnEqualOneKeepsIt) {
     T_Info_Statement_Kind value = kind<"IMPLICIT_CALL">(Strings_T("in the old arm"));
-    wire::read_over(value, wire::bytes("0C000000  FFFFFFFF 08000000 'replaced'"));
+    wire::read_over(value, hex::bytes("0C000000  FFFFFFFF 08000000 'replaced'"));
     EXPECT_EQ(string_table::count_of("in the old arm"), 0u);
     EXPECT_EQ(value, kind<"IMPLICIT_CALL">(Strings_T("replaced")));
-    wire::read_over(value, wire::bytes("02000000  46"));
+    wire::read_over(value, hex::bytes("02000000  46"));
     EXPECT_EQ(string_table::count_of("replaced"), 0u);
     EXPECT_EQ(value, kind<"CALL_THROW">(std::optional<Strings_T>()));
 }

@@ -125,7 +125,7 @@ TEST(Range, EveryOtherTagTakesTwoFloats) {
         T_Range const stray = with_other_tag(real(1.5, 2), tag);
         EXPECT_EQ(stray.tag, tag);
         EXPECT_EQ(value_of(stray.arm<"Real_Interval">().lower), 1.5);
-        wire::expect(stray, wire::hex(tables::tag_bytes(tag)) +
+        wire::expect(stray, hex::shown(tables::tag_bytes(tag)) +
                                 "08000000 '0X1.8P+0' 40000000  06000000 '0X2P+0' 40000000");
     }
 }
@@ -139,8 +139,8 @@ TEST(Range, FreshFloatsAreZeroInTheFormatOf64Bits) {
 // 0.1 needs more digits than a format of 32 bits has.
 TEST(Range, TextIsParsedByTheWordBehindIt) {
     auto const read =
-        wire::read<T_Range>(wire::bytes("02000000  14000000 '0X1.999999999999AP-4' 20000000"
-                                        "          14000000 '0X1.999999999999AP-4' 40000000"));
+        wire::read<T_Range>(hex::bytes("02000000  14000000 '0X1.999999999999AP-4' 20000000"
+                                       "          14000000 '0X1.999999999999AP-4' 40000000"));
     EXPECT_EQ(value_of(read.arm<"Real_Interval">().lower), double{0.1f});
     EXPECT_EQ(value_of(read.arm<"Real_Interval">().upper), 0.1);
     EXPECT_EQ(mpfr_get_prec(read.arm<"Real_Interval">().lower.number()), 24);
@@ -209,17 +209,17 @@ TEST(Range, NegativeTagsAreNeitherEqualNorLess) {
 
 TEST(Range, ReadingAnotherTagRebuildsTheArm) {
     T_Range read = whole(1, 2);
-    wire::read_over(read, wire::bytes("01000000"));
+    wire::read_over(read, hex::bytes("01000000"));
     EXPECT_TRUE(read.holds<"Nan">());
     wire::read_over(read, wire::write(real(1, 2)));
     EXPECT_EQ(read, real(1, 2));
-    wire::read_over(read, wire::bytes("00000000  46  46"));
+    wire::read_over(read, hex::bytes("00000000  46  46"));
     EXPECT_EQ(read, whole({}, {}));
 }
 
 TEST(Range, ReadingAnAbsentLimitDestroysTheHeldOne) {
     T_Range read = whole(1, 2);
-    wire::read_over(read, wire::bytes("00000000  46  54 03000000 '5' 00 00"));
+    wire::read_over(read, hex::bytes("00000000  46  54 03000000 '5' 00 00"));
     EXPECT_EQ(read, whole({}, 5));
 }
 
@@ -314,7 +314,7 @@ TEST(ValueRange, EveryOtherTagTakesIntervals) {
     for (std::int32_t const tag : {3, 1000, -1}) {
         auto const stray = with_other_tag(range({no_number()}, multiple(0)), tag);
         EXPECT_EQ(stray.arm<"Value_Range">().intervals.size(), 1u);
-        wire::expect(stray, wire::hex(tables::tag_bytes(tag)) +
+        wire::expect(stray, hex::shown(tables::tag_bytes(tag)) +
                                 "01000000  01000000  02000000 03000000 '0' 00 00");
     }
     EXPECT_EQ(tables::with_tag<T_Value_Range>(3).toString(), nullptr);
@@ -333,17 +333,17 @@ TEST(ValueRange, ReadingTheHeldArmAddsIntervalsAndAnotherTagStartsAfresh) {
 
 TEST(ValueRange, ReadingAbsentBoundsDestroysTheHeldOnes) {
     T_Value_Range read = reals({1, 2, 3}, bounds(1, 2), true);
-    wire::read_over(read, wire::bytes("01000000  00000000 00000000 00000000  00  46"));
+    wire::read_over(read, hex::bytes("01000000  00000000 00000000 00000000  00  46"));
     EXPECT_EQ(read, reals({}, {}, false));
 }
 
 // Required: the bounds exist, with default values, before their first text is read.
 TEST(ValueRange, ReadingThatFailsInTheFirstTextLeavesFreshBounds) {
     std::istringstream stream(
-        wire::bytes("01000000  01000000 02000000 03000000  54  06000000 '0X'"));
+        hex::bytes("01000000  01000000 02000000 03000000  54  06000000 '0X'"));
     stream.exceptions(std::ios_base::failbit);
     T_Value_Range read = reals({}, bounds(1, 2), true);
-    EXPECT_THROW(wire::read_over_from_stream(read, stream), std::ios_base::failure);
+    EXPECT_THROW(sml::core::read_from_stream(read, stream), std::ios_base::failure);
     auto const& parts = read.arm<"Real_Full_Range">();
     EXPECT_EQ(parts.format, (Format{1, 2, 3}));
     ASSERT_TRUE(parts.bounds);

@@ -85,11 +85,11 @@ TYPED_TEST(EachReference, IsATagAndAnEightByteWordWhateverTheTag) {
 }
 
 TYPED_TEST(EachReference, ReadingKeepsTagAndWordAsTheyCame) {
-    auto const unknown = wire::read<TypeParam>(wire::bytes("FBFFFFFF 0000000000000080"));
+    auto const unknown = wire::read<TypeParam>(hex::bytes("FBFFFFFF 0000000000000080"));
     EXPECT_EQ(unknown.which, -5);
     EXPECT_EQ(unknown.value, top_bit);
     TypeParam held = reference<TypeParam>(0, 1);
-    wire::read_over(held, wire::bytes("01000000 FFFFFFFFFFFFFFFF"));
+    wire::read_over(held, hex::bytes("01000000 FFFFFFFFFFFFFFFF"));
     EXPECT_EQ(held.which, 1);
     EXPECT_EQ(held.value, all_ones);
 }
@@ -407,7 +407,7 @@ TEST(Question, AllThreeAreTheirPlaceAlone) {
     wire::expect(question, bytes);
     wire::expect(assertion, bytes);
     wire::expect(inspection, bytes);
-    EXPECT_EQ(wire::hex(wire::write(assertion)), wire::hex(wire::write(inspection)));
+    EXPECT_EQ(hex::shown(wire::write(assertion)), hex::shown(wire::write(inspection)));
 }
 
 TEST(Question, AllThreeOrderAsTheirPlaces) {

@@ -42,12 +42,12 @@ TEST(Selector, EveryOtherTagTakesTheFieldPayload) {
     tables::expect_stray_tags<Selector>("FFFFFFFF 00000000  46");
     for (char const* const tag : {"02000000", "FFFFFFFF", "00000080", "FFFFFF7F"}) {
         std::string const bytes =
-            wire::bytes(tag) + wire::bytes("FFFFFFFF 01000000 'x'  54 01000000 07000000");
+            hex::bytes(tag) + hex::bytes("FFFFFFFF 01000000 'x'  54 01000000 07000000");
         auto const read = wire::read<Selector>(bytes);
         EXPECT_EQ(read.arm<"Field">().field_name.str(), "x");
         EXPECT_EQ(read.arm<"Field">().field_owner->second, 7);
         EXPECT_FALSE(read.holds<"Field">());
-        wire::expect(Selector(read), wire::hex(bytes));
+        wire::expect(Selector(read), hex::shown(bytes));
     }
 }
 
@@ -74,7 +74,7 @@ TEST(Selector, FieldsOrderByNameThenOwner) {
 }
 
 TEST(Selector, TagsPastTheLastArmCompareTheirPayloads) {
-    auto       read = [](char const* hex) { return wire::read<Selector>(wire::bytes(hex)); };
+    auto       read = [](char const* hex) { return wire::read<Selector>(hex::bytes(hex)); };
     auto const without_owner = read("02000000  FFFFFFFF 00000000  46");
     auto const with_owner = read("02000000  FFFFFFFF 00000000  54 01000000 07000000");
     order::expect_equal(without_owner, without_owner);
@@ -83,7 +83,7 @@ TEST(Selector, TagsPastTheLastArmCompareTheirPayloads) {
 
 // Required, whatever their payloads.
 TEST(Selector, TwoNegativeTagsAreNeitherEqualNorLess) {
-    auto       read = [](char const* hex) { return wire::read<Selector>(wire::bytes(hex)); };
+    auto       read = [](char const* hex) { return wire::read<Selector>(hex::bytes(hex)); };
     auto const without_owner = read("FFFFFFFF  FFFFFFFF 00000000  46");
     auto const with_owner = read("FFFFFFFF  FFFFFFFF 00000000  54 01000000 07000000");
     order::expect_unordered(without_owner, with_owner);
@@ -92,15 +92,15 @@ TEST(Selector, TwoNegativeTagsAreNeitherEqualNorLess) {
 
 TEST(Selector, ReadingAnEqualTagReadsOverThePayload) {
     Selector selector = field({"x"}, {{{"S"}, 7}});
-    wire::read_over(selector, wire::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
+    wire::read_over(selector, hex::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
     EXPECT_EQ(selector, field({"y"}));
 }
 
 TEST(Selector, ReadingAnotherTagRebuildsThePayload) {
     Selector selector = field({"x"}, {{{"S"}, 7}});
-    wire::read_over(selector, wire::bytes("00000000  54 09000000"));
+    wire::read_over(selector, hex::bytes("00000000  54 09000000"));
     EXPECT_EQ(selector, element(9));
-    wire::read_over(selector, wire::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
+    wire::read_over(selector, hex::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
     EXPECT_EQ(selector, field({"y"}));
 }
 

@@ -26,7 +26,7 @@ T_Chk_Data check_data(int number) {
 }
 
 TEST(AggregatedResults, EmptyOnesAreSeventeenWordsOfZero) {
-    wire::expect(Aggregated(), wire::hex(std::string(17 * 4, '\0')));
+    wire::expect(Aggregated(), hex::shown(std::string(17 * 4, '\0')));
 }
 
 TEST(AggregatedResults, TheirTablesFollowTheApplicationResultsAtOnce) {
@@ -186,8 +186,8 @@ TEST(AggregatedResults, OneStringTableServesTheWholeObject) {
 TEST(TablesOfResults, ChecksByIdKeepTheFirstEntryOfAnId) {
     std::unordered_map<sml::int32, T_Chk_Data> checks{{-5, check_data(1)}};
     std::string const                          bytes = wire::write(checks);
-    EXPECT_EQ(wire::hex(bytes),
-              wire::hex(wire::bytes("01000000 FBFFFFFF") + wire::write(check_data(1))));
+    EXPECT_EQ(hex::shown(bytes),
+              hex::shown(hex::bytes("01000000 FBFFFFFF") + wire::write(check_data(1))));
     checks.at(-5).first_int = 2;
     wire::read_over(checks, bytes);
     EXPECT_EQ(checks.size(), 1u);
@@ -197,9 +197,9 @@ TEST(TablesOfResults, ChecksByIdKeepTheFirstEntryOfAnId) {
 TEST(TablesOfResults, ANameThatComesTwiceKeepsItsFirstSetOfNames) {
     using Sets = std::unordered_map<Strings_T, std::unordered_set<Strings_T>>;
     auto const sets =
-        wire::read<Sets>(wire::bytes("02000000"
-                                     "  FFFFFFFF 01000000 'k'  01000000 FEFFFFFF 01000000 'a'"
-                                     "  01000000  02000000 02000000 FDFFFFFF 01000000 'b'"));
+        wire::read<Sets>(hex::bytes("02000000"
+                                    "  FFFFFFFF 01000000 'k'  01000000 FEFFFFFF 01000000 'a'"
+                                    "  01000000  02000000 02000000 FDFFFFFF 01000000 'b'"));
     EXPECT_EQ(sets, (Sets{{"k"s, {"a"s}}}));
 }
 

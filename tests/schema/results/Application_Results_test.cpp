@@ -134,11 +134,11 @@ TEST(ApplicationResults, AFlagStandsAheadOfASecondSignature) {
     Results results;
     results.signatures["k"s].second.emplace().signature = "s";
     std::string const bytes =
-        std::string(13 * 4, '\0') + wire::bytes(
+        std::string(13 * 4, '\0') + hex::bytes(
                                         "01000000  FFFFFFFF 01000000 'k'"
                                         "  FEFFFFFF 00000000 02000000 02000000"
                                         "  'T' FDFFFFFF 01000000 's' 02000000 02000000");
-    wire::expect(results, wire::hex(bytes));
+    wire::expect(results, hex::shown(bytes));
 }
 
 TEST(ApplicationResults, KeySetsAreWrittenInTheOrderOfTheirHandles) {
@@ -146,7 +146,7 @@ TEST(ApplicationResults, KeySetsAreWrittenInTheOrderOfTheirHandles) {
     Results              results;
     results.first_key_sets[Key(""s, 0)] = {{names.greater, 1}, {names.lesser, 2}};
     std::string const bytes = std::string(10 * 4, '\0') +
-                              wire::bytes(
+                              hex::bytes(
                                   "01000000  FFFFFFFF 00000000 00000000  02000000"
                                   "  FEFFFFFF 01000000 '" +
                                   names.lesser.str() +
@@ -154,7 +154,7 @@ TEST(ApplicationResults, KeySetsAreWrittenInTheOrderOfTheirHandles) {
                                   "  FDFFFFFF 01000000 '" +
                                   names.greater.str() + "' 01000000") +
                               std::string(3 * 4, '\0');
-    wire::expect(results, wire::hex(bytes));
+    wire::expect(results, hex::shown(bytes));
 }
 
 TEST(ApplicationResults, HashOfANumberedKeyDependsOnItsTextAndNumber) {
@@ -337,7 +337,7 @@ TEST(ApplicationResults, TheOrderOfInsertionDoesNotMatter) {
 }
 
 TEST(ApplicationResults, AKeyThatComesTwiceKeepsItsFirstEntry) {
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
                                   "00000000  00000000  00000000"
                                   "  03000000  FFFFFFFF 01000000 'a' 01000000"
                                   "  FEFFFFFF 01000000 'b' 02000000"
@@ -373,9 +373,9 @@ TEST(ApplicationResults, ReadTwiceHoldTheUnionWithTheFirstValues) {
 
 TEST(ApplicationResults, AnEntryThatCannotBeReadLeavesTheOnesBefore) {
     Results results;
-    EXPECT_THROW(wire::read_over(results, wire::bytes("07000000"
-                                                      "  02000000  FFFFFFFF 01000000 'a' 01000000"
-                                                      "  FEFFFFFF FFFFFFFF")),
+    EXPECT_THROW(wire::read_over(results, hex::bytes("07000000"
+                                                     "  02000000  FFFFFFFF 01000000 'a' 01000000"
+                                                     "  FEFFFFFF FFFFFFFF")),
                  std::length_error);
     EXPECT_EQ(results.first_int, 7);
     EXPECT_EQ(results.block_numbers, (std::unordered_map<Strings_T, sml::int32>{{"a"s, 1}}));

@@ -165,15 +165,15 @@ TEST(CheckData, WritesItsFieldsInOrder) {
 TEST(CheckData, AnAbsentLastNumberIsFollowedAtOnceByTheCategory) {
     T_Chk_Data data;
     data.category.choose<"DV_ASSERT">().first_int = 5;
-    std::string const tail = wire::bytes("'F'  1F000000 05000000");
+    std::string const tail = hex::bytes("'F'  1F000000 05000000");
     std::string const absent = wire::write(data);
-    EXPECT_EQ(wire::hex(absent.substr(absent.size() - tail.size())), wire::hex(tail));
+    EXPECT_EQ(hex::shown(absent.substr(absent.size() - tail.size())), hex::shown(tail));
     data.fourth_optional_int = -1;
     std::string const present = wire::write(data);
-    EXPECT_EQ(wire::hex(present.substr(0, present.size() - tail.size() - 4)),
-              wire::hex(absent.substr(0, absent.size() - tail.size())));
-    std::string const longer = wire::bytes("'T' FFFFFFFF  1F000000 05000000");
-    EXPECT_EQ(wire::hex(present.substr(present.size() - longer.size())), wire::hex(longer));
+    EXPECT_EQ(hex::shown(present.substr(0, present.size() - tail.size() - 4)),
+              hex::shown(absent.substr(0, absent.size() - tail.size())));
+    std::string const longer = hex::bytes("'T' FFFFFFFF  1F000000 05000000");
+    EXPECT_EQ(hex::shown(present.substr(present.size() - longer.size())), hex::shown(longer));
 }
 
 TEST(CheckData, OrdersByItsFieldsInTurn) {
@@ -317,9 +317,9 @@ TEST(CheckData, ReadingAddsToItsContainers) {
 TEST(CheckData, AnElementThatCannotBeReadLeavesTheOnesBefore) {
     T_Chk_Data data;
     EXPECT_THROW(
-        wire::read_over(data, wire::bytes("'F' 'F' 'F'  00000000 'F' 00000000 'F'  00000000"
-                                          "  02000000  00000000 FFFFFFFF 01000000 'a' 05000000 'F'"
-                                          "  00000000 FEFFFFFF FFFFFFFF")),
+        wire::read_over(data, hex::bytes("'F' 'F' 'F'  00000000 'F' 00000000 'F'  00000000"
+                                         "  02000000  00000000 FFFFFFFF 01000000 'a' 05000000 'F'"
+                                         "  00000000 FEFFFFFF FFFFFFFF")),
         std::length_error);
     ASSERT_EQ(data.contexts.size(), 1u);
     EXPECT_EQ(data.contexts.front().arm<"Chk_Clone">().name.str(), "a");

@@ -75,9 +75,9 @@ TEST(CloneContext, ReadingAnotherTagClearsTheArm) {
     Clone clone;
     clone.choose<"During_Constr_Destr">() = {true, true, "a"s, "b"s};
     clone.choose<"Sub_Ctor">() = "c";
-    wire::read_over(clone, wire::bytes("00000000 'F' 'F' 'F' FFFFFFFF 00000000"));
+    wire::read_over(clone, hex::bytes("00000000 'F' 'F' 'F' FFFFFFFF 00000000"));
     EXPECT_FALSE(clone.arm<"During_Constr_Destr">().optional_name.has_value());
-    wire::read_over(clone, wire::bytes("03000000 FFFFFFFF 00000000"));
+    wire::read_over(clone, hex::bytes("03000000 FFFFFFFF 00000000"));
     EXPECT_TRUE(clone.holds<"Sub_Dtor">());
     EXPECT_EQ(clone.arm<"Sub_Dtor">().str(), "");
 }
@@ -173,10 +173,10 @@ TEST(AFunction, SetsAreWrittenInTheOrderOfTheirHandles) {
     order::Handles const names;
     T_A_Function         value;
     value.first_key_set = {{names.greater, 1}, {names.lesser, 2}};
-    std::string const bytes = wire::bytes("02000000  FFFFFFFF 01000000") + names.lesser.str() +
-                              wire::bytes("02000000  FEFFFFFF 01000000") + names.greater.str() +
-                              wire::bytes("01000000");
-    EXPECT_EQ(wire::hex(wire::write(value).substr(0, bytes.size())), wire::hex(bytes));
+    std::string const bytes = hex::bytes("02000000  FFFFFFFF 01000000") + names.lesser.str() +
+                              hex::bytes("02000000  FEFFFFFF 01000000") + names.greater.str() +
+                              hex::bytes("01000000");
+    EXPECT_EQ(hex::shown(wire::write(value).substr(0, bytes.size())), hex::shown(bytes));
 }
 
 TEST(AFunction, OrdersByItsTenFieldsInTurn) {

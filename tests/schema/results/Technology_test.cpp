@@ -137,7 +137,7 @@ TEST(Technics, ReadingExpressivenessMakesItAnew) {
     std::string const bytes = wire::write(value);
     wire::read_over(value, bytes);
     EXPECT_EQ(std::get<1>(*value.expressiveness).size(), 2u);
-    wire::read_over(value, wire::bytes("'F' 00000000 00000000"));
+    wire::read_over(value, hex::bytes("'F' 00000000 00000000"));
     EXPECT_FALSE(value.expressiveness.has_value());
 }
 

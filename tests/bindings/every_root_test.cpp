@@ -1,8 +1,8 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/bindings/families.hpp"
 #include "tests/core/string_table.hpp"
-#include "tests/random_values.hpp"
 #include "tests/hex.hpp"
+#include "tests/random_values.hpp"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -63,25 +62,6 @@ template <class T>
 void expect_each_less(T const& a, T const& b) {
     EXPECT_TRUE(a < b);
     EXPECT_TRUE(b < a);
-}
-
-/// Expects that each step makes the value greater, one field after another, and that an earlier
-/// step outweighs a later one. `base` must be equal to itself and not less than itself.
-template <class T>
-void expect_lexicographic(T const& base, std::vector<std::function<void(T&)>> const& raise) {
-    expect_equal(base, T(base));
-    for (std::size_t field = 0; field < raise.size(); ++field) {
-        T raised = base;
-        raise[field](raised);
-        SCOPED_TRACE(testing::Message() << "step " << field);
-        expect_less(base, raised);
-        for (std::size_t later = field + 1; later < raise.size(); ++later) {
-            SCOPED_TRACE(testing::Message() << "against step " << later);
-            T raised_later = base;
-            raise[later](raised_later);
-            expect_less(raised_later, raised);
-        }
-    }
 }
 
 }  // namespace order

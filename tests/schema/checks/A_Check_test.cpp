@@ -1,6 +1,5 @@
 #include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 
@@ -170,16 +169,6 @@ TEST(ACheck, WritesFieldsInOrder) {
                  "0C000000 0D000000 07000000 0E000000 0F00000000000000"
                  "F4FFFFFF 02000000 's8'  10000000"
                  "54  46 54 46 00000000 00000000 46 54 04000000");
-}
-
-TEST(ACheck, FieldsDecideInOrder) {
-    fields::expect_order(
-        &Check::first_string, &Check::first_int, &Check::category, &Check::second_int,
-        &Check::optional_string, &Check::classifications, &Check::second_string, &Check::third_int,
-        &Check::fourth_int, &Check::first_flag, &Check::third_string, &Check::fourth_string,
-        &Check::fifth_int, &Check::located_names, &Check::fifth_string, &Check::sixth_int,
-        &Check::second_flag, &Check::seventh_int, &Check::third_flag, &Check::source_ref,
-        &Check::sixth_string, &Check::eighth_int, &Check::failure);
 }
 
 // ---- category ----

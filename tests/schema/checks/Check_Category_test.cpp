@@ -1,6 +1,5 @@
 #include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -147,6 +146,19 @@ Selector element(std::int32_t index) {
     Selector selector;
     selector.choose<"Array_element">() = index;
     return selector;
+}
+
+/// Gives the variants within a payload a tag whose payload is equal to itself.
+void settle(Category& value) {
+    if (value.holds<"ASSERT_QUESTION">())
+        value.arm<"ASSERT_QUESTION">().question.choose<"QuestionId">();
+    if (value.holds<"BLOCKING_WHILE_LOCKED">())
+        value.arm<"BLOCKING_WHILE_LOCKED">().operation.choose<"LOOP">();
+    if (value.holds<"CONV_OVFL">()) value.arm<"CONV_OVFL">().ovfl_data = single_ovfl(true);
+    if (value.holds<"CPP_Vor">()) value.arm<"CPP_Vor">().choose<"IMPLICIT_CALL">();
+    if (value.holds<"DATA_FLOW_FINDING">())
+        value.arm<"DATA_FLOW_FINDING">().kind.choose<"ARRAY_PARTIALLY_READ">();
+    if (value.holds<"OVFL">()) value.arm<"OVFL">().ovfl_data = single_ovfl(true);
 }
 
 sml::PackagedPrettySignature::T signature(char const* text) {
@@ -407,9 +419,7 @@ TEST(CheckCategory, ArmsWithoutPayloadAreLessThanThemselves) {
     for (Row const& row : rows) {
         SCOPED_TRACE(row.name);
         Category value = tables::with_tag<Category>(row.tag);
-        value.visit_payload([](auto const& payload) {
-            fields::fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload), true);
-        });
+        settle(value);
         if (row.fresh_payload.empty()) {
             EXPECT_TRUE(value == Category(value));
             order::expect_each_less(value, Category(value));
@@ -418,90 +428,6 @@ TEST(CheckCategory, ArmsWithoutPayloadAreLessThanThemselves) {
         }
     }
     tags::expect_less_than_themselves<Category>({77, 78, std::numeric_limits<std::int32_t>::max()});
-}
-
-TEST(CheckCategory, PayloadsDecideBetweenEqualTags) {
-    for (Row const& row : rows) {
-        if (row.fresh_payload.empty()) continue;
-        SCOPED_TRACE(row.name);
-        Category lesser = tables::with_tag<Category>(row.tag);
-        Category greater = lesser;
-        lesser.visit_payload([](auto const& payload) {
-            fields::fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload), false);
-        });
-        greater.visit_payload([](auto const& payload) {
-            fields::fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload), true);
-        });
-        order::expect_less(lesser, greater);
-    }
-}
-
-TEST(CheckCategory, FieldsOfItsRecordsDecideInOrder) {
-    using C = Category;
-    fields::expect_order(&C::ABSOLUTE_ADDRESS_args::first_flag,
-                         &C::ABSOLUTE_ADDRESS_args::first_string);
-    fields::expect_order(&C::ADA_EXCP_args::first_string);
-    fields::expect_order(&C::ADA_FE_args::first_string);
-    fields::expect_order(&C::ASSERT_QUESTION_args::first_optional_int,
-                         &C::ASSERT_QUESTION_args::first_flag, &C::ASSERT_QUESTION_args::question,
-                         &C::ASSERT_QUESTION_args::second_optional_int);
-    fields::expect_order(&C::BF_CHECKER_WITH_PRECOMPUTED_MESSAGE_args::message);
-    fields::expect_order(&C::BLOCKING_WHILE_LOCKED_args::operation);
-    fields::expect_order(&C::CALL_FPPF_args::incorrect_calls, &C::CALL_FPPF_args::first_flag,
-                         &C::CALL_FPPF_args::second_flag);
-    fields::expect_order(&C::CALL_IRV_args::first_string);
-    fields::expect_order(&C::CC_args::first_string);
-    fields::expect_order(&C::CONV_OVFL_args::first_string, &C::CONV_OVFL_args::second_string,
-                         &C::CONV_OVFL_args::ovfl_data, &C::CONV_OVFL_args::string_pair,
-                         &C::CONV_OVFL_args::third_string);
-    fields::expect_order(&C::CTR_args::optional_string);
-    fields::expect_order(&C::DATA_FLOW_FINDING_args::kind, &C::DATA_FLOW_FINDING_args::name);
-    fields::expect_order(&C::DATA_RACE_args::first_flag, &C::DATA_RACE_args::selectors,
-                         &C::DATA_RACE_args::first_string, &C::DATA_RACE_args::source_ref);
-    fields::expect_order(
-        &C::DATA_RACE_BIT_FIELDS_args::first_flag, &C::DATA_RACE_BIT_FIELDS_args::selectors,
-        &C::DATA_RACE_BIT_FIELDS_args::first_string, &C::DATA_RACE_BIT_FIELDS_args::source_ref);
-    fields::expect_order(&C::DATA_RACE_STD_LIB_args::first_string);
-    fields::expect_order(&C::DESTROY_LOCKED_args::string_set, &C::DESTROY_LOCKED_args::first_string,
-                         &C::DESTROY_LOCKED_args::first_signature,
-                         &C::DESTROY_LOCKED_args::second_signature);
-    fields::expect_order(&C::DRS_args::first_string);
-    fields::expect_order(&C::DV_ASSERT_args::first_int);
-    fields::expect_order(&C::FLOAT_ABSORPTION_args::first_flag,
-                         &C::FLOAT_ABSORPTION_args::first_string);
-    fields::expect_order(&C::FNC_args::signature);
-    fields::expect_order(&C::FNR_args::signature);
-    fields::expect_order(&C::IDR_args::first_optional_string, &C::IDR_args::second_optional_string);
-    fields::expect_order(&C::LEAK_args::first_string, &C::LEAK_args::leak_kind);
-    fields::expect_order(&C::NIP_args::first_flag, &C::NIP_args::second_flag);
-    fields::expect_order(&C::NIV_args::first_flag, &C::NIV_args::first_string);
-    fields::expect_order(&C::NIV_STRUCT_args::first_flag);
-    fields::expect_order(&C::NNR_args::optional_string);
-    fields::expect_order(&C::NON_FINITE_INF_args::first_flag, &C::NON_FINITE_INF_args::second_flag);
-    fields::expect_order(&C::NON_FINITE_NAN_args::first_flag);
-    fields::expect_order(&C::NTA_args::first_flag);
-    fields::expect_order(&C::NTC_args::string_and_int, &C::NTC_args::signature,
-                         &C::NTC_args::string_int_flag, &C::NTC_args::first_int);
-    fields::expect_order(&C::NTL_args::first_string, &C::NTL_args::first_int,
-                         &C::NTL_args::string_int_flag, &C::NTL_args::first_flag);
-    fields::expect_order(&C::OBAI_args::first_string, &C::OBAI_args::first_int);
-    fields::expect_order(&C::OVFL_args::first_string, &C::OVFL_args::first_flag,
-                         &C::OVFL_args::ovfl_data, &C::OVFL_args::string_pair,
-                         &C::OVFL_args::second_string);
-    fields::expect_order(&C::PVC_args::optional_string);
-    fields::expect_order(&C::RESOURCE_args::name, &C::RESOURCE_args::first_string);
-    fields::expect_order(&C::SECURITY_args::name, &C::SECURITY_args::first_string);
-    fields::expect_order(&C::SHF_args::first_string, &C::SHF_args::first_int);
-    fields::expect_order(&C::STACK_POINTER_args::strings, &C::STACK_POINTER_args::first_string);
-    fields::expect_order(&C::STD_LIB_args::named_ints, &C::STD_LIB_args::valid_args_by_name,
-                         &C::STD_LIB_args::first_int, &C::STD_LIB_args::signature,
-                         &C::STD_LIB_args::strings, &C::STD_LIB_args::first_string,
-                         &C::STD_LIB_args::second_int);
-    fields::expect_order(&C::SUBNORMAL_args::first_flag, &C::SUBNORMAL_args::second_flag);
-    fields::expect_order(&C::THD_args::first_optional_string, &C::THD_args::second_optional_string);
-    fields::expect_order(&C::THR_args::optional_string);
-    fields::expect_order(&C::USER_GLOBAL_ASSERT_args::first_string,
-                         &C::USER_GLOBAL_ASSERT_args::second_string);
 }
 
 TEST(CheckCategory, AbsentOptionalIsLessThanPresent) {

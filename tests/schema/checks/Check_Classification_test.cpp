@@ -1,5 +1,4 @@
 #include <sml/schema/Check_Classification.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -65,10 +64,6 @@ TEST(CheckClassification, EveryTagButZeroHashesThePayload) {
     EXPECT_EQ(hash(stray("07000000", "FFFFFFFF 05000000 'stdin'  03000000")), 0x678988f11a74034cu);
     EXPECT_EQ(hash(Classification()), 0x74ace9b72f14bd65u);
     EXPECT_EQ(hash(stray("FFFFFFFF", "FFFFFFFF 00000000  00000000")), 0x74ace9b72f14bd65u);
-}
-
-TEST(CheckClassification, ImpactFieldsDecideInOrder) {
-    fields::expect_order(&Impact::first_string, &Impact::first_int);
 }
 
 TEST(CheckClassification, OrdersByTagThenPayload) {

@@ -2,7 +2,6 @@
 
 #include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -74,14 +73,6 @@ TEST(OvflData, RecordsWriteFieldsInOrder) {
     wire::expect(T_Ovfl_Data::Single_Ovfl_args{true}, "54");
 }
 
-TEST(OvflData, FieldsOfItsRecordsDecideInOrder) {
-    fields::expect_order(&T_Ovfl_Data::Linked_Ovfl_args::first_string,
-                         &T_Ovfl_Data::Linked_Ovfl_args::first_int);
-    fields::expect_order(&T_Ovfl_Data::Merged_Ovfl_args::first_int,
-                         &T_Ovfl_Data::Merged_Ovfl_args::second_int);
-    fields::expect_order(&T_Ovfl_Data::Single_Ovfl_args::first_flag);
-}
-
 TEST(OvflData, OrdersByTagThenPayload) {
     tags::expect_to_decide<T_Ovfl_Data>();
     order::expect_less(single(false), single(true));
@@ -143,17 +134,6 @@ TEST(IncorrectCall, EveryOtherTagTakesTheLastRecord) {
     }
 }
 
-TEST(IncorrectCall, FieldsOfItsRecordsDecideInOrder) {
-    using Call = T_Incorrect_Call;
-    fields::expect_order(&Call::CALL_RTF_args::first_string, &Call::CALL_RTF_args::signature,
-                         &Call::CALL_RTF_args::second_string);
-    fields::expect_order(&Call::CALL_WNA_args::first_optional_int, &Call::CALL_WNA_args::signature,
-                         &Call::CALL_WNA_args::second_optional_int);
-    fields::expect_order(&Call::CALL_WTA_args::first_int, &Call::CALL_WTA_args::first_string,
-                         &Call::CALL_WTA_args::first_flag, &Call::CALL_WTA_args::signature,
-                         &Call::CALL_WTA_args::second_string);
-}
-
 TEST(IncorrectCall, AbsentNumberIsLessThanPresent) {
     using Wna = T_Incorrect_Call::CALL_WNA_args;
     order::expect_less(Wna{{}, {}, 9}, Wna{-9, {}, {}});
@@ -187,14 +167,7 @@ TEST(ValidArgs, WritesFieldsInOrder) {
                  "FFFFFFFF 00000000  01000000  00000000  01000000  01000000  46  00000000");
 }
 
-TEST(ValidArgs, FieldsDecideInOrder) {
-    using Data = T_Valid_Args_Checks_Datas;
-    fields::expect_order(&Data::first_string, &Data::second_string, &Data::first_named_ints,
-                         &Data::third_string, &Data::fourth_string, &Data::optional_string,
-                         &Data::second_named_ints);
-}
-
-// Required: the counts are compared first, then the strings by address and the numbers as signed.
+// Required: the count goes first, then string by address and number as signed.
 TEST(ValidArgs, NamedIntsOrderByCountThenByElements) {
     order::Handles const texts;
     auto                 data = [](std::list<std::pair<sml::Strings_T, std::int32_t>> const& list) {

@@ -1,6 +1,5 @@
 #include <sml/schema/Failure.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 
@@ -84,12 +83,6 @@ TEST(Failure, WritesFieldsInOrder) {
                  "01000000  FBFFFFFF 01000000 'd' 04000000"
                  "46  54"
                  "04000000");
-}
-
-TEST(Failure, FieldsDecideInOrder) {
-    fields::expect_order(&Failure::first_step, &Failure::first_flag, &Failure::second_step,
-                         &Failure::steps, &Failure::named_ints, &Failure::second_flag,
-                         &Failure::third_flag, &Failure::technology);
 }
 
 // ---- steps ----

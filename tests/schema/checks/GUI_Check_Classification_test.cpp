@@ -1,5 +1,4 @@
 #include <sml/schema/GUI_Check_Classification.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 
@@ -42,10 +41,6 @@ TEST(GuiCheckEvent, WritesFieldsInOrder) {
     wire::expect(Event(), "46  00000000  00000000");
 }
 
-TEST(GuiCheckEvent, FieldsDecideInOrder) {
-    fields::expect_order(&Event::step, &Event::path, &Event::first_int);
-}
-
 TEST(GuiCheckEvent, AbsentStepIsLessThanPresent) {
     order::expect_less(Event{{}, {step(9)}, 9}, Event{step(-9), {}, -9});
     order::expect_less(Event{step(-9), {}, 9}, Event{step(9), {}, -9});
@@ -72,11 +67,6 @@ TEST(GuiCheckClassification, WritesFieldsInOrder) {
     wire::expect(Classification{base::UNCLASSIFIED, path({}, 7), {{5}, {-1}}, true},
                  "08000000  54 46 00000000 07000000  02000000 FFFFFFFF 05000000  54");
     wire::expect(Classification(), "00000000  46  00000000  46");
-}
-
-TEST(GuiCheckClassification, FieldsDecideInOrder) {
-    fields::expect_order(&Classification::classification_class, &Classification::event,
-                         &Classification::input_sources, &Classification::first_flag);
 }
 
 TEST(GuiCheckClassification, ClassOrdersAsSigned) {

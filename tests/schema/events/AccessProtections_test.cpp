@@ -80,17 +80,6 @@ TEST(AccessProtections, ResourcesOrderByHandleAndSectionsAsTheirRecords) {
     order::expect_less(a, b);
 }
 
-TEST(AccessProtections, CriticalSectionOrdersByItsFieldsInTurn) {
-    order::Handles const names;
-    auto const&          low = names.lesser;
-    auto const&          high = names.greater;
-    order::expect_lexicographic<Section>(
-        {{low, {low, low}}, low, {low, {low, low}}},
-        {[&](auto& v) { v.first_signature.qualified_name.name = high; },
-         [&](auto& v) { v.section_name = high; },
-         [&](auto& v) { v.second_signature.signature = high; }});
-}
-
 TEST(AccessProtections, CriticalSectionHashDependsOnTheTextsOnly) {
     EXPECT_EQ(Section().hash(), 0xb6462a756b1f2bccu);
     EXPECT_EQ(locked_section().hash(), 0xb7be55edd118cbe0u);

@@ -32,12 +32,6 @@ TEST(BlockLocalization, WritesStartThenEnd) {
                  "  05000000  06000000 FEFFFFFF 01000000 'g' 07000000  FFFFFFFFFFFFFFFF");
 }
 
-TEST(BlockLocalization, OrdersByStartThenEnd) {
-    order::expect_lexicographic<T_BlockLocalization>(
-        {{1, {}, 0}, {1, {}, 0}}, {[](auto& v) { v.block_start.kind = 0xFFFFFFFF; },
-                                   [](auto& v) { v.block_end.reference = 1; }});
-}
-
 TEST(BlockAttribute, DefaultHasNoKind) {
     T_BlockAttribute const block;
     EXPECT_EQ(block.kind.tag, -1);
@@ -72,39 +66,6 @@ TEST(BlockAttribute, WritesItsTwelveFieldsInOrder) {
                  "  07000000 00000000 FBFFFFFF 00000000 00000000 0000000000000000"
                  "  08000000 00000000 05000000 00000000 0000000000000000"
                  "  FAFFFFFF 01000000 'c'  09000000  0A000000");
-}
-
-TEST(BlockAttribute, OfASwitchCaseOrdersByItsTwelveFieldsInTurn) {
-    order::Handles const names;
-    T_BlockAttribute     base;
-    base.first_text = names.lesser;
-    base.first_number = -1;
-    base.second_text = names.lesser;
-    base.second_number = -1;
-    base.kind.choose<"B_SWITCH_CASE">() = 9;
-    base.third_text = names.lesser;
-    base.third_number = -1;
-    base.last_number = -1;
-    order::expect_lexicographic<T_BlockAttribute>(
-        base, {[](auto& v) { v.function_ref.emplace(); }, [](auto& v) { v.source_ref.emplace(); },
-               [&](auto& v) { v.first_text = names.greater; }, [](auto& v) { v.first_number = 0; },
-               [&](auto& v) { v.second_text = names.greater; },
-               [](auto& v) { v.second_number = 0; }, [](auto& v) { v.flag = true; },
-               [](auto& v) { v.kind.template arm<"B_SWITCH_CASE">() = 16; },
-               [](auto& v) { v.localization.block_end.kind = 1; },
-               [&](auto& v) { v.third_text = names.greater; }, [](auto& v) { v.third_number = 0; },
-               [](auto& v) { v.last_number = 0; }});
-}
-
-TEST(BlockAttribute, FunctionReferencesOrderByTextThenNumber) {
-    order::Handles const names;
-    T_BlockAttribute     base;
-    base.function_ref.emplace(names.lesser, -1);
-    base.kind.choose<"B_SWITCH_CASE">();
-    order::expect_lexicographic<T_BlockAttribute>(
-        base,
-        {[&](auto& v) { v.function_ref->first = names.greater; },
-         [](auto& v) { v.function_ref->second = 0; }, [](auto& v) { v.source_ref.emplace(); }});
 }
 
 TEST(BlockAttribute, EqualOnesOfKindThenAreEachLessThanTheOther) {

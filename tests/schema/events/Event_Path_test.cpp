@@ -89,20 +89,6 @@ TEST(EventValue, TagsPastTheLastAreOrderedByTagThenByPayload) {
     order::expect_equal(value(2, names.lesser), value(2, names.lesser));
 }
 
-TEST(EventValue, WithValueOrdersByPairThenString) {
-    order::Handles const names;
-    auto const&          low = names.lesser;
-    auto const&          high = names.greater;
-    using WithValue = T_value::WithValue_args;
-    order::expect_lexicographic<WithValue>({{}, low},
-                                           {[&](auto& v) { v.string_pair.emplace(low, low); },
-                                            [&](auto& v) { v.first_string = high; }});
-    order::expect_lexicographic<WithValue>(
-        {std::pair(low, low), low},
-        {[&](auto& v) { v.string_pair->first = high; },
-         [&](auto& v) { v.string_pair->second = high; }, [&](auto& v) { v.first_string = high; }});
-}
-
 TEST(EventValue, ReadingAPairLetsTheHeldOneGo) {
     T_value value;
     value.choose<"WithValue">().string_pair.emplace("a"s, "b"s);

@@ -1,6 +1,5 @@
 #include <sml/schema/IL_Extras.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -248,35 +247,6 @@ TEST(AttributePredicate, ReadingAddsToTheValues) {
     EXPECT_EQ(fresh.arm<"Attribute_Pred">().values.max_load_factor(), 1.0f);
 }
 
-TEST(ResultData, RecordsOfTheArmsOrderByTheirFieldsInTurn) {
-    using fields::expect_order;
-    using Copy = Data::__unnamed_record_1;
-    expect_order(&Copy::name, &Copy::numbered_name);
-    using Modify = Data::__unnamed_record_2;
-    expect_order(&Modify::first_name, &Modify::second_name, &Modify::numbered_name);
-    using Start = Data::__unnamed_record_3;
-    expect_order(&Start::name, &Start::numbered_name, &Start::first_int);
-    using Environment = Data::__unnamed_record_4;
-    expect_order(&Environment::first_name, &Environment::second_name, &Environment::numbered_name);
-    using Except = Data::ATTRIBUTE_COPY_ALL_EXCEPT_args;
-    expect_order(&Except::excepted, &Except::numbered_name);
-    using Call = Data::Call_args;
-    expect_order(&Call::mapping, &Call::numbered_name);
-    using Round = Data::FLOAT_MODEL_ROUND_args;
-    expect_order(&Round::flag, &Round::float_model);
-    using Inspection = Data::Inspection_Point_IPT_args;
-    expect_order(&Inspection::name, &Inspection::first_int, &Inspection::type_op);
-    using PointsTo = Data::Inspection_Point_Points_To_args;
-    expect_order(&PointsTo::flag, &PointsTo::name, &PointsTo::first_int);
-    using Until = Data::Loop_Until_args;
-    expect_order(&Until::numbered_name, &Until::name_pair, &Until::loop_kind);
-    using Allocation = Data::MEM_ALLOC_args;
-    expect_order(&Allocation::flag, &Allocation::operation, &Allocation::name);
-    using Marker = Data::Marker_args;
-    expect_order(&Marker::first_name, &Marker::second_name);
-    expect_order(&ExtraData::category, &ExtraData::first_int);
-}
-
 TEST(ResultData, AbsentNumberedNamesAreLess) {
     order::expect_less(Data::__unnamed_record_1{}, Data::__unnamed_record_1{{}, {{""s, -9}}});
     order::expect_less(Data::Loop_Until_args{}, Data::Loop_Until_args{{{""s, -9}}, {}, {}});
@@ -421,12 +391,11 @@ TEST(ProcedureDeclaration, ItsTextIsNotInterned) {
     EXPECT_EQ(string_table::count_of("same"), 0u);
 }
 
-TEST(ProcedureDeclaration, OrdersByTextThenEachFlagThenNumber) {
+TEST(ProcedureDeclaration, TextsCompareAsTextsAndFlagsOneByOne) {
     using Declaration = Data::Procedure_Declaration_args;
-    order::expect_lexicographic<Declaration>(
-        {{}, {}, -1}, {[](auto& v) { v.text = ""; }, [](auto& v) { v.flags[0] = true; },
-                       [](auto& v) { v.flags[1] = true; }, [](auto& v) { v.flags[2] = true; },
-                       [](auto& v) { v.flags[3] = true; }, [](auto& v) { v.first_int = 0; }});
+    order::expect_less(Declaration{{}, {true}, 0}, Declaration{"", {}, 0});
+    order::expect_less(Declaration{{}, {false, true, true, true}, 0}, Declaration{{}, {true}, 0});
+    order::expect_less(Declaration{{}, {}, 1}, Declaration{{}, {false, false, false, true}, 0});
     order::expect_less(Declaration{"ab", {}, 0}, Declaration{"b", {}, 0});
     order::expect_less(Declaration{"a", {}, 0}, Declaration{"ab", {}, 0});
     order::expect_less(Declaration{"\x7F", {}, 0}, Declaration{"\x80", {}, 0});
@@ -531,17 +500,6 @@ TEST(ProgramData, AnEntryThatCannotBeReadLeavesTheOnesBefore) {
     ASSERT_EQ(program.attributes.size(), 1u);
     EXPECT_TRUE(program.attributes["first"s].flag);
     EXPECT_EQ(string_table::count_of("second"), 0u);
-}
-
-TEST(ProgramData, OrdersByResultsAttributesAndTables) {
-    order::expect_lexicographic<Data::Program_args>(
-        {}, {[](auto& v) { v.results.emplace().first_int = -1; },
-             [](auto& v) { v.attributes["a"s]; }, [](auto& v) { v.tables["t"s]; }});
-    Data::Program_args with_results;
-    with_results.results.emplace().first_int = -1;
-    order::expect_lexicographic<Data::Program_args>(
-        with_results, {[](auto& v) { v.results->first_int = 0; },
-                       [](auto& v) { v.attributes["a"s]; }, [](auto& v) { v.tables["t"s]; }});
 }
 
 Data::Program_args with_attributes(std::initializer_list<std::pair<char const*, bool>> flags) {
@@ -656,9 +614,9 @@ TEST(PragmaParameter, OpaqueWordsCrossAsTheyStand) {
 
 TEST(PragmaParameter, PlacesCompareAsUnsignedInTurn) {
     using Place = T_PragmaParameter::SOURCE_LOC_PRAGMA_PARAMETER_args;
-    order::expect_lexicographic<Place>({1, 1, 1}, {[](auto& v) { v.first_number = 0xFFFFFFFF; },
-                                                   [](auto& v) { v.word = 0xFFFFFFFFFFFFFFFF; },
-                                                   [](auto& v) { v.second_number = 0xFFFFFFFF; }});
+    order::expect_less(Place{1, 2, 2}, Place{0xFFFFFFFF, 1, 1});
+    order::expect_less(Place{1, 1, 2}, Place{1, 0xFFFFFFFFFFFFFFFF, 1});
+    order::expect_less(Place{1, 1, 1}, Place{1, 1, 0xFFFFFFFF});
 }
 
 TEST(PragmaParameter, ListsAreCountedAndReadingAppends) {

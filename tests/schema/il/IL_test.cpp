@@ -1,6 +1,5 @@
 #include <sml/schema/IL.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -90,13 +89,6 @@ TEST(TypeOp, FloatOpWritesItsFormat) {
     T_Type_Op type;
     type.choose<"Float_Op">().format = {1, -2, 3};
     wire::expect(type, "00000000  01000000 FEFFFFFF 03000000");
-}
-
-TEST(TypeOp, FloatOpOrdersAsItsFormat) {
-    using Float = T_Type_Op::Float_Op_args;
-    order::expect_lexicographic<Float>({{-1, -1, -1}}, {[](auto& v) { v.format.first_int = 0; },
-                                                        [](auto& v) { v.format.second_int = 0; },
-                                                        [](auto& v) { v.format.third_int = 0; }});
 }
 
 TEST(TypeOp, IntegerOpIsLessThanItself) {
@@ -346,20 +338,6 @@ Long long_annotation_of_loop(Strings_T const& loop) {
     Long annotation;
     annotation.operation.choose<"LOOP">() = loop;
     return annotation;
-}
-
-TEST(LongAnnotation, OrdersByNameThenNumberThenOperation) {
-    order::Handles const names;
-    fields::expect_order<Long>(&Long::name_and_number, &Long::operation);
-    Long base = long_annotation_of_loop(names.lesser);
-    order::expect_lexicographic<Long>(
-        base, {[](auto& v) { v.name_and_number.emplace(); },
-               [&](auto& v) { v.operation.template arm<"LOOP">() = names.greater; }});
-    base.name_and_number.emplace(names.lesser, -1);
-    order::expect_lexicographic<Long>(
-        base, {[&](auto& v) { v.name_and_number->first = names.greater; },
-               [](auto& v) { v.name_and_number->second = 0; },
-               [&](auto& v) { v.operation.template arm<"LOOP">() = names.greater; }});
 }
 
 TEST(LongAnnotation, AFunctionIsLessThanALoop) {

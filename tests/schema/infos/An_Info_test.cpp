@@ -1,6 +1,5 @@
 #include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 
@@ -109,13 +108,6 @@ TEST(AnInfo, AbsentStringAndNumberIsOneFlag) {
                  "01000000  00000000  46  01000000  00000000  46"
                  "00000000 00000000 01000000 00000000 0000000000000000"
                  "01000000  00000000");
-}
-
-TEST(AnInfo, FieldsDecideInOrder) {
-    fields::expect_order(&Info::first_string, &Info::first_int, &Info::category,
-                         &Info::second_string, &Info::second_int, &Info::string_and_int,
-                         &Info::third_string, &Info::third_int, &Info::flag, &Info::location,
-                         &Info::fourth_string, &Info::fourth_int);
 }
 
 TEST(AnInfo, LesserLocationIsLess) {

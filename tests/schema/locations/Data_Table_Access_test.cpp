@@ -1,5 +1,4 @@
 #include <sml/schema/Data_Table_Access.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/wire.hpp"
 
@@ -57,12 +56,6 @@ TEST(DataTableAccess, DefaultHasUnsetAtomicityAndEmptyPath) {
                  "00000000 00000000 FFFFFFFF 00000000 00000000 0000000000000000"
                  "01000000  00000000  01000000");
     order::expect_unordered(value, value);
-}
-
-TEST(DataTableAccess, FieldsDecideInOrder) {
-    fields::expect_order(&Access::atomicity, &Access::first_flag, &Access::second_flag,
-                         &Access::location, &Access::variable, &Access::path,
-                         &Access::variable_type);
 }
 
 TEST(DataTableAccess, EmptyPathIsLessThanEveryOther) {

@@ -57,20 +57,6 @@ TEST(AggregatedResults, CheckDataKeepsTheOrderOfTheList) {
     for (int const id : {3, 1, 2, 1}) EXPECT_EQ((next++)->first, id);
 }
 
-TEST(AggregatedResults, OrderByTheirFieldsInTurn) {
-    Aggregated base;
-    base.application_results.first_int = -1;
-    base.info_definitions[1].first_int = -1;
-    base.kernel_to_gui_info_ids[Key("k"s, 1)] = -1;
-    base.check_data.emplace_back(-1, check_data(-1));
-    order::expect_lexicographic<Aggregated>(
-        base, {[](auto& v) { v.application_results.first_int = 0; },
-               [](auto& v) { v.info_definitions[1].first_int = 0; },
-               [](auto& v) { v.kernel_to_gui_info_ids[Key("k"s, 1)] = 0; },
-               [](auto& v) { v.check_data.front().first = 0; },
-               [](auto& v) { v.check_data.front().second.first_int = 0; }});
-}
-
 TEST(AggregatedResults, SmallerTablesAreLessAndDifferentKeysUnordered) {
     Aggregated a;
     Aggregated b;

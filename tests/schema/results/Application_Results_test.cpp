@@ -171,28 +171,6 @@ TEST(ApplicationResults, HashOfANumberedKeyDependsOnItsTextAndNumber) {
     EXPECT_EQ(results.checks.hash_function()(Key("main.c"s, 1)), 0x99c2a3541cbaa05du);
 }
 
-TEST(ApplicationResults, OrderByTheirFieldsInTurn) {
-    order::expect_lexicographic<Results>(
-        one_of_each(),
-        {[](auto& v) { v.first_int = 0; }, [](auto& v) { v.block_numbers["k"s] = 0; },
-         [](auto& v) { v.blocks[Key("k"s, 1)].last_number = 1; },
-         [](auto& v) { v.check_numbers["k"s] = 0; },
-         [](auto& v) { v.checks[Key("k"s, 1)].second_int = 1; },
-         [](auto& v) { v.event_numbers["k"s] = 0; },
-         [](auto& v) { v.events[Key("k"s, 1)].first_flag = true; },
-         [](auto& v) { v.functions["k"s].first_int = 1; },
-         [](auto& v) { v.info_numbers["k"s] = 0; },
-         [](auto& v) { v.infos[Key("k"s, 1)].second_int = 1; },
-         [](auto& v) {
-             v.first_key_sets[Key("k"s, 1)] = {{"k"s, 0}};
-         },
-         [](auto& v) {
-             v.second_key_sets[Key("k"s, 1)] = {{"k"s, 0}};
-         },
-         [](auto& v) { v.integer_sets["k"s].insert(6); },
-         [](auto& v) { v.signatures["k"s].second.emplace(); }});
-}
-
 TEST(ApplicationResults, TheSmallerTableIsLess) {
     for_each_table([](auto table) {
         Results const none;
@@ -300,19 +278,6 @@ TEST(ApplicationResults, IntegerSetsCompareBySizeOnly) {
     order::expect_equal(with({1, -1, large}), with({large, 1, -1}));
     Results const results = with({1, -1, large, BigInteger(large * large)});
     EXPECT_TRUE(wire::read<Results>(wire::write(results)) == results);
-}
-
-TEST(ApplicationResults, SignaturesCompareFirstThenSecond) {
-    order::Handles const names;
-    Results              base;
-    base.signatures["k"s].first.signature = names.lesser;
-    order::expect_lexicographic<Results>(
-        base, {[&](auto& v) { v.signatures["k"s].first.signature = names.greater; },
-               [](auto& v) { v.signatures["k"s].second.emplace(); }});
-    base.signatures["k"s].second.emplace().signature = names.lesser;
-    order::expect_lexicographic<Results>(
-        base, {[&](auto& v) { v.signatures["k"s].first.signature = names.greater; },
-               [&](auto& v) { v.signatures["k"s].second->signature = names.greater; }});
 }
 
 TEST(ApplicationResults, TheOrderOfInsertionDoesNotMatter) {

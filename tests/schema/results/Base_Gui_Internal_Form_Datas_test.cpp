@@ -1,5 +1,4 @@
 #include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/schema/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/schema/tags.hpp"
@@ -43,11 +42,6 @@ TEST(Caller, WritesNumberSignatureFlagAndPlace) {
                  "  'T'  01000000 FBFFFFFF 01000000 'f' 02000000");
 }
 
-TEST(Caller, OrdersByItsFieldsInTurn) {
-    fields::expect_order(&T_Caller::first_int, &T_Caller::signature, &T_Caller::flag,
-                         &T_Caller::localization);
-}
-
 TEST(CheckContext, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
     tables::expect_arms<T_Chk_Context>(
         {{"Chk_Clone", "FFFFFFFF 00000000  00000000  'F'"},
@@ -76,11 +70,9 @@ TEST(CheckContext, WritesNamesNumbersAndOptionalNumbers) {
                  "  06000000  'T' 07000000");
 }
 
-TEST(CheckContext, OrdersByTagThenByTheFieldsInTurn) {
+TEST(CheckContext, OrdersByTagThenByTheNumbers) {
     tags::expect_to_decide<T_Chk_Context>();
     tables::expect_arms_without_payload_less<T_Chk_Context>([](auto&) {});
-    fields::expect_order(&CloneArgs::name, &CloneArgs::first_int, &CloneArgs::optional_int);
-    fields::expect_order(&ContextArgs::caller, &ContextArgs::first_int, &ContextArgs::optional_int);
     order::expect_less(CloneArgs{}, CloneArgs{{}, 0, -100});
     order::expect_less(ContextArgs{}, ContextArgs{{}, 0, -100});
     order::expect_less(clone(100), call(-100));
@@ -96,10 +88,8 @@ TEST(InfoDefinition, WritesItsSevenFieldsInOrder) {
                  "  FEFFFFFF 01000000 'n'  'T' 06000000");
 }
 
-TEST(InfoDefinition, OrdersByItsFieldsInTurn) {
+TEST(InfoDefinition, AbsentNumbersAreLess) {
     using Info = T_Info_Definition;
-    fields::expect_order(&Info::first_int, &Info::first_optional_int, &Info::second_int,
-                         &Info::flag, &Info::localization, &Info::name, &Info::second_optional_int);
     order::expect_less(Info{0, {}, 100, true, {}, {}, {}}, Info{0, -100, 0, false, {}, {}, {}});
     order::expect_less(Info{}, Info{0, {}, 0, false, {}, {}, -100});
 }
@@ -174,32 +164,6 @@ TEST(CheckData, AnAbsentLastNumberIsFollowedAtOnceByTheCategory) {
               hex::shown(absent.substr(0, absent.size() - tail.size())));
     std::string const longer = hex::bytes("'T' FFFFFFFF  1F000000 05000000");
     EXPECT_EQ(hex::shown(present.substr(present.size() - longer.size())), hex::shown(longer));
-}
-
-TEST(CheckData, OrdersByItsFieldsInTurn) {
-    using Data = T_Chk_Data;
-    fields::expect_order(
-        &Data::first_optional_int, &Data::second_optional_int, &Data::first_optional_name,
-        &Data::classification, &Data::first_int, &Data::contexts, &Data::first_flag,
-        &Data::second_int, &Data::signature_locations, &Data::third_optional_int,
-        &Data::second_optional_name, &Data::second_flag, &Data::first_numbered_name,
-        &Data::second_numbered_name, &Data::localization, &Data::name, &Data::third_int,
-        &Data::fourth_int, &Data::word, &Data::fourth_optional_int, &Data::category);
-}
-
-TEST(CheckData, AbsentAndEmptyFieldsAreLess) {
-    order::expect_lexicographic<T_Chk_Data>(check_data(),
-                                            {[](auto& v) { v.first_optional_int = -100; },
-                                             [](auto& v) { v.second_optional_int = -100; },
-                                             [](auto& v) { v.first_optional_name.emplace(); },
-                                             [](auto& v) { v.classification.event.emplace(); },
-                                             [](auto& v) { v.contexts.emplace_back(); },
-                                             [](auto& v) { v.signature_locations.emplace(); },
-                                             [](auto& v) { v.third_optional_int = -100; },
-                                             [](auto& v) { v.second_optional_name.emplace(); },
-                                             [](auto& v) { v.first_numbered_name.emplace(); },
-                                             [](auto& v) { v.second_numbered_name.emplace(); },
-                                             [](auto& v) { v.fourth_optional_int = -100; }});
 }
 
 TEST(CheckData, AnAbsentNumberIsLessWhateverFollows) {

@@ -50,13 +50,8 @@ TEST(CloneContext, OrdersByTagThenByPayload) {
     tags::expect_to_decide<Clone>();
     tables::expect_arms_without_payload_less<Clone>([](auto&) {});
     order::Handles const names;
-    order::expect_lexicographic<During>(
-        {false, false, {}, names.lesser},
-        {[](auto& v) { v.first_flag = true; }, [](auto& v) { v.second_flag = true; },
-         [](auto& v) { v.optional_name.emplace(); }, [&](auto& v) { v.name = names.greater; }});
-    order::expect_lexicographic<During>({false, false, names.lesser, names.lesser},
-                                        {[&](auto& v) { v.optional_name = names.greater; },
-                                         [&](auto& v) { v.name = names.greater; }});
+    order::expect_less(During{false, false, {}, names.greater},
+                       During{false, false, names.lesser, names.lesser});
     for (std::int32_t const tag : {1, 2, 3}) {
         Clone a = tables::with_tag<Clone>(tag);
         Clone b = a;
@@ -86,14 +81,6 @@ TEST(FunctionContext, WritesPlaceAndTwoNames) {
     wire::expect(T_Function_Context{{1, {2, "f"s, 3}, 4}, "a"s, "f"s},
                  "01000000 02000000 FFFFFFFF 01000000 'f' 03000000 0400000000000000"
                  "  FEFFFFFF 01000000 'a'  01000000");
-}
-
-TEST(FunctionContext, OrdersByItsFieldsInTurn) {
-    order::Handles const names;
-    order::expect_lexicographic<T_Function_Context>(
-        {{}, names.lesser, names.lesser},
-        {[](auto& v) { v.location.kind = 1; }, [&](auto& v) { v.first_name = names.greater; },
-         [&](auto& v) { v.second_name = names.greater; }});
 }
 
 constexpr auto default_function_context =
@@ -177,22 +164,6 @@ TEST(AFunction, SetsAreWrittenInTheOrderOfTheirHandles) {
                               hex::bytes("02000000  FEFFFFFF 01000000") + names.greater.str() +
                               hex::bytes("01000000");
     EXPECT_EQ(hex::shown(wire::write(value).substr(0, bytes.size())), hex::shown(bytes));
-}
-
-TEST(AFunction, OrdersByItsTenFieldsInTurn) {
-    order::Handles const names;
-    T_A_Function         base = function();
-    base.first_int = -1;
-    base.signature.package = names.lesser;
-    order::expect_lexicographic<T_A_Function>(
-        base, {[](auto& v) { v.first_key_set.emplace(); }, [](auto& v) { v.first_int = 0; },
-               [](auto& v) { v.numbers[""s] = -1; },
-               [](auto& v) { v.context.template arm<"Some_Function_Context">().location.kind = 1; },
-               [](auto& v) { v.optional_location.emplace(); },
-               [](auto& v) { v.second_key_set.emplace(); }, [](auto& v) { v.first_flag = true; },
-               [](auto& v) { v.location.kind = 0xFFFFFFFF; },
-               [&](auto& v) { v.signature.package = names.greater; },
-               [](auto& v) { v.second_flag = true; }});
 }
 
 TEST(AFunction, KeySetsCompareElementByElementBeforeTheirSize) {

@@ -79,21 +79,6 @@ TEST(Technics, WritesLevelRelationsAndCoefficients) {
                  "  FAFFFFFF  07000000");
 }
 
-TEST(Technics, OrdersByItsFieldsInTurn) {
-    order::expect_lexicographic<Technics>(
-        {}, {[](auto& v) { v = technics(1); }, [](auto& v) { v.first_int = 1; },
-             [](auto& v) { v.second_int = 1; }});
-    Technics base = technics(0);
-    base.first_int = -1;
-    base.second_int = -1;
-    order::expect_lexicographic<Technics>(
-        base, {[](auto& v) { std::get<0>(*v.expressiveness).template choose<"Exact">(); },
-               [](auto& v) { std::get<0>(*v.expressiveness).template arm<"Bound">() = 1; },
-               [](auto& v) { std::get<1>(*v.expressiveness).emplace_back(); },
-               [](auto& v) { std::get<2>(*v.expressiveness) = Expressiveness::Potential; },
-               [](auto& v) { v.first_int = 0; }, [](auto& v) { v.second_int = 0; }});
-}
-
 TEST(Technics, RelationsCompareTheirCountThenEachPair) {
     auto with =
         [](std::list<std::pair<Expressiveness::T_relation, Expressiveness::T_constant>> relations) {

@@ -1,5 +1,6 @@
 #include <sml/core/define.hpp>
 #include "tests/core/counted.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -180,38 +181,31 @@ TEST_F(ElseArm, IsHeldByItsExactTagOnly) {
 
 TEST_F(ElseArm, PayloadDecidesBetweenEqualTagsPastTheLast) {
     for (std::int32_t const tag : {2, 3, 16, INT32_MAX}) {
-        EXPECT_TRUE(with_number(tag, 1) == with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) == with_number(tag, 2));
-        EXPECT_TRUE(with_number(tag, 1) < with_number(tag, 2));
-        EXPECT_FALSE(with_number(tag, 2) < with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) < with_number(tag, 1));
+        order::expect_equal(with_number(tag, 1), with_number(tag, 1));
+        order::expect_less(with_number(tag, 1), with_number(tag, 2));
     }
 }
 
 TEST_F(ElseArm, RawTagsCompareBeforeThePayload) {
-    EXPECT_FALSE(with_number(16, 1) == with_number(17, 1));
-    EXPECT_TRUE(with_number(16, 9) < with_number(17, 1));
-    EXPECT_FALSE(with_number(17, 1) < with_number(16, 9));
-    EXPECT_TRUE(with_number(2, 9) < with_number(3, 1));
-    EXPECT_TRUE(with_number(-9, 9) < with_number(-1, 1));
-    EXPECT_TRUE(with_number(-1, 9) < with_tag(0));
+    order::expect_less(with_number(16, 1), with_number(17, 1));
+    order::expect_less(with_number(16, 9), with_number(17, 1));
+    order::expect_less(with_number(2, 9), with_number(3, 1));
+    order::expect_less(with_number(-9, 9), with_number(-1, 1));
+    order::expect_less(with_number(-1, 9), with_tag(0));
 }
 
 TEST_F(ElseArm, EqualNegativeTagsAreNeverEqualOrLessWhateverTheirPayload) {
     for (std::int32_t const tag : {-1, -9, INT32_MIN}) {
-        EXPECT_FALSE(with_number(tag, 1) == with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) < with_number(tag, 2));
-        EXPECT_FALSE(with_number(tag, 2) < with_number(tag, 1));
+        order::expect_unordered(with_number(tag, 1), with_number(tag, 1));
+        order::expect_unordered(with_number(tag, 1), with_number(tag, 2));
     }
     Rest const unset;
-    EXPECT_FALSE(unset == unset);
-    EXPECT_FALSE(unset < with_number(-1, 1));
-    EXPECT_FALSE(with_number(-1, 1) < unset);
+    order::expect_unordered(unset, unset);
+    order::expect_unordered(unset, with_number(-1, 1));
 }
 
 TEST_F(ElseArm, ArmWithoutPayloadBesideItIsLessThanItself) {
-    EXPECT_TRUE(with_tag(1) < with_tag(1));
-    EXPECT_TRUE(with_tag(1) == with_tag(1));
+    order::expect_equal_and_each_less(with_tag(1), with_tag(1));
 }
 
 TEST_F(ElseArm, AssignmentWithinOneTagReplacesThePayload) {

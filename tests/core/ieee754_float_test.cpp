@@ -2,6 +2,7 @@
 #include <sml/core/ieee754_float.hpp>
 #include <sml/schema/IEEE754.hpp>
 #include "tests/core/comma_locale.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -409,46 +410,35 @@ TEST(Float, SelfAssignmentChangesNothing) {
 }
 
 TEST(Float, OrderIsThatOfTheValues) {
-    EXPECT_TRUE(make(64, "1") < make(32, "2"));
-    EXPECT_FALSE(make(32, "2") < make(64, "1"));
-    EXPECT_TRUE(make(64, "-@Inf@") < make(16, "-1"));
-    EXPECT_TRUE(make(16, "1") < make(16, "@Inf@"));
-    EXPECT_FALSE(make(64, "1") < make(64, "1"));
+    order::expect_less(make(64, "1"), make(32, "2"));
+    order::expect_less(make(64, "-@Inf@"), make(16, "-1"));
+    order::expect_less(make(16, "1"), make(16, "@Inf@"));
+    order::expect_equal(make(64, "1"), make(64, "1"));
 }
 
 TEST(Float, EqualValuesAreOrderedByWidth) {
-    EXPECT_TRUE(make(32, "1") < make(64, "1"));
-    EXPECT_FALSE(make(64, "1") < make(32, "1"));
-    EXPECT_TRUE(make(64, "@Inf@") < make(128, "@Inf@"));
-    EXPECT_FALSE(make(64, "@Inf@") < make(64, "@Inf@"));
-    EXPECT_FALSE(make(32, "1") == make(64, "1"));
-    EXPECT_TRUE(make(64, "1") == make(64, "1"));
+    order::expect_less(make(32, "1"), make(64, "1"));
+    order::expect_less(make(64, "@Inf@"), make(128, "@Inf@"));
+    order::expect_equal(make(64, "@Inf@"), make(64, "@Inf@"));
 }
 
 TEST(Float, WidthsCompareAsUnsigned) {
     IEEE754Float const huge = unlisted(~std::uint64_t{0});
     IEEE754Float const small = make(16, "1.8");
-    EXPECT_TRUE(small < huge);
-    EXPECT_FALSE(huge < small);
+    order::expect_less(small, huge);
 }
 
 TEST(Float, ZerosAreEqualWhateverTheirSign) {
-    EXPECT_TRUE(make(64, "-0") == make(64, "0"));
-    EXPECT_FALSE(make(64, "-0") < make(64, "0"));
-    EXPECT_TRUE(make(32, "0") < make(64, "-0"));
+    order::expect_equal(make(64, "-0"), make(64, "0"));
+    order::expect_less(make(32, "0"), make(64, "-0"));
 }
 
 TEST(Float, NanIsNeitherLessNorGreaterNorEqual) {
     IEEE754Float const nan = make(64, "@NaN@");
     for (IEEE754Float const& other : {make(64, "@NaN@"), make(128, "@NaN@"), make(16, "@NaN@"),
-                                      make(64, "0"), make(128, "-@Inf@"), make(16, "@Inf@")}) {
-        EXPECT_FALSE(nan < other);
-        EXPECT_FALSE(other < nan);
-        EXPECT_FALSE(nan == other);
-        EXPECT_FALSE(other == nan);
-    }
-    EXPECT_FALSE(nan < nan);
-    EXPECT_FALSE(nan == nan);
+                                      make(64, "0"), make(128, "-@Inf@"), make(16, "@Inf@")})
+        order::expect_unordered(nan, other);
+    order::expect_unordered(nan, nan);
 }
 
 TEST(Float, SurvivesInACommaLocale) {
@@ -464,13 +454,10 @@ TEST(FloatFormat, IsThreeWordsInOrder) {
 
 TEST(FloatFormat, ComparesItsWordsInOrder) {
     using sml::IEEE754::T;
-    EXPECT_TRUE((T{1, 9, 9} < T{2, 0, 0}));
-    EXPECT_TRUE((T{1, -1, 9} < T{1, 0, 0}));
-    EXPECT_TRUE((T{1, 1, 1} < T{1, 1, 2}));
-    EXPECT_FALSE((T{1, 1, 1} < T{1, 1, 1}));
-    EXPECT_FALSE((T{2, 0, 0} < T{1, 9, 9}));
-    EXPECT_TRUE((T{1, 2, 3} == T{1, 2, 3}));
-    EXPECT_FALSE((T{1, 2, 3} == T{1, 2, 4}));
+    order::expect_less(T{1, 9, 9}, T{2, 0, 0});
+    order::expect_less(T{1, -1, 9}, T{1, 0, 0});
+    order::expect_less(T{1, 2, 3}, T{1, 2, 4});
+    order::expect_equal(T{1, 2, 3}, T{1, 2, 3});
 }
 
 }  // namespace

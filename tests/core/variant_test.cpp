@@ -3,6 +3,7 @@
 #include <sml/schema/IL.hpp>
 #include "tests/core/counted.hpp"
 #include "tests/core/string_table.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -70,24 +71,6 @@ void read_over(V& value, std::string_view hex) {
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
 }
 
-/// Expects that neither is less than the other and that they are unequal.
-template <class V>
-void expect_unrelated(V const& a, V const& b) {
-    EXPECT_FALSE(a == b);
-    EXPECT_FALSE(b == a);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-}
-
-/// Expects that each is less than the other and that they are equal.
-template <class V>
-void expect_equal_and_less(V const& a, V const& b) {
-    EXPECT_TRUE(a == b);
-    EXPECT_TRUE(b == a);
-    EXPECT_TRUE(a < b);
-    EXPECT_TRUE(b < a);
-}
-
 TEST(Variant, ArmWithoutPayloadIsItsTag) {
     wire::expect(with_tag<T_Atomicity_Condition>(1), "01 00 00 00");
     wire::expect(with_tag<T_Atomicity_Condition>(4), "04 00 00 00");
@@ -124,50 +107,39 @@ TEST(Variant, TagReadsAsAnInt32AndIsNotAssigned) {
 TEST(Variant, UnsetIsUnequalToEverythingAndLessThanEveryArm) {
     Choice const unset;
     Choice const other;
-    expect_unrelated(unset, unset);
-    expect_unrelated(unset, other);
-    for (std::int32_t tag = 0; tag < 7; ++tag) {
-        EXPECT_TRUE(unset < with_tag(tag));
-        EXPECT_FALSE(with_tag(tag) < unset);
-        EXPECT_FALSE(unset == with_tag(tag));
-    }
+    order::expect_unordered(unset, unset);
+    order::expect_unordered(unset, other);
+    for (std::int32_t tag = 0; tag < 7; ++tag) order::expect_less(unset, with_tag(tag));
 }
 
 TEST(Variant, EqualNegativeTagsAreNeverEqualOrLess) {
-    expect_unrelated(with_tag(-7), with_tag(-7));
-    expect_unrelated(with_tag(INT32_MIN), with_tag(INT32_MIN));
+    order::expect_unordered(with_tag(-7), with_tag(-7));
+    order::expect_unordered(with_tag(INT32_MIN), with_tag(INT32_MIN));
 }
 
 TEST(Variant, TagsCompareFirstAndAsSigned) {
-    EXPECT_TRUE(with_tag(-7) < with_tag(-1));
-    EXPECT_FALSE(with_tag(-1) < with_tag(-7));
-    EXPECT_TRUE(with_list({9, 9, 9}) < with_tag(3));
-    EXPECT_FALSE(with_tag(3) < with_list({9, 9, 9}));
-    EXPECT_TRUE(with_tag(16) < with_tag(17));
-    EXPECT_FALSE(with_tag(17) < with_tag(16));
-    EXPECT_FALSE(with_tag(16) == with_tag(17));
+    order::expect_less(with_tag(-7), with_tag(-1));
+    order::expect_less(with_list({9, 9, 9}), with_tag(3));
+    order::expect_less(with_tag(16), with_tag(17));
 }
 
 TEST(Variant, ArmWithoutPayloadIsLessThanItself) {
     Choice const nothing = with_tag(2);
-    expect_equal_and_less(nothing, nothing);
-    expect_equal_and_less(nothing, with_tag(2));
+    order::expect_equal_and_each_less(nothing, nothing);
+    order::expect_equal_and_each_less(nothing, with_tag(2));
 }
 
 TEST(Variant, PayloadDecidesBetweenEqualTags) {
-    EXPECT_TRUE(with_list({1}) < with_list({2}));
-    EXPECT_FALSE(with_list({2}) < with_list({1}));
-    EXPECT_FALSE(with_list({1}) < with_list({1}));
-    EXPECT_TRUE(with_list({1}) == with_list({1}));
-    EXPECT_FALSE(with_list({1}) == with_list({2}));
+    order::expect_less(with_list({1}), with_list({2}));
+    order::expect_equal(with_list({1}), with_list({1}));
 }
 
 TEST(Variant, UnknownTagStaysAndIsLessThanItself) {
     auto const unknown = wire::read<T_Atomicity_Condition>(hex::bytes("07 00 00 00"));
     EXPECT_EQ(unknown.tag, 7);
     EXPECT_EQ(unknown.toString(), nullptr);
-    expect_equal_and_less(unknown, unknown);
-    expect_equal_and_less(unknown, with_tag<T_Atomicity_Condition>(7));
+    order::expect_equal_and_each_less(unknown, unknown);
+    order::expect_equal_and_each_less(unknown, with_tag<T_Atomicity_Condition>(7));
     wire::expect(unknown, "07 00 00 00");
 }
 

@@ -2,6 +2,7 @@
 // Compares whole variants and enumerations with tables written by hand.
 
 #include <sml/core/kinds.hpp>
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -9,11 +10,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace tables {
 
-/// An arm, at the index of its tag: its name, and the payload that a fresh arm writes.
+constexpr auto smallest = std::numeric_limits<std::int32_t>::min();
+constexpr auto largest = std::numeric_limits<std::int32_t>::max();
+
+/// An arm at the position of its tag: its name, and the payload that a fresh arm writes.
 struct ArmRow {
     char const*      name;
     std::string_view payload = "";
@@ -44,49 +51,60 @@ void expect_payload(std::int32_t tag, std::string_view payload) {
     EXPECT_EQ(wire::read<Variant>(bytes).tag, tag);
 }
 
-/// Expects that the rows are all arms of the variant.
-template <class Variant, std::size_t Count>
-void expect_arms(ArmRow const (&rows)[Count]) {
-    EXPECT_EQ(std::size_t{Variant::arms::count}, Count);
-    for (std::size_t i = 0; i < Count; ++i) {
-        auto const tag = static_cast<std::int32_t>(i);
-        EXPECT_STREQ(with_tag<Variant>(tag).toString(), rows[i].name);
-        expect_payload<Variant>(tag, rows[i].payload);
+/// The table names every arm, and none is missing. Tags that no arm has, negative ones too, have
+/// the payload `unknown`.
+template <class Variant>
+void expect_arms(std::span<ArmRow const> rows, std::string_view unknown) {
+    ASSERT_EQ(std::size_t{Variant::arms::count}, rows.size());
+    constexpr std::int32_t count = Variant::arms::count;
+    for (std::int32_t tag = 0; tag < count; ++tag) {
+        ArmRow const& row = rows[static_cast<std::size_t>(tag)];
+        EXPECT_STREQ(with_tag<Variant>(tag).toString(), row.name);
+        expect_payload<Variant>(tag, row.payload);
     }
     EXPECT_EQ(Variant().tag, -1);
-    constexpr auto past_last = static_cast<std::int32_t>(Count);
-    constexpr auto smallest = std::numeric_limits<std::int32_t>::min();
-    constexpr auto largest = std::numeric_limits<std::int32_t>::max();
-    for (std::int32_t const tag : {-1, -2, smallest})
-        EXPECT_STREQ(with_tag<Variant>(tag).toString(), rows[0].name) << tag;
-    for (std::int32_t const tag : {past_last, past_last + 1, largest})
-        EXPECT_EQ(with_tag<Variant>(tag).toString(), nullptr) << tag;
+    for (std::int32_t const tag : {-1, -2, smallest, count, count + 1, largest}) {
+        EXPECT_STREQ(with_tag<Variant>(tag).toString(), tag < 0 ? rows[0].name : nullptr) << tag;
+        expect_payload<Variant>(tag, unknown);
+    }
 }
 
-/// Expects that unknown tags, including negative ones, are followed by this payload.
+/// Tags that no arm has are bare.
+template <class Variant, std::size_t Count>
+void expect_arms(ArmRow const (&rows)[Count]) {
+    expect_arms<Variant>(rows, "");
+}
+
+/// Tags that no arm has stand before the last arm's payload.
+template <class Variant, std::size_t Count>
+void expect_arms_with_catch_all(ArmRow const (&rows)[Count]) {
+    expect_arms<Variant>(rows, rows[Count - 1].payload);
+}
+
+/// What `<` and `==` say by the tag alone: different tags decide, as signed numbers, those that no
+/// arm has among them. A value without payload is equal to itself and less; one with a negative tag
+/// is neither, and one with a fresh payload isn't less.
 template <class Variant>
-void expect_stray_tags(std::string_view payload) {
-    for (std::int32_t const tag :
-         {-1, -2, std::numeric_limits<std::int32_t>::min(), Variant::arms::count,
-          Variant::arms::count + 1, std::numeric_limits<std::int32_t>::max()})
-        expect_payload<Variant>(tag, payload);
-}
-
-/// Expects that two values with the same tag are equal, and that each is less than the other
-/// exactly if the tag has no payload: on arms without one, and on tags after the last arm unless
-/// there is a catch-all arm. `fill` must give an arm's payload a content that is equal to itself.
-template <class Variant, class Fill>
-void expect_arms_without_payload_less(Fill fill) {
-    for (std::int32_t tag = 0; tag < Variant::arms::count; ++tag) {
-        SCOPED_TRACE(testing::Message() << "tag " << tag);
-        Variant left = with_tag<Variant>(tag);
-        fill(left);
-        ASSERT_EQ(left.tag, tag);
-        Variant const right = left;
-        bool const    bare = !Variant::arms::has_payload[static_cast<std::size_t>(tag)];
-        EXPECT_TRUE(left == right);
-        EXPECT_EQ(left < right, bare);
-        EXPECT_EQ(right < left, bare);
+void expect_order_by_tag() {
+    using Arms = typename Variant::arms;
+    std::vector<std::int32_t> tags{smallest, -2, -1};
+    for (std::int32_t tag = 0; tag <= Arms::count; ++tag) tags.push_back(tag);
+    tags.push_back(largest);
+    order::expect_unordered(Variant(), Variant());
+    for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
+        SCOPED_TRACE(testing::Message() << "tag " << *tag);
+        Variant const value = with_tag<Variant>(*tag);
+        Variant const same = value;
+        if (*tag < 0)
+            order::expect_unordered(value, same);
+        else if (Arms::arm_for(*tag) < 0)
+            order::expect_equal_and_each_less(value, same);
+        else
+            EXPECT_FALSE(value < same);
+        for (auto greater = tag + 1; greater != tags.end(); ++greater) {
+            SCOPED_TRACE(testing::Message() << "and tag " << *greater);
+            order::expect_less(value, with_tag<Variant>(*greater));
+        }
     }
 }
 
@@ -97,9 +115,7 @@ void expect_enumerators(char const* const (&names)[Count]) {
     for (std::size_t i = 0; i < Count; ++i)
         EXPECT_STREQ(toString(static_cast<Enumeration>(i)), names[i]);
     constexpr auto past_last = static_cast<std::int32_t>(Count);
-    for (std::int32_t const value :
-         {-1, past_last, past_last + 1, std::numeric_limits<std::int32_t>::min(),
-          std::numeric_limits<std::int32_t>::max()})
+    for (std::int32_t const value : {-1, past_last, past_last + 1, smallest, largest})
         EXPECT_EQ(toString(static_cast<Enumeration>(value)), nullptr) << value;
 }
 

@@ -1,6 +1,6 @@
 #include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -177,9 +177,8 @@ TEST(ACheck, WritesFieldsInOrder) {
 TEST(ACheck, CheckOnAnArmWithoutPayloadIsLessThanItsEqualCopy) {
     Check const acer = of_category<"ACER">();
     Check const copy = acer;
-    EXPECT_TRUE(acer == copy);
-    order::expect_each_less(acer, copy);
-    order::expect_each_less(acer, acer);
+    order::expect_equal_and_each_less(acer, copy);
+    order::expect_equal_and_each_less(acer, acer);
 }
 
 TEST(ACheck, NothingBehindACategoryWithoutPayloadIsReached) {
@@ -188,8 +187,7 @@ TEST(ACheck, NothingBehindACategoryWithoutPayloadIsReached) {
     second.first_string = first.first_string;
     second.first_int = first.first_int;
     second.category = first.category;
-    order::expect_each_less(first, second);
-    EXPECT_FALSE(first == second);
+    order::expect_unequal_and_each_less(first, second);
 
     second.first_int = 1;
     order::expect_less(first, second);
@@ -201,7 +199,7 @@ TEST(ACheck, CategoriesDecideByTag) {
     Check unknown;
     unknown.category.choose_tag(77);
     order::expect_less(of_category<"ZDV">(), unknown);
-    order::expect_each_less(unknown, unknown);
+    order::expect_equal_and_each_less(unknown, unknown);
 }
 
 TEST(ACheck, UnsetCategoryMakesCheckUnequalToItsCopyWhateverFollows) {
@@ -220,15 +218,13 @@ TEST(ACheck, OverflowWithoutFailureIsNotLessThanItsCopy) {
 
 TEST(ACheck, CriticalClassificationMakesOverflowLessThanItsCopy) {
     Check const check = classified({critical()});
-    EXPECT_TRUE(check == Check(check));
-    order::expect_each_less(check, Check(check));
+    order::expect_equal_and_each_less(check, Check(check));
 }
 
 TEST(ACheck, TechnologyOfTheFailureCanMakeCheckLessThanItsCopy) {
     Check check = overflow();
     check.failure.emplace().technology.choose<"GMOD">();
-    EXPECT_TRUE(check == Check(check));
-    order::expect_each_less(check, Check(check));
+    order::expect_equal_and_each_less(check, Check(check));
     check.failure->technology.choose<"FORWARD">();
     order::expect_equal(check, Check(check));
 }
@@ -273,11 +269,9 @@ TEST(ACheck, EqualImpactsLeaveTheOrderToTheNextField) {
 TEST(ACheck, SharedCriticalClassificationEndsTheComparison) {
     Check const first = classified({critical(), impact(1)});
     Check       second = classified({impact(1), critical()});
-    order::expect_each_less(first, second);
-    EXPECT_TRUE(first == second);
+    order::expect_equal_and_each_less(first, second);
     second.third_int = 1;
-    order::expect_each_less(first, second);
-    EXPECT_FALSE(first == second);
+    order::expect_unequal_and_each_less(first, second);
 }
 
 TEST(ACheck, ClassificationsAreEqualByTagAndPayload) {

@@ -1,7 +1,6 @@
 #include <sml/schema/Check_Classification.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -29,7 +28,7 @@ Classification stray(std::string const& tag, char const* payload) {
 std::uint64_t hash(Classification const& value) { return sml::Hash<Classification>{}(value); }
 
 TEST(CheckClassification, HasTwoArms) {
-    tables::expect_arms<Classification>(
+    tables::expect_arms_with_catch_all<Classification>(
         {{"CRITICAL_CHK"}, {"INPUT_IMPACT", "FFFFFFFF 00000000  00000000"}});
 }
 
@@ -40,7 +39,6 @@ TEST(CheckClassification, CriticalIsItsTagAndImpactHasAStringAndANumber) {
 
 // Required: the last arm is a catch-all arm.
 TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
-    tables::expect_stray_tags<Classification>("FFFFFFFF 00000000  00000000");
     for (char const* const tag : {"02000000", "07000000", "FFFFFFFF"}) {
         auto const read = stray(tag, "FFFFFFFF 05000000 'stdin'  03000000");
         EXPECT_EQ(read.arm<"INPUT_IMPACT">(), (Impact{{"stdin"}, 3}));
@@ -67,8 +65,7 @@ TEST(CheckClassification, EveryTagButZeroHashesThePayload) {
 }
 
 TEST(CheckClassification, OrdersByTagThenPayload) {
-    tags::expect_to_decide<Classification>();
-    tags::expect_less_than_themselves<Classification>({0});
+    tables::expect_order_by_tag<Classification>();
     order::expect_less(critical(), impact("", -1));
     order::expect_less(impact("stdin", -1), impact("stdin", 1));
     order::expect_equal(impact("stdin", 1), impact("stdin", 1));

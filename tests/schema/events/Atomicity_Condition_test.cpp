@@ -1,7 +1,6 @@
 #include <sml/schema/Atomicity_Condition.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -20,8 +19,6 @@ TEST(AtomicityCondition, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
                                                 {"MULTI_INSTR", "'F'"},
                                                 {"UNKNOWN"}});
 }
-
-TEST(AtomicityCondition, StrayTagsAreBare) { tables::expect_stray_tags<T_Atomicity_Condition>(""); }
 
 TEST(AtomicityCondition, AtomicIsItsTagAlone) {
     wire::expect(tables::with_tag<T_Atomicity_Condition>(1), "01000000");
@@ -64,15 +61,8 @@ TEST(AtomicityCondition, FunctionsAndInstructionsOrderByHandle) {
     order::expect_equal(Several{names.lesser}, Several{names.lesser});
 }
 
-TEST(AtomicityCondition, TagsDecideFirstAndEqualNegativeOnesAreUnordered) {
-    tags::expect_to_decide<T_Atomicity_Condition>();
-}
-
-TEST(AtomicityCondition, ArmsWithoutPayloadAreLessThanThemselves) {
-    tables::expect_arms_without_payload_less<T_Atomicity_Condition>([](auto&) {});
-    auto const a = tables::with_tag<T_Atomicity_Condition>(1);
-    auto const b = tables::with_tag<T_Atomicity_Condition>(1);
-    order::expect_each_less(a, b);
+TEST(AtomicityCondition, OrdersByTagAndIsLessThanItselfWithoutPayload) {
+    tables::expect_order_by_tag<T_Atomicity_Condition>();
 }
 
 TEST(AtomicityCondition, TheTagDecidesFirst) {
@@ -81,7 +71,6 @@ TEST(AtomicityCondition, TheTagDecidesFirst) {
     auto const atomic = tables::with_tag<T_Atomicity_Condition>(1);
     order::expect_less(size, atomic);
     order::expect_less(T_Atomicity_Condition(), size);
-    order::expect_unordered(T_Atomicity_Condition(), T_Atomicity_Condition());
 }
 
 }  // namespace

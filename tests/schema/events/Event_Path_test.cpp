@@ -1,7 +1,6 @@
 #include <sml/schema/Event_Path.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -22,12 +21,8 @@ T_value iteration(BigInteger const& count) {
 }
 
 TEST(EventValue, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
-    tables::expect_arms<T_value>(
+    tables::expect_arms_with_catch_all<T_value>(
         {{"LoopIteration", "03000000 '0' 00 00"}, {"WithValue", "'F'  FFFFFFFF 00000000"}});
-}
-
-TEST(EventValue, EveryStrayTagCarriesAPairAndAString) {
-    tables::expect_stray_tags<T_value>("'F'  FFFFFFFF 00000000");
 }
 
 TEST(EventValue, AStrayTagKeepsItsPayload) {
@@ -57,8 +52,8 @@ TEST(EventValue, WithValueAndAnAbsentPairIsAFlagAndAString) {
     wire::expect(value, "01000000 'T' FFFFFFFF 01000000 'a' FEFFFFFF 01000000 's'  02000000");
 }
 
-TEST(EventValue, TagsDecideFirstAndEqualNegativeOnesAreUnordered) {
-    tags::expect_to_decide<T_value>();
+TEST(EventValue, OrdersByTagAndIsLessThanItselfWithoutPayload) {
+    tables::expect_order_by_tag<T_value>();
 }
 
 TEST(EventValue, LoopIterationsCompareNumerically) {

@@ -1,8 +1,7 @@
 #include <sml/schema/IL_Extras.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -61,10 +60,8 @@ constexpr tables::ArmRow result_data[] = {
 };
 
 TEST(ResultData, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
-    tables::expect_arms<Data>(result_data);
+    tables::expect_arms_with_catch_all<Data>(result_data);
 }
-
-TEST(ResultData, EveryStrayTagCarriesOneWord) { tables::expect_stray_tags<Data>("00000000"); }
 
 TEST(ResultData, AStrayTagKeepsItsWord) {
     for (char const* const tag : {"1A000000", "F6FFFFFF"}) {
@@ -77,11 +74,6 @@ TEST(ResultData, AStrayTagKeepsItsWord) {
 }
 
 TEST(ResultData, NoDataIsItsTagAlone) { wire::expect(tables::with_tag<Data>(20), "14000000"); }
-
-TEST(ResultData, TagTwentySixPrintsANullPointer) {
-    EXPECT_EQ(tables::with_tag<Data>(26).toString(), nullptr);
-    EXPECT_EQ(tables::with_tag<Data>(1000).toString(), nullptr);
-}
 
 TEST(ResultData, ListsOfAttributesWriteTheirCountAndElements) {
     Data  data;
@@ -220,7 +212,7 @@ TEST(EventData, ComparesByValueAndAbsentIsLess) {
     order::expect_less(absent, present);
     order::expect_equal(present, Data::Event_args(present));
     present.event.value()->choose<"THROW">();
-    order::expect_each_less(present, Data::Event_args(present));
+    order::expect_equal_and_each_less(present, Data::Event_args(present));
 }
 
 TEST(AttributePredicate, OfOneNameAndSizeAreNeverOrdered) {
@@ -315,8 +307,7 @@ TEST(CallData, MappingsCompareEntryByEntryBeforeTheirSize) {
 TEST(InspectionPoint, AnIntegerOperationEndsTheOrder) {
     order::Handles const            names;
     Data::Inspection_Point_IPT_args point{names.lesser, 0, tables::with_tag<sml::IL::T_Type_Op>(1)};
-    order::expect_each_less(point, Data::Inspection_Point_IPT_args(point));
-    EXPECT_TRUE(point == Data::Inspection_Point_IPT_args(point));
+    order::expect_equal_and_each_less(point, Data::Inspection_Point_IPT_args(point));
     Data::Inspection_Point_IPT_args other = point;
     other.name = names.greater;
     order::expect_less(point, other);
@@ -360,10 +351,8 @@ TEST(ExtraExprData, ACategoryWithoutPayloadEndsTheOrderBeforeTheNumber) {
     a.category.choose<"ACER">();
     ExtraData b = a;
     b.first_int = 1;
-    order::expect_each_less(a, a);
-    EXPECT_TRUE(a == a);
-    order::expect_each_less(a, b);
-    EXPECT_FALSE(a == b);
+    order::expect_equal_and_each_less(a, a);
+    order::expect_unequal_and_each_less(a, b);
     a.category.choose<"CC">();
     b.category.choose<"CC">();
     order::expect_less(a, b);
@@ -542,8 +531,7 @@ TEST(ProgramData, TheWalkOverAttributesStopsAtTheFirstThatDiffers) {
 TEST(ProgramData, AnAttributeThatIsLessThanItselfMakesTheProgramLess) {
     Data::Program_args program;
     program.attributes["a"s].kind.choose<"SIMPLE_ATTRIBUTE">();
-    order::expect_each_less(program, program);
-    EXPECT_TRUE(program == program);
+    order::expect_equal_and_each_less(program, program);
 }
 
 TEST(ProgramData, AnUnsetAttributeIsPassedOverButNotEqual) {
@@ -580,7 +568,7 @@ TEST(ProgramData, TablesOrderEntryByEntryBeforeTheirSize) {
 }
 
 TEST(PragmaParameter, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
-    tables::expect_arms<T_PragmaParameter>(
+    tables::expect_arms_with_catch_all<T_PragmaParameter>(
         {{"BOOL_PRAGMA_PARAMETER", "'F'"},
          {"INT_PRAGMA_PARAMETER", "00000000"},
          {"OBJ_PRAGMA_PARAMETER", "0000000000000000"},
@@ -590,7 +578,6 @@ TEST(PragmaParameter, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
 }
 
 TEST(PragmaParameter, EveryStrayTagCarriesAnOpaqueWord) {
-    tables::expect_stray_tags<T_PragmaParameter>("0000000000000000");
     auto const parameter = wire::read<T_PragmaParameter>(hex::bytes("06000000 0807060504030201"));
     EXPECT_EQ(parameter.arm<"STRING_PRAGMA_PARAMETER">(), 0x0102030405060708u);
     wire::expect(parameter, "06000000 0807060504030201");

@@ -1,6 +1,6 @@
 #include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -147,11 +147,9 @@ TEST(AnInfo, StatementWithoutPayloadMakesRecordsEachLess) {
     Info first;
     first.category.choose<"VOBJ">().choose<"F_CALL">();
     Info second = first;
-    EXPECT_TRUE(first == second);
-    order::expect_each_less(first, second);
+    order::expect_equal_and_each_less(first, second);
     second.second_int = 1;
-    EXPECT_FALSE(first == second);
-    order::expect_each_less(first, second);
+    order::expect_unequal_and_each_less(first, second);
 }
 
 TEST(AnInfo, UnsetPayloadEndsTheComparison) {

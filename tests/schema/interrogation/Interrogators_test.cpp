@@ -1,6 +1,6 @@
 #include <sml/schema/Interrogators.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"
 
@@ -314,10 +314,8 @@ TEST(InterrogatorInfoReadOrAssign, AStatementWithoutPayloadEndsTheOrderBeforeThe
     a.statement_kind.choose<"F_CALL">();
     T_InterrogatorInfoReadOrAssign b = a;
     b.first_text = "later";
-    order::expect_each_less(a, a);
-    EXPECT_TRUE(a == a);
-    order::expect_each_less(a, b);
-    EXPECT_FALSE(a == b);
+    order::expect_equal_and_each_less(a, a);
+    order::expect_unequal_and_each_less(a, b);
 }
 
 TEST(Question, AllThreeAreTheirPlaceAlone) {

@@ -1,5 +1,5 @@
 #include <sml/schema/SourceLocRef.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

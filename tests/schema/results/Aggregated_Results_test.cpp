@@ -1,5 +1,5 @@
 #include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -120,8 +120,7 @@ TEST(AggregatedResults, CheckDataThatIsLessThanItselfMakesTheResultsLess) {
     T_Chk_Data data;
     data.category.choose<"ZDV">();
     Aggregated const results = with_check_data({{1, data}});
-    order::expect_each_less(results, results);
-    EXPECT_TRUE(results == results);
+    order::expect_equal_and_each_less(results, results);
 }
 
 TEST(AggregatedResults, ApplicationResultsThatAreLessThanThemselvesDecide) {
@@ -129,8 +128,7 @@ TEST(AggregatedResults, ApplicationResultsThatAreLessThanThemselvesDecide) {
     a.application_results.blocks[Key()].kind.choose<"B_THEN">();
     Aggregated b = a;
     b.info_definitions[1];
-    order::expect_each_less(a, b);
-    EXPECT_FALSE(a == b);
+    order::expect_unequal_and_each_less(a, b);
 }
 
 TEST(AggregatedResults, ReadingAppendsToCheckDataAndKeepsOldEntries) {

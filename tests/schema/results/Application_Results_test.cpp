@@ -1,5 +1,5 @@
 #include <sml/schema/Application_Results.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -226,22 +226,19 @@ TEST(ApplicationResults, TheWalkFollowsTheLeftTableAndStopsAtTheFirstThatDiffers
 }
 
 TEST(ApplicationResults, AValueThatIsLessThanItselfMakesTheResultsLess) {
-    auto expect_each_less = [](auto&& add) {
+    auto expect_decides = [](auto&& add) {
         Results a;
         add(a);
         Results b = a;
-        order::expect_each_less(a, a);
-        EXPECT_TRUE(a == b);
+        order::expect_equal_and_each_less(a, a);
         b.signatures["later"s];
-        order::expect_each_less(a, b);
-        EXPECT_FALSE(a == b);
+        order::expect_unequal_and_each_less(a, b);
     };
-    expect_each_less([](Results& v) { v.blocks[Key()].kind.choose<"B_THEN">(); });
-    expect_each_less([](Results& v) { v.checks[Key()].category.choose<"ACER">(); });
-    expect_each_less([](Results& v) { v.events[Key()].kind->choose<"THROW">(); });
-    expect_each_less([](Results& v) { v.functions[""s].context.choose<"No_Function_Context">(); });
-    expect_each_less(
-        [](Results& v) { v.infos[Key()].category.choose<"VOBJ">().choose<"F_CALL">(); });
+    expect_decides([](Results& v) { v.blocks[Key()].kind.choose<"B_THEN">(); });
+    expect_decides([](Results& v) { v.checks[Key()].category.choose<"ACER">(); });
+    expect_decides([](Results& v) { v.events[Key()].kind->choose<"THROW">(); });
+    expect_decides([](Results& v) { v.functions[""s].context.choose<"No_Function_Context">(); });
+    expect_decides([](Results& v) { v.infos[Key()].category.choose<"VOBJ">().choose<"F_CALL">(); });
 }
 
 TEST(ApplicationResults, AnUnsetValueIsPassedOverButUnequal) {

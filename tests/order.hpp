@@ -32,36 +32,51 @@ struct Handles {
     }
 };
 
+/// What `<` and `==` say of two values.
+struct Answers {
+    bool less;
+    bool greater;
+    bool equal;
+    bool equal_turned;
+};
+
+template <class T>
+Answers answers(T const& a, T const& b) {
+    return {a < b, b < a, a == b, b == a};
+}
+
+inline void expect(Answers const& found, Answers const& expected) {
+    EXPECT_EQ(found.less, expected.less) << "a < b";
+    EXPECT_EQ(found.greater, expected.greater) << "b < a";
+    EXPECT_EQ(found.equal, expected.equal) << "a == b";
+    EXPECT_EQ(found.equal_turned, expected.equal_turned) << "b == a";
+}
+
 template <class T>
 void expect_less(T const& a, T const& b) {
-    EXPECT_TRUE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_FALSE(a == b);
-    EXPECT_FALSE(b == a);
+    expect(answers(a, b), {true, false, false, false});
 }
 
 /// Expects that they are equal and that neither is less.
 template <class T>
 void expect_equal(T const& a, T const& b) {
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_TRUE(a == b);
-    EXPECT_TRUE(b == a);
+    expect(answers(a, b), {false, false, true, true});
 }
 
 /// Expects that neither is less and that they are unequal.
 template <class T>
 void expect_unordered(T const& a, T const& b) {
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_FALSE(a == b);
-    EXPECT_FALSE(b == a);
+    expect(answers(a, b), {false, false, false, false});
 }
 
 template <class T>
-void expect_each_less(T const& a, T const& b) {
-    EXPECT_TRUE(a < b);
-    EXPECT_TRUE(b < a);
+void expect_equal_and_each_less(T const& a, T const& b) {
+    expect(answers(a, b), {true, true, true, true});
+}
+
+template <class T>
+void expect_unequal_and_each_less(T const& a, T const& b) {
+    expect(answers(a, b), {true, true, false, false});
 }
 
 }  // namespace order

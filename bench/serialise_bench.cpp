@@ -5,11 +5,11 @@
 // "first" is the time of the first call in the process, in microseconds per check.
 
 #include <sml/bindings/bindings.hpp>
-#include "bench/plain/equal.hpp"
-#include "bench/plain/plain.hpp"
 #include "bench/prepared.hpp"
 #include "bench/scratch_file.hpp"
 #include "bench/serialisers.hpp"
+#include "tests/reference/equal.hpp"
+#include "tests/reference/plain.hpp"
 
 #include <benchmark/benchmark.h>
 

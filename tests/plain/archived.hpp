@@ -2,7 +2,7 @@
 // Writes and reads values of any type by the archives and by the reference implementation.
 
 #include <sml/core/transfer.hpp>
-#include "bench/plain/plain.hpp"
+#include "tests/reference/plain.hpp"
 
 #include <ostream>
 #include <sstream>

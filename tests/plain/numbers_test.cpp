@@ -1,9 +1,9 @@
 // Compares the reading and writing of floats and integers with the reference implementation.
 
-#include "bench/plain/plain.hpp"
 #include "tests/core/comma_locale.hpp"
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/seed.hpp"
+#include "tests/reference/plain.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>

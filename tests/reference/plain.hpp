@@ -2,8 +2,8 @@
 // The reference implementation: the required behaviour with no optimisation. The library's time is
 // measured against it, and the library's bytes and objects are compared with it.
 
-#include "bench/plain/reader.hpp"
-#include "bench/plain/writer.hpp"
+#include "tests/reference/reader.hpp"
+#include "tests/reference/writer.hpp"
 
 #include <sstream>
 #include <string>

@@ -48,7 +48,10 @@ long fail_each_allocation(Operation&& operation, Check&& check) {
     return allocations;
 }
 
-/// The number of allocations that `operation` requests.
+/// How many blocks of memory are held now.
+long held() noexcept;
+
+/// How many allocations `operation` asks for.
 template <class Operation>
 long count(Operation&& operation) {
     Shortage const none(std::numeric_limits<long>::max());

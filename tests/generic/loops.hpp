@@ -2,12 +2,12 @@
 // The loops of the generic tests: over all types, and over seeds.
 
 #include "tests/generic/row.hpp"
+#include "tests/runs.hpp"
 
 #include <sml/core/Strings.hpp>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <vector>
 
 namespace generic {
@@ -33,7 +33,7 @@ void for_each_variant(Test&& test) {
 
 /// The seeds; more of them if BRADEP_SLOW_TESTS is set.
 inline std::vector<std::uint64_t> seeds() {
-    std::size_t const          count = std::getenv("BRADEP_SLOW_TESTS") == nullptr ? 3 : 40;
+    auto const                 count = static_cast<std::uint64_t>(runs::count(3, 40));
     std::vector<std::uint64_t> all;
     for (std::uint64_t i = 1; i <= count; ++i) all.push_back(i * 0x9E3779B97F4A7C15u);
     return all;

@@ -1,18 +1,18 @@
 // Damages the golden files in every simple way. All bytes that verify does not call unsafe are
 // given to the real readers.
 //
-// By default, a random part of the damages is tried, with a seed that is printed and that
-// BRADEP_MALICE_SEED can set. With BRADEP_SLOW_TESTS, all are tried.
+// As a rule a part of the damages is tried, chosen at random by a seed that is printed;
+// BRADEP_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
 
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <limits>
@@ -26,20 +26,12 @@ using sml::inspect::Answer;
 
 constexpr std::uint64_t most_heap = std::uint64_t{1} << 26;
 
-std::uint64_t malice_seed() {
-    if (char const* const given = std::getenv("BRADEP_MALICE_SEED"))
-        return std::strtoull(given, nullptr, 10);
-    return std::random_device{}();
-}
-
-/// Verifies damaged bytes, reads those that are not unsafe, and counts both.
+/// Judges damaged bytes and counts them.
 class Trial {
 public:
-    /// Tries one of `one_in` damages, or all with BRADEP_SLOW_TESTS.
-    explicit Trial(std::uint64_t one_in)
-        : one_in_(std::getenv("BRADEP_SLOW_TESTS") == nullptr ? one_in : 1), seed_(malice_seed()) {
-        random_.seed(seed_);
-    }
+    /// Tries one damage in `one_in`; all of them when the slow tests are asked for.
+    explicit Trial(int one_in)
+        : one_in_(static_cast<std::uint64_t>(runs::count(one_in, 1))), random_(runs::seed()) {}
 
     bool chooses() { return random_() % one_in_ == 0; }
 
@@ -77,8 +69,7 @@ public:
 
     /// Prints the counts. Expects that some bytes were read and some were not.
     void finish() const {
-        std::cout << "seed " << seed_ << ", one in " << one_in_ << ": " << tried_ << " tried, "
-                  << read_ << " read\n";
+        std::cout << "one in " << one_in_ << ": " << tried_ << " tried, " << read_ << " read\n";
         EXPECT_GT(tried_, read_);
     }
 
@@ -86,7 +77,6 @@ public:
 
 private:
     std::uint64_t   one_in_;
-    std::uint64_t   seed_;
     std::mt19937_64 random_;
     std::uint64_t   tried_ = 0;
     std::uint64_t   read_ = 0;
@@ -95,7 +85,7 @@ private:
 /// Writes each of the values to each offset where it fits and changes something, and tries the
 /// result.
 template <class Value, std::size_t Count>
-void try_values(Value const (&values)[Count], std::uint64_t one_in) {
+void try_values(Value const (&values)[Count], int one_in) {
     Trial trial(one_in);
     for (File const& file : golden::files_in(GOLDEN_FILES)) {
         std::string damaged = file.bytes;

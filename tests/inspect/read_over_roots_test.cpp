@@ -8,7 +8,7 @@
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -20,8 +20,6 @@ namespace {
 
 using golden::Entry;
 using golden::File;
-using plain_test::count;
-using plain_test::seed;
 using sml::inspect::Answer;
 using sml::inspect::find_root;
 using sml::inspect::Kind;
@@ -129,9 +127,9 @@ TEST(ReadOver, GoldenFilesWithEachEntryTwice) {
 
 TEST(ReadOver, GoldenFilesWithEditedCopiesOfEntries) {
     Comparison comparison;
-    Random     random(seed());
+    Random     random(runs::seed());
     for (File const& file : golden::files_in(GOLDEN_FILES))
-        compare_with_copies(comparison, *file.root, file.bytes, count(30, 1000), random);
+        compare_with_copies(comparison, *file.root, file.bytes, runs::count(30, 1000), random);
     comparison.finish(0);
 }
 
@@ -146,18 +144,18 @@ std::string random_fields(Random& random) {
 
 TEST(ReadOver, RandomTablesOfFields) {
     Comparison  comparison;
-    Random      random(seed());
+    Random      random(runs::seed());
     Root const& root = *find_root("Application_Results_Application_Results");
-    for (int i = count(150, 5000); i > 0; --i)
+    for (int i = runs::count(150, 5000); i > 0; --i)
         compare_with_copies(comparison, root, random_fields(random), 20, random);
     comparison.finish(1000);
 }
 
 TEST(ReadOver, RandomValuesOfAllRoots) {
     Comparison comparison;
-    Random     random(seed());
+    Random     random(runs::seed());
     for (RealRoot const& real : real_roots()) {
-        for (int i = count(60, 2000); i > 0; --i) {
+        for (int i = runs::count(60, 2000); i > 0; --i) {
             RandomValues values(random(), {.elements = 2, .depth = 3});
             compare_with_copies(comparison, *find_root(real.stem), real.random_bytes(values), 6,
                                 random);

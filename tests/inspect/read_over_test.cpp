@@ -11,7 +11,7 @@
 #include <sml/schema/Interrogators.hpp>
 #include "tests/inspect/small_stack.hpp"
 #include "tests/inspect/wire_bytes.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -137,7 +137,7 @@ TEST(ReadOverRule, TextThatIsNoIntegerLeavesTheOneBefore) {
 TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
     constexpr char  characters[] = {'0',  '1',  'a',  'F',  'g',  'G', '-',    '+',    ' ',   '\t',
                                     '\n', '\v', '\f', '\r', '\0', 'x', '\x1f', '\xA0', '\xFF'};
-    std::mt19937_64 random(plain_test::seed());
+    std::mt19937_64 random(runs::seed());
     Root const      root{"R", describe<Table<BigInteger>>()};
     int             numbers = 0;
     for (int i = 0; i < 20000; ++i) {

@@ -7,8 +7,8 @@
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/read_over.hpp>
 #include "tests/all_types.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -68,7 +68,7 @@ template <class T>
 void compare_random(char const* name, Random& random, Tally& tally) {
     using Table = sml::core::LastWinsMap<std::int32_t, T>;
     Root const root{name, describe<Table>()};
-    for (int i = plain_test::count(40, 1000); i > 0; --i) {
+    for (int i = runs::count(40, 1000); i > 0; --i) {
         RandomValues                          values(random(), {.elements = 2, .depth = 3});
         std::list<std::pair<std::int32_t, T>> entries;
         for (int left = 2 + values.below(3); left > 0; --left) {
@@ -87,7 +87,7 @@ void compare_random(char const* name, Random& random, Tally& tally) {
 }
 
 TEST(ReadOverType, EveryClassIsKeptAsTheReaderKeepsIt) {
-    Random random(plain_test::seed());
+    Random random(runs::seed());
     Tally  tally;
 #define COMPARE(Type)                                \
     compare_random<sml::Type>(#Type, random, tally); \

@@ -10,7 +10,7 @@
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/wire_bytes.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
@@ -85,7 +85,7 @@ std::string damaged(std::string bytes, std::mt19937_64& random) {
 
 std::vector<Case> all_cases() {
     std::vector<Case> cases{with_fields_twice(1), with_fields_twice(9)};
-    std::mt19937_64   random(plain_test::seed());
+    std::mt19937_64   random(runs::seed());
     for (golden::File const& file : golden::files_in(GOLDEN_FILES)) {
         cases.push_back({file.name, file.root, file.bytes});
         cases.push_back({file.name + " damaged", file.root, damaged(file.bytes, random)});

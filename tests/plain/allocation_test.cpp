@@ -12,8 +12,8 @@
 #include "tests/allocations.hpp"
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/roots.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
@@ -183,10 +183,10 @@ bool fails_sending(Write write, void const* value, std::string const& bytes, lon
 /// Also expects: if two writes fail after the same number of bytes, they leave a stream that takes
 /// fewer bytes in the same state.
 TEST(PlainAllocations, ThatFailInWritingToAStreamLeaveTheSame) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     long   failures = 0;
     for (Root const& root : roots()) {
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const                value = random_value(root, few, engine);
             std::string const           bytes = root.plain_write(value.get());
             Strings const               strings;
@@ -226,9 +226,9 @@ TEST(PlainAllocations, ThatFailInWritingToAStreamLeaveTheSame) {
 /// A string stream that can't grow takes the bytes that it has room for. The expected state is that
 /// of a stream that takes the same number of bytes.
 TEST(PlainAllocations, ThatFailInTheStreamItselfLeaveTheSame) {
-    Engine engine(seed() + 1);
+    Engine engine(runs::seed() + 1);
     for (Root const& root : roots()) {
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const      value = random_value(root, few, engine);
             std::string const bytes = root.plain_write(value.get());
             long const        made = allocations::count([&] {
@@ -281,11 +281,11 @@ void expect_result_kept(std::string const& (*write)(void const*), void const* va
 }
 
 TEST(PlainAllocations, ThatFailInWritingKeepTheResult) {
-    Engine      engine(seed() + 2);
+    Engine      engine(runs::seed() + 2);
     auto const& all = roots();
     for (Root const& root : all) {
         SCOPED_TRACE(root.stem);
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const      value = random_value(root, few, engine);
             std::string const bytes = root.plain_write(value.get());
             auto const        ranges = ranges_of_writing(root, value.get());
@@ -496,10 +496,10 @@ Reading random_reading(Root const& root, int elements, std::uint64_t held, Engin
 }
 
 TEST(PlainAllocations, ThatFailInReadingLeaveTheSame) {
-    Engine engine(seed() + 3);
+    Engine engine(runs::seed() + 3);
     long   failures = 0;
     for (Root const& root : roots()) {
-        for (int i = count(2, 100); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(2, 100); i > 0 && !HasFailure(); --i) {
             std::uint64_t const held = i % 2 == 0 ? 0 : engine();
             Reading const       reading = random_reading(root, few, held, engine);
             Allowed const       allowed(reading);
@@ -511,7 +511,7 @@ TEST(PlainAllocations, ThatFailInReadingLeaveTheSame) {
 
 /// A map large enough not to be filled entry by entry.
 TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
-    Engine      engine(seed() + 5);
+    Engine      engine(runs::seed() + 5);
     auto const& all = roots();
     auto const  root = std::find_if(all.begin(), all.end(), [](Root const& candidate) {
         return candidate.stem == "Base_Gui_Internal_Form_Datas_Checks_Id_To_Chk_Data_Table_T";
@@ -539,14 +539,14 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
 
 /// Values larger than the library's buffers, with only some of the allocations.
 TEST(PlainAllocations, ThatFailAmongManyLeaveTheSame) {
-    Engine engine(seed() + 4);
+    Engine engine(runs::seed() + 4);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results" &&
             root.stem != "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T" &&
             root.stem != "String_To_StringSet_T")
             continue;
         SCOPED_TRACE(root.stem);
-        for (int i = count(2, 50); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(2, 50); i > 0 && !HasFailure(); --i) {
             constexpr int  many = 30;
             constexpr long most = 20;
             Object         value = random_value(root, many, engine);

@@ -2,8 +2,8 @@
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -57,8 +57,8 @@ void expect_read_alike(Engine& engine) {
 
 TEST(PlainLargeTables, AreReadAlike) {
     using NumberedName = std::pair<Strings_T, std::int32_t>;
-    Engine engine(seed());
-    for (int i = count(3, 100); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed());
+    for (int i = runs::count(3, 100); i > 0 && !HasFailure(); --i) {
         expect_read_alike<
             std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data>>(
             engine);

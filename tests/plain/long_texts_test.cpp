@@ -4,8 +4,8 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -123,11 +123,11 @@ using TextsAmongOthers = std::tuple<std::int32_t, std::string, bool, std::string
                                     std::array<bool, 30>, std::optional<std::string>, bool>;
 
 TEST(LongTexts, OfTheSizesOfBufferAndChunksAreWrittenAlike) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     for (std::size_t const size : {0ul, room_ahead, 2 * room_ahead, 4 * room_ahead, 7 * room_ahead,
                                    8 * room_ahead, 16 * room_ahead}) {
         for (std::size_t i = size < near ? near : 0; i <= 2 * near; ++i) {
-            for (int left = count(2, 50); left > 0; --left) {
+            for (int left = runs::count(2, 50); left > 0; --left) {
                 std::size_t const befores[] = {0, engine() % room_ahead, engine() % stream_buffer,
                                                7 * room_ahead - engine() % (2 * near)};
                 std::size_t const before = befores[engine() % 4];
@@ -141,8 +141,8 @@ TEST(LongTexts, OfTheSizesOfBufferAndChunksAreWrittenAlike) {
 }
 
 TEST(LongTexts, OfTheSizeOfTheLargestChunkAreWrittenAlike) {
-    Engine     engine(seed() + 1);
-    auto const step = static_cast<std::size_t>(count(4, 1));
+    Engine     engine(runs::seed() + 1);
+    auto const step = static_cast<std::size_t>(runs::count(4, 1));
     for (std::size_t i = 0; i <= 2 * near && !HasFailure(); i += step) {
         TextsAmongOthers const value{
             7, text(i * 1000), true, text(largest_chunk - room_ahead + i - near), {}, "more", true};
@@ -183,8 +183,8 @@ AllThatIsText all_that_is_text(Engine& engine) {
 }
 
 TEST(LongTexts, FollowOneAnother) {
-    Engine engine(seed() + 2);
-    for (int i = count(300, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 2);
+    for (int i = runs::count(300, 20'000); i > 0 && !HasFailure(); --i) {
         std::list<AllThatIsText> value;
         for (auto left = engine() % 12; left > 0; --left) value.push_back(all_that_is_text(engine));
         expect_written_alike(value, engine);
@@ -207,8 +207,8 @@ void expect_root_written_alike(T const& value, std::string const& (*from_cxx)(T 
 }
 
 TEST(LongTexts, InTablesOfTextsAreWrittenAlike) {
-    Engine engine(seed() + 3);
-    for (int i = count(300, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 3);
+    for (int i = runs::count(300, 20'000); i > 0 && !HasFailure(); --i) {
         std::unordered_map<Strings_T, std::unordered_set<Strings_T>> value;
         for (auto left = 1 + engine() % 6; left > 0; --left) {
             auto& texts = value[text(any_size(engine))];
@@ -221,8 +221,8 @@ TEST(LongTexts, InTablesOfTextsAreWrittenAlike) {
 
 TEST(LongTexts, InChecksAreWrittenAlike) {
     using Check = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
-    Engine engine(seed() + 4);
-    for (int i = count(200, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(200, 20'000); i > 0 && !HasFailure(); --i) {
         std::list<std::pair<std::int32_t, Check>> value;
         for (auto left = 1 + engine() % 4; left > 0; --left) {
             auto& check =
@@ -252,8 +252,8 @@ struct Stop {
 /// The bytes written before an exception that does not come from the stream have reached the
 /// stream.
 TEST(LongTexts, BeforeAnExceptionReachTheStream) {
-    Engine engine(seed() + 5);
-    for (int i = count(2000, 50'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 5);
+    for (int i = runs::count(2000, 50'000); i > 0 && !HasFailure(); --i) {
         using Item = std::tuple<std::string, std::int32_t, bool, Stop>;
         std::list<Item> value;
         for (auto left = 1 + engine() % 8; left > 0; --left)

@@ -2,8 +2,8 @@
 
 #include "tests/core/comma_locale.hpp"
 #include "tests/plain/outcome.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/reference/plain.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -147,8 +147,8 @@ std::string spoilt(std::string text, std::string_view characters, Engine& engine
 }
 
 TEST(PlainFloats, AreWrittenAndReadAlike) {
-    Engine engine(plain_test::seed());
-    for (int i = plain_test::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed());
+    for (int i = runs::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         auto const        value = random_float(engine);
         std::string const bytes = expect_written_alike(value);
         // The text is between two words.
@@ -160,8 +160,8 @@ TEST(PlainFloats, AreWrittenAndReadAlike) {
 }
 
 TEST(PlainFloats, OfForeignTextsAreReadAlike) {
-    Engine engine(plain_test::seed() + 1);
-    for (int i = plain_test::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 1);
+    for (int i = runs::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         std::string const bytes = wire::write(random_float(engine));
         std::string const text = bytes.substr(4, bytes.size() - 8);
         expect_read_alike(float_block(spoilt(text, "0123456789ABCDEFPX.+-,xpaf \t\0Nn"sv, engine),
@@ -171,7 +171,7 @@ TEST(PlainFloats, OfForeignTextsAreReadAlike) {
 }
 
 TEST(PlainFloats, OfUnlistedWidthsAreWrittenAlike) {
-    Engine engine(plain_test::seed() + 2);
+    Engine engine(runs::seed() + 2);
     for (std::uint64_t const width : {0ull, 1ull, 33ull, 127ull, 1ull << 32, ~0ull}) {
         for (int i = 0; i < 100; ++i) {
             IEEE754Float value = random_float(engine);
@@ -185,7 +185,7 @@ TEST(PlainFloats, OfUnlistedWidthsAreWrittenAlike) {
 TEST(PlainFloats, FollowTheLocale) {
     CommaLocale const comma;
     ASSERT_COMMA_LOCALE(comma);
-    Engine engine(plain_test::seed() + 3);
+    Engine engine(runs::seed() + 3);
     for (int i = 0; i < 10'000 && !HasFailure(); ++i) {
         std::string const bytes = expect_written_alike(random_float(engine));
         std::string const text = bytes.substr(4, bytes.size() - 8);
@@ -204,14 +204,14 @@ BigInteger random_integer(Engine& engine) {
 }
 
 TEST(PlainIntegers, AreWrittenAndReadAlike) {
-    Engine engine(plain_test::seed() + 4);
-    for (int i = plain_test::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i)
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i)
         expect_read_alike(expect_written_alike(random_integer(engine)), random_integer(engine));
 }
 
 TEST(PlainIntegers, OfForeignTextsAreReadAlike) {
-    Engine engine(plain_test::seed() + 5);
-    for (int i = plain_test::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 5);
+    for (int i = runs::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         std::string const text = spoilt(wire::write(random_integer(engine)).substr(4),
                                         "0123456789abcdefAFgx-+ \0"sv, engine);
         expect_read_alike(word(static_cast<std::int32_t>(text.size())) + text,

@@ -3,8 +3,8 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -168,7 +168,7 @@ void expect_read_alike_from_all(std::string const& bytes, Engine& engine, Read c
 
 template <class T>
 void expect_two_read_alike(Engine& engine) {
-    for (int i = count(100, 5000); i > 0 && !testing::Test::HasFailure(); --i) {
+    for (int i = runs::count(100, 5000); i > 0 && !testing::Test::HasFailure(); --i) {
         RandomValues      random(engine(), {8, 3});
         std::string const bytes =
             plainly_written(random.make<T>()) + plainly_written(random.make<T>()) + "behind";
@@ -177,7 +177,7 @@ void expect_two_read_alike(Engine& engine) {
 }
 
 TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoObjects) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     expect_two_read_alike<std::int64_t>(engine);
     expect_two_read_alike<bool>(engine);
     expect_two_read_alike<std::pair<std::int32_t, bool>>(engine);
@@ -192,8 +192,8 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoObjects) {
 }
 
 TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
-    Engine engine(seed() + 1);
-    for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 1);
+    for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
         RandomValues random(engine(), {12, 3});
 
         using Reference = sml::Interrogators::T_FunctionRef;
@@ -245,8 +245,8 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
 /// The second text of the first object has an impossible length.
 TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
     using Item = std::tuple<std::int32_t, std::array<bool, 4>, std::string, bool, std::string>;
-    Engine engine(seed() + 2);
-    for (int i = count(200, 5000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 2);
+    for (int i = runs::count(200, 5000); i > 0 && !HasFailure(); --i) {
         Item        item{1, {true, false, true, true}, std::string(engine() % 200, 'a'), true, ""};
         std::string bytes = plainly_written(item);
         bytes.replace(bytes.size() - 4, 4, 4, '\xff');
@@ -288,11 +288,11 @@ std::string read_flags(std::string const& bytes, std::locale const& locale, bool
 }
 
 TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
-    Engine engine(seed() + 3);
+    Engine engine(runs::seed() + 3);
     for (std::string_view const spaces : {"", "T", "F", "TF", "01", "TF0"}) {
         for (bool const has_blank : {true, false}) {
             std::locale const locale = locale_with_spaces(spaces, has_blank);
-            for (int i = count(50, 5000); i > 0 && !HasFailure(); --i) {
+            for (int i = runs::count(50, 5000); i > 0 && !HasFailure(); --i) {
                 std::string bytes;
                 while (bytes.size() < 60) bytes += "TF01 \n"[engine() % 6];
                 bool const skips = engine() % 2 == 0;
@@ -351,8 +351,8 @@ std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
 
 /// The range seen is not the process's initial one, because a float comes first.
 TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
-    Engine engine(seed() + 4);
-    for (int i = count(500, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(500, 20'000); i > 0 && !HasFailure(); --i) {
         Floats const        value = random_floats(engine);
         std::uint64_t const choice = engine();
         auto const          seen = ranges_seen(archiving(value), choice);

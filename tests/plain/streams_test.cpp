@@ -2,7 +2,7 @@
 
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/roots.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -52,9 +52,9 @@ auto writing(void (*write)(void const*, std::ostream&), Object const& value) {
 }
 
 TEST(PlainStreams, AreWrittenAlike) {
-    std::mt19937_64 engine(seed());
+    std::mt19937_64 engine(runs::seed());
     for (Root const& root : roots()) {
-        for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
             Object const        value = root.random(engine(), few);
             std::size_t const   size = root.write(value.get()).size();
             std::size_t const   most = engine() % 3 == 0 ? ~std::size_t{0} : engine() % (size + 2);
@@ -74,7 +74,7 @@ TEST(PlainStreams, AreWrittenAlike) {
 
 /// Values larger than the writer's buffer, with the end of the stream at any offset.
 TEST(PlainStreams, AreWrittenAlikeWhenLong) {
-    std::mt19937_64 engine(seed() + 3);
+    std::mt19937_64 engine(runs::seed() + 3);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results") continue;
         Object      value;
@@ -83,7 +83,7 @@ TEST(PlainStreams, AreWrittenAlikeWhenLong) {
             value = root.random(engine(), 40);
             size = root.write(value.get()).size();
         }
-        for (int i = count(20, 1000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(20, 1000); i > 0 && !HasFailure(); --i) {
             std::size_t const   most = engine() % (size + 2);
             bool const          throws = engine() % 2 == 0;
             std::uint64_t const choice = engine();
@@ -118,9 +118,9 @@ Read read(Root const& root, void (*read)(void*, std::istream&), Giver& buffer, s
 /// The bytes are not damaged, because after a failed read any previous word would be used as a
 /// length.
 TEST(PlainStreams, AreReadAlike) {
-    std::mt19937_64 engine(seed() + 1);
+    std::mt19937_64 engine(runs::seed() + 1);
     for (Root const& root : roots()) {
-        for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
             std::string bytes = root.write(root.random(engine(), few).get());
             bytes += "behind";
             std::size_t const   windows[] = {1, 2, 3, 7, 8, 64, 1000, ~std::size_t{0}};
@@ -142,12 +142,12 @@ TEST(PlainStreams, AreReadAlike) {
 
 /// Only roots of fixed size, for which a failed read is harmless.
 TEST(PlainStreams, ThatFailAreReadAlike) {
-    std::mt19937_64 engine(seed() + 2);
+    std::mt19937_64 engine(runs::seed() + 2);
     for (Root const& root : roots()) {
         if (root.stem != "Integers64_T" && root.stem != "Interrogators_ClassKey" &&
             root.stem != "Answers_Context" && !root.stem.ends_with("Ref"))
             continue;
-        for (int i = count(300, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(300, 5000); i > 0 && !HasFailure(); --i) {
             std::string bytes = root.write(root.random(engine(), few).get());
             if (engine() % 4 == 0) bytes.insert(engine() % bytes.size(), " \n\t ", engine() % 4);
             bytes.resize(engine() % (bytes.size() + 1));

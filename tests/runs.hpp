@@ -1,5 +1,5 @@
 #pragma once
-// The number of comparisons with the reference implementation, and their seed.
+// How often random tests run, and from which seed.
 
 #include <cstdint>
 #include <cstdlib>
@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
-namespace plain_test {
+namespace runs {
 
-/// Returns `slow` if BRADEP_SLOW_TESTS is set.
+/// The slow count when BRADEP_SLOW_TESTS is set.
 inline int count(int usual, int slow) {
     return std::getenv("BRADEP_SLOW_TESTS") == nullptr ? usual : slow;
 }
@@ -25,4 +25,4 @@ inline std::uint64_t seed() {
     return chosen;
 }
 
-}  // namespace plain_test
+}  // namespace runs

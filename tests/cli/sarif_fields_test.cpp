@@ -27,7 +27,7 @@ using bradep::sarif::Text;
 Result result_with(std::string const& lists) {
     auto const log =
         R"j({"version": "2.1.0", "runs": [{}, {}, {"tool": {"driver": {"name": "Tool", "version": "7"}},
-        "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "told"},
+        "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "m"},
         "baselineState": "new", "fingerprints": {"f": "complete"}, "locations": [{
         "logicalLocations": [{"name": "logic"}], "physicalLocation": {
         "artifactLocation": {"uri": "a.c", "uriBaseId": "SRC"},

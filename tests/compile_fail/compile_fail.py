@@ -58,9 +58,9 @@ def check(compiler, file):
         sys.exit(f"the compiler does not say '{expected}':\n{wrong.stderr}")
     if number and len(errors) != int(number):
         sys.exit(f"{len(errors)} errors:\n" + "\n".join(errors))
-    told = [line for line in wrong.stderr.splitlines() if "In file included from" not in line
+    shown = [line for line in wrong.stderr.splitlines() if "In file included from" not in line
             and not line.lstrip().startswith("from ")]
-    if lines and len(told) > int(lines):
+    if lines and len(shown) > int(lines):
         sys.exit(f"more than {lines} lines:\n{wrong.stderr}")
     if names and not re.search(names, with_plain_names(wrong.stderr)):
         sys.exit(f"the compiler does not show '{names}':\n{with_plain_names(wrong.stderr)}")

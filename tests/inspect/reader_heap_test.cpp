@@ -54,16 +54,16 @@ std::uint64_t peak_in_new_process(Root const& root, std::string const& bytes) {
         std::remove_reference_t<decltype(strings)>().swap(strings);
         std::uint64_t peak = 0;
         std::thread([&] { peak = peak_of_reading(root, bytes.data()); }).join();
-        bool const is_told = ::write(ends[1], &peak, sizeof peak) == sizeof peak;
-        ::_exit(is_told ? 0 : 1);
+        bool const is_reported = ::write(ends[1], &peak, sizeof peak) == sizeof peak;
+        ::_exit(is_reported ? 0 : 1);
     }
     ::close(ends[1]);
     std::uint64_t peak = 0;
-    bool const    is_told = ::read(ends[0], &peak, sizeof peak) == sizeof peak;
+    bool const    is_reported = ::read(ends[0], &peak, sizeof peak) == sizeof peak;
     ::close(ends[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
-    EXPECT_TRUE(is_told && status == 0);
+    EXPECT_TRUE(is_reported && status == 0);
     return peak;
 }
 

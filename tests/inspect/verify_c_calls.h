@@ -13,7 +13,7 @@ struct called {
     enum sml_inspect_answer    answer;
     struct sml_inspect_verdict verdict;
     int                        reported;
-    int                        told_unsafe;
+    int                        unsafe_reported;
     uint64_t                   offset;
     char                       path[80];
     char                       expected[80];

@@ -34,7 +34,7 @@ TEST(VerifyC, OddFindingIsReported) {
     called const result = call("Answers_Context", "x");
     EXPECT_EQ(result.answer, SML_INSPECT_ODD);
     EXPECT_EQ(result.reported, 1);
-    EXPECT_EQ(result.told_unsafe, 0);
+    EXPECT_EQ(result.unsafe_reported, 0);
     EXPECT_EQ(result.verdict.odd_count, 1u);
     EXPECT_EQ(result.offset, 0u);
     EXPECT_STREQ(result.path, "flag");
@@ -45,7 +45,7 @@ TEST(VerifyC, OddFindingIsReported) {
 TEST(VerifyC, UnsafeFindingIsReportedLast) {
     called const result = call("Interrogators_ZvFunction", hex::bytes("00 00 00 00 'x'  01 00"));
     EXPECT_EQ(result.answer, SML_INSPECT_UNSAFE);
-    EXPECT_EQ(result.told_unsafe, 1);
+    EXPECT_EQ(result.unsafe_reported, 1);
     EXPECT_STREQ(result.path, "function.key");
     called const later = call("Integers64_T", std::string(9, '\0'));
     EXPECT_EQ(later.answer, SML_INSPECT_UNSAFE);
@@ -63,7 +63,7 @@ TEST(VerifyC, ListedBoundsTheOddFindingsThatAreReported) {
     EXPECT_EQ(none.answer, SML_INSPECT_ODD);
     called const cut = call(parameters, bytes + "y", nullptr, 0);
     EXPECT_EQ(cut.reported, 1);
-    EXPECT_EQ(cut.told_unsafe, 1);
+    EXPECT_EQ(cut.unsafe_reported, 1);
 }
 
 TEST(VerifyC, EveryLimitCounts) {
@@ -98,7 +98,7 @@ TEST(VerifyC, AllButTheStemAndTheBytesMayBeMissing) {
 TEST(VerifyC, NoBytesAtAllAreUnsafe) {
     called const result = call_verify(sets, nullptr, 0, nullptr, 100);
     EXPECT_EQ(result.answer, SML_INSPECT_UNSAFE);
-    EXPECT_EQ(result.told_unsafe, 1);
+    EXPECT_EQ(result.unsafe_reported, 1);
 }
 
 TEST(VerifyC, NullWithASizeIsReportedWithoutAWalk) {

@@ -25,7 +25,6 @@ using Bounds = std::optional<std::pair<IEEE754Float, IEEE754Float>>;
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr char   zero_float[] = "06000000 '0X0P+0' 40000000";
 
 IEEE754Float number(double value, std::uint64_t width = 64) {
     IEEE754Float result;

@@ -41,7 +41,7 @@ std::string numbered_bytes(std::size_t size) {
 
 TEST(InputBytes, AreTheWholeFileOfAnySize) {
     Scratch const scratch;
-    for (std::size_t const size : {0, 1, 4096, 65535, 65536, 65537, 3000000}) {
+    for (std::size_t const size : {0u, 1u, 4096u, 65535u, 65536u, 65537u, 3000000u}) {
         write_bytes(scratch / "in", numbered_bytes(size));
         EXPECT_EQ(read_of(scratch / "in"), numbered_bytes(size)) << size;
         EXPECT_EQ(read_of("-", default_max_size, numbered_bytes(size)), numbered_bytes(size));
@@ -87,7 +87,7 @@ TEST(InputBytes, DirectoryAndMissingFileAreFailures) {
 TEST(InputBytes, MoreThanTheLimitIsAFailure) {
     Scratch const scratch;
     auto const    file = scratch / "in";
-    for (std::uint64_t const limit : {0, 1, 65535, 65536, 65537, 1000000}) {
+    for (std::uint64_t const limit : {0u, 1u, 65535u, 65536u, 65537u, 1000000u}) {
         auto const beyond = ": larger than --max-size " + std::to_string(limit);
         write_bytes(file, numbered_bytes(limit));
         EXPECT_EQ(read_of(file, limit).size(), limit);

@@ -160,7 +160,7 @@ namespace {
 TEST(ReaderWork, ComparisonsAreThoseOfTheStandardLibrarysTable) {
     std::mt19937_64 engine(7);
     for (std::uint64_t const stride : {std::uint64_t{1}, std::uint64_t{541}, std::uint64_t{5087}}) {
-        for (std::size_t const count : {64, 300, 541, 1000, 5000}) {
+        for (std::size_t const count : {64u, 300u, 541u, 1000u, 5000u}) {
             Hashes                           hashes;
             std::unordered_set<Key, OwnHash> table;
             while (hashes.size() < count) hashes.push_back(hashes.size() * stride + (engine() % 2));

@@ -13,10 +13,18 @@ from types import MappingProxyType
 ROOT = Path(__file__).resolve().parent.parent
 
 
+# What .gitignore names, and the repository, which need not be there.
+NO_SOURCES = {ROOT / ".git", ROOT / "build", ROOT / "results"}
+
+
 def source_files() -> list[str]:
-    command = ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
-    listed = subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout
-    return sorted({name for name in listed.split("\0") if name and (ROOT / name).is_file()})
+    found: list[Path] = []
+    for folder, folders, files in os.walk(ROOT):
+        here = Path(folder)
+        folders[:] = [name for name in folders
+                      if here / name not in NO_SOURCES and name != "__pycache__"]
+        found += [here / name for name in files if here / name not in NO_SOURCES]
+    return sorted(path.relative_to(ROOT).as_posix() for path in found)
 
 
 class SourceCopy:

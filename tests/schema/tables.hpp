@@ -47,7 +47,8 @@ void expect_payload(std::int32_t tag, std::string_view payload) {
 /// The table names every arm, and none is missing.
 template <class Variant, std::size_t Count>
 void expect_arms(ArmRow const (&rows)[Count]) {
-    EXPECT_EQ(std::size_t{Variant::arms::count}, Count);
+    EXPECT_EQ(std::size_t{Variant::arms::count}, Count)
+        << "the table in this test must have a row for each arm, at its place in byte order";
     for (std::size_t i = 0; i < Count; ++i) {
         auto const tag = static_cast<std::int32_t>(i);
         EXPECT_STREQ(with_tag<Variant>(tag).toString(), rows[i].name);

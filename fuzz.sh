@@ -1,11 +1,11 @@
 #!/bin/bash
-# Builds the fuzz targets, replays their corpus, and runs each target from it, two at a time.
+# Builds the fuzz targets, replays their corpus, and starts each target from it, two at a time.
 #
-#   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS a target, 60 without; all targets without
+#   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS a target, by default 60; by default all targets
 #
-# Ends with 1 on any finding; what was found and the logs are in build/fuzz/found. The corpus is made
-# of the golden files and of what stands in fuzz/corpus; BRADEP_FUZZ_BUILD names another build
-# directory, BRADEP_FUZZ_KEEP one where the inputs that were found worth keeping go.
+# Ends with 1 on any finding. The inputs that cause findings, and the logs, are in build/asan/found.
+# The corpus is the golden files and fuzz/corpus. BRADEP_FUZZ_BUILD is another build directory,
+# BRADEP_FUZZ_KEEP a directory for the new inputs that reach new code.
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
@@ -14,7 +14,7 @@ seconds=${1:-60}
 shift $(($# > 0 ? 1 : 0))
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(walk_fuzz check_fuzz read_fuzz budget_fuzz encode_fuzz)
-build=${BRADEP_FUZZ_BUILD:-build/fuzz}
+build=${BRADEP_FUZZ_BUILD:-build/asan}
 found=$build/found
 
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
@@ -23,14 +23,14 @@ export UBSAN_OPTIONS=print_stacktrace=1
 install_packages
 generate_comma_locale
 mkdir -p "$build"
-cmake --preset fuzz -B "$build"
+cmake --preset asan -B "$build"
 cmake --build "$build" --parallel "${BRADEP_FUZZ_JOBS:-$(nproc)}" --target fuzz_seeds "${targets[@]}"
 
 rm -rf "$found" "$build/seeds"
 mkdir -p "$found"
 "$build/fuzz/fuzz_seeds" tests/golden/files "$build/seeds"
 
-# The directories whose files a target starts from.
+# Prints the directories with the inputs that a target starts from.
 starts() {
     local kind=bytes
     [ "$1" != encode_fuzz ] || kind=json
@@ -38,13 +38,13 @@ starts() {
     [ ! -d "fuzz/corpus/$kind" ] || echo "fuzz/corpus/$kind"
 }
 
-# Judges every input of the corpus once, then looks for new ones.
+# Runs each input of the corpus once, then searches for new ones.
 run_target() {
     local target=$1 program=$build/fuzz/$1 new=${BRADEP_FUZZ_KEEP:-$build/new}/$1
     local start most_bytes=8193 entropic=1
     [ "$target" != encode_fuzz ] || most_bytes=32768
-    # Where real readers or templates of all types run, weighing inputs by their rarest features takes
-    # most of the time.
+    # In targets that run real readers or templates of all types, weighing inputs by their rarest
+    # features would take most of the time.
     [[ ! $target =~ ^(check|read|budget)_fuzz$ ]] || entropic=0
     mapfile -t start < <(starts "$target")
     mkdir -p "$new"
@@ -56,7 +56,7 @@ run_target() {
         >"$found/$target.log" 2>&1
 }
 
-# A line of figures out of a log.
+# Prints the figures of a target's log on one line.
 report() {
     local log=$found/$1.log last
     if [ ! -f "$log" ]; then

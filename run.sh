@@ -1,6 +1,6 @@
 #!/bin/bash
 # Installs what is missing, builds, analyses the C programs in examples/analysed with the Clang
-# static analyser, imports its SARIF into a result set and shows it. Ends with the result set's path.
+# static analyser, imports its SARIF into a result set and shows it. Prints its path at the end.
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh

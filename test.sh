@@ -3,10 +3,10 @@
 # AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
 # threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS, 60 by default.
 #
-#   ./test.sh          what every change must pass
-#   ./test.sh --all    also built by clang, and random tests at their slow counts; then a record, an
-#                      arm and a root are added to a copy as CONTRIBUTING.md says, and the tests run
-#                      once more with them
+#   ./test.sh          the checks that every change must pass
+#   ./test.sh --all    also builds with clang, and runs the random tests at their slow counts; then
+#                      adds a record, an arm and a root to a copy of the sources as CONTRIBUTING.md
+#                      says, and runs the tests once more with them
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
@@ -29,8 +29,8 @@ esac
 install_packages
 generate_comma_locale
 
-# Real logs for the comparison of `import` and `show` with an independent reading; more directories
-# may be given from outside.
+# Real logs, for comparing `import` and `show` with an independent reader. The caller may add more
+# directories.
 analyse_examples build/analysed
 export BRADEP_SARIF_DIRS="$PWD/build/analysed${BRADEP_SARIF_DIRS:+:$BRADEP_SARIF_DIRS}"
 
@@ -42,7 +42,7 @@ for preset in "${presets[@]}"; do
     ctest --preset "$preset" --parallel "$(nproc)"
 done
 
-# ThreadSanitizer of this compiler can't run where addresses are as random as some kernels make them.
+# The ThreadSanitizer of this compiler fails if the kernel randomises addresses with too many bits.
 echo "== tsan"
 build tsan inspect_threads_test
 same_addresses=()

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t word_bits = 64;
 
-// Takes the words, least significant first, as they lie in memory.
+// The least significant word is first.
 void set_words(sml::BigInteger& value, std::uint64_t const* words, std::size_t count) {
     mpz_import(value.backend().data(), count, -1, sizeof *words, 0, 0, words);
 }
@@ -72,7 +72,7 @@ void Draws::real(zelvanite::IEEE754Float& value, std::uint64_t width) {
                  MPFR_RNDN);
 }
 
-// The first and the last bit are set, so the text is as long as the format allows.
+// The first and the last bit of the mantissa are set, so the text is as long as the format allows.
 void Draws::full_mantissa(zelvanite::IEEE754Float& value, mpfr_prec_t bits_wanted) {
     std::array<std::uint64_t, 2> const words{bits(), bits()};
     mpz_ptr const                      mantissa = mantissa_.backend().data();

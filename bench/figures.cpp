@@ -30,7 +30,7 @@ struct Counter {
     }
 
     Figures                                figures;
-    std::unordered_set<std::string const*> strings;  // equal texts are one object
+    std::unordered_set<std::string const*> strings;  // equal texts have one address
 };
 
 }  // namespace

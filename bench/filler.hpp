@@ -1,5 +1,5 @@
 #pragma once
-// Fills values of the schema's types with what a real analysis would put there.
+// Fills values of the schema's types with content that a real analysis would produce.
 
 #include "bench/draws.hpp"
 #include "bench/mix.hpp"
@@ -14,10 +14,10 @@
 
 namespace bench {
 
-/// Which arms variants get.
+/// The arms that are drawn for variants.
 enum class Arms_Drawn { usual, with_payload };
 
-/// Fills fresh values: walks the fields and draws each leaf, in one fixed order.
+/// Fills fresh values: visits the fields in a fixed order and draws each leaf.
 class Filler {
 public:
     Filler(Names const& names, std::uint64_t seed, Arms_Drawn arms)
@@ -48,7 +48,7 @@ public:
         }
     }
 
-    /// Adds an entry; one whose key is there already is dropped.
+    /// Adds a drawn entry; an entry with a repeated key is dropped.
     template <class T>
     void add_entry(T& container) {
         using namespace sml::core;

@@ -1,4 +1,4 @@
-// How fast bytes of unknown origin are verified and dumped, beside reading them.
+// Measures how fast bytes of unknown origin are verified and dumped.
 
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/verify.hpp>
@@ -15,7 +15,7 @@ namespace {
 
 using namespace sml::inspect;
 
-/// Takes everything and counts it.
+/// Discards and counts all bytes.
 class Sink : public std::streambuf {
 public:
     std::uint64_t bytes = 0;
@@ -41,7 +41,7 @@ void verify_workload(benchmark::State& state) {
     bench::report(state, data);
 }
 
-/// Also reports the bytes of JSON a second ("json").
+/// Also reports the bytes of JSON per second ("json").
 void dump_workload(benchmark::State& state) {
     auto const& data = bench::prepared(static_cast<std::size_t>(state.range(0)));
     Sink        sink;
@@ -54,7 +54,7 @@ void dump_workload(benchmark::State& state) {
         benchmark::Counter(static_cast<double>(sink.bytes), benchmark::Counter::kIsRate);
 }
 
-/// Verifies about ten megabytes that are nearly all of one kind.
+/// Verifies about ten megabytes that consist almost entirely of one kind.
 template <class Make>
 void verify_kind(benchmark::State& state, char const* stem, Make make) {
     constexpr std::size_t   size = 10'000'000;

@@ -1,5 +1,5 @@
-// What the machine itself needs for as many bytes and nodes: no way to carry a result set can be
-// faster than these.
+// Measures the machine itself with the same number of bytes and nodes as a result set: these are
+// lower bounds of the time of any way to write and read one.
 
 #include "bench/prepared.hpp"
 #include "bench/scratch_file.hpp"
@@ -61,7 +61,7 @@ void copy_to_file(benchmark::State& state) {
     bench::report(state, data);
 }
 
-/// The sizes of all pieces of the heap that a value consists of, in the order of a walk.
+/// The sizes of all blocks of the heap that a value owns, in the order of `walk`.
 struct Node_Sizes {
     template <class T>
     void operator()(T const& part) {
@@ -86,7 +86,8 @@ struct Node_Sizes {
     std::vector<std::uint32_t> sizes;
 };
 
-/// Allocates as many nodes of the same sizes, links each to the one before and writes them full.
+/// Allocates nodes of the same number and sizes, links each to the previous one and writes to all
+/// their bytes.
 void make_nodes(benchmark::State& state) {
     struct Node {
         Node* before;
@@ -117,7 +118,7 @@ void make_nodes(benchmark::State& state) {
         static_cast<double>(nodes.sizes.size()) / static_cast<double>(state.range(0));
 }
 
-/// Adds up all leaves, those of numbers with their limbs.
+/// Adds up all leaves. For numbers, it reads a limb.
 struct Sum {
     template <class T>
     void operator()(T const& part) {

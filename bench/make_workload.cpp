@@ -33,7 +33,7 @@ std::optional<std::size_t> count_of(std::string_view text) {
     return number;
 }
 
-// Gives the stem of the root. The empty kind is the workload.
+// Writes the value and returns the stem of its root. An empty `kind` is the workload.
 std::string_view write(std::string_view kind, std::size_t count, std::ostream& stream) {
     using namespace sml;
     if (kind == "--numbers") {

@@ -1,6 +1,6 @@
 #pragma once
-// How often the parts of a workload are there and how many of them. Together they give the figures
-// for each check that the test of the workload holds them to.
+// How often the optional parts of a workload are present and how many entries containers have. The
+// test of the workload checks the figures for each check that follow from these.
 
 #include <sml/schema/Checks.hpp>
 #include <sml/schema/Failure.hpp>
@@ -17,7 +17,8 @@ namespace bench {
 
 using Key = std::pair<sml::Strings_T, std::int32_t>;
 
-/// A container that is a field has 1 to `most` entries in so many of a hundred cases, else none.
+/// A container in a field has 1 to `most` entries in `percent_filled` of a hundred cases, else
+/// none.
 struct Entries {
     std::uint32_t percent_filled;
     std::uint32_t most;
@@ -25,7 +26,7 @@ struct Entries {
 
 template <class T>
 constexpr Entries entries{60, 3};
-// 0 to 8 alike.
+// 0 to 8 steps, all equally likely.
 template <>
 inline constexpr Entries entries<std::list<sml::Failure::Step>>{89, 8};
 template <>
@@ -40,29 +41,29 @@ inline constexpr Entries entries<decltype(sml::Infos::T_Information_Category::VO
 template <>
 inline constexpr Entries entries<std::list<sml::Infos::T_Range>>{85, 2};
 
-/// How often an optional part is there, in percent.
+/// How often an optional part is present, in percent.
 template <class T>
 constexpr std::uint32_t percent_present = 20;
 template <>
 inline constexpr std::uint32_t percent_present<sml::BigInteger> = 65;
-// The checks that failed are chosen by the caller.
+// The caller chooses the checks that failed.
 template <>
 inline constexpr std::uint32_t percent_present<sml::Failure::T> = 0;
 
-constexpr std::uint32_t most_in_key_set = 4;  ///< 0 to so many alike
+constexpr std::uint32_t most_in_key_set = 4;  ///< from 0 on, all equally likely
 constexpr std::uint32_t draws_for_integer_set = 20;
 
-constexpr std::uint32_t percent_real = 23;          ///< of the values that infos tell of
+constexpr std::uint32_t percent_real = 23;          ///< of the values in infos
 constexpr std::uint32_t percent_integer_type = 95;  ///< of the other values
 constexpr std::uint32_t percent_drs_float = 60;     ///< of the real values
 constexpr std::uint32_t percent_full_range = 10;
 
-/// The bounds that an interval of integers has.
+/// How often an interval of integers has both bounds or only one, in percent.
 constexpr std::uint32_t percent_both_bounds = 80;
 constexpr std::uint32_t percent_lower_bound = 10;
 constexpr std::uint32_t percent_upper_bound = 10;
 
-/// What floats are.
+/// The kinds of floats, in percent.
 constexpr std::uint32_t percent_short = 30;
 constexpr std::uint32_t percent_full_mantissa = 55;
 constexpr std::uint32_t percent_largest = 10;

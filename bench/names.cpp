@@ -34,7 +34,7 @@ std::size_t round_up(std::size_t number, std::size_t step) {
 
 }  // namespace
 
-// What stands behind the last underscore is the number alone, so no two names are equal.
+// The number alone follows the last underscore, so no two names are equal.
 std::string make_name(Draws& draws, std::size_t number, bool is_path) {
     std::string const ending = '_' + base36(number) + (is_path ? ".c" : "");
     std::size_t const length = shortest_name + draws.below(longest_name - shortest_name + 1);

@@ -16,7 +16,7 @@ namespace bench {
 /// first tenth is hot: half of all draws come from there.
 class Names {
 public:
-    /// The names of a workload of so many checks: one for every ten.
+    /// The names of a workload of `checks` checks: one for every ten checks.
     Names(std::size_t checks, std::uint64_t seed);
 
     std::size_t size() const { return names_.size(); }
@@ -24,13 +24,13 @@ public:
 
     sml::Strings_T const& operator[](std::size_t index) const { return names_[index]; }
 
-    /// The identifier of this number, counted from 0 among identifiers alone.
+    /// The identifier with this number. Only identifiers are counted, from 0.
     sml::Strings_T const& identifier(std::size_t number) const;
     std::size_t           identifiers() const { return names_.size() / group * (group - 1); }
 
     sml::Strings_T const& draw_identifier(Draws& draws) const;
 
-    /// Gives the index.
+    /// Returns the index of a path.
     std::size_t draw_path(Draws& draws) const;
 
 private:
@@ -41,7 +41,7 @@ private:
     std::vector<sml::Strings_T> names_;
 };
 
-/// A name with this number in it, which makes it differ from all others.
+/// A name that contains the number, which makes it differ from all other names.
 std::string make_name(Draws& draws, std::size_t number, bool is_path);
 
 }  // namespace bench

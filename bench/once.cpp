@@ -1,12 +1,12 @@
-// One call in a fresh process, and the memory that it takes:
+// Measures one call in a fresh process, its time and its memory:
 //
 //   bench_once encode FILE
 //   bench_once decode FILE
 //
-// FILE is what make_workload writes. Prints one line of JSON: the time in nanoseconds; in bytes the
-// size of the encoded form, the resident size that the call leaves and the peak that it reaches,
-// the heap that it leaves and its peak, all as rises over what was there before; how often it
-// allocates and how many allocations it leaves. Exit codes: 0 done, 1 not measured, 2 usage.
+// FILE is written by make_workload. Prints one line of JSON: the time in nanoseconds; the size of
+// the encoded form; four increases since before the call, in bytes: of the resident size, its peak,
+// the heap and its peak; the number of allocations in the call and how many of them are left. Exit
+// codes: 0 done, 1 not measured, 2 usage.
 
 #include <sml/bindings/bindings.hpp>
 
@@ -32,8 +32,8 @@
 
 namespace {
 
-/// What the heap holds and has held, of C++ and of the number libraries. Sizes are those that the
-/// allocator gives, which can be more than was asked for.
+/// Counts the heap of C++ and of the number libraries. Sizes are those of the allocator, which can
+/// be larger than requested.
 struct Heap {
     std::int64_t calls = 0;
     std::int64_t alive = 0;
@@ -76,7 +76,7 @@ void release(void* memory, std::size_t) {
 
 }  // namespace
 
-// Not inlined: the compiler would take malloc() and `delete` for a mismatched pair.
+// Not inlined: otherwise the compiler would report malloc() and `delete` as a mismatched pair.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* const memory = allocate(std::max<std::size_t>(size, 1))) return memory;
     throw std::bad_alloc();
@@ -90,22 +90,22 @@ namespace {
 
 using Graph = sml::Application_Results::T_Application_Results;
 
-/// A size that the system tells of this process, in bytes.
-std::int64_t told(std::string_view name) {
+/// A size of this process in /proc/self/status, in bytes.
+std::int64_t system_figure(std::string_view name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
         if (line.starts_with(name)) return std::stoll(line.substr(name.size())) * 1024;
     throw std::runtime_error("the system does not tell " + std::string(name));
 }
 
-/// Has the peak start from what is resident now.
+/// Resets the resident peak to the present resident size.
 void forget_peak() {
     std::ofstream file("/proc/self/clear_refs");
     if (!(file << "5" << std::flush))
         throw std::runtime_error("the system does not start a peak anew");
 }
 
-/// The bytes of a file, mapped, all of them resident.
+/// Maps a file and makes all its bytes resident.
 std::string_view mapped(char const* path) {
     int const   file = ::open(path, O_RDONLY | O_CLOEXEC);
     struct stat about {};
@@ -117,23 +117,23 @@ std::string_view mapped(char const* path) {
     return {static_cast<char const*>(bytes), size};
 }
 
-/// Measures one call, which gives the number of encoded bytes.
+/// Measures one call, which must return the number of encoded bytes.
 void measure(std::function<std::size_t()> const& call) {
     using Clock = std::chrono::steady_clock;
     malloc_trim(0);
     forget_peak();
-    auto const resident = told("VmRSS:");
+    auto const resident = system_figure("VmRSS:");
     heap.peak = heap.size;
     Heap const before = heap;
     auto const start = Clock::now();
     auto const size = call();
     auto const time = std::chrono::duration<double, std::nano>(Clock::now() - start).count();
     Heap const after = heap;
-    auto const peak = told("VmHWM:");
+    auto const peak = system_figure("VmHWM:");
     std::printf(R"({"ns": %.0f, "bytes": %zu, "resident": %lld, "resident_peak": %lld, )"
                 R"("heap": %lld, "heap_peak": %lld, "allocations": %lld, "allocations_kept": %lld})"
                 "\n",
-                time, size, static_cast<long long>(told("VmRSS:") - resident),
+                time, size, static_cast<long long>(system_figure("VmRSS:") - resident),
                 static_cast<long long>(peak - resident),
                 static_cast<long long>(after.size - before.size),
                 static_cast<long long>(after.peak - before.size),
@@ -172,7 +172,7 @@ int main(int argc, char** argv) try {
             [&] { return sml::Application_Results_Application_Results_fromCxx(*graph).size(); });
     }
     std::fflush(stdout);
-    std::_Exit(0);  // the graph need not be taken apart
+    std::_Exit(0);  // without destroying the graph
 } catch (std::exception const& error) {
     std::fprintf(stderr, "bench_once: %s\n", error.what());
     return 1;

@@ -11,7 +11,7 @@ namespace bench {
 
 namespace {
 
-/// Keeps what `make` gives for each size.
+/// Calls `make` once for each size and keeps the results.
 template <class Make>
 Prepared const& kept(std::map<std::size_t, Prepared>& made, std::size_t checks, Make make) {
     auto const known = made.find(checks);

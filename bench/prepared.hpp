@@ -1,5 +1,5 @@
 #pragma once
-// What the benchmarks measure on, made once for each size.
+// The workloads of the benchmarks, made once for each size.
 
 #include <sml/schema/Application_Results.hpp>
 
@@ -19,24 +19,25 @@ public:
 
     sml::Application_Results::T_Application_Results value;
 
-    /// Written at the first call, with the figures of the workload on standard error.
+    /// The bytes of the workload. The first call writes them and prints the figures of the workload
+    /// to standard error.
     std::string const& bytes() const;
 
 private:
     mutable std::string bytes_;
 };
 
-/// Made at the first call; stays for the run.
+/// The workload of this size. The first call makes it; it is kept until the process ends.
 Prepared const& prepared(std::size_t checks);
 
-/// The same of the workload in which every variant holds an arm with payload.
+/// The same with the workload in which every variant has an arm with a payload.
 Prepared const& prepared_without_bare_arms(std::size_t checks);
 
 /// Runs a benchmark on 1,000, 10,000 and 100,000 checks.
 void sizes(benchmark::internal::Benchmark* benchmark);
 
-/// Reports the bytes a second and the time a check ("bytes", "check") of a benchmark that went over
-/// the data once in each iteration.
+/// Reports bytes per second and time per check ("bytes", "check") of a benchmark that processes the
+/// data once in each iteration.
 void report(benchmark::State& state, Prepared const& data);
 
 }  // namespace bench

@@ -1,5 +1,5 @@
 #pragma once
-// A file for what a benchmark writes.
+// A temporary file for the output of a benchmark.
 
 #include <unistd.h>
 
@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// A file of its own that goes away at the end.
+/// The path of a temporary file of this process. The destructor removes the file.
 class Scratch_File {
 public:
     Scratch_File()

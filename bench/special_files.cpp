@@ -51,7 +51,8 @@ std::unordered_map<sml::Strings_T, std::unordered_set<sml::Strings_T>> distinct_
 std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data> string_references(
     std::size_t bytes, std::uint64_t seed) {
     std::size_t const references = bytes / word_bytes;
-    // A pool of a thousandth as many names, whose text is about a hundredth of the bytes.
+    // The pool has a thousandth as many names as there are references, and its text is about a
+    // hundredth of the bytes.
     Names const names(references / 100, seed);
     Draws       draws(seed + 1);
     std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data> table;

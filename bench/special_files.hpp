@@ -1,6 +1,6 @@
 #pragma once
-// Values whose bytes are nearly all of one kind, to see what each kind costs by itself. Each takes
-// about the given number of bytes on the wire.
+// Values whose bytes are almost entirely of one kind, to measure the cost of each kind. Each value
+// takes about `bytes` bytes on the wire.
 
 #include <sml/bindings/bindings.hpp>
 
@@ -16,7 +16,7 @@ sml::Answers::T_AnswerInspectionPoint short_numbers(std::size_t bytes, std::uint
 std::unordered_map<sml::Strings_T, std::unordered_set<sml::Strings_T>> distinct_strings(
     std::size_t bytes, std::uint64_t seed);
 
-/// One list that draws from few strings, again and again.
+/// One list of strings, all drawn from a small pool.
 std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data> string_references(
     std::size_t bytes, std::uint64_t seed);
 

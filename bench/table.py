@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Runs all benchmarks of carrying and prints their figures as tables.
+"""Runs all benchmarks of writing and reading result sets, and prints their figures as tables.
 
-  table.py [--sizes N,...] [--carriers NAME,...] [--rounds R] [--million] BUILD
+  table.py [--sizes N,...] [--serialisers NAME,...] [--rounds R] [--million] BUILD
 
-BUILD is the build directory; `bench` is its target. Each carrier runs in a process of its own, in
-turns, R times (4 by default) with three repetitions each; given are the medians. Without --carriers all
-that are built run; plain and library always do. --million adds one encoding and one decoding of a
-million checks, which take about 8 GB.
+BUILD is the build directory; `bench` is its target. Each serialiser runs in a process of its own, in
+turns, R times (4 by default) with three repetitions each; the tables have the medians. Without
+--serialisers, all that are built run; plain and library always run. --million adds one encoding and one
+decoding of a million checks, which take about 8 GB.
 """
 
 import argparse
@@ -21,7 +21,7 @@ import tempfile
 
 REPETITIONS = 3
 MILLION = 1_000_000
-MILLION_MEMORY = 12e9  # what is asked for, in bytes
+MILLION_MEMORY = 12e9  # bytes of memory that a million checks require
 
 OPERATIONS = {"encode": "encode, `fromCxx`", "decode": "decode, `toCxx`",
               "toStream": "`toStream`, a `std::ofstream`",
@@ -38,45 +38,45 @@ def run(*command):
 
 
 class Timings:
-    """The times of all benchmarks, in microseconds a check."""
+    """The times of all benchmarks, in microseconds per check."""
 
     def __init__(self, program, sizes, rounds, wanted):
         names = run(program, "--benchmark_list_tests").split()
-        self.carriers = list(dict.fromkeys(name.split("/")[0] for name in names if "/" in name
+        self.serialisers = list(dict.fromkeys(name.split("/")[0] for name in names if "/" in name
                                            and name.split("/")[1] in (*OPERATIONS, *LIMITS)))
         if wanted:
-            self.carriers = [carrier for carrier in self.carriers
-                             if carrier in ("plain", "library", *wanted)]
+            self.serialisers = [serialiser for serialiser in self.serialisers
+                             if serialiser in ("plain", "library", *wanted)]
         self.sizes = sizes
         self.times = {}
         self.first = {}
         self.size = {}
         for _ in range(rounds):
             for size in sizes:
-                for carrier in self.carriers:
-                    self.add(program, carrier, size)
+                for serialiser in self.serialisers:
+                    self.add(program, serialiser, size)
 
-    def add(self, program, carrier, size):
-        told = json.loads(run(program, f"--benchmark_filter=^{carrier}/.*/{size}$",
+    def add(self, program, serialiser, size):
+        figures = json.loads(run(program, f"--benchmark_filter=^{serialiser}/.*/{size}$",
                               f"--benchmark_repetitions={REPETITIONS}",
                               "--benchmark_min_time=0.3", "--benchmark_format=json"))
-        for row in told["benchmarks"]:
+        for row in figures["benchmarks"]:
             if "error_occurred" in row:
                 sys.exit(f"{row['name']}: {row['error_message']}")
             if row["run_type"] != "iteration":
                 continue
-            key = (carrier, row["name"].split("/")[1], size)
+            key = (serialiser, row["name"].split("/")[1], size)
             self.times.setdefault(key, []).append(row["check"] * 1e6)
             if "first" in row and row["repetition_index"] == 0:
                 self.first.setdefault(key, []).append(row["first"])
             if "size" in row:
-                self.size[carrier, size] = row["size"]
+                self.size[serialiser, size] = row["size"]
 
-    def __call__(self, carrier, operation, size):
-        return statistics.median(self.times[carrier, operation, size])
+    def __call__(self, serialiser, operation, size):
+        return statistics.median(self.times[serialiser, operation, size])
 
-    def first_call(self, carrier, operation, size):
-        return statistics.median(self.first[carrier, operation, size])
+    def first_call(self, serialiser, operation, size):
+        return statistics.median(self.first[serialiser, operation, size])
 
 
 def print_table(title, heads, rows):
@@ -87,11 +87,11 @@ def print_table(title, heads, rows):
 
 def print_against_plain(timings):
     rows = []
-    for operation, told in OPERATIONS.items():
+    for operation, title in OPERATIONS.items():
         for size in timings.sizes:
             plain = timings("plain", operation, size)
             own = timings("library", operation, size)
-            rows.append([told, f"{size:,}", f"{plain:.2f}", f"{own:.2f}", f"{plain / own:.2f}",
+            rows.append([title, f"{size:,}", f"{plain:.2f}", f"{own:.2f}", f"{plain / own:.2f}",
                          f"{timings.size['library', size] / size / own:.0f}"])
     for size in timings.sizes:
         less = timings("library", "less", size)
@@ -107,28 +107,28 @@ def print_against_plain(timings):
 def print_peers(timings):
     for size in timings.sizes:
         rows = []
-        for carrier in timings.carriers:
-            if (carrier, "encode", size) not in timings.times:
+        for serialiser in timings.serialisers:
+            if (serialiser, "encode", size) not in timings.times:
                 continue
-            row = [carrier, f"{timings.size[carrier, size] / size:.0f}"]
+            row = [serialiser, f"{timings.size[serialiser, size] / size:.0f}"]
             for operation in ("encode", "decode"):
-                time = timings(carrier, operation, size)
-                row += [f"{timings.first_call(carrier, operation, size):.1f}", f"{time:.2f}",
+                time = timings(serialiser, operation, size)
+                row += [f"{timings.first_call(serialiser, operation, size):.1f}", f"{time:.2f}",
                         f"{timings('plain', operation, size) / time:.2f}"]
             rows.append(row)
-        print_table(f"Ways to carry {size:,} checks, microseconds a check; how many times as fast "
+        print_table(f"Ways to write and read {size:,} checks, microseconds a check; how many times as fast "
                     "as the plain reference:",
                     ["", "bytes a check", "first encode", "encode", "times", "first decode",
                      "decode", "times"], rows)
 
 
 def print_limits(timings):
-    if "limit" not in timings.carriers:
+    if "limit" not in timings.serialisers:
         return
     rows = []
     for size in timings.sizes:
-        rows += [[told, f"{size:,}", f"{timings('limit', limit, size):.2f}"]
-                 for limit, told in LIMITS.items()]
+        rows += [[title, f"{size:,}", f"{timings('limit', limit, size):.2f}"]
+                 for limit, title in LIMITS.items()]
         rows.append(["`==` / reading both graphs once", f"{size:,}",
                      f"{timings('library', 'equal', size) / timings('limit', 'read_both', size):.2f}"])
         for stream, buffer in (("toStream", "encode"), ("fromStream", "decode")):
@@ -150,7 +150,7 @@ def print_growth(timings):
 
 
 def once(build, checks, folder):
-    """The two calls in fresh processes: the figures of bench_once by name."""
+    """Runs bench_once for encode and decode; returns its figures by the name of the call."""
     file = pathlib.Path(folder) / f"{checks}.bin"
     run(build / "bench" / "make_workload", checks, file)
     figures = {call: json.loads(run(build / "bench" / "bench_once", call, file))
@@ -163,17 +163,17 @@ def print_memory(build, sizes):
     rows = []
     with tempfile.TemporaryDirectory() as folder:
         for size in sizes:
-            for call, told in once(build, size, folder).items():
-                base = told["bytes"] if call == "encode" else told["resident"]
-                heap_base = told["bytes"] if call == "encode" else told["heap"]
-                rows.append([OPERATIONS[call], f"{size:,}", f"{told['ns'] / size / 1000:.2f}",
-                             f"{told['resident_peak'] / 1e6:.1f}",
-                             f"{told['resident_peak'] / base:.3f} of the "
+            for call, figures in once(build, size, folder).items():
+                base = figures["bytes"] if call == "encode" else figures["resident"]
+                heap_base = figures["bytes"] if call == "encode" else figures["heap"]
+                rows.append([OPERATIONS[call], f"{size:,}", f"{figures['ns'] / size / 1000:.2f}",
+                             f"{figures['resident_peak'] / 1e6:.1f}",
+                             f"{figures['resident_peak'] / base:.3f} of the "
                              + ("output" if call == "encode" else "graph"),
-                             f"{told['heap_peak'] / heap_base:.3f}",
-                             f"{told['allocations']:,}",
-                             f"{told['allocations'] / size:.4f}",
-                             f"{told['allocations_kept']:,}"])
+                             f"{figures['heap_peak'] / heap_base:.3f}",
+                             f"{figures['allocations']:,}",
+                             f"{figures['allocations'] / size:.4f}",
+                             f"{figures['allocations_kept']:,}"])
     print_table("One call in a fresh process:",
                 ["", "checks", "microseconds a check", "rise of the resident peak, MB", "that is",
                  "heap peak", "allocations", "a check", "kept"], rows)
@@ -185,14 +185,14 @@ def main():
     parser.add_argument("build", type=pathlib.Path, metavar="BUILD")
     parser.add_argument("--sizes", default="1000,10000,100000", metavar="N,...",
                         help="some of 1000, 10000 and 100000, ascending")
-    parser.add_argument("--carriers", metavar="NAME,...",
+    parser.add_argument("--serialisers", metavar="NAME,...",
                         help="some of cereal, boost, protobuf, flatbuffers and limit")
     parser.add_argument("--rounds", type=int, default=4, metavar="R")
     parser.add_argument("--million", action="store_true")
     options = parser.parse_args()
     sizes = [int(size) for size in options.sizes.split(",")]
 
-    wanted = options.carriers.split(",") if options.carriers else None
+    wanted = options.serialisers.split(",") if options.serialisers else None
     timings = Timings(options.build / "bench" / "bench", sizes, options.rounds, wanted)
     print_against_plain(timings)
     print_peers(timings)

@@ -1,5 +1,5 @@
 #pragma once
-// Looks at every part of a value.
+// Visits every part of a value.
 
 #include <sml/core/kinds.hpp>
 #include <sml/core/read_ahead.hpp>
@@ -8,7 +8,8 @@
 
 namespace bench {
 
-/// Calls `use(part)` for the value and everything inside it, the holder before what it holds.
+/// Calls `use(part)` for the value and for everything inside it; a container comes before its
+/// parts.
 template <class T, class Use>
 void walk(T const& value, Use& use) {
     using namespace sml::core;

@@ -11,7 +11,7 @@ namespace bench {
 
 namespace {
 
-/// A table under construction with the numbers that its names have come to.
+/// The keys of a map that is being filled, and the number of keys of each name.
 class NumberedKeys {
 public:
     explicit NumberedKeys(Names const& names) : names_(&names), next_(names.size()) {}
@@ -46,7 +46,7 @@ private:
     std::vector<Short>        keys_;
 };
 
-/// Builds every entry in its node: at a million checks there is no room for anything twice.
+/// Fills every entry in place in its container: at a million checks there is no memory for copies.
 class Build {
 public:
     Build(std::size_t checks, std::uint64_t seed, Arms_Drawn arms)

@@ -19,7 +19,7 @@ using sml::Application_Results::T_Application_Results;
 
 constexpr std::size_t many_checks = 10000;
 
-// One for all tests of the mix: a process runs a single one of them, or all.
+// Shared by all tests of the mix: a process runs one of them or all.
 T_Application_Results const& large_workload() {
     static T_Application_Results const value = bench::workload(many_checks);
     return value;
@@ -45,8 +45,8 @@ std::uint64_t hash_of(zelvanite::IEEE754Float const& value) {
     return hash_of(text + std::to_string(exponent) + ':' + std::to_string(value.width));
 }
 
-// A hash of what a value holds, where strings lie and in which order tables hold their entries
-// left out: those differ between processes.
+// A hash of the content of a value. It does not depend on the addresses of strings or the order of
+// entries in hash tables, which differ between processes.
 template <class T>
 std::uint64_t content_hash(T const& value) {
     using namespace sml::core;
@@ -81,7 +81,7 @@ std::uint64_t content_hash(T const& value) {
     return hash;
 }
 
-// The mix, told as it is checked.
+// The classes of integers that the test of the mix counts.
 enum class IntegerClass { below_300, bits_32, lowest_32, bits_64, larger };
 
 IntegerClass class_of(sml::BigInteger const& value) {

@@ -1,11 +1,11 @@
-# `cmake --install`: the libraries, their public headers, and what find_package and pkg-config need.
+# Installs the libraries, their public headers, and the files for find_package and pkg-config.
 
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bradep_cxx_interface)
 
-# A component is a library. Each has its targets in a file of its own, so that who asks for one needs
-# nothing that only the other does.
+# Each library is a component with its own targets file, so that finding one component does not
+# require the dependencies of the other.
 install(TARGETS bradep_cxx_interface EXPORT carrier FILE_SET HEADERS)
 install(TARGETS bradep_inspect EXPORT inspect FILE_SET HEADERS)
 foreach(component IN ITEMS carrier inspect)
@@ -24,7 +24,8 @@ install(FILES
     cmake/NumberLibraries.cmake
     DESTINATION ${package_dir})
 
-# The files say where they are, not where they were made for.
+# The pkg-config files find the prefix relative to their own directory, so that the installed tree
+# can be moved.
 file(RELATIVE_PATH prefix_from_pkgconfig
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 foreach(library IN ITEMS bradep_cxx_interface bradep_inspect)

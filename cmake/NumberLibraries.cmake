@@ -1,4 +1,5 @@
-# GMP and MPFR come without CMake packages: imported targets gmp::gmp and mpfr::mpfr.
+# Defines the imported targets gmp::gmp and mpfr::mpfr, since GMP and MPFR come without CMake
+# packages.
 
 function(find_number_library name header)
     find_path(${name}_INCLUDE_DIR ${header} REQUIRED)

@@ -1,5 +1,5 @@
-// Limits of any size, chosen by the bytes: what a call refuses it refuses by `std::bad_alloc` or by
-// an answer, and what it lets through it lets through as without a limit.
+// Limits of any size, chosen by the bytes. What a call refuses, it refuses by `std::bad_alloc` or
+// by its result; what it accepts, it treats as without limits.
 
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/dump.hpp>
@@ -25,13 +25,13 @@ using Random = std::mt19937_64;
 constexpr std::uint64_t most_heap = std::uint64_t{1} << 26;
 constexpr Limits        ample{.memory = most_heap};
 
-/// Any number of up to so many bits, small ones as often as large ones.
+/// Any number of up to so many bits; small ones are as frequent as large ones.
 std::uint64_t any_number(Random& random, unsigned bits) {
     std::uint64_t const size = random() % (bits + 1);
     return random() & ((std::uint64_t{1} << size) - 1);
 }
 
-/// Of each limit one in two is as without limits.
+/// Each limit is ample in one of two cases; the budget never is.
 Limits any_limits(Random& random) {
     Limits     limits = ample;
     auto const is_limited = [&] { return random() % 2 == 0; };
@@ -44,7 +44,7 @@ Limits any_limits(Random& random) {
     return limits;
 }
 
-/// What a call gives; none where it ran out of memory of its own. It throws nothing else.
+/// The result of a call; none if it ran out of memory. The call must throw nothing else.
 template <class Call>
 auto within_budget(fuzz::Input const& input, char const* name, Call call)
     -> std::optional<decltype(call())> try {
@@ -69,8 +69,8 @@ bool are_same(Verdict const& a, Verdict const& b) {
            a.work == b.work && a.walked == b.walked && a.elements == b.elements;
 }
 
-/// What a limit on the budget lets through is as without it, and a smaller one lets no more
-/// through.
+/// If a budget is enough, the result is as with an ample one, and twice the budget is enough, too.
+/// If it is not enough, half of it is not, either.
 void check_verify(fuzz::Input const& input, Limits const& limits, Verdict const& unbudgeted) {
     auto const verified = [&](std::uint64_t own_memory) {
         return within_budget(input, "verify",
@@ -87,7 +87,7 @@ void check_verify(fuzz::Input const& input, Limits const& limits, Verdict const&
     }
 }
 
-/// A limit is kept to the last unit, and what is within it does not depend on it.
+/// A limit of exactly what is needed changes nothing; with one less, the bytes are unsafe.
 void check_edge(fuzz::Input const& input, std::uint64_t Limits::*limit, std::uint64_t taken,
                 Verdict const& unlimited) {
     Limits limits = ample;
@@ -100,7 +100,7 @@ void check_edge(fuzz::Input const& input, std::uint64_t Limits::*limit, std::uin
                   "a limit lets more through");
 }
 
-/// Each limit only takes away: within it, the verdict is as without.
+/// Bytes within the limits have the same verdict as without limits; limits make no bytes safe.
 void check_limits(fuzz::Input const& input, Verdict const& limited, Verdict const& unlimited) {
     if (limited.answer != Answer::unsafe)
         fuzz::require(are_same(limited, unlimited), input, "limits change what is within them");
@@ -121,8 +121,7 @@ void check_dump(fuzz::Input const& input, Limits const& limits) {
     fuzz::require(*dumped == unbudgeted, input, "dump depends on its budget");
 }
 
-/// None where it ran out of memory; no text where it refuses the bytes as unsafe, or beyond a
-/// limit.
+/// None if it ran out of memory; no text if the bytes are refused as unsafe or beyond a limit.
 std::optional<std::optional<std::string>> canonical_of(fuzz::Input const& input,
                                                        Limits const&      limits) {
     return within_budget(input, "canonical", [&]() -> std::optional<std::string> {
@@ -143,8 +142,8 @@ void check_canonical(fuzz::Input const& input, Limits const& limits) {
                   "canonical depends on its limits");
 }
 
-/// All walks judge the limits alike. Work is judged by verify alone; in memory, walks that look for
-/// no repeated keys count entries that a reader drops.
+/// All walks apply the limits in the same way, with two exceptions: only verify counts work, and
+/// walks that look for no repeated keys count the memory of entries that a reader drops.
 void check_agreement(fuzz::Input const& input, Limits limits) {
     limits.memory = ample.memory;
     limits.work = ample.work;
@@ -174,7 +173,7 @@ EncodedBytes encoded(std::string_view json, Limits const& limits) {
     return {is_refused, is_refused ? std::string() : bytes.str()};
 }
 
-/// The dump of bytes that are not unsafe: its first half, too, which is no JSON any more.
+/// Encodes the dump of bytes that are not unsafe, and the first half of the dump, which is no JSON.
 void check_encode(fuzz::Input const& input, Limits const& limits) {
     std::string const whole = dump_of(input, ample);
     for (std::string_view const json :

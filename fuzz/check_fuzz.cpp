@@ -1,4 +1,5 @@
-// Verify and the plain checker judge all bytes alike: the same answer, the same places.
+// Verify and the plain checker agree on all bytes: on the verdict and on the offsets of the
+// findings.
 
 #include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
@@ -19,7 +20,7 @@ plain::Answer plain_answer(Answer answer) {
     }
 }
 
-/// Where verify finds something odd before anything unsafe.
+/// The offsets of the odd findings of verify.
 std::set<std::uint64_t> odd_offsets(Verdict const& verdict) {
     std::set<std::uint64_t> offsets;
     for (Finding const& finding : verdict.findings)
@@ -38,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         verify(*input.root, input.bytes, {.listed = std::numeric_limits<std::size_t>::max()});
     auto const judged = plain::judge(input.root_index(), input.bytes, Limits::default_depth);
     fuzz::require(plain_answer(verdict.answer) == judged.answer, input, "the answers differ");
-    // Where bytes are missing, verify may say so ahead of the place where the checker stops.
+    // If bytes are missing, verify may report that at a lower offset than the one where the checker
+    // stops.
     if (verdict.answer == Answer::unsafe) {
         if (!judged.unsafe_offset || bytes_are_missing(verdict.findings.back())) return 0;
         fuzz::require(verdict.findings.back().offset == judged.unsafe_offset, input,

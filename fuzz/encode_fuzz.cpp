@@ -1,4 +1,4 @@
-// Any text as JSON to encode. What encodes is safe and encodable, and its dump encodes to the same
+// Encodes any text as JSON. The bytes are safe and encodable, and their dump encodes to the same
 // bytes.
 
 #include <sml/inspect/dump.hpp>

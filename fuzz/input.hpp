@@ -1,5 +1,5 @@
 #pragma once
-// What the fuzz targets share: inputs that are bytes of a root, and how a finding is told.
+// What the fuzz targets share: inputs that are bytes of a root, and the report of a finding.
 
 #include <sml/inspect/type.hpp>
 
@@ -20,16 +20,17 @@ struct Input {
     }
 };
 
-/// The input has at least one byte.
+/// The input of libFuzzer as an `Input`. There must be at least one byte, and the bytes must
+/// outlive the result.
 Input input_of(std::uint8_t const* data, std::size_t size);
 
-/// The input for bytes of a root.
+/// The bytes of the input for bytes of a root.
 std::string input_for(sml::inspect::Root const& root, std::string_view bytes);
 
-/// A number for choosing what else is to be tried with an input: the same one in every run.
+/// A hash of the input, to choose what else is tried with it. It is the same in every run.
 std::uint64_t hash_of(Input const& input);
 
-/// Says on stderr what is wrong with which bytes, then aborts.
+/// Writes to stderr what is wrong and with which bytes, then aborts.
 [[noreturn]] void fail(Input const& input, std::string_view what);
 
 /// As `fail`, unless `holds`.

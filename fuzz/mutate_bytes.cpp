@@ -1,6 +1,6 @@
 // New inputs for the targets that take bytes: whole random values, edits of words and flags, pieces
-// doubled or left out, entries of sets and tables copied, also under many keys that share a bucket,
-// other texts in the place of doubles, and what libFuzzer does by itself.
+// repeated or left out, copied entries of sets and maps, also under many keys that share a bucket,
+// other texts in place of doubles, and libFuzzer's own mutations.
 
 #include <sml/inspect/verify.hpp>
 #include "fuzz/input.hpp"
@@ -24,7 +24,7 @@ std::size_t below(Random& random, std::size_t bound) {
     return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
 }
 
-/// What the writer makes of a random value.
+/// The bytes that a writer makes of a random value.
 std::string random_value(RealRoot const& root, Random& random) {
     RandomValues values(random(), {.elements = static_cast<int>(below(random, 4)),
                                    .depth = static_cast<int>(below(random, 7))});
@@ -50,7 +50,7 @@ void edit_byte(std::string& bytes, Random& random) {
     if (!bytes.empty()) bytes[below(random, bytes.size())] = tried[below(random, sizeof tried)];
 }
 
-/// Leaves a piece out or puts it in a second time.
+/// Removes a piece, or inserts it a second time.
 void edit_piece(std::string& bytes, Random& random) {
     if (bytes.empty()) return;
     std::size_t const at = below(random, bytes.size());
@@ -61,7 +61,7 @@ void edit_piece(std::string& bytes, Random& random) {
         bytes.insert(below(random, bytes.size() + 1), bytes.substr(at, size));
 }
 
-/// The entries of all sets and tables; none in bytes that are unsafe.
+/// The entries of all sets and maps; none if the bytes are unsafe.
 std::vector<golden::Entry> entries_of(sml::inspect::Root const& root, std::string_view bytes) {
     using namespace sml::inspect;
     VerifyOptions const options{.limits = {.memory = std::uint64_t{1} << 26}, .listed = 0};
@@ -69,8 +69,8 @@ std::vector<golden::Entry> entries_of(sml::inspect::Root const& root, std::strin
     return golden::entries_in(root, bytes);
 }
 
-/// Copies an entry of a set or table beside another one, so that a key is there twice. Leaves bytes
-/// that are unsafe or have no entry as they are.
+/// Inserts a copy of an entry next to another one in its set or map, so that its key is repeated.
+/// Does nothing if the bytes are unsafe or have no entry.
 void copy_entry(sml::inspect::Root const& root, std::string& bytes, Random& random) {
     auto const entries = entries_of(root, bytes);
     if (entries.empty()) return;
@@ -81,8 +81,8 @@ void copy_entry(sml::inspect::Root const& root, std::string& bytes, Random& rand
                               below(random, 2) == 0);
 }
 
-/// How many characters the text of a double could have that stands behind a length word at a place;
-/// 0 where none stands there.
+/// The length of the text after a length word at this offset, if it could be the text of a double;
+/// else 0.
 std::size_t double_at(std::string_view bytes, std::size_t at) {
     constexpr std::size_t longest = 40;
     std::uint32_t         length;
@@ -94,8 +94,8 @@ std::size_t double_at(std::string_view bytes, std::size_t at) {
     return text.find_first_not_of("0123456789+-., eExpinfa") == text.npos ? length : 0;
 }
 
-/// Puts another text in the place of a double: one that depends on the decimal point, or is out of
-/// range in some rounding mode only, or both.
+/// Replaces the text of a double by one that depends on the decimal point, or is out of range in
+/// some rounding mode only, or both.
 void edit_double(std::string& bytes, Random& random) {
     constexpr char const*    texts[] = {"1,500000",
                                         "1,5",
@@ -131,9 +131,9 @@ void edit_double(std::string& bytes, Random& random) {
     std::memcpy(bytes.data() + at, &length, sizeof length);
 }
 
-/// Copies an entry of a set or table many times under keys that fall into one bucket of a reader's
-/// table: integers, or ids of strings that are never told. Leaves bytes without such a key as they
-/// are.
+/// Inserts many copies of an entry of a set or map, under keys that share a bucket in a reader's
+/// hash table: integers, or ids of strings without definition. Does nothing if there is no such
+/// key.
 void copy_entry_under_many_keys(sml::inspect::Root const& root, std::string& bytes,
                                 std::size_t most_bytes, Random& random) {
     constexpr std::int32_t buckets[] = {29, 59, 127, 257, 541, 1109, 2357, 5087};
@@ -157,8 +157,8 @@ void copy_entry_under_many_keys(sml::inspect::Root const& root, std::string& byt
     bytes.insert(entry.end, added);
 }
 
-/// Puts a word somewhere that shares its bucket with others as an integer key, and is never told as
-/// an id.
+/// Writes a word somewhere that shares a bucket with others as an integer key, and has no
+/// definition as an id.
 void edit_id(std::string& bytes, Random& random) {
     constexpr std::int32_t steps[] = {541, 1109, 2357, 5087};
     if (bytes.size() < sizeof(std::int32_t)) return;

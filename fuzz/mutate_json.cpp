@@ -1,5 +1,5 @@
-// New inputs for the target that takes JSON: dumps of whole random values, tokens that change
-// places with others, and what libFuzzer does by itself.
+// New inputs for the target that takes JSON: dumps of random values, tokens replaced by others, and
+// libFuzzer's own mutations.
 
 #include <sml/inspect/dump.hpp>
 #include "fuzz/mutate.hpp"
@@ -18,7 +18,7 @@ std::size_t below(Random& random, std::size_t bound) {
     return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
 }
 
-/// The dump of what the writer makes of a random value of a random root.
+/// The dump of the bytes that a writer makes of a random value of a random root.
 std::string random_dump(Random& random) {
     auto const         all = sml::inspect::roots();
     auto const&        root = all[below(random, all.size())];
@@ -29,7 +29,7 @@ std::string random_dump(Random& random) {
     return json.str();
 }
 
-/// Where the token that begins at or behind `at` begins and ends.
+/// The begin and end of the first token that begins at `at` or after it.
 struct Token {
     std::size_t begin;
     std::size_t end;
@@ -46,7 +46,7 @@ struct Token {
     }
 };
 
-/// Puts another token in the place of one: out of a list, or one that is there already.
+/// Replaces a token by another one: of the list, or of the text.
 void edit_token(std::string& json, Random& random) {
     static std::string const tokens[] = {"null",
                                          "true",

@@ -24,7 +24,7 @@ namespace {
 
 using namespace sml::core;
 
-/// Ends the judging. No offset: bytes are missing.
+/// Thrown at what is unsafe; without offset if bytes are missing.
 struct Unsafe {
     std::optional<std::uint64_t> offset;
 };
@@ -73,7 +73,7 @@ constexpr std::uint64_t least_of_arms(std::integer_sequence<std::int32_t, Index.
     return std::min({least<typename Arms::template payload<Index>>()...});
 }
 
-/// The fewest bytes that a value can take.
+/// The fewest bytes that a value takes.
 template <class T>
 constexpr std::uint64_t least() {
     if constexpr (std::is_void_v<T>)
@@ -94,14 +94,14 @@ constexpr std::uint64_t least() {
         return sum_of_least(typename PartsOf<T>::types{});
     else if constexpr (Variant<T>) {
         using Arms = typename T::arms;
-        if constexpr (Arms::takes_rest)
+        if constexpr (Arms::has_catch_all)
             return 4 + least_of_arms<Arms>(std::make_integer_sequence<std::int32_t, Arms::count>{});
         return 4;
     } else
         return 4;
 }
 
-/// Whether parsing a text by the "C" locale is within the range of doubles however it is rounded.
+/// Whether a text, parsed in the "C" locale, is within the range of doubles in every rounding mode.
 bool is_in_range_in_every_rounding(std::string const& text) {
     static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
     int const             before = std::fegetround();
@@ -116,9 +116,9 @@ bool is_in_range_in_every_rounding(std::string const& text) {
     return is_in_range;
 }
 
-/// Whether a text, up to its first zero byte, is read without an exception whatever the locale's
-/// decimal point and the rounding. That point is taken to be all that stands behind the leading
-/// digits, up to a letter or digit: then once it is the point, once the number ends before it.
+/// Whether a text, up to its first zero byte, is read without an exception in every locale and
+/// rounding mode. Only the characters after the leading digits, up to a letter or digit, can be a
+/// decimal point: the number must be in range both if they are, and if it ends before them.
 bool is_double_in_every_process(std::string text) {
     constexpr char const* digits = "0123456789";
     constexpr char const* hexadecimal = "0123456789abcdefABCDEF";
@@ -129,7 +129,7 @@ bool is_double_in_every_process(std::string text) {
     if (text.starts_with('-') || text.starts_with('+')) text.erase(0, 1);
     for (char const* name : {"inf", "nan"})
         if (strncasecmp(text.c_str(), name, 3) == 0) return true;
-    // What starts with a point is no number where the point is another one.
+    // A text that starts with a decimal point is no number in a process with another one.
     if (text.find_first_of(digits) != 0) return false;
 
     bool const        is_hexadecimal = strncasecmp(text.c_str(), "0x", 2) == 0;
@@ -142,8 +142,8 @@ bool is_double_in_every_process(std::string text) {
     return is_in_range_in_every_rounding(as_it_is) && is_in_range_in_every_rounding(with_point);
 }
 
-/// Each function takes a value off the bytes and gives its content: a text that only equal values
-/// share.
+/// Each function takes a value and returns its content, as a text that is the same for equal values
+/// only.
 class Judge {
 public:
     Judge(std::string_view bytes, std::uint32_t depth) : bytes_(bytes), depth_(depth) {}
@@ -235,7 +235,7 @@ private:
         if (tag < 0 || tag >= Arms::count) odd(at);
         // A variant with a negative tag is unequal even to itself.
         if (tag < 0) content += "at " + std::to_string(at);
-        return content + payload<Arms>(Arms::serving(tag),
+        return content + payload<Arms>(Arms::arm_for(tag),
                                        std::make_integer_sequence<std::int32_t, Arms::count>{});
     }
 
@@ -304,16 +304,16 @@ private:
 
     std::string string() {
         std::uint64_t const at = at_;
-        std::int64_t const  told = word<std::int32_t>();
-        if (told >= 1) {
-            auto const [entry, is_new] = texts_by_id_.try_emplace(told);
+        std::int64_t const  id = word<std::int32_t>();
+        if (id >= 1) {
+            auto const [entry, is_new] = texts_by_id_.try_emplace(id);
             if (is_new) odd(at);
             return entry->second;
         }
         std::string const text = block();
-        if (-told != ++told_) odd(at);
+        if (-id != ++definitions_) odd(at);
         if (!texts_.insert(text).second) odd(at);
-        texts_by_id_.try_emplace(-told, text);
+        texts_by_id_.try_emplace(-id, text);
         return text;
     }
 
@@ -351,7 +351,7 @@ private:
         return content + ' ' + std::to_string(number.width);
     }
 
-    /// A length word and so many bytes.
+    /// Takes a length word and as many bytes.
     std::string block() {
         std::uint64_t const at = at_;
         if (left() < 4) throw Unsafe{};
@@ -390,7 +390,7 @@ private:
     std::uint32_t                       depth_;
     std::uint64_t                       at_ = 0;
     std::uint32_t                       nesting_ = 0;
-    std::int64_t                        told_ = 0;
+    std::int64_t                        definitions_ = 0;
     std::map<std::int64_t, std::string> texts_by_id_;
     std::set<std::string>               texts_;
     Judgement                           judgement_;

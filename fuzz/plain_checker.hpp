@@ -1,7 +1,7 @@
 #pragma once
-// A second judge of bytes of unknown origin, as simple as can be and slow: the fuzzers compare
-// verify with it. It shares no code with the walker; it follows the C++ types, and judges a number
-// by reading it and printing it again.
+// A second checker of bytes of unknown origin, simple and slow, with which the fuzz targets compare
+// verify. It shares no code with the walker: it follows the C++ types, and checks a number by
+// reading it and printing it again.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,12 +16,13 @@ enum class Answer : std::uint8_t { good, odd, unsafe };
 struct Judgement {
     Answer                  answer = Answer::good;
     std::set<std::uint64_t> odd_offsets;
-    /// When unsafe; none where bytes are missing, which may be noticed sooner or later.
+    /// The offset of the unsafe finding. None if bytes are missing, which may be found at several
+    /// offsets.
     std::optional<std::uint64_t> unsafe_offset;
 };
 
-/// Judges bytes as the root with this place in the list of roots. More than `depth` variants
-/// and containers in one another are unsafe; there is no other limit.
+/// Checks bytes as a value of the root with this index in the list of roots. More than `depth`
+/// levels of variants and containers are unsafe; there is no other limit.
 Judgement judge(std::size_t root, std::string_view bytes, std::uint32_t depth);
 
 }  // namespace plain

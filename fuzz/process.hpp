@@ -1,13 +1,13 @@
 #pragma once
-// What of a process the numbers in bytes could depend on: its locale and its rounding mode.
+// The state of a process on which numbers in bytes could depend: its locale and its rounding mode.
 
 #include <cfenv>
 #include <clocale>
 
 namespace fuzz {
 
-/// A locale for all that there is and a rounding mode, until it goes. The process has the "C"
-/// locale before.
+/// Sets all categories of the locale and the rounding mode until it is destroyed. The process must
+/// have the "C" locale before.
 class Process {
 public:
     static constexpr char const* comma_locale = "de_DE.UTF-8";

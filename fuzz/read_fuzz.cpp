@@ -1,6 +1,6 @@
-// Bytes that are not unsafe are given to the real readers, and what dump shows is what they hold.
-// In another locale and rounding mode, chosen by the bytes, they are read as well, and verify and
-// dump judge them alike.
+// Bytes that are not unsafe are read by the real readers, and dump shows what these have read. The
+// same holds in another locale and rounding mode, chosen by the bytes, where verify and dump give
+// the same results.
 
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/dump.hpp>
@@ -41,15 +41,14 @@ std::string dump_of(fuzz::Input const& input) {
     return json.str();
 }
 
-/// One of the seven processes that are not as this one: another locale, another rounding mode, or
-/// both.
+/// One of the seven other processes: with another locale, another rounding mode, or both.
 fuzz::Process other_process(fuzz::Input const& input) {
     constexpr int       roundings[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
     std::uint64_t const chosen = 1 + fuzz::hash_of(input) % 7;
     return {chosen >= 4 ? fuzz::Process::comma_locale : "C", roundings[chosen % 4]};
 }
 
-/// Most inputs are unsafe: of those, one in four is dumped.
+/// Most inputs are unsafe; one in four of these is dumped.
 void check_elsewhere(fuzz::Input const& input, Verdict const& verdict) {
     bool const          is_unsafe = verdict.answer == Answer::unsafe;
     bool const          is_dumped = !is_unsafe || fuzz::hash_of(input) / 7 % 4 == 0;
@@ -64,7 +63,8 @@ void check_elsewhere(fuzz::Input const& input, Verdict const& verdict) {
     fuzz::require(fault.empty(), input, "in another process: " + fault);
 }
 
-/// What a writer with a decimal comma makes of a good value is good, too, and the same content.
+/// The bytes that a writer with a decimal comma makes of a good value are good, too, and have the
+/// same digest.
 void check_comma(fuzz::Input const& input) {
     std::string const   bytes = real_root(*input.root).read_and_write_with_comma(input.bytes);
     VerifyOptions const with_comma{.decimal_point = ","};
@@ -76,8 +76,7 @@ void check_comma(fuzz::Input const& input) {
 
 }  // namespace
 
-/// Says so at the start where the locale is missing, which would let half of the checks hold of
-/// themselves.
+/// Fails at the start if the locale is missing: half of the checks would then hold in any case.
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     fuzz::Process const process(fuzz::Process::comma_locale, FE_TONEAREST);
     if (process.is_set() && std::string_view(std::localeconv()->decimal_point) == ",") return 0;

@@ -1,5 +1,5 @@
-// Any bytes as any root: verify, dump in its three forms and identify come to an end without a
-// fault, and agree with one another.
+// Any bytes as any root: verify, dump in its three forms and identify return without a fault, and
+// agree.
 
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/verify.hpp>
@@ -13,7 +13,7 @@ namespace {
 
 using namespace sml::inspect;
 
-/// Takes everything, keeps nothing.
+/// Accepts all bytes and keeps none.
 class Nowhere : public std::streambuf {
     int_type        overflow(int_type c) override { return traits_type::not_eof(c); }
     std::streamsize xsputn(char const*, std::streamsize size) override { return size; }
@@ -35,7 +35,7 @@ void dump_all_forms(fuzz::Input const& input, Verdict const& verdict) {
     dump(*input.root, input.bytes, out, {.path = verdict.findings.back().path});
 }
 
-/// The answers of a place in the list of candidates never get better.
+/// The verdicts in the list of candidates never get better.
 void identify_all(fuzz::Input const& input, Verdict const& verdict) {
     Answer before = Answer::good;
     bool   is_there = false;

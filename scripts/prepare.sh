@@ -1,4 +1,5 @@
-# Sourced by run.sh and test.sh: makes a Debian 12 machine ready to build, as root or with sudo.
+# Sourced by run.sh, test.sh and fuzz.sh. Prepares a Debian 12 machine for building, as root or with
+# sudo.
 
 export DEBIAN_FRONTEND=noninteractive
 export LC_ALL=C.UTF-8
@@ -11,7 +12,7 @@ as_root() {
     fi
 }
 
-# Installs those of packages.txt that are missing; asks no server when none is.
+# Installs the missing packages of packages.txt. If none is missing, it needs no network.
 install_packages() {
     local missing=() package
     while read -r package; do
@@ -32,7 +33,8 @@ generate_comma_locale() {
     as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
 }
 
-# analyse_examples DIR: the SARIF logs that the Clang static analyser writes of examples/analysed.
+# analyse_examples DIR: runs the Clang static analyser on examples/analysed and writes its SARIF
+# logs to DIR.
 analyse_examples() {
     local program
     mkdir -p "$1"

@@ -1,6 +1,6 @@
 #pragma once
-// Every class that crosses the wire, by area; names are relative to `sml`. A new record or variant
-// gets one line here. `X` takes the type.
+// Every class that has a wire form, by area. Names are relative to `sml`. A new record or variant
+// needs one line here. `X` takes the type.
 
 #include <sml/schema/AccessPath.hpp>
 #include <sml/schema/AccessProtections.hpp>

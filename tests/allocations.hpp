@@ -1,16 +1,17 @@
 #pragma once
-// Allocations that fail on demand. A program that links `allocations.cpp` has its allocation
-// functions replaced: it is a program of its own.
+// Makes allocations fail on demand. `allocations.cpp` replaces the allocation functions of the
+// whole program, so tests that link it are separate programs.
 
 #include <limits>
 #include <new>
 
 namespace allocations {
 
-/// What the allocations behind the first that fails do.
+/// Whether the allocations after the first failure fail as well or succeed.
 enum class Later { fail, succeed };
 
-/// While it lives, so many allocations are granted, then they fail. One at a time.
+/// While it lives, the first `granted` allocations succeed and the next one fails. Only one
+/// Shortage may exist at a time.
 class Shortage {
 public:
     explicit Shortage(long granted, Later later = Later::fail) noexcept;
@@ -18,11 +19,12 @@ public:
     Shortage(Shortage const&) = delete;
     Shortage& operator=(Shortage const&) = delete;
 
-    /// How many allocations have been asked for, the failed ones included.
+    /// The number of allocations requested, including the failed ones.
     long asked() const noexcept;
 };
 
-/// Whether `operation` ends within so many allocations. It may throw nothing but `std::bad_alloc`.
+/// Whether `operation` completes with `granted` allocations. It may throw nothing but
+/// `std::bad_alloc`.
 template <class Operation>
 bool ends_within(long granted, Operation&& operation, Later later = Later::fail) {
     try {
@@ -34,8 +36,8 @@ bool ends_within(long granted, Operation&& operation, Later later = Later::fail)
     }
 }
 
-/// Lets each allocation of `operation` fail once and calls `check` after each failure; gives how
-/// many there were. `operation` starts anew each time.
+/// Makes each allocation of `operation` fail once and calls `check` after each failure. Returns the
+/// number of allocations. `operation` is run from the start each time.
 template <class Operation, class Check>
 long fail_each_allocation(Operation&& operation, Check&& check) {
     long allocations = 0;
@@ -45,6 +47,9 @@ long fail_each_allocation(Operation&& operation, Check&& check) {
     }
     return allocations;
 }
+
+/// How many blocks of memory are held now.
+long held() noexcept;
 
 /// How many allocations `operation` asks for.
 template <class Operation>

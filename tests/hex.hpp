@@ -1,5 +1,5 @@
 #pragma once
-// Bytes as hex literals and back.
+// Converts hex literals to bytes and back.
 
 #include <cstddef>
 #include <stdexcept>
@@ -8,7 +8,7 @@
 
 namespace hex {
 
-/// The bytes of a hex literal; blanks between bytes are free. `'` quotes text: "'abc' 00".
+/// The bytes of a hex literal. Blanks between bytes are ignored. `'` quotes text: "'abc' 00".
 inline std::string bytes(std::string_view hex) {
     std::string result;
     auto        digit = [](char c) -> int {
@@ -32,7 +32,7 @@ inline std::string bytes(std::string_view hex) {
     return result;
 }
 
-/// Bytes as a person compares them.
+/// The bytes in hex, for comparisons and messages.
 inline std::string shown(std::string_view bytes) {
     constexpr char digits[] = "0123456789ABCDEF";
     std::string    result;

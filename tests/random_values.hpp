@@ -1,5 +1,5 @@
 #pragma once
-// Seeded random values of every type of the schema.
+// Makes random values of every type of the schema, from a seed.
 
 #include <sml/core/kinds.hpp>
 
@@ -8,13 +8,13 @@
 #include <string>
 #include <type_traits>
 
-/// Fills values at random. Everything it makes is equal to its copy and survives the wire: every
-/// variant is set, no float is NaN, doubles have at most six decimals.
+/// Fills values at random. A value that it makes is equal to its copy and is the same after writing
+/// and reading: every variant is set, no float is NaN, and doubles have at most six decimals.
 class RandomValues {
 public:
     struct Limits {
-        int elements = 3;  ///< the most entries of a container
-        int depth = 6;     ///< boxed values nest no deeper
+        int elements = 3;  ///< most entries of a container
+        int depth = 6;     ///< most variants in one another
     };
 
     explicit RandomValues(std::uint64_t seed) : RandomValues(seed, Limits{}) {}
@@ -27,7 +27,7 @@ public:
         return value;
     }
 
-    /// Fills a fresh value.
+    /// Fills `value`, which must be fresh.
     template <class T>
     void fill(T& value) {
         using namespace sml::core;
@@ -63,7 +63,8 @@ public:
         }
     }
 
-    /// Chooses the arm and fills its payload.
+    /// Chooses the arm with this tag and fills its payload. If values are nested too deeply, it
+    /// chooses an arm without a payload instead, where there is one.
     template <class Variant>
     void fill_arm(Variant& value, std::int32_t tag) {
         ++nesting_;
@@ -82,7 +83,7 @@ public:
 private:
     template <class T>
     T word() {
-        // Small, negative and large words alike.
+        // Draws small, negative and large words equally often.
         auto const bits = engine_() >> (8 * static_cast<unsigned>(below(8)));
         return static_cast<T>(below(2) == 0 ? bits : ~bits);
     }
@@ -113,14 +114,15 @@ private:
         mpfr_div_ui(value.number(), value.number(), 3, MPFR_RNDN);
     }
 
-    // Few texts, so that they repeat; the empty one and bytes of all kinds are among them.
+    // Draws from few texts, so that they repeat. Among them are the empty text and texts of
+    // arbitrary bytes.
     std::string text() {
         std::string result;
         for (int i = below(4); i > 0; --i) result += static_cast<char>(word<std::uint32_t>());
         return below(3) == 0 ? result : "name " + std::to_string(below(12));
     }
 
-    // Where values nest too deep: an arm that holds no box.
+    // The first arm without a payload, which ends the nesting.
     template <class Variant>
     static std::int32_t shallow_tag() {
         for (std::int32_t tag = 0; tag < Variant::arms::count; ++tag)

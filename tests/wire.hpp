@@ -1,86 +1,42 @@
 #pragma once
-// Values to bytes and back in tests: hex literals cut at field boundaries, and all four archives.
+// Writes and reads values in tests: with hex literals cut at field boundaries, through all four
+// archives.
 
 #include <sml/core/archives.hpp>
 #include <sml/core/transfer.hpp>
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace wire {
 
-/// The bytes of a hex literal; blanks between bytes are free. `'` quotes text: "'abc' 00".
-inline std::string bytes(std::string_view hex) {
-    std::string result;
-    auto        digit = [](char c) -> int {
-        if (c >= '0' && c <= '9') return c - '0';
-        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-        if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-        throw std::invalid_argument("no hex digit");
-    };
-    for (std::size_t i = 0; i < hex.size();) {
-        if (hex[i] == ' ') {
-            ++i;
-        } else if (hex[i] == '\'') {
-            std::size_t const end = hex.find('\'', i + 1);
-            result += hex.substr(i + 1, end - i - 1);
-            i = end + 1;
-        } else {
-            result += static_cast<char>(digit(hex.at(i)) * 16 + digit(hex.at(i + 1)));
-            i += 2;
-        }
-    }
-    return result;
-}
-
-/// Bytes as a person compares them.
-inline std::string hex(std::string_view bytes) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string    result;
-    for (char const c : bytes) {
-        auto const byte = static_cast<unsigned char>(c);
-        result += digits[byte >> 4];
-        result += digits[byte & 15];
-        result += ' ';
-    }
-    return result;
-}
-
+/// Writes over the bytes that `result` holds.
 template <class T>
-std::string write(T const& value) {
-    std::string         bytes;
-    sml::StringOArchive archive(bytes);
-    sml::core::Writer{archive}(value);
+std::string write(T const& value, std::string result = {}) {
+    sml::StringOArchive archive(result);
+    sml::core::Writer{archive}.write_with_room(value);
     archive.finish();
-    return bytes;
+    return result;
 }
 
 template <class T>
 std::string write_to_stream(T const& value) {
-    std::ostringstream  stream;
-    sml::StreamOArchive archive(stream);
-    sml::core::Writer{archive}(value);
-    archive.finish();
-    return stream.str();
+    std::ostringstream stream;
+    sml::core::write_to_stream(value, stream);
+    return std::move(stream).str();
 }
 
-/// Reads over `value`; gives how many bytes were taken.
+/// Reads the bytes over `value` and returns how many were read.
 template <class T>
 std::size_t read_over(T& value, std::string const& bytes) {
     sml::StringIArchive archive(bytes.data());
     sml::core::Reader{archive}(value);
     return static_cast<std::size_t>(archive.cursor() - bytes.data());
-}
-
-template <class T>
-void read_over_from_stream(T& value, std::istream& stream) {
-    sml::StreamIArchive archive(stream);
-    sml::core::Reader{archive}(value);
-    archive.finish();
 }
 
 /// Reads a fresh value that must take all the bytes.
@@ -91,25 +47,27 @@ T read(std::string const& bytes) {
     return value;
 }
 
-/// Reads a fresh value through the stream archive; it must take all the bytes and no more.
+/// Reads the bytes into a fresh value through the stream archive, and expects that all of them are
+/// read and nothing after them.
 template <class T>
 T read_from_stream(std::string const& bytes) {
     std::istringstream stream(bytes + "x");
     T                  value{};
-    read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(bytes.size()));
     return value;
 }
 
-/// `value` goes out as these bytes through both writers, and the bytes come back through both
-/// readers as a value that goes out the same.
+/// Expects that both writers write `value` as these bytes, and that both readers read them as a
+/// value that is written as the same bytes.
 template <class T>
 void expect(T const& value, std::string_view hex_bytes) {
-    std::string const expected = bytes(hex_bytes);
-    EXPECT_EQ(hex(write(value)), hex(expected));
-    EXPECT_EQ(hex(write_to_stream(value)), hex(expected));
-    EXPECT_EQ(hex(write(read<T>(expected))), hex(expected));
-    EXPECT_EQ(hex(write(read_from_stream<T>(expected))), hex(expected));
+    std::string const expected = hex::bytes(hex_bytes);
+    std::string const shown = hex::shown(expected);
+    EXPECT_EQ(hex::shown(write(value)), shown);
+    EXPECT_EQ(hex::shown(write_to_stream(value)), shown);
+    EXPECT_EQ(hex::shown(write(read<T>(expected))), shown);
+    EXPECT_EQ(hex::shown(write(read_from_stream<T>(expected))), shown);
 }
 
 }  // namespace wire

@@ -1,2 +1,2 @@
-// The one place where the header-only form of Boost.JSON is compiled.
+// Compiles Boost.JSON, which is header-only here. No other file may include src.hpp.
 #include <boost/json/src.hpp>

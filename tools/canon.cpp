@@ -41,7 +41,7 @@ struct DigestOptions : WalkOptions {
     std::vector<std::string> files;
 };
 
-// As other programs print sums, with the name that was given.
+// Prints the digest and the name as it was given, in the layout of sha256sum.
 ExitCode print_digest(WalkOptions const& options, Streams& streams) {
     WalkedInput const input(options, streams);
     refuse_without_canonical_form(input);
@@ -54,9 +54,9 @@ ExitCode print_digest(WalkOptions const& options, Streams& streams) {
 }
 
 constexpr char const* what_is_canonical =
-    "Canonical bytes have the entries of sets and tables in the order of their bytes, with "
-    "strings\n"
-    "compared by text and numbered anew: equal bytes for equal content.\n";
+    "In canonical bytes the elements of sets and the entries of maps are sorted by their bytes, "
+    "with\n"
+    "strings compared by text; string ids are assigned anew. Equal content gives equal bytes.\n";
 
 }  // namespace
 
@@ -71,7 +71,7 @@ Action declare_canon(CLI::App& app) {
 Action declare_digest(CLI::App& app) {
     auto options = std::make_shared<DigestOptions>();
     declare_walk_options(app, *options, options->files);
-    app.footer("Prints the sum and the name of each file.\n" + std::string(what_is_canonical));
+    app.footer("Prints the digest and the name of each file.\n" + std::string(what_is_canonical));
     return [options](Streams& streams) {
         return for_each_file(options->files, *options, streams,
                              [&](WalkOptions const& one) { return print_digest(one, streams); });

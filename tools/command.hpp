@@ -1,5 +1,5 @@
 #pragma once
-// The parts that every subcommand is made of.
+// The types that all subcommands use, and the functions that declare the subcommands.
 
 #include "errors.hpp"
 
@@ -17,9 +17,9 @@ struct Streams {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    bool          prints_on_standard_output;  ///< of the process, and no stream in its place
+    bool          prints_on_standard_output;  ///< `out` is that of the process
 
-    std::set<std::string> told{};  ///< what need not be said again
+    std::set<std::string> notices{};  ///< already printed; not printed twice
 };
 
 using Action = std::function<ExitCode(Streams&)>;
@@ -27,7 +27,7 @@ using Action = std::function<ExitCode(Streams&)>;
 struct Command {
     char const* name;
     char const* summary;
-    Action (*declare)(CLI::App&);  // declares the options and returns what to do with them
+    Action (*declare)(CLI::App&);  // declares the options, returns the action
 };
 
 Action declare_canon(CLI::App& app);

@@ -10,9 +10,10 @@ using sml::Strings_T;
 
 namespace {
 
-// Giving up a text takes another look-up, which can't be refused any more, and when the table has
-// grown meanwhile, texts can share a bucket that did not when they were added. In the end the table
-// frees them all without looking any up.
+// Holds the text until the process ends. Releasing its last handle would look it up once more, and
+// that look-up could no longer be refused; by then the string table may have grown, so that texts
+// share a bucket that did not when they were added. At exit the string table frees all texts
+// without a look-up.
 void keep_until_the_process_ends(Strings_T const& text) {
     static auto& kept = *new std::vector<Strings_T>;
     kept.push_back(text);
@@ -24,9 +25,9 @@ Strings_T Comparisons::interned(std::string const& text) {
     auto const&       texts = Strings_T::fAllStrings;
     std::size_t const known = texts.size();
     Strings_T const   handle(text);
-    if (handle == Strings_T()) return handle;  // the empty text is in no table
+    if (handle == Strings_T()) return handle;  // the empty text has no entry
     if (texts.size() > known) keep_until_the_process_ends(handle);
-    // Finding the bucket takes the hash alone.
+    // The hash alone selects the bucket.
     count_look_up(texts.bucket_size(texts.bucket({{}, handle.hash(), 0})));
     return handle;
 }
@@ -34,9 +35,8 @@ Strings_T Comparisons::interned(std::string const& text) {
 void Comparisons::spend(std::uint64_t comparisons) {
     counted_ += comparisons;
     if (counted_ > most_)
-        throw DamagedInput(
-            "keys fall together in the hash tables, which takes more than --max-work " +
-            std::to_string(most_) + " comparisons");
+        throw DamagedInput("keys collide in the hash tables, which takes more than --max-work " +
+                           std::to_string(most_) + " comparisons");
 }
 
 }  // namespace bradep

@@ -1,7 +1,7 @@
 #pragma once
-// The comparisons of keys in the hash tables that an import fills: the one of all texts and those
-// of the result set. Their hash functions are part of what is required, so a log can be made on
-// purpose whose keys share a bucket, and then time grows with the square of their number.
+// Counts comparisons of keys in the hash tables that an import fills: the string table and the maps
+// and sets of the result set. Their hash functions are fixed, so a log can be made on purpose whose
+// keys share a bucket. The time then grows with the square of the number of keys.
 
 #include <sml/core/Strings.hpp>
 #include <sml/inspect/finding.hpp>
@@ -12,26 +12,28 @@
 
 namespace bradep {
 
-/// Counts look-ups right after they were made. Beyond a limit, what counts throws DamagedInput.
+/// Counts a look-up after it was made. The members that count throw DamagedInput when more than
+/// `most` comparisons have been counted.
 class Comparisons {
 public:
     explicit Comparisons(std::uint64_t most = sml::inspect::Limits().work) : most_(most) {}
 
     std::uint64_t counted() const { return counted_; }
 
-    /// Looks the text up among all texts, or adds it to them until the process ends.
+    /// Interns the text and counts the look-up. A text that is new to the string table stays there
+    /// until the process ends.
     sml::Strings_T interned(std::string const& text);
 
-    /// The key was looked up in the table, or added to it.
+    /// Counts one look-up of `key` in `table`. The key must be in the table.
     template <class Table>
     void count_key(Table const& table, typename Table::key_type const& key) {
         count_look_up(table.bucket_size(table.bucket(key)));
     }
 
 private:
-    // So many keys share a bucket by chance: a table has as many buckets as keys or more, and one
-    // bucket in a million holds more. A look-up among them is not counted, since a large log makes
-    // any number of those.
+    // Keys that share a bucket by chance: a table has at least as many buckets as keys, and one
+    // bucket in a million holds more than these. A look-up in such a bucket is not counted, since a
+    // large log makes any number of them.
     static constexpr std::size_t ordinary = 8;
 
     void count_look_up(std::size_t keys) {

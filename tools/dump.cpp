@@ -48,12 +48,12 @@ ExitCode dump_file(Options const& options, CLI::App const& app, Streams& streams
     LimitedOutput limited(streams.out, options.max_output);
     Dumped const  dumped = input.watch("printing", [&](VerifyOptions const& watched) {
         dump_options.walk = watched;
-        // A line of progress would stand in the midst of the JSON.
+        // On a terminal, the line of progress would appear in the middle of the JSON.
         if (prints_on_terminal(streams)) dump_options.walk.progress = nullptr;
         return dump(input.root(), input.bytes(), limited.stream(), dump_options);
     });
     limited.refuse_if_cut(input.name());
-    streams.out.flush();  // the findings stand behind what was printed
+    streams.out.flush();  // so that the findings appear after the JSON
     report_findings(streams.err, input.name(), dumped.findings);
     if (auto const more = dumped.odd_count - odd_ones(dumped.findings))
         report(streams.err, input.name() + ": " + std::to_string(more) + " more odd findings");
@@ -69,21 +69,24 @@ Action declare_dump(CLI::App& app) {
     declare_walk_options(app, *options);
     declare_findings_option(app, *options, "How many odd findings to list; all are counted");
     declare_size(app, "--max-output", options->max_output,
-                 "Bytes to print; before more, printing ends and the code is 1");
+                 "Bytes to print; where there are more, printing ends and the code is 1");
     auto* const pretty = app.add_flag("--pretty", options->pretty, "With line breaks");
     auto* const select =
         app.add_option("--select", options->part,
                        "Only this part, as in checks[(\"src/a.c\",3)].category.OVFL; [#3] is "
-                       "the value of the fourth entry of a table")
+                       "the value of the fourth entry of a map")
             ->type_name("PATH");
     app.add_option("--ndjson", options->table,
-                   "One line for each element or [key, value] of this list, set or table")
+                   "One line for each element or [key, value] of this list, set or map")
         ->type_name("PATH")
         ->excludes(pretty)
         ->excludes(select);
     app.footer(
-        "Prints JSON of whatever a reader of the bytes would have. Bytes that are unsafe end the\n"
-        "value: {\"unsafe\": ...} stands in its place, and the finding goes to standard error.\n");
+        "Prints the value that a reader would make of the bytes, as JSON. Where bytes are unsafe, "
+        "the\n"
+        "output ends: {\"unsafe\": ...} stands in place of the value that could not be read, and "
+        "the\n"
+        "finding goes to standard error.\n");
     return [options, &app](Streams& streams) { return dump_file(*options, app, streams); };
 }
 

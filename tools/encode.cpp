@@ -27,7 +27,7 @@ std::string placed(EncodeError const& error) {
            place + ": expected " + error.expected + ", found " + error.found;
 }
 
-// Throws DamagedInput for bytes that are beyond a limit as a whole.
+// Throws DamagedInput if the bytes as a whole exceed a limit.
 void refuse_unless_encodable(Root const& root, std::string_view bytes, std::string const& name,
                              Limits const& limits) {
     Verdict const verdict = verify(root, bytes, {.limits = limits, .listed = 0});
@@ -58,16 +58,15 @@ ExitCode encode_file(Options const& options, Streams& streams) {
 
 Action declare_encode(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    app.add_option("FILE.json", options->file, "What dump has printed. - is standard input")
+    app.add_option("FILE.json", options->file, "JSON as dump prints it. - is standard input")
         ->required()
         ->type_name("");
     declare_output(app, options->output, "The bytes to write");
     declare_max_size(app, options->max_size);
     declare_limits(app, options->limits);
     app.footer(
-        "The bytes are verified before they appear. They are good, or odd in unset or unknown "
-        "tags\n"
-        "and enumerators that the JSON says.\n");
+        "The bytes are verified before the file appears. They are good, or odd in those unset or\n"
+        "unknown tags and enumerators that are in the JSON.\n");
     return [options](Streams& streams) { return encode_file(*options, streams); };
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// What can go wrong in a command. Each kind has an exit code of its own.
+// The errors of a command. Each kind has its own exit code.
 
 #include <stdexcept>
 
@@ -7,11 +7,12 @@ namespace bradep {
 
 enum ExitCode : int {
     exit_done = 0,
-    exit_no = 1,  ///< the input is damaged, or the answer is no
+    exit_no = 1,  ///< the input is damaged or refused
     exit_usage_or_io = 2
 };
 
-/// The input was read but is not what it has to be. The text starts with the place.
+/// The input was read but is not valid for the command. The message starts with the place in the
+/// input.
 struct DamagedInput : std::runtime_error {
     using std::runtime_error::runtime_error;
 };

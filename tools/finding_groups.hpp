@@ -10,18 +10,21 @@
 
 namespace bradep {
 
-/// Odd findings of one shape: their paths differ in keys and indices alone.
+/// Groups odd findings by shape: the findings of a group have the same path, except for keys and
+/// indices.
 class FindingGroups {
 public:
-    /// Looking at each takes time: beyond so many they are counted only.
+    /// The number of findings that are grouped; grouping takes time. Findings after these are only
+    /// counted.
     static constexpr std::size_t most_findings = 1'000'000;
 
     explicit FindingGroups(std::size_t most_shapes) : most_shapes_(most_shapes) {}
 
     void add(sml::inspect::Finding const& finding);
 
-    /// The first few of each shape and how many more there are; then what the verdict lists itself,
-    /// and how many odd findings have not been told of.
+    /// Prints the first findings of each shape and the number of its other findings, then the
+    /// findings that the verdict lists itself, then the number of odd findings that are in no
+    /// group.
     void report(std::ostream& err, std::string const& name,
                 sml::inspect::Verdict const& verdict) const;
 
@@ -36,7 +39,7 @@ private:
 
     std::size_t                        most_shapes_;
     std::vector<Group>                 groups_;
-    std::map<std::string, std::size_t> places_;  // of shapes among the groups
+    std::map<std::string, std::size_t> places_;  // index of each shape in `groups_`
 };
 
 }  // namespace bradep

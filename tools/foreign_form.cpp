@@ -11,7 +11,7 @@ struct Form {
     std::string_view name;
 };
 
-// Of two that fit the first counts.
+// If two entries fit, the first one wins.
 constexpr Form forms[] = {
     {"\x1F\x8B"sv, "compressed by gzip"},
     {"PK\x03\x04"sv, "a zip archive"},
@@ -28,7 +28,6 @@ constexpr Form forms[] = {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-// A whole file may be one line.
 std::string_view without_blanks(std::string_view text) {
     auto const start = text.find_first_not_of(blanks);
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
@@ -42,7 +41,8 @@ bool starts_as_json(std::string_view text) {
            std::string_view("\"{}[]").find(inside.front()) != std::string_view::npos;
 }
 
-// A character of ASCII in `width` bytes, all others of which are zero; zero where it is none.
+// Reads an ASCII character from the first `width` bytes: it stands at `place`, and all other bytes
+// are zero. Returns zero if there is no such character.
 char ascii_in(std::string_view bytes, std::size_t width, std::size_t place) {
     if (bytes.size() < width) return '\0';
     for (std::size_t i = 0; i < width; ++i)
@@ -50,7 +50,7 @@ char ascii_in(std::string_view bytes, std::size_t width, std::size_t place) {
     return bytes[place];
 }
 
-// Two characters as JSON starts: one alone would be a small number in a result set.
+// Checks two characters: `{` alone could be a small number in a result set.
 bool starts_as_wide_json(std::string_view bytes, std::size_t width) {
     auto const starts = [&](std::size_t place) {
         if (ascii_in(bytes, width, place) != '{') return false;

@@ -20,7 +20,7 @@ ExitCode identify_file(WalkOptions const& options, Streams& streams) {
         if (candidate.answer != Answer::unsafe) streams.out << candidate.root->stem << '\n';
     Candidate const& best = candidates.front();
     if (best.answer != Answer::unsafe) return exit_done;
-    streams.err << "bradep: " << printable(name) << ": " << told_form(input.view())
+    streams.err << "bradep: " << printable(name) << ": " << form_notice(input.view())
                 << "fits no root; " << best.root->stem << " came furthest, to byte " << best.walked
                 << " of " << input.view().size() << '\n';
     return exit_no;
@@ -36,8 +36,8 @@ Action declare_identify(CLI::App& app) {
     declare_max_size(app, options->max_size);
     declare_limits(app, options->verify.limits);
     app.footer(
-        "Prints one stem a line: the roots that the bytes are good for, then those that they are\n"
-        "odd for.\n");
+        "Prints one stem a line: the roots for which the bytes are good, then those for\n"
+        "which they are odd.\n");
     return [options](Streams& streams) { return identify_file(*options, streams); };
 }
 

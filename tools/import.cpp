@@ -27,11 +27,11 @@ struct Options {
     Output                   output;
     std::uint64_t            max_size = default_max_size;
     sarif::Limits            limits;
-    VerifyOptions            verify;  // of what is written
+    VerifyOptions            verify;  // for verifying the output
 };
 
 void refuse_overwriting_an_input(Options const& options) {
-    std::error_code error;  // names that cannot be looked at are told of when they are opened
+    std::error_code error;  // not reported here: opening the file reports it
     for (auto const& input : options.inputs)
         if (std::filesystem::is_regular_file(options.output.target, error) &&
             std::filesystem::equivalent(input, options.output.target, error))
@@ -42,7 +42,7 @@ std::string output_name(Options const& options) {
     return options.output.target == "-" ? "standard output" : options.output.target;
 }
 
-// Throws DamagedInput for a set that its readers would not take as it is.
+// Throws DamagedInput unless the bytes of the set are good.
 void refuse_unless_good(std::string_view bytes, Options const& options, std::ostream& err) {
     auto const name = output_name(options);
     auto const verdict = watch(err, name + ", verifying", bytes.size(), options.verify,
@@ -63,7 +63,7 @@ std::int32_t& run_count_of(ResultSet& set) {
     return sarif::fields::runs.held(sarif::SetRecord{set});
 }
 
-// Returns the number of its runs.
+// Returns the number of runs of the log.
 std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
                         ResultSet& set, Comparisons& comparisons, std::ostream& err) {
     auto const    document = parsed(text, name, err);
@@ -100,14 +100,15 @@ void import_logs(Options const& options, Streams& streams) {
 
 Action declare_import(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    app.add_option("RESULTS.sarif", options->inputs,
-                   "SARIF 2.1.0 logs; the runs of several are counted on. - is standard input")
+    app.add_option(
+           "RESULTS.sarif", options->inputs,
+           "SARIF 2.1.0 logs, whose runs are numbered across all of them. - is standard input")
         ->required()
         ->type_name("");
     declare_output(app, options->output, "The bytes of the result set to write");
     declare_max_size(app, options->max_size);
     declare_size(app, "--max-message", options->limits.message,
-                 "Bytes of a message that is put together from a text and arguments");
+                 "Bytes of a message that is expanded from a text and arguments");
     declare_size(app, "--max-expansion", options->limits.expansion,
                  "Bytes of a log's texts, each counted wherever a result refers to it");
     declare_limits(app, options->verify.limits);

@@ -23,7 +23,7 @@ constexpr std::size_t first_capacity = 1 << 16;
 
 class OpenedFile {
 public:
-    // A pipe waits here until somebody writes to it.
+    // Opening a named pipe blocks until another process opens it for writing.
     OpenedFile(std::string const& path, std::string const& name) {
         do descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
         while (descriptor_ < 0 && errno == EINTR);
@@ -39,7 +39,7 @@ private:
     int descriptor_ = -1;
 };
 
-// -1 and errno on failure, 0 at the end.
+// Returns -1 and sets errno on failure; returns 0 at the end.
 ssize_t read_some(int descriptor, char* to, std::size_t most) {
     ssize_t got;
     do got = ::read(descriptor, to, most);
@@ -85,10 +85,10 @@ void InputBytes::read_stream(std::istream& stream) {
     });
 }
 
-// `read` fills what it is given from its start on and returns how much, 0 at the end.
+// `read(to, most)` writes up to `most` bytes to `to` and returns how many, 0 at the end.
 template <class Read>
 void InputBytes::read_all(Read const& read) {
-    // Less than the kernel and streams take at once.
+    // Less than one read of the kernel or of a stream can transfer.
     constexpr std::size_t most_at_once = std::size_t{1} << 30;
     for (;;) {
         if (size_ == capacity_) grow_to(next_capacity());
@@ -99,13 +99,14 @@ void InputBytes::read_all(Read const& read) {
     }
 }
 
-// Never more than shows that there is too much.
+// At most one byte more than `max_size_`, which is enough to find that the input is too large.
 std::size_t InputBytes::next_capacity() const {
     auto const doubled = std::max(first_capacity, 2 * capacity_);
     return max_size_ < doubled ? static_cast<std::size_t>(max_size_) + 1 : doubled;
 }
 
-// No byte is touched before it is read. Grown by the kernel's moving pages, not by copying.
+// realloc moves a large block by remapping its pages instead of copying, and pages that have not
+// been read into take no memory.
 void InputBytes::grow_to(std::size_t capacity) {
     void* const grown = std::realloc(start_.get(), capacity);
     if (grown == nullptr) throw std::bad_alloc();

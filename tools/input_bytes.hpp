@@ -9,15 +9,15 @@
 
 namespace bradep {
 
-/// What a command reads of one input at most, unless it is told otherwise.
+/// The default of --max-size: the most bytes that a command reads of one input.
 constexpr std::uint64_t default_max_size = std::uint64_t{4} << 30;
 
-/// How messages call the input at `path`.
+/// The name of the input at `path` in messages.
 std::string input_name(std::string const& path);
 
-/// The bytes of the file at `path`, or of `standard_input` where it is "-", in memory of our own:
-/// what others write into the file, or cut from it, later on changes nothing. The file is opened
-/// once. Throws IoFailure, also for more than `max_size` bytes.
+/// Reads the file at `path`, or `standard_input` if `path` is "-", into memory of its own. Later
+/// changes of the file do not change these bytes. The file is opened once. Throws IoFailure if the
+/// input cannot be read or has more than `max_size` bytes.
 class InputBytes {
 public:
     InputBytes(std::string const& path, std::uint64_t max_size, std::istream& standard_input);

@@ -15,7 +15,8 @@ namespace bradep::json_input {
 
 namespace {
 
-// Deeper than any log in use, shallow enough for the parser's recursion on a small stack.
+// No known log is nested as deeply, and a small stack is enough for the parser's recursion at this
+// depth.
 constexpr std::size_t max_depth = 1000;
 
 [[noreturn]] void fail_at(std::string const& name, std::string_view text, std::size_t offset,
@@ -39,7 +40,7 @@ std::size_t first_byte_outside_utf8(std::string_view text) {
     return at;
 }
 
-// The parser took all before `used`, and takes no text that is not UTF-8.
+// The parser accepted all bytes before `used`. It stops at text that is not UTF-8.
 [[noreturn]] void not_json(std::string const& name, std::string_view text, std::size_t used,
                            json::error_code const& error) {
     auto const form = foreign_form(text);
@@ -94,7 +95,7 @@ char const* kind_name(json::value const& value) {
     throw Misfit{&value, std::string("expected ") + expected + ", found " + kind_name(value)};
 }
 
-// JSON has one kind of number: 12 and 12.0 are the same integer.
+// JSON does not distinguish integers from other numbers: 12 and 12.0 are the same integer.
 std::optional<std::int64_t> integer(json::value const& value) {
     if (auto const* exact = value.if_int64()) return *exact;
     auto const*      real = value.if_double();
@@ -117,7 +118,7 @@ std::string escaped_token(std::string_view name) {
     return token;
 }
 
-// Appends the way from `here` to `wanted`; false where it is not below.
+// Appends the path from `here` to `wanted`. Returns false if `wanted` is not below `here`.
 bool find_path(json::value const& here, json::value const* wanted, std::vector<std::string>& path) {
     if (&here == wanted) return true;
     auto const below = [&](std::string token, json::value const& child) {

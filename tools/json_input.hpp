@@ -1,6 +1,6 @@
 #pragma once
-// Parsing JSON and taking it apart: a value that is absent or null is none, one of a wrong type is
-// a Misfit.
+// Parses JSON and reads members of objects. A value that is absent or null is returned as null or
+// as an empty optional; a value of a wrong type throws a Misfit.
 
 #include <boost/json.hpp>
 
@@ -14,17 +14,18 @@ namespace bradep::json_input {
 
 namespace json = boost::json;
 
-/// `where` must lie in the document that is being read.
+/// Thrown for a value that does not fit. `where` must point into the document that is being read.
 struct Misfit {
     json::value const* where;
     std::string        what;
 };
 
-/// A document owns its values in one arena, so that taking down a deep one needs no deep stack.
+/// A parsed document. It owns its values in one arena, so that destroying a deeply nested one needs
+/// no deep stack.
 class Document {
 public:
     /// Throws DamagedInput with `name:line:column`. Lines and columns (in characters) count from 1.
-    /// `done` is told how many bytes have been parsed, now and then.
+    /// The number of bytes parsed so far is stored into `done` now and then.
     Document(std::string_view text, std::string const& name,
              std::atomic<std::uint64_t>* done = nullptr);
 
@@ -43,12 +44,13 @@ json::array const*          list(json::value const& object, std::string_view nam
 std::optional<std::string>  text(json::value const& object, std::string_view name);
 std::optional<std::int32_t> number(json::value const& object, std::string_view name);
 
-/// An index of -1 says "no index" in SARIF and is none here.
+/// An index, or none if it is absent or -1, which is "no index" in SARIF. Throws Misfit for other
+/// negative numbers.
 std::optional<std::size_t> index(json::value const& object, std::string_view name);
 
 std::string text_of(json::value const& value);
 
-/// The same without a copy: a view into the document.
+/// The same without a copy: the views point into the document.
 std::optional<std::string_view> view(json::value const& object, std::string_view name);
 std::string_view                view_of(json::value const& value);
 

@@ -38,8 +38,8 @@ void write(JsonWriter& json, std::int32_t number) {
 
 void write(JsonWriter& json, Text const& text) { json.string(text.str()); }
 
-// Results share their texts, so that a line can be far longer than all of its set: it is never held
-// as a whole.
+// Results share their texts, so a line can be far longer than the whole set. It is written in
+// pieces and never held in memory as a whole.
 template <class T>
 void write(JsonWriter& json, std::vector<T> const& elements) {
     json.open('[');
@@ -88,7 +88,8 @@ void add_members(JsonWriter& json, Rows const& rows, Part const& part) {
     for_each_row(rows, [&](auto const& row) { add_row(json, row, part); });
 }
 
-// A log may use one name in both families; the complete fingerprint is the stronger one.
+// A log may use one name in both families. The complete fingerprint is then the one that is
+// written.
 void add_fingerprints(JsonWriter& json, sarif::Result const& result) {
     auto all = result.fingerprints;
     all.insert(result.partial_fingerprints.begin(), result.partial_fingerprints.end());
@@ -114,7 +115,7 @@ void add_key(JsonWriter& json, NumberedKey const& key) {
     json.close(']');
 }
 
-// Hands on what stands between the first and the last so many bytes.
+// Passes on all bytes except the first `before` and the last `behind` ones.
 class InnerBytes : public std::streambuf {
 public:
     InnerBytes(std::ostream& out, std::size_t before, std::size_t behind)
@@ -139,7 +140,7 @@ private:
     std::size_t   behind_;
 };
 
-// The set has been verified, so that no limit is needed any more.
+// The set has already been verified within limits, so none are needed here.
 sml::inspect::VerifyOptions without_limits() {
     constexpr auto              most = std::numeric_limits<std::uint64_t>::max();
     sml::inspect::VerifyOptions options;
@@ -151,7 +152,7 @@ sml::inspect::VerifyOptions without_limits() {
     return options;
 }
 
-// A category stands in no bytes of its own, only in those of a root.
+// Only roots can be written and dumped, so the category is dumped as a part of one.
 void write_category(std::ostream& out, sml::Checks::T_Check_Category const& category) {
     constexpr char const* stem = "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T";
     constexpr char const* path = "[0].1.category";

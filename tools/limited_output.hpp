@@ -7,19 +7,19 @@
 
 namespace bradep {
 
-/// What a command prints at most, unless it is told otherwise.
+/// The default of --max-output: the most bytes that a command prints.
 constexpr std::uint64_t default_max_output = std::uint64_t{4} << 30;
 
-/// A stream that hands on to `out` until `most` bytes have been written. What goes beyond makes the
-/// stream bad, and nothing of it is handed on; so does a failure of `out`, which is bad then, too.
+/// A stream that passes bytes on to `out`, up to `most` bytes. A write that exceeds `most` is not
+/// passed on and makes the stream bad. A failure of `out` makes both streams bad.
 class LimitedOutput {
 public:
     LimitedOutput(std::ostream& out, std::uint64_t most) : buffer_(out, most), stream_(&buffer_) {}
 
     std::ostream& stream() { return stream_; }
 
-    /// To be called in the end. Throws DamagedInput, its text starting with `name`, where more was
-    /// written than is handed on.
+    /// Call it after the last write. Throws DamagedInput, with a message that starts with `name`,
+    /// if a write was not passed on.
     void refuse_if_cut(std::string const& name) const;
 
 private:

@@ -11,8 +11,9 @@
 
 namespace {
 
-// The number libraries know no failure: where memory ends they would abort. The command ends as it
-// does where memory ends elsewhere. What it was writing has no name yet, or is removed by name.
+// The number libraries can't report a failed allocation: they would abort. The command ends instead
+// with the code and message of any other lack of memory. An output file that is being written has
+// no name yet, or is removed by its name.
 [[noreturn]] void end_without_memory() {
     constexpr std::string_view  message = "bradep: out of memory\n";
     [[maybe_unused]] auto const written = ::write(STDERR_FILENO, message.data(), message.size());
@@ -35,8 +36,8 @@ void release(void* memory, std::size_t) { std::free(memory); }
 int main(int argc, char** argv) {
     ::mp_set_memory_functions(allocate, reallocate, release);
     std::ios::sync_with_stdio(false);
-    // Another thread shows progress on standard error: what it writes must not flush what this one
-    // prints.
+    // Another thread shows progress on standard error. A tied stream would make its writes flush
+    // standard output while this thread prints there.
     std::cin.tie(nullptr);
     std::cerr.tie(nullptr);
     return bradep::run({argv + 1, argv + argc}, std::cin, std::cout, std::cerr);

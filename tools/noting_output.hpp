@@ -5,14 +5,14 @@
 
 namespace bradep {
 
-/// A stream that hands everything on to `out`, and notes why that failed first.
+/// A stream that passes everything on to `out`, and keeps the `errno` of the first failure.
 class NotingOutput {
 public:
     explicit NotingOutput(std::ostream& out) : buffer_(out), stream_(&buffer_) {}
 
     std::ostream& stream() { return stream_; }
 
-    /// The `errno` of the first failure; 0 where none is known.
+    /// The `errno` of the first failure; 0 if nothing failed or the reason is unknown.
     int error() const { return buffer_.error; }
 
 private:

@@ -29,7 +29,8 @@ namespace fs = std::filesystem;
     throw IoFailure("cannot write " + target.string() + ": " + std::strerror(error ? error : EIO));
 }
 
-// A file that outgrows its limit is to fail like a full disk, not to end the process.
+// While it lives, a write beyond the process's file size limit fails as on a full disk. By default
+// the signal would end the process.
 class IgnoredSignal {
 public:
     explicit IgnoredSignal(int signal) : signal_(signal), before_(std::signal(signal, SIG_IGN)) {}
@@ -42,7 +43,7 @@ private:
     void (*before_)(int);
 };
 
-std::string file_to_remove;  // while the handlers below stand
+std::string file_to_remove;  // empty unless the handlers below are installed
 
 extern "C" void remove_and_die(int signal) {
     ::unlink(file_to_remove.c_str());
@@ -50,7 +51,7 @@ extern "C" void remove_and_die(int signal) {
     std::raise(signal);
 }
 
-// A command that is interrupted leaves no half-written file either.
+// Removes the temporary file if the command is interrupted.
 class RemovalOnInterrupt {
 public:
     explicit RemovalOnInterrupt(std::string const& path) {
@@ -58,7 +59,7 @@ public:
         for (auto& [signal, before] : handlers_) {
             before = std::signal(signal, remove_and_die);
             if (before != SIG_DFL)
-                std::signal(signal, before);  // ignored, or somebody else's to handle
+                std::signal(signal, before);  // ignored, or handled by other code
         }
     }
     ~RemovalOnInterrupt() {
@@ -94,7 +95,7 @@ void write_to(std::streambuf& buffer, fs::path const& target,
               std::function<void(std::ostream&)> const& write) {
     std::ostream stream(&buffer);
     try {
-        // Stop at the first byte that finds no place, not at the end of the object.
+        // Without exceptions the writer would go on to the end of the object after a failed write.
         stream.exceptions(std::ios::badbit | std::ios::failbit);
         write(stream);
         stream.flush();
@@ -116,8 +117,9 @@ fs::path directory_of(fs::path const& target) {
     return parent.empty() ? fs::path(".") : parent;
 }
 
-// A file beside the target, which takes the target's place in the end or goes away. Where the file
-// system can, it has no name until then, so that not even a kill leaves it behind.
+// A file in the target's directory that replaces the target at the end, or is removed. If the file
+// system supports it, the file has no name until then, so that not even a killed process leaves it
+// behind.
 class SiblingFile {
 public:
     SiblingFile(fs::path const& target, Temporary kind) : target_(target) {
@@ -133,7 +135,7 @@ public:
 
     int descriptor() const { return descriptor_; }
 
-    // Where it can be read meanwhile.
+    // The path by which the file can be read before it replaces the target.
     std::string readable_path() const { return path_.empty() ? link_source() : path_; }
 
     void take_place() {
@@ -149,7 +151,7 @@ private:
     void open_unnamed() {
         descriptor_ = ::open(directory_of(target_).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
         if (descriptor_ < 0 || ::access(link_source().c_str(), F_OK) == 0) return;
-        ::close(descriptor_);  // it could never be named
+        ::close(descriptor_);  // without /proc it could never get a name
         descriptor_ = -1;
     }
 
@@ -165,7 +167,7 @@ private:
 
     std::string link_source() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
 
-    // False where there is such a file already: it can only be renamed onto.
+    // Returns false if a file with this name exists: linkat can't replace it, only rename can.
     bool link_as(fs::path const& name) const {
         if (::linkat(AT_FDCWD, link_source().c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) ==
             0)
@@ -184,7 +186,7 @@ private:
         } while (!link_as(path_));
     }
 
-    // A replaced file keeps its mode and owner, a new one gets what the process gives new files.
+    // A replaced file keeps its mode and owner. A new one gets the default mode of the process.
     void take_mode() {
         struct stat before {};
         if (::stat(target_.c_str(), &before) != 0) {
@@ -192,7 +194,7 @@ private:
             ::umask(mask);
             before.st_mode = static_cast<mode_t>(0666 & ~mask);
         } else if (::fchown(descriptor_, before.st_uid, before.st_gid) != 0) {
-            before.st_mode &= 0777;  // another's file: its special bits do not pass to us
+            before.st_mode &= 0777;  // the owner differs: drop setuid, setgid and sticky
         }
         if (::fchmod(descriptor_, before.st_mode & 07777) != 0) cannot_write(target_, errno);
     }
@@ -200,7 +202,7 @@ private:
     fs::path                          target_;
     std::string                       path_;  // empty while the file has no name of its own
     int                               descriptor_ = -1;
-    std::optional<RemovalOnInterrupt> removal_;  // of that name
+    std::optional<RemovalOnInterrupt> removal_;  // removes the file `path_`
 };
 
 void write_to(SiblingFile& sibling, fs::path const& target,

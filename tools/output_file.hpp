@@ -8,24 +8,27 @@
 
 namespace bradep {
 
-/// What a file is until all of it is written. Named: also where the file system could do without.
+/// The temporary file during writing. `named`: it has a name even if the file system supports files
+/// without one.
 enum class Temporary { unnamed_where_possible, named };
 
-/// Writes a new file beside `target` that takes the place of `target` once all of it is on the
-/// disk, so that a failure leaves neither a new nor a changed file. A link is followed; a target
-/// that is no regular file (a pipe, a device) is written to directly. Throws IoFailure.
+/// Writes a new file in the directory of `target`, which replaces `target` once all of it is on the
+/// disk: after a failure there is no new file, and an old one is unchanged. A symbolic link is
+/// followed. A target that is not a regular file (a pipe, a device) is written to directly. Throws
+/// IoFailure.
 void write_file(std::filesystem::path const&              target,
                 std::function<void(std::ostream&)> const& write,
                 Temporary                                 kind = Temporary::unnamed_where_possible);
 
 /// The same for a `write` that seeks; "-" is `standard_output`. A target that can't seek gets all
-/// of it at the end. `check` is given all the bytes before anybody else sees one; what it throws is
-/// passed on, and then nothing has been written.
+/// bytes at the end. `check` is called with all the bytes before they are visible at the target; if
+/// it throws, nothing is written and the exception is passed on.
 void write_seekable(std::string const& target, std::ostream& standard_output,
                     std::function<void(std::ostream&)> const&    write,
                     std::function<void(std::string_view)> const& check = nullptr);
 
-/// Removes what has a name and is being written, for a process that is going to end at once.
+/// Removes the named temporary file that is being written, if there is one, for a process that is
+/// about to end without unwinding.
 void remove_temporary_file() noexcept;
 
 }  // namespace bradep

@@ -18,7 +18,7 @@ Type const& inner(Type const& type) {
     return is_wrapper ? inner(*type.element) : type;
 }
 
-// Behind a text in quotes; npos where they are not closed.
+// Returns the position after the closing quote; npos if there is none.
 std::size_t end_of_quoted(std::string_view text) {
     for (std::size_t i = 1; i < text.size(); ++i) {
         if (text[i] == '\\')
@@ -29,7 +29,7 @@ std::size_t end_of_quoted(std::string_view text) {
     return std::string_view::npos;
 }
 
-// Behind a bracket and all that it holds; the end where it is not closed.
+// Returns the position after the closing bracket, or the end of the text if there is none.
 std::size_t end_of_bracket(std::string_view text) {
     for (std::size_t i = 1; i < text.size(); ++i) {
         if (text[i] == ']') return i + 1;
@@ -55,7 +55,7 @@ bool is_entry_number(std::string_view step) {
            is_number(step.substr(2, step.size() - 3));
 }
 
-// How a key looks, with the simplest texts and numbers.
+// An example of a key of this type, for a message.
 std::string sample_key(Type const& type) {
     if (type.kind == Kind::string) return "\"...\"";
     if (type.kind == Kind::variant) return std::string(type.arms.front().name);
@@ -66,7 +66,8 @@ std::string sample_key(Type const& type) {
     return sample + ")";
 }
 
-// A key is judged by how it starts alone: what it says may be in no table, but that is told later.
+// Checks only the first character of a key. Whether a map holds the key is found out when bytes are
+// walked.
 bool starts_as_key(Type const& type, char first) {
     if (type.kind == Kind::string) return first == '"';
     if (type.has_parts()) return first == '(';
@@ -106,7 +107,7 @@ private:
         }
     }
 
-    // Where the dots and brackets stand is judged by what stands behind them.
+    // The offset in `path_` after the step, which is a view into `path_`.
     std::size_t end_of(std::string_view step) const {
         return static_cast<std::size_t>(step.data() - path_.data()) + step.size();
     }
@@ -217,7 +218,7 @@ std::optional<std::string> path_complaint(Type const& type, std::string_view pat
     PathCheck check(type, path);
     auto      complaint = check.complaint();
     if (!complaint && to_table && !is_table(check.type()))
-        return part_name(path) + " is no list, set or table";
+        return part_name(path) + " is no list, set or map";
     return complaint;
 }
 

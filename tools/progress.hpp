@@ -1,5 +1,5 @@
 #pragma once
-// How far long work has come, on a terminal only.
+// Progress of long work, shown only on a terminal.
 
 #include <atomic>
 #include <condition_variable>
@@ -12,9 +12,10 @@
 
 namespace bradep {
 
-/// Shows the share of `total`, or no share where that is not known, on one line of `err` that goes
-/// away at the end. Nothing is shown in the first second, nor where `err` is not the terminal's
-/// standard error.
+/// Shows on one line of `err` which share of `total` is done, or only the name if `total` is not
+/// known. The line is erased at the end. Nothing is shown in the first second, or if `err` is not
+/// std::cerr or standard error is not a terminal. A thread of its own writes to `err` until the
+/// destructor has returned.
 class Progress {
 public:
     Progress(std::ostream& err, std::string const& name,
@@ -23,7 +24,7 @@ public:
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-    /// For the work to store into; null where nothing is shown.
+    /// The work stores here how much is done. Null if nothing is shown.
     std::atomic<std::uint64_t>* done() { return thread_.joinable() ? &done_ : nullptr; }
 
 private:

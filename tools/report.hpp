@@ -10,7 +10,8 @@ namespace bradep {
 constexpr char const* out_of_own_memory =
     "out of memory: more working memory than --max-own-memory allows";
 
-/// How all that goes to standard error starts, and ends: one line, whatever the text.
+/// Writes a message to standard error: "bradep: ", then the text on one line, whatever characters
+/// it has.
 inline void report(std::ostream& err, std::string_view what) {
     err << "bradep: " << sml::inspect::printable(what) << '\n';
 }

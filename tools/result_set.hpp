@@ -1,5 +1,5 @@
 #pragma once
-// A result set and what is named in it, whoever wrote it.
+// The type of a result set and short names of the types in it.
 
 #include <sml/schema/Base_Gui_Internal_Form_Datas.hpp>
 

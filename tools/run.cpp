@@ -20,10 +20,10 @@ namespace {
 constexpr Command commands[] = {
     {"import", "Make a result set from the SARIF output of an analyser", declare_import},
     {"show", "Print what a result set holds", declare_show},
-    {"verify", "Tell whether bytes are safe to read, and what is odd about them", declare_verify},
+    {"verify", "Check whether bytes are safe to read, and list what is odd", declare_verify},
     {"dump", "Print bytes as JSON", declare_dump},
-    {"encode", "Make bytes of that JSON again", declare_encode},
-    {"identify", "List the roots that bytes can be", declare_identify},
+    {"encode", "Make bytes of the JSON that dump prints", declare_encode},
+    {"identify", "List the roots that bytes can be a value of", declare_identify},
     {"canon", "Write the canonical bytes", declare_canon},
     {"digest", "Print the SHA-256 of the canonical bytes", declare_digest},
     {"schema", "Print the types of the wire form as JSON, or what changed in them", declare_schema},
@@ -31,7 +31,7 @@ constexpr Command commands[] = {
 };
 
 constexpr char const* exit_codes =
-    "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 wrong usage, a file that\n"
+    "Exit codes: 0 done, 1 the input is damaged or refused, 2 wrong usage, a file that\n"
     "cannot be read or written, or no memory left. Errors go to standard error.";
 
 int ended(std::ostream& err, ExitCode code, std::string const& what) {
@@ -39,7 +39,7 @@ int ended(std::ostream& err, ExitCode code, std::string const& what) {
     return code;
 }
 
-// The parser would only say that it did not expect the word.
+// The option parser's own message would name neither the command nor a similar one.
 void refuse_unknown_command(std::vector<std::string> const& args) {
     auto const first =
         std::ranges::find_if(args, [](auto const& arg) { return !arg.starts_with('-'); });
@@ -52,7 +52,7 @@ void refuse_unknown_command(std::vector<std::string> const& args) {
                           exit_usage_or_io);
 }
 
-// Standard output can be a full disk, too.
+// Flushing standard output can fail, for example on a full disk.
 void finish(NotingOutput& out) {
     if (out.stream().flush()) return;
     throw IoFailure(std::string("cannot write standard output: ") +
@@ -64,7 +64,7 @@ ExitCode parse_and_act(CLI::App& app, std::vector<std::string> args,
     ExitCode code = exit_done;
     refuse_unknown_command(args);
     try {
-        std::reverse(args.begin(), args.end());  // as the parser wants them
+        std::reverse(args.begin(), args.end());  // the parser takes the last one first
         app.parse(std::move(args));
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
         for (std::size_t i = 0; i < actions.size(); ++i)
@@ -96,8 +96,7 @@ int run(std::vector<std::string> const& args, std::istream& in, std::ostream& ou
         return parse_and_act(app, args, actions, noting,
                              {in, noting.stream(), err, &out == &std::cout});
     } catch (CLI::ParseError const& error) {
-        return ended(err, exit_usage_or_io,
-                     std::string(error.what()) + " (bradep --help tells more)");
+        return ended(err, exit_usage_or_io, std::string(error.what()) + " (see bradep --help)");
     } catch (DamagedInput const& error) {
         return ended(err, exit_no, error.what());
     } catch (sml::inspect::BudgetExceeded const&) {

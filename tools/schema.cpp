@@ -64,8 +64,9 @@ ExitCode print_roots(Streams& streams) {
 Action declare_schema(CLI::App& app) {
     auto options = std::make_shared<Options>();
     declare_root_option(app, options->stem);
-    app.add_option("--diff", options->old_file,
-                   "Instead: every change since this older schema that breaks bytes written then")
+    app.add_option(
+           "--diff", options->old_file,
+           "Print instead every change since this older schema that breaks bytes written then")
         ->type_name("OLD.json")
         ->excludes("--root");
     declare_max_size(app, options->max_size);

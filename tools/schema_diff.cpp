@@ -31,21 +31,21 @@ json::value const& part(json::value const& object, std::string_view name) {
     throw Misfit{&object, "not a schema: the member \"" + std::string(name) + "\" is missing"};
 }
 
-// What a type is made of: its name or kind, and the types inside one without a name.
+// The parts of a type use: its name or kind and, for a type without a name, the types inside it.
 struct Shape {
     std::string                     kind;
     std::vector<json::value const*> inner;
     std::int64_t                    flags = 0;
 };
 
-// The kind of a type without a name, and what it is given.
+// Returns the kind of a type without a name, and the value of that member.
 std::pair<std::string_view, json::value const*> inner_kind_of(json::value const& use) {
     for (std::string_view const kind : inner_kinds)
         if (auto const* const inside = json_input::member(use, kind)) return {kind, inside};
     throw Misfit{&use, "not a schema: no type"};
 }
 
-// Bytes do not tell whether a value is boxed.
+// A boxed value has the same bytes as a value that is not boxed.
 json::value const& without_boxes(json::value const& boxed) {
     auto const* use = &boxed;
     while (!use->is_string()) {
@@ -72,7 +72,7 @@ Shape shape_of(json::value const& boxed) {
 
 std::string spelled(json::value const& whole) {
     std::string                                                text;
-    std::vector<std::variant<json::value const*, char const*>> left{&whole};  // the next one last
+    std::vector<std::variant<json::value const*, char const*>> left{&whole};  // last is next
     while (!left.empty()) {
         auto const next = left.back();
         left.pop_back();
@@ -94,7 +94,7 @@ std::string spelled(json::value const& whole) {
 
 struct Named {
     std::string        name;
-    json::value const* type;  // null where there is none
+    json::value const* type;  // null if there is none
 };
 
 std::vector<Named> fields_of(json::value const& definition) {
@@ -104,7 +104,7 @@ std::vector<Named> fields_of(json::value const& definition) {
     return fields;
 }
 
-// Arms with their payloads, or enumerators; the place is the tag.
+// Arms with their payloads, or enumerators. The index is the tag.
 std::vector<Named> tagged_of(json::value const& definition) {
     std::vector<Named> all;
     if (auto const* const enumerators = json_input::list(definition, "enumerators")) {
@@ -116,7 +116,7 @@ std::vector<Named> tagged_of(json::value const& definition) {
     return all;
 }
 
-bool takes_rest(json::value const& definition) {
+bool has_catch_all(json::value const& definition) {
     auto const* const arms = json_input::list(definition, "arms");
     return arms != nullptr && !arms->empty() &&
            json_input::member(arms->back(), "serves_all_other_tags") != nullptr;
@@ -126,7 +126,8 @@ std::vector<Named>::const_iterator find(std::vector<Named> const& all, std::stri
     return std::ranges::find(all, name, &Named::name);
 }
 
-// Compares what is reached from a root, and not by calling itself: a schema may be as deep as long.
+// Compares all types that a root reaches. It uses a queue, not recursion, because a schema may be
+// nested as deeply as it is long.
 class Comparison {
 public:
     Comparison(json::value const& old, json::value const& now)
@@ -134,8 +135,8 @@ public:
 
     std::vector<std::string> changes;
 
-    // All that is reached from these two uses of a type. What is wrong with a type itself is told
-    // before what is wrong with those inside it.
+    // Compares two type uses and all types that they reach. The changes of a type are reported
+    // before those of the types inside it.
     void compare_all(json::value const& old, json::value const& now, std::string const& where) {
         compare(old, now, where);
         while (!left_.empty()) {
@@ -166,12 +167,12 @@ private:
         if (was.kind == is.kind && (old_type != nullptr || now_type != nullptr))
             throw Misfit{&old, "not a schema: the type " + was.kind + " is missing"};
         if (was.kind != is.kind || was.inner.size() != is.inner.size() || was.flags != is.flags)
-            return tell(where, "was " + spelled(old) + ", is " + spelled(now));
+            return add_change(where, "was " + spelled(old) + ", is " + spelled(now));
         for (std::size_t i = 0; i < was.inner.size(); ++i)
             compare(*was.inner[i], *is.inner[i], where);
     }
 
-    void tell(std::string const& where, std::string const& what) {
+    void add_change(std::string const& where, std::string const& what) {
         changes.push_back(where + ": " + what);
     }
 
@@ -184,8 +185,8 @@ private:
         auto const was = kind_of(old);
         auto const is = kind_of(now);
         if (was != is)
-            return tell(where,
-                        "was the " + was + " " + old.name + ", is the " + is + " " + now.name);
+            return add_change(
+                where, "was the " + was + " " + old.name + ", is the " + is + " " + now.name);
         if (was == "record")
             compare_fields(now.name, fields_of(*old.type), fields_of(*now.type));
         else
@@ -198,14 +199,14 @@ private:
         std::vector<std::string> kept_before;
         for (Named const& field : old)
             if (find(now, field.name) == now.end())
-                tell(type, "the field " + field.name + " is gone");
+                add_change(type, "the field " + field.name + " is gone");
             else
                 kept_before.push_back(field.name);
         std::vector<std::string> kept_now;
         for (Named const& field : now) {
             auto const was = find(old, field.name);
             if (was == old.end()) {
-                tell(type, "the field " + field.name + " is new");
+                add_change(type, "the field " + field.name + " is new");
                 continue;
             }
             kept_now.push_back(field.name);
@@ -213,8 +214,8 @@ private:
         }
         for (std::size_t i = 0; i < kept_now.size(); ++i)
             if (kept_before[i] != kept_now[i])
-                return tell(type,
-                            "the fields from " + kept_before[i] + " on stand in another order");
+                return add_change(
+                    type, "the fields from " + kept_before[i] + " on stand in another order");
     }
 
     void compare_tagged(std::string const& type, std::string const& noun, json::value const& old,
@@ -225,8 +226,8 @@ private:
         for (std::size_t tag = 0; tag < was.size(); ++tag) {
             auto const found = find(is, was[tag].name);
             if (found == is.end()) {
-                tell(type, "the " + noun + " " + was[tag].name + " with tag " +
-                               std::to_string(tag) + " is gone");
+                add_change(type, "the " + noun + " " + was[tag].name + " with tag " +
+                                     std::to_string(tag) + " is gone");
                 continue;
             }
             auto const tag_now = static_cast<std::size_t>(found - is.begin());
@@ -235,11 +236,11 @@ private:
                          " -> " + std::to_string(tag_now);
             compare_payloads(type + "." + was[tag].name, was[tag].type, found->type);
         }
-        if (!moved.empty()) tell(type, news(noun, was, is) + "tags move: " + moved);
-        compare_rest(type, was, is, takes_rest(old), takes_rest(now));
+        if (!moved.empty()) add_change(type, news(noun, was, is) + "tags move: " + moved);
+        compare_rest(type, was, is, has_catch_all(old), has_catch_all(now));
     }
 
-    // Which names push the others aside.
+    // The names that are new, which can be why the tags of others have changed.
     static std::string news(std::string const& noun, std::vector<Named> const& was,
                             std::vector<Named> const& is) {
         std::string all;
@@ -251,18 +252,18 @@ private:
     void compare_payloads(std::string const& where, json::value const* old,
                           json::value const* now) {
         if (old != nullptr && now != nullptr) return compare(*old, *now, where);
-        if (old != nullptr) tell(where, "has no payload any more");
-        if (now != nullptr) tell(where, "has a payload now");
+        if (old != nullptr) add_change(where, "has no payload any more");
+        if (now != nullptr) add_change(where, "has a payload now");
     }
 
     void compare_rest(std::string const& type, std::vector<Named> const& was,
                       std::vector<Named> const& is, bool took, bool takes) {
         auto const taker = [](std::vector<Named> const& arms, bool does) {
-            return does ? arms.back().name : std::string("no arm");
+            return does ? arms.back().name : std::string("none");
         };
         if (taker(was, took) != taker(is, takes))
-            tell(type, "all other tags were served by " + taker(was, took) + ", are served by " +
-                           taker(is, takes));
+            add_change(type,
+                       "the catch-all arm was " + taker(was, took) + ", is " + taker(is, takes));
     }
 
     json::value const&                            old_types_;

@@ -7,12 +7,13 @@
 
 namespace bradep {
 
-/// What of a schema, as `bradep schema` prints it, breaks bytes of an older one. One line a change,
-/// each type told once. Throws json_input::Misfit where `old` is no such schema.
+/// Lists the changes from the schema `old` to `now` that make bytes written by `old` unreadable.
+/// Both are in the form that `bradep schema` prints. Each change is one line, and each type is
+/// reported once. Throws json_input::Misfit if `old` is not such a schema.
 std::vector<std::string> breaking_changes(boost::json::value const& old,
                                           boost::json::value const& now);
 
-/// The stems of the roots of `old` that are not there with the same digest now.
+/// The stems of those roots of `old` that `now` does not have, or has with another digest.
 std::vector<std::string> changed_roots(boost::json::value const& old,
                                        boost::json::value const& now);
 

@@ -1,6 +1,6 @@
 #pragma once
-// The checks of a result set, whoever wrote it: imported ones, of which all is known that their log
-// said, and native ones, of which the category is.
+// The checks of a result set from any writer. For imported checks, all properties from their log
+// are known; for native ones, only the category.
 
 #include "result_set.hpp"
 #include "sarif/mapping.hpp"
@@ -14,15 +14,15 @@
 namespace bradep {
 
 struct SetCheck {
-    NumberedKey const* key;    ///< null for a form that names no check
-    Check const*       check;  ///< null where no table has it
-    CheckForm const*   form;   ///< null where none tells of it; one of the two is there
+    NumberedKey const* key;    ///< null if the form names no check
+    Check const*       check;  ///< null if `checks` has no such key
+    CheckForm const*   form;   ///< null if it has no form; not both are null
 
     Category const& category() const { return check ? check->category : form->category; }
 };
 
-/// What became of a check in reviews and since an earlier analysis: where it is not open, nobody
-/// has to look at it.
+/// The state of a check: suppressed in a review, absent since an earlier analysis, or open. Only
+/// open checks need to be looked at.
 class Review {
 public:
     explicit Review(ResultSet const& set) : suppressed_(sarif::suppressed_checks(set)) {}
@@ -37,13 +37,13 @@ private:
     std::set<NumberedKey> suppressed_;
 };
 
-/// The first checks, each once: in the order of the forms, then those without a form, by file and
-/// ordinal. A form without a check stands for one.
+/// The first `most` checks, each once: first those with a form, in the order of the forms; then
+/// those without, by file and ordinal. A form whose check is missing counts as a check.
 std::vector<SetCheck> checks_of(ResultSet const& set,
                                 std::size_t      most = std::numeric_limits<std::size_t>::max());
 std::size_t           count_checks(ResultSet const& set);
 
-/// The result that an imported check was made from; none of a native one.
+/// The result that an imported check was made from; none for a native check.
 std::optional<sarif::Result> imported_result(SetCheck const& check, ResultSet const& set);
 
 }  // namespace bradep

@@ -29,8 +29,8 @@ struct Options : WalkOptions {
     std::size_t   rows = default_rows;
 };
 
-// A reader takes the decimal point of this process: bytes with another one are read as they are in
-// their canonical form, which has this one.
+// Readers use the decimal point of this process. Bytes written with another one are converted to
+// canonical bytes first, which have a dot.
 void read(WalkedInput const& input, sml::inspect::Verdict const& verdict, ResultSet& set) {
     using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
     auto const& options = input.options();
@@ -51,7 +51,7 @@ void decode(WalkedInput const& input, std::ostream& err, ResultSet& set) {
     FindingGroups groups(input.options().listed);
     auto const    verdict = input.verify(groups);
     if (verdict.answer == Answer::unsafe)
-        throw DamagedInput(input.name() + ": " + told_form(input.bytes()) +
+        throw DamagedInput(input.name() + ": " + form_notice(input.bytes()) +
                            "can't be read as a result set: " + described(verdict.findings.back()));
     groups.report(err, input.name(), verdict);
     read(input, verdict, set);
@@ -69,11 +69,11 @@ void write_json_lines(std::ostream& out, ResultSet const& set) {
 void show_json(ResultSet const& set, std::string const& name, std::uint64_t max_output,
                std::ostream& out) {
     LimitedOutput limited(out, max_output);
-    limited.stream().exceptions(std::ios::badbit);  // not to go on for nothing
+    limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
     try {
         write_json_lines(limited.stream(), set);
     } catch (std::ios_base::failure const&) {
-        limited.refuse_if_cut(name);  // where it was not, `out` tells what failed
+        limited.refuse_if_cut(name);  // otherwise `out` failed and keeps the reason
     }
 }
 
@@ -109,7 +109,7 @@ Action declare_show(CLI::App& app) {
     app.add_flag("--json", options->json,
                  "One line of JSON a check: those of an import in its order, then by file");
     declare_size(app, "--max-output", options->max_output,
-                 "Bytes that --json prints; before more, the command ends with code 1");
+                 "Bytes that --json prints; where there are more, printing ends and the code is 1");
     declare_amount(*app.add_option("-n,--rows", options->rows,
                                    "How many rules, files and checks to list at most")
                         ->capture_default_str()

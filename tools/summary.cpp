@@ -81,7 +81,7 @@ void write_tables(std::ostream& out, ResultSet const& set) {
 }
 
 std::string category_name(Category const& category) {
-    if (category.tag < 0) return "(none)";  // the arm's name would be that of arm 0
+    if (category.tag < 0) return "(none)";  // toString would give the name of arm 0
     auto const* name = category.toString();
     return name ? name : "(tag " + std::to_string(category.tag) + ")";
 }
@@ -98,7 +98,7 @@ std::string tool_text(Tool const& tool) {
            (version.empty() ? "" : " " + printable(version));
 }
 
-// Counts whatever the checks share, each of which is spelled once: texts may be long.
+// Counts by text. Each shared value is converted to text only once, since texts may be long.
 template <class Shared, class Spell>
 Counts spelled(std::map<Shared, std::size_t> const& shared_counts, Spell const& spell) {
     Counts counts;
@@ -174,7 +174,7 @@ std::string check_text(SetCheck const& check, ResultSet const& set, Review const
     return review.is_absent(*check.check) ? text + " (absent)" : text;
 }
 
-// Apart from the others: nobody has to look at them.
+// Suppressed and absent checks are counted separately, because nobody has to look at them.
 void write_checks_not_open(std::ostream& out, ResultSet const& set, Review const& review) {
     std::size_t suppressed = 0;
     std::size_t absent = 0;

@@ -12,10 +12,10 @@ struct SummaryFacts {
     std::string               name;  ///< of the file
     std::size_t               bytes;
     std::chrono::microseconds read_time;
-    std::size_t               rows;  ///< of each ranking at most
+    std::size_t               rows;  ///< the most rows of each ranking
 };
 
-/// What a person wants to know first of a result set, one plain text.
+/// Writes a summary of the result set as plain text.
 void write_summary(std::ostream& out, ResultSet const& set, SummaryFacts const& facts);
 
 }  // namespace bradep

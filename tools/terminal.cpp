@@ -19,7 +19,7 @@ struct Range {
     std::uint32_t last;
 };
 
-// Roughly: a line that is a column too long or too short is no harm.
+// Approximate: a line that is cut a column too early or too late does no harm.
 constexpr Range without_width[] = {
     {0x0300, 0x036F}, {0x200B, 0x200D}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFEFF, 0xFEFF}};
 constexpr Range wide[] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF},   {0xAC00, 0xD7A3},
@@ -61,7 +61,7 @@ std::size_t terminal_columns(Streams const& streams) {
 
 std::string cut_to_columns(std::string_view line, std::size_t columns) {
     constexpr std::string_view mark = "\u2026";
-    std::size_t                kept = 0;  // bytes that leave room for the mark
+    std::size_t                kept = 0;  // bytes that fit together with the mark
     std::size_t                taken = 0;
     for (std::size_t at = 0; at < line.size();) {
         auto const character = sml::inspect::first_character(line.substr(at));
@@ -88,7 +88,7 @@ void print_lines(Streams& streams, std::string_view text) {
 
 void declare_output(CLI::App& app, Output& output, std::string const& what) {
     app.add_option("-o,--output", output.target,
-                   what + "; they appear whole or not at all. - is standard output")
+                   what + "; the file appears when it is complete. - is standard output")
         ->required()
         ->type_name("FILE");
     app.add_flag("--force", output.force, "Also where the output is a terminal");

@@ -1,5 +1,5 @@
 #pragma once
-// What is different where a person looks on.
+// Output to a terminal: lines are cut, and bytes are refused.
 
 #include "command.hpp"
 
@@ -12,14 +12,14 @@ namespace bradep {
 
 bool prints_on_terminal(Streams const& streams);
 
-/// How many columns the terminal has that the streams print on; 0 where there is none.
+/// The number of columns of the terminal that standard output goes to; 0 if it goes elsewhere.
 std::size_t terminal_columns(Streams const& streams);
 
-/// The line, or as much of it as fits into so many columns with a mark that it was longer. No
-/// control character is in it.
+/// Returns the line, or its start with an ellipsis, so that it fits into `columns`. `line` must not
+/// contain control characters.
 std::string cut_to_columns(std::string_view line, std::size_t columns);
 
-/// Prints the text, its lines cut where they go to a terminal.
+/// Prints the text. On a terminal, each line is cut to its width.
 void print_lines(Streams& streams, std::string_view text);
 
 /// The file that a command writes bytes to.
@@ -31,7 +31,8 @@ struct Output {
 /// Declares -o and --force.
 void declare_output(CLI::App& app, Output& output, std::string const& what);
 
-/// Throws IoFailure where the target is a terminal, which would obey the bytes.
+/// Throws IoFailure if the target is a terminal, which could obey control characters in the bytes,
+/// unless --force was given.
 void refuse_terminal(Output const& output, Streams const& streams);
 
 }  // namespace bradep

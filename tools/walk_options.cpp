@@ -24,7 +24,8 @@ std::string stems_of(std::vector<Candidate> const& candidates) {
     return stems;
 }
 
-// A stem that ends with what was given, else one that holds it, else any: the nearest of these.
+// Returns the stem nearest to `given`: of those that end with it; else of those that contain it;
+// else of all.
 std::string_view stem_like(std::string_view given) {
     std::vector<std::string_view> ending, holding, all;
     for (Root const& root : roots()) {
@@ -49,7 +50,8 @@ bool is_part_of_number(char c) {
     return is_digit(c) || is_letter(c) || is_blank(c) || c == '+' || c == '-';
 }
 
-/// Refuses what would wrap around or be cut short.
+/// Refuses a sign and more than 18 digits, which the option parser would wrap around or cut short.
+/// A unit may follow the digits.
 std::string judge_amount(std::string const& text) {
     std::size_t const digits = std::min(text.find_first_not_of("0123456789"), text.size());
     if (digits == 0 || digits > 18) return "\"" + text + "\" is no number, or too large a one";
@@ -80,20 +82,20 @@ void declare_limits(CLI::App& app, Limits& limits) {
             ->capture_default_str()
             ->group("Limits, beyond which bytes are unsafe");
     };
-    add("--max-depth", limits.depth, "Variants and containers inside one another, at most 1000")
+    add("--max-depth", limits.depth,
+        "Levels of variants and containers inside one another, at most 1000")
         ->check(CLI::Range(1U, Limits::depth_cap))
         ->type_name("NUMBER");
-    declare_amount(
-        *add("--max-elements", limits.elements, "Elements of all lists, sets and tables together")
-             ->type_name("NUMBER"));
+    declare_amount(*add("--max-elements", limits.elements,
+                        "Elements and entries of all lists, sets and maps together")
+                        ->type_name("NUMBER"));
     declare_amount(
         *add("--max-text", limits.text_bytes, "Bytes of one text, also as 64K, 10M or 2G")
              ->transform(CLI::AsSizeValue(false))
              ->type_name("SIZE"));
-    declare_amount(
-        *add("--max-memory", limits.memory, "Heap that reading takes at its peak, estimated")
-             ->transform(CLI::AsSizeValue(false))
-             ->type_name("SIZE"));
+    declare_amount(*add("--max-memory", limits.memory, "Heap of a reader at its peak, estimated")
+                        ->transform(CLI::AsSizeValue(false))
+                        ->type_name("SIZE"));
     declare_amount(*add("--max-work", limits.work,
                         "Comparisons of keys in the hash tables of a reader, estimated")
                         ->type_name("NUMBER"));
@@ -102,7 +104,7 @@ void declare_limits(CLI::App& app, Limits& limits) {
 
 void declare_own_memory(CLI::App& app, Limits& limits) {
     declare_size(app, "--max-own-memory", limits.own_memory,
-                 "Memory for the command's own tables, beside the input; beyond it the code is 2");
+                 "Memory for the command itself, beside the input; beyond it the code is 2");
 }
 
 void declare_decimal_point(CLI::App& app, VerifyOptions& options) {
@@ -127,7 +129,7 @@ namespace {
 template <class Files>
 void declare_walk(CLI::App& app, WalkOptions& options, Files& files) {
     app.add_option("FILE", files, "The bytes. - is standard input")->required()->type_name("");
-    app.add_flag("-q,--quiet", options.quiet, "Not a word about the roots that fit without --root");
+    app.add_flag("-q,--quiet", options.quiet, "No notice of the roots that fit");
     declare_max_size(app, options.max_size);
     declare_root_option(app, options.stem);
     declare_decimal_point(app, options.verify);
@@ -157,8 +159,8 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     });
     auto const best = candidates.front();
     if (best.answer == Answer::unsafe) {
-        report(streams_.err, name_ + ": " + told_form(bytes()) + "fits no root, read as " +
-                                 std::string(best.root->stem) + ", which came furthest: to byte " +
+        report(streams_.err, name_ + ": " + form_notice(bytes()) + "fits no root; read as " +
+                                 std::string(best.root->stem) + ", which came furthest, to byte " +
                                  std::to_string(best.walked) + " of " +
                                  std::to_string(bytes().size()));
         return best.root;
@@ -166,10 +168,10 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     std::erase_if(candidates, [&](Candidate const& other) {
         return other.answer == Answer::unsafe || other.root == best.root;
     });
-    auto const told =
+    auto const notice =
         "read as " + std::string(best.root->stem) + "; it also fits " + stems_of(candidates);
-    if (!candidates.empty() && !quiet && streams_.told.insert(told).second)
-        report(streams_.err, name_ + ": " + told);
+    if (!candidates.empty() && !quiet && streams_.notices.insert(notice).second)
+        report(streams_.err, name_ + ": " + notice);
     return best.root;
 }
 
@@ -193,7 +195,7 @@ Root const& root_of(std::string const& stem) {
         "--root", "no root is called " + stem + "; there is " + std::string(stem_like(stem)));
 }
 
-std::string told_form(std::string_view bytes) {
+std::string form_notice(std::string_view bytes) {
     auto const form = foreign_form(bytes);
     if (form.empty()) return {};
     if (form != json_form) return "is " + std::string(form) + ", ";
@@ -231,7 +233,7 @@ ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions option
             report(streams.err, input_name(file) + ": " + out_of_own_memory);
             end_with(exit_usage_or_io);
         }
-        streams.out.flush();  // before what the next one says on standard error
+        streams.out.flush();  // before messages of the next file on standard error
     }
     return highest;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// What all commands share that look into bytes of unknown origin.
+// The options of all commands that inspect bytes of unknown origin.
 
 #include <sml/inspect/verify.hpp>
 #include "command.hpp"
@@ -17,12 +17,13 @@ namespace bradep {
 struct WalkOptions {
     std::string                 file;
     std::uint64_t               max_size = default_max_size;
-    std::optional<std::string>  stem;           ///< none: to be found out
-    bool                        quiet = false;  ///< about the root that was found out
+    std::optional<std::string>  stem;           ///< empty: found by `identify`
+    bool                        quiet = false;  ///< no notice of the root found
     sml::inspect::VerifyOptions verify;
 };
 
-/// Declares FILE, --root and the limits. Whether and how many findings are told is not asked.
+/// Declares FILE, --quiet, --max-size, --root, --decimal-point and the limits. It does not declare
+/// --findings.
 void declare_walk_options(CLI::App& app, WalkOptions& options);
 /// The same for a command that takes any number of files.
 void declare_walk_options(CLI::App& app, WalkOptions& options, std::vector<std::string>& files);
@@ -30,15 +31,16 @@ void declare_root_option(CLI::App& app, std::optional<std::string>& stem);
 void declare_limits(CLI::App& app, sml::inspect::Limits& limits);
 void declare_own_memory(CLI::App& app, sml::inspect::Limits& limits);
 void declare_decimal_point(CLI::App& app, sml::inspect::VerifyOptions& options);
-/// An option that takes a number without a sign. To be called after all else that looks at the
-/// text.
+/// Makes an option accept a number without a sign. Call it after adding all other checks and
+/// transforms of the option.
 void declare_amount(CLI::Option& option);
-/// An option like 64K, 10M or 2G.
+/// Declares an option whose value is a number of bytes, as in 64K, 10M or 2G.
 void declare_size(CLI::App& app, char const* name, std::uint64_t& size, char const* meaning);
 void declare_max_size(CLI::App& app, std::uint64_t& max_size);
 void declare_findings_option(CLI::App& app, WalkOptions& options, char const* meaning);
 
-/// The result of `work`, which is given these options and how to tell its progress.
+/// Calls `work` with `options`, which store the progress of the walk where it is shown, and returns
+/// its result.
 template <class Work>
 auto watch(std::ostream& err, std::string const& doing, std::uint64_t total,
            sml::inspect::VerifyOptions options, Work const& work) {
@@ -47,11 +49,12 @@ auto watch(std::ostream& err, std::string const& doing, std::uint64_t total,
     return work(options);
 }
 
-/// The input of such a command and the root that it is read as.
+/// The input of a command that inspects bytes, and its root.
 class WalkedInput {
 public:
-    /// Without a stem the root is the first that fits, or the one whose walk came furthest.
-    /// Standard error has which one where others fit, too, or none does.
+    /// Reads the input. Without a stem, the root is the first that fits, or if none fits, the one
+    /// whose walk came furthest. If several roots fit, or none, a message on standard error names
+    /// the root.
     WalkedInput(WalkOptions const& options, Streams& streams);
 
     std::string const&        name() const { return name_; }
@@ -61,11 +64,11 @@ public:
     sml::inspect::VerifyOptions const& options() const { return options_; }
 
     sml::inspect::Verdict verify() const;
-    /// The same with the odd findings in groups, and none of them in the verdict.
+    /// The same, but hands the odd findings to `groups` instead of listing them in the verdict.
     sml::inspect::Verdict verify(FindingGroups& groups) const;
 
-    /// The result of `work`, which is given options with the limits. A line shows meanwhile what is
-    /// done and how far it is.
+    /// Calls `work` with the options of the walk and returns its result. Meanwhile a line on a
+    /// terminal shows `doing` and how much is done.
     template <class Work>
     auto watch(char const* doing, Work const& work) const {
         return bradep::watch(streams_.err, name_ + ", " + doing, bytes().size(), options_, work);
@@ -81,21 +84,22 @@ private:
     sml::inspect::Root const*   root_;
 };
 
-/// The root with this stem. Throws a usage error that names one like it.
+/// The root with this stem. If there is none, throws a usage error that names the nearest stem.
 sml::inspect::Root const& root_of(std::string const& stem);
 
-/// "is JSON text (...), " for what is no binary form, as far as it shows; else nothing.
-std::string told_form(std::string_view bytes);
+/// Returns "is JSON text (...), " or the like if the bytes start as another file format; else the
+/// empty text.
+std::string form_notice(std::string_view bytes);
 
-/// "checks[2].category: expected X, found Y" and where.
+/// Returns "byte 7 at checks[2].category: expected X, found Y".
 std::string described(sml::inspect::Finding const& finding);
 
-/// One line a finding.
+/// Writes one line for each finding.
 void report_findings(std::ostream& err, std::string const& name,
                      std::vector<sml::inspect::Finding> const& findings);
 
-/// Acts on one file after another. What is wrong with one is told and hinders none of the others.
-/// Returns the highest code.
+/// Calls `act` for one file after another. An error in one file is reported, and the next file
+/// follows. Returns the highest exit code.
 ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions options, Streams& streams,
                        std::function<ExitCode(WalkOptions const&)> const& act);
 

@@ -1,5 +1,5 @@
-#include "bench/carriers.hpp"
 #include "bench/peers/graph_form.hpp"
+#include "bench/serialisers.hpp"
 
 #include <boost/archive/binary_iarchive.hpp>
 #include <boost/archive/binary_oarchive.hpp>
@@ -44,7 +44,7 @@ struct Reading {
 
 std::string bytes;
 
-bool const is_added = bench::add_carrier(
+bool const is_added = bench::add_serialiser(
     {"boost",
      [](bench::Graph const& graph) {
          std::ostringstream stream(std::ios::binary);

@@ -1,5 +1,5 @@
-#include "bench/carriers.hpp"
 #include "bench/peers/graph_form.hpp"
+#include "bench/serialisers.hpp"
 
 #include <cereal/archives/binary.hpp>
 #include <cereal/types/string.hpp>
@@ -35,21 +35,21 @@ struct Form {
 
 std::string bytes;
 
-bool const is_added = bench::add_carrier({"cereal",
-                                          [](bench::Graph const& graph) {
-                                              std::ostringstream          stream(std::ios::binary);
-                                              cereal::BinaryOutputArchive archive(stream);
-                                              Form<decltype(archive)>     form{archive};
-                                              Save{form}(graph);
-                                              bytes = std::move(stream).str();
-                                              return bytes.size();
-                                          },
-                                          [](bench::Graph& graph) {
-                                              std::istringstream stream(bytes, std::ios::binary);
-                                              cereal::BinaryInputArchive archive(stream);
-                                              Form<decltype(archive)>    form{archive};
-                                              Load{form}(graph);
-                                          }});
+bool const is_added = bench::add_serialiser({"cereal",
+                                             [](bench::Graph const& graph) {
+                                                 std::ostringstream stream(std::ios::binary);
+                                                 cereal::BinaryOutputArchive archive(stream);
+                                                 Form<decltype(archive)>     form{archive};
+                                                 Save{form}(graph);
+                                                 bytes = std::move(stream).str();
+                                                 return bytes.size();
+                                             },
+                                             [](bench::Graph& graph) {
+                                                 std::istringstream stream(bytes, std::ios::binary);
+                                                 cereal::BinaryInputArchive archive(stream);
+                                                 Form<decltype(archive)>    form{archive};
+                                                 Load{form}(graph);
+                                             }});
 
 }  // namespace
 

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Makes a FlatBuffers schema, and how a graph goes into and out of it, of a printed schema.
+"""Generates, from a printed schema, a FlatBuffers schema and functions that save and load a graph.
 
   generate_flatbuffers.py SCHEMA.json DIRECTORY
 
-SCHEMA.json is what `bradep schema --root STEM` prints. Writes graph_tables.fbs and
-graph_tables.hpp. What is made of words alone is a struct, a variant a union, everything else a
-table. Strings are numbers of a table in the root. A big integer is a long or, where it does not
-fit, bytes.
+SCHEMA.json is the output of `bradep schema --root STEM`. Writes graph_tables.fbs and
+graph_tables.hpp. A type that consists only of words becomes a struct, a variant becomes a union,
+and everything else becomes a table. Strings become indices into a table in the root. A big integer
+is a long or, if it does not fit, bytes.
 """
 
 from schema_uses import Generator, element, entry, held, main, whole
@@ -20,12 +20,12 @@ FLOAT = "struct Float { high:ulong; low:ulong; exponent:int; width:ushort; kind:
 
 
 class Part:
-    """A part of a table: what is declared, done before the table is begun, and added to it."""
+    """A part of a table: its declarations, the code before the table, and the code that adds it."""
 
     def __init__(self):
         self.declared = []
         self.before = ""
-        self.added = []  # size and statement
+        self.added = []  # pairs of size and statement
 
     def add(self, declared, size, statement):
         if declared:
@@ -38,7 +38,7 @@ class FlatbuffersGenerator(Generator):
         super().__init__(schema, WORDS)
 
     def is_flat(self, use):
-        """Whether it is a struct."""
+        """Whether the use becomes a struct."""
         kind = self.kind(use)
         return kind == "float" or kind == "parts" and len(self.parts(use)) > 0 and all(
             self.kind(part) == "word" or self.is_flat(part) for part in self.parts(use))
@@ -47,7 +47,7 @@ class FlatbuffersGenerator(Generator):
         return self.kind(use) == "parts" and not self.is_flat(use)
 
     def object(self, use):
-        """The use of a struct or table that holds it: itself or one that has it as only part."""
+        """The use itself if it becomes a struct or table; else a use whose only part it is."""
         return use if self.is_flat(use) or self.is_table(use) else whole(use)
 
     def object_name(self, use):
@@ -214,17 +214,17 @@ class FlatbuffersGenerator(Generator):
 
     @staticmethod
     def build(name, parts):
-        """The table with its widest parts first: without gaps."""
+        """Code that builds the table, with the widest parts first so that there is no padding."""
         before = " ".join(part.before for part in parts)
         added = sorted((added for part in parts for added in part.added), key=lambda one: -one[0])
         statements = " ".join(statement for _, statement in added)
         return f"{before} tables::{name}Builder b(s.builder); {statements} return b.Finish();"
 
     def make_union(self, number, use):
-        """NONE: no variant. Then the tags without an arm, and one type for each arm.
+        """Makes the union of a variant: NONE, `other` for unknown tags, a type for each arm.
 
-        An arm without payload has no value in the union. The tags that the last arm takes besides
-        its own stand in a table with its payload.
+        An arm without a payload has no value in the union. `other` holds the tag and, if there is a
+        catch-all arm, its payload.
         """
         members, saves, loads = [f"other:O{number}"], [], []
         rest = Part()
@@ -283,7 +283,7 @@ class FlatbuffersGenerator(Generator):
                           f"return save_{number}(s, v);")
         self.add_function(f"void load_root(Loader& l, tables::{root} const& m, auto& v)",
                           f"load_{number}(l, m, v);")
-        # Structs and unions can't be used ahead of their declarations.
+        # Structs and unions must be declared before they are used.
         order = ["struct", "union", "table"]
         declarations = sorted(self.declarations, key=lambda text: order.index(text.split()[0]))
         schema = ["namespace peers.tables;", FLOAT, "table Nothing {}", *declarations,

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Makes Protocol Buffers messages, and how a graph goes into and out of them, of a printed schema.
+"""Generates Protocol Buffers messages from a printed schema, and functions that save and load a graph.
 
   generate_protobuf.py SCHEMA.json DIRECTORY
 
-SCHEMA.json is what `bradep schema --root STEM` prints. Writes graph.proto and graph_messages.hpp.
-Strings are numbers of a table in the message of the root. A big integer is a sint64 or, where it
-does not fit, bytes. The tag of a variant is written only where the arm does not tell it.
+SCHEMA.json is the output of `bradep schema --root STEM`. Writes graph.proto and graph_messages.hpp.
+Strings become indices into a table in the message of the root. A big integer is a sint64 or, if it
+does not fit, bytes. The tag of a variant is stored only if the arm does not imply it.
 """
 
 from schema_uses import Generator, element, entry, held, main, whole
@@ -23,14 +23,14 @@ class ProtobufGenerator(Generator):
         super().__init__(schema, WORDS)
 
     def message(self, use):
-        """The use of a message that holds it: itself or one that has it as its only part."""
+        """The use itself if it becomes a message; else a use whose only part it is."""
         return use if self.kind(use) in ("float", "parts", "variant") else whole(use)
 
     def message_name(self, use):
         return "Float" if use == "float" else f"M{self.number(use)}"
 
     def fields(self, use, name):
-        """The declared types and names of what a use becomes."""
+        """The types and names of the message fields that a use becomes."""
         kind = self.kind(use)
         if kind == "word":
             return [(self.word(use), name)]
@@ -143,7 +143,7 @@ class ProtobufGenerator(Generator):
             own = self.fields(payload, name)
             fields += own
             save = self.with_payload(tag, arm, serves_rest, self.save(payload, name, "p"))
-            # Tag 0 is never one that the last arm takes besides its own.
+            # Tag 0 is never an unknown tag, which the catch-all arm serves.
             other = f"if (v.tag != {tag}) m.set_tag(v.tag); " if serves_rest else ""
             saves.append(f"case {tag}: {{ {other}{save} break; }}")
             chosen = f"m.tag() != 0 ? m.tag() : {tag}" if serves_rest else f"{tag}"

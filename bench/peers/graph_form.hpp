@@ -1,11 +1,10 @@
 #pragma once
-// A graph as a serialisation library would be told it by hand: words, flags, sizes and texts, in
-// the order of the fields. What a library does with each of them is its own.
+// Saves a graph with the calls that a user of a serialisation library writes by hand: words, flags,
+// sizes and texts, in the order of the fields. The library decides how to store each of them.
 
 #include <sml/core/kinds.hpp>
 
 #include <gmp.h>
-// <cstdio> ahead of <mpfr.h> is what declares the printing functions.
 #include <mpfr.h>
 #include <cstdio>
 
@@ -15,7 +14,7 @@
 
 namespace peers {
 
-/// `Archive` has word(value), flag(bool), size(count) and text(string), all of which write.
+/// `Archive` has word(value), flag(bool), size(count) and text(string), which write.
 template <class Archive>
 class Save {
 public:
@@ -79,7 +78,7 @@ private:
     Archive& archive_;
 };
 
-/// `Archive` has word(value), flag(bool), size(count) and text(string), all of which read.
+/// `Archive` has word(value), flag(bool), size(count) and text(string), which read.
 template <class Archive>
 class Load {
 public:

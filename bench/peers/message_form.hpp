@@ -1,12 +1,11 @@
 #pragma once
-// What the peers with messages of a schema of their own share: texts by number, numbers by their
-// limbs, arms, containers.
+// Shared by the peers that have a schema of their own: texts by number, numbers by limbs, arms and
+// containers.
 
 #include <sml/core/kinds.hpp>
 #include <sml/core/string_ids.hpp>
 
 #include <gmp.h>
-// <cstdio> ahead of <mpfr.h> is what declares the printing functions.
 #include <mpfr.h>
 #include <cstdio>
 
@@ -19,7 +18,7 @@
 
 namespace peers {
 
-/// Numbers texts from 0 on, in the order in which they are met.
+/// Numbers texts from 0, in the order of their first occurrence.
 class TextNumbers {
 public:
     std::uint32_t operator()(sml::Strings_T const& handle) {
@@ -29,7 +28,7 @@ public:
         return static_cast<std::uint32_t>(texts_.size() - 1);
     }
 
-    /// As long as this is there.
+    /// The texts by number; the pointers are valid as long as the strings' handles live.
     std::vector<std::string const*> const& texts() const { return texts_; }
 
 private:
@@ -37,7 +36,7 @@ private:
     std::vector<std::string const*> texts_;
 };
 
-/// A float of at most 128 bits of mantissa as plain words.
+/// A float with a mantissa of at most 128 bits, as plain words.
 struct FloatWords {
     enum Kind : std::uint8_t { Regular, Zero, Infinite, NotANumber };
 
@@ -78,7 +77,7 @@ inline void set_float(zelvanite::IEEE754Float& value, FloatWords const& words) {
     switch (words.kind % FloatWords::negative) {
         case FloatWords::Zero: mpfr_set_zero(number, sign); break;
         case FloatWords::Infinite: mpfr_set_inf(number, sign); break;
-        case FloatWords::NotANumber: break;  // which it is already
+        case FloatWords::NotANumber: break;  // which it already is
         default:
             number->_mpfr_sign = sign;
             number->_mpfr_exp = words.exponent;
@@ -105,7 +104,7 @@ inline void append_large(std::string& bytes, sml::BigInteger const& value) {
                  mpz_size(number) * sizeof(mp_limb_t));
 }
 
-/// Without bytes, the value is the small one.
+/// If there are no bytes, the value is `small`.
 inline void set_integer(sml::BigInteger& value, std::int64_t small, char const* bytes,
                         std::size_t size) {
     mpz_ptr const number = value.backend().data();
@@ -114,7 +113,7 @@ inline void set_integer(sml::BigInteger& value, std::int64_t small, char const* 
     if (bytes[0] < 0) mpz_neg(number, number);
 }
 
-/// Enumerators as numbers, everything else as it is.
+/// Converts enumerators to numbers; returns other values unchanged.
 template <class T>
 auto word_of(T const& value) {
     if constexpr (std::is_enum_v<T>)
@@ -123,14 +122,14 @@ auto word_of(T const& value) {
         return value;
 }
 
-/// The arm whose payload stands behind the tag, -1 where nothing does.
+/// The arm whose payload follows the tag; -1 if there is no payload.
 template <class Variant>
 std::int32_t serving(Variant const& variant) {
-    return Variant::arms::serving(variant.tag);
+    return Variant::arms::arm_for(variant.tag);
 }
 
-/// Calls `use` with the payload of the last arm, which takes the remaining tags, too, and counts as
-/// its default where it was never built.
+/// Calls `use` with the payload of the catch-all arm, which is the last. A payload that was not
+/// built counts as its default value.
 template <std::int32_t Last, class Variant, class Use>
 void with_last_payload(Variant const& variant, Use const& use) {
     using Payload = typename Variant::arms::template payload<Last>;

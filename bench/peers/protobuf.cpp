@@ -1,8 +1,8 @@
-// Protocol Buffers in its best form: messages in an arena whose memory is kept, each text once, in
-// a table made by hand, numbers by their limbs.
+// Protocol Buffers as fast as it could be made: messages are in an arena that keeps its memory,
+// each text is stored once in a table made by hand, and numbers are stored as limbs.
 
-#include "bench/carriers.hpp"
 #include "bench/peers/message_form.hpp"
+#include "bench/serialisers.hpp"
 
 #include "graph.pb.h"
 
@@ -56,7 +56,7 @@ void save_each(Container const& container, Repeated& to, SaveOne const& save_one
 std::vector<std::uint8_t> bytes;
 std::size_t               bytes_used = 0;
 
-/// Calls `use` with an empty message in an arena whose memory is that of the call before.
+/// Calls `use` with an empty message in an arena, which reuses the memory of the previous call.
 template <class Use>
 void with_message(Use const& use) {
     static std::vector<char>       block(std::size_t{1} << 20);
@@ -84,7 +84,7 @@ void read(form::Graph& message) {
         throw std::runtime_error("the message can't be parsed");
 }
 
-bool const is_added = bench::add_carrier(
+bool const is_added = bench::add_serialiser(
     {"protobuf",
      [](bench::Graph const& graph) {
          with_message([&](form::Graph& message) {

@@ -1,6 +1,6 @@
-"""What the types of a printed schema are made of, for those who make another form of them.
+"""Reads the types of a printed schema, for generators of another form of them.
 
-A use is what stands where a type is told: a name, or an object such as {"list": use}.
+A type use refers to a type: a name, or an object such as {"list": use}.
 """
 
 import json
@@ -16,7 +16,7 @@ def unboxed(use):
 
 
 def held(use, value):
-    """The expression of what is in the box, if there is one."""
+    """The expression for the content of the box if the use is boxed; else `value`."""
     return f"*{value}" if unboxed(use) is not use else value
 
 
@@ -29,27 +29,27 @@ def entry(use):
 
 
 def whole(use):
-    """A use of one part, for where only a type with parts can stand."""
+    """A type use with `use` as its only part, for places that need a type with parts."""
     return {"whole": use}
 
 
 class Generator:
-    """Numbers the types that the other form names.
+    """Numbers the types that need a name in the other form.
 
-    `make(number, use)` of a derived class adds one.
+    A derived class has `make(number, use)`, which adds one of them.
     """
 
     def __init__(self, schema, words):
         self.types = schema["types"]
         self.root = schema["roots"][0]["type"]
         self.words = words
-        self.numbers = {}  # by what they are made of
+        self.numbers = {}  # by the JSON text of their use
         self.declarations = []
-        self.ahead = []  # the functions' declarations
+        self.ahead = []  # declarations of the functions
         self.functions = []
 
     def kind(self, use):
-        """word, integer, float, parts, variant, optional, map or repeated"""
+        """The kind of a use: word, integer, float, parts, variant, optional, map or repeated."""
         use = unboxed(use)
         if isinstance(use, dict):
             return next(kind for key, kind in COMPOUNDS.items() if key in use)
@@ -72,7 +72,7 @@ class Generator:
         return [field["type"] for field in self.types[use]["fields"]]
 
     def arms(self, use):
-        """Tag, name, use of the payload or None, and whether all other tags are served."""
+        """Yields for each arm: tag, name, use of the payload or None, whether it is the catch-all."""
         for arm in self.types[unboxed(use)]["arms"]:
             yield (arm["tag"], arm["name"], arm.get("payload"),
                    arm.get("serves_all_other_tags", False))
@@ -86,7 +86,7 @@ class Generator:
         return self.numbers[key]
 
     def over_parts(self, use, const, body):
-        """Runs the body with the parts of v as v0, v1 and so on; gives what it returns."""
+        """Code that runs the body with the parts of v as v0, v1 and so on, and returns its result."""
         use = unboxed(use)
         parts = self.parts(use)
         arguments = ", ".join(f"[[maybe_unused]] auto {const}& v{i}" for i in range(len(parts)))
@@ -109,7 +109,7 @@ class Generator:
 
     @staticmethod
     def with_payload(tag, name, serves_rest, body):
-        """The body with the payload of an arm in use as p."""
+        """Code that runs the body with the payload of the present arm as p."""
         if not serves_rest:
             return f'auto const& p = v.template arm<"{name}">(); {body}'
         return f"with_last_payload<{tag}>(v, [&](auto const& p) {{ {body} }});"
@@ -123,7 +123,7 @@ class Generator:
 
 
 def main(generator, usage):
-    """Runs a derived class on the arguments: a printed schema and a directory."""
+    """Runs a generator with the command's arguments: a printed schema and a directory."""
     if len(sys.argv) != 3:
         sys.exit(usage)
     schema, directory = map(pathlib.Path, sys.argv[1:])

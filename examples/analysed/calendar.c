@@ -2,7 +2,7 @@
 
 static int const days[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-/* Defect: months count from 1 here, so December reads behind the table. */
+/* Defect: months count from 1 here, so December reads after the end of the array. */
 int days_of_december(void)
 {
     int const december = 12;
@@ -14,8 +14,8 @@ static int is_leap(int year)
     return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
 }
 
-/* Defect: a caller that wants no day of the month gives a null pointer, which the last branch
-   forgets. */
+/* Defect: a caller that needs no day of the month passes a null pointer, which is only checked
+   for in January. */
 int month_of(int day_of_year, int year, int *day_of_month)
 {
     int month = 0;
@@ -32,7 +32,7 @@ int month_of(int day_of_year, int year, int *day_of_month)
     return month;
 }
 
-/* Defect: shifts by more than an int is wide. */
+/* Defect: shifts by the width of an int. */
 unsigned month_bit(int month)
 {
     if (month < 0)

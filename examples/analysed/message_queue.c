@@ -14,7 +14,7 @@ static void destroy(struct message *message)
     free(message);
 }
 
-/* Defect: the next message is asked of one that is gone. */
+/* Defect: reads the next message from one that was destroyed. */
 void drop_all(struct message *first)
 {
     while (first != NULL) {

@@ -16,7 +16,7 @@ int mean_of_positive(int const *values, size_t size)
     return sum / count;
 }
 
-/* Defect: an empty series has no greatest value. */
+/* Defect: the result for an empty series is uninitialised. */
 int greatest(int const *values, size_t size)
 {
     int best;

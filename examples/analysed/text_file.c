@@ -31,7 +31,7 @@ int print_first_line(char const *path)
     return printed;
 }
 
-/* Defect: gives away the address of something that ends with the function. */
+/* Defect: returns the address of a local variable. */
 char const *title(char const *path)
 {
     char copy[64];

@@ -19,7 +19,7 @@ StreamOArchive::~StreamOArchive() {
     try {
         finish();
     } catch (...) {
-        // The exception that is under way goes on.
+        // The exception that has led here goes on instead.
     }
 }
 
@@ -30,7 +30,7 @@ void StreamOArchive::write(char const* start, char const* end) {
     point = core::decimal_point();
 }
 
-/// Hands over all but the last item.
+/// Writes all but the last item to the stream.
 void StreamOArchive::drain() {
     char const* const last = std::exchange(last_, nullptr);
     auto const        size = static_cast<std::size_t>(room.at - last);
@@ -89,7 +89,8 @@ void UnbufferedOArchive::have_put(char const* last, char const* next) {
 
 namespace {
 
-/// What a stream's buffer holds: its members for that are protected, but can be named from here.
+/// The bytes that a stream's buffer holds. Its functions for that are protected; a derived class
+/// can name them.
 struct Buffered : std::streambuf {
     static char const* next(std::streambuf& buffer) { return (buffer.*&Buffered::gptr)(); }
     static char const* end(std::streambuf& buffer) { return (buffer.*&Buffered::egptr)(); }
@@ -101,7 +102,7 @@ struct Buffered : std::streambuf {
     }
 };
 
-/// Whether the stream takes the flags for characters and not for white space.
+/// Whether the stream takes neither flag for white space.
 bool knows_flags(std::istream const& stream) {
     std::locale const& locale = stream.getloc();
     if (!std::has_facet<std::ctype<char>>(locale)) return false;
@@ -115,7 +116,7 @@ StreamIArchive::~StreamIArchive() {
     try {
         close();
     } catch (...) {
-        // The exception that is under way goes on.
+        // The exception that has led here goes on instead.
     }
 }
 
@@ -129,8 +130,9 @@ void StreamIArchive::open() {
     item_ = nullptr;
 }
 
-/// Required: the stream counts the item that was read last (`gcount`), so it reads that one itself.
-/// That can move what its buffer holds. The flags behind that item are taken one by one.
+/// Required: the stream's `gcount` is that of the item read last, so the stream reads that item
+/// again, itself. This can refill or move its buffer, so the flags after that item are taken one by
+/// one.
 void StreamIArchive::close() {
     if (at_ == nullptr) return;
     std::streambuf&   buffer = *stream_->rdbuf();
@@ -168,8 +170,8 @@ StringOArchive::StringOArchive(std::string& result)
         add_chunk(0);
 }
 
-/// Large chunks go back to the system as soon as they have been joined: free memory that the heap
-/// keeps would add as much again to the peak.
+/// Large chunks are mapped, so that they go back to the system as soon as they have been joined.
+/// Free memory that the heap keeps would add as much again to the peak.
 StringOArchive::Memory StringOArchive::allocate(std::size_t size) {
     if (size < largest_chunk) return {new char[size], Free{size}};
     void* const pages =
@@ -212,7 +214,7 @@ void StringOArchive::finish() {
     close_chunk();
     std::size_t total = written_;
     for (Chunk const& chunk : chunks_) total -= chunk.size;
-    result_.resize(total);  // what was written in its own bytes
+    result_.resize(total);  // what was written over its own bytes
     result_.reserve(written_);
     for (Chunk& chunk : chunks_) {
         result_.append(chunk.bytes.get(), chunk.size);

@@ -1,13 +1,12 @@
 #pragma once
-// The archives: where the bytes of one root object come from or go to, and which strings of
-// it have been met. None checks anything; exceptions of the caller's stream pass through.
+// The archives: where the bytes of one root object come from or go to, with the ids of its strings.
+// They check nothing. Exceptions of the caller's stream pass through.
 //
-// An archive lives for one root object. It pins each string that it has met.
+// An archive lives for one root object. It pins each string that has an id.
 //
-// A writing archive with a buffer keeps `room_ahead` bytes of room ahead of where the next byte
-// goes, whenever a container's element, a boxed value or a root is about to be written. What is
-// written from one of these to the next, texts apart, fits in there, so that nothing else asks for
-// room.
+// A writing archive with a buffer has room for at least `room_ahead` bytes whenever an element of a
+// container, a boxed value or a root is about to be written. All that is written from one of these
+// to the next, apart from texts, fits into that room, so nothing else asks for room.
 
 #include <sml/core/decimal_point.hpp>
 #include <sml/core/float_range.hpp>
@@ -37,7 +36,8 @@ Word word_at(char const* bytes) noexcept {
     return word;
 }
 
-/// Where the next byte goes. There is room for `room_ahead` bytes while `at` is not beyond `full`.
+/// Where the next byte goes. While `at` is not beyond `full`, there is room for `room_ahead` bytes;
+/// in `UnbufferedOArchive`, for `longest_number`.
 struct Room {
     char* at;
     char* full;
@@ -51,18 +51,18 @@ struct Room {
 
 }  // namespace core
 
-/// Writes to a caller's stream, through a buffer: the stream has all bytes once `finish` is called.
+/// Writes to a caller's stream through a buffer. The stream has all bytes when `finish` returns.
 ///
-/// Required: a stream that fails is in the state that item after item, each written on its own,
-/// leaves it in. An item behind the one that fails finds the stream bad, which sets the failbit,
-/// too. So the last item is always held back and written on its own.
+/// Required: a stream that fails is left in the same state as if each item were written by a call
+/// of its own. There, the item after the one that fails finds the stream bad, which sets the
+/// failbit, too. So the last item is always held back and written by a call of its own.
 class StreamOArchive {
 public:
     static constexpr bool writes = true;
 
     explicit StreamOArchive(std::ostream& stream);
 
-    /// Hands over what an exception has left in the buffer.
+    /// Writes what an exception has left in the buffer.
     ~StreamOArchive();
 
     StreamOArchive(StreamOArchive const&) = delete;
@@ -78,7 +78,7 @@ public:
         last_ = room.put(word);
     }
 
-    // Formatted, so the stream's width and fill take part.
+    // Formatted output: the stream's width and fill apply.
     void put_flag(char flag) {
         if (is_padded_) [[unlikely]]
             put_padded(flag);
@@ -86,7 +86,7 @@ public:
             last_ = room.put(flag);
     }
 
-    /// The bytes before `next` have been put, of which those from `last` on are one item.
+    /// The caller has put bytes up to `next` into the room. Those from `last` on are one item.
     void have_put(char* last, char* next) {
         last_ = last;
         room.at = next;
@@ -97,7 +97,7 @@ public:
             drain();
     }
 
-    /// An item of any size; leaves room ahead.
+    /// Writes an item of any size, and makes room after it.
     void put_long(char const* bytes, std::size_t size);
 
     void finish();
@@ -110,8 +110,8 @@ private:
     void put_padded(char flag);
 
     std::ostream* stream_;
-    bool          is_padded_;       // the next flag is
-    char*         last_ = nullptr;  // the start of the item that was put last; null where it is out
+    bool          is_padded_;       // whether the next flag is padded
+    char*         last_ = nullptr;  // the start of the item that was put last; null once written
     char          buffer_[buffer_size];
 };
 
@@ -136,8 +136,8 @@ public:
     }
     void put_flag(char flag);
 
-    /// A number of two or three items stands in the room: its length, a text, and what stands from
-    /// `last` to `next`.
+    /// The caller has put a number into the room, as two or three items: its length, its text, and
+    /// what is from `last` to `next`.
     void have_put(char const* last, char const* next);
 
     void make_room() {}
@@ -162,7 +162,8 @@ public:
     static constexpr std::size_t smallest_chunk = 4 * core::room_ahead;
     static constexpr std::size_t largest_chunk = std::size_t{1} << 20;
 
-    /// `result` gets the bytes when `finish` is called. Until then what it holds is overwritten.
+    /// `result` must outlive this object. It holds the bytes when `finish` returns; until then,
+    /// what it held is overwritten.
     explicit StringOArchive(std::string& result);
 
     StringOArchive(StringOArchive const&) = delete;
@@ -185,7 +186,7 @@ public:
             add_chunk(0);
     }
 
-    /// Bytes of any number; leaves room ahead.
+    /// Writes any number of bytes, and makes room after them.
     void put_long(char const* bytes, std::size_t size);
 
     void finish();
@@ -210,25 +211,25 @@ private:
     void close_chunk();
 
     std::string&       result_;
-    std::size_t        written_ = 0;  // before the chunk that is open
-    char*              start_;        // of the chunk that is open, or of the result
+    std::size_t        written_ = 0;  // bytes in front of the open chunk
+    char*              start_;        // of the open chunk, or of the result
     std::vector<Chunk> chunks_;
 };
 
 /// Reads from a caller's stream. A read that fails leaves the scratch word as it was, so the value
-/// read before it is taken for the new one.
+/// that was read before is taken again.
 ///
-/// What the stream's buffer holds already is taken from there, as the stream itself would. What it
-/// doesn't hold, and what only the stream can judge, the stream is asked for; nothing is read
-/// ahead. A stream with a tied stream is asked for each item: it flushes the other one before each.
-/// The stream stands behind the object once `finish` is called.
+/// Bytes that the stream's buffer holds already are taken from there, as the stream itself would
+/// take them. Other bytes, and flags other than T and F, are read by the stream; nothing is read
+/// ahead. A stream that is tied to another one reads each item itself, since it flushes the other
+/// one before each item. When `finish` returns, the stream is positioned after the object.
 class StreamIArchive {
 public:
     static constexpr bool writes = false;
 
     explicit StreamIArchive(std::istream& stream) : stream_(&stream) {}
 
-    /// Takes from the stream what an exception has left there.
+    /// Moves the stream past the bytes that were taken from its buffer before an exception.
     ~StreamIArchive();
 
     StreamIArchive(StreamIArchive const&) = delete;
@@ -248,22 +249,22 @@ public:
         return core::word_at<Word>(scratch_);
     }
 
-    // Formatted, so white space before the flag is skipped when the stream says so.
+    // Formatted input: white space before the flag is skipped if the stream is set to do so.
     char get_flag() {
         if (at_ != end_ && (*at_ == 'T' || *at_ == 'F')) [[likely]]
             return scratch_[0] = *at_++;
         return get_formatted();
     }
 
-    /// A block and a word of `more` bytes behind it, not taken yet; null where they are not at
-    /// hand.
+    /// Returns where a block starts that has this length and is followed by a word of `more` bytes,
+    /// without taking it; null if the buffer does not hold all of that.
     char const* view(std::int32_t length, std::int32_t more = 0) const {
         bool const is_here =
             length >= 0 && length <= longest_view && end_ - at_ >= std::int64_t{length} + more;
         return is_here ? at_ : nullptr;
     }
 
-    /// Takes them.
+    /// Takes the block and the word that `view` has returned.
     void skip(std::int32_t length, std::int32_t more = 0) {
         take_item(length);
         if (more == 0) return;
@@ -271,10 +272,10 @@ public:
         take_item(more);
     }
 
-    /// Takes from the stream what was taken from its buffer.
+    /// Moves the stream past the bytes that were taken from its buffer.
     void finish() { close(); }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::at_once};
+    core::StringsById strings_by_id{core::StringsById::Counting::immediately};
     char              point = core::decimal_point();
 
 private:
@@ -293,13 +294,13 @@ private:
     std::istream* stream_;
     alignas(std::uint64_t) char scratch_[sizeof(std::uint64_t)]{};
 
-    char const*  at_ = nullptr;  // the bytes at hand
+    char const*  at_ = nullptr;  // in the stream's buffer; null: the stream reads
     char const*  end_ = nullptr;
-    char const*  item_ = nullptr;  // what was taken last of them, flags apart
+    char const*  item_ = nullptr;  // the last item taken from there, but for flags
     std::int32_t item_size_ = 0;
 };
 
-/// Reads from a caller's bytes, without any bound.
+/// Reads from a caller's bytes, without a check where they end.
 class StringIArchive {
 public:
     static constexpr bool writes = false;
@@ -321,12 +322,12 @@ public:
 
     char get_flag() { return *cursor_++; }
 
-    /// A block, not taken yet; null for a length that no block has.
+    /// Returns where a block of this length starts, without taking it; null for a negative length.
     char const* view(std::int32_t length, std::int32_t = 0) const {
         return length < 0 ? nullptr : cursor_;
     }
 
-    /// Takes a block and `more` bytes behind it.
+    /// Takes a block and `more` bytes after it.
     void skip(std::int32_t length, std::int32_t more = 0) {
         cursor_ += std::int64_t{length} + more;
     }
@@ -334,7 +335,7 @@ public:
     /// The next unread byte.
     char const* cursor() const { return cursor_; }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::in_the_end};
+    core::StringsById strings_by_id{core::StringsById::Counting::at_end};
     char              point = core::decimal_point();
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
-// What stands behind the members that SML_VARIANT and SML_REFERENCE declare: arms by their names,
-// and the payload behind a tag.
+// The implementation of members that SML_VARIANT and SML_REFERENCE declare: finding arms by their
+// names, and the payload of a tag.
 
 #include <sml/core/arms.hpp>
 
@@ -22,7 +22,8 @@ inline constexpr std::size_t distance_between = [] {
 }();
 
 #ifdef __clang__
-// Clang shows a literal among template arguments as numbers, a character as what it is.
+// In messages, Clang shows a literal among template arguments as numbers, but a character as
+// itself.
 template <char... Character>
 struct Spelled {};
 template <Name A, std::size_t... Place>
@@ -34,7 +35,7 @@ template <Name A>
 struct Shown {};
 #endif
 
-/// Tags by the distance of their arms' names, the nearest first.
+/// All tags, sorted by the edit distance of their arms' names, the nearest first.
 template <Name Wanted, class... A>
 constexpr std::array<std::int32_t, sizeof...(A)> nearest_arms(Arms<A...>) {
     std::array<std::size_t, sizeof...(A)> const distances{distance_between<Wanted, A::literal>...};
@@ -46,7 +47,8 @@ constexpr std::array<std::int32_t, sizeof...(A)> nearest_arms(Arms<A...>) {
     return tags;
 }
 
-/// What the compiler shows where a variant is asked for an arm that it does not have.
+/// The compiler shows this type in its message if a variant is asked for an arm that it does not
+/// have.
 template <class Wanted, class... Nearest>
 struct NoArmNamed {};
 
@@ -62,7 +64,8 @@ auto look_for_arm() {
         return no_arm_named<V, ArmName>(std::make_index_sequence<few>());
 }
 
-/// The tag of the named arm. Where there is none, that of the nearest, so that one error suffices.
+/// The tag of the named arm. If there is none, this gives an error, and the tag of the nearest
+/// name, so that no further errors follow.
 template <class V, Name ArmName, class Error = decltype(look_for_arm<V, ArmName>())>
 consteval std::int32_t tag_of() {
     static_assert(std::is_void_v<Error>, "no arm has this name; the names behind it are nearest");
@@ -72,15 +75,15 @@ consteval std::int32_t tag_of() {
         return nearest_arms<ArmName>(typename V::arms())[0];
 }
 
-/// The members of all variants and references. A variant keeps the arm whose payload stands in its
-/// storage beside its tag.
+/// The members of all variants. Beside its tag, a variant has `alive_`: the arm whose payload is in
+/// its storage.
 struct ArmAccess {
     template <std::int32_t Index, class V>
     static auto& payload_at(V& variant) noexcept {
         using Payload = typename V::arms::template payload<Index>;
         static_assert(!std::is_void_v<Payload>, "this arm has no payload");
         if constexpr (std::is_void_v<Payload>) {
-            return variant;  // one error suffices
+            return variant;  // so that no further errors follow
         } else {
             using Held = std::conditional_t<std::is_const_v<V>, Payload const, Payload>;
             assert(variant.alive_ == Index);
@@ -103,7 +106,7 @@ private:
     template <class V, class Use, std::int32_t... Index>
     static void visit_payload(V const& variant, Use& use,
                               std::integer_sequence<std::int32_t, Index...>) {
-        std::int32_t const served = V::arms::serving(variant.tag);
+        std::int32_t const served = V::arms::arm_for(variant.tag);
         static_cast<void>(
             ((Index == served && (use_payload_at<Index>(variant, use), true)) || ...));
     }

@@ -17,17 +17,18 @@ template <Name ArmName, class... Payload>
 struct Arm {
     static_assert(sizeof...(Payload) <= 1, "an arm has one payload: group several in a struct");
 
-    static constexpr bool takes_rest = false;
+    static constexpr bool has_catch_all = false;
     static constexpr Name literal = ArmName;
     using payload = std::tuple_element_t<0, std::tuple<Payload..., void>>;
     static constexpr std::string_view name() { return ArmName.view(); }
     static constexpr char const*      text() { return ArmName.text; }
 };
 
-/// A last arm whose payload stands behind every tag that no other arm has, negative ones too.
+/// A catch-all arm, which must be the last one: its payload is also that of every tag that no other
+/// arm has, negative ones too.
 template <Name ArmName, class Payload>
 struct ElseArm : Arm<ArmName, Payload> {
-    static constexpr bool takes_rest = true;
+    static constexpr bool has_catch_all = true;
 };
 
 template <class Payload>
@@ -54,20 +55,20 @@ struct Arms {
     static constexpr std::array<char const*, sizeof...(A)> names{A::text()...};
     static constexpr std::array<bool, sizeof...(A)>        has_payload{
         !std::is_void_v<typename A::payload>...};
-    static constexpr bool takes_rest = arm<last>::takes_rest;
+    static constexpr bool has_catch_all = arm<last>::has_catch_all;
 
     static constexpr std::size_t storage_size =
         std::max({std::size_t{1}, size_of_payload<typename A::payload>...});
     static constexpr std::size_t storage_align =
         std::max({align_of_payload<typename A::payload>...});
 
-    /// The arm whose payload stands behind `tag`, -1 where nothing does.
-    static constexpr std::int32_t serving(std::int32_t tag) {
+    /// The arm whose payload belongs to `tag`, -1 if the tag has no payload.
+    static constexpr std::int32_t arm_for(std::int32_t tag) {
         if (tag >= 0 && tag < count) return has_payload[static_cast<std::size_t>(tag)] ? tag : -1;
-        return takes_rest ? last : -1;
+        return has_catch_all ? last : -1;
     }
 
-    /// `count` where no arm has the name.
+    /// The tag of the arm with this name, `count` if there is none.
     template <Name ArmName>
     static consteval std::int32_t tag_of() {
         std::int32_t tag = 0;
@@ -80,12 +81,13 @@ struct Arms {
         return std::ranges::is_sorted(all, std::ranges::less_equal{}) || all.size() == 1;
     }
     static consteval bool only_last_takes_rest() {
-        std::int32_t const taking = (0 + ... + (A::takes_rest ? 1 : 0));
-        return taking == (takes_rest ? 1 : 0);
+        std::int32_t const taking = (0 + ... + (A::has_catch_all ? 1 : 0));
+        return taking == (has_catch_all ? 1 : 0);
     }
 };
 
-/// What is asked of the arms where a variant is defined; users of its header need not wait for it.
+/// Checks the arms of a variant. This is done where the variant is defined, to save the users of
+/// its header the time.
 template <class Arms>
 struct WellFormed {
     static_assert(Arms::names_ascend(), "arms stand in ascending byte order of their names");
@@ -93,7 +95,8 @@ struct WellFormed {
     static constexpr bool value = true;
 };
 
-/// The tag of a variant: reads as an `int32`, changes only with the arm. -1: no arm chosen yet.
+/// The tag of a variant. It converts to an `int32`, and changes only together with the payload. -1:
+/// unset.
 class Tag {
 public:
     Tag() = default;

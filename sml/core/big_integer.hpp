@@ -15,7 +15,7 @@ namespace sml {
 using BigInteger =
     boost::multiprecision::number<boost::multiprecision::gmp_int, boost::multiprecision::et_off>;
 
-/// Limb by limb, least significant first, then the sign.
+/// Combines the limbs, the least significant one first, and then the sign.
 template <>
 struct Hash<BigInteger> {
     std::size_t operator()(BigInteger const& key) const {

@@ -210,7 +210,7 @@ struct Comparison {
         return a.with_fields([&](auto const&... left) {
             return b.with_fields([&](auto const&... right) {
                 bool result = false;
-                static_cast<void>((settled_by_less(left, right, result) || ...));
+                static_cast<void>((decides_by_less(left, right, result) || ...));
                 return result;
             });
         });
@@ -237,7 +237,7 @@ private:
             [&](auto const&... left) {
                 bool        result = false;
                 std::size_t left_to_do = sizeof...(right);
-                static_cast<void>((settled(left, right, --left_to_do == 0, result) || ...));
+                static_cast<void>((decides(left, right, --left_to_do == 0, result) || ...));
                 return result;
             },
             left_parts);
@@ -245,7 +245,7 @@ private:
 
     /// Whether this part decides the comparison; if it does, `result` says how.
     template <class T>
-    static bool settled(T const& left, T const& right, bool is_last, bool& result) {
+    static bool decides(T const& left, T const& right, bool is_last, bool& result) {
         if (!is_last && same(left, right)) return false;
         result = less(left, right);
         return result || is_last || !equal(left, right);
@@ -253,26 +253,27 @@ private:
 
     /// The same by `<` in both directions, without equality.
     template <class T>
-    static bool settled_by_less(T const& left, T const& right, bool& result) {
+    static bool decides_by_less(T const& left, T const& right, bool& result) {
         if (same(left, right)) return false;
-        result = less_alone(left, right);
-        return result || less_alone(right, left);
+        result = less_without_equality(left, right);
+        return result || less_without_equality(right, left);
     }
 
     /// `<` of a part whose components are not compared by equality either.
     template <class T>
-    static bool less_alone(T const& a, T const& b) {
+    static bool less_without_equality(T const& a, T const& b) {
         return less(a, b);
     }
 
     template <Optional T>
-    static bool less_alone(T const& a, T const& b) {
+    static bool less_without_equality(T const& a, T const& b) {
         if (!b) return false;
-        return !a || less_alone(*a, *b);
+        return !a || less_without_equality(*a, *b);
     }
 
     template <class First, class Second>
-    static bool less_alone(std::pair<First, Second> const& a, std::pair<First, Second> const& b) {
+    static bool less_without_equality(std::pair<First, Second> const& a,
+                                      std::pair<First, Second> const& b) {
         if (less(a.first, b.first)) return true;
         return !less(b.first, a.first) && less(a.second, b.second);
     }

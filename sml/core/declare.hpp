@@ -1,15 +1,14 @@
 #pragma once
-// What a schema header needs to declare its types: the vocabulary and the declaring macros.
+// Types and macros with which a schema header declares its types.
 //
 //   SML_RECORD(Type, fields...)   a record of the schema, fields in wire order
 //   SML_FIELDS(Type, fields...)   the parts of an arm that has no record of its own
-//   SML_VARIANT(Type)             a variant; `using arms = core::Arms<...>` stands before it
+//   SML_VARIANT(Type)             a variant; `using arms = core::Arms<...>` comes before it
 //   SML_REFERENCE(Type, Id, Ptr)  an identifier or an address in one 8-byte word
 //   SML_ENUM(Type, names...)      an enumeration, names in ascending byte order
 //   SML_OWN_LIFE(Type)            a record whose special members the library defines
 //
-// Each declares members that the module's source file defines with the macros of
-// `sml/core/define.hpp`.
+// The module's source file defines the declared members, with the macros of `sml/core/define.hpp`.
 
 #include <sml/core/Strings.hpp>
 #include <sml/core/arm_access.hpp>
@@ -51,14 +50,14 @@ namespace core {
 
 struct VariantAccess;
 
-/// Tables whose keys are hashed by `sml::Hash`.
+/// Sets and maps whose keys are hashed by `sml::Hash`.
 template <class Key>
 using HashedSet = std::unordered_set<Key, Hash<Key>>;
 template <class Key, class Value>
 using HashedMap = std::unordered_map<Key, Value, Hash<Key>>;
 
-/// The order or hash of a map that is read insert-then-read: a key that comes twice keeps its
-/// first key object and takes its last value.
+/// The order or hash of a map whose reader keeps the first key of several equal ones, and reads the
+/// later values over the first one. Maps with other orders or hashes drop the later entries.
 template <class Base>
 struct LastWins : Base {};
 
@@ -70,8 +69,9 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
 }  // namespace core
 }  // namespace sml
 
-/// Lists the fields once more for the generic algorithms. The structured binding is never called:
-/// it refuses to compile when a field is missing from the list.
+/// Lists the fields once more for the generic algorithms. `with_fields` returns what `use` returns
+/// for all fields, in wire order. `every_field_is_listed` is never called: it does not compile if a
+/// field is missing from the list.
 #define SML_FIELDS(Type, ...)                                                    \
     static constexpr char const* field_names() noexcept { return #__VA_ARGS__; } \
     template <class Use>                                                         \
@@ -108,6 +108,8 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     SML_API Type& operator=(Type&& other);      \
     SML_API ~Type()
 
+/// `toString` returns the name of the arm, that of arm 0 for an unset variant, and null for an
+/// unknown tag.
 #define SML_VARIANT(Type)         \
     SML_COMPARISON_MEMBERS(Type); \
     SML_VARIANT_WITHOUT_COMPARISON(Type)
@@ -118,9 +120,9 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     SML_OWN_LIFE(Type);                                                                         \
     SML_API char const* toString() const;                                                       \
     SML_SERIALIZE_MEMBER;                                                                       \
-    /* Sets any tag, unknown ones too, and makes the payload that it has anew. */               \
+    /* Sets any tag, unknown ones too, and makes a new payload if the tag has one. */           \
     SML_API void choose_tag(std::int32_t new_tag);                                              \
-    /* Chooses an arm by name and makes it anew; gives its payload, if it has one. */           \
+    /* Sets the tag of the named arm and makes a new payload; returns it, if it has one. */     \
     template <::sml::core::Name ArmName>                                                        \
     decltype(auto) choose() {                                                                   \
         return ::sml::core::ArmAccess::choose<::sml::core::tag_of<Type, ArmName>()>(*this);     \
@@ -130,7 +132,7 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     bool holds() const noexcept {                                                               \
         return tag == ::sml::core::tag_of<Type, ArmName>();                                     \
     }                                                                                           \
-    /* The payload of the named arm, which must stand behind the tag. */                        \
+    /* Returns the payload of the named arm, which must be the one that there is. */            \
     template <::sml::core::Name ArmName>                                                        \
     auto& arm() noexcept {                                                                      \
         return ::sml::core::ArmAccess::payload_at<::sml::core::tag_of<Type, ArmName>()>(*this); \
@@ -139,8 +141,8 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     auto const& arm() const noexcept {                                                          \
         return ::sml::core::ArmAccess::payload_at<::sml::core::tag_of<Type, ArmName>()>(*this); \
     }                                                                                           \
-    /* Calls `use` with the payload behind the tag, if there is one; a last arm that was        \
-       never built counts as its default. */                                                    \
+    /* Calls `use` with the payload of the tag, if it has one. If a default-constructed variant \
+       has a catch-all arm, whose payload it lacks, `use` gets a default-constructed one. */    \
     template <class Use>                                                                        \
     void visit_payload(Use&& use) const {                                                       \
         ::sml::core::ArmAccess::visit_payload(*this, use);                                      \
@@ -150,10 +152,11 @@ private:                                                                        
     friend struct ::sml::core::ArmAccess;                                                       \
     friend struct ::sml::core::VariantAccess;                                                   \
                                                                                                 \
-    std::int32_t alive_ = -1; /* the arm whose payload stands in the storage */                 \
+    std::int32_t alive_ = -1; /* the arm whose payload is in the storage */                     \
     alignas(arms::storage_align) std::byte storage_[arms::storage_size]
 
-/// The word is on the wire whatever the tag; it compares as signed in arm 0, else as unsigned.
+/// A tag and a word of 8 bytes, which is written for any tag. Words are compared as signed numbers
+/// if the tag is 0, else as unsigned ones.
 #define SML_REFERENCE(Type, IdName, PtrName)                                  \
     using arms = ::sml::core::Arms<::sml::core::Arm<IdName, std::int64_t>,    \
                                    ::sml::core::Arm<PtrName, std::uint64_t>>; \
@@ -164,7 +167,7 @@ private:                                                                        
     SML_COMPARISON_MEMBERS(Type);                                             \
     SML_SERIALIZE_MEMBER;                                                     \
     SML_API char const* toString() const;                                     \
-    /* Chooses an arm by name with the word 0; gives the word. */             \
+    /* Sets the tag of the named arm and the word 0; returns the word. */     \
     template <::sml::core::Name ArmName>                                      \
     std::uint64_t& choose() noexcept {                                        \
         which = ::sml::core::tag_of<Type, ArmName>();                         \
@@ -176,7 +179,7 @@ private:                                                                        
     bool holds() const noexcept {                                             \
         return which == ::sml::core::tag_of<Type, ArmName>();                 \
     }                                                                         \
-    /* The word, which must be held under the named arm. */                   \
+    /* Returns the word. The tag must be that of the named arm. */            \
     template <::sml::core::Name ArmName>                                      \
     std::uint64_t& arm() noexcept {                                           \
         assert(holds<ArmName>());                                             \
@@ -189,7 +192,8 @@ private:                                                                        
     }                                                                         \
     static_assert(true)
 
-/// `enumerators(Type{})` gives the names as spelled; `toString` a null pointer outside them.
+/// `enumerators(Type{})` returns the names in order; `toString` returns null for a number that has
+/// no name.
 #define SML_ENUM(Type, ...)                           \
     enum Type : std::int32_t { __VA_ARGS__ };         \
     template <::sml::core::Name Names = #__VA_ARGS__> \

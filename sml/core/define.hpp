@@ -1,11 +1,11 @@
 #pragma once
-// What a schema source file needs: one macro a type defines and exports the declared members.
-// The list of these lines is the module's export list.
+// Macros for the source file of a schema module: one line for each type defines and exports the
+// members that its header declares. These lines are the module's export list.
 
 #include <sml/core/variant.hpp>
 
-// The archives are not exported, so the visibility stands on each instantiation. The one of
-// UnbufferedOArchive is no part of the interface.
+// The archives are not exported, so each instantiation is marked as exported. That for
+// UnbufferedOArchive is not part of the interface.
 #define SML_INSTANTIATE_SERIALIZE(Type)                                                          \
     template SML_API void Type::serialize<::sml::StreamOArchive>(::sml::StreamOArchive&,         \
                                                                  unsigned int);                  \
@@ -88,7 +88,7 @@
     }                                                                                \
     static_assert(true)
 
-/// Special members that do what the compiler's own would.
+/// Defines special members that do what the compiler's own would do.
 #define SML_DEFAULT_LIFE(Type)                          \
     Type::Type() = default;                             \
     Type::Type(Type const& other) = default;            \

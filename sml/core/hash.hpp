@@ -1,5 +1,5 @@
 #pragma once
-// The one hash combining step, and `sml::Hash`, the functor of every hashed key but plain handles.
+// How hashes are combined, and `sml::Hash`, the functor of all hashed keys but plain handles.
 
 #include <sml/core/Strings.hpp>
 
@@ -11,7 +11,7 @@ namespace sml {
 
 namespace core {
 
-/// Folds `value` into `seed`, wrapping around.
+/// Combines `value` with `seed`, modulo 2^64, and returns the new seed.
 constexpr std::uint64_t combine(std::uint64_t seed, std::uint64_t value) noexcept {
     constexpr std::uint64_t factor = 0xc6a4a7935bd1e995;
     value *= factor;
@@ -20,7 +20,7 @@ constexpr std::uint64_t combine(std::uint64_t seed, std::uint64_t value) noexcep
     return (seed ^ value) * factor + 0xe6546b64;
 }
 
-/// An `int32` as the combining step takes it: sign-extended.
+/// An `int32` as an argument of `combine`: sign-extended.
 constexpr std::uint64_t hash_word(std::int32_t value) noexcept {
     return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
 }
@@ -33,7 +33,8 @@ concept HashedVariant = requires(T const& value) {
 
 }  // namespace core
 
-/// Hash functor of a key type: its own `hash()`, or tag and payload of a variant.
+/// The hash functor of a key type. Calls its `hash()`; for a variant, combines the tag and the hash
+/// of the payload, or 0 if there is none.
 template <class T>
 struct Hash {
     std::size_t operator()(T const& key) const {
@@ -49,7 +50,7 @@ struct Hash {
     }
 };
 
-/// A numbered key of the result tables.
+/// The hash functor of numbered keys: a string and a number.
 template <>
 struct Hash<std::pair<Strings_T, std::int32_t>> {
     std::size_t operator()(std::pair<Strings_T, std::int32_t> const& key) const {

@@ -1,5 +1,5 @@
 #pragma once
-// Which rule of the wire form and of the comparison a C++ type falls under.
+// The kinds of C++ types, by which rules of the wire form and of comparison are chosen.
 
 #include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>
@@ -40,7 +40,7 @@ template <class T>
 concept Word =
     (std::is_integral_v<T> && !std::is_same_v<T, bool> && sizeof(T) >= 4) || std::is_enum_v<T>;
 
-/// A record or the grouped parts of an arm.
+/// A record, a reference, or the grouped parts of an arm.
 template <class T>
 concept Fielded = requires {
     T::field_names();
@@ -60,13 +60,14 @@ struct TypesOf {
 template <class T>
 using FieldTypes = decltype(std::declval<T&>().with_fields(TypesOf{}));
 
-/// The types of the parts of a pair or tuple, as the type of what this would return.
+/// The types of the parts of a pair or tuple, as the result type of a function that is only
+/// declared.
 template <class... T>
 Types<T...> parts_of(std::pair<T...> const&);
 template <class... T>
 Types<T...> parts_of(std::tuple<T...> const&);
 
-/// Has members of its own for the wire form and, mostly, for comparison.
+/// A class with members of its own for the wire form and, in most cases, for comparison.
 template <class T>
 concept Serialized = requires(T& value, StringOArchive& archive) {
     value.serialize(archive, 0u);
@@ -93,7 +94,7 @@ concept Leaf = Word<T> || std::is_same_v<T, bool> || std::is_same_v<T, double> |
     std::is_same_v<T, std::string> || std::is_same_v<T, Strings_T> ||
     std::is_same_v<T, BigInteger> || std::is_same_v<T, zelvanite::IEEE754Float>;
 
-/// Everything that a field or a payload may be.
+/// The types that a field or a payload can have.
 template <class T>
 concept WireType = Leaf<T> || List<T> || Set<T> || Map<T> || Optional<T> || Boxed<T> ||
     PairOrTuple<T> || FlagArray<T> || Fielded<T> || Serialized<T>;
@@ -103,8 +104,9 @@ struct WireFormAnswer {
     static constexpr bool exists = WireType<T>;
 };
 
-/// Asking for a type that is none gives one error, however often it is asked. The answer is
-/// inherited: clang drops the members that stand beside a failed assertion.
+/// Asserts that a type has a wire form: one that has none gives one error, however often this is
+/// used. `exists` is inherited, because clang drops the members of a class in which an assertion
+/// fails.
 template <class T>
 struct WireForm : WireFormAnswer<T> {
     static_assert(WireType<T>, "this type has no wire form");

@@ -18,8 +18,8 @@ struct Name {
     constexpr std::string_view view() const { return {text, Size - 1}; }
 };
 
-/// How many letters have to be added, taken away or changed to make one text of the other. `row`
-/// has room for one number more than `b` has letters.
+/// The number of letters that must be added, removed or changed to make one text of the other.
+/// `row` must have room for one number more than `b` has letters.
 constexpr std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t* row) {
     for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
     for (std::size_t i = 0; i < a.size(); ++i) {

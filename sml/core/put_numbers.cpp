@@ -76,7 +76,7 @@ char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noex
     auto const          first_bits = static_cast<int>((exponent - 1) & 3) + 1;
     std::uint64_t const rest_high = high << first_bits | low >> (limb_bits - first_bits);
     std::uint64_t const rest_low = low << first_bits;
-    mpfr_exp_t const    told_exponent = exponent - first_bits;
+    mpfr_exp_t const    written_exponent = exponent - first_bits;
 
     char* const block = at;
     at += sizeof(std::int32_t);
@@ -97,8 +97,9 @@ char* put_float(char* at, zelvanite::IEEE754Float const& value, char point) noex
         }
     }
     *at++ = 'P';
-    *at++ = told_exponent < 0 ? '-' : '+';
-    auto const amount = static_cast<unsigned>(told_exponent < 0 ? -told_exponent : told_exponent);
+    *at++ = written_exponent < 0 ? '-' : '+';
+    auto const amount =
+        static_cast<unsigned>(written_exponent < 0 ? -written_exponent : written_exponent);
     if (amount >= 10000) *at++ = static_cast<char>('0' + amount / 10000);
     if (amount >= 1000) *at++ = static_cast<char>('0' + amount / 1000 % 10);
     if (amount >= 100) *at++ = static_cast<char>('0' + amount / 100 % 10);

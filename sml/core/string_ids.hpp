@@ -72,14 +72,14 @@ public:
     /// Until then a pin, a large number added to each count, keeps it from reaching zero, and
     /// nobody may look at a count: so the only code of the caller that may run is its memory
     /// functions.
-    enum class Counting { at_once, in_the_end };
+    enum class Counting { immediately, at_end };
 
     explicit StringsById(Counting counting) : counting_(counting) {}
     StringsById(StringsById const&) = delete;
     StringsById& operator=(StringsById const&) = delete;
     ~StringsById() {
         for (InTurn const& string : in_turn_)
-            if (string.entry != nullptr) settle(string);
+            if (string.entry != nullptr) count_handles(string);
     }
 
     /// Makes `handle` refer to the string of `id`, which is at least 1.
@@ -90,7 +90,7 @@ public:
         } else if (InTurn& string = in_turn_[index]; handle.fStr != string.entry) {
             handle.release();
             handle.fStr = string.entry;
-            if (counting_ == Counting::at_once)
+            if (counting_ == Counting::immediately)
                 handle.retain();
             else
                 ++string.uncounted;
@@ -98,7 +98,7 @@ public:
     }
 
     /// Sets the string of `id`, unless the id has one.
-    void give(std::int32_t id, Strings_T const& handle) {
+    void define(std::int32_t id, Strings_T const& handle) {
         if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty() &&
             can_pin(handle)) {
             in_turn_.push_back({handle.fStr, 0});
@@ -124,13 +124,13 @@ private:
     static constexpr std::uint64_t highest_count = std::uint64_t{1} << 63;
 
     /// The number that is added to a string's count as long as this object holds it.
-    std::uint64_t pin() const { return counting_ == Counting::at_once ? 1 : most_handles; }
+    std::uint64_t pin() const { return counting_ == Counting::immediately ? 1 : most_handles; }
 
     static bool can_pin(Strings_T const& handle) {
         return handle.fStr == nullptr || handle.fStr->count < highest_count;
     }
 
-    void settle(InTurn const& string) const {
+    void count_handles(InTurn const& string) const {
         string.entry->count += string.uncounted - pin();
         if (string.entry->count == 0) Strings_T::fAllStrings.erase(*string.entry);
     }

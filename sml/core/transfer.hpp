@@ -235,7 +235,7 @@ private:
         read(text);
         handle = text;
         auto const id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
-        archive_.strings_by_id.give(id, handle);
+        archive_.strings_by_id.define(id, handle);
     }
 
     template <Optional T>

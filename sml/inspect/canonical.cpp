@@ -23,7 +23,7 @@ using Texts = std::pmr::vector<std::string_view>;
 
 constexpr std::size_t rank_size = 4;
 
-/// By where the text stands: encodable bytes have a text in full once.
+/// The ranks of texts by the address of the text: encodable bytes define each text once.
 using Ranks = std::pmr::unordered_map<std::uint64_t, std::uint32_t, SeededHash>;
 
 std::uint64_t place_of(std::string_view text) {
@@ -31,7 +31,7 @@ std::uint64_t place_of(std::string_view text) {
 }
 
 /// Collects the distinct texts.
-class TextCollector : public SilentVisitor {
+class TextCollector : public BaseVisitor {
 public:
     explicit TextCollector(std::pmr::memory_resource* memory) : texts(memory), ranks_(memory) {}
 
@@ -41,7 +41,7 @@ public:
 
     Texts texts;
 
-    /// Sorts the texts and gives their places.
+    /// Sorts the texts and returns their ranks, which are their indices in that order.
     Ranks take_ranks() {
         std::ranges::sort(texts);
         for (std::uint32_t rank = 0; rank < texts.size(); ++rank)
@@ -53,10 +53,10 @@ private:
     Ranks ranks_;
 };
 
-/// The bytes in a form of which comparing bytes compares strings by text: a string is the rank of
-/// its text, highest byte first. All else is as a writer makes it. Entries stand in their canonical
-/// order.
-class RankedForm : public SilentVisitor {
+/// The value in a form in which comparing bytes compares strings by text: a string is the rank of
+/// its text, highest byte first. All else is as a writer makes it. Elements of sets and entries of
+/// maps are in canonical order.
+class RankedForm : public BaseVisitor {
 public:
     RankedForm(Ranks ranks, std::pmr::memory_resource* memory)
         : bytes(memory), ranks_(std::move(ranks)), entries_(memory), first_entry_(memory) {}
@@ -107,7 +107,7 @@ public:
 private:
     struct Entry {
         std::size_t start;
-        std::size_t key_end;  // the start where the entry is a key alone
+        std::size_t key_end;  // the start if the entry has no value
         std::size_t end = 0;
     };
 
@@ -145,8 +145,8 @@ private:
     std::pmr::vector<std::size_t> first_entry_;  // of each of them
 };
 
-/// Takes the ranked form of a value and writes the canonical bytes: each string in full where it
-/// is met first, under the next id.
+/// Takes the ranked form of a value and writes the canonical bytes: each string is defined where it
+/// occurs first, with the next id.
 class CanonicalWriter {
 public:
     CanonicalWriter(WalkedBytes& ranked, Texts const& texts, PieceOutput& out)

@@ -1,5 +1,5 @@
 #pragma once
-// Descriptors from declarations: `describe<T>()`.
+// Makes descriptors of types from their declarations: `describe<T>()`.
 
 #include <sml/core/kinds.hpp>
 #include <sml/inspect/reader/heap_chunk.hpp>
@@ -28,8 +28,8 @@ using core::FieldTypes;
 using core::parts_of;
 using core::Types;
 
-/// Holds the descriptor of a type. Naming its address asks for no more than this declaration, which
-/// is what lets a type hold its own kind.
+/// Holds the descriptor of a type. Its address can be named after this declaration alone, so a type
+/// can contain itself.
 template <class T>
 struct Described {
     static Type const type;
@@ -53,7 +53,7 @@ consteval Kind kind_of_leaf() {
     if constexpr (std::is_same_v<T, Strings_T>) return Kind::string;
 }
 
-/// The tables that a descriptor points to.
+/// The arrays that a descriptor points to.
 template <class T>
 struct Tables {};
 
@@ -94,7 +94,7 @@ struct Tables<T> {
         named_parts<T>(FieldTypes<T>{}, std::make_index_sequence<FieldNames<T>::count>{});
 };
 
-/// The types of the parts of what has parts.
+/// The types of the parts of a type with parts.
 template <class T>
 struct PartTypesOf;
 template <class T>
@@ -177,9 +177,9 @@ consteval std::uint32_t least_size_of_arm() {
 
 template <class V, std::int32_t... Index>
 consteval std::uint32_t least_size_of_arms(std::integer_sequence<std::int32_t, Index...>) {
-    // A tag that stands bare needs nothing more; asking no further also ends the recursion of
-    // types that hold their own kind.
-    if constexpr (!V::arms::takes_rest)
+    // Without catch-all arm, an unknown tag has no payload. That the payloads are not looked at
+    // also ends the recursion of types that contain themselves.
+    if constexpr (!V::arms::has_catch_all)
         return 0;
     else
         return std::min({least_size_of_arm<typename V::arms::template payload<Index>>()...});
@@ -203,8 +203,8 @@ consteval std::uint32_t least_size() {
         return own;
 }
 
-/// Whether a walk can pass a part of this kind at a glance: the id of a string told before, a bare
-/// tag, a container without entries, what is absent.
+/// Whether a walk can skip a part of this kind after one comparison: a back-reference, a flag, an
+/// enumerator, a tag without payload, an empty container, an absent optional.
 constexpr bool passes_at_a_glance(Kind kind) {
     return kind == Kind::string || kind == Kind::flag || kind == Kind::enumeration ||
            kind == Kind::optional || kind == Kind::variant || kind == Kind::list ||
@@ -224,9 +224,10 @@ consteval bool are_arms_of_key(std::integer_sequence<std::int32_t, Index...>) {
     return (is_key<typename V::arms::template payload<Index>, is_hashed>() && ...);
 }
 
-/// Whether the keys of sets and maps may have this type, or an arm of such a key this payload:
-/// `take_key` takes it apart. Floating point equals itself in ways of its own, and no key holds
-/// containers, boxes, references or rows of flags. Of hashed ones the readers' hash is known.
+/// Whether `take_key` can take a type apart: in a key, as a part of one, or as a payload of an arm
+/// of one. Floating-point numbers have an equality of their own, and no key holds containers,
+/// boxes, references or rows of flags. No key in a hash table holds an optional: the readers' hash
+/// of one is not known.
 template <class T, bool is_hashed>
 consteval bool is_key() {
     using namespace core;
@@ -245,12 +246,12 @@ consteval bool is_key() {
         return false;
 }
 
-/// Takes parts apart. There is room for all of them and for the end.
+/// Collects the flat parts of a type. It has room for all of them and for the end.
 template <std::size_t Size>
 struct FlatParts {
     std::array<FlatPart, Size + 1> parts{};
     std::size_t                    count = 0;
-    FlatPart next{};  // what is added next: the words before it, the way to it
+    FlatPart next{};  // what is added next: the words before it, the path to it
 
     template <class... T>
     constexpr void add_all(Types<T...>) {
@@ -278,7 +279,7 @@ struct FlatParts {
         next.words_before = 0;
     }
 
-    /// Adds the end, and the sizes of rows to all.
+    /// Adds the end, and computes `least_size_of_row` of all.
     constexpr void end() {
         add_part(nullptr, Kind::record, 0);
         std::uint32_t behind = 0;
@@ -382,7 +383,7 @@ constexpr Type make() {
     } else if constexpr (HasArms<T>) {
         type.name = name_of<T>();
         type.arms = ArmTable<T>::arms;
-        type.takes_rest = T::arms::takes_rest;
+        type.has_catch_all = T::arms::has_catch_all;
     } else {
         type.name = name_of<T>();
         type.parts = Tables<T>::parts;

@@ -1,7 +1,7 @@
 #include <sml/inspect/dump.hpp>
 
+#include <sml/inspect/dropped_entries.hpp>
 #include <sml/inspect/read_over.hpp>
-#include <sml/inspect/superseded.hpp>
 #include <sml/inspect/text/json_writer.hpp>
 #include <sml/inspect/walk/path_match.hpp>
 #include <sml/inspect/walk/walker.hpp>
@@ -28,7 +28,7 @@ void write_unsafe(JsonWriter& json, Finding const& finding) {
     json.close('}');
 }
 
-/// Writes all that it is told.
+/// Writes each event as JSON.
 class JsonVisitor {
 public:
     JsonVisitor(std::ostream& out, Form form, Budget& budget)
@@ -54,7 +54,7 @@ public:
         json_.end_line();
     }
 
-    /// In the place of a value.
+    /// Writes an unsafe finding in place of a value.
     void mark(Finding const& finding) {
         json_.open('{');
         json_.member("unsafe");
@@ -63,7 +63,7 @@ public:
         if (in_lines_ && depth_ == 0) json_.end_line();
     }
 
-    /// In the place of an entry of the container at hand.
+    /// Writes it in place of an entry of the open container.
     void mark_entry(Finding const& finding) {
         begin_entry();
         mark(finding);
@@ -92,7 +92,7 @@ public:
     }
 
     void enumeration(Type const& type, std::int32_t value) {
-        if (type.knows_tag(value))
+        if (type.has_tag(value))
             append_json_string(json_.text, type.enumerators[static_cast<std::size_t>(value)]);
         else
             append_json_integer(json_.text, std::int64_t{value});
@@ -127,7 +127,7 @@ public:
     void begin_variant(Type const& type, std::int32_t tag) {
         json_.open('{');
         json_.member("arm");
-        if (type.knows_tag(tag))
+        if (type.has_tag(tag))
             return append_json_string(json_.text, type.arms[static_cast<std::size_t>(tag)].name);
         json_.text += "null";
         json_.member("tag");
@@ -169,19 +169,19 @@ private:
     std::size_t depth_ = 0;
 };
 
-/// Hands on what stands in the part asked for, without the entries that a reader drops.
-class Picker : public SilentVisitor {
+/// Passes on the events in the selected part, except those of the entries that a reader drops.
+class SelectingVisitor : public BaseVisitor {
 public:
-    Picker(Walk const& walk, Root const& root, std::ostream& out, DumpOptions const& options,
-           Superseded superseded)
+    SelectingVisitor(Walk const& walk, Root const& root, std::ostream& out,
+                     DumpOptions const& options, DroppedEntries dropped)
         : walk_(walk),
           root_(root),
           options_(options),
           match_(walk, options.path),
-          superseded_(std::move(superseded.entries)),
-          repeated_(std::move(superseded.findings)),
+          dropped_(std::move(dropped.entries)),
+          repeated_(std::move(dropped.findings)),
           json_(out, options.form, walk.budget) {
-        dumped.odd_count = superseded_.size();
+        dumped.odd_count = dropped_.size();
         if (options.path.empty()) select(*root.type, 0);
     }
 
@@ -189,7 +189,7 @@ public:
         if (is_selected_) deselect();
         dumped.found = was_selected_;
         dumped.reached = match_.reached();
-        // The unsafe one stands last and is always told.
+        // The unsafe finding is the last one, and is always listed.
         auto&      findings = dumped.findings;
         auto const unsafe = [&] { return findings.end() - (dumped.answer == Answer::unsafe); };
         findings.insert(unsafe(), repeated_.begin(), repeated_.end());
@@ -241,7 +241,7 @@ public:
     void part(Type const& type, std::uint64_t index) {
         leave_part();
         end_skipping();
-        if (!superseded_.empty() && type.is_container() && superseded_.contains(walk_.offset()))
+        if (!dropped_.empty() && type.is_container() && dropped_.contains(walk_.offset()))
             skipped_depth_ = std::min(skipped_depth_, walk_.depth());
         if (is_on()) json_.part(type, index);
         enter_part(type.kind == Kind::map ? *type.key
@@ -330,7 +330,8 @@ private:
         if (is_searched && match_.step()) select(type, walk_.depth());
     }
 
-    // The part that was selected ends where another one of its owner begins, or its owner ends.
+    // The selected part ends where the next part of the value around it begins, or where that value
+    // ends.
     void leave_part() {
         bool const is_part = is_selected_ && !options_.path.empty();
         if (is_part && walk_.depth() <= selected_depth_) deselect();
@@ -341,37 +342,38 @@ private:
         if (is_skipping && walk_.depth() <= skipped_depth_) skipped_depth_ = no_depth;
     }
 
-    Walk const&                   walk_;
-    std::size_t                   listed_ = 0;
-    Root const&                   root_;
-    DumpOptions const&            options_;
-    PathMatch                     match_;
-    decltype(Superseded::entries) superseded_;
-    std::vector<Finding>          repeated_;
-    JsonVisitor                   json_;
-    bool                          is_selected_ = false;
-    bool                          was_selected_ = false;
-    bool                          is_root_over_ = false;
-    Finding const*                behind_value_ = nullptr;
-    std::size_t                   selected_depth_ = 0;
-    std::size_t                   skipped_depth_ = no_depth;
+    Walk const&                       walk_;
+    std::size_t                       listed_ = 0;
+    Root const&                       root_;
+    DumpOptions const&                options_;
+    PathMatch                         match_;
+    decltype(DroppedEntries::entries) dropped_;
+    std::vector<Finding>              repeated_;
+    JsonVisitor                       json_;
+    bool                              is_selected_ = false;
+    bool                              was_selected_ = false;
+    bool                              is_root_over_ = false;
+    Finding const*                    behind_value_ = nullptr;
+    std::size_t                       selected_depth_ = 0;
+    std::size_t                       skipped_depth_ = no_depth;
 };
 
 Dumped dump_entries(Root const& root, std::string_view bytes, std::ostream& out,
-                    DumpOptions const& options, Superseded superseded, Budget& budget) {
-    Walk   walk(bytes, options.walk.walk(), budget);
-    Picker picker(walk, root, out, options, std::move(superseded));
+                    DumpOptions const& options, DroppedEntries dropped, Budget& budget) {
+    Walk             walk(bytes, options.walk.walk(), budget);
+    SelectingVisitor visitor(walk, root, out, options, std::move(dropped));
     try {
-        Walker(walk, picker).run(*root.type);
-        picker.finish();
+        Walker(walk, visitor).run(*root.type);
+        visitor.finish();
     } catch (OutputEnded const&) {
-        // The caller sees it by the stream; what has been found up to there is told.
+        // The state of the stream shows it to the caller. The findings until then are returned.
     }
-    return std::move(picker.dumped);
+    return std::move(visitor.dumped);
 }
 
-/// Of bytes that are within the limits, what a reader keeps is, too, but for an empty text that
-/// takes the place of an id that was never told.
+/// Dumps the value that a reader makes of bytes that are within the limits. Their kept value is,
+/// too, except that an empty text is defined where an id without definition was referred to. So
+/// only the depth is limited here.
 Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
                  DumpOptions const& options, Budget& budget) {
     constexpr auto most = std::numeric_limits<std::uint64_t>::max();
@@ -379,17 +381,17 @@ Dumped dump_kept(Root const& root, std::string_view bytes, std::ostream& out,
     unlimited.walk.limits = {
         .depth = options.walk.limits.depth, .elements = most, .text_bytes = most, .memory = most};
     auto const kept = bytes_kept(root, bytes, options.walk, budget);
-    return dump_entries(root, kept, out, unlimited, Superseded(&budget), budget);
+    return dump_entries(root, kept, out, unlimited, DroppedEntries(&budget), budget);
 }
 
 }  // namespace
 
 Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             DumpOptions const& options) {
-    Budget     budget(options.walk.limits.own_memory);
-    Superseded superseded = superseded_entries(root, bytes, options.walk, budget);
-    bool const are_read_over = superseded.are_read_over;
-    Verdict    verdict;
+    Budget         budget(options.walk.limits.own_memory);
+    DroppedEntries dropped = dropped_entries(root, bytes, options.walk, budget);
+    bool const     are_read_over = dropped.are_read_over;
+    Verdict        verdict;
     if (are_read_over) {
         verdict = verify(root, bytes, options.walk);
         if (verdict.answer != Answer::unsafe) {
@@ -400,8 +402,8 @@ Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
             return kept;
         }
     }
-    Dumped dumped = dump_entries(root, bytes, out, options, std::move(superseded), budget);
-    // What only verify judges: the comparisons of a reader.
+    Dumped dumped = dump_entries(root, bytes, out, options, std::move(dropped), budget);
+    // Only `verify` counts the comparisons of a reader, so only it has found them too many.
     if (are_read_over && dumped.answer != Answer::unsafe) {
         dumped.answer = Answer::unsafe;
         dumped.findings.push_back(verdict.findings.back());

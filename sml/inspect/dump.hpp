@@ -1,5 +1,5 @@
 #pragma once
-// Bytes of unknown origin as JSON, straight from the walk.
+// Bytes of unknown origin as JSON, without making objects of them.
 
 #include <sml/core/export.hpp>
 #include <sml/inspect/verify.hpp>
@@ -16,26 +16,29 @@ struct DumpOptions {
     enum class Form : std::uint8_t {
         compact,
         pretty,
-        lines,  ///< of the container at `path`: one line for an element or a `[key, value]`
+        lines,  ///< a line for each element or `[key, value]` of the container at `path`
     };
     Form form = Form::compact;
 
-    /// Only this part, as findings print paths. Empty: all.
+    /// The path of the part to write, spelled as in findings. Empty: the whole value.
     std::string path{};
 };
 
 struct Dumped {
     Answer               answer = Answer::good;
     std::uint64_t        odd_count = 0;
-    std::vector<Finding> findings;      ///< the odd ones listed, then the unsafe one
-    bool                 found = true;  ///< whether the path led to something, to a table for lines
-    std::size_t          reached = 0;   ///< how many bytes of the path led to something, at best
+    std::vector<Finding> findings;      ///< the odd ones by offset, then the unsafe one
+    bool                 found = true;  ///< there is a part at the path; for lines, a container
+    std::size_t          reached = 0;  ///< longest start of the path that leads to a part, in bytes
 };
 
-/// Writes what a reader of the bytes would have. An unsafe byte ends the value: it is marked by
-/// `{"unsafe": {...}}` where a value was to stand, and what is open is closed. Ends early where
-/// `out` takes no more, which its state says. Throws `std::bad_alloc` where memory, or that of the
-/// limits for work of its own, does not do, and what `out` throws.
+/// Writes the value that a reader makes of `bytes` to `out`, as JSON. The first unsafe finding ends
+/// the output: `{"unsafe": {...}}` is written in place of the value that can't be read, and all
+/// open brackets are closed. Returns the verdict and the findings.
+///
+/// If writing to `out` fails, it returns early, and the state of `out` shows that. Throws what
+/// `out` throws, `std::bad_alloc` if there is no memory left, and `BudgetExceeded`, which is one,
+/// if the call needs more than `Limits::own_memory`. It keeps no reference to its arguments.
 SML_API Dumped dump(Root const& root, std::string_view bytes, std::ostream& out,
                     DumpOptions const& options = {});
 

@@ -62,7 +62,7 @@ private:
     struct Step {
         Type const*   type;
         std::uint64_t part = nowhere;
-        std::string   key{};  // of the entry of a map, as paths show it, once it is read
+        std::string   key{};  // of the entry of a map, as paths show it, once it has been read
 
         static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
     };
@@ -75,7 +75,8 @@ private:
         json_.fail(at, "a root such as " + in_quotes(nearest), quoted(stem));
     }
 
-    // What doesn't recurse is kept out of line here: frames that stay small make deep values safe.
+    // Functions that don't recurse are not inlined here: so the frames of those that do stay small,
+    // and deep values are safe.
     void value(Type const& type) {
         switch (type.kind) {
             case Kind::optional: optional(type); return;
@@ -118,10 +119,9 @@ private:
     }
 
     [[noreturn, gnu::noinline]] void refuse_depth(std::uint32_t most) {
-        json_.fail(
-            json_.offset(),
-            "no more than " + std::to_string(most) + " variants and containers inside one another",
-            "one more");
+        json_.fail(json_.offset(),
+                   "at most " + std::to_string(most) + " levels of variants and containers",
+                   "one more");
     }
 
     void inside(Type const& type) {
@@ -177,7 +177,7 @@ private:
             steps_.back().part = Step::nowhere;
         }
         show_key(")");
-        json_.close(']', "no more than " + std::to_string(type.parts.size()) + " elements");
+        json_.close(']', "at most " + std::to_string(type.parts.size()) + " elements");
     }
 
     [[gnu::noinline]] void flags(Type const& type) {
@@ -188,7 +188,7 @@ private:
             boolean();
             steps_.back().part = Step::nowhere;
         }
-        json_.close(']', "no more than " + std::to_string(type.flag_count) + " elements");
+        json_.close(']', "at most " + std::to_string(type.flag_count) + " elements");
     }
 
     [[gnu::noinline]] void take_element(std::uint64_t count) {
@@ -231,11 +231,11 @@ private:
         steps_.back().key = key(*type.key, keys);
         take_element(2);
         value(*type.element);
-        json_.close(']', "no more than a key and a value");
+        json_.close(']', "at most a key and a value");
         steps_.back().key.clear();
     }
 
-    /// The key as paths show it.
+    /// Takes a key or element. Returns it as paths show it.
     std::string key(Type const& type, Keys& keys) {
         std::size_t const at = json_.offset();
         whole_key_.clear();
@@ -245,21 +245,21 @@ private:
         value(type);
         in_key_ = false;
         if (!key_is_unequal_ && !keys.insert(whole_key_).second)
-            json_.fail(at, "a key or element that is not there yet", shown_key_ + " again");
+            json_.fail(at, "a new key or element", shown_key_ + " again");
         return shown_key_;
     }
 
     [[gnu::noinline]] void variant(Type const& type) {
         std::int32_t const tag = arm(type);
         word(tag);
-        Arm const* const serving = type.serving(tag);
+        Arm const* const arm = type.arm_of(tag);
         key_is_unequal_ = key_is_unequal_ || tag < 0;
-        if (type.knows_tag(tag)) show_key(serving->name);
-        if (serving != nullptr && serving->payload != nullptr) {
+        if (type.has_tag(tag)) show_key(arm->name);
+        if (arm != nullptr && arm->payload != nullptr) {
             take_member("args");
-            steps_.back().part = static_cast<std::uint64_t>(serving - type.arms.data());
+            steps_.back().part = static_cast<std::uint64_t>(arm - type.arms.data());
             show_key(" ");
-            value(*serving->payload);
+            value(*arm->payload);
             steps_.back().part = Step::nowhere;
         }
         json_.close('}', "the end of the object");
@@ -274,7 +274,8 @@ private:
         json_.close('}', "the end of the object");
     }
 
-    /// Takes the start of an object as far as it tells the tag.
+    /// Takes the start of the object of a variant or reference, up to the member that gives the
+    /// tag.
     [[gnu::noinline]] std::int32_t arm(Type const& type) {
         json_.open('{', "an object with \"arm\"");
         take_member("arm");
@@ -291,7 +292,7 @@ private:
         take_member("tag");
         std::size_t const at = json_.offset();
         auto const        tag = small_integer<std::int32_t>();
-        if (type.knows_tag(tag))
+        if (type.has_tag(tag))
             json_.fail(at, "the arm " + in_quotes(type.arms[static_cast<std::size_t>(tag)].name),
                        "its tag " + std::to_string(tag));
         return tag;
@@ -323,7 +324,7 @@ private:
     void unknown_enumerator(Type const& type) {
         std::size_t const at = json_.offset();
         auto const number = small_integer<std::int32_t>("the name of an enumerator, or a number");
-        if (type.knows_tag(number))
+        if (type.has_tag(number))
             json_.fail(at, in_quotes(type.enumerators[static_cast<std::size_t>(number)]),
                        "its number " + std::to_string(number));
         word(number);
@@ -407,10 +408,10 @@ private:
         std::size_t const at = json_.offset();
         auto const        text = json_.string("a float in a string");
         if (!is_written_float(text, width))
-            json_.fail(
-                at,
-                "a float of this width as it is written, such as " + quoted(float_of(text, width)),
-                quoted(text));
+            json_.fail(at,
+                       "a float of this width as a writer spells it, such as " +
+                           quoted(float_of(text, width)),
+                       quoted(text));
         json_.close('}', "the end of the object");
         judge_length(json_.offset(), text.size());
         writer_.ieee_float(text, width);
@@ -451,7 +452,8 @@ private:
         return std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "");
     }
 
-    // What keys may hold goes through these, but for strings.
+    // These write to the key, too, while there is one. All that a key can hold but strings is
+    // written by them.
     void flag(bool is_true) {
         write([&](auto& writer) { writer.flag(is_true); });
     }
@@ -491,7 +493,7 @@ private:
     Ids                  ids_;
     bool                 in_key_ = false;
     bool                 key_is_unequal_ = false;
-    std::pmr::string     whole_key_;  // its bytes with strings as texts: keys are compared by it
+    std::pmr::string     whole_key_;  // its bytes with texts for strings, which are compared
     std::string          shown_key_;  // as paths show it
 
     Writer<std::pmr::string> key_writer_{whole_key_};

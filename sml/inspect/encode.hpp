@@ -1,5 +1,5 @@
 #pragma once
-// From the JSON form back to bytes.
+// Makes bytes of the JSON form.
 
 #include <sml/core/export.hpp>
 #include <sml/inspect/finding.hpp>
@@ -17,25 +17,32 @@ namespace sml::inspect {
 /// Why a JSON text can't be encoded.
 struct EncodeError {
     Position    position;
-    std::string path;  ///< as findings print paths
+    std::string path;  ///< spelled as in findings
     std::string expected;
     std::string found;
 };
 
 struct EncodeOptions {
+    /// Of these, `depth`, `elements`, `text_bytes` and `own_memory` apply.
     Limits limits{};
 
-    /// Told how many bytes of the text have been read, now and then.
+    /// If not null, the number of bytes of the text that have been read is stored here from time to
+    /// time, for another thread to show. It must outlive the call.
     std::atomic<std::uint64_t>* progress = nullptr;
 };
 
 struct Encoded {
-    Root const*                root = nullptr;
-    std::optional<EncodeError> error;  ///< what was written until then is to be thrown away
+    Root const*                root = nullptr;  ///< of the bytes; null if there is an error
+    std::optional<EncodeError> error;           ///< if there is one, the output is of no use
 };
 
-/// Writes the bytes of a `{"root": STEM, "value": ...}` as `dump` makes it to a stream that can
-/// seek.
+/// Writes the bytes for `json`, an object `{"root": STEM, "value": ...}` as `dump` makes it, to
+/// `out`, from its present position on. `out` must be able to seek. Returns the root, or why the
+/// text can't be encoded; what was written until then is not to be used.
+///
+/// Throws what `out` throws, `std::bad_alloc` if there is no memory left, and `BudgetExceeded`,
+/// which is one, if the call needs more than `Limits::own_memory`. If writing fails without an
+/// exception, the state of `out` shows that. It keeps no reference to its arguments.
 SML_API Encoded encode(std::string_view json, std::ostream& out, EncodeOptions const& options = {});
 
 }  // namespace sml::inspect

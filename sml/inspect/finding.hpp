@@ -1,5 +1,5 @@
 #pragma once
-// What a walk says about bytes that are not as a writer makes them.
+// Findings, and the limits and options of a walk.
 
 #include <sml/core/export.hpp>
 
@@ -11,17 +11,18 @@
 namespace sml::inspect {
 
 enum class Severity : std::uint8_t {
-    odd,     ///< defined for every reader, but no writer makes it
+    odd,     ///< safe to read, but not what a writer makes
     unsafe,  ///< a reader could read beyond the bytes, throw, abort, overflow or stop early
 };
 
+/// What an odd finding means for a dump of the bytes.
 enum class Oddity : std::uint8_t {
-    unknown,   ///< a variant never set, an unknown tag or enumerator: told and encoded as it is
-    repeated,  ///< an entry whose key is there already
-    other,     ///< lost in the value that a reader has
+    unknown,   ///< unset or unknown tag or enumerator: dumped and encoded as it is
+    repeated,  ///< repeated key or element: dropped, or its value read over the first one
+    other,     ///< other oddity: not kept in the value that a reader makes, nor in a dump
 };
 
-/// One thing found.
+/// One odd or unsafe place.
 struct Finding {
     Severity      severity;
     std::uint64_t offset;  ///< of the first byte concerned
@@ -30,27 +31,27 @@ struct Finding {
     std::string   found;
 };
 
-/// Thrown where a call would take more memory for work of its own than its limits allow.
+/// Thrown if a call would allocate more memory for its own work than `Limits::own_memory`.
 struct SML_API BudgetExceeded : std::bad_alloc {
     char const* what() const noexcept override { return "more working memory than allowed"; }
 };
 
-/// What a walk puts up with. Beyond any of these but `own_memory` the bytes are unsafe.
+/// The limits of a walk. Bytes beyond any of them but `own_memory` are unsafe.
 struct Limits {
     std::uint32_t depth =
-        default_depth;  ///< variants and containers in one another, up to `depth_cap`
-    std::uint64_t elements = std::uint64_t{1} << 32;    ///< of all containers together
-    std::uint64_t text_bytes = std::uint64_t{1} << 30;  ///< of one text
-    std::uint64_t memory = std::uint64_t{1} << 36;      ///< a reader's heap at its peak, estimated
+        default_depth;  ///< levels of nested variants and containers, at most `depth_cap`
+    std::uint64_t elements = std::uint64_t{1} << 32;    ///< elements and entries of all containers
+    std::uint64_t text_bytes = std::uint64_t{1} << 30;  ///< bytes of one text
+    std::uint64_t memory = std::uint64_t{1} << 36;      ///< reader's peak heap in bytes, estimated
 
-    /// Comparisons of keys in a reader's hash tables, estimated. Judged by `verify` alone.
+    /// Comparisons of keys in a reader's hash tables, estimated. Only `verify` counts them.
     std::uint64_t work = 100'000'000;
 
-    /// Bytes that the call itself takes beyond those given to it. Where they do not do, it throws
+    /// Bytes of memory that a call allocates for its own work. A call that needs more throws
     /// `BudgetExceeded`, which is a `std::bad_alloc`.
     std::uint64_t own_memory = std::uint64_t{1} << 33;
 
-    // The walk itself recurses, so there is a depth that no setting goes beyond.
+    // The walk is recursive, so no setting raises the limit of depth above `depth_cap`.
     static constexpr std::uint32_t default_depth = 400;
     static constexpr std::uint32_t depth_cap = 1000;
 };
@@ -62,7 +63,8 @@ struct WalkOptions {
     /// The decimal point of the process that wrote the bytes, as its locale has it.
     std::string decimal_point = ".";
 
-    /// Told how many bytes have been walked, now and then: for another thread to show.
+    /// If not null, the number of bytes walked is stored here from time to time, for another thread
+    /// to show. It must outlive the call.
     std::atomic<std::uint64_t>* progress = nullptr;
 };
 

@@ -1,5 +1,5 @@
 #pragma once
-// The memory that a call takes for work of its own: counted, and refused beyond a budget.
+// The memory that a call allocates for its own work: counted, and limited by a budget.
 
 #include <sml/inspect/finding.hpp>
 #include <sml/inspect/reader/heap_chunk.hpp>
@@ -12,23 +12,24 @@
 
 namespace sml::inspect {
 
-/// Gives memory up to an amount at a time, and throws beyond it. For one call, on one thread.
+/// A memory resource that throws `BudgetExceeded` when more than `bytes` would be allocated at one
+/// time, counted with what the allocator adds. For one call, on one thread.
 class Budget final : public std::pmr::memory_resource {
 public:
     explicit Budget(std::uint64_t bytes) noexcept : left_(bytes) {}
     Budget(Budget const&) = delete;
     Budget& operator=(Budget const&) = delete;
 
-    /// Counts memory that other code takes, for as long as this lives. Throws `BudgetExceeded`, and
-    /// `std::bad_alloc` where the process could not get so much now: the number libraries end it
-    /// then.
+    /// Counts `bytes` that other code allocates, until it is destroyed. Throws `BudgetExceeded`.
+    /// For 64 KiB and more it throws `std::bad_alloc` if the process can't allocate so much now:
+    /// the number libraries would end the process.
     class Hold {
     public:
         Hold(Budget& budget, std::uint64_t bytes) : budget_(budget), bytes_(bytes) {
             budget_.take(bytes_);
             constexpr std::uint64_t least_tried = std::uint64_t{1} << 16;
             if (bytes_ < least_tried) return;
-            void* volatile const tried = std::malloc(bytes_);  // not to be left out
+            void* volatile const tried = std::malloc(bytes_);  // volatile: not to be optimised away
             bool const does = tried != nullptr;
             std::free(tried);
             if (does) return;
@@ -45,7 +46,7 @@ public:
     };
 
 private:
-    // With what the allocator adds.
+    // Both count what the allocator adds to a block.
     void take(std::uint64_t bytes) {
         std::uint64_t const chunk = chunk_of(bytes);
         if (chunk > left_) throw BudgetExceeded();
@@ -55,7 +56,7 @@ private:
 
     static std::pmr::memory_resource& heap() { return *std::pmr::new_delete_resource(); }
 
-    // Not over-aligned where it need not be: a program that replaces `operator new` replaces that.
+    // Plain `operator new` is called where its alignment is enough: a program may have replaced it.
     static bool is_plain(std::size_t alignment) {
         return alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
     }

@@ -1,5 +1,5 @@
 #pragma once
-// A place in a text, for people.
+// A position in a text, as messages show it.
 
 #include <cstddef>
 

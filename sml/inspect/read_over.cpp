@@ -15,19 +15,19 @@ namespace sml::inspect {
 
 namespace {
 
-/// A visitor that hears nothing: its walk leaves the table of the strings.
-class StringsOnly : public SilentVisitor {
+/// A visitor that ignores all events: its walk only fills the string table.
+class StringsOnly : public BaseVisitor {
 public:
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 };
 
-/// Keys at offsets that have been walked before, numbered in the order in which they are met.
+/// Numbers the keys at offsets that have been walked, in the order in which they first occur.
 class KeyNumbers {
 public:
     KeyNumbers(Walk const& walk, Type const& type)
         : walk_(walk), type_(type), known_(&walk.budget) {}
 
-    /// The number of the key at an offset: that of an equal one, else the next.
+    /// The number of the key at an offset: that of an equal key, or else the next one.
     std::size_t number_of(std::uint64_t offset) {
         std::uint64_t const hash = walk_.keys.hash(type_, offset);
         if (hash == Keys::no_hash) return count_++;
@@ -37,7 +37,8 @@ public:
             known_.emplace(hash, Key{offset, count_});
             return count_++;
         }
-        // The later one is compared with from now on: no long number is read again and again.
+        // The later key takes the place of the earlier one: else an earlier long number would be
+        // parsed again for each equal key.
         known->second.offset = offset;
         return known->second.number;
     }
@@ -57,8 +58,8 @@ private:
     std::size_t                                      count_ = 0;
 };
 
-/// Takes a value and does nothing with it.
-struct Passer {
+/// Takes values and does nothing with them.
+struct Skipper {
     WalkedBytes& at;
 
     void bytes(std::size_t size) { at.take(size); }
@@ -74,10 +75,11 @@ struct Passer {
     }
 };
 
-/// Writes what a reader keeps of values of one type that it reads one over another.
-class Keeper {
+/// Writes the value that a reader has after it has read several values of one type, each over the
+/// one before.
+class ReadOverWriter {
 public:
-    Keeper(Walk const& walk, std::string_view bytes)
+    ReadOverWriter(Walk const& walk, std::string_view bytes)
         : walk_(walk), bytes_(bytes), kept_(&walk.budget), ids_(&walk.budget) {}
 
     std::pmr::string run(Type const& root) {
@@ -88,8 +90,8 @@ public:
     }
 
 private:
-    /// Where the readings of a value stand in the bytes, at least one, in the order in which they
-    /// are read. Each is moved behind the value.
+    /// The readings of a value: the positions in the bytes from which it is read, at least one, in
+    /// the order of reading. Each is moved to the byte after its value.
     using Readings = std::span<WalkedBytes>;
 
     void value(Type const& type, Readings at) {
@@ -112,7 +114,7 @@ private:
         }
     }
 
-    /// Nothing is left of an earlier reading.
+    /// Only the value of the last reading stays.
     void last(Type const& type, Readings at) {
         pass_all_but_last(type, at);
         keep(type, at.back());
@@ -127,12 +129,12 @@ private:
             word.refers() ? walk_.strings.text_of(word.id()) : last.take_block();
         std::uint64_t const place = word.refers() ? walk_.strings.place_of(word.id())
                                                   : walk_.strings.place_at(length_offset);
-        // Equal texts have one place, but for the empty one of an id that never had a text.
+        // Equal texts have one offset, except for the empty text of an id without definition.
         constexpr std::uint64_t place_of_empty = 0;
         writer_.string(text, ids_[text.empty() ? place_of_empty : place]);
     }
 
-    /// A text that is no number leaves what was there.
+    /// A reading whose text is no number leaves the value as it was.
     [[gnu::noinline]] void big_integer(Type const& type, Readings at) {
         WalkedBytes kept = at.front();
         for (WalkedBytes& reading : at) {
@@ -142,7 +144,7 @@ private:
         keep(type, kept);
     }
 
-    /// The element is made anew by each reading.
+    /// Each reading makes a new element, so only the last one stays.
     [[gnu::noinline]] void optional(Type const& type, Readings at) {
         pass_all_but_last(type, at);
         bool const is_there = at.back().take_flag();
@@ -150,7 +152,8 @@ private:
         if (is_there) value(*type.element, at.last(1));
     }
 
-    /// Another tag makes a payload anew, an equal one reads over it.
+    /// A reading with another tag makes a new payload, one with the same tag reads over the
+    /// payload.
     [[gnu::noinline]] void variant(Type const& type, Readings at) {
         auto const  tag = at.back().peek_word<std::int32_t>();
         std::size_t first = at.size() - 1;
@@ -172,7 +175,7 @@ private:
         set_count(count_at, count);
     }
 
-    /// An element or key that is there already is read and dropped, a key with its value.
+    /// A repeated element is dropped, an entry with a repeated key, too.
     [[gnu::noinline]] void first_entries(Type const& type, Readings at) {
         Type const&       key_type = type.kind == Kind::set ? *type.element : *type.key;
         KeyNumbers        keys(walk_, key_type);
@@ -207,12 +210,13 @@ private:
     }
 
     struct Entry {
-        std::size_t   number;  // of the key
+        std::size_t   number;  // of its key
         std::uint64_t key;
         std::uint64_t value;
     };
 
-    /// The entries of all readings; those of equal keys in a row, as they are read.
+    /// The entries of all readings, sorted by the numbers of their keys. Those with equal keys stay
+    /// in the order of reading.
     std::pmr::vector<Entry> entries_by_key(Type const& type, Readings at) {
         KeyNumbers              keys(walk_, *type.key);
         std::pmr::vector<Entry> entries(&walk_.budget);
@@ -224,7 +228,7 @@ private:
                 pass(*type.element, reading);
             }
         }
-        // As they came where numbers are equal.
+        // The offset of the value keeps the order of reading where numbers are equal.
         std::ranges::sort(entries, {},
                           [](Entry const& entry) { return std::pair(entry.number, entry.value); });
         return entries;
@@ -241,7 +245,7 @@ private:
         for (WalkedBytes& reading : at.first(at.size() - 1)) pass(type, reading);
     }
 
-    /// Keeps a value as it stands there; it holds no strings.
+    /// Copies the bytes of a value, which holds no strings.
     void keep(Type const& type, WalkedBytes& at) {
         std::uint64_t const start = at.offset();
         pass(type, at);
@@ -249,11 +253,12 @@ private:
     }
 
     static void pass(Type const& type, WalkedBytes& at) {
-        Passer passer{at};
+        Skipper passer{at};
         take_value(type, passer);
     }
 
-    /// Room for a count that is known when its entries are over; gives its place.
+    /// Leaves room for a count that is known only after its entries. Returns the offset of the
+    /// room.
     std::size_t put_count() {
         writer_.word(std::uint32_t{0});
         return kept_.size() - sizeof(std::uint32_t);
@@ -270,7 +275,7 @@ private:
 
     Writer<std::pmr::string> writer_{kept_};
 
-    std::pmr::unordered_map<std::uint64_t, std::int32_t, SeededHash> ids_;  // by the text's place
+    std::pmr::unordered_map<std::uint64_t, std::int32_t, SeededHash> ids_;  // by the text's offset
 };
 
 }  // namespace
@@ -280,7 +285,7 @@ std::pmr::string bytes_kept(Root const& root, std::string_view bytes, VerifyOpti
     Walk        walk(bytes, options.walk(), budget);
     StringsOnly strings;
     Walker(walk, strings).run(*root.type);
-    return Keeper(walk, bytes).run(*root.type);
+    return ReadOverWriter(walk, bytes).run(*root.type);
 }
 
 }  // namespace sml::inspect

@@ -1,5 +1,5 @@
 #pragma once
-// What a reader keeps of tables in which a later value is read over an earlier one.
+// The value that a reader makes of bytes with maps in which values are read over earlier ones.
 
 #include <sml/inspect/memory.hpp>
 #include <sml/inspect/type.hpp>
@@ -11,11 +11,11 @@
 
 namespace sml::inspect {
 
-/// Bytes of the value that a reader has of bytes that verified as not unsafe, with the same
-/// options: no key or element is there twice, each string is written in full where it is met first,
-/// under the next id. Numbers and flags stay spelled as they are. Entries stand in the order in
-/// which their keys are met first. Takes the memory of the bytes once more, and of each open set or
-/// table some 100 bytes an entry, from the budget.
+/// Returns bytes of the value that a reader makes of `bytes`. These must have been verified as not
+/// unsafe, with the same options. In the result no key or element is repeated, and each string is
+/// defined where it occurs first, with the next id. Numbers and flags keep their spelling. Entries
+/// are in the order in which their keys first occur. From the budget it takes as many bytes as
+/// `bytes` has, and some 100 bytes for each entry of the open sets and maps.
 std::pmr::string bytes_kept(Root const& root, std::string_view bytes, VerifyOptions const& options,
                             Budget& budget);
 

@@ -20,7 +20,7 @@ static_assert(kind_names.size() == static_cast<std::size_t>(Kind::boxed) + 1);
 
 char const* name_of(Kind kind) { return kind_names[static_cast<std::size_t>(kind)]; }
 
-/// Calls `use` with every type that a type is made of.
+/// Calls `use` with each type of a part, payload, key or element of a type.
 template <class Use>
 void for_each_inner(Type const& type, Use use) {
     for (Part const& part : type.parts) use(*part.type);
@@ -158,7 +158,7 @@ private:
                 json_.member("payload");
                 write_use(*arm.payload);
             }
-            if (type.takes_rest && &arm == &type.arms.back()) {
+            if (type.has_catch_all && &arm == &type.arms.back()) {
                 json_.member("serves_all_other_tags");
                 json_.text += "true";
             }
@@ -170,7 +170,8 @@ private:
     JsonWriter json_;
 };
 
-/// Says what stands where, in full; a type inside itself is told by how far up it stands.
+/// The text of a wire form, in which every type is written out. A type that occurs inside itself is
+/// written there as the number of levels up to it.
 class WireText {
 public:
     std::string text;
@@ -191,7 +192,7 @@ public:
         for (Arm const& arm : type.arms) add_named(arm.name, arm.payload);
         if (type.key != nullptr) add_named("", type.key);
         if (type.element != nullptr) add_named("", type.element);
-        text += type.takes_rest ? "*)" : ")";
+        text += type.has_catch_all ? "*)" : ")";
         if (!type.name.empty()) open_.pop_back();
     }
 
@@ -212,7 +213,7 @@ void write_schema(std::span<Root const> roots, std::ostream& out) {
     try {
         SchemaWriter(out).write(roots);
     } catch (OutputEnded const&) {
-        // The caller sees it by the stream.
+        // The state of the stream shows it to the caller.
     }
 }
 

@@ -8,6 +8,7 @@ struct evp_md_ctx_st;
 
 namespace sml::inspect {
 
+/// Computes a SHA-256. All functions throw `std::runtime_error` if it is not available.
 class Sha256 {
 public:
     Sha256();

@@ -11,7 +11,7 @@ namespace sml::inspect {
 
 namespace {
 
-class Verifier : public SilentVisitor {
+class Verifier : public BaseVisitor {
 public:
     Verifier(Walk& walk, VerifyOptions const& options)
         : walk_(walk), options_(options), keys_(&walk.budget), model_(&walk.budget) {
@@ -19,7 +19,7 @@ public:
     }
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const& type, std::uint64_t count) {
         keys_.open(count);
@@ -29,7 +29,7 @@ public:
         keys_.close();
         model_.close_table();
     }
-    /// The reader's own where the model is told of it: the key is known by it here, too.
+    /// The reader's own hash if the model counts it: then the key is found by it here, too.
     std::uint64_t key_hash(Walk const&, Type const& key, std::uint64_t offset) const {
         if (!model_.counts_keys()) return walk_.keys.hash(key, offset);
         auto const readers = walk_.keys.readers_hash(key, offset);
@@ -66,7 +66,8 @@ public:
         unsafe_ = finding;
     }
 
-    /// Puts the findings in order: a key is judged behind its value, even one that is unsafe.
+    /// Sorts the findings by offset: a key is compared after its value was walked, even an unsafe
+    /// one.
     void finish() {
         std::ranges::stable_sort(verdict.findings, {}, &Finding::offset);
         if (unsafe_) verdict.findings.push_back(*unsafe_);
@@ -82,7 +83,7 @@ private:
             verdict.findings.push_back(finding);
     }
 
-    /// And back. No bytes can be made whose hash becomes `Keys::no_hash`.
+    /// Masks a hash, or removes the mask. So no bytes can be made whose hash is `Keys::no_hash`.
     static std::uint64_t masked(std::uint64_t hash) { return hash ^ hash_seed; }
 
     std::uint64_t readers_hash(Type const& key, std::uint64_t offset, std::uint64_t hash) const {
@@ -103,7 +104,8 @@ private:
     std::optional<Finding> unsafe_;
 };
 
-// Good before odd before unsafe, and of unsafe ones the one whose walk came further.
+// Good comes before odd, odd before unsafe. Of two unsafe ones, the one whose walk came further is
+// first.
 bool fits_better(Candidate const& a, Candidate const& b) {
     if (a.answer != b.answer) return a.answer < b.answer;
     return a.answer == Answer::unsafe && a.walked > b.walked;

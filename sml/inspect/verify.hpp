@@ -15,6 +15,7 @@
 
 namespace sml::inspect {
 
+/// The verdict on bytes.
 enum class Answer : std::uint8_t {
     good,    ///< exactly what a writer could have made for the value that a reader gets
     odd,     ///< safe to read, but not what a writer makes
@@ -23,50 +24,63 @@ enum class Answer : std::uint8_t {
 
 struct VerifyOptions {
     Limits      limits{};
-    std::size_t listed = 100;  ///< how many odd findings are told in full; all are counted
+    std::size_t listed = 100;  ///< how many odd findings are listed; all are counted
 
     /// The decimal point of the process that wrote the bytes, as its locale has it.
     std::string decimal_point = ".";
 
-    /// Told how many bytes have been walked, now and then: for another thread to show.
+    /// If not null, the number of bytes walked is stored here from time to time, for another thread
+    /// to show. It must outlive the call.
     std::atomic<std::uint64_t>* progress = nullptr;
 
-    /// Told of the odd findings listed, as they are met; they are not kept then. Of no use to
-    /// `dump`.
+    /// If set, it is called during the walk with each odd finding that would be listed, and the
+    /// verdict does not hold these. They come in the order of the walk: a repeated key after the
+    /// findings in its value. `dump` must not be given a listener: it would lack these findings.
     std::function<void(Finding const&)> listener{};
 
+    /// The part of these options that every walk has.
     WalkOptions walk() const { return {limits, decimal_point, progress}; }
 };
 
 struct Verdict {
     Answer               answer = Answer::good;
     std::uint64_t        odd_count = 0;
-    std::vector<Finding> findings;  ///< the odd ones listed, then the unsafe one
-    /// The first finding but for unset or unknown tags and enumerators: without one, dump and
-    /// encode give the very same bytes.
+    std::vector<Finding> findings;  ///< the odd ones by offset, then the unsafe one
+    /// The first finding other than an unset or unknown tag or an unknown enumerator. If there is
+    /// none, `encode` makes the very same bytes of the dump of the bytes.
     std::optional<Finding> reason_against_encoding;
-    std::uint64_t          walked = 0;  ///< how many bytes were walked
-    std::uint64_t          heap = 0;    ///< bytes of heap that reading takes at its peak, estimated
-    std::uint64_t work = 0;  ///< comparisons of keys in hash tables, to read and destroy, estimated
-    std::uint64_t elements = 0;  ///< entries of all containers
-    std::uint64_t strings = 0;   ///< strings told whole
+    std::uint64_t          walked = 0;  ///< the number of bytes walked
+    std::uint64_t          heap = 0;    ///< bytes of a reader's heap at its peak, estimated
+    /// Comparisons of keys in a reader's hash tables, while it reads and when the object is
+    /// destroyed, estimated.
+    std::uint64_t work = 0;
+    std::uint64_t elements = 0;  ///< elements and entries of all containers
+    std::uint64_t strings = 0;   ///< definitions of strings
 };
 
-/// Walks the bytes as a value of the root. The first unsafe finding ends the walk. What is not
-/// unsafe, `toCxx` of that root reads without a fault, without an exception and to the last byte,
-/// in every locale and rounding mode, as long as memory lasts. Throws `std::bad_alloc` where
-/// memory, or that of the limits for work of its own, does not do.
+/// Walks `bytes` as a value of the root and returns the verdict and the findings. The first unsafe
+/// finding ends the walk. It keeps no reference to its arguments. Several threads may call it at
+/// once.
+///
+/// Bytes that are not unsafe are read by `toCxx` of this root to the last byte, without a fault and
+/// without an exception, in every locale and rounding mode, as long as there is memory.
+///
+/// Throws `std::bad_alloc` if there is no memory left, `BudgetExceeded`, which is one, if the call
+/// needs more than `Limits::own_memory`, and what the listener throws.
 SML_API Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options = {});
 
-/// A root that bytes can be, or how far they came as one.
+/// The verdict on bytes as a value of one root.
 struct Candidate {
     Root const*   root;
     Answer        answer;
-    std::uint64_t walked;  ///< how many bytes
+    std::uint64_t walked;  ///< the number of bytes walked
 };
 
-/// All roots with the answer for these bytes: good ones, odd ones, then unsafe ones by how far
-/// their walk came; equal ones in the order of `roots()`.
+/// Verifies `bytes` as a value of each root. Returns all roots: those for which the bytes are good,
+/// then odd, then unsafe; of the unsafe ones first those whose walk came further. Equal ones are in
+/// the order of `roots()`. `options.listed` and `options.listener` are not used.
+///
+/// Throws what `verify` throws.
 SML_API std::vector<Candidate> identify(std::string_view bytes, VerifyOptions const& options = {});
 
 }  // namespace sml::inspect

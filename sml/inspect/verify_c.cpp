@@ -33,12 +33,12 @@ sml_inspect_answer answer_of(Answer answer) {
     }
 }
 
-void tell(Verdict const& verdict, sml_inspect_listener listener, void* context) {
+void report(Verdict const& verdict, sml_inspect_listener listener, void* context) {
     for (Finding const& finding : verdict.findings) {
-        sml_inspect_finding const told{finding.severity == Severity::unsafe, finding.offset,
-                                       finding.path.c_str(), finding.expected.c_str(),
-                                       finding.found.c_str()};
-        listener(context, &told);
+        sml_inspect_finding const reported{finding.severity == Severity::unsafe, finding.offset,
+                                           finding.path.c_str(), finding.expected.c_str(),
+                                           finding.found.c_str()};
+        listener(context, &reported);
     }
 }
 
@@ -58,7 +58,7 @@ sml_inspect_answer sml_inspect_verify(char const* stem, void const* bytes, std::
     if (out != nullptr)
         *out = {verdict.odd_count, verdict.walked,   verdict.heap,
                 verdict.work,      verdict.elements, verdict.strings};
-    if (listener != nullptr) tell(verdict, listener, context);
+    if (listener != nullptr) report(verdict, listener, context);
     return answer_of(verdict.answer);
 } catch (std::bad_alloc const&) {
     return SML_INSPECT_NO_MEMORY;

@@ -1,5 +1,5 @@
 #pragma once
-// Values on the path behind a check.
+// Values on the path that explains a check.
 
 #include <sml/core/big_integer.hpp>
 #include <sml/core/declare.hpp>

@@ -58,7 +58,7 @@ struct T_Imprecision_Event_Kind {
     SML_VARIANT(T_Imprecision_Event_Kind);
 };
 
-/// What an event was. One kind can carry another.
+/// What an event was. One kind can contain another.
 struct T_Event_Kind {
     struct ARGUMENT_OF_CALL_EVENT_args {
         int32                       first_int{};

@@ -24,7 +24,7 @@ struct T_Kind {
     SML_VARIANT(T_Kind);
 };
 
-/// An attribute that a program carries by name.
+/// An attribute of a program, with its name.
 struct T {
     bool                                                              flag{};
     std::unordered_set<int32>                                         first_values;

@@ -74,7 +74,7 @@ struct T_Value_Range {
         std::optional<std::pair<zelvanite::IEEE754Float, zelvanite::IEEE754Float>> bounds;
         bool                                                                       flag{};
 
-        // required: told with `<` alone, in both directions
+        // required: compared by `<` alone, in both directions
         static constexpr bool walked_with_less = true;
         SML_FIELDS(Real_Full_Range_parts, format, bounds, flag);
     };
@@ -82,7 +82,7 @@ struct T_Value_Range {
         std::list<T_Range> intervals;
         Multiplicity::T    multiplicity;
 
-        // required: told with `<` alone, in both directions
+        // required: compared by `<` alone, in both directions
         static constexpr bool walked_with_less = true;
         SML_FIELDS(Value_Range_parts, intervals, multiplicity);
     };
@@ -154,7 +154,7 @@ struct T_Info_Type {
     SML_VARIANT(T_Info_Type);
 };
 
-/// A value told by its type and what it can be.
+/// A value, described by its type and by what it can be.
 struct T_Information_Value {
     Strings_T     first_string;
     int32         first_int{};

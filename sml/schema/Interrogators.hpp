@@ -1,7 +1,7 @@
 #pragma once
 // Questions put to a results repository, and the references that name its objects.
 //
-// No reference is ever followed: an address crosses the wire as the bare number that it is.
+// No reference is ever followed: an address is written as a number.
 
 #include <sml/core/declare.hpp>
 #include <sml/schema/InfosTypes.hpp>

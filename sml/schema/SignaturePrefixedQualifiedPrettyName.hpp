@@ -1,5 +1,5 @@
 #pragma once
-// Printable names behind a signature.
+// Printable names with a signature in front of them.
 
 #include <sml/core/declare.hpp>
 #include <sml/schema/QualifiedPrettyName.hpp>

@@ -1,6 +1,6 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ using StringSets = std::unordered_map<Strings_T, std::unordered_set<Strings_T>>;
 
 /// A function's key followed by a text whose length is negative.
 std::string unreadable_function() {
-    return wire::bytes("FF FF FF FF  04 00 00 00 'seen'  FE FF FF FF  FF FF FF FF");
+    return hex::bytes("FF FF FF FF  04 00 00 00 'seen'  FE FF FF FF  FF FF FF FF");
 }
 
 T_Function function(std::string const& key) {
@@ -39,7 +39,7 @@ T_Function function(std::string const& key) {
     return result;
 }
 
-/// Takes bytes and counts what else is asked of it.
+/// A buffer that takes bytes and counts all other calls.
 class CountingSink : public std::streambuf {
 public:
     std::string bytes;
@@ -65,19 +65,19 @@ TEST(SharedResult, ShowsTheBytesOfTheLatestCallOfAnyRoot) {
     EXPECT_EQ(first.size(), 8u);
     std::string const& second = sml::Interrogators_ClassKey_fromCxx(7);
     EXPECT_EQ(&first, &second);
-    EXPECT_EQ(wire::hex(first), "07 00 00 00 ");
+    EXPECT_EQ(hex::shown(first), "07 00 00 00 ");
 
     std::int64_t const number = 2;
     char const* const  flat_result = Integers64_T_fromCxx(&number);
     EXPECT_EQ(flat_result, first.data());
-    EXPECT_EQ(wire::hex(first), "02 00 00 00 00 00 00 00 ");
+    EXPECT_EQ(hex::shown(first), "02 00 00 00 00 00 00 00 ");
 }
 
 TEST(SharedResult, StaysUntilTheNextCall) {
     std::string const& result = sml::Interrogators_ClassKey_fromCxx(7);
 
     std::int64_t number = 0;
-    sml::Integers64_T_toCxx(number, wire::bytes("01 00 00 00 00 00 00 00").data());
+    sml::Integers64_T_toCxx(number, hex::bytes("01 00 00 00 00 00 00 00").data());
     std::stringstream stream;
     sml::Integers64_T_toStream(5, stream);
     sml::Integers64_T_fromStream(number, stream);
@@ -85,7 +85,7 @@ TEST(SharedResult, StaysUntilTheNextCall) {
     EXPECT_THROW(sml::Interrogators_Function_toCxx(unreadable, unreadable_function().data()),
                  std::length_error);
 
-    EXPECT_EQ(wire::hex(result), "07 00 00 00 ");
+    EXPECT_EQ(hex::shown(result), "07 00 00 00 ");
 }
 
 TEST(SharedResult, GivesBackTheMemoryOfALargeOne) {
@@ -107,7 +107,7 @@ TEST(Calls, CountIdsFromOneEachTime) {
     std::string const first = sml::Interrogators_Function_fromCxx(function("calls: again"));
     std::string const second = sml::Interrogators_Function_fromCxx(function("calls: again"));
     EXPECT_EQ(first, second);
-    EXPECT_EQ(first.substr(0, 4), wire::bytes("FF FF FF FF"));
+    EXPECT_EQ(first.substr(0, 4), hex::bytes("FF FF FF FF"));
 }
 
 TEST(Calls, TwoObjectsInOneStreamHaveIdsOfTheirOwn) {
@@ -116,8 +116,8 @@ TEST(Calls, TwoObjectsInOneStreamHaveIdsOfTheirOwn) {
     std::size_t const size = stream.str().size();
     sml::Interrogators_Function_toStream(function("same"), stream);
     EXPECT_EQ(stream.str().size(), 2 * size);
-    EXPECT_EQ(stream.str().substr(0, 12), wire::bytes("FF FF FF FF  04 00 00 00 'same'"));
-    EXPECT_EQ(stream.str().substr(size, 12), wire::bytes("FF FF FF FF  04 00 00 00 'same'"));
+    EXPECT_EQ(stream.str().substr(0, 12), hex::bytes("FF FF FF FF  04 00 00 00 'same'"));
+    EXPECT_EQ(stream.str().substr(size, 12), hex::bytes("FF FF FF FF  04 00 00 00 'same'"));
 
     for (int i = 0; i < 2; ++i) {
         T_Function read;
@@ -127,11 +127,11 @@ TEST(Calls, TwoObjectsInOneStreamHaveIdsOfTheirOwn) {
     EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(2 * size));
 }
 
-// A reference of the second object does not reach the first one's strings.
+// A back-reference in the second object does not find a string of the first.
 TEST(Calls, SecondObjectOfAStreamSeesNoStringOfTheFirst) {
     std::stringstream stream;
     sml::Interrogators_Function_toStream(function("calls: first"), stream);
-    stream << wire::bytes("01 00 00 00") << sml::Interrogators_Function_fromCxx({}).substr(8);
+    stream << hex::bytes("01 00 00 00") << sml::Interrogators_Function_fromCxx({}).substr(8);
 
     T_Function read;
     sml::Interrogators_Function_fromStream(read, stream);
@@ -145,12 +145,12 @@ TEST(Calls, WriteNothingAroundTheObject) {
     std::ostream stream(&sink);
     sml::Integers64_T_toStream(1, stream);
     sml::Interrogators_ClassKey_toStream(2, stream);
-    EXPECT_EQ(wire::hex(sink.bytes), "01 00 00 00 00 00 00 00 02 00 00 00 ");
+    EXPECT_EQ(hex::shown(sink.bytes), "01 00 00 00 00 00 00 00 02 00 00 00 ");
     EXPECT_EQ(sink.other_calls, 0);
 }
 
 TEST(Calls, ReadFromWhereTheStreamStands) {
-    std::istringstream stream(wire::bytes("AA BB  07 00 00 00  CC"));
+    std::istringstream stream(hex::bytes("AA BB  07 00 00 00  CC"));
     stream.ignore(2);
     std::int32_t key = 0;
     sml::Interrogators_ClassKey_fromStream(key, stream);
@@ -184,7 +184,7 @@ TEST(Calls, AddToAFilledTableAndKeepItsEntries) {
 
 TEST(Calls, TakeAPlainNumberAsItComes) {
     std::int64_t number = 5;
-    sml::deserializeSmlData(number, wire::bytes("01 00 00 00 00 00 00 80").data());
+    sml::deserializeSmlData(number, hex::bytes("01 00 00 00 00 00 00 80").data());
     EXPECT_EQ(number, INT64_MIN + 1);
 }
 
@@ -201,7 +201,7 @@ TEST(Calls, KeepNoStringBeyondTheObject) {
     EXPECT_EQ(string_table::size(), before);
 }
 
-/// What a call threw.
+/// The text of the std::length_error that a call throws.
 template <class Call>
 std::string length_error_of(Call&& call) {
     try {
@@ -229,7 +229,7 @@ TEST(Exceptions, PassThroughAllReadingFunctions) {
               }),
               expected);
 
-    // What was read stays, and the archive lets go of it.
+    // The strings that were read remain, and the archive has no handles to them.
     EXPECT_EQ(value.key.str(), "seen");
     EXPECT_EQ(count_of("seen"), 1u);
     value = T_Function();
@@ -238,7 +238,7 @@ TEST(Exceptions, PassThroughAllReadingFunctions) {
 
 TEST(Exceptions, OfAPlainTextAreThoseOfAString) {
     sml::Answers::T_AnswerInspectionPoint answer;
-    std::string const                     bytes = wire::bytes("54  00 00 00 80");
+    std::string const                     bytes = hex::bytes("54  00 00 00 80");
     EXPECT_EQ(length_error_of([&] { Answers_AnswerInspectionPoint_toCxx(&answer, bytes.data()); }),
               "basic_string::_M_replace_aux");
     EXPECT_TRUE(answer.answer.flag);
@@ -266,7 +266,7 @@ TEST(Exceptions, OfADecimalTextNameItsConversion) {
 }
 
 TEST(Exceptions, OfTheCallersStreamPassThrough) {
-    std::istringstream input(wire::bytes("01 00 00"));
+    std::istringstream input(hex::bytes("01 00 00"));
     input.exceptions(std::ios::failbit);
     std::int64_t number = 5;
     EXPECT_THROW(sml::Integers64_T_fromStream(number, input), std::ios_base::failure);
@@ -292,7 +292,7 @@ TEST(Exceptions, LeaveTheNextCallAsIfNothingHadBeen) {
     EXPECT_TRUE(fresh == function("calls: afterwards"));
 }
 
-// Nothing tests the pointer.
+// The pointer is not checked.
 TEST(CallsDeathTest, NullBytesAreDereferenced) {
     std::int64_t number = 0;
     EXPECT_DEATH(Integers64_T_toCxx(&number, nullptr), "");
@@ -300,7 +300,7 @@ TEST(CallsDeathTest, NullBytesAreDereferenced) {
     EXPECT_DEATH(sml::deserializeSmlData(number, nullptr), "");
 }
 
-/// The result that is handed out and the one before it change places with each call.
+/// Each call swaps the result that is returned and the previous one.
 TEST(FromCxx, SmallResultsGiveBackTheMemoryOfLargeOnes) {
     constexpr std::size_t large = std::size_t{16} << 20;
     for (int i = 0; i < 2; ++i)

@@ -1,8 +1,8 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/bindings/families.hpp"
 #include "tests/core/string_table.hpp"
+#include "tests/hex.hpp"
 #include "tests/random_values.hpp"
-#include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint64_t seeds = 20;
 
-/// Whether `==` tells two objects of a type apart.
+/// Whether `==` can be true for two objects of the type.
 template <class T>
 constexpr bool has_equality = true;
 template <>
@@ -27,7 +27,8 @@ template <>
 constexpr bool has_equality<std::list<sml::IL_Extras::VVIRZelvanitePragmasTag::T_PragmaParameter>> =
     false;
 
-/// Without `==` the bytes tell; containers of at most one entry have but one order.
+/// If `==` can't be used, the bytes are compared. Containers then have at most one entry, so that
+/// there is only one order.
 template <class T>
 constexpr int most_entries = has_equality<T> ? 3 : 1;
 
@@ -36,10 +37,10 @@ T random_value(std::uint64_t seed) {
     return RandomValues(seed, {most_entries<T>, 4}).template make<T>();
 }
 
-/// The bytes as a person compares them.
+/// The bytes in hex, for comparisons and messages.
 template <class T>
 std::string bytes_of(Family<T> const& family, T const& value) {
-    return wire::hex(family.from_cxx(value));
+    return hex::shown(family.from_cxx(value));
 }
 
 template <class T>
@@ -57,7 +58,8 @@ std::string to_stream(Family<T> const& family, T const& value) {
     return stream.str();
 }
 
-/// Every writer of the family gives the same bytes, and every reader makes an equal object of them.
+/// Expects that every writer of the family writes the same bytes, and that every reader reads an
+/// equal object from them.
 template <class T>
 void expect_round_trip(Family<T> const& family, std::uint64_t seed) {
     T const           original = random_value<T>(seed);
@@ -119,7 +121,7 @@ TEST(EveryRoot, LeavesTheObjectThatItWrites) {
     });
 }
 
-// Each archive is one object's: what follows counts its strings from 1 again.
+// An archive serves one object, so the strings of the next one are numbered from 1 again.
 TEST(EveryRoot, StandsInOneStreamWithOthers) {
     std::stringstream stream;
     std::string       all;

@@ -1,12 +1,12 @@
 #pragma once
-// The seven functions of each root type as values that tests pass around.
+// The seven functions of each root type, as values that tests can pass around.
 
 #include <sml/bindings/bindings.hpp>
 
 #include <iosfwd>
 #include <string>
 
-/// The types are spelled out: a function of another signature does not compile.
+/// The signatures are written out, so that a function with another one does not compile.
 template <class T>
 struct Family {
     void (*to_cxx)(T&, char const*);
@@ -18,7 +18,7 @@ struct Family {
     void (*from_stream)(T&, std::istream&);
 };
 
-/// The family of a stem; the type follows it.
+/// The family of a stem. The type is the second argument.
 #define FAMILY(Stem, ...)                                                                    \
     Family<__VA_ARGS__> {                                                                    \
         &sml::Stem##_toCxx, &sml::deserializeSmlData, &::Stem##_toCxx, &sml::Stem##_fromCxx, \

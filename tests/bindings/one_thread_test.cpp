@@ -1,8 +1,9 @@
-// The library serves one thread at a time: builds with assertions name a call that another thread
-// makes meanwhile, and end. Calls inside one another of the same thread go on.
+// The library may be used by one thread at a time. Builds with assertions print the name of an
+// entry point that is called while another thread is inside one, and abort. Nested calls of one
+// thread are allowed.
 
 #include <sml/bindings/bindings.hpp>
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ namespace {
 
 using sml::Answers::T_Context;
 
-/// Gives bytes and takes them, and does something at the first of them.
+/// A buffer that calls a function when the first byte is read or written.
 class InterruptedBuffer : public std::stringbuf {
 public:
     explicit InterruptedBuffer(std::function<void()> interrupt, std::string const& bytes = {})
@@ -42,7 +43,8 @@ private:
     std::function<void()> interrupt_;
 };
 
-/// Calls in the middle of `Answers_Context_fromStream` and `Answers_Context_toStream`.
+/// Calls `interrupt` in the middle of `Answers_Context_fromStream` and, below, of
+/// `Answers_Context_toStream`.
 T_Context read_interrupted(std::function<void()> const& interrupt) {
     InterruptedBuffer buffer(interrupt, "T");
     std::istream      stream(&buffer);

@@ -1,6 +1,6 @@
 #include <sml/bindings/bindings.hpp>
 #include "tests/bindings/families.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <gtest/gtest.h>
 
@@ -25,16 +25,16 @@ using StringSets = std::unordered_map<Strings_T, StringSet>;
 using InfoIds = std::unordered_map<std::pair<Strings_T, std::int32_t>, std::int32_t,
                                    sml::Hash<std::pair<Strings_T, std::int32_t>>>;
 
-/// All writers give these bytes, and all readers an equal object.
+/// Expects that all writers write these bytes and that all readers read an equal object.
 template <class T>
 void expect_bytes(Family<T> const& family, T const& value, std::string_view hex) {
-    std::string const expected = wire::bytes(hex);
-    EXPECT_EQ(wire::hex(std::string(family.from_cxx(value))), wire::hex(expected));
-    EXPECT_EQ(wire::hex(std::string_view(family.flat_from_cxx(&value), expected.size())),
-              wire::hex(expected));
+    std::string const expected = hex::bytes(hex);
+    EXPECT_EQ(hex::shown(std::string(family.from_cxx(value))), hex::shown(expected));
+    EXPECT_EQ(hex::shown(std::string_view(family.flat_from_cxx(&value), expected.size())),
+              hex::shown(expected));
     std::stringstream stream;
     family.to_stream(value, stream);
-    EXPECT_EQ(wire::hex(stream.str()), wire::hex(expected));
+    EXPECT_EQ(hex::shown(stream.str()), hex::shown(expected));
 
     T read{};
     family.to_cxx(read, expected.data());
@@ -106,14 +106,14 @@ TEST(WorkedLayout, TableOfNumberedKeys) {
 }
 
 TEST(WorkedLayout, EmptyTables) {
-    EXPECT_EQ(wire::hex(sml::String_To_StringSet_T_fromCxx({})), "00 00 00 00 ");
-    EXPECT_EQ(wire::hex(sml::Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T_fromCxx({})),
+    EXPECT_EQ(hex::shown(sml::String_To_StringSet_T_fromCxx({})), "00 00 00 00 ");
+    EXPECT_EQ(hex::shown(sml::Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T_fromCxx({})),
               "00 00 00 00 ");
     EXPECT_EQ(
-        wire::hex(sml::Base_Gui_Internal_Form_Datas_Checks_Id_To_Chk_Data_Table_T_fromCxx({})),
+        hex::shown(sml::Base_Gui_Internal_Form_Datas_Checks_Id_To_Chk_Data_Table_T_fromCxx({})),
         "00 00 00 00 ");
     EXPECT_EQ(
-        wire::hex(sml::Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T_fromCxx({})),
+        hex::shown(sml::Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T_fromCxx({})),
         "00 00 00 00 ");
 }
 

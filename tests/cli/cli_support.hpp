@@ -1,5 +1,5 @@
 #pragma once
-// What the tests of the command share.
+// Shared by the tests of the command.
 
 #include "run.hpp"
 #include "sarif/reader.hpp"
@@ -28,7 +28,7 @@ inline void write_bytes(fs::path const& path, std::string const& bytes) {
     if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
-/// A directory of its own, gone again at the end.
+/// A new temporary directory, which the destructor removes.
 class Scratch {
 public:
     Scratch() {

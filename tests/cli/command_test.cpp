@@ -18,7 +18,7 @@ bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-// One line on standard error, nothing on standard output.
+// Expects one line on standard error and nothing on standard output.
 void expect_refused(Outcome const& outcome, int code, std::string const& line) {
     EXPECT_EQ(outcome.code, code);
     EXPECT_EQ(outcome.err, "bradep: " + line + "\n");
@@ -34,13 +34,13 @@ std::string imported(Scratch const& scratch, fs::path const& log) {
     return set;
 }
 
-TEST(Command, HelpTellsTheCommandsAndTheExitCodes) {
+TEST(Command, HelpListsTheCommandsAndTheExitCodes) {
     auto const help = run_command({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.err, "");
     for (char const* part : {"import", "show", "verify", "dump", "encode", "identify", "canon",
                              "digest", "schema", "roots", "--version",
-                             "Exit codes: 0 done, 1 the input is damaged or the answer is no, 2 "})
+                             "Exit codes: 0 done, 1 the input is damaged or refused, 2 "})
         EXPECT_TRUE(contains(help.out, part)) << part;
     EXPECT_TRUE(contains(run_command({"import", "--help"}).out, "--output"));
     EXPECT_TRUE(contains(run_command({"show", "--help"}).out, "--json"));
@@ -58,7 +58,7 @@ TEST(Command, VersionIsOneLine) {
 }
 
 TEST(Command, WrongUsageIsOneLineAndCodeTwo) {
-    std::string const more = " (bradep --help tells more)";
+    std::string const more = " (see bradep --help)";
     expect_refused(run_command({}), 2, "A command is required" + more);
     expect_refused(run_command({"frob"}), 2, "no such command: frob" + more);
     expect_refused(run_command({"shw", "set"}), 2, "no such command: shw (show?)" + more);
@@ -209,7 +209,7 @@ TEST(Show, JsonLinesHaveTheDocumentedForm) {
         "\n");
 }
 
-TEST(Show, SummaryTellsTablesRankingsAndFirstChecks) {
+TEST(Show, SummaryHasTablesRankingsAndFirstChecks) {
     Scratch const scratch;
     auto const    set = imported(scratch, fixture("flows.sarif"));
     auto const    shown = run_command({"show", set});
@@ -325,7 +325,7 @@ TEST(Show, EmptyShortAndLongFilesAreDamaged) {
                 "expected at least 4 bytes, found 3");
     refused(bytes + "x", "can't be read as a result set: byte " + std::to_string(size) +
                              ": expected the end of the bytes, found 1 more bytes");
-    // Which count does not fit depends on the order of the tables.
+    // The order of hash tables determines which count exceeds the bytes.
     write_bytes(file, bytes.substr(0, size / 2));
     auto const half = run_command({"show", file});
     EXPECT_EQ(half.code, 1);
@@ -335,7 +335,7 @@ TEST(Show, EmptyShortAndLongFilesAreDamaged) {
     EXPECT_EQ(line_count(half.err), 1U);
 }
 
-TEST(Show, OddBytesAreShownAndTold) {
+TEST(Show, OddBytesAreShownAndReported) {
     Scratch const scratch;
     auto          bytes = bytes_of(imported(scratch, fixture("flows.sarif")));
     auto const    at = bytes.find_last_of('F');

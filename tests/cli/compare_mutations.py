@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Damages sound SARIF logs at random places and asks both readings what they make of it.
+"""Damages well-formed SARIF logs at random places and compares both readers on them.
 
 Usage: compare_mutations.py BRADEP DIRECTORY [COUNT [SEED]]
-Either both refuse a damaged log or both read the same out of it. BRADEP_SLOW_TESTS asks for more.
+Both must refuse a damaged log, or both must read the same from it. With BRADEP_SLOW_TESTS, more are tried.
 """
 
 import copy
@@ -38,8 +38,8 @@ def containers(value):
 
 
 def mutate(document, choice):
-    """Replaces, removes or repeats one value somewhere. What is put in is a copy: the next mutation may
-    change it, and a value put into itself could not be written."""
+    """Replaces, removes or repeats one value somewhere. The inserted value is a copy: the next mutation
+    may change it, and a value that contains itself could not be written."""
     candidates = list(containers(document))
     if not candidates:
         return  # an earlier mutation left nothing
@@ -65,7 +65,7 @@ def expected_checks(log):
 
 
 def agreement(bradep, log, result_set):
-    """None where both readings agree, else what they disagree about."""
+    """None if both readers agree; else a description of the difference."""
     expected = expected_checks(log)
     imported = run_bradep(bradep, "import", log, "-o", result_set)
     if imported.returncode not in (0, 1):

@@ -2,8 +2,8 @@
 """Imports SARIF logs with bradep and compares `bradep show --json` with sarif_reference.py.
 
 Usage: compare_with_reference.py BRADEP DIRECTORY...
-Every .sarif file of the directories and of those that BRADEP_SARIF_DIRS names is compared. A file
-called bad-*.sarif has to be refused by both readings: exit code 1, one line, no output file.
+Every .sarif file in the directories and in those that BRADEP_SARIF_DIRS names is compared. Both readers
+must refuse a file called bad-*.sarif: with exit code 1, one line of message and no output file.
 """
 
 import json
@@ -22,7 +22,7 @@ ORDER = [
 
 
 def canonical(value):
-    """Equal texts mean equal JSON: 1, 1.0 and true stay three things, and so do absent and null."""
+    """A text that is equal only for equal JSON: 1, 1.0 and true differ, and so do absent and null."""
     return json.dumps(value, sort_keys=True, ensure_ascii=True)
 
 
@@ -49,7 +49,7 @@ def shown_checks(bradep, result_set):
 
 
 def compare(bradep, log, scratch):
-    """How many checks agreed. Raises AssertionError at the first difference."""
+    """Returns the number of checks that agree. Raises AssertionError at the first difference."""
     result_set = scratch / "set.bradep"
     imported = run_bradep(bradep, "import", log, "-o", result_set)
     if log.name.startswith("bad-"):

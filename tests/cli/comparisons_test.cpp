@@ -1,4 +1,4 @@
-// Logs whose texts are made to fall together in the hash tables that an import fills.
+// Logs whose texts are made to collide in the hash tables that an import fills.
 
 #include "comparisons.hpp"
 #include <sml/inspect/reader/reader_model.hpp>
@@ -25,18 +25,20 @@ using Texts = std::vector<std::string>;
 
 constexpr std::uint64_t unlimited = ~std::uint64_t{0};
 
-/// The hash of a text of 16 bytes, and its inverse: the second half that gives a hash.
+/// The hash of a text of 16 bytes, and its inverse: finds the second half of a text with a given
+/// hash.
 class HashOf16 {
 public:
     static std::uint64_t behind(std::uint64_t first_half) {
         std::uint64_t const state = seed ^ (16 * factor);
         return (state ^ mixed(first_half)) * factor;
     }
-    /// What the first 8 bytes left of the hash, before it is finished, is brought to `wanted`.
+    /// Returns the second 8 bytes that bring the state of the hash after `first_half` to `wanted`,
+    /// before it is finished.
     static std::uint64_t second_half(std::uint64_t first_half, std::uint64_t wanted) {
         return folded((behind(first_half) ^ wanted) * inverse()) * inverse();
     }
-    /// The state that is finished to a hash.
+    /// The state from which the last steps make this hash.
     static std::uint64_t unfinished(std::uint64_t hash) {
         return folded(folded(hash) * inverse()) * inverse();
     }
@@ -56,7 +58,7 @@ private:
 
 bool is_plain(char c) { return c > ' ' && c < '\x7f' && c != '"' && c != '\\' && c != '/'; }
 
-/// So many texts with this hash, to be written as they are in JSON.
+/// `count` texts with this hash, in characters that JSON needs no escapes for.
 Texts texts_of_hash(std::size_t count, std::uint64_t hash) {
     Texts         texts;
     std::uint64_t wanted = HashOf16::unfinished(hash);
@@ -73,13 +75,14 @@ Texts texts_of_hash(std::size_t count, std::uint64_t hash) {
     return texts;
 }
 
-/// Texts of one hash, another one each time: those of before are in the table of all texts still.
+/// Texts with one hash, a different one in each call, because earlier texts are still in the string
+/// table.
 Texts colliding(std::size_t count) {
     static std::uint64_t hash = 0x123456789abcdef0;
     return texts_of_hash(count, ++hash);
 }
 
-/// As long, and as many, with hashes of their own.
+/// Texts of the same length and number with different hashes.
 Texts ordinary(std::size_t count) {
     Texts texts;
     for (std::uint64_t i = 0; i < count; ++i)
@@ -87,7 +90,7 @@ Texts ordinary(std::size_t count) {
     return texts;
 }
 
-/// A list of the pattern with each text in the place of TEXT.
+/// A list of copies of the pattern, each with a text in place of TEXT.
 std::string filled(std::string const& pattern, Texts const& texts) {
     std::string list;
     for (auto const& text : texts) {
@@ -121,7 +124,7 @@ TEST(Comparisons, GrowWithTheSquareOfUrisThatFallTogether) {
 }
 
 TEST(Comparisons, OfOrdinaryTextsAreNotCounted) {
-    // But for one that happens to fall among those of another test.
+    // A few may share a bucket with texts of another test by chance.
     EXPECT_LT(count_of(log_of_uris(ordinary(20'000))), 20'000U);
     EXPECT_LT(count_of(log_of_uris(Texts(20'000, "same"))), 20'000U);
 }
@@ -138,10 +141,10 @@ TEST(Comparisons, BeyondMaxWorkImportNamesThePlaceAndWritesNothing) {
     EXPECT_EQ(refused.code, 1);
     std::string const place = "bradep: standard input:/runs/0/results/";
     ASSERT_TRUE(refused.err.starts_with(place)) << refused.err;
-    // Three tables, each of which compares a text with all before it.
+    // Each of three hash tables compares a text with all earlier ones.
     EXPECT_NEAR(std::stod(refused.err.substr(place.size())), 258, 3);
     EXPECT_TRUE(
-        refused.err.ends_with(": keys fall together in the hash tables, which takes more "
+        refused.err.ends_with(": keys collide in the hash tables, which takes more "
                               "than --max-work 100000 comparisons\n"))
         << refused.err;
     EXPECT_EQ(std::ranges::count(refused.err, '\n'), 1);
@@ -169,7 +172,7 @@ TEST(Comparisons, OfSeveralLogsAreCountedTogether) {
         << refused.err;
 }
 
-/// Every text of a log that goes into the table of all texts, wherever it stands.
+/// Every text of a log that is interned, wherever it is in the log.
 TEST(Comparisons, AreCountedForEachKindOfText) {
     using LogOf = std::function<std::string(Texts const&)>;
     auto const result_with = [](std::string const& before, std::string const& element,
@@ -204,8 +207,8 @@ TEST(Comparisons, AreCountedForEachKindOfText) {
     }
 }
 
-/// Of adding results whose texts are there already: how many tables compare each of `count` keys
-/// with all before it.
+/// Adds results with `count` colliding keys, whose texts are already interned. Returns the number
+/// of hash tables that compare each key with all earlier ones.
 template <class Fill>
 double tables_compared(std::size_t count, Fill const& fill) {
     std::vector<Strings_T> const texts = [&] {
@@ -234,29 +237,29 @@ TEST(Comparisons, AreCountedForEachTableOfTheSet) {
             return all;
         };
     };
-    // check_numbers and checks
+    // The hash tables check_numbers and checks.
     EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
                                     result.locations = {place_at(text)};
                                 })),
                 2, 0.1);
-    // and first_key_sets
+    // Also first_key_sets.
     EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
                                     result.locations = {place_at(text), Place()};
                                 })),
                 3, 0.1);
-    // info_numbers and infos
+    // The hash tables info_numbers and infos.
     EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
                                     result.related.push_back({place_at(text), {}, {}});
                                 })),
                 2, 0.1);
-    // event_numbers and events
+    // The hash tables event_numbers and events.
     EXPECT_NEAR(tables_compared(count, results([](Result& result, Strings_T const& text) {
                                     result.flows = {{{{place_at(text), {}}}}};
                                 })),
                 2, 0.1);
 }
 
-/// Texts of the result set's own are looked up among those of the log.
+/// Texts that the import adds itself are looked up among those of the log.
 TEST(Comparisons, AreCountedForTextsThatTheLogDoesNotGive) {
     constexpr std::size_t count = 200;
     struct Case {
@@ -278,8 +281,8 @@ TEST(Comparisons, AreCountedForTextsThatTheLogDoesNotGive) {
     }
 }
 
-/// Texts that share a bucket once the table has grown were not compared when they were added, but
-/// would be when they are given up.
+/// Texts that share a bucket only after the string table has grown were not compared when they were
+/// added. Releasing them would compare them.
 TEST(Comparisons, OfGivingUpTextsAreNotMade) {
     auto const& all = Strings_T::fAllStrings;
     auto const  before = all.size();
@@ -288,7 +291,7 @@ TEST(Comparisons, OfGivingUpTextsAreNotMade) {
     for (std::size_t i = 0; i < 1000; ++i) texts.push_back(text_of(i));
     auto const good = log_with(R"({"relatedLocations":[)" +
                                filled(R"({"message":{"text":"TEXT"}})", texts) + "]}");
-    // Damaged behind all texts of its only result.
+    // The damage comes after all texts of the only result.
     auto const bad =
         log_with(R"({"relatedLocations":[)" + filled(R"({"message":{"text":"bad TEXT"}})", texts) +
                  R"(],"codeFlows":[{"threadFlows":[{"locations":[{"index":1}]}]}]})");
@@ -300,7 +303,7 @@ TEST(Comparisons, OfGivingUpTextsAreNotMade) {
 
 TEST(Comparisons, UpToTheLimitAreAllowed) {
     auto const log = log_of_uris(colliding(300));
-    count_of(log);  // the texts are there from now on
+    count_of(log);  // interns the texts
     auto const work = count_of(log);
     auto const import = [&](std::uint64_t most) {
         Comparisons       comparisons(most);

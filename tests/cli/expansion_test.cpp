@@ -1,4 +1,4 @@
-// Inputs of which a few bytes stand for very many.
+// Inputs in which a few bytes stand for very many.
 
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
@@ -85,17 +85,17 @@ TEST(Expansion, EveryReferenceToATextIsCounted) {
             "results": [)" +
                results + "]}]}";
     };
-    // Of a result alone: "warning" and "fail".
+    // An empty result has two texts: "warning" and "fail".
     std::uint64_t const bare = 11;
     struct Case {
         std::string   result;
-        std::uint64_t bytes;  // of each reference
+        std::uint64_t bytes;  // for each reference
     };
     std::string const place = R"({"physicalLocation":{"artifactLocation":{"index":0}}})";
     std::string const name = R"({"logicalLocations":[{"index":0}]})";
     for (auto const& [result, bytes] : {Case{R"({"locations":[)" + repeated(5, place) + "]}", 20},
                                         Case{R"({"locations":[)" + repeated(5, name) + "]}", 20},
-                                        // The text, the argument and one more for it, the message.
+                                        // The text, the argument plus one, and the message.
                                         Case{R"({"codeFlows":[{"threadFlows":[{"locations":[)" +
                                                  repeated(5, R"({"index":0})") + "]}]}]}",
                                              1 + 9 + 1}}) {
@@ -132,7 +132,7 @@ bradep::ResultSet set_of(std::string const& log) {
     return set;
 }
 
-/// One check whose steps are all the same event, with a long message: in bytes.
+/// The bytes of a set with one check, whose steps are all the same event with a long message.
 std::string shared_step(std::size_t steps, std::size_t length) {
     auto const log =
         R"({"version": "2.1.0", "runs": [{"results": [{"codeFlows": [{"threadFlows": [{"locations": [
@@ -193,7 +193,7 @@ TEST(SetLimits, MoreEntriesThanTheWireHoldsAreRefused) {
     EXPECT_EQ(complaint_of_adding(checks, {.entries = 9}), refusal("9", 10));
     struct Case {
         std::string result;
-        std::size_t entries;  // of two such results
+        std::size_t entries;  // for two such results
     };
     auto const flow =
         R"({"codeFlows":[{"threadFlows":[{"locations":[)" + repeated(6, "{}") + "]}]}]}";
@@ -218,7 +218,7 @@ TEST(SetLimits, MoreStringsThanTheWireHoldsAreRefused) {
     EXPECT_EQ(complaint_of_adding(log_with("{}"), {}), "nothing");  // tool, level and kind
     auto const before = sml::Strings_T::fAllStrings.size();
     auto const log = log_with(R"({"ruleId":"a string of its own"},{"ruleId":"and another one"})");
-    // Both, and the empty one.
+    // Both texts and the empty one.
     EXPECT_EQ(complaint_of_adding(log, {.strings = before + 3}), "nothing");
     auto const others = log_with(R"({"ruleId":"a third string"},{"ruleId":"a fourth string"})");
     auto const complaint = complaint_of_adding(others, {.strings = before + 4});
@@ -297,7 +297,7 @@ TEST(MaxOutput, StopsDump) {
     }
 }
 
-/// Many forms of one check would print it as often.
+/// Many forms of one check would otherwise print it as many times.
 TEST(Show, ACheckWithSeveralFormsIsShownOnce) {
     auto set = set_of(log_with("{}"));
     set.check_data.push_back(set.check_data.front());

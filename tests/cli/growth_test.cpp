@@ -1,5 +1,5 @@
-// How time grows with the input. Four times the input may take eight times as long: what is
-// quadratic takes sixteen times.
+// Tests how time grows with the input. Four times the input may take eight times as long; quadratic
+// work takes sixteen times as long.
 
 #include "cli_support.hpp"
 #include "sarif/mapping.hpp"
@@ -16,7 +16,7 @@ using namespace cli_test;
 
 constexpr double most_growth = 8;
 constexpr int    repetitions = 3;
-constexpr double shortest = 0.02;  // seconds that can be compared
+constexpr double shortest = 0.02;  // seconds, the least that can be compared
 
 template <class Work>
 double seconds_of(Work const& work) {
@@ -33,7 +33,8 @@ double median_seconds(Work const& work) {
     return times[repetitions / 2];
 }
 
-/// Of `work_of(n)()`, from an n that takes long enough to be compared.
+/// Expects that the time of `work_of(n)()` grows about linearly, from an n that takes long enough
+/// to be measured.
 template <class Work>
 void expect_linear_work(Work const& work_of) {
     std::size_t n = 500;
@@ -43,7 +44,7 @@ void expect_linear_work(Work const& work_of) {
     EXPECT_LT(longer / time, most_growth) << n << ": " << time << " s, then " << longer << " s";
 }
 
-/// Of importing `log_of(n)`.
+/// Expects that the time to import `log_of(n)` grows about linearly.
 template <class Log>
 void expect_linear(Log const& log_of) {
     expect_linear_work([&](std::size_t n) {

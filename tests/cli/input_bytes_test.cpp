@@ -52,7 +52,8 @@ TEST(InputBytes, AFileWithoutASizeOfItsOwnIsRead) {
     EXPECT_EQ(read_of("/proc/self/status").substr(0, 5), "Name:");
 }
 
-// Opened twice, a pipe loses what the first writer says, and waits for a second.
+// If a pipe were opened twice, the bytes of the first writer would be lost, and the reader would
+// wait for a second writer.
 TEST(InputBytes, APipeIsOpenedOnce) {
     Scratch const scratch;
     ASSERT_EQ(::mkfifo((scratch / "pipe").c_str(), 0600), 0);
@@ -102,12 +103,12 @@ TEST(InputBytes, MoreThanTheLimitIsAFailure) {
 TEST(InputBytes, AFileBeyondTheLimitIsRefusedUnread) {
     Scratch const scratch;
     write_bytes(scratch / "in", "");
-    fs::resize_file(scratch / "in", std::uintmax_t{1} << 40);  // of holes only
+    fs::resize_file(scratch / "in", std::uintmax_t{1} << 40);  // a sparse file
     EXPECT_EQ(failure_of_reading(scratch / "in"),
               "cannot read " + (scratch / "in").string() + ": larger than --max-size 4294967296");
 }
 
-/// Every command that reads a file, with what else it wants.
+/// Every command that reads a file, with its other required options.
 std::vector<std::vector<std::string>> const reading_commands = {
     {"import", "-o", "-"}, {"show"},     {"verify"},           {"dump"},
     {"encode", "-o", "-"}, {"identify"}, {"canon", "-o", "-"}, {"digest"},

@@ -17,17 +17,17 @@ using namespace std::string_literals;
 
 constexpr char const* result_set = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T";
 constexpr char const* sets = "String_To_StringSet_T";
-constexpr char const* more = " (bradep --help tells more)";
+constexpr char const* more = " (see bradep --help)";
 
 bool contains(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// {"b": {"z", "a"}, "a": {}}
 std::string word(std::int32_t value) {
     return {reinterpret_cast<char const*>(&value), sizeof value};
 }
 
+/// The bytes of {"b": {"z", "a"}, "a": {}}.
 std::string two_sets() {
     return hex::bytes(
         "02 00 00 00  FF FF FF FF 01 00 00 00 'b'  02 00 00 00"
@@ -54,8 +54,8 @@ TEST(VerifyCommand, GoodBytesAreCodeZeroAndTheirFigures) {
                    "  odd       0\n"
                    "  strings   0\n"
                    "  elements  0\n"
-                   "  heap      at most about 0 bytes while it is read\n"
-                   "  work      about 0 comparisons of keys to read it\n",
+                   "  heap      estimated at 0 bytes, at its peak in a reader\n"
+                   "  work      estimated at 0 comparisons of keys in a reader\n",
                    "");
 }
 
@@ -90,7 +90,7 @@ TEST(VerifyCommand, UnsafeBytesAreCodeOne) {
 
 constexpr char const* pragmas = "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList";
 
-/// What is told of the flag in the element of a list of such parameters.
+/// The finding about the flag in the element with this index of a list of such parameters.
 std::string odd_flag(std::size_t index) {
     return "bradep: standard input: byte " + std::to_string(8 + 5 * index) + " at [" +
            std::to_string(index) + "].BOOL_PRAGMA_PARAMETER: expected T or F, found 'x' (odd)\n";
@@ -109,7 +109,7 @@ TEST(VerifyCommand, FindingsAreBoundedAndAllAreCounted) {
     EXPECT_EQ(verified("1"), odd_flag(0) + odd_flag(1) + odd_flag(2));
 }
 
-TEST(VerifyCommand, FindingsOfOneShapeAreToldTogether) {
+TEST(VerifyCommand, FindingsOfOneShapeAreReportedTogether) {
     std::string bytes = hex::bytes("A1 86 01 00");  // 100,001
     for (int i = 0; i < 100'000; ++i) bytes += hex::bytes("00 00 00 00 'x'");
     bytes += hex::bytes("63 00 00 00 00 00 00 00 00 00 00 00");  // an unknown tag
@@ -143,7 +143,7 @@ TEST(VerifyCommand, TakesSeveralFiles) {
     EXPECT_EQ(run_command({"verify", "--root", sets, good, good}).code, 0);
 }
 
-TEST(DigestCommand, TakesSeveralFilesAndTellsTheirNames) {
+TEST(DigestCommand, TakesSeveralFilesAndPrintsTheirNames) {
     Scratch const scratch;
     auto const    first = (scratch / "a").string();
     auto const    second = (scratch / "b\n").string();
@@ -174,10 +174,10 @@ TEST(VerifyCommand, FindingStaysOneLineWhateverTheBytes) {
         hex::bytes("01 00 00 00  FF FF FF FF 04 00 00 00 0A 1B 5B FF  01 00 00 00  07 00 00 00");
     auto const outcome = run_command({"verify", "--root", sets, "-"}, bytes);
     EXPECT_EQ(outcome.err, R"(bradep: standard input: byte 20 at ["\x0A\x1B[\xFF"][0]: )"
-                           "expected an id told before, found id 7 (odd)\n");
+                           "expected an id that is defined before, found id 7 (odd)\n");
 }
 
-TEST(RootOption, IsToldWithItsNearestWhenThereIsNone) {
+TEST(RootOption, IsReportedWithItsNearestWhenThereIsNone) {
     Scratch const scratch;
     auto const    target = (scratch / "out").string();
     for (auto const& args : std::vector<std::vector<std::string>>{{"verify", "-"},
@@ -196,12 +196,13 @@ TEST(RootOption, IsToldWithItsNearestWhenThereIsNone) {
 }
 
 TEST(RootOption, AStemThatEndsWithWhatWasGivenIsNearest) {
-    auto const told = [](std::string const& given) {
+    auto const printed = [](std::string const& given) {
         return run_command({"verify", "--root", given, "-"}, "T").err;
     };
-    EXPECT_TRUE(contains(told("Aggregated_Results_T"), "; there is "s + result_set)) << told("x");
-    EXPECT_TRUE(contains(told("StringSet"), "; there is String_To_StringSet_T"));
-    EXPECT_TRUE(contains(told("Sting_To_StringSet_T"), "; there is String_To_StringSet_T"));
+    EXPECT_TRUE(contains(printed("Aggregated_Results_T"), "; there is "s + result_set))
+        << printed("x");
+    EXPECT_TRUE(contains(printed("StringSet"), "; there is String_To_StringSet_T"));
+    EXPECT_TRUE(contains(printed("Sting_To_StringSet_T"), "; there is String_To_StringSet_T"));
 }
 
 TEST(VerifyCommand, JsonTextIsCalledSo) {
@@ -211,7 +212,7 @@ TEST(VerifyCommand, JsonTextIsCalledSo) {
         "what dump has printed), ";
     auto const chosen = run_command({"verify", "-"}, json);
     EXPECT_EQ(chosen.code, 1);
-    EXPECT_TRUE(chosen.err.starts_with(form + "fits no root, read as ")) << chosen.err;
+    EXPECT_TRUE(chosen.err.starts_with(form + "fits no root; read as ")) << chosen.err;
     auto const asked = run_command({"verify", "--root", result_set, "-"}, " [\n{}]");
     EXPECT_EQ(asked.code, 1);
     EXPECT_TRUE(asked.err.starts_with(form + "not " + result_set + "\n")) << asked.err;
@@ -222,8 +223,8 @@ TEST(VerifyCommand, JsonTextIsCalledSo) {
         << packed.err;
 }
 
-/// More than a stream holds back, so that not only the last flush fails.
-TEST(FullStandardOutput, TellsTheReasonWhateverTheCommand) {
+/// More bytes than the stream's buffer holds, so that not only the last flush fails.
+TEST(FullStandardOutput, ReportsTheReasonWhateverTheCommand) {
     Scratch const scratch;
     std::string   results = "{}";
     for (int i = 0; i < 2000; ++i) results += R"(,{"message": {"text": "m"}})";
@@ -268,7 +269,7 @@ TEST(VerifyCommand, AFileThatTakesTooMuchMemoryHindersNoOther) {
     EXPECT_TRUE(outcome.out.starts_with(good + ": good\n")) << outcome.out;
 }
 
-// The count of a set can look like text of wide characters.
+// The count of a set can look like the start of UTF-16 or UTF-32 text.
 TEST(VerifyCommand, ACountIsNoText) {
     for (std::int32_t const count : {123, 123 << 8}) {
         auto const err = run_command({"show", "-"}, word(count) + word(0)).err;
@@ -276,33 +277,33 @@ TEST(VerifyCommand, ACountIsNoText) {
     }
 }
 
-TEST(ChosenRoot, FirstThatFitsIsTakenAndTheOthersAreTold) {
-    std::string const told =
+TEST(ChosenRoot, FirstThatFitsIsTakenAndTheOthersAreReported) {
+    std::string const printed =
         "bradep: standard input: read as Answers_Answer; it also fits Answers_Context\n";
     auto const verified = run_command({"verify", "-"}, "T");
     EXPECT_EQ(verified.code, 0);
     EXPECT_TRUE(contains(verified.out, "  root      Answers_Answer\n"));
-    EXPECT_EQ(verified.err, told);
+    EXPECT_EQ(verified.err, printed);
     expect_outcome(run_command({"dump", "-"}, "T"), 0,
-                   "{\"root\":\"Answers_Answer\",\"value\":{\"flag\":true}}\n", told);
-    EXPECT_EQ(run_command({"digest", "-"}, "T").err, told);
-    EXPECT_EQ(run_command({"canon", "-", "-o", "-"}, "T").err, told);
+                   "{\"root\":\"Answers_Answer\",\"value\":{\"flag\":true}}\n", printed);
+    EXPECT_EQ(run_command({"digest", "-"}, "T").err, printed);
+    EXPECT_EQ(run_command({"canon", "-", "-o", "-"}, "T").err, printed);
 }
 
-TEST(ChosenRoot, OnlyOneThatFitsIsNotTold) {
+TEST(ChosenRoot, OnlyOneThatFitsIsNotReported) {
     EXPECT_EQ(run_command({"verify", "-"}, imported_flows()).err, "");
 }
 
-TEST(ChosenRoot, IsToldOnceForAllFilesAndNotWhenQuiet) {
+TEST(ChosenRoot, IsReportedOnceForAllFilesAndNotWhenQuiet) {
     Scratch const scratch;
     auto const    first = (scratch / "a").string();
     auto const    second = (scratch / "b").string();
     write_bytes(first, "T");
     write_bytes(second, "F");
-    auto const told =
+    auto const printed =
         "bradep: " + first + ": read as Answers_Answer; it also fits Answers_Context\n";
-    EXPECT_EQ(run_command({"verify", first, second}).err, told);
-    EXPECT_EQ(run_command({"digest", first, second}).err, told);
+    EXPECT_EQ(run_command({"verify", first, second}).err, printed);
+    EXPECT_EQ(run_command({"digest", first, second}).err, printed);
     for (std::string const command : {"verify", "digest", "dump"})
         EXPECT_EQ(run_command({command, "-q", first}).err, "") << command;
 }
@@ -312,14 +313,14 @@ TEST(ChosenRoot, OfDamagedBytesIsTheOneThatCameFurthest) {
     bytes.pop_back();
     sml::inspect::Candidate const best = sml::inspect::identify(bytes).front();
     ASSERT_EQ(best.root->stem, result_set);
-    std::string const told = "bradep: standard input: fits no root, read as "s + result_set +
-                             ", which came furthest: to byte " + std::to_string(best.walked) +
-                             " of " + std::to_string(bytes.size()) + "\n";
+    std::string const printed = "bradep: standard input: fits no root; read as "s + result_set +
+                                ", which came furthest, to byte " + std::to_string(best.walked) +
+                                " of " + std::to_string(bytes.size()) + "\n";
     for (auto const& args : std::vector<std::vector<std::string>>{
              {"verify", "-"}, {"dump", "-"}, {"digest", "-"}, {"canon", "-", "-o", "-"}}) {
         auto const outcome = run_command(args, bytes);
         EXPECT_EQ(outcome.code, 1) << args.front();
-        EXPECT_TRUE(outcome.err.starts_with(told)) << outcome.err;
+        EXPECT_TRUE(outcome.err.starts_with(printed)) << outcome.err;
     }
 }
 
@@ -367,8 +368,8 @@ TEST(DumpCommand, AnIndexIsAKeyWhereKeysAreNumbers) {
                    "bradep: standard input: there is no [3] in the root\n");
 }
 
-TEST(DumpCommand, AStepThatDoesNotFitIsTold) {
-    auto const told = [](std::string const& path) {
+TEST(DumpCommand, AStepThatDoesNotFitIsReported) {
+    auto const printed = [](std::string const& path) {
         auto const outcome = run_command({"dump", "--select", path, "-"}, imported_flows());
         EXPECT_EQ(outcome.code, 1) << path;
         EXPECT_EQ(outcome.out, "") << path;
@@ -377,30 +378,31 @@ TEST(DumpCommand, AStepThatDoesNotFitIsTold) {
                                          : outcome.err.substr(line + 24 + path.size() + 2);
     };
     std::string const checks = "application_results.checks";
-    EXPECT_EQ(told("aplication_results"),
+    EXPECT_EQ(printed("aplication_results"),
               "aplication_results at the start, where a field belongs; the nearest is "
               "application_results\n");
-    EXPECT_EQ(told(checks + "[3]"), "[3] after " + checks +
-                                        ", where a key belongs, as [(\"...\",0)], or the number "
-                                        "of an entry, as [#0]\n");
-    EXPECT_TRUE(told(checks + "[(\"a.c\",1)").starts_with("[(\"a.c\",1) after " + checks));
-    EXPECT_TRUE(told(checks + ".first").starts_with("first after " + checks + ", where a key"));
-    EXPECT_EQ(told("check_data[0].2"),
+    EXPECT_EQ(printed(checks + "[3]"), "[3] after " + checks +
+                                           ", where a key belongs, as [(\"...\",0)], or the number "
+                                           "of an entry, as [#0]\n");
+    EXPECT_TRUE(printed(checks + "[(\"a.c\",1)").starts_with("[(\"a.c\",1) after " + checks));
+    EXPECT_TRUE(printed(checks + ".first").starts_with("first after " + checks + ", where a key"));
+    EXPECT_EQ(printed("check_data[0].2"),
               "2 after check_data[0], where a part from .0 to .1 belongs\n");
-    EXPECT_EQ(told("check_data.0"), "0 after check_data, where an index belongs, as [0]\n");
-    EXPECT_EQ(told("check_data[(\"a\",1)]"),
+    EXPECT_EQ(printed("check_data.0"), "0 after check_data, where an index belongs, as [0]\n");
+    EXPECT_EQ(printed("check_data[(\"a\",1)]"),
               "[(\"a\",1)] after check_data, where an index belongs, as [0]\n");
-    EXPECT_EQ(told("check_data[0].1.category.OVL"),
+    EXPECT_EQ(printed("check_data[0].1.category.OVL"),
               "OVL after check_data[0].1.category, where an arm with a payload belongs; the "
               "nearest is OVFL\n");
-    EXPECT_EQ(told("check_data[0].0.x"), "x after check_data[0].0, where nothing more belongs\n");
-    EXPECT_EQ(told("check_data[0]."),
+    EXPECT_EQ(printed("check_data[0].0.x"),
+              "x after check_data[0].0, where nothing more belongs\n");
+    EXPECT_EQ(printed("check_data[0]."),
               "nothing after check_data[0], where a part from .0 to .1 belongs\n");
-    EXPECT_EQ(told("check_data[0]1"), "1 after check_data[0], where a dot belongs\n");
-    EXPECT_EQ(told(".check_data"), "check_data at the start, where no dot belongs\n");
+    EXPECT_EQ(printed("check_data[0]1"), "1 after check_data[0], where a dot belongs\n");
+    EXPECT_EQ(printed(".check_data"), "check_data at the start, where no dot belongs\n");
 }
 
-TEST(DumpCommand, AnotherArmIsTold) {
+TEST(DumpCommand, AnotherArmIsReported) {
     auto const outcome = run_command(
         {"dump", "--root", result_set, "--select", "check_data[0].1.category.OVFL.ovfl_data", "-"},
         imported_flows());
@@ -415,7 +417,7 @@ TEST(DumpCommand, PrintsLines) {
                    0, "\"z\"\n\"a\"\n", "");
     expect_outcome(
         run_command({"dump", "--root", sets, "--ndjson", R"(["b"][0])", "-"}, two_sets()), 1, "",
-        "bradep: standard input: [\"b\"][0] is no list, set or table\n");
+        "bradep: standard input: [\"b\"][0] is no list, set or map\n");
 }
 
 TEST(DumpCommand, FormsExcludeOneAnother) {
@@ -476,18 +478,18 @@ TEST(EncodeCommand, BadJsonIsCodeOneAndLeavesNoFile) {
     Scratch const     scratch;
     auto const        target = (scratch / "out").string();
     std::string const json = "{\"root\":\"Answers_Context\",\n \"value\":{\"flag\":1}}";
-    std::string const told =
+    std::string const printed =
         "bradep: standard input:2:18 at flag: expected true or false, found the number 1\n";
-    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", told);
+    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", printed);
     EXPECT_TRUE(scratch.names().empty());
     write_bytes(target, "old");
-    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", told);
+    expect_outcome(run_command({"encode", "-", "-o", target}, json), 1, "", printed);
     EXPECT_EQ(bytes_of(target), "old");
     EXPECT_EQ(scratch.names().size(), 1U);
-    expect_outcome(run_command({"encode", "-", "-o", "-"}, json), 1, "", told);
+    expect_outcome(run_command({"encode", "-", "-o", "-"}, json), 1, "", printed);
 }
 
-TEST(EncodeCommand, FileAndPlaceAreToldWhereThereIsNoPath) {
+TEST(EncodeCommand, FileAndPlaceAreReportedWhereThereIsNoPath) {
     Scratch const scratch;
     auto const    file = (scratch / "in.json").string();
     write_bytes(file, "{}");
@@ -516,7 +518,8 @@ TEST(EncodeCommand, TroubleIsCodeTwo) {
 
 TEST(IdentifyCommand, PrintsTheRootsThatFitGoodOnesFirst) {
     expect_outcome(run_command({"identify", "-"}, "T"), 0, "Answers_Answer\nAnswers_Context\n", "");
-    // Good as a reference; odd as a table, which stands before them among the roots.
+    // The bytes are good as a reference and odd as a map, whose root comes first in the list of
+    // roots.
     expect_outcome(
         run_command({"identify", "-"}, hex::bytes("01 00 00 00  05 00 00 00  00 00 00 00")), 0,
         "Interrogators_AnswerRef\nInterrogators_ContextRef\nInterrogators_FunctionRef\n"
@@ -526,7 +529,7 @@ TEST(IdentifyCommand, PrintsTheRootsThatFitGoodOnesFirst) {
     EXPECT_EQ(run_command({"identify", "-"}, imported_flows()).out, result_set + "\n"s);
 }
 
-TEST(IdentifyCommand, NothingThatFitsIsCodeOneAndTheFurthestIsTold) {
+TEST(IdentifyCommand, NothingThatFitsIsCodeOneAndTheFurthestIsReported) {
     std::string bytes = imported_flows();
     bytes.pop_back();
     auto const best = sml::inspect::identify(bytes).front();
@@ -608,7 +611,7 @@ TEST(SchemaCommand, DiffWithItselfFindsNothing) {
     expect_outcome(run_command({"schema", "--diff", "-"}, printed.out), 0, "", "");
 }
 
-TEST(SchemaCommand, DiffTellsWhatBreaksAndIsCodeOne) {
+TEST(SchemaCommand, DiffListsWhatBreaksAndIsCodeOne) {
     std::string       old = run_command({"schema"}).out;
     std::string const name = "\"MODE_RANDOM\"";
     std::size_t const at = old.find(name);
@@ -631,7 +634,8 @@ TEST(SchemaCommand, DiffWithNoSchemaIsCodeOne) {
     EXPECT_EQ(run_command({"schema", "--diff", "-", "--root", sets}, "{}").code, 2);
 }
 
-/// The schema with one more root, of a type that is nested so deep.
+/// The outcome of `schema --diff` with an old schema that has one more root, whose type is deeply
+/// nested.
 Outcome diff_with_nested_type(std::string const& kind, std::string const& innermost) {
     constexpr int depth = 990;  // of the 1000 that the parser allows
     std::string   type;
@@ -647,11 +651,11 @@ Outcome diff_with_nested_type(std::string const& kind, std::string const& innerm
 }
 
 TEST(SchemaCommand, DeeplyNestedTypesAreNoHindrance) {
-    auto const told = diff_with_nested_type("list", R"("int64")");
-    EXPECT_EQ(told.code, 1);
-    EXPECT_EQ(told.err, "");
-    EXPECT_TRUE(told.out.starts_with("the root Integers64_T: was list<list<")) << told.out;
-    EXPECT_TRUE(contains(told.out, "<int64>>>"));
+    auto const printed = diff_with_nested_type("list", R"("int64")");
+    EXPECT_EQ(printed.code, 1);
+    EXPECT_EQ(printed.err, "");
+    EXPECT_TRUE(printed.out.starts_with("the root Integers64_T: was list<list<")) << printed.out;
+    EXPECT_TRUE(contains(printed.out, "<int64>>>"));
     auto const wrong = diff_with_nested_type("boxed", R"({"none": 5})");
     EXPECT_EQ(wrong.code, 1);
     EXPECT_EQ(wrong.out, "");
@@ -703,7 +707,7 @@ TEST(Limits, EachMakesBytesUnsafe) {
              {"--max-elements", "--max-text", "--max-memory", "--findings"})
             EXPECT_EQ(code(option, amount), 2) << option << ' ' << amount;
     EXPECT_EQ(code("--max-elements", "999999999999999999"),
-              0);  // no suffix takes it beyond 64 bits
+              0);  // 18 digits fit into 64 bits; there is no suffix
     EXPECT_EQ(code("--max-elements", "1000000000000000000"), 2);
 }
 
@@ -735,7 +739,7 @@ TEST(InspectCommand, MissingArgumentIsCodeTwo) {
     }
 }
 
-TEST(InspectCommand, HelpTellsTheOptionsAndExitCodes) {
+TEST(InspectCommand, HelpListsTheOptionsAndExitCodes) {
     struct Help {
         char const* command;
         char const* part;
@@ -746,7 +750,7 @@ TEST(InspectCommand, HelpTellsTheOptionsAndExitCodes) {
           Help{"digest", "--root"}, Help{"schema", "--diff"},
           Help{"roots", "List the root types"}}) {
         auto const outcome = run_command({help.command, "--help"});
-        // Told once, on a line of its own.
+        // Printed once, on a line of its own.
         std::size_t const codes = outcome.out.find("\nExit codes: 0 done");
         EXPECT_NE(codes, std::string::npos) << outcome.out;
         EXPECT_EQ(outcome.out.find("Exit codes:"), codes + 1) << outcome.out;
@@ -757,7 +761,7 @@ TEST(InspectCommand, HelpTellsTheOptionsAndExitCodes) {
     }
 }
 
-/// The logs that import can be tried on.
+/// The logs that the tests of import can read: the fixtures and those in BRADEP_SARIF_DIRS.
 std::vector<fs::path> logs_in_reach() {
     std::vector<fs::path> logs = sound_logs();
     char const* const     directories = std::getenv("BRADEP_SARIF_DIRS");
@@ -819,11 +823,12 @@ TEST(CommaLocale, ChangesNoVerdictNoDumpAndNoEncoding) {
     auto const with_comma = run_command({"verify", "--root", stem, "-"}, odd);
     EXPECT_TRUE(
         contains(with_comma.err,
-                 R"(found "0,500000", as it is written where the decimal point is "," (odd))"))
+                 R"(found "0,500000", as a writer spells it where the decimal point is "," (odd))"))
         << with_comma.err;
 }
 
-// What a process with a decimal comma writes, is read, shown and made canonical when that is said.
+// Bytes of a process with a decimal comma are read, shown and made canonical if --decimal-point
+// says so.
 TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
     std::string const stem = "Application_Results_Application_Results";
     std::string const with_dot = numbers();
@@ -848,7 +853,7 @@ TEST(CommaLocale, BytesOfACommaProcessAreTakenWithTheirDecimalPoint) {
     auto const digest = run_command({"digest", "--root", stem, "-"}, with_dot);
     EXPECT_EQ(run("digest", with_comma).out, digest.out);
     EXPECT_EQ(digest.code, 0) << digest.err;
-    // And each is odd, or has no canonical form, without being told.
+    // Without the right --decimal-point, the bytes are odd or have no canonical form.
     EXPECT_TRUE(contains(run_command({"verify", "--root", stem, "-"}, with_comma).err, "(odd)"));
     EXPECT_EQ(run_command({"digest", "--root", stem, "-"}, with_comma).code, 1);
     EXPECT_TRUE(contains(run("verify", with_dot).err, R"(where the decimal point is ".")"));
@@ -882,7 +887,7 @@ TEST(CommaLocale, ADecimalPointIsNoDigitLetterOrSign) {
         EXPECT_EQ(run_command({"verify", "--decimal-point", point, "-"}, "").code, 2) << point;
 }
 
-/// A set of strings under one key: 20,000 references to ids that were never told.
+/// A map with a set of strings for one key: 20,000 back-references to ids without a definition.
 std::string unknown_ids() {
     std::string bytes = hex::bytes("01 00 00 00  FF FF FF FF 01 00 00 00 'k'");
     auto const  put = [&](std::int32_t word) {
@@ -901,7 +906,7 @@ TEST(Limits, WorkBeyondTheLimitIsUnsafe) {
     EXPECT_EQ(verified("1000000000").code, 0);
     auto const refused = verified("1000000");
     EXPECT_EQ(refused.code, 1);
-    EXPECT_TRUE(contains(refused.err, "compares at most 1000000 times")) << refused.err;
+    EXPECT_TRUE(contains(refused.err, "at most 1000000 comparisons of keys by a reader")) << refused.err;
     EXPECT_TRUE(contains(refused.out, "unsafe")) << refused.out;
 }
 

@@ -23,7 +23,7 @@ auto text(std::string const& bytes) {
     return [bytes](std::ostream& out) { out << bytes; };
 }
 
-// Both ways to keep a file apart until it is whole.
+// Both kinds of temporary files.
 class OutputFile : public ::testing::TestWithParam<Temporary> {
 protected:
     static void write_file(fs::path const&                           target,
@@ -56,7 +56,7 @@ bool has_unnamed_files(fs::path const& directory) {
     return descriptor >= 0;
 }
 
-// What `action` returns in a process of its own, whose limits and rights it may change.
+// Runs `action` in a child process, whose limits and rights it may change, and returns its result.
 int in_a_child(std::function<int()> const& action) {
     auto const child = ::fork();
     if (child == 0) ::_exit(action());
@@ -159,7 +159,7 @@ TEST_P(OutputFile, AnInterruptLeavesTheOldFile) {
     EXPECT_EQ(scratch.names(), Names{"out"});
 }
 
-// With a name of its own it can't but stay.
+// A temporary file with a name stays after a kill.
 TEST_P(OutputFile, AKillLeavesTheOldFileAlone) {
     for (char const* const name : {"out", "none"}) {
         Scratch const scratch;
@@ -197,7 +197,7 @@ TEST_P(OutputFile, DirectoryWithoutWriteRightsStaysAsItWas) {
     write_bytes(scratch / "out", "old");
     ::chmod(scratch.path().c_str(), 0555);
     int const code = in_a_child([&] {
-        if (::getuid() == 0 && ::setuid(65534) != 0) return 2;  // root may write everywhere
+        if (::getuid() == 0 && ::setuid(65534) != 0) return 2;  // root may write anywhere
         auto const failure = failure_of_writing(scratch / "out");
         return failure == "cannot write " + (scratch / "out").string() + ": Permission denied" ? 0
                                                                                                : 1;

@@ -26,7 +26,7 @@ TEST(Printable, WhatATerminalObeysIsEscaped) {
 
 TEST(Printable, BytesThatAreNoUtf8AreEscaped) {
     EXPECT_EQ(printable("caf\xE9"), "caf\\xe9");
-    EXPECT_EQ(printable("\xC0\xAF"), "\\xc0\\xaf");                    // too long a form of '/'
+    EXPECT_EQ(printable("\xC0\xAF"), "\\xc0\\xaf");                    // overlong form of '/'
     EXPECT_EQ(printable("\xED\xA0\x80"), "\\xed\\xa0\\x80");           // half of a surrogate pair
     EXPECT_EQ(printable("\xF5\x80\x80\x80"), "\\xf5\\x80\\x80\\x80");  // beyond the last character
     EXPECT_EQ(printable("\xE2\x82"), "\\xe2\\x82");                    // cut off

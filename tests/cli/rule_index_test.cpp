@@ -17,7 +17,7 @@ struct Known {
     json::value descriptor;
 };
 
-/// The index under test, and what is asked of it, told plainly.
+/// The index under test and a plain implementation to compare it with.
 class Both {
 public:
     explicit Both(std::vector<Known> const& rules) : rules_(rules) {

@@ -1,4 +1,4 @@
-// The table that importing and restoring go through, held against what `dump` finds at its paths.
+// Compares the rows that import and restore use with the output of `dump` at their paths.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/text/json_text.hpp>
@@ -22,12 +22,12 @@ using bradep::sarif::for_each_row;
 using bradep::sarif::Result;
 using bradep::sarif::Text;
 
-/// A result that gives everything, each time another value; with one event and one information
-/// record at most.
+/// A result with all properties, each with a different value. It has at most one event and one
+/// information record.
 Result result_with(std::string const& lists) {
     auto const log =
         R"j({"version": "2.1.0", "runs": [{}, {}, {"tool": {"driver": {"name": "Tool", "version": "7"}},
-        "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "told"},
+        "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "m"},
         "baselineState": "new", "fingerprints": {"f": "complete"}, "locations": [{
         "logicalLocations": [{"name": "logic"}], "physicalLocation": {
         "artifactLocation": {"uri": "a.c", "uriBaseId": "SRC"},
@@ -47,7 +47,7 @@ ResultSet set_of(Result const& result) {
     return set;
 }
 
-/// With a record of each kind that says nothing.
+/// A set with one record of each kind, all with default values.
 ResultSet empty_records() {
     ResultSet set;
     auto&     tables = set.application_results;
@@ -58,7 +58,7 @@ ResultSet empty_records() {
     return set;
 }
 
-/// What `dump` prints of the only entry or element; nothing where the path leads nowhere.
+/// The output of `dump` for the only entry or element at the path; empty if the path leads nowhere.
 std::string value_at(std::string path, ResultSet const& set) {
     auto const put = [&](std::string const& any, std::string const& first) {
         auto const at = path.find(any);
@@ -96,7 +96,7 @@ std::string path_of(Held const& held) {
     return path_of(held.table, held.field);
 }
 
-/// A plain field has the very value at its path, and its bit is set.
+/// Expects that a plain field has this value at its path, and that its bit is set.
 template <class Said, class Access, class Bits, class Part>
 void expect_row(bradep::sarif::Field<Said, Access, Bits> const& row, Part const& part,
                 ResultSet const& set) {
@@ -110,7 +110,8 @@ void expect_row(bradep::sarif::Field<Said, Access, Bits> const& row, Part const&
     }
 }
 
-/// What is held by hand has the value there, too, or something that an empty record has not.
+/// Expects that a field written by hand has the value at its path, or something that differs from
+/// an empty record.
 template <class Said, class Hold, class Restore, class Part>
 void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part const& part,
                 ResultSet const& set) {
@@ -123,8 +124,8 @@ void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part cons
     EXPECT_NE(value, value_at(path, empty_records())) << row.sarif;
 }
 
-/// Has the row write its field into a record of the set that says nothing any more; `before` is
-/// what stood at its path then.
+/// Makes the row write its field into a record with default values. Sets `before` to the output at
+/// its path before that.
 template <class Row, class Part>
 void write_alone(Row const& row, Part const& part, ResultSet& set, std::string& before) {
     auto&                        tables = set.application_results;
@@ -157,7 +158,7 @@ void write_alone(Row const& row, Part const& part, ResultSet& set, std::string& 
     }
 }
 
-/// Without what other rows have put into an arm.
+/// The value without the payload, which other rows may have written.
 std::string without_payload(std::string const& value) {
     return value.substr(0, value.find(",\"args\""));
 }
@@ -225,7 +226,7 @@ TEST(SarifFields, EachPathOfAnInformationRecordLeadsToWhatItsRowHolds) {
                 0);
     expect_list(fields::suppressions,
                 R"(, "suppressions": [{"kind": "external", "status": "accepted"}])", 0);
-    // Of two members with one name the last one counts.
+    // If two members have one name, the last one is used.
     expect_list(fields::further_locations, R"(, "locations": [{}, {)" + place + "}]", 1);
 }
 

@@ -202,7 +202,7 @@ struct Damage {
     char const* complaint;
 };
 
-// Every damaged fixture with what is said of it, place first.
+// Every damaged fixture with its message, which starts with the place.
 constexpr Damage damages[] = {
     {"bad-array.sarif", "1:1: not SARIF: the document is no object"},
     {"bad-artifact-index.sarif",
@@ -280,7 +280,7 @@ constexpr Damage damages[] = {
     {"bad-xml.sarif", "1:1: not JSON: syntax error"},
 };
 
-TEST(SarifReader, DamageIsToldWithItsPlace) {
+TEST(SarifReader, DamageIsReportedWithItsPlace) {
     for (auto const& [name, complaint] : damages)
         EXPECT_EQ(complaint_about(bytes_of(fixture(name))), std::string("log:") + complaint)
             << name;
@@ -303,22 +303,22 @@ TEST(SarifReader, NestingHasALimitAndNoEffectOnTheStack) {
     EXPECT_EQ(complaint_about(nested(1000000)), "log:1:1047: not JSON: too deep");
 }
 
-TEST(SarifReader, WhatIsEasyToSeeIsToldOfOtherEncodings) {
+TEST(SarifReader, OtherEncodingsAreNamedWhereTheyAreEasyToSee) {
     using namespace std::string_literals;
-    auto const told = [](std::string const& form) {
+    auto const complaint = [](std::string const& form) {
         return "log:1:1: not JSON: " + form + ", only plain UTF-8 is read";
     };
-    EXPECT_EQ(complaint_about("{\0}\0"s), told("UTF-16 text"));
-    EXPECT_EQ(complaint_about("\0{\0}"s), told("UTF-16 text"));
-    EXPECT_EQ(complaint_about("\xFF\xFE\0\0{\0\0\0"s), told("UTF-32 text"));
-    EXPECT_EQ(complaint_about("\x1F\x8B\x08\0"s), told("compressed by gzip"));
-    EXPECT_EQ(complaint_about("PK\x03\x04"), told("a zip archive"));
+    EXPECT_EQ(complaint_about("{\0}\0"s), complaint("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\0{\0}"s), complaint("UTF-16 text"));
+    EXPECT_EQ(complaint_about("\xFF\xFE\0\0{\0\0\0"s), complaint("UTF-32 text"));
+    EXPECT_EQ(complaint_about("\x1F\x8B\x08\0"s), complaint("compressed by gzip"));
+    EXPECT_EQ(complaint_about("PK\x03\x04"), complaint("a zip archive"));
     EXPECT_EQ(complaint_about("{\"a\":\n \"\xE4 text\"}"),
               "log:2:3: not JSON: the byte \\xe4 is not UTF-8, as in Latin-1 text");
     EXPECT_EQ(complaint_about("{\"a\": x \"\xE4\""), "log:1:7: not JSON: syntax error");
 }
 
-// Longer than what the parser is given at once.
+// Longer than the pieces that the parser gets.
 TEST(SarifReader, LongLogsAreReadLikeShortOnes) {
     std::string const blanks(3 << 20, ' ');
     auto const log = log_with(R"({"message": {"text": ")" + std::string(3 << 20, 'm') + "\"}}");

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""What `bradep show --json` has to print for SARIF logs, worked out from the SARIF 2.1.0 rules.
+"""Prints the required output of `bradep show --json` for SARIF logs, by the rules of SARIF 2.1.0.
 
 Usage: sarif_reference.py LOG.sarif... prints the lines. Exit code 1: a log is damaged.
 
-This is a second reading on purpose: it shares no code and no shape with the C++ reader.
+It is a second reader on purpose: it shares no code and no structure with the C++ reader.
 """
 
 import json
@@ -23,7 +23,7 @@ def demand(condition, what):
 
 
 def typed(container, name, kind):
-    """The member, or None where it is absent or null."""
+    """The member; None if it is absent or null."""
     demand(isinstance(container, dict), f"{container!r:.60} is no object")
     value = container.get(name)
     if value is None:
@@ -54,7 +54,7 @@ def integer(container, name):
 
 
 def array_index(container, name="index"):
-    """SARIF gives every index property the default -1, which stands for none."""
+    """The index; None if it is absent or -1, the default of every index property in SARIF."""
     value = integer(container, name)
     demand(value is None or value >= -1, f"{name} is {value}")
     return None if value == -1 else value
@@ -87,8 +87,8 @@ class Run:
                 string(rule, "id")
 
     def component(self, reference):
-        """A toolComponentReference points into tool.extensions by index, guid or name; with none
-        of them it means the driver."""
+        """The component that a toolComponentReference refers to: an element of tool.extensions by
+        index, guid or name; without any of them, the driver."""
         if reference is None:
             return self.driver
         at = array_index(reference)
@@ -104,7 +104,7 @@ class Run:
         return self.driver
 
     def rule_by_id(self, component, rule_id):
-        """A hierarchical rule id belongs to the rule whose id is its longest leading part."""
+        """The rule whose id is the longest start of a hierarchical rule id, cut at slashes."""
         parts = rule_id.split("/")
         for length in range(len(parts), 0, -1):
             wanted = "/".join(parts[:length])
@@ -283,14 +283,14 @@ def load(path):
         data = file.read()
     try:
         log = json.loads(data.decode("utf-8-sig"), parse_constant=refuse_constant)
-        json.dumps(log, ensure_ascii=False).encode("utf-8")  # half of a surrogate pair is no text
+        json.dumps(log, ensure_ascii=False).encode("utf-8")  # refuses half of a surrogate pair
     except (ValueError, RecursionError) as error:
         raise Damaged(str(error)) from error
     return log
 
 
 def checks(paths):
-    """The expected objects, in order. Runs and ordinals count on from log to log."""
+    """The expected objects, in order. Runs and ordinals are numbered across all logs."""
     ordinals = Counter()
     runs_before = 0
     expected = []
@@ -312,7 +312,7 @@ def main(paths):
 
 
 def on_a_deep_stack(action):
-    """Logs nest deeper than the interpreter's own limit. Returns the action's exit code."""
+    """Runs the action with a deep stack, as logs may nest deeply; returns its exit code."""
     sys.setrecursionlimit(20000)
     threading.stack_size(512 * 1024 * 1024)
     codes = []

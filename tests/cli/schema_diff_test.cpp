@@ -13,7 +13,7 @@ using bradep::breaking_changes;
 using bradep::changed_roots;
 using Lines = std::vector<std::string>;
 
-/// A schema of one root R of this type, with these definitions; all in JSON.
+/// A schema with one root R of this type and with these definitions, all in JSON.
 json::value schema(std::string const& type, std::string const& types = "",
                    std::string const& digest = "d") {
     return json::parse(R"({"roots": [{"stem": "R", "type": )" + type + R"(, "digest": ")" + digest +
@@ -24,7 +24,7 @@ Lines changes(std::string const& old, std::string const& now) {
     return breaking_changes(schema(old), schema(now));
 }
 
-/// Of a root of the type X, which is defined so.
+/// The changes of a root of type X between these two definitions of X.
 Lines changes_of_x(std::string const& old, std::string const& now) {
     return breaking_changes(schema(R"("X")", R"("X": )" + old), schema(R"("X")", R"("X": )" + now));
 }
@@ -149,12 +149,12 @@ TEST(SchemaDiff, PayloadOfAnArm) {
 
 TEST(SchemaDiff, ArmThatServesAllOtherTags) {
     EXPECT_EQ(changes_of_x(variant(arm("A", with_int)), variant(arm("A", serves_rest))),
-              Lines{"X: all other tags were served by no arm, are served by A"});
+              Lines{"X: the catch-all arm was none, is A"});
     EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)), variant(arm("A", with_int))),
-              Lines{"X: all other tags were served by A, are served by no arm"});
+              Lines{"X: the catch-all arm was A, is none"});
     EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)),
                            variant(arm("A", with_int) + "," + arm("B", serves_rest))),
-              Lines{"X: all other tags were served by A, are served by B"});
+              Lines{"X: the catch-all arm was A, is B"});
 }
 
 TEST(SchemaDiff, HowAReaderHoldsAValueBreaksNothing) {
@@ -177,13 +177,13 @@ TEST(SchemaDiff, AnotherClassNameBreaksNothing) {
         Lines{});
 }
 
-TEST(SchemaDiff, EachTypeIsToldOnceAndRecursionEnds) {
+TEST(SchemaDiff, EachTypeIsReportedOnceAndRecursionEnds) {
     std::string const both = field("a", R"("X")") + "," + field("b", R"({"list": "X"})");
     EXPECT_EQ(changes_of_x(record(both + "," + field("c")), record(both)),
               Lines{"X: the field c is gone"});
 }
 
-/// This many containers around the type.
+/// The type inside `depth` containers.
 std::string nested(std::size_t depth, std::string const& kind, std::string const& type) {
     std::string text;
     for (std::size_t i = 0; i < depth; ++i) text += "{\"" + kind + "\":";
@@ -207,7 +207,7 @@ TEST(SchemaDiff, ChainOfTypesMayBeAsLongAsTheSchema) {
 }
 
 TEST(SchemaDiff, TypesInsideOneAnotherAreSpelledWhole) {
-    constexpr std::size_t depth = 25;  // what this parser allows besides the schema's own
+    constexpr std::size_t depth = 25;  // what this parser allows beyond the schema itself
     auto const            deep = nested(depth, "list", R"("int32")");
     std::string           spelled = "int32";
     for (std::size_t i = 0; i < depth; ++i) spelled = "list<" + spelled + ">";

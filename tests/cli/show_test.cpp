@@ -1,4 +1,4 @@
-// What `show` tells of checks, whoever wrote them.
+// The output of `show` for imported and native checks.
 
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
@@ -28,7 +28,7 @@ void add_overflow(ResultSet& set, char const* file, std::int32_t ordinal, bool f
     args.ovfl_data.choose<"Single_Ovfl">().first_flag = flag;
 }
 
-// Two checks of which no form tells, between an imported one and one that has a form.
+// Two checks without a form, between an imported one and one that has a form.
 ResultSet native_set() {
     ResultSet           set;
     bradep::Comparisons comparisons;
@@ -87,11 +87,11 @@ TEST(ShowNative, ASuppressedOneIsMarked) {
 TEST(ShowNative, AMessageThatNoImportWroteIsACategory) {
     ResultSet set;
     auto&     check = set.application_results.checks[{Strings_T("a.c"), 1}];
-    check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("told");
+    check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message = Strings_T("given");
     auto const shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
     EXPECT_EQ(shown.out,
               R"({"key":["a.c",1],"category":{"arm":"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE",)"
-              R"("args":{"message":"told"}}})"
+              R"("args":{"message":"given"}}})"
               "\n");
 }
 
@@ -108,7 +108,7 @@ TEST(ShowNative, AFormWithoutACheckIsShownByItsOwnCategory) {
     EXPECT_TRUE(summary.starts_with("standard input: 1 check from 0 runs")) << summary;
 }
 
-// A category refers to a text as often as it likes: it is printed piece by piece, up to the limit.
+// A category can refer to a text any number of times, so it is printed in pieces, up to the limit.
 TEST(ShowNative, MaxOutputHoldsForCategoriesToo) {
     auto const bytes = bytes_of_set(native_set());
     auto const shown = run_command({"show", "--json", "--max-output", "150", "-"}, bytes);

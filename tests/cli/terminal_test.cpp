@@ -1,4 +1,4 @@
-// What the command does where a person looks on.
+// The command's behaviour on a terminal.
 
 #include "terminal.hpp"
 #include "cli_support.hpp"
@@ -13,7 +13,7 @@ namespace {
 using namespace cli_test;
 using bradep::cut_to_columns;
 
-/// What the real command prints on a terminal of so many columns, and its exit code.
+/// Runs the real command on a terminal with this many columns. Returns its output and exit code.
 Outcome on_terminal(std::string const& args, unsigned short columns) {
     struct winsize size {};
     size.ws_row = 24;
@@ -85,7 +85,7 @@ TEST(Terminal, GetsNoBytesUnlessForced) {
     }
 }
 
-// The log is as large as it takes to be at work for some seconds.
+// The log is large enough to keep the command busy for some seconds.
 TEST(Terminal, ImportShowsItsProgress) {
     Scratch const scratch;
     std::string   results = R"({"message": {"text": "m"}})";

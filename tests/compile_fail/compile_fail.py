@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
-"""Compiles a file twice: as it should be, and with the mistake that it shows.
+"""Compiles a file twice: without its mistake, which must succeed, and with it, which must fail.
 
     compile_fail.py SOURCE COMPILER --precompile
     compile_fail.py SOURCE COMPILER FILE
 
-The file begins with what is required of the compiler's messages; all but the first may be left out:
+The file begins with requirements for the compiler's messages. All but the first are optional:
 
     // error: EXPRESSION   a regular expression that an error must match
-    // errors: NUMBER      how many errors there must be
-    // lines: NUMBER       how many lines at most, without those that say what includes what
-    // says: EXPRESSION    what must stand in them, names as "NAME", "NAME", however they are shown
+    // errors: NUMBER      the required number of errors
+    // lines: NUMBER       the most lines, without those that show chains of includes
+    // says: EXPRESSION    an expression for the messages; names are "NAME", "NAME" in any spelling
 
 The headers of `sml/core/` are compiled once, into the working directory.
 """
@@ -27,7 +27,7 @@ def precompile(compiler):
 
 
 def with_plain_names(text):
-    """Names among template arguments are literals inside others, or single characters."""
+    """Makes literals of names that are template arguments, which can also be single characters."""
     def joined(match):
         return '"' + "".join(re.findall(r"'(.)'", match.group(1))) + '"'
     text = re.sub(r"[\w:]*Spelled<((?:'.'(?:, )?)*)>", joined, text)
@@ -58,9 +58,9 @@ def check(compiler, file):
         sys.exit(f"the compiler does not say '{expected}':\n{wrong.stderr}")
     if number and len(errors) != int(number):
         sys.exit(f"{len(errors)} errors:\n" + "\n".join(errors))
-    told = [line for line in wrong.stderr.splitlines() if "In file included from" not in line
+    shown = [line for line in wrong.stderr.splitlines() if "In file included from" not in line
             and not line.lstrip().startswith("from ")]
-    if lines and len(told) > int(lines):
+    if lines and len(shown) > int(lines):
         sys.exit(f"more than {lines} lines:\n{wrong.stderr}")
     if names and not re.search(names, with_plain_names(wrong.stderr)):
         sys.exit(f"the compiler does not show '{names}':\n{with_plain_names(wrong.stderr)}")

@@ -1,11 +1,11 @@
-"""Checks C++ sources with a compiler, from a header that is compiled once."""
+"""Checks C++ sources with a compiler, with a header that is precompiled once."""
 
 import pathlib
 import subprocess
 
 
 class Compiler:
-    """A compiler that has nothing but the source tree to include from."""
+    """A compiler whose only include directory is the source tree."""
 
     def __init__(self, source, command, header, folder, flags=()):
         self.command = [command, "-std=c++20", "-Wall", "-Wextra", *flags, "-I", str(source)]
@@ -20,7 +20,7 @@ class Compiler:
                               input=text)
 
     def precompile(self):
-        """What the compiler says of the header that all start from."""
+        """Precompiles the header that all sources start with; returns the compiler's messages."""
         self.base.write_text(f'#include "{self.header}"\n')
         return self.run(["-x", "c++-header", str(self.base), "-o", str(self.precompiled)])
 

@@ -24,13 +24,13 @@ namespace {
 
 BigInteger power_of_two(unsigned exponent) { return BigInteger(1) << exponent; }
 
-/// What is held after a block with this text was read over 5.
+/// The value after a block with this text was read over 5.
 BigInteger read_over_five(std::string_view text) {
     BigInteger value = 5;
     EXPECT_EQ(wire::read_over(value, wire::write(std::string(text))), 4 + text.size());
     BigInteger         from_stream = 5;
     std::istringstream stream(wire::write(std::string(text)));
-    wire::read_over_from_stream(from_stream, stream);
+    sml::core::read_from_stream(from_stream, stream);
     EXPECT_TRUE(from_stream == value);
     return value;
 }
@@ -65,7 +65,7 @@ TEST(BigInteger, SurvivesAtAnySize) {
 
 TEST(BigInteger, LengthCountsTheDigitsAndTwoMore) {
     BigInteger const value = power_of_two(4 * 300);  // 301 digits
-    EXPECT_EQ(wire::hex(wire::write(value).substr(0, 4)), "2F 01 00 00 ");
+    EXPECT_EQ(hex::shown(wire::write(value).substr(0, 4)), "2F 01 00 00 ");
 }
 
 TEST(BigInteger, TextThatIsNoNumberLeavesTheValue) {
@@ -74,9 +74,9 @@ TEST(BigInteger, TextThatIsNoNumberLeavesTheValue) {
 }
 
 TEST(BigInteger, TextIsCutAtItsFirstZeroByte) {
-    EXPECT_TRUE(read_over_five(wire::bytes("'1f' 00 'ff'")) == 0x1f);
-    EXPECT_TRUE(read_over_five(wire::bytes("'1f' 00 'zz'")) == 0x1f);
-    EXPECT_TRUE(read_over_five(wire::bytes("00 '1f'")) == 5);
+    EXPECT_TRUE(read_over_five(hex::bytes("'1f' 00 'ff'")) == 0x1f);
+    EXPECT_TRUE(read_over_five(hex::bytes("'1f' 00 'zz'")) == 0x1f);
+    EXPECT_TRUE(read_over_five(hex::bytes("00 '1f'")) == 5);
 }
 
 TEST(BigInteger, TextNeedsNoZeroByteBehindIt) {
@@ -85,18 +85,19 @@ TEST(BigInteger, TextNeedsNoZeroByteBehindIt) {
 }
 
 TEST(BigInteger, BlockThatEndsEarlyIsCutThere) {
-    std::istringstream stream(wire::bytes("06 00 00 00 '1f'"));
+    std::istringstream stream(hex::bytes("06 00 00 00 '1f'"));
     BigInteger         value;
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_TRUE(value == 0x1f);
 }
 
-// AddressSanitizer's allocator ends the process where the standard one throws.
+// The allocator of AddressSanitizer ends the process if a size is impossible; the standard one
+// throws.
 #if !defined(__SANITIZE_ADDRESS__) && !HAS_FEATURE(address_sanitizer)
 TEST(BigInteger, LengthBelowMinusOneIsRefusedByTheAllocator) {
     BigInteger value = 5;
-    EXPECT_THROW(wire::read_over(value, wire::bytes("FE FF FF FF")), std::bad_alloc);
-    EXPECT_THROW(wire::read_over(value, wire::bytes("00 00 00 80")), std::bad_alloc);
+    EXPECT_THROW(wire::read_over(value, hex::bytes("FE FF FF FF")), std::bad_alloc);
+    EXPECT_THROW(wire::read_over(value, hex::bytes("00 00 00 80")), std::bad_alloc);
     EXPECT_TRUE(value == 5);
 }
 #endif

@@ -4,7 +4,7 @@
 #include <clocale>
 #include <string>
 
-/// The process's numeric locale while this lives. It must be there: see `is_set`.
+/// While it lives, it is the process's numeric locale, if the system has that locale: see `is_set`.
 class CommaLocale {
 public:
     static constexpr char const* name = "de_DE.UTF-8";
@@ -24,6 +24,6 @@ private:
     bool        is_set_;
 };
 
-/// Stops the test as failed where the system lacks the locale.
+/// Fails and ends the test if the system does not have the locale.
 #define ASSERT_COMMA_LOCALE(locale) \
     ASSERT_TRUE((locale).is_set()) << "the locale " << CommaLocale::name << " is missing"

@@ -4,6 +4,7 @@
 #include <sml/schema/BlockKind.hpp>
 #include <sml/schema/Blocks.hpp>
 #include <sml/schema/Critical_Section_Funtype_Base.hpp>
+#include "tests/order.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +30,7 @@ using sml::uint64;
 using sml::BlockKind::T_BlockKind;
 using sml::core::Comparison;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace compare_test {
 
 /// A record with fields around a list.
@@ -50,7 +51,7 @@ using compare_test::Record;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// Parts compared field by field.
+/// Parts that are compared field by field.
 struct Parts {
     double first{};
     double second{};
@@ -58,7 +59,7 @@ struct Parts {
     SML_FIELDS(Parts, first, second);
 };
 
-/// The same, told with `<` alone.
+/// The same, compared by `<` alone.
 struct Group {
     double first{};
     double second{};
@@ -67,7 +68,7 @@ struct Group {
     SML_FIELDS(Group, first, second);
 };
 
-/// Told with `<` alone, what it holds too.
+/// Compared by `<` alone, and so are its parts.
 struct DeepGroup {
     std::optional<std::pair<double, double>> bounds;
     std::list<double>                        values;
@@ -77,15 +78,35 @@ struct DeepGroup {
     SML_FIELDS(DeepGroup, bounds, values, flag);
 };
 
-/// `a < b` and `b < a`.
+/// A value with the library's comparison as its operators. Containers have others of their own.
 template <class T>
-std::pair<bool, bool> both_ways(T const& a, T const& b) {
-    return {Comparison::less(a, b), Comparison::less(b, a)};
-}
+struct Compared {
+    T const& value;
 
-constexpr std::pair lesser(true, false);
-constexpr std::pair neither(false, false);
-constexpr std::pair each(true, true);
+    bool operator<(Compared const& other) const { return Comparison::less(value, other.value); }
+    bool operator==(Compared const& other) const { return Comparison::equal(value, other.value); }
+};
+
+template <class T>
+void expect_less(T const& a, T const& b) {
+    order::expect_less(Compared<T>{a}, Compared<T>{b});
+}
+template <class T>
+void expect_equal(T const& a, T const& b) {
+    order::expect_equal(Compared<T>{a}, Compared<T>{b});
+}
+template <class T>
+void expect_unordered(T const& a, T const& b) {
+    order::expect_unordered(Compared<T>{a}, Compared<T>{b});
+}
+template <class T>
+void expect_equal_and_each_less(T const& a, T const& b) {
+    order::expect_equal_and_each_less(Compared<T>{a}, Compared<T>{b});
+}
+template <class T>
+void expect_unequal_and_each_less(T const& a, T const& b) {
+    order::expect_unequal_and_each_less(Compared<T>{a}, Compared<T>{b});
+}
 
 T_BlockKind block(std::int32_t tag) {
     T_BlockKind kind;
@@ -94,83 +115,85 @@ T_BlockKind block(std::int32_t tag) {
 }
 
 TEST(Comparison, WordsCompareByTheirSignedness) {
-    EXPECT_EQ(both_ways(int32{-1}, int32{1}), lesser);
-    EXPECT_EQ(both_ways(int64{-1}, int64{1}), lesser);
-    EXPECT_EQ(both_ways(uint32{1}, ~uint32{0}), lesser);
-    EXPECT_EQ(both_ways(uint64{1}, ~uint64{0}), lesser);
-    EXPECT_EQ(both_ways(false, true), lesser);
-    EXPECT_EQ(both_ways(true, true), neither);
+    expect_less(int32{-1}, int32{1});
+    expect_less(int64{-1}, int64{1});
+    expect_less(uint32{1}, ~uint32{0});
+    expect_less(uint64{1}, ~uint64{0});
+    expect_less(false, true);
+    expect_equal(true, true);
 }
 
 TEST(Comparison, EnumerationsCompareAsSignedNumbers) {
     using sml::Critical_Section_Funtype_Base::T;
-    EXPECT_EQ(both_ways(static_cast<T>(-1), sml::Critical_Section_Funtype_Base::Destroy), lesser);
-    EXPECT_EQ(both_ways(static_cast<T>(2), static_cast<T>(3)), lesser);
+    expect_less(static_cast<T>(-1), sml::Critical_Section_Funtype_Base::Destroy);
+    expect_less(static_cast<T>(2), static_cast<T>(3));
 }
 
 TEST(Comparison, PlainTextsCompareByTheirBytes) {
-    EXPECT_EQ(both_ways(std::string("a"), std::string("b")), lesser);
-    EXPECT_EQ(both_ways(std::string("a"), std::string("ab")), lesser);
-    EXPECT_EQ(both_ways(std::string("z"), std::string("\xe4")), lesser);
+    expect_less(std::string("a"), std::string("b"));
+    expect_less(std::string("a"), std::string("ab"));
+    expect_less(std::string("z"), std::string("\xe4"));
 }
 
 TEST(Comparison, HandlesCompareByAddress) {
     Strings_T const a("compare: a");
     Strings_T const b("compare: b");
     bool const      a_is_first = std::less<std::string const*>{}(&a.str(), &b.str());
-    EXPECT_EQ(both_ways(a, b), std::pair(a_is_first, !a_is_first));
-    EXPECT_EQ(both_ways(Strings_T(), a), lesser);
+    if (a_is_first)
+        expect_less(a, b);
+    else
+        expect_less(b, a);
+    expect_less(Strings_T(), a);
 }
 
 TEST(Comparison, AbsentIsLessThanPresent) {
     using Optional = std::optional<int32>;
-    EXPECT_EQ(both_ways(Optional(), Optional(-5)), lesser);
-    EXPECT_EQ(both_ways(Optional(1), Optional(2)), lesser);
-    EXPECT_EQ(both_ways(Optional(), Optional()), neither);
-    EXPECT_EQ(both_ways(Optional(1), Optional(1)), neither);
-    EXPECT_TRUE(Comparison::equal(Optional(), Optional()));
-    EXPECT_FALSE(Comparison::equal(Optional(), Optional(0)));
+    expect_less(Optional(), Optional(-5));
+    expect_less(Optional(1), Optional(2));
+    expect_equal(Optional(), Optional());
+    expect_equal(Optional(1), Optional(1));
+    expect_less(Optional(), Optional(0));
 }
 
 TEST(Comparison, OptionalOfAnArmWithoutPayloadIsLessThanItself) {
     std::optional<T_BlockKind> const value(block(0));
-    EXPECT_EQ(both_ways(value, value), each);
-    EXPECT_EQ(both_ways({}, value), lesser);
+    expect_equal_and_each_less(value, value);
+    expect_less({}, value);
 }
 
 TEST(Comparison, PairComparesFirstThenSecond) {
     using Pair = std::pair<int32, int32>;
-    EXPECT_EQ(both_ways(Pair(1, 9), Pair(2, 0)), lesser);
-    EXPECT_EQ(both_ways(Pair(1, 1), Pair(1, 2)), lesser);
-    EXPECT_EQ(both_ways(Pair(1, 1), Pair(1, 1)), neither);
+    expect_less(Pair(1, 9), Pair(2, 0));
+    expect_less(Pair(1, 1), Pair(1, 2));
+    expect_equal(Pair(1, 1), Pair(1, 1));
 }
 
-// Equality of the first decides, not `<` in the other direction.
+// The first parts are compared by equality, not by `<` in the other direction.
 TEST(Comparison, PairEndsAtAnUnequalFirst) {
     using Pair = std::pair<double, double>;
-    EXPECT_EQ(both_ways(Pair(nan, 1), Pair(nan, 2)), neither);
-    EXPECT_EQ(both_ways(Pair(0.0, 1), Pair(-0.0, 2)), lesser);
+    expect_unordered(Pair(nan, 1), Pair(nan, 2));
+    expect_less(Pair(0.0, 1), Pair(-0.0, 2));
 }
 
 TEST(Comparison, TupleAndFlagsCompareInOrder) {
     using Tuple = std::tuple<int32, double, int32>;
-    EXPECT_EQ(both_ways(Tuple(1, 2, 3), Tuple(1, 2, 4)), lesser);
-    EXPECT_EQ(both_ways(Tuple(1, 2, 9), Tuple(1, 3, 0)), lesser);
-    EXPECT_EQ(both_ways(Tuple(1, nan, 3), Tuple(1, nan, 4)), neither);
+    expect_less(Tuple(1, 2, 3), Tuple(1, 2, 4));
+    expect_less(Tuple(1, 2, 9), Tuple(1, 3, 0));
+    expect_unordered(Tuple(1, nan, 3), Tuple(1, nan, 4));
     using Flags = std::array<bool, 4>;
-    EXPECT_EQ(both_ways(Flags{false, true, true, true}, Flags{true}), lesser);
-    EXPECT_EQ(both_ways(Flags{}, Flags{false, false, false, true}), lesser);
-    EXPECT_EQ(both_ways(Flags{true}, Flags{true}), neither);
+    expect_less(Flags{false, true, true, true}, Flags{true});
+    expect_less(Flags{}, Flags{false, false, false, true});
+    expect_equal(Flags{true}, Flags{true});
 }
 
 TEST(Comparison, ShorterListIsLessWhateverItHolds) {
     using List = std::list<int32>;
-    EXPECT_EQ(both_ways(List{9}, List{1, 1}), lesser);
-    EXPECT_EQ(both_ways(List{}, List{-1}), lesser);
-    EXPECT_EQ(both_ways(List{1, 1}, List{1, 2}), lesser);
-    EXPECT_EQ(both_ways(List{1, 9}, List{2, 0}), lesser);
-    EXPECT_EQ(both_ways(List{}, List{}), neither);
-    EXPECT_EQ(both_ways(List{1}, List{1}), neither);
+    expect_less(List{9}, List{1, 1});
+    expect_less(List{}, List{-1});
+    expect_less(List{1, 1}, List{1, 2});
+    expect_less(List{1, 9}, List{2, 0});
+    expect_equal(List{}, List{});
+    expect_equal(List{1}, List{1});
 }
 
 TEST(Comparison, ListsAreEqualElementByElement) {
@@ -181,37 +204,37 @@ TEST(Comparison, ListsAreEqualElementByElement) {
 }
 
 TEST(Comparison, ElementNeitherLessNorGreaterIsPassedOver) {
-    EXPECT_EQ(both_ways(std::list<double>{nan, 1}, {nan, 2}), lesser);
-    EXPECT_EQ(both_ways(std::list<double>{nan, 1}, {5, 2}), lesser);
-    EXPECT_EQ(both_ways(std::list<double>{nan, 1}, {5, 1}), neither);
+    expect_less(std::list<double>{nan, 1}, {nan, 2});
+    expect_less(std::list<double>{nan, 1}, {5, 2});
+    expect_unordered(std::list<double>{nan, 1}, {5, 1});
     using Map = std::map<int32, double>;
-    EXPECT_EQ(both_ways(Map{{1, nan}, {2, 1}}, Map{{1, 7}, {2, 2}}), lesser);
+    expect_less(Map{{1, nan}, {2, 1}}, Map{{1, 7}, {2, 2}});
 }
 
 TEST(Comparison, ListOfArmsWithoutPayloadIsLessThanItself) {
     std::list<T_BlockKind> const list{block(0), block(3)};
-    EXPECT_EQ(both_ways(list, list), each);
-    EXPECT_EQ(both_ways(list, {block(0), block(2)}), each);
-    EXPECT_EQ(both_ways({block(1), block(0)}, list), std::pair(false, true));
+    expect_equal_and_each_less(list, list);
+    expect_unequal_and_each_less(list, {block(0), block(2)});
+    expect_less(list, {block(1), block(0)});
 }
 
 TEST(Comparison, SetAndMapHaveNoSizeStep) {
     using Set = std::set<int32>;
-    EXPECT_EQ(both_ways(Set{1}, Set{1, 2}), lesser);
-    EXPECT_EQ(both_ways(Set{1, 5}, Set{2}), lesser);
-    EXPECT_EQ(both_ways(Set{}, Set{1}), lesser);
-    EXPECT_EQ(both_ways(Set{1, 2}, Set{1, 2}), neither);
+    expect_less(Set{1}, Set{1, 2});
+    expect_less(Set{1, 5}, Set{2});
+    expect_less(Set{}, Set{1});
+    expect_equal(Set{1, 2}, Set{1, 2});
 
     using Map = std::map<int32, int32>;
-    EXPECT_EQ(both_ways(Map{{1, 1}}, Map{{1, 1}, {0, 0}}), std::pair(false, true));
-    EXPECT_EQ(both_ways(Map{{1, 1}, {2, 2}}, Map{{1, 2}}), lesser);
-    EXPECT_EQ(both_ways(Map{{1, 1}}, Map{{1, 1}, {2, 2}}), lesser);
+    expect_less(Map{{1, 1}, {0, 0}}, Map{{1, 1}});
+    expect_less(Map{{1, 1}, {2, 2}}, Map{{1, 2}});
+    expect_less(Map{{1, 1}}, Map{{1, 1}, {2, 2}});
 }
 
 TEST(Comparison, MapEntryEndsAtAnUnequalKey) {
     using Map = std::map<double, int32>;
-    EXPECT_EQ(both_ways(Map{{0.0, 1}}, Map{{-0.0, 2}}), lesser);
-    EXPECT_EQ(both_ways(Map{{nan, 1}}, Map{{nan, 2}}), neither);
+    expect_less(Map{{0.0, 1}}, Map{{-0.0, 2}});
+    expect_unordered(Map{{nan, 1}}, Map{{nan, 2}});
 }
 
 TEST(Comparison, SetOfArmsWithoutPayloadKeepsEqualOnes) {
@@ -219,43 +242,40 @@ TEST(Comparison, SetOfArmsWithoutPayloadKeepsEqualOnes) {
     kinds.insert(block(0));
     kinds.insert(block(0));
     EXPECT_EQ(kinds.size(), 2u);
-    EXPECT_EQ(both_ways(kinds, kinds), each);
+    expect_equal_and_each_less(kinds, kinds);
 }
 
 TEST(Comparison, HashedTableComparesBySizeFirst) {
     using Map = std::unordered_map<int32, int32>;
     using Set = std::unordered_set<int32>;
-    EXPECT_EQ(both_ways(Map{{9, 9}}, Map{{1, 1}, {2, 2}}), lesser);
-    EXPECT_EQ(both_ways(Set{9}, Set{1, 2}), lesser);
-    EXPECT_EQ(both_ways(Map{}, Map{}), neither);
-    EXPECT_EQ(both_ways(Set{}, Set{}), neither);
+    expect_less(Map{{9, 9}}, Map{{1, 1}, {2, 2}});
+    expect_less(Set{9}, Set{1, 2});
+    expect_equal(Map{}, Map{});
+    expect_equal(Set{}, Set{});
 }
 
 TEST(Comparison, HashedTablesOfOneSizeWithOtherKeysAreUnrelated) {
     using Map = std::unordered_map<int32, int32>;
     using Set = std::unordered_set<int32>;
-    EXPECT_EQ(both_ways(Map{{1, 1}}, Map{{2, 2}}), neither);
-    EXPECT_EQ(both_ways(Map{{1, 1}, {2, 2}}, Map{{1, 5}, {3, 5}}), neither);
-    EXPECT_FALSE(Comparison::equal(Map{{1, 1}}, Map{{2, 2}}));
-    EXPECT_EQ(both_ways(Set{1, 2}, Set{1, 3}), neither);
-    EXPECT_FALSE(Comparison::equal(Set{1, 2}, Set{1, 3}));
+    expect_unordered(Map{{1, 1}}, Map{{2, 2}});
+    expect_unordered(Map{{1, 1}, {2, 2}}, Map{{1, 5}, {3, 5}});
+    expect_unordered(Set{1, 2}, Set{1, 3});
 }
 
 TEST(Comparison, ValuesOfAHashedTableDecideInTheLeftTablesOrder) {
     using Map = std::unordered_map<int32, int32>;
     Map a{{1, 0}, {2, 0}};
     Map b{{1, 0}, {2, 0}};
-    EXPECT_EQ(both_ways(a, b), neither);
-    EXPECT_TRUE(Comparison::equal(a, b));
+    expect_equal(a, b);
 
-    // Less at the entry that `a` meets first, greater at the other.
+    // Less at the first entry in the order of `a`, greater at the other.
     int32 const first = a.begin()->first;
     a[first] = 1;
     b[first] = 2;
     a[3 - first] = 9;
     EXPECT_TRUE(Comparison::less(a, b));
 
-    // Greater at the first: the walk stops there.
+    // Greater at the first entry, which ends the comparison.
     a[first] = 3;
     a[3 - first] = -9;
     EXPECT_FALSE(Comparison::less(a, b));
@@ -263,7 +283,7 @@ TEST(Comparison, ValuesOfAHashedTableDecideInTheLeftTablesOrder) {
 
 TEST(Comparison, HashedTableWalksItsOwnOrderNotThatOfTheOther) {
     using Map = std::unordered_map<int32, int32>;
-    // Inserted one way and the other, so that the tables iterate differently.
+    // The entries are inserted in different orders, so that the maps iterate differently.
     Map a;
     Map b;
     for (int32 const key : {1, 2}) a[key] = key;
@@ -276,83 +296,75 @@ TEST(Comparison, HashedTableWalksItsOwnOrderNotThatOfTheOther) {
 
 TEST(Comparison, ValueNeitherLessNorGreaterIsPassedOverInAHashedTable) {
     using Map = std::unordered_map<int32, double>;
-    EXPECT_EQ(both_ways(Map{{1, nan}, {2, 1}}, Map{{1, nan}, {2, 2}}), lesser);
-    EXPECT_EQ(both_ways(Map{{1, nan}}, Map{{1, nan}}), neither);
-    EXPECT_FALSE(Comparison::equal(Map{{1, nan}}, Map{{1, nan}}));
+    expect_less(Map{{1, nan}, {2, 1}}, Map{{1, nan}, {2, 2}});
+    expect_unordered(Map{{1, nan}}, Map{{1, nan}});
 }
 
 TEST(Comparison, HashedTableOfArmsWithoutPayloadIsLessThanItself) {
     std::unordered_map<int32, T_BlockKind> const kinds{{1, block(0)}};
-    EXPECT_EQ(both_ways(kinds, kinds), each);
+    expect_equal_and_each_less(kinds, kinds);
 
     using sml::AccessProtections::T_AccessProtections;
     sml::core::HashedSet<T_AccessProtections> protections;
     T_AccessProtections                       rendez_vous;
     rendez_vous.choose<"RENDEZ_VOUS">();
     protections.insert(rendez_vous);
-    EXPECT_EQ(both_ways(protections, protections), each);
+    expect_equal_and_each_less(protections, protections);
 
     sml::core::HashedSet<T_AccessProtections> others;
     T_AccessProtections                       resource;
     resource.choose<"RESOURCE">();
     others.insert(resource);
-    EXPECT_EQ(both_ways(protections, others), neither);
+    expect_unordered(protections, others);
 }
 
 TEST(Comparison, BoxComparesWhatItHolds) {
     using Box = sml::core::Box<int32>;
-    EXPECT_EQ(both_ways(Box(1), Box(2)), lesser);
-    EXPECT_TRUE(Comparison::equal(Box(1), Box(1)));
-    EXPECT_FALSE(Comparison::equal(Box(1), Box(2)));
+    expect_less(Box(1), Box(2));
+    expect_equal(Box(1), Box(1));
 }
 
 TEST(Comparison, PartsEndAtAnUnequalOne) {
-    EXPECT_EQ(both_ways(Parts{1, 9}, Parts{2, 0}), lesser);
-    EXPECT_EQ(both_ways(Parts{1, 1}, Parts{1, 2}), lesser);
-    EXPECT_EQ(both_ways(Parts{nan, 1}, Parts{nan, 2}), neither);
-    EXPECT_TRUE(Comparison::equal(Parts{1, 2}, Parts{1, 2}));
-    EXPECT_FALSE(Comparison::equal(Parts{1, nan}, Parts{1, nan}));
+    expect_less(Parts{1, 9}, Parts{2, 0});
+    expect_less(Parts{1, 1}, Parts{1, 2});
+    expect_unordered(Parts{nan, 1}, Parts{nan, 2});
+    expect_equal(Parts{1, 2}, Parts{1, 2});
+    expect_unordered(Parts{1, nan}, Parts{1, nan});
 }
 
 TEST(Comparison, GroupIsWalkedWithLessAlone) {
-    EXPECT_EQ(both_ways(Group{1, 9}, Group{2, 0}), lesser);
-    EXPECT_EQ(both_ways(Group{nan, 1}, Group{nan, 2}), lesser);
-    EXPECT_EQ(both_ways(Group{nan, 1}, Group{7, 2}), lesser);
-    EXPECT_EQ(both_ways(Group{1, 1}, Group{1, 1}), neither);
-    EXPECT_FALSE(Comparison::equal(Group{nan, 1}, Group{nan, 1}));
+    expect_less(Group{1, 9}, Group{2, 0});
+    expect_less(Group{nan, 1}, Group{nan, 2});
+    expect_less(Group{nan, 1}, Group{7, 2});
+    expect_equal(Group{1, 1}, Group{1, 1});
+    expect_unordered(Group{nan, 1}, Group{nan, 1});
 }
 
 TEST(Comparison, GroupAsksNoEqualityOfWhatItHolds) {
-    EXPECT_EQ(both_ways(DeepGroup{std::pair(nan, 1.0), {}, false},
-                        DeepGroup{std::pair(nan, 2.0), {}, false}),
-              lesser);
-    EXPECT_EQ(both_ways(DeepGroup{std::pair(nan, 1.0), {}, false},
-                        DeepGroup{std::pair(nan, 1.0), {}, true}),
-              lesser);
-    EXPECT_EQ(both_ways(DeepGroup{{}, {nan}, false}, DeepGroup{{}, {nan}, true}), lesser);
-    EXPECT_EQ(both_ways(DeepGroup{{}, {9}, true}, DeepGroup{std::pair(0.0, 0.0), {}, false}),
-              lesser);
-    EXPECT_EQ(both_ways(DeepGroup{{}, {9}, true}, DeepGroup{{}, {1, 1}, false}), lesser);
+    expect_less(DeepGroup{std::pair(nan, 1.0), {}, false},
+                DeepGroup{std::pair(nan, 2.0), {}, false});
+    expect_less(DeepGroup{std::pair(nan, 1.0), {}, false},
+                DeepGroup{std::pair(nan, 1.0), {}, true});
+    expect_less(DeepGroup{{}, {nan}, false}, DeepGroup{{}, {nan}, true});
+    expect_less(DeepGroup{{}, {9}, true}, DeepGroup{std::pair(0.0, 0.0), {}, false});
+    expect_less(DeepGroup{{}, {9}, true}, DeepGroup{{}, {1, 1}, false});
 }
 
 TEST(Comparison, RecordIsLexicographicOverItsFields) {
-    EXPECT_EQ(both_ways(Record{1, {9}, 9}, Record{2, {}, 0}), lesser);
-    EXPECT_EQ(both_ways(Record{1, {9}, 9}, Record{1, {1, 1}, 0}), lesser);
-    EXPECT_EQ(both_ways(Record{1, {2}, 1}, Record{1, {2}, 2}), lesser);
-    EXPECT_EQ(both_ways(Record{1, {2}, 3}, Record{1, {2}, 3}), neither);
-    EXPECT_TRUE((Record{1, {2}, 3} == Record{1, {2}, 3}));
-    EXPECT_FALSE((Record{1, {2}, 3} == Record{1, {2}, 4}));
-    EXPECT_FALSE((Record{1, {2}, 3} == Record{0, {2}, 3}));
+    expect_less(Record{1, {9}, 9}, Record{2, {}, 0});
+    expect_less(Record{1, {9}, 9}, Record{1, {1, 1}, 0});
+    expect_less(Record{1, {2}, 1}, Record{1, {2}, 2});
+    expect_equal(Record{1, {2}, 3}, Record{1, {2}, 3});
 }
 
 TEST(Comparison, ContainerIsAskedForEqualityAfterItsWalk) {
     // Neither less nor greater, and unequal: the next field is not reached.
-    EXPECT_EQ(both_ways(Record{1, {nan}, 1}, Record{1, {nan}, 2}), neither);
-    EXPECT_EQ(both_ways(Record{1, {nan}, 1}, Record{1, {5}, 2}), neither);
+    expect_unordered(Record{1, {nan}, 1}, Record{1, {nan}, 2});
+    expect_unordered(Record{1, {nan}, 1}, Record{1, {5}, 2});
     // Unequal at first, but an element behind it decides.
-    EXPECT_EQ(both_ways(Record{1, {nan, 3}, 9}, Record{1, {nan, 4}, 0}), lesser);
+    expect_less(Record{1, {nan, 3}, 9}, Record{1, {nan, 4}, 0});
     // Equal, though not the same.
-    EXPECT_EQ(both_ways(Record{1, {0.0}, 1}, Record{1, {-0.0}, 2}), lesser);
+    expect_less(Record{1, {0.0}, 1}, Record{1, {-0.0}, 2});
 }
 
 TEST(Comparison, RecordWithAnArmWithoutPayloadIsLessThanItself) {
@@ -360,13 +372,10 @@ TEST(Comparison, RecordWithAnArmWithoutPayloadIsLessThanItself) {
     a.kind.choose<"B_THEN">();
     auto b = a;
     b.last_number = 1;
-    EXPECT_TRUE(a == a);
-    EXPECT_TRUE(a < a);
-    EXPECT_TRUE(a < b);
-    EXPECT_TRUE(b < a);
+    order::expect_equal_and_each_less(a, a);
+    order::expect_unequal_and_each_less(a, b);
     b.first_number = 1;
-    EXPECT_TRUE(a < b);
-    EXPECT_FALSE(b < a);
+    order::expect_less(a, b);
 }
 
 }  // namespace

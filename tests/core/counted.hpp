@@ -1,5 +1,5 @@
 #pragma once
-// A payload that counts its living objects and can be told to throw.
+// A payload that counts its living objects and can be made to throw.
 
 #include <sml/core/declare.hpp>
 
@@ -8,12 +8,12 @@
 #include <stdexcept>
 #include <utility>
 
-/// What `Counted` throws.
+/// The exception that `Counted` throws.
 struct Refusal : std::runtime_error {
     Refusal() : std::runtime_error("refused") {}
 };
 
-/// Several test types may hold it; tests compare `alive` with what it was.
+/// Several test types may hold it, so tests compare `alive` with its earlier value.
 struct Counted {
     enum Refusing { nothing, making, copying, moving };
 
@@ -53,7 +53,7 @@ private:
     }
 };
 
-/// Makes `Counted` refuse a step while this lives.
+/// While it lives, `Counted` throws at this step.
 class Refuse {
 public:
     explicit Refuse(Counted::Refusing step) { Counted::refusing = step; }

@@ -19,7 +19,7 @@ constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 /// The bytes of a block with this text.
 std::string block(std::string_view text) { return wire::write(std::string(text)); }
 
-/// What both readers make of a text.
+/// The value that both readers read from a text.
 double read(std::string_view text) {
     double const value = wire::read<double>(block(text));
     double const from_stream = wire::read_from_stream<double>(block(text));
@@ -85,14 +85,14 @@ TEST(Double, TakesTheNumberThatATextBeginsWith) {
 }
 
 TEST(Double, IsCutAtAZeroByteAndTakesTheWholeBlock) {
-    EXPECT_EQ(read(wire::bytes("'1.5' 00 '25'")), 1.5);
-    EXPECT_EQ(read(wire::bytes("'7' 00 00 00")), 7);
+    EXPECT_EQ(read(hex::bytes("'1.5' 00 '25'")), 1.5);
+    EXPECT_EQ(read(hex::bytes("'7' 00 00 00")), 7);
 }
 
 TEST(Double, BlockThatEndsEarlyIsCutThere) {
-    std::istringstream stream(wire::bytes("08 00 00 00 '1.5'"));
+    std::istringstream stream(hex::bytes("08 00 00 00 '1.5'"));
     double             value = 0;
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_EQ(value, 1.5);
 }
 
@@ -100,7 +100,7 @@ TEST(Double, TextWithoutANumberThrows) {
     expect_error<std::invalid_argument>("", "stod");
     expect_error<std::invalid_argument>("abc", "stod");
     expect_error<std::invalid_argument>(",5", "stod");
-    expect_error<std::invalid_argument>(wire::bytes("00 '1.5'"), "stod");
+    expect_error<std::invalid_argument>(hex::bytes("00 '1.5'"), "stod");
 }
 
 TEST(Double, NumberOutOfRangeThrows) {
@@ -111,10 +111,10 @@ TEST(Double, NumberOutOfRangeThrows) {
 }
 
 TEST(Double, BlockOfLengthMinusOneOnAStreamThrows) {
-    std::istringstream stream(wire::bytes("FF FF FF FF"));
+    std::istringstream stream(hex::bytes("FF FF FF FF"));
     double             value = 2.5;
     try {
-        wire::read_over_from_stream(value, stream);
+        sml::core::read_from_stream(value, stream);
         ADD_FAILURE() << "nothing was thrown";
     } catch (std::logic_error const& error) {
         EXPECT_STREQ(error.what(), "basic_string::_M_construct null not valid");

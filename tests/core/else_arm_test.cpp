@@ -1,5 +1,6 @@
 #include <sml/core/define.hpp>
 #include "tests/core/counted.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -11,10 +12,10 @@
 
 using sml::int32;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace else_arm_test {
 
-/// A variant whose last arm takes every remaining tag.
+/// A variant whose last arm is a catch-all arm.
 struct Rest {
     // clang-format off
     using arms = sml::core::Arms<
@@ -26,7 +27,7 @@ struct Rest {
 };
 SML_DEFINE_VARIANT(Rest);
 
-/// One that takes every tag.
+/// A variant whose only arm is a catch-all arm.
 struct Everything {
     using arms = sml::core::Arms<sml::core::ElseArm<"ONLY", std::list<int32>>>;
     SML_VARIANT(Everything);
@@ -48,7 +49,7 @@ Rest with_tag(std::int32_t tag) {
     return value;
 }
 
-/// One of the remaining tags with a number in its payload.
+/// A value with a tag that the catch-all arm serves, and a number in its payload.
 Rest with_number(std::int32_t tag, int32 number) {
     Rest value = with_tag(tag);
     value.arm<"OTHER">().number = number;
@@ -56,16 +57,16 @@ Rest with_number(std::int32_t tag, int32 number) {
 }
 
 std::string bytes_of(std::int32_t tag, int32 number) {
-    return wire::write(tag) + wire::write(number) + wire::bytes("00 00 00 00");
+    return wire::write(tag) + wire::write(number) + hex::bytes("00 00 00 00");
 }
 
 void read_over(Rest& value, std::string const& bytes) {
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
 }
 
-/// The payload's list behind a tag, as bytes that read one more element into it.
+/// Bytes of the tag and a payload whose list has one element, which reading over a value appends.
 std::string one_more(std::int32_t tag, int32 element) {
-    return wire::write(tag) + wire::bytes("00 00 00 00  01 00 00 00") + wire::write(element);
+    return wire::write(tag) + hex::bytes("00 00 00 00  01 00 00 00") + wire::write(element);
 }
 
 class ElseArm : public testing::Test {
@@ -80,7 +81,7 @@ private:
 
 TEST_F(ElseArm, StandsBehindEveryRemainingTagOnTheWire) {
     for (std::int32_t const tag : remaining_tags)
-        wire::expect(with_number(tag, 5), wire::hex(bytes_of(tag, 5)));
+        wire::expect(with_number(tag, 5), hex::shown(bytes_of(tag, 5)));
     wire::expect(with_tag(1), "01 00 00 00");
 }
 
@@ -140,11 +141,11 @@ TEST_F(ElseArm, DifferingTagRebuildsThoughTheArmIsTheSame) {
 
 TEST_F(ElseArm, IsDestroyedWhenAnotherTagIsRead) {
     Rest value = with_number(16, 1);
-    read_over(value, wire::bytes("01 00 00 00"));
+    read_over(value, hex::bytes("01 00 00 00"));
     EXPECT_EQ(alive(), 0);
     read_over(value, bytes_of(-1, 1));
     EXPECT_EQ(alive(), 1);
-    read_over(value, wire::bytes("00 00 00 00  07 00 00 00"));
+    read_over(value, hex::bytes("00 00 00 00  07 00 00 00"));
     EXPECT_EQ(alive(), 0);
     EXPECT_EQ(value.arm<"FIRST">(), 7);
 }
@@ -180,38 +181,31 @@ TEST_F(ElseArm, IsHeldByItsExactTagOnly) {
 
 TEST_F(ElseArm, PayloadDecidesBetweenEqualTagsPastTheLast) {
     for (std::int32_t const tag : {2, 3, 16, INT32_MAX}) {
-        EXPECT_TRUE(with_number(tag, 1) == with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) == with_number(tag, 2));
-        EXPECT_TRUE(with_number(tag, 1) < with_number(tag, 2));
-        EXPECT_FALSE(with_number(tag, 2) < with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) < with_number(tag, 1));
+        order::expect_equal(with_number(tag, 1), with_number(tag, 1));
+        order::expect_less(with_number(tag, 1), with_number(tag, 2));
     }
 }
 
 TEST_F(ElseArm, RawTagsCompareBeforeThePayload) {
-    EXPECT_FALSE(with_number(16, 1) == with_number(17, 1));
-    EXPECT_TRUE(with_number(16, 9) < with_number(17, 1));
-    EXPECT_FALSE(with_number(17, 1) < with_number(16, 9));
-    EXPECT_TRUE(with_number(2, 9) < with_number(3, 1));
-    EXPECT_TRUE(with_number(-9, 9) < with_number(-1, 1));
-    EXPECT_TRUE(with_number(-1, 9) < with_tag(0));
+    order::expect_less(with_number(16, 1), with_number(17, 1));
+    order::expect_less(with_number(16, 9), with_number(17, 1));
+    order::expect_less(with_number(2, 9), with_number(3, 1));
+    order::expect_less(with_number(-9, 9), with_number(-1, 1));
+    order::expect_less(with_number(-1, 9), with_tag(0));
 }
 
 TEST_F(ElseArm, EqualNegativeTagsAreNeverEqualOrLessWhateverTheirPayload) {
     for (std::int32_t const tag : {-1, -9, INT32_MIN}) {
-        EXPECT_FALSE(with_number(tag, 1) == with_number(tag, 1));
-        EXPECT_FALSE(with_number(tag, 1) < with_number(tag, 2));
-        EXPECT_FALSE(with_number(tag, 2) < with_number(tag, 1));
+        order::expect_unordered(with_number(tag, 1), with_number(tag, 1));
+        order::expect_unordered(with_number(tag, 1), with_number(tag, 2));
     }
     Rest const unset;
-    EXPECT_FALSE(unset == unset);
-    EXPECT_FALSE(unset < with_number(-1, 1));
-    EXPECT_FALSE(with_number(-1, 1) < unset);
+    order::expect_unordered(unset, unset);
+    order::expect_unordered(unset, with_number(-1, 1));
 }
 
 TEST_F(ElseArm, ArmWithoutPayloadBesideItIsLessThanItself) {
-    EXPECT_TRUE(with_tag(1) < with_tag(1));
-    EXPECT_TRUE(with_tag(1) == with_tag(1));
+    order::expect_equal_and_each_less(with_tag(1), with_tag(1));
 }
 
 TEST_F(ElseArm, AssignmentWithinOneTagReplacesThePayload) {
@@ -243,7 +237,7 @@ TEST_F(ElseArm, AloneTakesEveryTag) {
         Everything value;
         value.choose_tag(tag);
         value.arm<"ONLY">() = {4};
-        wire::expect(value, wire::hex(wire::write(tag)) + "01 00 00 00  04 00 00 00");
+        wire::expect(value, hex::shown(wire::write(tag)) + "01 00 00 00  04 00 00 00");
     }
 }
 

@@ -63,7 +63,7 @@ TEST(Encoding, FlagIsOneCharacter) {
 TEST(Encoding, EveryFlagByteButTIsFalse) {
     for (char const* const byte : {"46", "00", "FF", "74", "01", "55"}) {
         SCOPED_TRACE(byte);
-        std::string const bytes = wire::bytes(byte);
+        std::string const bytes = hex::bytes(byte);
         EXPECT_FALSE(wire::read<bool>(bytes));
         EXPECT_FALSE(wire::read_from_stream<bool>(bytes));
         EXPECT_FALSE(wire::read<std::optional<int32>>(bytes).has_value());
@@ -79,11 +79,11 @@ TEST(Encoding, OptionalIsAFlagAndItsValue) {
 
 TEST(Encoding, OptionalIsMadeAnewByReading) {
     std::optional<std::list<int32>> value(std::list<int32>{1, 2});
-    wire::read_over(value, wire::bytes("54"
-                                       "01 00 00 00"
-                                       "03 00 00 00"));
+    wire::read_over(value, hex::bytes("54"
+                                      "01 00 00 00"
+                                      "03 00 00 00"));
     EXPECT_EQ(value, std::list<int32>{3});
-    wire::read_over(value, wire::bytes("46"));
+    wire::read_over(value, hex::bytes("46"));
     EXPECT_FALSE(value.has_value());
 }
 
@@ -120,9 +120,9 @@ TEST(Encoding, HashedContainersGoOutInTheirOwnOrder) {
     std::string map_bytes = wire::write(int32{3});
     for (auto const& entry : map) map_bytes += wire::write(entry);
 
-    EXPECT_EQ(wire::hex(wire::write(set)), wire::hex(set_bytes));
-    EXPECT_EQ(wire::hex(wire::write_to_stream(set)), wire::hex(set_bytes));
-    EXPECT_EQ(wire::hex(wire::write(map)), wire::hex(map_bytes));
+    EXPECT_EQ(hex::shown(wire::write(set)), hex::shown(set_bytes));
+    EXPECT_EQ(hex::shown(wire::write_to_stream(set)), hex::shown(set_bytes));
+    EXPECT_EQ(hex::shown(wire::write(map)), hex::shown(map_bytes));
     EXPECT_EQ(wire::read<std::unordered_set<int32>>(set_bytes), set);
     EXPECT_EQ((wire::read<std::unordered_map<int32, bool>>(map_bytes)), map);
 }
@@ -174,7 +174,7 @@ TEST(Archives, ArePlainClasses) {
     static_assert(!std::is_same_v<sml::StreamIArchive, sml::StringIArchive>);
 }
 
-/// The table of ids grows from 64 places on, whenever half of them are taken.
+/// The hash table of ids starts with 64 places and grows when half of them are used.
 TEST(Archives, KnowEveryStringAroundEachGrowthOfTheirIds) {
     for (std::int32_t const most : {31, 32, 33, 34, 63, 64, 65, 127, 128, 129, 1000}) {
         SCOPED_TRACE(most);

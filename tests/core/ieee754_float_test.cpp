@@ -2,6 +2,7 @@
 #include <sml/core/ieee754_float.hpp>
 #include <sml/schema/IEEE754.hpp>
 #include "tests/core/comma_locale.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using zelvanite::IEEE754Float;
 
 namespace {
 
-/// What a width stands for.
+/// The format of a width.
 struct Format {
     std::uint64_t width;
     long          emin;
@@ -36,19 +37,19 @@ using Range = std::pair<long, long>;
 /// MPFR's process-wide exponent range.
 Range range() { return {mpfr_get_emin(), mpfr_get_emax()}; }
 
-/// Makes the range one that no format has.
+/// Sets a range that no format has.
 void disturb_range() {
     mpfr_set_emin(-12345);
     mpfr_set_emax(12345);
 }
 
-/// A range that any value of a test fits in.
+/// Sets a range in which every value of the tests can be represented.
 void widen_range() {
     mpfr_set_emin(-20000);
     mpfr_set_emax(20000);
 }
 
-/// A value of a format; the text may be any that MPFR reads.
+/// A value with the format of this width. MPFR must be able to parse the text.
 IEEE754Float make(std::uint64_t width, std::string const& text) {
     IEEE754Float result;
     for (Format const& format : formats)
@@ -59,7 +60,7 @@ IEEE754Float make(std::uint64_t width, std::string const& text) {
     return result;
 }
 
-/// 1.5 with a width that stands for no format.
+/// 1.5 with a width that has no format.
 IEEE754Float unlisted(std::uint64_t width) {
     IEEE754Float result = make(64, "1.8");
     result.width = width;
@@ -76,7 +77,7 @@ IEEE754Float read(std::uint64_t width, std::string_view text) {
     return wire::read<IEEE754Float>(bytes_of(width, text));
 }
 
-/// The text that goes out for a value.
+/// The text that is written for a value.
 std::string text_of(IEEE754Float const& value) {
     std::string const bytes = wire::write(value);
     return bytes.substr(4, bytes.size() - 8);
@@ -106,7 +107,7 @@ TEST(Float, IsHexTextAndItsWidth) {
                  "1B 00 00 00 '0X1.00000000000000000001P+0'  80 00 00 00");
 }
 
-/// 1 and so many hexadecimal digits behind the point.
+/// 1 with `digits` hexadecimal digits after the point.
 IEEE754Float with_digits(std::size_t digits) {
     IEEE754Float result;
     mpfr_set_prec(result.number(), static_cast<mpfr_prec_t>(4 * digits + 4));
@@ -119,8 +120,7 @@ TEST(Float, TextIsCutToTheLowByteOfItsLength) {
     for (std::size_t const length : {200u, 254u, 255u, 256u, 257u, 300u, 507u, 511u, 512u, 600u}) {
         SCOPED_TRACE(length);
         std::string const whole = "0X1." + std::string(length - around, '7') + "P+0";
-        std::string const expected =
-            block(whole.substr(0, length & 0xff)) + wire::bytes("40000000");
+        std::string const expected = block(whole.substr(0, length & 0xff)) + hex::bytes("40000000");
         EXPECT_EQ(wire::write(with_digits(length - around)), expected);
         EXPECT_EQ(wire::write_to_stream(with_digits(length - around)), expected);
     }
@@ -209,7 +209,7 @@ TEST(Float, TextOfAnyKindIsReadInBase16) {
 }
 
 TEST(Float, TextIsCutAtItsFirstZeroByte) {
-    EXPECT_EQ(text_of(read(64, wire::bytes("'0X3P+0' 00 'junk'"))), "0X3P+0");
+    EXPECT_EQ(text_of(read(64, hex::bytes("'0X3P+0' 00 'junk'"))), "0X3P+0");
 }
 
 TEST(Float, TextThatIsNoNumberIsNotNoticed) {
@@ -223,30 +223,30 @@ TEST(Float, TextThatIsNoNumberIsNotNoticed) {
 
 TEST(Float, WidthIsReadBehindItsText) {
     std::pair<IEEE754Float, std::int32_t> value;
-    wire::read_over(value, bytes_of(16, "0X1.0018P+0") + wire::bytes("07 00 00 00"));
+    wire::read_over(value, bytes_of(16, "0X1.0018P+0") + hex::bytes("07 00 00 00"));
     EXPECT_EQ(value.first.width, 16u);
     EXPECT_EQ(text_of(value.first), "0X1P+0");
     EXPECT_EQ(value.second, 7);
 }
 
 TEST(Float, UnlistedWidthStillWritesItsTextAndItsWord) {
-    EXPECT_EQ(wire::hex(wire::write(unlisted(7))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  07 00 00 00")));
-    EXPECT_EQ(wire::hex(wire::write(unlisted(0))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  00 00 00 00")));
-    EXPECT_EQ(wire::hex(wire::write_to_stream(unlisted(65))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  41 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(7))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  07 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(0))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  00 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write_to_stream(unlisted(65))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  41 00 00 00")));
 }
 
-// Only the low half of the word stands for 64 bits.
+// Only the low half of the word is 64.
 TEST(Float, WidthGoesOutAsItsLowHalf) {
     wire::write(unlisted(0x1'0000'0040));
     EXPECT_EQ(range(), Range(2, 1));
-    EXPECT_EQ(wire::hex(wire::write(unlisted(0x1'0000'0040))),
-              wire::hex(wire::bytes("08 00 00 00 '0X1.8P+0'  40 00 00 00")));
+    EXPECT_EQ(hex::shown(wire::write(unlisted(0x1'0000'0040))),
+              hex::shown(hex::bytes("08 00 00 00 '0X1.8P+0'  40 00 00 00")));
 }
 
-// A mantissa of 0 bits ends the process in MPFR: nothing in between may prevent that.
+// A mantissa of 0 bits makes MPFR abort. No check may prevent that.
 TEST(FloatDeathTest, CopyOfAnUnlistedWidthAborts) {
     IEEE754Float const value = unlisted(7);
     EXPECT_EXIT(IEEE754Float copy(value), testing::KilledBySignal(SIGABRT), "assertion failed");
@@ -305,7 +305,7 @@ TEST(Float, EveryUseLeavesTheRangeOfItsWidth) {
 
         disturb_range();
         std::istringstream stream(bytes);
-        wire::read_over_from_stream(value, stream);
+        sml::core::read_from_stream(value, stream);
         EXPECT_EQ(range(), expected);
     }
 }
@@ -341,7 +341,7 @@ TEST(Float, CopyCarriesWidthMantissaAndValue) {
     }
 }
 
-// A value that was put together by hand: 53 bits under a width that stands for 24.
+// A value made by hand: 53 bits with a width whose format has 24.
 TEST(Float, CopyRoundsToTheMantissaOfItsWidth) {
     IEEE754Float value = make(64, "1.000003");
     value.width = 32;
@@ -410,46 +410,35 @@ TEST(Float, SelfAssignmentChangesNothing) {
 }
 
 TEST(Float, OrderIsThatOfTheValues) {
-    EXPECT_TRUE(make(64, "1") < make(32, "2"));
-    EXPECT_FALSE(make(32, "2") < make(64, "1"));
-    EXPECT_TRUE(make(64, "-@Inf@") < make(16, "-1"));
-    EXPECT_TRUE(make(16, "1") < make(16, "@Inf@"));
-    EXPECT_FALSE(make(64, "1") < make(64, "1"));
+    order::expect_less(make(64, "1"), make(32, "2"));
+    order::expect_less(make(64, "-@Inf@"), make(16, "-1"));
+    order::expect_less(make(16, "1"), make(16, "@Inf@"));
+    order::expect_equal(make(64, "1"), make(64, "1"));
 }
 
 TEST(Float, EqualValuesAreOrderedByWidth) {
-    EXPECT_TRUE(make(32, "1") < make(64, "1"));
-    EXPECT_FALSE(make(64, "1") < make(32, "1"));
-    EXPECT_TRUE(make(64, "@Inf@") < make(128, "@Inf@"));
-    EXPECT_FALSE(make(64, "@Inf@") < make(64, "@Inf@"));
-    EXPECT_FALSE(make(32, "1") == make(64, "1"));
-    EXPECT_TRUE(make(64, "1") == make(64, "1"));
+    order::expect_less(make(32, "1"), make(64, "1"));
+    order::expect_less(make(64, "@Inf@"), make(128, "@Inf@"));
+    order::expect_equal(make(64, "@Inf@"), make(64, "@Inf@"));
 }
 
 TEST(Float, WidthsCompareAsUnsigned) {
     IEEE754Float const huge = unlisted(~std::uint64_t{0});
     IEEE754Float const small = make(16, "1.8");
-    EXPECT_TRUE(small < huge);
-    EXPECT_FALSE(huge < small);
+    order::expect_less(small, huge);
 }
 
 TEST(Float, ZerosAreEqualWhateverTheirSign) {
-    EXPECT_TRUE(make(64, "-0") == make(64, "0"));
-    EXPECT_FALSE(make(64, "-0") < make(64, "0"));
-    EXPECT_TRUE(make(32, "0") < make(64, "-0"));
+    order::expect_equal(make(64, "-0"), make(64, "0"));
+    order::expect_less(make(32, "0"), make(64, "-0"));
 }
 
 TEST(Float, NanIsNeitherLessNorGreaterNorEqual) {
     IEEE754Float const nan = make(64, "@NaN@");
     for (IEEE754Float const& other : {make(64, "@NaN@"), make(128, "@NaN@"), make(16, "@NaN@"),
-                                      make(64, "0"), make(128, "-@Inf@"), make(16, "@Inf@")}) {
-        EXPECT_FALSE(nan < other);
-        EXPECT_FALSE(other < nan);
-        EXPECT_FALSE(nan == other);
-        EXPECT_FALSE(other == nan);
-    }
-    EXPECT_FALSE(nan < nan);
-    EXPECT_FALSE(nan == nan);
+                                      make(64, "0"), make(128, "-@Inf@"), make(16, "@Inf@")})
+        order::expect_unordered(nan, other);
+    order::expect_unordered(nan, nan);
 }
 
 TEST(Float, SurvivesInACommaLocale) {
@@ -465,13 +454,10 @@ TEST(FloatFormat, IsThreeWordsInOrder) {
 
 TEST(FloatFormat, ComparesItsWordsInOrder) {
     using sml::IEEE754::T;
-    EXPECT_TRUE((T{1, 9, 9} < T{2, 0, 0}));
-    EXPECT_TRUE((T{1, -1, 9} < T{1, 0, 0}));
-    EXPECT_TRUE((T{1, 1, 1} < T{1, 1, 2}));
-    EXPECT_FALSE((T{1, 1, 1} < T{1, 1, 1}));
-    EXPECT_FALSE((T{2, 0, 0} < T{1, 9, 9}));
-    EXPECT_TRUE((T{1, 2, 3} == T{1, 2, 3}));
-    EXPECT_FALSE((T{1, 2, 3} == T{1, 2, 4}));
+    order::expect_less(T{1, 9, 9}, T{2, 0, 0});
+    order::expect_less(T{1, -1, 9}, T{1, 0, 0});
+    order::expect_less(T{1, 2, 3}, T{1, 2, 4});
+    order::expect_equal(T{1, 2, 3}, T{1, 2, 3});
 }
 
 }  // namespace

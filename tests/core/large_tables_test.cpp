@@ -1,4 +1,4 @@
-// Tables of so many entries that they are not added one by one.
+// Maps with so many entries that a reader does not add them one by one.
 
 #include <sml/core/large_tables.hpp>
 
@@ -24,24 +24,24 @@ using sml::int32;
 
 namespace {
 
-/// Few hashes, so that keys share them.
+/// Few different hashes, so that keys share them.
 struct FewHashes {
     std::size_t operator()(int32 key) const { return static_cast<std::size_t>(key % 50); }
 };
 
-/// Of all bits, so that different hashes share a bucket.
+/// Hashes that use all bits, so that different hashes share a bucket.
 struct WideHashes {
     std::size_t operator()(int32 key) const {
         return static_cast<std::size_t>(key) * std::size_t{0x9e3779b97f4a7c15};
     }
 };
 
-/// Not kept beside the entries.
+/// noexcept, so that the standard library does not store the hash with each entry.
 struct FastHashes {
     std::size_t operator()(int32 key) const noexcept { return WideHashes()(key); }
 };
 
-/// Beside a value, so that the entry is a large one.
+/// Makes the entry a large one.
 using Rest = std::array<bool, 128>;
 using Value = std::pair<std::string, Rest>;
 
@@ -50,7 +50,7 @@ using TableOf = std::unordered_map<int32, Value, Hashes>;
 using Table = TableOf<WideHashes>;
 using Entries = std::vector<std::pair<int32, Value>>;
 
-/// Of so many keys, some more than once; each value tells its place.
+/// Entries with at most `keys` different keys, some of them repeated. Each value is different.
 Entries entries(int32 count, int32 keys) {
     Entries         made;
     std::mt19937_64 engine(static_cast<std::uint64_t>(count));
@@ -94,7 +94,7 @@ TYPED_TEST(LargeTableOf, HasTheOrderOfOneThatGrows) {
             expect_alike(table, expected);
             expect_alike(wire::read_from_stream<Map>(bytes_of(all)), expected);
 
-            // It goes on growing like one.
+            // It grows on like one that was filled entry by entry.
             for (int32 key = 0; key < 2 * count; ++key) {
                 table.try_emplace(key);
                 expected.try_emplace(key);
@@ -140,7 +140,7 @@ TEST(LargeTable, AddsToOneThatIsNotNew) {
     expect_added_to(of_high_load);
 }
 
-/// An entry whose reading throws leaves no trace: the table has not grown for it, either.
+/// An entry whose reading throws is not in the map, and the map has not grown for it.
 void expect_kept(Entries const& all, std::string const& unreadable) {
     SCOPED_TRACE(all.size());
     Table expected;
@@ -152,7 +152,7 @@ void expect_kept(Entries const& all, std::string const& unreadable) {
     expect_alike(table, expected);
     Table              from_stream;
     std::istringstream stream(bytes);
-    EXPECT_THROW(wire::read_over_from_stream(from_stream, stream), std::length_error);
+    EXPECT_THROW(sml::core::read_from_stream(from_stream, stream), std::length_error);
     expect_alike(from_stream, expected);
 }
 
@@ -160,29 +160,29 @@ TEST(LargeTable, KeepsWhatWasReadBeforeAnEntryThatThrows) {
     for (int32 const before : {0, 1, 12, 13, 14, 29, 63, 64, 100}) {
         Entries all;
         for (int32 key = 0; key < before; ++key) all.emplace_back(3 * key, Value{"value", {}});
-        expect_kept(all, wire::write(int32{1000}) + wire::bytes("FF FF FF FF"));
-        expect_kept(all, wire::write(int32{0}) + wire::bytes("FF FF FF FF"));
+        expect_kept(all, wire::write(int32{1000}) + hex::bytes("FF FF FF FF"));
+        expect_kept(all, wire::write(int32{0}) + hex::bytes("FF FF FF FF"));
     }
 }
 
 TEST(LargeTable, KeepsWhatWasReadBeforeAKeyThatThrows) {
-    std::string                            bytes = wire::bytes("64 00 00 00");
+    std::string                            bytes = hex::bytes("64 00 00 00");
     std::unordered_map<std::string, Value> expected;
     for (int32 i = 0; i < 40; ++i) {
         expected.try_emplace(std::to_string(i), std::to_string(i), Rest());
         bytes += wire::write(std::to_string(i)) + wire::write(Value{std::to_string(i), {}});
     }
     std::unordered_map<std::string, Value> table;
-    EXPECT_THROW(wire::read_over(table, bytes + wire::bytes("FF FF FF FF")), std::length_error);
+    EXPECT_THROW(wire::read_over(table, bytes + hex::bytes("FF FF FF FF")), std::length_error);
     EXPECT_EQ(table, expected);
     EXPECT_TRUE(std::equal(table.begin(), table.end(), expected.begin(), expected.end()));
 }
 
-/// Each read that fails gives what was read before, so that all keys are one.
+/// A failed read leaves the bytes that were read before, so all keys are equal.
 TEST(LargeTable, HasOneEntryOfAStreamThatEnds) {
-    std::istringstream              stream(wire::bytes("00 10 00 00  05 00 00 00"));
+    std::istringstream              stream(hex::bytes("00 10 00 00  05 00 00 00"));
     std::unordered_map<int32, Rest> table;
-    wire::read_over_from_stream(table, stream);
+    sml::core::read_from_stream(table, stream);
     EXPECT_TRUE(stream.fail());
     EXPECT_EQ(table, (std::unordered_map<int32, Rest>{{5, Rest()}}));
 }
@@ -199,7 +199,7 @@ TEST(LargeTable, DropsAnEntryAtOnceWhoseKeyItHas) {
 }
 
 TEST(LargeTable, LetsStringsGoWithDroppedEntries) {
-    std::string bytes = wire::bytes("00 01 00 00");
+    std::string bytes = hex::bytes("00 01 00 00");
     for (int32 i = 0; i < 256; ++i)
         bytes += wire::write(i % 128) + wire::write(-1 - i) + wire::write("s" + std::to_string(i)) +
                  wire::write(Rest());

@@ -65,7 +65,7 @@ TEST(NameTable, AscendsByBytesAndWithoutRepeats) {
     static_assert(!repeated.ascends());
 }
 
-// The same steps once more, in plain arithmetic.
+// The same steps, written in plain arithmetic.
 std::uint64_t combined(std::uint64_t h, std::uint64_t k) {
     k *= 0xc6a4a7935bd1e995;
     k = k ^ (k >> 47);

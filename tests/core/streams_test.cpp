@@ -24,7 +24,8 @@ using sml::Strings_T;
 
 namespace {
 
-/// Gives its bytes one at a time, can't seek, and tells when more is asked for than it has.
+/// A buffer that supplies one byte at a time, can't seek, and records whether more bytes were
+/// requested than it has.
 class Trickle : public std::streambuf {
 public:
     explicit Trickle(std::string bytes) : bytes_(std::move(bytes)) {}
@@ -49,7 +50,7 @@ private:
     bool        asked_for_more_ = false;
 };
 
-/// Takes so many bytes and no more; counts how often it is told to flush or to seek.
+/// A buffer that takes `room` bytes. It counts the calls to flush and to seek.
 class Sink : public std::streambuf {
 public:
     explicit Sink(std::size_t room = 1000) : room_(room) {}
@@ -77,7 +78,7 @@ private:
     std::size_t room_;
 };
 
-/// Holds all of its bytes, but gives no block from one place on.
+/// A buffer that has all its bytes in memory, but supplies no block after offset `most`.
 class Unready : public std::streambuf {
 public:
     Unready(std::string bytes, std::ptrdiff_t most) : bytes_(std::move(bytes)), most_(most) {
@@ -100,14 +101,14 @@ struct BrokenLine : std::runtime_error {
     BrokenLine() : std::runtime_error("the line broke") {}
 };
 
-/// Throws at the first byte in either direction.
+/// Throws when the first byte is read or written.
 class Broken : public std::streambuf {
 protected:
     int_type overflow(int_type) override { throw BrokenLine(); }
     int_type underflow() override { throw BrokenLine(); }
 };
 
-/// One of everything that is read in a way of its own.
+/// One value of each type with its own way of being read.
 using Everything = std::tuple<Strings_T, std::list<int32>, std::optional<bool>, std::string,
                               sml::BigInteger, zelvanite::IEEE754Float, double, Strings_T, int64>;
 
@@ -134,14 +135,14 @@ std::string write_to(std::ostringstream& stream, T const& value) {
 template <class T>
 T read_from(std::istream& stream) {
     T value{};
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     return value;
 }
 
 /// Reads a value from a stream that ends too early.
 template <class T>
 T read_short(std::string_view hex) {
-    std::istringstream stream(wire::bytes(hex));
+    std::istringstream stream(hex::bytes(hex));
     T                  value = read_from<T>(stream);
     EXPECT_TRUE(stream.fail());
     return value;
@@ -151,7 +152,7 @@ TEST(StreamWriter, PadsFlagsToTheStreamsWidth) {
     std::ostringstream stream;
     stream << std::setfill('*') << std::setw(4);
     EXPECT_EQ(write_to(stream, std::tuple(int32{1}, true, false)),
-              wire::bytes("01 00 00 00 '***T' 'F'"));
+              hex::bytes("01 00 00 00 '***T' 'F'"));
 }
 
 TEST(StreamWriter, PadsFlagsAsTheStreamAdjusts) {
@@ -164,9 +165,9 @@ TEST(StreamWriter, PadsNothingButFlags) {
     std::ostringstream stream;
     stream << std::setfill('*') << std::setw(9);
     EXPECT_EQ(write_to(stream, std::tuple(Strings_T("ab"), int64{1}, std::string("c"))),
-              wire::bytes("FF FF FF FF  02 00 00 00 'ab'"
-                          "01 00 00 00 00 00 00 00"
-                          "01 00 00 00 'c'"));
+              hex::bytes("FF FF FF FF  02 00 00 00 'ab'"
+                         "01 00 00 00 00 00 00 00"
+                         "01 00 00 00 'c'"));
     EXPECT_EQ(stream.width(), 9);
 }
 
@@ -177,14 +178,14 @@ TEST(StreamWriter, HoldsNothingBackAndNeitherFlushesNorSeeks) {
         sml::StreamOArchive archive(stream);
         sml::core::Writer{archive}(one_of_everything());
         archive.finish();
-        EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+        EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(one_of_everything())));
     }
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(one_of_everything())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(one_of_everything())));
     EXPECT_EQ(sink.flushes, 0);
     EXPECT_EQ(sink.seeks, 0);
 }
 
-/// A word, a flag, an integer of two items, a float of three, and a string of three.
+/// Ten items: a word, a flag, an integer of two items, a float of three, and a string of three.
 std::tuple<int32, bool, sml::BigInteger, zelvanite::IEEE754Float, Strings_T> ten_items() {
     return {7, true, sml::BigInteger(255), {}, Strings_T("streams: an item")};
 }
@@ -195,7 +196,7 @@ TEST(StreamWriter, FlushesBehindEachItemWhereTheStreamDoes) {
     stream.setf(std::ios::unitbuf);
     sml::core::write_to_stream(ten_items(), stream);
     EXPECT_EQ(sink.flushes, 10);
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(ten_items())));
 }
 
 TEST(StreamWriter, FlushesATiedStreamBeforeEachItem) {
@@ -207,7 +208,7 @@ TEST(StreamWriter, FlushesATiedStreamBeforeEachItem) {
     sml::core::write_to_stream(ten_items(), stream);
     EXPECT_EQ(other_sink.flushes, 10);
     EXPECT_EQ(sink.flushes, 0);
-    EXPECT_EQ(wire::hex(sink.bytes), wire::hex(wire::write(ten_items())));
+    EXPECT_EQ(hex::shown(sink.bytes), hex::shown(wire::write(ten_items())));
 }
 
 TEST(StreamReader, FlushesATiedStreamBeforeEachItem) {
@@ -268,7 +269,7 @@ TEST(StreamReader, SkipsWhiteSpaceBeforeAFlag) {
 }
 
 TEST(StreamReader, SkipsWhiteSpaceBeforeThePresenceOfAValue) {
-    std::istringstream stream(wire::bytes("' T' 07 00 00 00"));
+    std::istringstream stream(hex::bytes("' T' 07 00 00 00"));
     EXPECT_EQ(read_from<std::optional<int32>>(stream), 7);
 }
 
@@ -280,7 +281,7 @@ TEST(StreamReader, TakesABlankAsAFlagWhereTheStreamSkipsNone) {
 }
 
 TEST(StreamReader, SkipsWhiteSpaceBeforeNothingElse) {
-    std::istringstream stream(wire::bytes("20 20 20 20  01 00 00 00 20"));
+    std::istringstream stream(hex::bytes("20 20 20 20  01 00 00 00 20"));
     EXPECT_EQ(read_from<int32>(stream), 0x20202020);
     EXPECT_EQ(read_from<std::string>(stream), " ");
 }
@@ -342,9 +343,9 @@ TEST(StreamReader, FirstFailedReadGivesZero) {
     bool  flag = true;
 
     std::istringstream empty;
-    wire::read_over_from_stream(number, empty);
+    sml::core::read_from_stream(number, empty);
     EXPECT_EQ(number, 0);
-    wire::read_over_from_stream(flag, empty);
+    sml::core::read_from_stream(flag, empty);
     EXPECT_FALSE(flag);
 }
 
@@ -353,20 +354,20 @@ TEST(StreamReader, TakesNothingFromAStreamThatHasFailedBefore) {
     std::istringstream stream(wire::write(Values(7, true, 255, 9)));
     stream.setstate(std::ios::failbit);
     Values value(1, true, 2, 3);
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_TRUE(value == Values(0, false, 2, 0));
     stream.clear();
     EXPECT_EQ(stream.tellg(), 0);
 }
 
-/// The word is read once more when the object ends; flags behind it that the stream would not have
-/// got to stay in the buffer.
+/// The word is read again when the object ends. Flags after it, which the stream would not have
+/// reached, stay in the buffer.
 TEST(StreamReader, LeavesTheFlagsBehindAnItemThatFails) {
     using Values = std::tuple<int32, int32, bool, bool>;
     Unready      buffer(wire::write(Values(7, 8, true, true)), sizeof(int32));
     std::istream stream(&buffer);
     Values       value;
-    wire::read_over_from_stream(value, stream);
+    sml::core::read_from_stream(value, stream);
     EXPECT_TRUE(stream.fail());
     EXPECT_EQ(buffer.taken(), 4);
 }
@@ -400,18 +401,18 @@ TEST(StreamReader, StringOfAnEmptyStreamIsEmpty) {
 
 TEST(StreamReader, LengthThatFailsIsTheWordBefore) {
     // The first sight's own word -1 is taken for the length.
-    std::istringstream stream(wire::bytes("FF FF FF FF"));
+    std::istringstream stream(hex::bytes("FF FF FF FF"));
     Strings_T          handle;
-    EXPECT_THROW(wire::read_over_from_stream(handle, stream), std::length_error);
+    EXPECT_THROW(sml::core::read_from_stream(handle, stream), std::length_error);
 }
 
 TEST(StreamReader, LetsTheStreamsExceptionPass) {
     std::size_t const  before = string_table::size();
-    std::istringstream stream(wire::bytes("FF FF FF FF  04 00 00 00 'text'  07 00"));
+    std::istringstream stream(hex::bytes("FF FF FF FF  04 00 00 00 'text'  07 00"));
     stream.exceptions(std::ios::eofbit);
     {
         std::pair<Strings_T, int32> value("streams: before", 5);
-        EXPECT_THROW(wire::read_over_from_stream(value, stream), std::ios_base::failure);
+        EXPECT_THROW(sml::core::read_from_stream(value, stream), std::ios_base::failure);
         EXPECT_EQ(value.first.str(), "text");
         EXPECT_EQ(value.second, 5);
         EXPECT_EQ(string_table::count_of("text"), 1u);

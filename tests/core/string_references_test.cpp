@@ -25,10 +25,10 @@ namespace {
 using Two = std::pair<Strings_T, Strings_T>;
 using Three = std::tuple<Strings_T, Strings_T, Strings_T>;
 
-/// The texts that both readers make of the bytes.
+/// The texts that both readers read from the bytes.
 std::list<std::string> texts(std::size_t count, std::string const& hex) {
     // The texts follow a count, as a list has it.
-    std::string const bytes = wire::write(static_cast<int32>(count)) + wire::bytes(hex);
+    std::string const bytes = wire::write(static_cast<int32>(count)) + hex::bytes(hex);
 
     std::list<std::string> result;
     for (Strings_T const& handle : wire::read<std::list<Strings_T>>(bytes))
@@ -77,8 +77,8 @@ TEST(StringReference, TableSpansTheWholeObject) {
 }
 
 TEST(StringReference, EveryObjectHasIdsOfItsOwn) {
-    EXPECT_EQ(wire::write(Strings_T("a")), wire::bytes("FF FF FF FF  01 00 00 00 'a'"));
-    EXPECT_EQ(wire::write(Strings_T("b")), wire::bytes("FF FF FF FF  01 00 00 00 'b'"));
+    EXPECT_EQ(wire::write(Strings_T("a")), hex::bytes("FF FF FF FF  01 00 00 00 'a'"));
+    EXPECT_EQ(wire::write(Strings_T("b")), hex::bytes("FF FF FF FF  01 00 00 00 'b'"));
 }
 
 TEST(StringReference, TextOfAnyBytesGoesOutWhole) {
@@ -100,7 +100,7 @@ TEST(StringReference, ZeroIsAFirstSight) {
 }
 
 TEST(StringReference, ZeroDefinesTheIdZero) {
-    std::string const   bytes = wire::bytes("00 00 00 00  01 00 00 00 'z'");
+    std::string const   bytes = hex::bytes("00 00 00 00  01 00 00 00 'z'");
     sml::StringIArchive archive(bytes.data());
     Strings_T           handle;
     sml::core::Reader{archive}(handle);
@@ -116,7 +116,7 @@ TEST(StringReference, UndefinedIdReadsAsTheNullHandle) {
                     "FF FF FF 7F"),
               (std::list<std::string>{"", ""}));
     Strings_T handle("references: overwritten");
-    EXPECT_EQ(wire::read_over(handle, wire::bytes("01 00 00 00")), 4u);
+    EXPECT_EQ(wire::read_over(handle, hex::bytes("01 00 00 00")), 4u);
     EXPECT_TRUE(handle == Strings_T());
 }
 
@@ -145,7 +145,7 @@ TEST(StringReference, IdsNeedNotCountUp) {
 }
 
 TEST(StringReference, IdOfTheSmallestWordWrapsToItself) {
-    std::string const   bytes = wire::bytes("00 00 00 80  01 00 00 00 'm'");
+    std::string const   bytes = hex::bytes("00 00 00 80  01 00 00 00 'm'");
     sml::StringIArchive archive(bytes.data());
     Strings_T           handle;
     sml::core::Reader{archive}(handle);
@@ -157,18 +157,18 @@ TEST(StringReference, IdOfTheSmallestWordWrapsToItself) {
 
 TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
     Strings_T handle("references: emptied");
-    wire::read_over(handle, wire::bytes("FF FF FF FF  00 00 00 00"));
+    wire::read_over(handle, hex::bytes("FF FF FF FF  00 00 00 00"));
     EXPECT_TRUE(handle == Strings_T());
     EXPECT_EQ(entry_of("references: emptied"), nullptr);
 }
 
-// A caller's stream can look at the counts while it is read.
+// A caller's stream buffer can look at the counts of handles during the read.
 TEST(StringReference, ReaderOfAStreamIsExactAtEveryMoment) {
     Strings_T first;
     Strings_T second;
     {
         std::istringstream stream(
-            wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00  01 00 00 00"));
+            hex::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00  01 00 00 00"));
         sml::StreamIArchive archive(stream);
         sml::core::Reader   read{archive};
         read(first);
@@ -182,7 +182,7 @@ TEST(StringReference, ReaderOfAStreamIsExactAtEveryMoment) {
 }
 
 TEST(StringReference, CountsAreExactWhenTheReaderOfBytesEnds) {
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "04 00 00 00"
         "FF FF FF FF  04 00 00 00 'kept'"
         "01 00 00 00"
@@ -201,7 +201,7 @@ TEST(StringReference, CountsAreExactWhenTheReaderOfBytesEnds) {
 }
 
 TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
-    std::string const bytes = wire::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
+    std::string const bytes = hex::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
     Strings_T         handle;
     {
         sml::StringIArchive archive(bytes.data());
@@ -212,47 +212,48 @@ TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
     EXPECT_EQ(count_of("kept"), 1u);
 }
 
-/// Of an entry that is dropped for its key.
+/// The handles of an entry with a repeated key, which is dropped.
 TEST(StringReference, HandlesThatGoWhileBytesAreReadAreCounted) {
     std::map<int32, Strings_T> map;
-    wire::read_over(map, wire::bytes("03 00 00 00"
-                                     "01 00 00 00  FF FF FF FF  07 00 00 00 'dropped'"
-                                     "02 00 00 00  FE FF FF FF  04 00 00 00 'kept'"
-                                     "02 00 00 00  01 00 00 00"));
+    wire::read_over(map, hex::bytes("03 00 00 00"
+                                    "01 00 00 00  FF FF FF FF  07 00 00 00 'dropped'"
+                                    "02 00 00 00  FE FF FF FF  04 00 00 00 'kept'"
+                                    "02 00 00 00  01 00 00 00"));
     EXPECT_EQ(count_of("dropped"), 1u);
     EXPECT_EQ(count_of("kept"), 1u);
-    wire::read_over(map, wire::bytes("02 00 00 00"
-                                     "01 00 00 00  FF FF FF FF  04 00 00 00 'gone'"
-                                     "02 00 00 00  01 00 00 00"));
+    wire::read_over(map, hex::bytes("02 00 00 00"
+                                    "01 00 00 00  FF FF FF FF  04 00 00 00 'gone'"
+                                    "02 00 00 00  01 00 00 00"));
     EXPECT_EQ(entry_of("gone"), nullptr);
 }
 
 TEST(StringReference, CountsAreExactWhenReadingThrows) {
     std::list<std::pair<Strings_T, std::string>> list;
-    EXPECT_THROW(wire::read_over(list, wire::bytes("03 00 00 00"
-                                                   "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
-                                                   "01 00 00 00  00 00 00 00"
-                                                   "01 00 00 00  FF FF FF FF")),
+    EXPECT_THROW(wire::read_over(list, hex::bytes("03 00 00 00"
+                                                  "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
+                                                  "01 00 00 00  00 00 00 00"
+                                                  "01 00 00 00  FF FF FF FF")),
                  std::length_error);
     EXPECT_EQ(count_of("a"), 2u);
 }
 
 TEST(StringReference, CountsAreExactForAllIds) {
-    // Of one text twice, in turn; of an empty one; out of turn; never given.
+    // Definitions: of one text twice, in sequence; of the empty text; out of sequence; and a
+    // back-reference without one.
     auto const list =
-        wire::read<std::list<Strings_T>>(wire::bytes("0A 00 00 00"
-                                                     "FF FF FF FF  01 00 00 00 'a'  01 00 00 00"
-                                                     "FE FF FF FF  01 00 00 00 'a'  02 00 00 00"
-                                                     "FD FF FF FF  00 00 00 00  03 00 00 00"
-                                                     "F8 FF FF FF  01 00 00 00 'b'  08 00 00 00"
-                                                     "07 00 00 00  01 00 00 00"));
+        wire::read<std::list<Strings_T>>(hex::bytes("0A 00 00 00"
+                                                    "FF FF FF FF  01 00 00 00 'a'  01 00 00 00"
+                                                    "FE FF FF FF  01 00 00 00 'a'  02 00 00 00"
+                                                    "FD FF FF FF  00 00 00 00  03 00 00 00"
+                                                    "F8 FF FF FF  01 00 00 00 'b'  08 00 00 00"
+                                                    "07 00 00 00  01 00 00 00"));
     EXPECT_EQ(list.size(), 10u);
     EXPECT_EQ(count_of("a"), 5u);
     EXPECT_EQ(count_of("b"), 2u);
 }
 
 TEST(StringReference, ReferenceReadOverAnother) {
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "FF FF FF FF  03 00 00 00 'one'"
         "FE FF FF FF  03 00 00 00 'two'"
         "01 00 00 00  02 00 00 00  01 00 00 00");
@@ -266,7 +267,7 @@ TEST(StringReference, ReferenceReadOverAnother) {
     EXPECT_EQ(entry_of("two"), nullptr);
 }
 
-/// Each pins it; so many would take the count around to where it was.
+/// Each id keeps a handle to the text. With so many, a narrow count would wrap around.
 TEST(StringReference, OneTextUnderVeryManyIds) {
     constexpr int32 ids = 65'536;
     std::string     bytes = wire::write(ids + 1);
@@ -279,7 +280,7 @@ TEST(StringReference, OneTextUnderVeryManyIds) {
 }
 
 TEST(StringReference, ArchivesInsideOneAnotherPinTheSameString) {
-    std::string const bytes = wire::bytes("FF FF FF FF  04 00 00 00 'both'  01 00 00 00");
+    std::string const bytes = hex::bytes("FF FF FF FF  04 00 00 00 'both'  01 00 00 00");
     Strings_T         handle;
     {
         sml::StringIArchive outer(bytes.data());
@@ -307,7 +308,7 @@ TEST(StringReference, FirstSightSharesTheEntryOfAnEqualText) {
 }
 
 TEST(StringReference, ReaderPinsItsStringsUntilItEnds) {
-    std::string const bytes = wire::bytes("FF FF FF FF  06 00 00 00 'pinned'");
+    std::string const bytes = hex::bytes("FF FF FF FF  06 00 00 00 'pinned'");
     {
         sml::StringIArchive archive(bytes.data());
         Strings_T           handle;
@@ -337,10 +338,10 @@ TEST(StringReference, WriterPinsItsStringsUntilItEnds) {
         handle = Strings_T();
         EXPECT_EQ(count_of("references: written"), 1u);
 
-        // Interned anew it is still the string of id 1.
+        // Interned again, it is still the string with id 1.
         sml::core::Writer{archive}(Strings_T("references: written"));
         archive.finish();
-        EXPECT_TRUE(bytes.ends_with(wire::bytes("01 00 00 00")));
+        EXPECT_TRUE(bytes.ends_with(hex::bytes("01 00 00 00")));
     }
     EXPECT_EQ(entry_of("references: written"), nullptr);
 }

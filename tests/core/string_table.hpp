@@ -1,5 +1,5 @@
 #pragma once
-// What tests ask of the table of interned texts.
+// Access to the string table for tests.
 
 #include <sml/core/Strings.hpp>
 
@@ -11,14 +11,14 @@ namespace string_table {
 
 using Entry = sml::Strings_T::StringWithRefCount;
 
-/// The entry of a text, null where the table has none.
+/// The entry of a text; null if the string table has none.
 inline Entry const* entry_of(std::string const& text) {
     for (Entry const& entry : sml::Strings_T::fAllStrings)
         if (entry.str == text) return &entry;
     return nullptr;
 }
 
-/// How many handles refer to a text, 0 where the table has none.
+/// The number of handles to a text; 0 if the string table has no entry.
 inline std::uint64_t count_of(std::string const& text) {
     Entry const* const entry = entry_of(text);
     return entry == nullptr ? 0 : entry->count;

@@ -37,7 +37,7 @@ using Table = std::unordered_set<std::uint64_t, Itself>;
 
 std::vector<std::uint64_t> in_order(Table const& table) { return {table.begin(), table.end()}; }
 
-/// A table that grows, and its order played through.
+/// A hash table that grows, and the model of its order.
 class Both {
 public:
     void add(std::uint64_t number) {
@@ -68,7 +68,7 @@ private:
     Table                      empty_;
 };
 
-/// Hashes of all bits, few hashes that come again, and many that share their bucket at some size.
+/// Hashes that use all bits, few hashes that repeat, and many that share a bucket at some size.
 TEST(TableOrder, IsThatOfATableThatGrows) {
     std::mt19937_64 engine(2);
     for (std::uint64_t const most :
@@ -98,7 +98,7 @@ TEST(TableOrder, IsThatOfAnyLargeTable) {
     both.compare();
 }
 
-/// Entries of the same hash are told apart by the caller.
+/// The caller distinguishes entries with the same hash.
 TEST(TableOrder, AsksForEntriesOfTheHash) {
     TableOrder order;
     order.grow(13);

@@ -3,6 +3,7 @@
 #include <sml/schema/IL.hpp>
 #include "tests/core/counted.hpp"
 #include "tests/core/string_table.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -22,10 +23,10 @@ using sml::Strings_T;
 using sml::Atomicity_Condition::T_Atomicity_Condition;
 using sml::IL::T_Info_Expr;
 
-// Declared types have members of external linkage.
+// The declaring macros give types members with external linkage, so the namespace has a name.
 namespace variant_test {
 
-/// A variant that leaves unknown tags bare.
+/// A variant in which unknown tags have no payload.
 struct Choice {
     // clang-format off
     using arms = sml::core::Arms<
@@ -66,26 +67,8 @@ Choice with_counted(std::int32_t number) {
 
 template <class V>
 void read_over(V& value, std::string_view hex) {
-    std::string const bytes = wire::bytes(hex);
+    std::string const bytes = hex::bytes(hex);
     EXPECT_EQ(wire::read_over(value, bytes), bytes.size());
-}
-
-/// Neither less than the other, and unequal.
-template <class V>
-void expect_unrelated(V const& a, V const& b) {
-    EXPECT_FALSE(a == b);
-    EXPECT_FALSE(b == a);
-    EXPECT_FALSE(a < b);
-    EXPECT_FALSE(b < a);
-}
-
-/// Each less than the other, and equal.
-template <class V>
-void expect_equal_and_less(V const& a, V const& b) {
-    EXPECT_TRUE(a == b);
-    EXPECT_TRUE(b == a);
-    EXPECT_TRUE(a < b);
-    EXPECT_TRUE(b < a);
 }
 
 TEST(Variant, ArmWithoutPayloadIsItsTag) {
@@ -124,50 +107,39 @@ TEST(Variant, TagReadsAsAnInt32AndIsNotAssigned) {
 TEST(Variant, UnsetIsUnequalToEverythingAndLessThanEveryArm) {
     Choice const unset;
     Choice const other;
-    expect_unrelated(unset, unset);
-    expect_unrelated(unset, other);
-    for (std::int32_t tag = 0; tag < 7; ++tag) {
-        EXPECT_TRUE(unset < with_tag(tag));
-        EXPECT_FALSE(with_tag(tag) < unset);
-        EXPECT_FALSE(unset == with_tag(tag));
-    }
+    order::expect_unordered(unset, unset);
+    order::expect_unordered(unset, other);
+    for (std::int32_t tag = 0; tag < 7; ++tag) order::expect_less(unset, with_tag(tag));
 }
 
 TEST(Variant, EqualNegativeTagsAreNeverEqualOrLess) {
-    expect_unrelated(with_tag(-7), with_tag(-7));
-    expect_unrelated(with_tag(INT32_MIN), with_tag(INT32_MIN));
+    order::expect_unordered(with_tag(-7), with_tag(-7));
+    order::expect_unordered(with_tag(INT32_MIN), with_tag(INT32_MIN));
 }
 
 TEST(Variant, TagsCompareFirstAndAsSigned) {
-    EXPECT_TRUE(with_tag(-7) < with_tag(-1));
-    EXPECT_FALSE(with_tag(-1) < with_tag(-7));
-    EXPECT_TRUE(with_list({9, 9, 9}) < with_tag(3));
-    EXPECT_FALSE(with_tag(3) < with_list({9, 9, 9}));
-    EXPECT_TRUE(with_tag(16) < with_tag(17));
-    EXPECT_FALSE(with_tag(17) < with_tag(16));
-    EXPECT_FALSE(with_tag(16) == with_tag(17));
+    order::expect_less(with_tag(-7), with_tag(-1));
+    order::expect_less(with_list({9, 9, 9}), with_tag(3));
+    order::expect_less(with_tag(16), with_tag(17));
 }
 
 TEST(Variant, ArmWithoutPayloadIsLessThanItself) {
     Choice const nothing = with_tag(2);
-    expect_equal_and_less(nothing, nothing);
-    expect_equal_and_less(nothing, with_tag(2));
+    order::expect_equal_and_each_less(nothing, nothing);
+    order::expect_equal_and_each_less(nothing, with_tag(2));
 }
 
 TEST(Variant, PayloadDecidesBetweenEqualTags) {
-    EXPECT_TRUE(with_list({1}) < with_list({2}));
-    EXPECT_FALSE(with_list({2}) < with_list({1}));
-    EXPECT_FALSE(with_list({1}) < with_list({1}));
-    EXPECT_TRUE(with_list({1}) == with_list({1}));
-    EXPECT_FALSE(with_list({1}) == with_list({2}));
+    order::expect_less(with_list({1}), with_list({2}));
+    order::expect_equal(with_list({1}), with_list({1}));
 }
 
 TEST(Variant, UnknownTagStaysAndIsLessThanItself) {
-    auto const unknown = wire::read<T_Atomicity_Condition>(wire::bytes("07 00 00 00"));
+    auto const unknown = wire::read<T_Atomicity_Condition>(hex::bytes("07 00 00 00"));
     EXPECT_EQ(unknown.tag, 7);
     EXPECT_EQ(unknown.toString(), nullptr);
-    expect_equal_and_less(unknown, unknown);
-    expect_equal_and_less(unknown, with_tag<T_Atomicity_Condition>(7));
+    order::expect_equal_and_each_less(unknown, unknown);
+    order::expect_equal_and_each_less(unknown, with_tag<T_Atomicity_Condition>(7));
     wire::expect(unknown, "07 00 00 00");
 }
 
@@ -345,7 +317,7 @@ TEST(Variant, PayloadThatCantBeMadeByReadingLeavesTheVariantUnset) {
     Choice    value = with_list({1});
     {
         Refuse const refuse(Counted::making);
-        EXPECT_THROW(wire::read_over(value, wire::bytes("00 00 00 00")), Refusal);
+        EXPECT_THROW(wire::read_over(value, hex::bytes("00 00 00 00")), Refusal);
     }
     EXPECT_EQ(value.tag, -1);
     EXPECT_EQ(Counted::alive, alive);
@@ -383,9 +355,9 @@ TEST(Variant, FailureInsideAPayloadKeepsWhatWasRead) {
     std::size_t const before = string_table::size();
     {
         Choice value = with_list({1});
-        EXPECT_THROW(wire::read_over(value, wire::bytes("04 00 00 00"
-                                                        "FF FF FF FF  04 00 00 00 'read'"
-                                                        "FF FF FF FF")),
+        EXPECT_THROW(wire::read_over(value, hex::bytes("04 00 00 00"
+                                                       "FF FF FF FF  04 00 00 00 'read'"
+                                                       "FF FF FF FF")),
                      std::length_error);
         ASSERT_TRUE(value.holds<"TEXTS">());
         EXPECT_EQ(value.arm<"TEXTS">().first.str(), "read");

@@ -1,4 +1,4 @@
-// Prints the table of tools/sarif/fields.hpp as docs/sarif.md shows it.
+// Prints the rows of tools/sarif/fields.hpp as the tables in docs/sarif.md.
 
 #include "sarif/fields.hpp"
 
@@ -34,7 +34,7 @@ std::string bits_of(Given<Access> const& given) {
     return "bit " + std::to_string(given.bits) + " of " + code(given.word.field);
 }
 
-/// The names of a place's members.
+/// The names of the members of a place.
 template <class Rows>
 std::string names_of(Rows const& rows) {
     std::string names;

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Holds the page on SARIF against the table that importing and restoring go through.
+"""Compares the tables on the page on SARIF with the rows that import and restore use.
 
     sarif_fields_test.py PRINTER PAGE BUILD        compares them
-    sarif_fields_test.py PRINTER PAGE --update     writes the table into the page
+    sarif_fields_test.py PRINTER PAGE --update     writes the tables into the page
 """
 
 import difflib
@@ -15,7 +15,7 @@ END = "<!-- fields: end -->\n"
 
 
 def cut(page):
-    """What stands before the table, the table, and what stands behind it."""
+    """Splits the page: the text before the tables, the tables, and the text after them."""
     if page.count(BEGIN) != 1 or page.count(END) != 1:
         sys.exit(f"the page has not one {BEGIN.strip()} and one {END.strip()}")
     before, rest = page.split(BEGIN)

@@ -3,8 +3,8 @@
 
     wire_form_test.py BRADEP PAGE
 
-`dump` must print the very JSON. What is called written must be good, and `encode` must give the same
-bytes; what is called odd must be odd.
+`dump` must print exactly the JSON. Bytes marked `written` must be good, and `encode` must make the same
+bytes again; bytes marked `odd` must be odd.
 """
 
 import pathlib
@@ -21,7 +21,7 @@ FIELDS = re.compile(r"((?:[0-9A-F]{2} {1,2})*[0-9A-F]{2}) +; \S.*")
 
 
 class Example:
-    """A block: a heading, lines of bytes, the JSON of the value on one line or more."""
+    """An example: a heading, lines of bytes, and the JSON of the value on one or more lines."""
 
     def __init__(self, text):
         heading, *rest = text.splitlines()

@@ -1,5 +1,5 @@
 #pragma once
-// What a program outside the library does with a type, through the public headers alone.
+// Uses of a type by a program outside the library, with the public headers alone.
 
 #include <sml/core/arms.hpp>
 #include <sml/core/declare.hpp>
@@ -57,8 +57,8 @@ void choose_and_fill(Variant& value) {
         fill(value.template choose<name>());
 }
 
-/// Puts something into strings and numbers, and every variant on its first arm. Containers and
-/// optionals stay empty.
+/// Fills strings and numbers, and chooses the first arm of every variant. Containers and optionals
+/// stay empty.
 template <class T>
 void fill(T& value) {
     if constexpr (std::is_same_v<T, sml::Strings_T> || std::is_same_v<T, std::string>) {
@@ -79,7 +79,7 @@ void fill(T& value) {
     }
 }
 
-/// The value must equal its copies; a fresh one, whose variants are unset, need not.
+/// Expects that a filled value equals its copies. A fresh one, whose variants are unset, need not.
 template <class T>
 void copy_and_move(T const& value, bool is_filled) {
     T copy(value);

@@ -1,4 +1,4 @@
-// A program outside the library: what its public headers offer besides the types.
+// A program outside the library that uses the functions of its public headers.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/schema/AccessProtections.hpp>

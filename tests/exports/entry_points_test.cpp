@@ -1,4 +1,5 @@
-// The entry points as a caller binds to them: by address, by flat name, and round.
+// Uses the entry points in all ways of a caller: by address, by flat name, and for reading and
+// writing.
 
 #include <sml/bindings/bindings.hpp>
 
@@ -21,7 +22,7 @@ struct Signatures {
     using FlatFromCxx = char const* (*)(T const*);
 };
 
-// One function each: their addresses need no cast.
+// Each name is a single function, so its address needs no cast.
 #define SML_ROOT(Stem, ...)                                                                       \
     static_assert(std::is_same_v<decltype(&sml::Stem##_toCxx), Signatures<__VA_ARGS__>::ToCxx>);  \
     static_assert(                                                                                \
@@ -55,7 +56,7 @@ TEST(EntryPoints, NamespacedOnesHaveNoPlainNames) {
     EXPECT_EQ(dlsym(RTLD_DEFAULT, "deserializeSmlData"), nullptr);
 }
 
-// What goes out again is what came in.
+// The bytes written must be the bytes that were read.
 template <class T>
 void expect_all_seven_agree(typename Signatures<T>::ToCxx       to_cxx,
                             typename Signatures<T>::ToCxx       deserialize,

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares what the shared library exports with exports.txt, both ways.
+"""Tests that the shared library exports exactly the names in exports.txt.
 
     exports_test.py NM LIBRARY            runs the tests
     exports_test.py NM LIBRARY --update   rewrites exports.txt from the library; read the difference
@@ -99,7 +99,7 @@ def special_members(name):
 
 
 def own_name(name):
-    """The name without a template's return type."""
+    """The demangled name without the return type that those of templates have."""
     return name.removeprefix("void ")
 
 
@@ -111,14 +111,14 @@ def is_internal(name):
 
 
 def variants(names):
-    """The classes with a toString, references apart."""
+    """The classes with a toString, except references."""
     printed = {name.removesuffix("::toString() const") for name in names
                if name.endswith("::toString() const")}
     return printed - REFERENCES
 
 
 def further_names(names):
-    """What must stand in the section of its own."""
+    """The names that must be in the section of their own."""
     further = set()
     for variant in variants(names):
         further |= special_members(variant) | {f"{variant}::choose_tag(int)"}
@@ -146,8 +146,8 @@ def update(names):
 
 class Exports(unittest.TestCase):
     maxDiff = None
-    names = set()  # what the library exports
-    mend = ""  # the command that makes the list anew
+    names = set()  # the exported names
+    mend = ""  # the command that updates the list
 
     @classmethod
     def setUpClass(cls):
@@ -228,7 +228,7 @@ class Exports(unittest.TestCase):
         compared = types - len(NOT_COMPARED)
         printed = (len(variants(self.names)) + len(REFERENCES)
                    + len(listed_types("generic/all_enumerations.hpp")))
-        of_strings, of_floats = 2, 3  # a float's operator< is one of them
+        of_strings, of_floats = 2, 3  # the operator< of floats is one
         self.assertEqual(len(self.required),
                          7 * len(stems()) + len(ARCHIVES) * types + 2 * compared + printed
                          + len(HASHED) + of_strings + of_floats + len(NAMED_MEMBERS))

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Whether headers of types without numbers include no number library, and what headers cost.
+"""Tests that headers of types without numbers include no number library; measures the cost of headers.
 
     header_weight.py SOURCE COMPILER           checks every header of sml/schema
-    header_weight.py SOURCE COMPILER --time    prints user times of the compiler, the least of 9
+    header_weight.py SOURCE COMPILER --time    prints user times of the compiler, the shortest of 9
 
-A type has numbers where its header, or one that it includes, includes that of big integers or floats.
-A header of sml/schema includes one of these just where its own text has the type.
+A type has numbers if its header, or one that it includes, includes the header of big integers or of
+floats. A header of sml/schema must include one of these exactly if its own text uses the type.
 """
 
 import os
@@ -39,7 +39,7 @@ def schema_headers(source):
 
 
 def needless(source, header):
-    """The headers of numbers that a header includes without a type of theirs, or lacks."""
+    """The number headers that a header includes but does not need, or needs but does not include."""
     text = (source / header).read_text()
     return [f"{header} has {name} or includes {number}, not both" for name, number in NUMBERS.items()
             if (f"#include <{number}>" in text) != (name in text.replace(number, ""))]

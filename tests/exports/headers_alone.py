@@ -3,7 +3,7 @@
 
     headers_alone.py SOURCE COMPILER HEADER...
 
-Most headers include the same one first. It is compiled once, and they continue from there.
+Most headers include the same one first. It is precompiled once for all of them.
 """
 
 import concurrent.futures

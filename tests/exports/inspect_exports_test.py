@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Compares what the inspecting library exports with inspect_exports.txt, both ways.
+"""Tests that the inspection library exports exactly the names in inspect_exports.txt.
 
     inspect_exports_test.py NM LIBRARY HEADER...    runs the tests
     inspect_exports_test.py NM LIBRARY --update     rewrites inspect_exports.txt from the library
 
-The headers are the installed ones: what is exported is declared there, and nothing else is.
+The headers are the installed ones. They must declare the exported functions and no others.
 """
 
 import pathlib
@@ -18,7 +18,7 @@ LIST = pathlib.Path(__file__).with_name("inspect_exports.txt")
 
 
 def declared_functions(headers):
-    """The functions that are marked as exported, by their names alone."""
+    """The names of the functions that the headers mark as exported."""
     mark = r'(?<!#define )(?:SML_API|__attribute__\(\(visibility\("default"\)\)\))'
     return {name for header in headers
             for name in re.findall(rf"{mark}[^;{{]*?\b(\w+)\(", header.read_text())}

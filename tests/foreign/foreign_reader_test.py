@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The reader that knows of the wire form only its page prints what `bradep dump` prints.
+"""Tests that the reader written from the page on the wire form prints the same as `bradep dump`.
 
 foreign_reader_test.py BRADEP READER GOLDEN_DIR [SEED [DAMAGES]]
 """
@@ -21,7 +21,7 @@ NUMBER_PIECES = [b"0", b"1", b"1", b"F", b"000001", b"800000", b".", b"-", b"+",
 
 
 def load(path):
-    """The module of that file, without leaving a compiled one beside it."""
+    """Loads the module of a file without writing a compiled one beside it."""
     sys.dont_write_bytecode = True
     spec = importlib.util.spec_from_file_location("reader", path)
     module = importlib.util.module_from_spec(spec)
@@ -34,13 +34,13 @@ def word(value):
 
 
 def random_string(chance):
-    """A string of which ids are told twice, too late, or not at all."""
+    """A string whose id may be defined twice, too late, or not at all."""
     identifier = chance.randint(-4, 4)
     return word(identifier) + (b"" if identifier > 0 else word(1) + chance.choice([b"a", b"b"]))
 
 
 def random_table(chance):
-    """A String_To_StringSet_T whose keys and elements come several times."""
+    """The bytes of a String_To_StringSet_T with repeated keys and elements."""
     data = word(4)
     for _ in range(4):
         data += random_string(chance) + word(3)
@@ -54,7 +54,7 @@ def random_number(chance):
 
 
 def random_float(chance):
-    """Any text, or a number with a bit too many or near the least or the greatest of its width."""
+    """Any text, or a number with one bit too many or near the smallest or largest of its width."""
     if chance.random() < 0.5:
         return random_number(chance) + word(chance.choice([16, 32, 40, 48, 64, 80, 128]))
     width, bits, least, greatest = chance.choice(
@@ -67,7 +67,7 @@ def random_float(chance):
 
 
 def random_range(chance):
-    """An Answers_AnswerInspectionPoint with two integers or two floats."""
+    """The bytes of an Answers_AnswerInspectionPoint with two integers or two floats."""
     if chance.random() < 0.25:
         return (b"F" + word(0) + word(0)
                 + b"".join([b"T" + random_number(chance) for _ in range(2)]))
@@ -127,21 +127,21 @@ class ForeignReader(unittest.TestCase):
         return path
 
     def dumped(self, stem, data):
-        """What `bradep dump` prints; None where it calls the bytes bad."""
+        """The output of `bradep dump`; None if the bytes are unsafe."""
         result = subprocess.run([BRADEP, "dump", "--root", stem, self.path_of(data)],
                                 capture_output=True, check=False)
         self.assertIn(result.returncode, (0, 1), result.stderr)
         return result.stdout if result.returncode == 0 else None
 
     def read(self, stem, data):
-        """What the reader prints; None where it calls the bytes bad."""
+        """The output of the reader; None if it refuses the bytes."""
         try:
             return self.reader.dump(self.schema, stem, data).encode("utf-8")
         except self.reader.Bad:
             return None
 
     def compare(self, stem, data):
-        """Compares the two, and tells whether the bytes are bad."""
+        """Compares both outputs. Returns whether the bytes are unsafe."""
         expected = self.dumped(stem, data)
         self.assertEqual(self.read(stem, data), expected, f"{stem} {data.hex()}")
         return expected is None
@@ -176,7 +176,7 @@ class ForeignReader(unittest.TestCase):
         stem = "IL_Extras_ZelvaniteResultData"
         head = [4, 1, 3, -1, 0, 0]  # Annotated_Command, one Valued_Event_Annote, its text and int32
         for depth, is_bad in [(397, False), (398, True), (50000, True)]:
-            # Of which the last one is Info_Var, all others Info_Field; then a text for each.
+            # Nested arms: the last is Info_Var, all others are Info_Field; then a text for each.
             words = head + [2] * (depth - 1) + [5] + [1] * depth
             data = b"".join(map(word, words))
             with self.subTest(depth):

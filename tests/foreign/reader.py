@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Prints bytes of the wire form as JSON, knowing of them only what docs/wire-form.md says.
+"""Prints bytes of the wire form as JSON. It was written from docs/wire-form.md alone.
 
 reader.py SCHEMA.json STEM FILE prints the same line as `bradep dump --root STEM FILE`; SCHEMA.json
-is what `bradep schema` prints. Code 1 tells of bad bytes, 2 of a wrong call.
+is the output of `bradep schema`. The exit code is 1 for unsafe bytes and 2 for wrong usage.
 """
 
 import json
@@ -12,24 +12,24 @@ import sys
 from decimal import Decimal
 from fractions import Fraction
 
-MAX_DEPTH = 400  # variants and containers inside one another
+MAX_DEPTH = 400  # levels of variants and containers
 SPACE = rb"[ \t\n\v\f\r]*"
 
-# A level of a value takes a few calls, all from Python to Python: they need none of C's stack.
+# A level of a value takes a few calls, all between Python functions, which use no C stack.
 sys.setrecursionlimit(max(sys.getrecursionlimit(), 100 * MAX_DEPTH))
 sys.set_int_max_str_digits(0)
 
 
 class Bad(Exception):
-    """The bytes are not part of the form."""
+    """The bytes are unsafe: they are not part of the form."""
 
 
 class Unequal(Exception):
-    """A key or element equals nothing, itself included."""
+    """The key or element is unequal to everything, even to itself."""
 
 
 class Wire:
-    """The bytes, how far they are read, and what is known of those before."""
+    """The bytes, the offset of the next one, and the strings defined so far."""
 
     def __init__(self, data):
         self.data = data
@@ -70,8 +70,9 @@ class Wire:
             raise Bad(f"byte {self.at}: more bytes behind the value")
 
 
-# Each class below is a type. read() gives a value, read over `old` where that is not None; write()
-# adds the value's JSON to the list `out`; key() gives what equals the key of equal values only.
+# Each class below is a type. read() returns a value, which is read over `old` if that is not None;
+# write() appends the value's JSON to the list `out`; key() returns a key, which is equal for equal
+# values only.
 
 
 class Type:
@@ -152,7 +153,7 @@ class Tuple(Record):
 
 
 class Optional(Type):
-    """A value is a tuple of the element or of nothing."""
+    """A value is a tuple with the element, or an empty tuple."""
 
     def __init__(self, element):
         self.element = element
@@ -190,14 +191,14 @@ class List(Type):
 
 
 class Entries:
-    """What a set or a map holds, in the order in which the keys come first."""
+    """The entries of a set or map, in the order of the first occurrences of their keys."""
 
     def __init__(self):
-        self.all = []  # [key, value]; a set's have the value None
+        self.all = []  # [key, value]; None as value in a set
         self.by_key = {}
 
     def find(self, type_, key):
-        """The entry of the key, and whether it is new."""
+        """Returns the entry of the key, and whether it is new."""
         entry = [key, None]
         try:
             found = self.by_key.setdefault(type_.key(key), entry)
@@ -256,7 +257,7 @@ class Map(Type):
 
 
 class Variant(Type):
-    """A value is the tag and the payload, None where there is none."""
+    """A value is the tag and the payload; None if there is no payload."""
 
     def define(self, schema, definition):
         self.names = {arm["tag"]: arm["name"] for arm in definition["arms"]}
@@ -296,7 +297,7 @@ class Variant(Type):
 
 
 class Reference(Variant):
-    """A variant whose payload is always one word, which an unknown tag makes unsigned."""
+    """A variant whose payload is always one word; unsigned for an unknown tag."""
 
     def define(self, schema, definition):
         super().define(schema, definition)
@@ -339,9 +340,9 @@ class Integer(Type):
 
 
 class Float(Type):
-    """A value is the width and the text that a writer gives the number."""
+    """A value is the width and the text that a writer writes for the number."""
 
-    # By width: bits of the mantissa, least and greatest exponent.
+    # By width: bits of the mantissa, smallest and largest exponent.
     FORMATS = {16: (11, -23, 16), 32: (24, -148, 128), 40: (32, -156, 128), 48: (40, -164, 128),
                64: (53, -1073, 1024), 80: (64, -16444, 16384), 128: (113, -16493, 16384)}
     SIGN = re.compile(SPACE + rb"([+-]?)")
@@ -383,7 +384,7 @@ class Float(Type):
 
     @staticmethod
     def rounded(digits, exponent, bits, least):
-        """digits * 2 ** exponent with as many bits, and no exponent below the least."""
+        """digits * 2 ** exponent, rounded to `bits` bits and to the smallest exponent."""
         before = digits, exponent
         excess = digits.bit_length() - bits
         if excess > 0:
@@ -393,7 +394,7 @@ class Float(Type):
                 digits += 1
         if digits == 0 or digits.bit_length() + exponent >= least:
             return digits, exponent
-        # The number is at most 2 ** (least - 2) if it is less than that, or just that.
+        # Numbers up to 2 ** (least - 2), inclusive, are rounded to zero.
         digits, exponent = before
         top = digits.bit_length() + exponent - 1
         power_of_2 = digits & (digits - 1) == 0
@@ -422,7 +423,7 @@ class Double(Type):
         at = wire.at
         text = wire.number_text()
         try:
-            # Where the writer's point is none here, its number has to be in range, too.
+            # With another decimal point, the number in the text must be in range, too.
             first = self.FIRST_DIGITS.match(text)
             if first:
                 between = self.NO_DIGIT_OR_LETTER.match(text, first.end())
@@ -448,7 +449,7 @@ class Double(Type):
 
     @staticmethod
     def number(digits, base, power_base, exponent):
-        """digits * power_base ** exponent; an error where that is out of range."""
+        """digits * power_base ** exponent; an error if that is out of range."""
         digits = int(digits, base)
         if digits == 0:
             return 0.0
@@ -478,7 +479,7 @@ class Double(Type):
     @staticmethod
     def shortest(value):
         _, digits, exponent = Decimal(repr(value)).as_tuple()
-        point = len(digits) + exponent  # where it stands, counted from the first digit
+        point = len(digits) + exponent  # position of the point, counted from the first digit
         digits = "".join(map(str, digits)).rstrip("0")
         part = f".{digits[1:]}" if len(digits) > 1 else ""
         scientific = f"{digits[0]}{part}e{point - 1:+03d}"
@@ -492,7 +493,7 @@ class Double(Type):
 
 
 class Schema:
-    """The types of `bradep schema`, by type use and by stem."""
+    """The types in the output of `bradep schema`, by type use and by stem."""
 
     KINDS = {"record": Record, "group": Record, "variant": Variant, "reference": Reference,
              "enumeration": Enumeration}
@@ -552,7 +553,7 @@ def write_array(elements, out):
 
 
 def dump(schema, stem, data):
-    """The line of JSON for the bytes of a root; raises Bad where they are."""
+    """The line of JSON for the bytes of a root. Raises Bad if they are unsafe."""
     wire = Wire(data)
     root = schema.roots[stem]
     value = root.read(wire, None)

@@ -1,5 +1,5 @@
 #pragma once
-// Every enumeration of the schema; names are relative to `sml`. A new one gets one line here; one
+// Every enumeration of the schema. Names are relative to `sml`. A new one needs one line here; one
 // that a new field is the first to hold moves to the other list. `X` takes the type.
 
 #include <sml/schema/Abstract_Bool.hpp>
@@ -20,7 +20,7 @@
 #include <sml/schema/Technology.hpp>
 #include <sml/schema/Variable_Value.hpp>
 
-/// Those that a field or a payload holds.
+/// The enumerations that are the type of a field or payload.
 #define FIELD_ENUMERATIONS(X)                                                            \
     X(Checks::T_Leak_Kind)                                                               \
     X(Events::T_DataRaceAccessType)                                                      \
@@ -40,7 +40,7 @@
     X(Results_API_base::GUI_Check_Classification_base::T_GUI_Check_Classification_Class) \
     X(Variable_Value::T_Init_Mode)
 
-/// Those that stand for themselves.
+/// The enumerations that no other type uses.
 #define LONE_ENUMERATIONS(X)                              \
     X(Abstract_Bool::T_Abstract_Bool)                     \
     X(Blocks::T_BlockUnreachable)                         \

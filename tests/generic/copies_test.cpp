@@ -67,7 +67,7 @@ TEST(Copies, AChangeOfACopyLeavesItsSourceAsItWas) {
             ASSERT_TRUE(copy.mutate(random));
             ASSERT_EQ(value.text(), text);
             changes += copy.text() != text;
-            // From here on the copy is the source, and the old source goes away.
+            // The copy becomes the source, and the old source is destroyed.
             if (i % 3 == 0) {
                 value = copy;
                 text = value.text();

@@ -32,8 +32,8 @@ auto count_of(bool (*is_counted)(Row const&)) {
     return std::ranges::count_if(generic::all_rows(), is_counted);
 }
 
-/// The schema is fixed: a type that joins or leaves it does so on purpose, and changes the number
-/// here, which stands in no other test.
+/// The schema is fixed: a type is added or removed only on purpose, together with the number here.
+/// No other test has these numbers.
 constexpr auto how_to_mend =
     "where this is meant, change the number in tests/generic/counts_test.cpp";
 

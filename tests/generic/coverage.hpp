@@ -1,5 +1,5 @@
 #pragma once
-// Which arms and enumerators a run of values has reached.
+// The arms and enumerators that a series of values has reached.
 
 #include "tests/generic/node.hpp"
 

@@ -1,7 +1,7 @@
-// What a fresh object and a fresh arm hold.
+// The content of fresh objects and fresh arms.
 
 #include "tests/generic/loops.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -13,15 +13,15 @@ namespace {
 
 void expect_round_trip(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
-    ASSERT_EQ(wire::hex(value.stream_bytes()), wire::hex(bytes));
+    ASSERT_EQ(hex::shown(value.stream_bytes()), hex::shown(bytes));
     Value from_bytes(row);
     ASSERT_EQ(from_bytes.read(bytes), bytes.size());
     EXPECT_EQ(from_bytes.text(), value.text());
-    EXPECT_EQ(wire::hex(from_bytes.bytes()), wire::hex(bytes));
+    EXPECT_EQ(hex::shown(from_bytes.bytes()), hex::shown(bytes));
     Value from_stream(row);
     ASSERT_EQ(from_stream.read_from_stream(bytes), bytes.size());
     EXPECT_EQ(from_stream.text(), value.text());
-    EXPECT_EQ(wire::hex(from_stream.bytes()), wire::hex(bytes));
+    EXPECT_EQ(hex::shown(from_stream.bytes()), hex::shown(bytes));
 }
 
 bool has_fresh_payload(Value const& value, Row const& row) {
@@ -47,7 +47,7 @@ TEST(Defaults, FilledValuesAreNotFresh) {
     generic::for_each_type([](Row const& row) {
         RandomValues  random(1);
         constexpr int values = 30;
-        int           fresh = 0;  // a record of one flag is at times
+        int           fresh = 0;  // a record of one flag may be fresh by chance
         for (int i = 0; i < values; ++i) fresh += generic::is_fresh(Value(row, random).view());
         EXPECT_LT(fresh, values);
     });

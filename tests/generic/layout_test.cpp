@@ -1,4 +1,4 @@
-// The lists of fields, arms and enumerators against what they list.
+// Compares the lists of fields, arms and enumerators with the declarations.
 
 #include "tests/generic/all_enumerations.hpp"
 #include "tests/generic/enumeration_shapes.hpp"

@@ -2,18 +2,18 @@
 // The loops of the generic tests: over all types, and over seeds.
 
 #include "tests/generic/row.hpp"
+#include "tests/runs.hpp"
 
 #include <sml/core/Strings.hpp>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <vector>
 
 namespace generic {
 
-/// Calls `test` with each type. No type may leave a string behind; one that fails fatally does not
-/// keep the others from being tested.
+/// Calls `test` with each type, also after a fatal failure of another type. Expects that no string
+/// is left afterwards.
 template <class Test>
 void for_each_type(Test&& test) {
     for (Row const& row : all_rows()) {
@@ -31,15 +31,15 @@ void for_each_variant(Test&& test) {
     });
 }
 
-/// More of them when BRADEP_SLOW_TESTS is set.
+/// The seeds; more of them if BRADEP_SLOW_TESTS is set.
 inline std::vector<std::uint64_t> seeds() {
-    std::size_t const          count = std::getenv("BRADEP_SLOW_TESTS") == nullptr ? 3 : 40;
+    auto const                 count = static_cast<std::uint64_t>(runs::count(3, 40));
     std::vector<std::uint64_t> all;
     for (std::uint64_t i = 1; i <= count; ++i) all.push_back(i * 0x9E3779B97F4A7C15u);
     return all;
 }
 
-/// Calls `test` with a type and a seed, until it fails for that type.
+/// Calls `test` with each type and seed. After a failure it goes on with the next type.
 template <class Test>
 void for_each_type_and_seed(Test&& test) {
     for_each_type([&](Row const& row) {

@@ -82,7 +82,7 @@ Texts united(Node const& held, Node const& read) {
     return texts;
 }
 
-// The first entry of a key stays, or its value is read over.
+// The first entry of a key is kept, or its value is read over.
 Texts united_by_key(Node const& held, Node const& read) {
     std::map<std::string, Node const*> held_entries;
     for (Node const& entry : held.parts) held_entries[text_of(entry.parts[0])] = &entry;
@@ -139,7 +139,7 @@ void change_text(std::string& text, RandomValues& random) {
 }
 
 void change_variant(Node const& variant, RandomValues& random) {
-    // Two tags before the first arm and two behind the last are among them.
+    // The tag can also be one of two before the first arm and two after the last.
     std::int32_t const tag = random.below(variant.shape->count() + 4) - 2;
     variant.shape->choose(const_cast<void*>(variant.object), tag);
 }

@@ -1,6 +1,6 @@
 #pragma once
-// A value as a tree of its parts: what each part is and where it stands. Lets tests read, compare
-// and change values of any type in code that is compiled once.
+// A value as a tree of its parts, with the kind and the place of each part. With it, tests read,
+// compare and change values of any type in code that is compiled only once.
 
 #include "tests/random_values.hpp"
 
@@ -24,7 +24,7 @@ enum class Kind {
     big_integer,
     ieee_float,
     enumeration,
-    // Parts one by one.
+    // Kinds with parts.
     optional,
     box,
     group,  ///< pair, tuple or array
@@ -38,28 +38,28 @@ enum class Kind {
     hash_map,
 };
 
-/// What holds for all values of a type.
+/// The properties that all values of a type share.
 struct Shape {
     std::vector<std::string> names;        ///< arms, enumerators or fields
     std::vector<bool>        has_payload;  ///< by arm
-    bool                     takes_rest = false;
+    bool                     has_catch_all = false;
     bool                     last_wins = false;  ///< a map that is read insert-then-read
 
     void (*choose)(void* variant, std::int32_t tag) = nullptr;
-    void (*shrink)(void* container) = nullptr;                      ///< one element less
-    void (*grow)(void* container, RandomValues& random) = nullptr;  ///< a random element more
+    void (*shrink)(void* container) = nullptr;                      ///< removes an element
+    void (*grow)(void* container, RandomValues& random) = nullptr;  ///< adds a random element
 
     std::int32_t count() const { return static_cast<std::int32_t>(names.size()); }
 
-    /// The arm whose payload stands behind the tag, -1 where none does.
+    /// The arm whose payload follows the tag; -1 if there is no payload.
     std::int32_t arm_behind(std::int32_t tag) const {
         bool const listed = tag >= 0 && tag < count();
-        if (!listed) return takes_rest ? count() - 1 : -1;
+        if (!listed) return has_catch_all ? count() - 1 : -1;
         return has_payload[static_cast<std::size_t>(tag)] ? tag : -1;
     }
 };
 
-/// One part of a value, with its own parts. It refers to the value and lives no longer.
+/// One part of a value, with its own parts. It points into the value, which must outlive it.
 struct Node {
     Kind         kind{};
     void const*  object = nullptr;
@@ -69,7 +69,7 @@ struct Node {
 
     std::vector<Node> parts;
 
-    std::shared_ptr<void const> owned;  ///< what `object` refers to where the value has none
+    std::shared_ptr<void const> owned;  ///< what `object` points to if it is not in the value
 
     template <class T>
     T const& as() const {
@@ -77,20 +77,21 @@ struct Node {
     }
 };
 
-/// The value as text. Equal texts: the same value, whatever the order of unordered tables.
+/// The value as text. Two values have the same text exactly if they have the same content, whatever
+/// the order of hash tables.
 std::string text_of(Node const& value);
 
-/// The text of what `held` becomes when the bytes of `read` are read over it.
+/// The text of the value that `held` becomes when the bytes of `read` are read over it.
 std::string text_read_over(Node const& held, Node const& read);
 
 /// Whether all numbers are zero, all containers empty and all variants unset.
 bool is_fresh(Node const& value);
 
-/// Whether some variant in the value is unset or has no payload behind its tag.
+/// Whether some variant in the value is unset or has a tag without a payload.
 bool has_bare_variant(Node const& value);
 
-/// Changes one part at random; unset variants, unknown tags and NaNs are among the results. False
-/// where there is no part to change.
+/// Changes one part at random; the results include unset variants, unknown tags and NaNs. Returns
+/// false if there is no part to change.
 bool mutate(Node const& value, RandomValues& random);
 
 }  // namespace generic

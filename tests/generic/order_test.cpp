@@ -34,7 +34,7 @@ void for_each_field(Test&& test) {
 
 constexpr int enough_tries = 2000;
 
-// A value with a field that fits.
+// A random value with a field for which `fits` is true, if one is found.
 template <class Fits>
 std::optional<Value> with_field(Row const& row, RandomValues& random, std::size_t field,
                                 Fits&& fits) {
@@ -46,8 +46,8 @@ std::optional<Value> with_field(Row const& row, RandomValues& random, std::size_
     return std::nullopt;
 }
 
-// A value whose fields hold neither unset variants nor arms without payload: none of them is less
-// than itself.
+// A value without unset variants and without arms without payload, so that none of its fields is
+// less than itself.
 std::optional<Value> settled_value(Row const& row, RandomValues& random) {
     Value             value(row);
     std::size_t const fields = value.view().parts.size();
@@ -87,7 +87,7 @@ TEST(Order, TheFirstFieldThatDiffersOrdersTheRecords) {
             return is_less != generic::required_less(view.parts[field], part);
         });
         ASSERT_TRUE(other);
-        // Fields behind it are as they come.
+        // The fields after it are random.
         Value copy(row, random);
         for (std::size_t i = 0; i < field; ++i) copy.assign_field(*base, i);
         copy.assign_field(*other, field);
@@ -112,7 +112,7 @@ TEST(Order, AVariantOrdersByTagFirst) {
     });
 }
 
-// How often each answer came up.
+// The number of times of each answer.
 struct Answers {
     int less = 0;
     int greater = 0;
@@ -159,7 +159,7 @@ void expect_required_answers_for_pairs(Row const& row, RandomValues& random, Ans
         }
         expect_required_answers(a, Value(row, random), answers);
 
-        // The same content, with unordered tables built in another order.
+        // The same content, with hash tables built in another order.
         Value rebuilt(row);
         rebuilt.read(a.bytes());
         expect_required_answers(a, rebuilt, answers);

@@ -1,4 +1,4 @@
-// Reading into values that already hold something.
+// Reads into values that are not fresh.
 
 #include "tests/generic/loops.hpp"
 
@@ -7,7 +7,7 @@ using generic::Value;
 
 namespace {
 
-// Reads `source`'s bytes over copies of `held`, through both readers.
+// Reads the bytes of `source` over copies of `held`, by both readers.
 void expect_reading_over(Value const& held, Value const& source, std::string const& expected) {
     std::string const bytes = source.bytes();
     Value             from_bytes(held);

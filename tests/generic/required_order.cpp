@@ -16,7 +16,7 @@ Order order_of(T const& a, T const& b) {
     return b < a ? Order::greater : Order::neither;
 }
 
-// By address, and the empty text, which no entry has, before all.
+// The order is by address. The empty text, which has no entry, is before all others.
 std::uintptr_t place_of(sml::Strings_T const& handle) {
     return handle.str().empty() ? 0 : reinterpret_cast<std::uintptr_t>(&handle.str());
 }
@@ -77,7 +77,7 @@ bool equal_in_step(std::vector<Node> const& a, std::vector<Node> const& b) {
     return true;
 }
 
-// The part of an unordered table that has the same key: an element itself, or an entry.
+// The part of a hash table that has the same key: an element, or an entry.
 Node const* same_key(Node const& table, Node const& part) {
     bool const is_map = table.kind == Kind::hash_map;
     for (Node const& candidate : table.parts) {
@@ -97,7 +97,8 @@ bool equal_tables(Node const& a, Node const& b) {
     return true;
 }
 
-// Parts in their order: less ends with true, unequal with false.
+// Compares the parts in their order: the first that is less gives true, the first that is unequal
+// gives false.
 bool less_part_by_part(std::vector<Node> const& a, std::vector<Node> const& b) {
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (required_less(a[i], b[i])) return true;
@@ -106,7 +107,7 @@ bool less_part_by_part(std::vector<Node> const& a, std::vector<Node> const& b) {
     return false;
 }
 
-// Elements in their order, told with `<` both ways; equality is not asked.
+// Compares the elements in their order by `<` in both directions, without `==`.
 Order walk(std::vector<Node> const& a, std::vector<Node> const& b) {
     for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
         if (required_less(a[i], b[i])) return Order::less;
@@ -146,7 +147,7 @@ bool less_optionals(Node const& a, Node const& b) {
     return required_less(a.parts[0], b.parts[0]);
 }
 
-// A pair told with `<` alone: a first that is no greater lets the second decide.
+// Compares a pair by `<` alone: the second decides if the first is neither less nor greater.
 bool less_pair_by_less_alone(std::vector<Node> const& a, std::vector<Node> const& b) {
     if (required_less(a[0], b[0])) return true;
     return !required_less(b[0], a[0]) && required_less(a[1], b[1]);
@@ -157,7 +158,7 @@ bool less_bounds(Node const& a, Node const& b) {
     return less_pair_by_less_alone(a.parts[0].parts, b.parts[0].parts);
 }
 
-// Format, bounds and flag.
+// Compares the format, the bounds and the flag.
 bool less_real_full_range(std::vector<Node> const& a, std::vector<Node> const& b) {
     if (required_less(a[0], b[0])) return true;
     if (required_less(b[0], a[0])) return false;
@@ -166,7 +167,7 @@ bool less_real_full_range(std::vector<Node> const& a, std::vector<Node> const& b
     return required_less(a[2], b[2]);
 }
 
-// Intervals, then straight on to the multiplicity.
+// Compares the intervals, then the multiplicity.
 bool less_value_range(std::vector<Node> const& a, std::vector<Node> const& b) {
     auto const a_size = a[0].parts.size();
     auto const b_size = b[0].parts.size();
@@ -192,7 +193,7 @@ bool less_variants(Node const& a, Node const& b) {
     return less_payloads(a, b);
 }
 
-// The word is an identifier in arm 0, an address in the others.
+// The word is an identifier, which is signed, in arm 0, and an address in the others.
 bool less_references(Node const& a, Node const& b) {
     if (a.tag < b.tag) return true;
     if (a.tag > b.tag || a.tag < 0) return false;
@@ -202,7 +203,7 @@ bool less_references(Node const& a, Node const& b) {
     return a.tag == 0 && signs_differ ? left > right : left < right;
 }
 
-// Stack escape data: a map of states by handle, and a flag.
+// Stack escape data is a map of states by handle, and a flag.
 bool is_escape_data(Node const& group) {
     return group.parts.size() == 2 && group.parts[0].kind == Kind::sorted_map &&
            group.parts[0].shape->last_wins && group.parts[1].kind == Kind::flag;

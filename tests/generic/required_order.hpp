@@ -1,5 +1,5 @@
 #pragma once
-// The order and equality that all types must have, told a second time: slowly, over trees.
+// A second implementation of the order and equality that all types must have: slow, over trees.
 
 #include "tests/generic/node.hpp"
 

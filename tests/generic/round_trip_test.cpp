@@ -1,9 +1,9 @@
-// Random values of every type through all four archives, both ways.
+// Writes and reads random values of every type through all four archives.
 
 #include "tests/generic/coverage.hpp"
 #include "tests/generic/enumeration_shapes.hpp"
 #include "tests/generic/loops.hpp"
-#include "tests/wire.hpp"
+#include "tests/hex.hpp"
 
 using generic::Row;
 using generic::Value;
@@ -19,7 +19,7 @@ void expect_equal(Value const& copy, Value const& value, Row const& row) {
 
 void expect_round_trip(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
-    ASSERT_EQ(wire::hex(value.stream_bytes()), wire::hex(bytes));
+    ASSERT_EQ(hex::shown(value.stream_bytes()), hex::shown(bytes));
 
     Value from_bytes(row);
     ASSERT_EQ(from_bytes.read(bytes), bytes.size());
@@ -30,16 +30,16 @@ void expect_round_trip(Value const& value, Row const& row) {
     expect_equal(from_stream, value, row);
 }
 
-// Unordered tables of at most one entry have one order only.
+// Hash tables of at most one entry have only one order.
 void expect_equal_bytes_again(Value const& value, Row const& row) {
     std::string const bytes = value.bytes();
     Value             copy(row);
     copy.read(bytes);
-    ASSERT_EQ(wire::hex(copy.bytes()), wire::hex(bytes));
-    ASSERT_EQ(wire::hex(copy.stream_bytes()), wire::hex(bytes));
+    ASSERT_EQ(hex::shown(copy.bytes()), hex::shown(bytes));
+    ASSERT_EQ(hex::shown(copy.stream_bytes()), hex::shown(bytes));
 }
 
-// Some values of the type; of a variant, some on each arm.
+// Calls `use` with some values of the type and, for a variant, with some for each arm.
 template <class Use>
 void for_some_values(Row const& row, RandomValues& random, Use&& use) {
     constexpr int values = 20;

@@ -37,7 +37,7 @@ std::string Value::stream_bytes() const {
 }
 
 std::size_t Value::read(std::string const& bytes) {
-    // Its own block, so that a sanitizer sees a read past the end.
+    // A block of the exact size, so that a sanitizer reports a read beyond it.
     std::vector<char> const block(bytes.begin(), bytes.end());
     return row_->read(object_, block.data());
 }

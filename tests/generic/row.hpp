@@ -1,5 +1,5 @@
 #pragma once
-// The types of the schema as a table of functions, and values of any of them.
+// The types of the schema as an array of rows with functions, and values of any of them.
 
 #include "tests/generic/node.hpp"
 
@@ -16,7 +16,7 @@ namespace generic {
 
 enum class Form { record, variant, reference };
 
-/// Where the parts of a record or of an arm stand.
+/// The names and offsets of the parts of a record or an arm.
 struct FieldList {
     char const*                 owner;
     std::vector<std::string>    names;
@@ -51,14 +51,14 @@ struct Row {
     std::size_t (*read)(void* object, char const* bytes);
     void (*read_from_stream)(void* object, std::istream& stream);
 
-    /// Of a record: all fields; of a variant: the parts of its arms that have no record.
+    /// For a record, all its fields; for a variant, the parts of its arms that have no record.
     std::vector<FieldList> (*field_lists)();
     void (*assign_field)(void* target, void const* source, std::size_t field);
 };
 
 std::vector<Row> const& all_rows();
 
-/// Throws `std::out_of_range` where no type has the name.
+/// Throws `std::out_of_range` if no type has the name.
 Row const& row_named(std::string_view name);
 
 /// A value of the type of a row.
@@ -78,7 +78,7 @@ public:
     }
     ~Value() { row_->destroy(object_); }
 
-    /// A variant or reference on an arm with random content.
+    /// A variant or reference with this arm and random content.
     static Value on_arm(Row const& row, std::int32_t tag, RandomValues& random) {
         Value value(row);
         row.fill_arm(value.object_, tag, random);
@@ -94,12 +94,12 @@ public:
 
     std::string bytes() const { return row_->write(object_); }
     std::string stream_bytes() const;
-    /// Reads over the value; gives how many bytes were taken.
+    /// Reads the bytes over the value and returns how many were read.
     std::size_t read(std::string const& bytes);
     std::size_t read_from_stream(std::string const& bytes);
 
     void choose(std::int32_t tag) { row_->arms->choose(object_, tag); }
-    /// Changes one part at random; false where the value has none that can change.
+    /// Changes one part at random. Returns false if no part can change.
     bool mutate(RandomValues& random) { return generic::mutate(view(), random); }
     void assign_field(Value const& source, std::size_t field) {
         row_->assign_field(object_, source.object_, field);

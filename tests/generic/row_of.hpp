@@ -1,6 +1,6 @@
 #pragma once
-// Makes the row of a type. Only the files that define rows include this: one file an area, so that
-// each type is compiled in one of them.
+// Makes the row of a type. Only the files that define rows include this, one for each area, so that
+// each type is compiled in only one of them.
 
 #include "tests/all_types.hpp"
 #include "tests/generic/row.hpp"
@@ -62,7 +62,7 @@ Shape arms_shape() {
     Shape shape;
     for (char const* name : Arms::names) shape.names.emplace_back(name);
     shape.has_payload.assign(Arms::has_payload.begin(), Arms::has_payload.end());
-    shape.takes_rest = Arms::takes_rest;
+    shape.has_catch_all = Arms::has_catch_all;
     return shape;
 }
 
@@ -211,8 +211,8 @@ Node view(T const& value, bool fixed) {
     }
 }
 
-/// The payload behind a variant's tag. A last arm that was never built is shown as a value that
-/// the node owns.
+/// Adds the payload of a variant to the node. If the payload of a catch-all arm was not built, it
+/// is shown as a value that the node owns.
 template <class T>
 void view_payload(Node& node, T const& variant, bool fixed) {
     variant.visit_payload([&]<class Payload>(Payload const& payload) {

@@ -42,8 +42,8 @@ TEST(Golden, TheFilesReachEveryTypeArmAndEnumerator) {
     for (auto const& goal : to_reach) EXPECT_TRUE(reached.contains(goal)) << golden::name_of(goal);
 }
 
-/// Golden files of a wire form that has not changed are never rewritten: they must be dumped as
-/// before.
+/// Golden files of a root whose wire form has not changed are never rewritten. Their dumps must
+/// stay the same.
 TEST(Golden, EachFileHoldsWhatItsDumpSays) {
     for (File const& file : all_files())
         EXPECT_EQ(golden::bytes_of(std::filesystem::path(GOLDEN_FILES) / dump_name(file)),

@@ -21,7 +21,7 @@ using sml::inspect::Part;
 using sml::inspect::Root;
 using sml::inspect::Type;
 
-/// Collects everything below a type.
+/// Collects all types, arms and enumerators that a type reaches.
 class Closure {
 public:
     void add(Type const* type) {
@@ -32,7 +32,7 @@ public:
         add(type->element);
         add(type->key);
         for (Part const& part : type->parts) add(part.type);
-        // The one word of a reference stands for the payload of both its arms.
+        // The single word of a reference is the payload of both its arms.
         if (type->kind == Kind::reference) return;
         for (Arm const& arm : type->arms) add(arm.payload);
     }
@@ -40,7 +40,7 @@ public:
     Reached all;
 };
 
-/// Walks bytes that are known not to be unsafe.
+/// Walks bytes that must not be unsafe.
 class Walk {
 public:
     explicit Walk(std::string_view bytes) : size_(bytes.size()), bytes_(bytes) {}
@@ -93,7 +93,7 @@ private:
     void variant(Type const& type) {
         std::int32_t const tag = word();
         reached.insert({&type, tag});
-        Arm const* const arm = type.serving(tag);
+        Arm const* const arm = type.arm_of(tag);
         if (arm != nullptr && arm->payload != nullptr) value(*arm->payload);
     }
 
@@ -128,10 +128,10 @@ private:
     }
 
     std::size_t      size_;
-    std::string_view bytes_;  // those not taken yet
+    std::string_view bytes_;  // not walked yet
 };
 
-/// Names for types without one of their own: from where they stand.
+/// Gives types without a name the path on which they are reached.
 void name_parts(Type const& type, std::string const& path, std::map<Type const*, std::string>& in) {
     if (!in.try_emplace(&type, type.name.empty() ? path : std::string(type.name)).second) return;
     std::string const& name = in.at(&type);

@@ -1,14 +1,14 @@
-// Makes the golden files of a directory those of the roots as they are:
+// Updates the golden files of a directory to the present roots:
 //
 //   make_goldens DIRECTORY
 //
-// Files of a root whose wire form is the one that they were written in are kept: they are how a
-// change that reads them otherwise is found. Those of other roots are removed. Random values are
-// drawn until all files reach together what the schema has; of each draw the one is kept that
-// reaches most for its size. Beside each file without one its dump is written. The files hold
-// canonical bytes, so they come out the same in every process. Built by another compiler, which may
-// evaluate arguments in another order, the program draws other values: the files in the tree are
-// those of g++.
+// Files of a root are kept as long as its wire form is the one in which they were written: they are
+// there to detect a change that reads them differently. Files of other roots are removed. Random
+// values are drawn until all files together reach everything in the schema; of each round, the
+// value that reaches most for its size is kept. A dump is written beside each file that has none.
+// The files have canonical bytes, so they are the same in every process. If another compiler builds
+// this program, it may evaluate arguments in another order and then draws other values: the files
+// in the tree were made with g++.
 
 #include <sml/inspect/canonical.hpp>
 #include "tests/golden/goldens.hpp"
@@ -29,9 +29,9 @@ using sml::inspect::Root;
 struct Candidate {
     Root const*                      root = nullptr;
     std::string                      bytes;
-    std::vector<Reached::value_type> news;  ///< what it reaches first
+    std::vector<Reached::value_type> news;  ///< reached by no other file
 
-    /// News for the size; a file more is a burden too.
+    /// The number of new things for the size. Each further file adds a fixed cost.
     double worth() const {
         constexpr double burden = 2000;
         return static_cast<double>(news.size()) / (static_cast<double>(bytes.size()) + burden);
@@ -109,7 +109,7 @@ private:
         if (!out.flush()) throw std::runtime_error("can't write " + name);
     }
 
-    /// The roots below which something is missing.
+    /// The roots that reach something that is still missing.
     std::vector<Root const*> useful_roots() const {
         std::vector<Root const*> useful;
         for (Root const& root : sml::inspect::roots())
@@ -120,7 +120,7 @@ private:
         return useful;
     }
 
-    /// The worthiest of so many random values of each root.
+    /// The best of `values` random values of each root.
     Candidate best_of(std::vector<Root const*> const& roots, int values) {
         Candidate best;
         for (Root const* const root : roots)
@@ -151,9 +151,9 @@ private:
 
     std::filesystem::path      directory_;
     Reached                    missing_;
-    std::vector<golden::File>  outdated_;  // of roots whose wire form has changed
+    std::vector<golden::File>  outdated_;  // roots with a changed wire form
     std::vector<golden::File>  added_;
-    std::map<Root const*, int> last_numbers_;  // of the files of each root
+    std::map<Root const*, int> last_numbers_;  // number of each root's last file
     std::uint64_t              seed_ = 0;
 };
 

@@ -39,7 +39,7 @@ std::string canonical(Root const& root, std::string const& bytes) {
     return out.str();
 }
 
-/// The bytes as a value of any type, as if it were a root.
+/// The canonical bytes of a value of any type, as if it were a root.
 template <class T>
 std::string canonical(std::string const& bytes) {
     return canonical(Root{"R", describe<T>()}, bytes);
@@ -72,7 +72,7 @@ TEST(Canonical, IsThatOfTheValueWrittenAgain) {
         Root const&       root = *find_root(one.stem);
         RandomValues      random(41);
         std::string const whole = one.random_bytes(random);
-        // Reading turns the order of every hashed table round, or so.
+        // Reading about reverses the order of every hash table.
         EXPECT_TRUE(canonical(root, one.read_and_write(whole)) == canonical(root, whole));
     }
 }
@@ -102,7 +102,7 @@ TEST(Canonical, NumberingFollowsTheSortedOrderThroughTheWholeObject) {
 }
 
 TEST(Canonical, TextsAreComparedByTheirBytes) {
-    // in no order: a prefix is less, and bytes have no sign
+    // Unsorted. A prefix is less than the whole, and bytes are compared as unsigned.
     std::vector<std::string> const texts{"\xFF", "b", "", "ab", "\x7F", "a", "B", "aa"};
     std::vector<std::string> const sorted{"", "B", "a", "aa", "ab", "b", "\x7F", "\xFF"};
     std::string                    given = word(8);
@@ -159,8 +159,8 @@ TEST(Canonical, RefusesUnsafeBytes) {
                  std::invalid_argument);
 }
 
-/// The same content whatever the order of insertion and of the strings' addresses: tables by
-/// number, hashed sets, and a map and a set that are sorted by address.
+/// The bytes of the same content for any order of insertion and of the strings' addresses: maps by
+/// number, hash sets, and a map and a set that are sorted by address.
 std::string written(std::vector<int> const& order) {
     std::vector<Strings_T> strings(order.size());
     for (int const i : order)
@@ -197,8 +197,8 @@ TEST(Canonical, IsTheSameForEveryOrderOfInsertionAndOfAddresses) {
 }
 
 TEST(Digest, IsTheSha256OfTheCanonicalBytes) {
-    // Of 02000000 ffffffff0100000061 00000000 feffffff0100000062 02000000 01000000
-    // fdffffff010000007a, as any other program has it.
+    // The SHA-256 of 02000000 ffffffff0100000061 00000000 feffffff0100000062 02000000 01000000
+    // fdffffff010000007a, computed by another program.
     constexpr char const* known =
         "10712251a9cb7e34a1a3c0de5b267077e954319609c0ea063eb69d47c2308195";
     Root const&       root = *find_root("String_To_StringSet_T");

@@ -46,16 +46,16 @@ TEST(Describe, VariantHasItsArmsByTag) {
     EXPECT_EQ(type.arms[55].name, "NULL");
     EXPECT_EQ(type.arms[55].payload, nullptr);
     EXPECT_EQ(type.arms[57].payload->name, "sml::Checks::T_Check_Category::OVFL_args");
-    EXPECT_FALSE(type.takes_rest);
-    EXPECT_EQ(type.serving(77), nullptr);
-    EXPECT_EQ(type.serving(-1), nullptr);
+    EXPECT_FALSE(type.has_catch_all);
+    EXPECT_EQ(type.arm_of(77), nullptr);
+    EXPECT_EQ(type.arm_of(-1), nullptr);
 }
 
 TEST(Describe, LastArmServesTheRest) {
     Type const& type = *describe<sml::Checks::T_Ovfl_Data>();
-    EXPECT_TRUE(type.takes_rest);
-    EXPECT_EQ(type.serving(-1), &type.arms.back());
-    EXPECT_EQ(type.serving(3), &type.arms.back());
+    EXPECT_TRUE(type.has_catch_all);
+    EXPECT_EQ(type.arm_of(-1), &type.arms.back());
+    EXPECT_EQ(type.arm_of(3), &type.arms.back());
     EXPECT_EQ(type.least_size, 4u + 1u);
 }
 

@@ -26,7 +26,7 @@ using namespace std::string_literals;
 
 constexpr int rounding_modes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
 
-/// The process's rounding mode while this lives.
+/// While it lives, it is the process's rounding mode.
 class Rounding {
 public:
     explicit Rounding(int mode) : before_(std::fegetround()) { std::fesetround(mode); }
@@ -38,7 +38,7 @@ private:
     int before_;
 };
 
-/// What the real reader makes of a text in this process; none where it throws.
+/// The value that the real reader reads from a text in this process; none if it throws.
 std::optional<double> read(std::string const& text) try {
     return std::stod(std::string(text.c_str()));
 } catch (std::logic_error const&) {
@@ -53,7 +53,7 @@ bool reads_cleanly_in_every_rounding(std::string const& text) {
     return true;
 }
 
-/// Not a number is alike whatever its sign.
+/// Whether the values are identical. All NaNs are the same, whatever their sign.
 bool are_alike(double a, double b) {
     return (std::isnan(a) && std::isnan(b)) ||
            std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
@@ -62,11 +62,11 @@ bool are_alike(double a, double b) {
 TEST(DoubleText, WhatThrowsInAnyProcessHasNoValue) {
     for (char const* block :
          {"", "x", ".", "-", "1e999", "-1e999", "1e-310", "0x1p1024", "0x1p-1075",
-          // With a comma for the point:
+          // Unsafe with a decimal comma:
           ".5", "-.5", ",5", "1,5e999", "1,e999", "-2,0e-400", "0x1,8p5000",
-          // Where the leading digits alone are out of range:
+          // The leading digits alone are out of range:
           "1e400.5",
-          // Rounded upwards or towards zero:
+          // Unsafe if rounded upwards or towards zero:
           "1.7976931348623158e308", "-1.7976931348623158e308", "2.2250738585072011e-308"})
         EXPECT_FALSE(double_of(block)) << block;
 }
@@ -113,7 +113,7 @@ TEST(DoubleText, DigitsBeyondEveryRoundingCountOnlyAsNotZero) {
     EXPECT_EQ(double_of(std::string(100'000, '0') + "7"), 7.0);
     EXPECT_EQ(double_of("0." + std::string(5000, '0') + "7e5001"), 7.0);
     EXPECT_EQ(double_of("1" + std::string(5000, '0') + "e-5000"), 1.0);
-    // Where the point is another one, no exponent stands behind the leading digits.
+    // With another decimal point, no exponent follows the leading digits.
     EXPECT_EQ(double_of("1" + std::string(5000, '0') + ".0e-5000"), std::nullopt);
 }
 
@@ -131,7 +131,7 @@ TEST(DoubleText, VerdictAndValueDependOnNothingInTheProcess) {
     }
 }
 
-/// A text near what a double's can be.
+/// A random text that is similar to the text of a double.
 std::string random_text(std::mt19937_64& engine) {
     constexpr std::string_view pieces[] = {
         "0",    "1",     "9",  "5",    ".",    ",",   "e",     "E",  "-",  "+",    "308",
@@ -155,7 +155,8 @@ std::string random_text(std::mt19937_64& engine) {
     return text;
 }
 
-/// Whether all that could be a decimal point is one of the two that processes have here.
+/// Whether every character that could be a decimal point is one of the two that processes have in
+/// this test.
 bool has_no_point_of_another_kind(std::string_view text) {
     bool is_behind_point = false;
     for (char const c : text) {
@@ -167,7 +168,8 @@ bool has_no_point_of_another_kind(std::string_view text) {
     return true;
 }
 
-// For the two points that processes have here, the judgement is exact; others make it stricter.
+// For the two decimal points that processes have in this test, the judgement is exact. Other points
+// make it stricter.
 TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
     std::uint64_t const seed = std::random_device{}();
     RecordProperty("seed", static_cast<int>(seed));

@@ -56,7 +56,7 @@ Shown show(Root const& root, std::string const& bytes, DumpOptions const& option
     return {std::move(dumped), out.str()};
 }
 
-/// The bytes as a value of any type, as if it were a root.
+/// Dumps a value of any type, as if it were a root.
 template <class T>
 Shown show(std::string const& bytes, DumpOptions const& options = {}) {
     return show(Root{"R", describe<T>()}, bytes, options);
@@ -301,20 +301,20 @@ TEST(Dump, TextIsUtf8AndOtherBytesAreLoneSurrogates) {
         {"\xC1\xBF", R"(\udcc1\udcbf)"},
         {"\xE0\x9F\xBF", R"(\udce0\udc9f\udcbf)"},
         {"\xF0\x8F\xBF\xBF", R"(\udcf0\udc8f\udcbf\udcbf)"},
-        // surrogates, and beyond the last character
+        // surrogates, and characters beyond the last one
         {"\xED\xA0\x80", R"(\udced\udca0\udc80)"},
         {"\xED\xBF\xBF", R"(\udced\udcbf\udcbf)"},
         {"\xF4\x90\x80\x80", R"(\udcf4\udc90\udc80\udc80)"},
         {"\xF5\x80\x80\x80", R"(\udcf5\udc80\udc80\udc80)"},
         {"\xF8\x88\x80\x80\x80", R"(\udcf8\udc88\udc80\udc80\udc80)"},
-        // truncated, at the end and before another character
+        // truncated at the end, and before another character
         {"\xC3", R"(\udcc3)"},
         {"\xE2\x82", R"(\udce2\udc82)"},
         {"\xF0\x9F\x98", R"(\udcf0\udc9f\udc98)"},
         {"\xE2\xC3\xA9", "\\udce2\xC3\xA9"},
         {"\xE2\x82\x61", R"(\udce2\udc82a)"},
         {"\xF0\x9F\x98\xC3\xA9", "\\udcf0\\udc9f\\udc98\xC3\xA9"},
-        // what a terminal obeys
+        // control characters of a terminal
         {"\0\x01\n\t\r\x1B\x1F\x7F"s, R"(\u0000\u0001\n\t\r\u001b\u001f\u007f)"},
         {"\xC2\x85\xE2\x80\xA8\xE2\x80\xA9\xE2\x80\xAE", R"(\u0085\u2028\u2029\u202e)"},
     };
@@ -324,7 +324,7 @@ TEST(Dump, TextIsUtf8AndOtherBytesAreLoneSurrogates) {
     }
 }
 
-TEST(Dump, EveryStringIsToldInFull) {
+TEST(Dump, EveryStringIsWrittenInFull) {
     EXPECT_EQ(value_of<std::list<Strings_T>>(word(3) + in_full(1, "a") + in_full(2, "") + word(1)),
               R"(["a","","a"])");
 }
@@ -351,7 +351,8 @@ Shown selected(std::string const& bytes, std::string const& path, Form form = Fo
     return show<T>(bytes, {.form = form, .path = path});
 }
 
-/// What is selected is this, and the rest of the form is as it has to be.
+/// Expects that the selected value is this one, and that the rest of the JSON has the required
+/// form.
 template <class T>
 void expect_selected(std::string const& bytes, std::string const& path, std::string const& value) {
     Shown const       shown = selected<T>(bytes, path);
@@ -398,7 +399,7 @@ TEST(Select, ValueByTheNumberOfItsEntry) {
     EXPECT_FALSE(selected<Tables>(tables(), "[#]").dumped.found);
 }
 
-TEST(Select, HowFarThePathLedIsTold) {
+TEST(Select, HowFarThePathLedIsReported) {
     auto const reached = [](std::string const& path) {
         return path.substr(0, selected<Tables>(tables(), path).dumped.reached);
     };
@@ -446,7 +447,7 @@ TEST(Select, PartWithinAnAbsentValueIsNotFound) {
 }
 
 TEST(Select, FirstOfSeveralWithOnePath) {
-    // Keys are cut in paths, so these two look alike there.
+    // Paths cut long keys, so these two look the same there.
     std::string const start(100, 'k');
     std::string const bytes =
         word(2) + in_full(1, start + "1") + word(1) + in_full(2, start + "2") + word(2);
@@ -546,11 +547,10 @@ TEST(DumpOfDamage, LimitIsDamage) {
     DumpOptions const shallow{.walk = {.limits = {.depth = 1}}};
     Shown const       shown = show<std::list<std::list<bool>>>(word(1) + word(1) + "T", shallow);
     EXPECT_EQ(shown.dumped.answer, Answer::unsafe);
-    EXPECT_EQ(
-        shown.json,
-        R"({"root":"R","value":[{"unsafe":{"offset":4,)"
-        R"("expected":"no more than 1 variants and containers inside one another","found":"one more"}}]})"
-        "\n");
+    EXPECT_EQ(shown.json,
+              R"({"root":"R","value":[{"unsafe":{"offset":4,)"
+              R"("expected":"at most 1 levels of variants and containers","found":"one more"}}]})"
+              "\n");
 }
 
 TEST(DumpOfDamage, MarkedAlsoInAnEntryThatAReaderWouldDrop) {
@@ -561,7 +561,7 @@ TEST(DumpOfDamage, MarkedAlsoInAnEntryThatAReaderWouldDrop) {
     EXPECT_NE(shown.json.find("\"unsafe\""), std::string::npos) << shown.json;
 }
 
-/// All that a root's bytes say up to the damage, then the mark.
+/// The dump has the content of the bytes up to the damage, then the member `unsafe`.
 TEST(DumpOfDamage, EveryCutIsJsonThatStartsLikeTheWhole) {
     for (RootCase const& one : root_cases()) {
         SCOPED_TRACE(one.stem);
@@ -580,7 +580,7 @@ TEST(DumpOfDamage, EveryCutIsJsonThatStartsLikeTheWhole) {
     }
 }
 
-/// Whatever stands in them.
+/// The JSON is well-formed for any bytes.
 TEST(DumpOfDamage, ChangedBytesAreJson) {
     constexpr char tried[] = {'\0', '\1', 'T', ' ', '\x7F', '\xFF'};
     int            unsafe = 0;
@@ -622,7 +622,7 @@ TEST(DumpOfDuplicates, LastOfThreeStays) {
 }
 
 TEST(DumpOfDuplicates, WhateverTheSpellingOfTheKey) {
-    // told whole again, by an id that was never defined, and in other digits
+    // repeated keys: defined again, by an id without a definition, and in other digits
     EXPECT_EQ(value_of<Numbers>(word(2) + in_full(1, "a") + word(1) + in_full(2, "a") + word(2)),
               R"([["a",1]])");
     EXPECT_EQ(value_of<Numbers>(word(2) + in_full(1, "") + word(1) + word(9) + word(2)),
@@ -643,14 +643,14 @@ TEST(DumpOfDuplicates, UnsetVariantsAreNeverEqual) {
               R"([{"arm":null,"tag":99,)" + args + "]");
 }
 
-TEST(DumpOfDuplicates, StringToldInADroppedEntryIsKnownAfterwards) {
+TEST(DumpOfDuplicates, StringDefinedInADroppedEntryIsKnownAfterwards) {
     using Strings = std::unordered_map<Strings_T, Strings_T>;
     EXPECT_EQ(value_of<Strings>(word(3) + in_full(1, "a") + word(1) + word(1) + in_full(2, "x") +
                                 in_full(3, "b") + word(2)),
               R"([["a","a"],["b","x"]])");
 }
 
-/// What dump shows of odd bytes is what the library's reader holds.
+/// Expects that the dump of odd bytes shows the value that the library's reader reads.
 void expect_shown_as_read(RootCase const& one, std::string const& odd) {
     Root const&        root = *find_root(one.stem);
     Shown const        shown = show(root, odd);
@@ -695,7 +695,8 @@ TEST(DumpOfOddBytes, ShowsWhatAReaderHolds) {
     EXPECT_GT(odd, 500);
 }
 
-/// One information record with a table of fields by name, read insert-then-read.
+/// The bytes of one information record with a map of fields by name, in which values of repeated
+/// keys are read over.
 std::string fields_named(std::string const& first, std::string const& second) {
     sml::Application_Results::T_Application_Results results;
     auto& category = results.infos[{Strings_T("k"), 1}].category;
@@ -708,7 +709,7 @@ std::string fields_named(std::string const& first, std::string const& second) {
     return sml::Application_Results_Application_Results_fromCxx(results);
 }
 
-/// The same with one name twice.
+/// The same with one name repeated.
 std::string fields_read_over() {
     std::string odd = fields_named("same", "Same");
     odd.at(odd.find("Same")) = 's';
@@ -793,7 +794,7 @@ TEST(DumpOfOddBytes, FindingsAreThoseOfVerify) {
     }
 }
 
-/// Takes so many pieces and then no more; counts those that it was given.
+/// A buffer that takes this many pieces and refuses further ones. It counts all that it gets.
 class FullBuffer : public std::streambuf {
 public:
     explicit FullBuffer(int taken) : left_(taken) {}

@@ -47,27 +47,27 @@ std::string json_of(Root const& root, std::string const& bytes, Form form = Form
     return out.str();
 }
 
-/// As the command tells it.
-std::string told(Encoded const& encoded) {
+/// The error as the command prints it.
+std::string text_of(Encoded const& encoded) {
     if (!encoded.error) return "no error";
     auto const& error = *encoded.error;
     return std::to_string(error.position.line) + ":" + std::to_string(error.position.column) + " " +
            error.path + ": expected " + error.expected + ", found " + error.found;
 }
 
-/// A value of a root; it starts in line 2.
+/// JSON of a root. The value starts in line 2.
 std::string value_of(char const* stem, std::string const& value) {
     return "{\"root\":\"" + std::string(stem) + "\",\"value\":\n" + value + "}";
 }
 
 std::string error_of(char const* stem, std::string const& value) {
-    return told(encoded(value_of(stem, value)).encoded);
+    return text_of(encoded(value_of(stem, value)).encoded);
 }
 
-/// The bytes of a value that is right.
+/// The bytes of a value, which must be valid.
 std::string bytes_of(char const* stem, std::string const& value) {
     Outcome const outcome = encoded(value_of(stem, value));
-    EXPECT_FALSE(outcome.encoded.error) << value << ": " << told(outcome.encoded);
+    EXPECT_FALSE(outcome.encoded.error) << value << ": " << text_of(outcome.encoded);
     return outcome.bytes;
 }
 
@@ -108,7 +108,7 @@ TEST(Encode, GivesBackTheBytesOfGoodValuesOfEveryRoot) {
             std::string const whole = one.random_bytes(random);
             for (Form const form : {Form::compact, Form::pretty}) {
                 Outcome const outcome = encoded(json_of(root, whole, form));
-                ASSERT_FALSE(outcome.encoded.error) << told(outcome.encoded);
+                ASSERT_FALSE(outcome.encoded.error) << text_of(outcome.encoded);
                 EXPECT_EQ(outcome.encoded.root, &root);
                 ASSERT_TRUE(outcome.bytes == whole) << hex::shown(whole);
             }
@@ -135,7 +135,7 @@ TEST(Encode, GivesBackUnsetAndUnknownTagsAndEnumerators) {
             if (verdict.answer != Answer::odd || verdict.reason_against_encoding) continue;
             ++kept;
             Outcome const outcome = encoded(json_of(root, changed));
-            ASSERT_FALSE(outcome.encoded.error) << told(outcome.encoded);
+            ASSERT_FALSE(outcome.encoded.error) << text_of(outcome.encoded);
             ASSERT_TRUE(outcome.bytes == changed) << hex::shown(changed);
         }
     }
@@ -157,7 +157,7 @@ TEST(Encode, CountsAreRightBeyondTheOutputsBuffer) {
     std::string whole = hex::bytes("E0 93 04 00");  // 300000
     for (int i = 0; i < 300000; ++i) whole += hex::bytes("01 00 00 00  07 00 00 00");
     Outcome const outcome = encoded(json_of(*find_root(parameters), whole));
-    EXPECT_TRUE(outcome.bytes == whole) << told(outcome.encoded);
+    EXPECT_TRUE(outcome.bytes == whole) << text_of(outcome.encoded);
 }
 
 TEST(Encode, StartsWhereTheStreamStands) {
@@ -183,16 +183,16 @@ TEST(EncodeSpelling, WhiteSpaceAnywhere) {
     std::string const spaced =
         " \r\n\t{ \"root\" :\t\"Answers_Context\"\n,\r\"value\" : { \"flag\"\n:\n true\t} }\n \r";
     Outcome const outcome = encoded(spaced);
-    EXPECT_EQ(outcome.bytes, "T") << told(outcome.encoded);
+    EXPECT_EQ(outcome.bytes, "T") << text_of(outcome.encoded);
 }
 
 TEST(EncodeSpelling, EscapesInNamesToo) {
     Outcome const outcome =
         encoded(R"({"\u0072oot":"Answers\u005FContext","value":{"fl\u0061g":false}})");
-    EXPECT_EQ(outcome.bytes, "F") << told(outcome.encoded);
+    EXPECT_EQ(outcome.bytes, "F") << text_of(outcome.encoded);
 }
 
-/// The bytes of a text as JSON spells it.
+/// The text that is encoded from this JSON string.
 std::string text_of(std::string const& json) {
     std::string const whole = bytes_of(inspection, with_text(json));
     std::string const head = whole.substr(0, 5);
@@ -212,7 +212,7 @@ TEST(EncodeSpelling, EveryEscapeOfJson) {
 TEST(EncodeSpelling, LoneSurrogatesAreBytes) {
     EXPECT_EQ(text_of(R"("\udc80\uDCFF\udcff")"), "\x80\xFF\xFF");
     EXPECT_EQ(text_of(R"("a\udcc3b")"), "a\xC3\x62");
-    EXPECT_EQ(text_of(R"("\ud83d\udc80")"), "\xF0\x9F\x92\x80");  // a pair all the same
+    EXPECT_EQ(text_of(R"("\ud83d\udc80")"), "\xF0\x9F\x92\x80");  // a surrogate pair as usual
     EXPECT_EQ(bytes_of(sets, R"([["\udcff",[]]])"),
               bytes("01 00 00 00  FF FF FF FF 01 00 00 00 FF  00 00 00 00"));
 }
@@ -242,13 +242,13 @@ std::string json_with_a_half() {
                    sml::Application_Results_Application_Results_fromCxx(results));
 }
 
-/// The text of the double on the wire when JSON spells it so; what is wrong where it can't be.
+/// The text of the double on the wire if JSON spells it this way; a message if it can't be encoded.
 std::string double_as(std::string const& spelling) {
     std::string       json = json_with_a_half();
     std::size_t const at = json.find("0.5");
     if (at == std::string::npos) return "no double in " + json;
     Outcome const outcome = encoded(json.replace(at, 3, spelling));
-    if (outcome.encoded.error) return told(outcome.encoded);
+    if (outcome.encoded.error) return text_of(outcome.encoded);
     sml::Application_Results::T_Application_Results results;
     sml::Application_Results_Application_Results_toCxx(results, outcome.bytes.data());
     auto& fields = results.infos[{Strings_T("k"), 1}].category.arm<"VORS">().fields;
@@ -272,7 +272,7 @@ TEST(EncodeSpelling, DoublesAndFloatsUnderACommaLocale) {
     CommaLocale const comma;
     ASSERT_COMMA_LOCALE(comma);
     Outcome const outcome = encoded(json);
-    ASSERT_FALSE(outcome.encoded.error) << told(outcome.encoded);
+    ASSERT_FALSE(outcome.encoded.error) << text_of(outcome.encoded);
     EXPECT_NE(outcome.bytes.find(bytes("08 00 00 00 '0.500000'")), std::string::npos);
     EXPECT_EQ(json_of(*outcome.encoded.root, outcome.bytes), json);
     EXPECT_NE(bytes_of(data, with_float(R"({"width":32,"hex":"0X1.8P+0"})"))
@@ -298,20 +298,20 @@ TEST(EncodeError, DoubleThatIsNone) {
 }
 
 TEST(EncodeError, RootIsMissingOrUnknown) {
-    EXPECT_EQ(told(encoded("").encoded),
+    EXPECT_EQ(text_of(encoded("").encoded),
               "1:1 : expected an object with \"root\" and \"value\", found the end of the text");
-    EXPECT_EQ(told(encoded("[]").encoded),
+    EXPECT_EQ(text_of(encoded("[]").encoded),
               "1:1 : expected an object with \"root\" and \"value\", found an array");
-    EXPECT_EQ(told(encoded("{}").encoded), "1:2 : expected the member \"root\", found the end");
-    EXPECT_EQ(told(encoded("{\"value\":1}").encoded),
+    EXPECT_EQ(text_of(encoded("{}").encoded), "1:2 : expected the member \"root\", found the end");
+    EXPECT_EQ(text_of(encoded("{\"value\":1}").encoded),
               "1:2 : expected the member \"root\", found \"value\"");
-    EXPECT_EQ(told(encoded("{\"root\": 1}").encoded),
+    EXPECT_EQ(text_of(encoded("{\"root\": 1}").encoded),
               "1:10 : expected the stem of a root, found the number 1");
-    EXPECT_EQ(told(encoded("{\"root\":\"Answers_Contex\",\"value\":1}").encoded),
+    EXPECT_EQ(text_of(encoded("{\"root\":\"Answers_Contex\",\"value\":1}").encoded),
               "1:9 : expected a root such as \"Answers_Context\", found \"Answers_Contex\"");
-    EXPECT_EQ(told(encoded("{\"root\":\"Answers_Context\"}").encoded),
+    EXPECT_EQ(text_of(encoded("{\"root\":\"Answers_Context\"}").encoded),
               "1:26 : expected the member \"value\", found the end");
-    EXPECT_EQ(told(encoded("{\"root\":\"Answers_Context\",\"path\":\"flag\"}").encoded),
+    EXPECT_EQ(text_of(encoded("{\"root\":\"Answers_Context\",\"path\":\"flag\"}").encoded),
               "1:27 : expected the member \"value\", found \"path\"");
 }
 
@@ -376,16 +376,16 @@ TEST(EncodeError, PairsFlagsAndEntriesOfAnotherLength) {
     EXPECT_EQ(error_of(data, R"({"arm":"Assert","args":["x"]})"),
               "2:28 Assert: expected 2 elements, found the end");
     EXPECT_EQ(error_of(data, R"({"arm":"Assert","args":["x",1,2]})"),
-              "2:31 Assert: expected no more than 2 elements, found the number 2");
+              "2:31 Assert: expected at most 2 elements, found the number 2");
     std::string const flags = R"({"arm":"Procedure_Declaration","args":{"text":null,"flags":)";
     EXPECT_EQ(error_of(data, flags + "[true,true,true]}}"),
               "2:75 Procedure_Declaration.flags: expected 4 elements, found the end");
     EXPECT_EQ(error_of(data, flags + "[true,true,true,true,1]}}"),
-              "2:81 Procedure_Declaration.flags: expected no more than 4 elements, "
+              "2:81 Procedure_Declaration.flags: expected at most 4 elements, "
               "found the number 1");
     EXPECT_EQ(error_of(sets, R"([["a"]])"), "2:6 [\"a\"]: expected 2 elements, found the end");
     EXPECT_EQ(error_of(sets, R"([["a",[],1]])"),
-              "2:10 [\"a\"]: expected no more than a key and a value, found the number 1");
+              "2:10 [\"a\"]: expected at most a key and a value, found the number 1");
 }
 
 TEST(EncodeError, ArmEnumeratorOrRootIsNearestToWhatIsGiven) {
@@ -399,7 +399,7 @@ TEST(EncodeError, ArmEnumeratorOrRootIsNearestToWhatIsGiven) {
               "2:8 : expected an arm such as \"QuestionId\", found \"QuestionID\"");
 }
 
-TEST(EncodeError, KnownTagOrEnumeratorIsToldByName) {
+TEST(EncodeError, KnownTagOrEnumeratorIsReportedByName) {
     EXPECT_EQ(error_of(parameters, R"([{"arm":null,"tag":0,"args":true}])"),
               "2:20 [0]: expected the arm \"BOOL_PRAGMA_PARAMETER\", found its tag 0");
     EXPECT_EQ(error_of(data, R"({"arm":"MEMORY_BUILTIN","args":1})"),
@@ -472,13 +472,13 @@ TEST(EncodeError, FloatThatIsNotAsItIsWritten) {
     EXPECT_EQ(error(R"({"hex":"0X1P+0","width":32})"),
               "expected the member \"width\", found \"hex\"");
     EXPECT_EQ(error(R"({"width":32,"hex":1})"), "expected a float in a string, found the number 1");
-    std::string const such = "expected a float of this width as it is written, such as ";
+    std::string const such = "expected a float of this width as a writer spells it, such as ";
     EXPECT_EQ(error(R"({"width":32,"hex":"1.8"})"), such + R"("0X1.8P+0", found "1.8")");
     EXPECT_EQ(error(R"({"width":32,"hex":"0x1.8p+0"})"), such + R"("0X1.8P+0", found "0x1.8p+0")");
     EXPECT_EQ(error(R"({"width":32,"hex":"0X1.80P+0"})"),
               such + R"("0X1.8P+0", found "0X1.80P+0")");
     EXPECT_EQ(error(R"({"width":32,"hex":"inf"})"), such + R"("INF", found "inf")");
-    // 25 bits of mantissa where there is room for 24
+    // 25 bits of mantissa, but there is room for 24
     EXPECT_EQ(error(R"({"width":32,"hex":"0X1.000001P+0"})"),
               such + R"("0X1P+0", found "0X1.000001P+0")");
     EXPECT_EQ(error(R"({"width":16,"hex":"0X1P+20"})"), such + R"("INF", found "0X1P+20")");
@@ -486,17 +486,17 @@ TEST(EncodeError, FloatThatIsNotAsItIsWritten) {
 
 TEST(EncodeError, KeyOrElementThatIsThereAlready) {
     EXPECT_EQ(error_of(sets, R"([["a",[]],["a",[]]])"),
-              "2:12 [#1].key: expected a key or element that is not there yet, found \"a\" again");
+              "2:12 [#1].key: expected a new key or element, found \"a\" again");
     EXPECT_EQ(error_of(sets, R"([["a",[]],["\u0061",[]]])"),
-              "2:12 [#1].key: expected a key or element that is not there yet, found \"a\" again");
+              "2:12 [#1].key: expected a new key or element, found \"a\" again");
     EXPECT_EQ(error_of(sets, R"([["a",["","b",""]]])"),
-              "2:15 [\"a\"][2]: expected a key or element that is not there yet, found \"\" again");
+              "2:15 [\"a\"][2]: expected a new key or element, found \"\" again");
     EXPECT_EQ(error_of("Base_Gui_Internal_Form_Datas_Kernel_To_GUI_InfoId_T",
                        R"([[["a",1],0],[["a",2],0],[["a",1],0]])"),
-              "2:27 [#2].key: expected a key or element that is not there yet, "
+              "2:27 [#2].key: expected a new key or element, "
               "found (\"a\",1) again");
     EXPECT_EQ(error_of(data, R"({"arm":"Attribute_Pred","args":{"name":"","values":[1,1e0]}})"),
-              "2:55 Attribute_Pred.values[1]: expected a key or element that is not there yet, "
+              "2:55 Attribute_Pred.values[1]: expected a new key or element, "
               "found 1 again");
 }
 
@@ -508,11 +508,11 @@ TEST(Encode, KeysThatDifferOnlyInTheirBytesAreTwo) {
 
 TEST(EncodeError, TextBehindTheEnd) {
     std::string const good = value_of(context, R"({"flag":true})");
-    EXPECT_EQ(told(encoded(good + " x").encoded),
+    EXPECT_EQ(text_of(encoded(good + " x").encoded),
               "2:16 : expected the end of the text, found \"x\"");
-    EXPECT_EQ(told(encoded(good + good).encoded).substr(0, 45),
+    EXPECT_EQ(text_of(encoded(good + good).encoded).substr(0, 45),
               "2:15 : expected the end of the text, found an");
-    EXPECT_EQ(told(encoded(good + '\0').encoded),
+    EXPECT_EQ(text_of(encoded(good + '\0').encoded),
               "2:15 : expected the end of the text, found \"\\x00\"");
     EXPECT_FALSE(encoded(good + "\n").encoded.error);
 }
@@ -551,15 +551,15 @@ TEST(EncodeError, BadEscapesAndBytes) {
     EXPECT_EQ(error("\xFF"), "2:33 text: expected UTF-8, found 0xFF");
     EXPECT_EQ(error("\xED\xA0\x80"), "2:33 text: expected UTF-8, found 0xED");
     EXPECT_EQ(error("\xC0\xAF"), "2:33 text: expected UTF-8, found 0xC0");
-    EXPECT_EQ(told(encoded("{\"root").encoded),
+    EXPECT_EQ(text_of(encoded("{\"root").encoded),
               "1:2 : expected the end of the string that starts here, found the end of the text");
 }
 
 TEST(EncodeError, Depth) {
     std::string const value = R"([["a",["b"]]])";
     EXPECT_FALSE(encoded(value_of(sets, value), {.limits = {.depth = 2}}).encoded.error);
-    EXPECT_EQ(told(encoded(value_of(sets, value), {.limits = {.depth = 1}}).encoded),
-              "2:7 [\"a\"]: expected no more than 1 variants and containers inside one another, "
+    EXPECT_EQ(text_of(encoded(value_of(sets, value), {.limits = {.depth = 1}}).encoded),
+              "2:7 [\"a\"]: expected at most 1 levels of variants and containers, "
               "found one more");
 }
 
@@ -575,12 +575,11 @@ TEST(EncodeError, DepthOfAChainIsBounded) {
     };
     EXPECT_FALSE(encoded(chain(150)).encoded.error);
     EXPECT_TRUE(encoded(chain(500)).encoded.error);
-    // More than any setting allows, and never a stack that runs out.
+    // Deeper than any setting allows. The stack must not overflow.
     Outcome const outcome = encoded(chain(100000), {.limits = {.depth = 1000000}});
     ASSERT_TRUE(outcome.encoded.error);
     EXPECT_EQ(outcome.encoded.error->found, "one more");
-    EXPECT_EQ(outcome.encoded.error->expected,
-              "no more than 1000 variants and containers inside one another");
+    EXPECT_EQ(outcome.encoded.error->expected, "at most 1000 levels of variants and containers");
 }
 
 TEST(EncodeError, EveryCutIsAnError) {

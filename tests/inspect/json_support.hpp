@@ -1,5 +1,5 @@
 #pragma once
-// JSON as an independent parser sees it.
+// Parses JSON with an independent parser.
 
 #include <boost/json.hpp>
 
@@ -9,7 +9,7 @@
 
 namespace json_support {
 
-/// Replaces the escapes that stand for bytes, which that parser refuses, by \ue0HH.
+/// Replaces the escapes that stand for bytes by \ue0HH, because that parser refuses them.
 inline std::string without_byte_escapes(std::string_view json) {
     std::string result;
     for (std::size_t at = 0; at < json.size(); ++at) {
@@ -25,7 +25,7 @@ inline std::string without_byte_escapes(std::string_view json) {
     return result;
 }
 
-/// Throws for what is no JSON.
+/// Parses a text. Throws if it is not JSON.
 inline boost::json::value parsed(std::string_view json) {
     boost::json::parse_options options;
     options.max_depth = 5000;

@@ -1,5 +1,5 @@
-// Every kind that the keys of sets and maps may have: keys that are there already are found, others
-// are not, and both are shown.
+// Keys of every kind that sets and maps may have: repeated keys are found, others are not, and both
+// are shown.
 
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/dump.hpp>
@@ -29,12 +29,11 @@ using sml::Strings_T;
 
 Strings_T text(char const* text) { return Strings_T(std::string(text)); }
 
-/// What verify finds of keys that are there already, as it shows them.
+/// The findings of verify about repeated keys, as it prints them.
 std::string repeated(Root const& root, std::string const& bytes) {
     std::string all;
     for (Finding const& finding : verify(root, bytes, {.listed = 1000}).findings)
-        if (finding.expected == "a key or element that is not there yet")
-            all += finding.found + "\n";
+        if (finding.expected == "a new key or element") all += finding.found + "\n";
     return all;
 }
 
@@ -44,10 +43,10 @@ std::string dumped(Root const& root, std::string const& bytes) {
     return json.str();
 }
 
-/// Reads a list of elements as a set, and as the keys of a map.
+/// Verifies the bytes of a list as a set and as the keys of a map.
 template <class Set, class Key = typename Set::value_type>
-void expect_told_apart(std::list<Key> const& keys, std::string const& found,
-                       std::string const& json) {
+void expect_distinguished(std::list<Key> const& keys, std::string const& found,
+                          std::string const& json) {
     Root const        root{"Set", describe<Set>()};
     std::string const bytes = wire::write(keys);
     Set               read;
@@ -68,69 +67,71 @@ void expect_told_apart(std::list<Key> const& keys, std::string const& found,
     EXPECT_EQ(repeated(map_root, entry_bytes), found);
 }
 
-TEST(Keys, WordsAreToldApart) {
-    expect_told_apart<std::set<std::int32_t>>({-1, 2, -1}, "-1 again\n",
-                                              R"({"root":"Set","value":[-1,2]})"
-                                              "\n");
-    expect_told_apart<std::set<std::uint32_t>>({1, 2, 1}, "1 again\n",
-                                               R"({"root":"Set","value":[1,2]})"
-                                               "\n");
-    expect_told_apart<std::set<std::int64_t>>({-1, 2, -1}, "-1 again\n",
-                                              R"({"root":"Set","value":["-1","2"]})"
-                                              "\n");
-    expect_told_apart<std::set<std::uint64_t>>(
+TEST(Keys, WordsAreDistinguished) {
+    expect_distinguished<std::set<std::int32_t>>({-1, 2, -1}, "-1 again\n",
+                                                 R"({"root":"Set","value":[-1,2]})"
+                                                 "\n");
+    expect_distinguished<std::set<std::uint32_t>>({1, 2, 1}, "1 again\n",
+                                                  R"({"root":"Set","value":[1,2]})"
+                                                  "\n");
+    expect_distinguished<std::set<std::int64_t>>({-1, 2, -1}, "-1 again\n",
+                                                 R"({"root":"Set","value":["-1","2"]})"
+                                                 "\n");
+    expect_distinguished<std::set<std::uint64_t>>(
         {1, 2, std::uint64_t{1} << 63, 1}, "1 again\n",
         R"({"root":"Set","value":["1","2","9223372036854775808"]})"
         "\n");
 }
 
-TEST(Keys, FlagsEnumeratorsAndTextsAreToldApart) {
-    expect_told_apart<std::set<bool>>({false, true, true}, "true again\n",
-                                      R"({"root":"Set","value":[false,true]})"
-                                      "\n");
-    expect_told_apart<std::set<Enum>>({Enum(0), Enum(1), Enum(1), Enum(77), Enum(77)},
-                                      std::string(toString(Enum(1))) + " again\n77 again\n", "");
-    expect_told_apart<std::set<std::string>>({"a", "", "b", "", "a"}, "\"\" again\n\"a\" again\n",
-                                             R"({"root":"Set","value":["","a","b"]})"
-                                             "\n");
+TEST(Keys, FlagsEnumeratorsAndTextsAreDistinguished) {
+    expect_distinguished<std::set<bool>>({false, true, true}, "true again\n",
+                                         R"({"root":"Set","value":[false,true]})"
+                                         "\n");
+    expect_distinguished<std::set<Enum>>({Enum(0), Enum(1), Enum(1), Enum(77), Enum(77)},
+                                         std::string(toString(Enum(1))) + " again\n77 again\n", "");
+    expect_distinguished<std::set<std::string>>({"a", "", "b", "", "a"},
+                                                "\"\" again\n\"a\" again\n",
+                                                R"({"root":"Set","value":["","a","b"]})"
+                                                "\n");
 }
 
-TEST(Keys, BigIntegersAreToldApart) {
+TEST(Keys, BigIntegersAreDistinguished) {
     using sml::BigInteger;
-    expect_told_apart<std::set<BigInteger>>({BigInteger(-255), BigInteger(1), BigInteger(-255)},
-                                            "-ff again\n",
-                                            R"({"root":"Set","value":["-255","1"]})"
-                                            "\n");
+    expect_distinguished<std::set<BigInteger>>({BigInteger(-255), BigInteger(1), BigInteger(-255)},
+                                               "-ff again\n",
+                                               R"({"root":"Set","value":["-255","1"]})"
+                                               "\n");
 }
 
-TEST(Keys, OptionalsAreToldApart) {
-    expect_told_apart<std::set<std::optional<std::int32_t>>>({{}, 0, 1, {}, 1},
-                                                             "null again\n1 again\n",
-                                                             R"({"root":"Set","value":[null,0,1]})"
-                                                             "\n");
-    expect_told_apart<std::set<std::optional<Strings_T>>>({text("a"), {}, text(""), text("a")},
-                                                          "\"a\" again\n", "");
+TEST(Keys, OptionalsAreDistinguished) {
+    expect_distinguished<std::set<std::optional<std::int32_t>>>(
+        {{}, 0, 1, {}, 1}, "null again\n1 again\n",
+        R"({"root":"Set","value":[null,0,1]})"
+        "\n");
+    expect_distinguished<std::set<std::optional<Strings_T>>>({text("a"), {}, text(""), text("a")},
+                                                             "\"a\" again\n", "");
 }
 
-TEST(Keys, TuplesOfThemAreToldApart) {
+TEST(Keys, TuplesOfThemAreDistinguished) {
     using Pair = std::pair<Enum, Strings_T>;
-    expect_told_apart<std::set<Pair>>(
+    expect_distinguished<std::set<Pair>>(
         {{Enum(0), text("a")}, {Enum(1), text("a")}, {Enum(0), text("b")}, {Enum(1), text("a")}},
         "(" + std::string(toString(Enum(1))) + ",\"a\") again\n", "");
     using Tuple = std::tuple<std::uint64_t, bool, std::optional<std::string>>;
-    expect_told_apart<std::set<Tuple>>(
+    expect_distinguished<std::set<Tuple>>(
         {{1, true, {}}, {1, false, {}}, {1, true, ""}, {2, true, {}}, {1, true, {}}},
         "(1,true,null) again\n", "");
 }
 
-TEST(Keys, HashedOnesAreToldApart) {
-    expect_told_apart<std::unordered_set<std::uint64_t>>({1, 2, 1}, "1 again\n", "");
-    expect_told_apart<std::unordered_set<std::int64_t>>({-1, 2, -1}, "-1 again\n", "");
-    expect_told_apart<std::unordered_set<bool>>({false, true, true}, "true again\n", "");
-    expect_told_apart<std::unordered_set<std::string>>({"a", "", ""}, "\"\" again\n", "");
+TEST(Keys, HashedOnesAreDistinguished) {
+    expect_distinguished<std::unordered_set<std::uint64_t>>({1, 2, 1}, "1 again\n", "");
+    expect_distinguished<std::unordered_set<std::int64_t>>({-1, 2, -1}, "-1 again\n", "");
+    expect_distinguished<std::unordered_set<bool>>({false, true, true}, "true again\n", "");
+    expect_distinguished<std::unordered_set<std::string>>({"a", "", ""}, "\"\" again\n", "");
 }
 
-/// The hash that a reader's table has is known: its comparisons are counted by it.
+/// Expects that the walk computes the same hash of a key as a reader's hash table. The estimate of
+/// comparisons depends on it.
 template <class Key>
 void expect_hash(Key const& key) {
     std::string const bytes = wire::write(key);
@@ -138,7 +139,7 @@ void expect_hash(Key const& key) {
     StringTable       strings(bytes, &budget);
     auto const        hash = Keys(bytes, strings, budget).readers_hash(*describe<Key>(), 0);
     EXPECT_FALSE(hash.equals_none);
-    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << wire::hex(bytes);
+    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << hex::shown(bytes);
 }
 
 TEST(Keys, HashesOfReadersAreKnown) {
@@ -152,7 +153,7 @@ TEST(Keys, HashesOfReadersAreKnown) {
     expect_hash(std::string("a text of more than one word"));
 }
 
-TEST(Keys, ManyHashedOnesAreToldApart) {
+TEST(Keys, ManyHashedOnesAreDistinguished) {
     constexpr std::uint64_t  count = 10'000;
     std::list<std::uint64_t> keys;
     for (std::uint64_t i = 0; i < count; ++i) keys.push_back(i * 0x9e3779b97f4a7c15);

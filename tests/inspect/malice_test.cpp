@@ -1,18 +1,18 @@
-// The golden files, damaged in every simple way: all that verify lets through goes to the real
-// readers.
+// Damages the golden files in every simple way. All bytes that verify does not call unsafe are
+// given to the real readers.
 //
 // As a rule a part of the damages is tried, chosen at random by a seed that is printed;
-// BRADEP_MALICE_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
+// BRADEP_SEED sets it. BRADEP_SLOW_TESTS asks for all of them.
 
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <limits>
@@ -26,20 +26,12 @@ using sml::inspect::Answer;
 
 constexpr std::uint64_t most_heap = std::uint64_t{1} << 26;
 
-std::uint64_t malice_seed() {
-    if (char const* const given = std::getenv("BRADEP_MALICE_SEED"))
-        return std::strtoull(given, nullptr, 10);
-    return std::random_device{}();
-}
-
 /// Judges damaged bytes and counts them.
 class Trial {
 public:
     /// Tries one damage in `one_in`; all of them when the slow tests are asked for.
-    explicit Trial(std::uint64_t one_in)
-        : one_in_(std::getenv("BRADEP_SLOW_TESTS") == nullptr ? one_in : 1), seed_(malice_seed()) {
-        random_.seed(seed_);
-    }
+    explicit Trial(int one_in)
+        : one_in_(static_cast<std::uint64_t>(runs::count(one_in, 1))), random_(runs::seed()) {}
 
     bool chooses() { return random_() % one_in_ == 0; }
 
@@ -55,18 +47,19 @@ public:
             ADD_FAILURE() << file.name << ": " << fault << "\n" << hex::shown(damaged);
     }
 
-    /// A dump hears every value and a verification passes most of them by: they find the same.
+    /// A dump gets an event for every value, and a verification skips most of them. Expects that
+    /// both have the same findings.
     static void expect_same_of_dump(File const& file, std::string_view damaged,
                                     sml::inspect::Verdict const& verdict) {
         std::ostringstream json;
         auto const         dumped =
             dump(*file.root, damaged, json, {.walk = {.limits = {.memory = most_heap}}});
         EXPECT_EQ(dumped.answer, verdict.answer) << file.name << "\n" << hex::shown(damaged);
-        EXPECT_EQ(told(dumped.findings), told(verdict.findings)) << file.name << "\n"
-                                                                 << hex::shown(damaged);
+        EXPECT_EQ(text_of(dumped.findings), text_of(verdict.findings)) << file.name << "\n"
+                                                                       << hex::shown(damaged);
     }
 
-    static std::string told(std::vector<sml::inspect::Finding> const& findings) {
+    static std::string text_of(std::vector<sml::inspect::Finding> const& findings) {
         std::string text;
         for (auto const& finding : findings)
             text += std::to_string(finding.offset) + ' ' + finding.path + ": " + finding.expected +
@@ -74,10 +67,9 @@ public:
         return text;
     }
 
-    /// Says what was done. Both answers must have come up.
+    /// Prints the counts. Expects that some bytes were read and some were not.
     void finish() const {
-        std::cout << "seed " << seed_ << ", one in " << one_in_ << ": " << tried_ << " tried, "
-                  << read_ << " read\n";
+        std::cout << "one in " << one_in_ << ": " << tried_ << " tried, " << read_ << " read\n";
         EXPECT_GT(tried_, read_);
     }
 
@@ -85,15 +77,15 @@ public:
 
 private:
     std::uint64_t   one_in_;
-    std::uint64_t   seed_;
     std::mt19937_64 random_;
     std::uint64_t   tried_ = 0;
     std::uint64_t   read_ = 0;
 };
 
-/// Tries each of the values in each place where it fits and changes something.
+/// Writes each of the values to each offset where it fits and changes something, and tries the
+/// result.
 template <class Value, std::size_t Count>
-void try_values(Value const (&values)[Count], std::uint64_t one_in) {
+void try_values(Value const (&values)[Count], int one_in) {
     Trial trial(one_in);
     for (File const& file : golden::files_in(GOLDEN_FILES)) {
         std::string damaged = file.bytes;

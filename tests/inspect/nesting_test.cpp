@@ -1,6 +1,6 @@
-// Values of the types that hold their own kind, nested as deep as the default limit allows: the
-// real readers, copies, comparisons and destructors put up with them on a stack of 8 MB. So do
-// walks, as deep as any limit can be set.
+// Values of recursive types, nested as deeply as the default limit allows. A stack of 8 MB is
+// enough for the real readers, copies, comparisons and destructors of these, and for walks as deep
+// as any limit can be set.
 
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/dump.hpp>
@@ -23,7 +23,7 @@ namespace {
 
 using namespace sml::inspect;
 
-/// One way from a type to a type that it holds.
+/// One step from a type to a type that it holds.
 struct Way {
     Type const*  to;
     std::int32_t index;  ///< of the part or arm; 0 for an element, 1 for a key
@@ -43,7 +43,8 @@ std::vector<Way> ways_from(Type const& type) {
     return ways;
 }
 
-/// The shortest chain of ways from one type to another, of at least one way; empty where none is.
+/// The shortest chain of steps from one type to another, with at least one step; empty if there is
+/// none.
 std::vector<Way> shortest(Type const& from, Type const& to) {
     std::map<Type const*, std::vector<Way>> known;
     std::vector<Type const*>                edge{&from};
@@ -59,8 +60,8 @@ std::vector<Way> shortest(Type const& from, Type const& to) {
     return {};
 }
 
-/// Writes the smallest value of a type that goes along a chain of ways; where the chain ends, and
-/// beside it, variants take their first tag that holds the least.
+/// Writes the smallest value of a type that follows a chain of steps. At its end and beside it,
+/// variants have the tag with the smallest payload.
 class ChainWriter {
 public:
     explicit ChainWriter(std::vector<Way> const& ways) : ways_(ways) {}
@@ -114,7 +115,7 @@ private:
         if (payload != nullptr) value(*payload, way.to != nullptr);
     }
 
-    /// The first arm without payload, else the first that does not lead back to the type.
+    /// The first arm without payload; else the first that does not lead back to the type.
     static std::int32_t least_tag(Type const& type) {
         auto const bare = std::ranges::find(type.arms, nullptr, &Arm::payload);
         if (bare != type.arms.end()) return static_cast<std::int32_t>(bare - type.arms.begin());
@@ -126,10 +127,10 @@ private:
     Writer<std::string>     writer_{bytes};
     std::vector<Way> const& ways_;
     std::size_t             at_ = 0;
-    std::int32_t            id_ = 0;  // of the only text
+    std::int32_t            id_ = 0;  // of the only string
 };
 
-/// All types that hold their own kind and have a name.
+/// All recursive types that have a name.
 std::set<Type const*> recursive_types() {
     std::set<Type const*>    found;
     std::set<Type const*>    met;
@@ -145,7 +146,7 @@ std::set<Type const*> recursive_types() {
     return found;
 }
 
-/// A way to nest a type in itself again and again, inside a root.
+/// A chain of steps from a type to itself, and the steps from a root to the type.
 struct Loop {
     Root const*      root;
     Type const*      type;
@@ -170,7 +171,7 @@ struct Loop {
     }
 };
 
-/// For each recursive type, each of its ways back to itself, in the first root that holds it.
+/// All loops of each recursive type, in the first root that reaches it.
 std::vector<Loop> loops() {
     std::vector<Loop> all;
     for (Type const* const type : recursive_types()) {
@@ -193,7 +194,7 @@ Answer answer_at(Loop const& loop, std::size_t rounds, Limits const& limits = {}
     return verify(*loop.root, loop.bytes(rounds), {.limits = limits}).answer;
 }
 
-/// The most rounds that limits allow.
+/// The number of rounds of the loop that the limits allow.
 std::size_t most_rounds(Loop const& loop, Limits const& limits = {}) {
     std::size_t rounds = 0;
     while (rounds < limits.depth && answer_at(loop, rounds + 1, limits) != Answer::unsafe) ++rounds;
@@ -219,8 +220,7 @@ TEST(Nesting, TheDepthLimitIsExact) {
         auto const verdict = verify(*loop.root, loop.bytes(3), {.limits = limits});
         ASSERT_EQ(verdict.answer, Answer::unsafe);
         EXPECT_EQ(verdict.findings.back().expected,
-                  "no more than " + std::to_string(depth - 1) +
-                      " variants and containers inside one another");
+                  "at most " + std::to_string(depth - 1) + " levels of variants and containers");
     }
 }
 

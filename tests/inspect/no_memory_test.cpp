@@ -1,4 +1,4 @@
-// Where memory ends, each call says so and nothing else happens.
+// When memory runs out, each call reports it and has no other effect.
 
 #include <sml/inspect/verify_c.h>
 #include <sml/inspect/canonical.hpp>
@@ -30,7 +30,7 @@ std::vector<golden::File> inputs() {
         else if (file.bytes.size() < chosen.back().bytes.size())
             chosen.back() = std::move(file);
     }
-    // An unknown id, a text told twice, a key that is there twice.
+    // An id without a definition, a text defined twice, and a repeated key.
     chosen.push_back({"odd", find_root("String_To_StringSet_T"),
                       hex::bytes("03 00 00 00"
                                  "07 00 00 00  01 00 00 00  FF FF FF FF 01 00 00 00 'a'"
@@ -63,7 +63,8 @@ TEST(NoMemory, IsAnAnswerOfTheCForm) {
     EXPECT_GT(failed, 100);
 }
 
-/// Each allocation of a call fails once, alone and with all behind it.
+/// Expects that a call throws std::bad_alloc when one of its allocations fails, alone or with all
+/// later ones.
 void expect_bad_alloc_alone(std::function<void()> const& call) {
     call();
     auto const later = {allocations::Later::fail, allocations::Later::succeed};
@@ -81,7 +82,7 @@ TEST(NoMemory, ThrowsBadAllocFromEveryCall) {
         std::stringbuf    buffer;
         std::string const room(4 * text.size() + 4096, '.');
         auto const        out = [&] {
-            buffer.str(room);  // so that the stream needs no memory of its own
+            buffer.str(room);  // so that the stream allocates nothing
             buffer.pubseekpos(0, std::ios::out);
         };
         expect_bad_alloc_alone([&] { verify(*file.root, file.bytes); });

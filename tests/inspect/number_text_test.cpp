@@ -22,14 +22,14 @@ using namespace std::string_literals;
 
 constexpr std::int32_t widths[] = {16, 32, 40, 48, 64, 80, 128};
 
-/// The block of the one number in these bytes: behind a tag word and a length word.
+/// The block of the only number in these bytes, after a tag word and a length word.
 std::string block_of(std::string const& bytes, std::size_t at) {
     std::int32_t length;
     std::memcpy(&length, bytes.data() + at, sizeof length);
     return bytes.substr(at + sizeof length, static_cast<std::size_t>(length));
 }
 
-/// A float of the format as the library writes it.
+/// The text of a float as the library writes it.
 std::string written(zelvanite::IEEE754Float const& value) {
     sml::Answers::T_AnswerInspectionPoint answer;
     auto& interval = answer.range.choose<"Value_Range">().intervals.emplace_back();
@@ -53,7 +53,7 @@ zelvanite::IEEE754Float random_float(std::mt19937_64& engine, std::int32_t width
     return value;
 }
 
-/// The judgement where more digits stand behind the text.
+/// The judgement of a text that is followed by more digits.
 bool is_written_amid(std::string const& text, std::int32_t width) {
     std::string const all = text + "FFFFFFFFFFFFFFFFP+0F";
     return is_written_float(std::string_view(all).substr(0, text.size()), width, all.size());
@@ -69,7 +69,8 @@ TEST(NumberText, WrittenFloatsAreKnownAsSuch) {
     }
 }
 
-// Whatever the text, it is known as written exactly when writing what is read gives it again.
+// For any text, it is judged to be a writer's text exactly if the value read from it is written as
+// the same text.
 TEST(NumberText, JudgementOfFloatsAgreesWithReadingAndWriting) {
     constexpr std::string_view alphabet = "0123456789ABCDEFabcXPp+-. INF";
     int                        known = 0;
@@ -133,13 +134,13 @@ TEST(NumberText, Integers) {
     EXPECT_EQ(integer_of("1\0f\0\0"s), "1");
 }
 
-/// Without its length.
+/// The text of an integer as the writer writes it, without the length.
 std::string written_integer(std::string_view hexadecimal) {
     auto const write = [&](auto& writer) { writer.big_integer(hexadecimal); };
     return wire_bytes::written(write).substr(sizeof(std::int32_t));
 }
 
-// Of any length, with any one byte changed, whatever stands behind.
+// Integers of any length, with any single byte changed, and any bytes after them.
 TEST(NumberText, JudgementOfIntegersAgreesWithReadingAndWriting) {
     std::mt19937_64 engine(3);
     for (std::size_t digits = 1; digits <= 50; ++digits) {
@@ -166,7 +167,7 @@ TEST(NumberText, JudgementOfIntegersAgreesWithReadingAndWriting) {
     }
 }
 
-// Against the library that the readers use, whatever the text.
+// Compares integers of any text with the number library that readers use.
 TEST(NumberText, IntegersAreThoseOfTheNumberLibrary) {
     constexpr std::string_view alphabet("0019afAFg-+ \t\0", 14);
     std::uint64_t const        seed = std::random_device{}();

@@ -1,4 +1,4 @@
-// The memory that a call takes for work of its own, beside the budget that it is given.
+// The memory that a call takes itself, compared with its budget.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/canonical.hpp>
@@ -26,14 +26,14 @@ using wire_bytes::block;
 using wire_bytes::in_full;
 using wire_bytes::word;
 
-/// What findings, paths and buffers for output take whatever the budget is.
+/// The memory for findings, paths and output buffers, which is not part of the budget.
 constexpr std::uint64_t beside = std::uint64_t{3} << 20;
 
-/// Takes everything and keeps nothing.
+/// A buffer that discards all bytes.
 class Sink : public std::streambuf {
     std::streamsize xsputn(char const*, std::streamsize size) override { return size; }
     int             overflow(int byte) override { return byte; }
-    // Where it stands is asked for, and gone to.
+    // The writer seeks.
     pos_type seekoff(off_type, std::ios::seekdir, std::ios::openmode) override { return 0; }
     pos_type seekpos(pos_type, std::ios::openmode) override { return 0; }
 };
@@ -55,7 +55,7 @@ std::string distinct_strings(std::int32_t count) {
 
 Root const& numbers_root() { return *find_root("Application_Results_Application_Results"); }
 
-/// One integer of so many digits.
+/// The bytes of one integer of this many digits.
 std::string long_integer(std::size_t digits) {
     sml::Application_Results::T_Application_Results results;
     results.integer_sets[sml::Strings_T("a")].insert(sml::BigInteger(17));
@@ -76,7 +76,7 @@ std::uint64_t peak_of(std::function<void()> const& call) {
     return counted_heap::peak();
 }
 
-/// Whatever the budget is, the call stays within it, and is refused where that does not do.
+/// Expects that the call stays within any budget, and throws if the budget is not enough.
 void expect_kept_budget(Call const& call) {
     SCOPED_TRACE(call.name);
     int refused = 0;
@@ -143,7 +143,7 @@ TEST(OwnMemory, IsKeptByLongNumbers) {
     expect_kept_budget_of_walks(numbers_root(), bytes);
     expect_kept_budget_of_encode(numbers_root(), bytes);
     std::ostringstream  json;
-    std::uint64_t const held = memory_for_conversion(6'100'000);  // as many decimal digits
+    std::uint64_t const held = memory_for_conversion(6'100'000);  // number of decimal digits
     Sink                sink;
     EXPECT_LE(peak_of([&] {
                   std::ostream out(&sink);
@@ -157,7 +157,7 @@ TEST(OwnMemory, IsKeptByLongNumbers) {
                   encode(text, out);
               }),
               held + 2 * text.size() + beside);
-    // No number is parsed that need not be.
+    // Numbers in the form of a writer are not parsed.
     EXPECT_LT(peak_of([&] { verify(numbers_root(), bytes); }), beside);
     std::string odd = bytes;
     odd[odd.find("ffff")] = 'F';

@@ -1,13 +1,14 @@
-// Tables of all roots with keys that are there twice: what dump shows is what the real reader has.
+// Maps and sets of all roots with repeated keys: the dump must show the value that the real reader
+// reads.
 //
-// BRADEP_SEED sets the seed of what is random; BRADEP_SLOW_TESTS asks for more of it.
+// BRADEP_SEED sets the random seed. With BRADEP_SLOW_TESTS, more is tried.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/real_roots.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -19,8 +20,6 @@ namespace {
 
 using golden::Entry;
 using golden::File;
-using plain_test::count;
-using plain_test::seed;
 using sml::inspect::Answer;
 using sml::inspect::find_root;
 using sml::inspect::Kind;
@@ -30,7 +29,7 @@ using sml::inspect::verify;
 
 Limits const limits{.memory = std::uint64_t{1} << 24};
 
-/// Gives what is not unsafe to dump and to the real reader, and counts it.
+/// Gives bytes that are not unsafe to dump and to the real reader, and counts them.
 class Comparison {
 public:
     void take(Root const& root, std::string_view bytes) {
@@ -44,7 +43,7 @@ public:
             ADD_FAILURE() << root.stem << ": " << fault << "\n" << hex::shown(bytes);
     }
 
-    /// At least so many keys must have been there twice in a table that is read over.
+    /// Expects at least `least_read_over` repeated keys in maps that are read over.
     void finish(int least_read_over) const {
         std::cout << tried_ << " tried, " << compared_ << " compared, " << read_over_
                   << " entries read over\n";
@@ -53,7 +52,7 @@ public:
     }
 
 private:
-    // The one table of the roots that is read over and has more than words.
+    // The only map in the roots that is read over and has values other than words.
     static bool is_read_over(sml::inspect::Finding const& finding) {
         return finding.path.find(".VORS.fields[#") != std::string::npos &&
                finding.path.ends_with(".key") && finding.found.ends_with(" again");
@@ -70,7 +69,7 @@ std::size_t below(Random& random, std::size_t bound) {
     return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
 }
 
-/// Makes a word a small number or that of another place, or a byte a flag.
+/// Changes a word to a small number or to a word from elsewhere, or a byte to a flag.
 void edit(std::string& bytes, std::size_t from, std::size_t to, Random& random) {
     std::int32_t word = static_cast<std::int32_t>(below(random, 7)) - 2;
     if (to - from < sizeof word) return;
@@ -85,8 +84,8 @@ void edit(std::string& bytes, std::size_t from, std::size_t to, Random& random) 
     std::memcpy(&bytes[at], &word, sizeof word);
 }
 
-/// The bytes with a random entry copied beside another one of its table, and the copy's value
-/// edited as often as is asked for.
+/// The bytes with a copy of a random entry beside another one of its container. The copy's value is
+/// changed `edits` times.
 std::string with_random_copy(std::string const& bytes, std::vector<Entry> const& entries, int edits,
                              Random& random) {
     Entry const&       copied = entries[below(random, entries.size())];
@@ -103,7 +102,7 @@ std::string with_random_copy(std::string const& bytes, std::vector<Entry> const&
     return result;
 }
 
-/// Copies and edits entries again and again, for as long as that is not unsafe.
+/// Copies and changes entries repeatedly, as long as the bytes are not unsafe.
 void compare_with_copies(Comparison& comparison, Root const& root, std::string bytes, int rounds,
                          Random& random) {
     for (int round = 0; round < rounds; ++round) {
@@ -128,13 +127,13 @@ TEST(ReadOver, GoldenFilesWithEachEntryTwice) {
 
 TEST(ReadOver, GoldenFilesWithEditedCopiesOfEntries) {
     Comparison comparison;
-    Random     random(seed());
+    Random     random(runs::seed());
     for (File const& file : golden::files_in(GOLDEN_FILES))
-        compare_with_copies(comparison, *file.root, file.bytes, count(30, 1000), random);
+        compare_with_copies(comparison, *file.root, file.bytes, runs::count(30, 1000), random);
     comparison.finish(0);
 }
 
-/// One information record with a random table of fields, the one that is read over.
+/// The bytes of one information record with a random map of fields, which is read over.
 std::string random_fields(Random& random) {
     RandomValues                                    values(random(), {.elements = 4, .depth = 4});
     sml::Application_Results::T_Application_Results results;
@@ -145,18 +144,18 @@ std::string random_fields(Random& random) {
 
 TEST(ReadOver, RandomTablesOfFields) {
     Comparison  comparison;
-    Random      random(seed());
+    Random      random(runs::seed());
     Root const& root = *find_root("Application_Results_Application_Results");
-    for (int i = count(150, 5000); i > 0; --i)
+    for (int i = runs::count(150, 5000); i > 0; --i)
         compare_with_copies(comparison, root, random_fields(random), 20, random);
     comparison.finish(1000);
 }
 
 TEST(ReadOver, RandomValuesOfAllRoots) {
     Comparison comparison;
-    Random     random(seed());
+    Random     random(runs::seed());
     for (RealRoot const& real : real_roots()) {
-        for (int i = count(60, 2000); i > 0; --i) {
+        for (int i = runs::count(60, 2000); i > 0; --i) {
             RandomValues values(random(), {.elements = 2, .depth = 3});
             compare_with_copies(comparison, *find_root(real.stem), real.random_bytes(values), 6,
                                 random);

@@ -1,5 +1,5 @@
-// What a reader keeps of values that it reads one over another, told from the bytes alone, against
-// the reader itself: one rule of reading after another.
+// Compares the value that `read_over` computes from bytes alone with the value of the real reader,
+// where values are read over one another: one test for each rule of reading.
 
 #include <sml/inspect/read_over.hpp>
 
@@ -11,7 +11,7 @@
 #include <sml/schema/Interrogators.hpp>
 #include "tests/inspect/small_stack.hpp"
 #include "tests/inspect/wire_bytes.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ std::string canonical(Root const& root, std::string const& bytes) {
     return out.str();
 }
 
-/// The bytes that are kept, as hex, once it is seen that the reader has the same.
+/// The bytes that remain, as hex. Expects that the reader has the same value.
 template <class T>
 std::string kept(std::string const& bytes) {
     Root const root{"R", describe<T>()};
@@ -61,23 +61,23 @@ std::string kept(std::string const& bytes) {
     std::string const result = kept_of(root, bytes, {});
     T                 read{};
     EXPECT_EQ(wire::read_over(read, bytes), bytes.size());
-    EXPECT_EQ(wire::hex(canonical(root, result)), wire::hex(canonical(root, wire::write(read))));
-    return wire::hex(result);
+    EXPECT_EQ(hex::shown(canonical(root, result)), hex::shown(canonical(root, wire::write(read))));
+    return hex::shown(result);
 }
 
 template <class T>
 void expect_kept(std::string const& hex, std::string const& expected) {
-    EXPECT_EQ(kept<T>(wire::bytes(hex)), wire::hex(wire::bytes(expected)));
+    EXPECT_EQ(kept<T>(hex::bytes(hex)), hex::shown(hex::bytes(expected)));
 }
 
-/// A table of so many entries, all of the key 7; the values stand behind the key in turn.
+/// The bytes of a map in which all entries have the key 7 and these values.
 std::string table(std::initializer_list<std::string> values) {
     std::string hex = "0" + std::to_string(values.size()) + " 00 00 00 ";
     for (std::string const& value : values) hex += " 07 00 00 00 " + value;
     return hex;
 }
 
-/// Of the values of one key in a table this one is kept.
+/// Expects that of these values of one key, this one remains.
 template <class T>
 void expect_value(std::initializer_list<std::string> values, std::string const& expected) {
     expect_kept<Table<T>>(table(values), table({expected}));
@@ -107,7 +107,7 @@ TEST(ReadOverRule, OfTextsDoublesAndFloatsTheLastIsKept) {
     using Float = zelvanite::IEEE754Float;
     expect_value<Float>({"06 00 00 00 '0X1P+0' 40 00 00 00", "04 00 00 00 '-INF' 20 00 00 00"},
                         "04 00 00 00 '-INF' 20 00 00 00");
-    // No number at all is a NaN, whatever was there.
+    // A text that is not a number gives a NaN, whatever the value was.
     expect_value<Float>({"06 00 00 00 '0X1P+0' 40 00 00 00", "00 00 00 00 20 00 00 00"},
                         "00 00 00 00 20 00 00 00");
     expect_value<Float>({"06 00 00 00 '0X1P+0' 40 00 00 00", "01 00 00 00 'q' 40 00 00 00"},
@@ -130,14 +130,14 @@ TEST(ReadOverRule, TextThatIsNoIntegerLeavesTheOneBefore) {
                              "03 00 00 00 ' 0A'");
     expect_value<BigInteger>({"03 00 00 00 '5' 00 00", "05 00 00 00 '7' 00 'zz' 00"},
                              "05 00 00 00 '7' 00 'zz' 00");
-    // With no number among them it is 0, as every text that is none.
+    // If no text is a number, the value is 0, as for every text that is none.
     expect_value<BigInteger>({"01 00 00 00 'z'", "02 00 00 00 '+6'"}, "01 00 00 00 'z'");
 }
 
 TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
     constexpr char  characters[] = {'0',  '1',  'a',  'F',  'g',  'G', '-',    '+',    ' ',   '\t',
                                     '\n', '\v', '\f', '\r', '\0', 'x', '\x1f', '\xA0', '\xFF'};
-    std::mt19937_64 random(plain_test::seed());
+    std::mt19937_64 random(runs::seed());
     Root const      root{"R", describe<Table<BigInteger>>()};
     int             numbers = 0;
     for (int i = 0; i < 20000; ++i) {
@@ -145,21 +145,21 @@ TEST(ReadOverRule, WhatIsAnIntegerTheNumberLibraryDecides) {
         for (auto left = random() % 5; left > 0; --left)
             text += characters[random() % std::size(characters)];
         std::string bytes =
-            wire::bytes("02 00 00 00  07 00 00 00 03 00 00 00 '5' 00 00 07 00 00 00");
+            hex::bytes("02 00 00 00  07 00 00 00 03 00 00 00 '5' 00 00 07 00 00 00");
         auto const length = static_cast<char>(text.size());
         bytes += length + "\0\0\0"s + text;
         Table<BigInteger> read;
         wire::read_over(read, bytes);
         std::string const result = kept_of(root, bytes, {});
-        ASSERT_EQ(canonical(root, result), canonical(root, wire::write(read))) << wire::hex(bytes);
+        ASSERT_EQ(canonical(root, result), canonical(root, wire::write(read))) << hex::shown(bytes);
         numbers += read.begin()->second != 5 ? 1 : 0;
     }
     EXPECT_GT(numbers, 2000);
     EXPECT_LT(numbers, 18000);
 }
 
-TEST(ReadOverRule, StringsAreToldAnewWhereTheyAreMetFirst) {
-    // id 1 is told in what is lost, id 2 in what is kept
+TEST(ReadOverRule, StringsAreDefinedAnewWhereTheyOccurFirst) {
+    // id 1 is defined in a part that is lost, id 2 in a part that remains
     expect_kept<Table<std::pair<Strings_T, Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  FF FF FF FF 01 00 00 00 'a'  FE FF FF FF 01 00 00 00 'b' "
@@ -168,7 +168,7 @@ TEST(ReadOverRule, StringsAreToldAnewWhereTheyAreMetFirst) {
         "07 00 00 00  FF FF FF FF 01 00 00 00 'b'  FE FF FF FF 01 00 00 00 'a'");
 }
 
-TEST(ReadOverRule, AnIdThatIsToldTwiceKeepsItsFirstText) {
+TEST(ReadOverRule, AnIdThatIsDefinedTwiceKeepsItsFirstText) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  01 00 00 00  FF FF FF FF 01 00 00 00 'a' "
@@ -178,7 +178,7 @@ TEST(ReadOverRule, AnIdThatIsToldTwiceKeepsItsFirstText) {
         "FF FF FF FF 01 00 00 00 'a'  FE FF FF FF 01 00 00 00 'b'  01 00 00 00");
 }
 
-TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsToldIsTheEmptyTextForGood) {
+TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsDefinedIsTheEmptyTextForGood) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  02 00 00 00  05 00 00 00  FB FF FF FF 01 00 00 00 'a' "
@@ -189,7 +189,7 @@ TEST(ReadOverRule, AnIdThatIsUsedBeforeItIsToldIsTheEmptyTextForGood) {
         "01 00 00 00  01 00 00 00  01 00 00 00");
 }
 
-TEST(ReadOverRule, ATextThatIsToldAgainIsOneString) {
+TEST(ReadOverRule, ATextThatIsDefinedAgainIsOneString) {
     expect_kept<Table<std::list<Strings_T>>>(
         "02 00 00 00 "
         "07 00 00 00  01 00 00 00  FF FF FF FF 01 00 00 00 'a' "
@@ -204,7 +204,7 @@ TEST(ReadOverRule, TheLastReadingOfAnOptionalDecides) {
     expect_value<Element>({one, "'F'"}, "'F'");
     expect_value<Element>({"'F'", one}, one);
     expect_value<Element>({one, "'x'"}, "'F'");
-    // The element is not read over.
+    // The element of an optional is replaced, not read over.
     expect_value<Element>({one, "'T' 01 00 00 00 06 00 00 00"}, "'T' 01 00 00 00 06 00 00 00");
 }
 
@@ -216,7 +216,7 @@ TEST(ReadOverRule, PartsAreReadOverOneByOne) {
     expect_value<std::tuple<List, bool, List>>(
         {"01 00 00 00 05 00 00 00  'T'  00 00 00 00", "00 00 00 00  'F'  01 00 00 00 06 00 00 00"},
         "01 00 00 00 05 00 00 00  'F'  01 00 00 00 06 00 00 00");
-    // A record: a table, a flag and a variant with the empty list in it.
+    // A record with a map, a flag and a variant with an empty list.
     using Record = sml::Infos::Concurrency_Info::T_Origin::Spawned_args;
     expect_value<Record>({"00 00 00 00  'T'", "00 00 00 00  'F'"}, "00 00 00 00  'F'");
 }
@@ -279,21 +279,21 @@ TEST(ReadOverRule, KeysAreEqualWhateverTheirSpelling) {
                        "01 00 00 00  FF FF FF FF 00 00 00 00 'F'");
 }
 
-// The last arm of a Check_Classification takes a string and a number and serves all other tags.
+// The catch-all arm of a Check_Classification has a string and a number.
 using Class = sml::Check_Classification::T_Check_Classification;
 
 TEST(ReadOverRule, AKeyWithANegativeTagEqualsNoOther) {
     using Flags = LastWinsUnorderedMap<Class, bool>;
     std::string const args = " 01 00 00 00 03 00 00 00 ";
-    std::string const told = " FF FF FF FF 01 00 00 00 'a' 03 00 00 00 ";
-    expect_kept<Flags>("02 00 00 00  FF FF FF FF" + told + "'T'  FF FF FF FF" + args + "'F'",
-                       "02 00 00 00  FF FF FF FF" + told + "'T'  FF FF FF FF" + args + "'F'");
-    expect_kept<Flags>("02 00 00 00  63 00 00 00" + told + "'T'  63 00 00 00" + args + "'F'",
-                       "01 00 00 00  63 00 00 00" + told + "'F'");
+    std::string const definition = " FF FF FF FF 01 00 00 00 'a' 03 00 00 00 ";
+    expect_kept<Flags>("02 00 00 00  FF FF FF FF" + definition + "'T'  FF FF FF FF" + args + "'F'",
+                       "02 00 00 00  FF FF FF FF" + definition + "'T'  FF FF FF FF" + args + "'F'");
+    expect_kept<Flags>("02 00 00 00  63 00 00 00" + definition + "'T'  63 00 00 00" + args + "'F'",
+                       "01 00 00 00  63 00 00 00" + definition + "'F'");
 }
 
 TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
-    using Range = sml::Infos::T_Value_Range;  // arm 2 holds a list of ranges and a variant
+    using Range = sml::Infos::T_Value_Range;  // arm 2 has a list of ranges and a variant
     static_assert(Range::arms::count == 3);
     std::string const two = "02 00 00 00  02 00 00 00  01 00 00 00  01 00 00 00  00 00 00 00";
     std::string const one = "02 00 00 00  01 00 00 00  01 00 00 00  03 00 00 00";
@@ -301,7 +301,7 @@ TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
         "02 00 00 00  03 00 00 00  01 00 00 00  01 00 00 00  01 00 00 00 "
         "03 00 00 00";
     expect_value<Range>({two, one}, both);
-    // Another tag in between makes it anew.
+    // Another tag in between replaces the payload.
     std::string const other = "00 00 00 00  'F' 'F'";
     expect_value<Range>({two, other, one}, one);
     expect_value<Range>({two, one, other}, other);
@@ -309,7 +309,7 @@ TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
 }
 
 TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
-    // Unknown tags and -1 are served by the last arm, which holds a list of ranges.
+    // Unknown tags and -1 are served by the catch-all arm, which has a list of ranges.
     using Range = sml::Infos::T_Value_Range;
     auto const tagged = [](std::string const& tag) {
         return tag + " 01 00 00 00  01 00 00 00  03 00 00 00";
@@ -317,7 +317,7 @@ TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
     auto const both = [](std::string const& tag) {
         return tag + " 02 00 00 00  01 00 00 00  01 00 00 00  03 00 00 00";
     };
-    ASSERT_TRUE(Range::arms::takes_rest);
+    ASSERT_TRUE(Range::arms::has_catch_all);
     for (std::string const tag : {"63 00 00 00", "FF FF FF FF", "FE FF FF FF", "02 00 00 00"}) {
         SCOPED_TRACE(tag);
         expect_value<Range>({tagged(tag), tagged(tag)}, both(tag));
@@ -328,7 +328,7 @@ TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
 
 TEST(ReadOverRule, TagsThatStandBareAreKeptAsTheyAre) {
     using Multiplicity = sml::Infos::Multiplicity::T;
-    static_assert(!Multiplicity::arms::takes_rest);
+    static_assert(!Multiplicity::arms::has_catch_all);
     std::string const five = "02 00 00 00  03 00 00 00 '5' 00 00";
     expect_value<Multiplicity>({five, "FF FF FF FF"}, "FF FF FF FF");
     expect_value<Multiplicity>({"63 00 00 00", "63 00 00 00"}, "63 00 00 00");
@@ -339,7 +339,7 @@ TEST(ReadOverRule, TagsThatStandBareAreKeptAsTheyAre) {
 }
 
 TEST(ReadOverRule, ABoxedValueIsReadOver) {
-    // A field of a constant: the box holds an expression, and a string stands behind it.
+    // A field of a constant: the box has an expression, and a string follows it.
     std::string const field = "02 00 00 00 ";
     expect_value<sml::IL::T_Info_Expr>(
         {field + "01 00 00 00  03 00 00 00 '5' 00 00  FF FF FF FF 01 00 00 00 'a'",
@@ -352,7 +352,7 @@ TEST(ReadOverCost, TheGreatestDepthRunsOnEightMegabytes) {
     Root const          root{"R", describe<Expressions>()};
     VerifyOptions const deep{.limits = {.depth = Limits::depth_cap}};
     std::string         expression;
-    // The table and the innermost variant are two of the depth.
+    // The map and the innermost variant are two levels of the depth.
     for (std::uint32_t left = Limits::depth_cap - 2; left > 0; --left) expression += word(2);
     expression += word(5) + word(9);
     for (std::uint32_t left = Limits::depth_cap - 2; left > 0; --left) expression += word(9);
@@ -363,12 +363,12 @@ TEST(ReadOverCost, TheGreatestDepthRunsOnEightMegabytes) {
               Answer::unsafe);
     std::string result;
     run_on_stack(std::size_t{8} << 20, [&] { result = kept_of(root, bytes, deep); });
-    // The first of all references tells the text.
+    // The first occurrence is the definition.
     EXPECT_EQ(result.size(), 2 * (sizeof(std::uint32_t) + expression.size()) + 8);
     EXPECT_EQ(verify(root, result, deep).answer, Answer::good);
 }
 
-// Each of these would take hours in quadratic time.
+// Each of these tests would take hours in quadratic time.
 TEST(ReadOverCost, ManyReadingsOfOneKeyTakeLinearTime) {
     using Lists = Table<std::pair<std::list<std::int32_t>, sml::Infos::T_Value_Range>>;
     constexpr std::uint32_t count = 300000;
@@ -389,7 +389,7 @@ TEST(ReadOverCost, LongTextsAndNumbersOfManyReadingsTakeLinearTime) {
     std::string const result = kept_of(by_word, strings, {});
     EXPECT_EQ(result.size(), 4 + (4 + 8 + length) + 2 * 8u);
 
-    // The same long number as a key, spelled with zeros once.
+    // The same long number as a key, once with leading zeros.
     std::string numbers = word(count) + block(std::string(length - 1, '0') + "1") + "T";
     for (std::uint32_t i = 1; i < count; ++i) numbers += block("1") + "F";
     EXPECT_EQ(kept_of({"R", describe<LastWinsMap<BigInteger, bool>>()}, numbers, {}),

@@ -1,14 +1,14 @@
-// Every class that crosses the wire as the value of a table that is read over: what is told from
-// the bytes alone is what the reader has.
+// Every class that has a wire form, as the value of a map that is read over: the value computed
+// from the bytes alone must be the one that the reader reads.
 //
-// BRADEP_SEED sets the seed; BRADEP_SLOW_TESTS asks for more values.
+// BRADEP_SEED sets the seed. With BRADEP_SLOW_TESTS, more values are tried.
 
 #include <sml/inspect/canonical.hpp>
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/read_over.hpp>
 #include "tests/all_types.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -51,8 +51,8 @@ void compare(Root const& root, std::string const& bytes, Tally& tally) {
     std::string const kept(bytes_kept(root, bytes, bounded, budget));
     Table             read;
     wire::read_over(read, bytes);
-    ASSERT_EQ(wire::hex(canonical(root, kept)), wire::hex(canonical(root, wire::write(read))))
-        << root.stem << ": " << wire::hex(bytes);
+    ASSERT_EQ(hex::shown(canonical(root, kept)), hex::shown(canonical(root, wire::write(read))))
+        << root.stem << ": " << hex::shown(bytes);
 }
 
 void edit_word(std::string& bytes, Random& random) {
@@ -63,12 +63,12 @@ void edit_word(std::string& bytes, Random& random) {
     std::memcpy(bytes.data() + random() % places, &word, sizeof word);
 }
 
-/// A list of pairs stands on the wire as a table does, and may have a key many times.
+/// A list of pairs has the same wire form as a map, and can repeat a key.
 template <class T>
 void compare_random(char const* name, Random& random, Tally& tally) {
     using Table = sml::core::LastWinsMap<std::int32_t, T>;
     Root const root{name, describe<Table>()};
-    for (int i = plain_test::count(40, 1000); i > 0; --i) {
+    for (int i = runs::count(40, 1000); i > 0; --i) {
         RandomValues                          values(random(), {.elements = 2, .depth = 3});
         std::list<std::pair<std::int32_t, T>> entries;
         for (int left = 2 + values.below(3); left > 0; --left) {
@@ -87,7 +87,7 @@ void compare_random(char const* name, Random& random, Tally& tally) {
 }
 
 TEST(ReadOverType, EveryClassIsKeptAsTheReaderKeepsIt) {
-    Random random(plain_test::seed());
+    Random random(runs::seed());
     Tally  tally;
 #define COMPARE(Type)                                \
     compare_random<sml::Type>(#Type, random, tally); \

@@ -1,4 +1,4 @@
-// The heap that verify estimates, beside what the real readers take at their peak.
+// Compares the heap that verify estimates with the peak of the real readers.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/verify.hpp>
@@ -43,9 +43,8 @@ std::uint64_t peak_of_reading(Root const& root, char const* bytes) {
     return 0;
 }
 
-/// In a process of its own, where the table of strings is new, and in a thread of its own, whose
-/// heap has nothing yet that was given back: what the allocator finds there can be larger than
-/// asked for.
+/// The peak of a read in a new process, whose string table is empty, and in a new thread, whose
+/// heap has no freed blocks: reused blocks can be larger than requested.
 std::uint64_t peak_in_new_process(Root const& root, std::string const& bytes) {
     int ends[2];
     if (::pipe(ends) != 0) return 0;
@@ -55,16 +54,16 @@ std::uint64_t peak_in_new_process(Root const& root, std::string const& bytes) {
         std::remove_reference_t<decltype(strings)>().swap(strings);
         std::uint64_t peak = 0;
         std::thread([&] { peak = peak_of_reading(root, bytes.data()); }).join();
-        bool const is_told = ::write(ends[1], &peak, sizeof peak) == sizeof peak;
-        ::_exit(is_told ? 0 : 1);
+        bool const is_reported = ::write(ends[1], &peak, sizeof peak) == sizeof peak;
+        ::_exit(is_reported ? 0 : 1);
     }
     ::close(ends[1]);
     std::uint64_t peak = 0;
-    bool const    is_told = ::read(ends[0], &peak, sizeof peak) == sizeof peak;
+    bool const    is_reported = ::read(ends[0], &peak, sizeof peak) == sizeof peak;
     ::close(ends[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
-    EXPECT_TRUE(is_told && status == 0);
+    EXPECT_TRUE(is_reported && status == 0);
     return peak;
 }
 
@@ -97,7 +96,7 @@ TEST(ReaderHeap, OfRandomValuesOfAllRoots) {
     }
 }
 
-/// Entries of `functions` as large as they are, so that a reader builds the table beside them.
+/// Entries of `functions`, which are so large that a reader builds the hash table separately.
 std::string functions(std::size_t count) {
     sml::Application_Results::T_Application_Results results;
     for (std::size_t i = 0; i < count; ++i)
@@ -128,7 +127,7 @@ TEST(ReaderHeap, OfStrings) {
             expect_close_estimate(root, strings(count, length));
 }
 
-/// As the text of a check's second key each; a reader keeps a place for every id.
+/// Each id is used in the second key of a check. A reader keeps a place for every id.
 TEST(ReaderHeap, OfUndefinedIds) {
     std::size_t const count = 30'000;
     std::string       bytes = word(static_cast<std::int32_t>(count));
@@ -137,7 +136,7 @@ TEST(ReaderHeap, OfUndefinedIds) {
     expect_close_estimate(*find_root("String_To_StringSet_T"), bytes);
 }
 
-/// A set of integers in a table of them, all odd: each takes the way of long ones.
+/// Sets of integers in a map, all odd: each is read by the code for long integers.
 TEST(ReaderHeap, OfLongNumbers) {
     std::string const digits(3'000'000, 'F');
     Root const&       root = *find_root("Application_Results_Application_Results");

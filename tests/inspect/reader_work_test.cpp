@@ -1,4 +1,4 @@
-// The comparisons of keys that verify says a reader makes in its hash tables.
+// Tests the estimate of verify: the comparisons of keys in a reader's hash tables.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/core/kinds.hpp>
@@ -61,8 +61,8 @@ void collect_hashes(T const& value, std::vector<std::uint64_t>& hashes) {
 
 constexpr std::uint64_t none = 0x6e6f6e65'6e6f6e65;
 
-/// Hears the hashes that the walk has for the same keys.
-class HashListener : public SilentVisitor {
+/// Collects the hashes that the walk computes for the same keys.
+class HashListener : public BaseVisitor {
 public:
     explicit HashListener(Walk& walk) : walk_(walk), model_(&walk.budget) {
         walk.strings.model_reader(model_);
@@ -75,7 +75,7 @@ public:
         places_.back() = {&type, walk_.offset(), hashes.size()};
         if (type.hashed) hashes.push_back(none);
     }
-    // Behind a key: where it started, all of its strings are known.
+    // This event comes after the key, when all of its strings are known.
     void entry_value(Type const& type) {
         if (type.hashed) take(*type.key);
     }
@@ -137,7 +137,7 @@ TEST(ReaderWork, HashesAreThoseOfTheReadersTables) {
     EXPECT_GT(compared, 5000u);
 }
 
-// How often the standard library's table asks whether two keys are equal.
+// The number of times that the standard library's hash table compares two keys.
 
 std::uint64_t asked = 0;
 
@@ -152,7 +152,7 @@ struct OwnHash {
     std::size_t operator()(Key const& key) const noexcept { return key.hash; }
 };
 }  // namespace
-// Not kept beside the keys: every key of a bucket is asked.
+// Hashes are not stored beside the keys, so every key of a bucket is compared.
 template <>
 struct std::__is_fast_hash<OwnHash> : std::true_type {};
 namespace {
@@ -167,8 +167,8 @@ TEST(ReaderWork, ComparisonsAreThoseOfTheStandardLibrarysTable) {
             asked = 0;
             for (std::uint64_t const hash : hashes)
                 if (!table.insert({hash}).second) break;
-            if (table.size() < count) continue;  // two were equal
-            // The first keys are not counted one by one.
+            if (table.size() < count) continue;  // two keys were equal
+            // The estimate does not count the first keys one by one.
             EXPECT_NEAR(static_cast<double>(comparisons_of(hashes, 0)), static_cast<double>(asked),
                         64.0 * 64 + 0.01 * static_cast<double>(asked))
                 << stride << ' ' << count;
@@ -180,7 +180,7 @@ Root const& numbers_root() {
     return *find_root("Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T");
 }
 
-/// The value of an entry of such a table; the first one also tells the empty text.
+/// The bytes of an entry's value. The first one also has the definition of the empty text.
 std::string number_entry(bool is_first) {
     std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Info_Definition> table;
     table[0];
@@ -192,7 +192,7 @@ std::string number_entry(bool is_first) {
     return is_first ? one.substr(8) : two.substr(one.size() + 4);
 }
 
-/// A table of numbers whose keys are so far apart; the first one comes so often again.
+/// A map with number keys at a distance of `apart`. The first key is repeated `again` times.
 std::string numbers(std::int32_t count, std::int32_t apart, std::int32_t again = 0) {
     std::string const first = number_entry(true);
     std::string const other = number_entry(false);
@@ -206,8 +206,8 @@ Verdict judge(Root const& root, std::string_view bytes, std::uint64_t work = ~st
     return verify(root, bytes, {.limits = {.work = work}});
 }
 
-// As a ratio between two sizes: a table of twice as many keys takes twice the comparisons, or four
-// times as many where they share a bucket.
+// The test compares two sizes: twice as many keys need twice the comparisons, or four times as many
+// if they share a bucket.
 TEST(ReaderWork, GrowsWithTheSquareOfKeysThatShareABucket) {
     auto const ratio = [](std::int32_t apart) {
         auto const some = judge(numbers_root(), numbers(10'000, apart));
@@ -226,16 +226,15 @@ TEST(ReaderWork, BeyondTheLimitIsUnsafe) {
     EXPECT_EQ(judge(numbers_root(), bytes, work).answer, Answer::good);
     Verdict const refused = judge(numbers_root(), bytes, work - 1);
     ASSERT_EQ(refused.answer, Answer::unsafe);
-    EXPECT_EQ(
-        refused.findings.back().expected,
-        "keys that a reader compares at most " + std::to_string(work - 1) + " times with others");
+    EXPECT_EQ(refused.findings.back().expected,
+              "at most " + std::to_string(work - 1) + " comparisons of keys by a reader");
 }
 
 TEST(ReaderWork, OfOrdinaryBytesIsAFewComparisonsAKey) {
     EXPECT_LT(judge(numbers_root(), numbers(100'000, 1)).work, 500'000u);
 }
 
-/// So many texts whose hashes leave no rest when divided.
+/// Texts whose hashes are multiples of `divisor`.
 std::vector<std::string> texts(std::size_t count, std::uint64_t divisor) {
     std::vector<std::string> all;
     for (std::uint64_t i = 0; all.size() < count; ++i) {
@@ -257,19 +256,19 @@ TEST(ReaderWork, CountsTextsThatShareABucket) {
     Verdict const spread = judge(root, string_table(texts(2000, 1)));
     Verdict const together = judge(root, string_table(texts(2000, 2357)));
     EXPECT_EQ(together.answer, Answer::good);
-    // In the table of texts and in the one that they are the keys of.
+    // The keys are compared in the string table and in the map.
     EXPECT_GT(together.work, 2u * 1'000'000);
     EXPECT_LT(spread.work, 20'000u);
 }
 
-// One key is looked up again and again among others that share its bucket.
+// One key is looked up repeatedly among others that share its bucket.
 TEST(ReaderWork, CountsKeysThatAreFoundAgain) {
     Verdict const verdict = judge(numbers_root(), numbers(2000, 2357, 50'000));
     EXPECT_EQ(verdict.answer, Answer::odd);
     EXPECT_GT(verdict.work, 50'000'000u);
 }
 
-// Each reference to an id that was never told is looked up.
+// Each back-reference to an id without a definition is looked up.
 TEST(ReaderWork, CountsIdsOutOfSequence) {
     std::int32_t const count = 5000;
     std::string        bytes = word(count);
@@ -277,7 +276,7 @@ TEST(ReaderWork, CountsIdsOutOfSequence) {
     EXPECT_GT(judge(*find_root("String_To_StringSet_T"), bytes).work, 5'000'000u);
 }
 
-// The chain that they were in when they were found counts, not that of the table as it ends.
+// The chain at the time of the look-up counts, not that of the final table.
 TEST(ReaderWork, CountsKeysThatWereFoundBeforeTheTableGrew) {
     std::uint64_t const all = judge(numbers_root(), numbers(5087, 5087, 20'000)).work;
     EXPECT_GT(all, 5087u * 20'000);
@@ -288,9 +287,9 @@ TEST(ReaderWork, CountsKeysThatWereFoundBeforeTheTableGrew) {
     EXPECT_GE(comparisons_of(hashes, 20'000), before);
 }
 
-// Giving texts up looks each of them up again, in the table as it has become.
+// Releasing texts looks each of them up again, in the table at its final size.
 TEST(ReaderWork, CountsTextsThatShareABucketWhenTheyAreGivenUp) {
-    // Added while the table has 1109 buckets; the last ones make it grow.
+    // The texts are added while the table has 1109 buckets. The last ones make it grow.
     std::vector<std::string> all = texts(1000, 2357);
     for (std::string& text : texts(200, 1)) all.push_back("other " + text);
     EXPECT_GT(judge(*find_root("String_To_StringSet_T"), string_table(all)).work, 1000u * 999 / 2);

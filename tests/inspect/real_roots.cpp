@@ -27,7 +27,7 @@ struct Entries {
     std::string const& (*from_cxx)(T const&);
 };
 
-/// Some classes have no comparison, so tables of them have none either.
+/// Some classes have no comparison, so containers of them have none either.
 template <class T>
 constexpr bool is_comparable = !sml::core::Serialized<T> || requires(T const& a) {
     a == a;
@@ -43,7 +43,7 @@ void read_block(T& value, Entries<T> const& entries, std::string_view bytes) {
     entries.to_cxx(value, block.get());
 }
 
-/// How many bytes the stream reader takes, which skips no white space here.
+/// The number of bytes that the stream reader reads. The stream does not skip white space here.
 template <class T>
 std::streamoff bytes_taken(Entries<T> const& entries, std::string_view bytes) {
     std::istringstream stream(std::string(bytes) + "behind");
@@ -53,7 +53,8 @@ std::streamoff bytes_taken(Entries<T> const& entries, std::string_view bytes) {
     return stream.tellg();
 }
 
-/// A copy, and one that was assigned over another value, are written as the value itself is.
+/// Returns a fault unless a copy, and a value that the value was assigned to, are written as the
+/// same bytes as the value.
 template <class T>
 std::string fault_of_copying(T const& value, Entries<T> const& entries) {
     std::string const written = entries.from_cxx(value);
@@ -74,7 +75,8 @@ std::string fault_of_copying(T const& value, Entries<T> const& entries) {
     return {};
 }
 
-/// What is written of any value can be encoded, and of good bytes it has their digest.
+/// Returns a fault unless the written bytes are safe to read, can be encoded and, if the bytes read
+/// were good, are good and have the same digest.
 std::string fault_of_writing(char const* stem, std::string_view read, std::string const& written,
                              bool are_good) {
     auto const& root = *find_root(stem);
@@ -87,7 +89,7 @@ std::string fault_of_writing(char const* stem, std::string_view read, std::strin
     return {};
 }
 
-/// Reads into the value from a block, and into another one from a stream.
+/// Reads the bytes from a block into the value, and from a stream into another value.
 template <class T>
 std::string fault_of_taking(T& value, Entries<T> const& entries, std::string_view bytes) {
     read_block(value, entries, bytes);

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Reads from a block of exactly these bytes, where a sanitizer sees a read beyond them, and from a
-/// stream that tells how many were taken.
+/// Reads from a block of exactly this size, where a sanitizer reports a read beyond the bytes, and
+/// from a stream, which shows how many were read.
 template <class T>
 void read_exactly(std::string const& bytes, void (*to_cxx)(T&, char const*),
                   void (*from_stream)(T&, std::istream&)) {

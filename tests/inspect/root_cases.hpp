@@ -1,5 +1,5 @@
 #pragma once
-// What tests do with every root, whatever its type.
+// Functions for tests of every root, independent of its type.
 
 #include "tests/random_values.hpp"
 
@@ -10,15 +10,15 @@
 struct RootCase {
     char const* stem;
 
-    /// The bytes of a value made at random.
+    /// The bytes of a random value.
     std::function<std::string(RandomValues&)> random_bytes;
 
-    /// Expects that both readers take exactly these bytes.
+    /// Expects that both readers read exactly these bytes.
     std::function<void(std::string const&)> read_exactly;
 
-    /// What is written of the value that is read from these bytes.
+    /// Reads the bytes and returns the bytes that the value is written as.
     std::function<std::string(std::string const&)> read_and_write;
 };
 
-/// All roots, in their order.
+/// All roots, in the order of `roots.def`.
 std::vector<RootCase> const& root_cases();

@@ -95,14 +95,14 @@ TEST(Schema, EnumerationHasItsNames) {
         {"kind": "enumeration", "enumerators": ["Memcpy", "Meminit", "Memset", "Memzero"]})"));
 }
 
-/// The type of a field as the schema tells it.
+/// The type of a field in the schema.
 json::value field(char const* type, char const* name) {
     for (json::value const& one : definition(type).at("fields").as_array())
         if (one.at("name") == json::value(name)) return one.at("type");
     return nullptr;
 }
 
-TEST(Schema, ContainersTellHowTheyAreHeldAndRead) {
+TEST(Schema, ContainersSayHowTheyAreHeldAndRead) {
     constexpr char const* results = "sml::Application_Results::T_Application_Results";
     EXPECT_EQ(field(results, "block_numbers"), json::parse(R"(
         {"map": ["string", "int32"], "held": "hashed", "repeated_key": "is dropped"})"));
@@ -119,7 +119,7 @@ TEST(Schema, ContainersTellHowTheyAreHeldAndRead) {
     EXPECT_EQ(fields.at("map").at(0), json::value("string"));
 }
 
-TEST(Schema, OtherTypesWithoutANameAreTold) {
+TEST(Schema, OtherTypesWithoutANameAreReported) {
     constexpr char const* declaration =
         "sml::IL_Extras::T_ZelvaniteResultData::Procedure_Declaration_args";
     EXPECT_EQ(field(declaration, "text"), json::parse(R"({"optional": "text"})"));
@@ -182,7 +182,7 @@ TEST(Schema, EveryTypeOfAKeyCanBeCompared) {
         if (type.kind == Kind::set) add_key(add_key, *type.element);
         bool const counted =
             type.kind == Kind::list || type.kind == Kind::set || type.kind == Kind::map;
-        // A count is bounded by the bytes that are left, so no entry may take none.
+        // A count is limited by the remaining bytes, so no entry may take zero bytes.
         if (counted) {
             EXPECT_GT(type.element->least_size + (type.key ? type.key->least_size : 0), 0u);
         }
@@ -212,7 +212,7 @@ TEST(WireDigest, IsEqualOnlyForRootsOfOneForm) {
               }));
 }
 
-// Types made by hand, to change one thing at a time.
+// Types made by hand, in which tests change one property at a time.
 Type of_kind(Kind kind, std::string_view name = {}) {
     Type type{};
     type.kind = kind;
@@ -229,10 +229,10 @@ Type record(std::span<Part const> parts, std::string_view name = "Record") {
     return type;
 }
 
-Type variant(std::span<Arm const> arms, bool takes_rest = false) {
+Type variant(std::span<Arm const> arms, bool has_catch_all = false) {
     Type type = of_kind(Kind::variant, "Variant");
     type.arms = arms;
-    type.takes_rest = takes_rest;
+    type.has_catch_all = has_catch_all;
     return type;
 }
 

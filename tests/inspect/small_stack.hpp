@@ -1,5 +1,5 @@
 #pragma once
-// Work on a stack of a given size.
+// Runs functions on a stack of a given size.
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <functional>
 
-/// Runs `work` to its end in a thread whose stack has so many bytes.
+/// Runs `work` in a thread with a stack of this size and waits until it ends.
 inline void run_on_stack(std::size_t bytes, std::function<void()> work) {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);

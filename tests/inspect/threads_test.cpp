@@ -1,6 +1,6 @@
-// All of the inspecting library, called from several threads at once on any bytes: each thread gets
-// what one thread alone gets. To be run under ThreadSanitizer as well, so nothing of the carrying
-// library but its number texts is linked.
+// Calls all functions of the inspection library from several threads at once with any bytes. Each
+// thread must get the same results as a single thread. This also runs under ThreadSanitizer, so of
+// the serialisation library only the number texts are linked.
 
 #include <sml/inspect/verify_c.h>
 #include <sml/inspect/canonical.hpp>
@@ -10,7 +10,7 @@
 #include <sml/inspect/verify.hpp>
 #include "tests/golden/goldens.hpp"
 #include "tests/inspect/wire_bytes.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
@@ -40,12 +40,13 @@ struct Case {
 
 VerifyOptions const bounded{.limits = {.memory = std::uint64_t{1} << 24}};
 
-/// A field of a structure under a name: a pointer of no type, with a full range of integers.
+/// A field of a structure with this name: a pointer without a type, with the full range of
+/// integers.
 std::string field(std::string const& name, std::int32_t number) {
     return name + word(number) + word(0) + word(1) + word(number) + word(6) + word(0) + "FF";
 }
 
-/// One information record with a table of fields, which a reader reads over.
+/// The bytes of one information record with a map of fields, in which a reader reads values over.
 std::string information(std::string const& key, std::vector<std::string> const& fields) {
     std::string bytes = key + word(0) + word(1) + word(0) + word(16);
     bytes += word(static_cast<std::int32_t>(fields.size()));
@@ -54,7 +55,7 @@ std::string information(std::string const& key, std::vector<std::string> const& 
            word(0) + word(1) + word(0) + word(0) + word(0) + word(1) + word(0);
 }
 
-/// A result set with so many information records, each with some fields twice.
+/// A result set with `count` information records, each with some repeated fields.
 Case with_fields_twice(std::int32_t count) {
     std::string bytes;
     for (int left = 9; left > 0; --left) bytes += word(0);
@@ -70,7 +71,7 @@ Case with_fields_twice(std::int32_t count) {
             find_root("Application_Results_Application_Results"), bytes};
 }
 
-/// The bytes with some words and bytes made other ones.
+/// The bytes with some words and bytes changed.
 std::string damaged(std::string bytes, std::mt19937_64& random) {
     for (auto left = 1 + random() % 3; left > 0 && bytes.size() >= 4; --left) {
         std::size_t const at = random() % (bytes.size() - 3);
@@ -84,7 +85,7 @@ std::string damaged(std::string bytes, std::mt19937_64& random) {
 
 std::vector<Case> all_cases() {
     std::vector<Case> cases{with_fields_twice(1), with_fields_twice(9)};
-    std::mt19937_64   random(plain_test::seed());
+    std::mt19937_64   random(runs::seed());
     for (golden::File const& file : golden::files_in(GOLDEN_FILES)) {
         cases.push_back({file.name, file.root, file.bytes});
         cases.push_back({file.name + " damaged", file.root, damaged(file.bytes, random)});
@@ -97,7 +98,7 @@ std::vector<Case> all_cases() {
     return cases;
 }
 
-void tell(std::ostream& out, std::vector<Finding> const& findings) {
+void print(std::ostream& out, std::vector<Finding> const& findings) {
     for (Finding const& finding : findings)
         out << finding.offset << ' ' << finding.path << ": " << finding.expected << ", "
             << finding.found << '\n';
@@ -108,7 +109,7 @@ void tell_verdict(std::ostream& out, Case const& one) {
     out << static_cast<int>(verdict.answer) << ' ' << verdict.odd_count << ' ' << verdict.walked
         << ' ' << verdict.heap << ' ' << verdict.elements << ' ' << verdict.strings << ' '
         << verdict.reason_against_encoding.has_value() << '\n';
-    tell(out, verdict.findings);
+    print(out, verdict.findings);
 }
 
 void tell_dumps(std::ostream& out, Case const& one) {
@@ -117,7 +118,7 @@ void tell_dumps(std::ostream& out, Case const& one) {
         Dumped const       dumped =
             dump(*one.root, one.bytes, json, {.walk = bounded, .form = form, .path = ""});
         out << json.view() << dumped.odd_count << ' ' << dumped.found << '\n';
-        tell(out, dumped.findings);
+        print(out, dumped.findings);
         if (form != Form::compact) continue;
         std::ostringstream encoded;
         auto const         error = encode(json.view(), encoded).error;
@@ -151,7 +152,7 @@ void tell_c_verdict(std::ostream& out, Case const& one) {
         << ' ' << verdict.walked << '\n';
 }
 
-/// All that there is to be said of one.
+/// The results of all functions for one case, as text.
 std::string all_of(Case const& one) {
     std::ostringstream out;
     tell_verdict(out, one);
@@ -185,21 +186,23 @@ void in_all_threads(Work work) {
 
 TEST(Threads, EachGetsWhatOneAloneGets) {
     std::vector<Case> const cases = all_cases();
-    // Threads come first, so that what is made at first use is made by several at once.
-    std::vector<std::vector<std::string>> told(thread_count);
+    // The threads run first, so that several of them are the first to use objects that are made at
+    // first use.
+    std::vector<std::vector<std::string>> printed(thread_count);
     std::vector<std::string>              schemas(thread_count);
     in_all_threads([&](std::size_t thread) {
-        told[thread].resize(cases.size());
-        // All of them at the two cases that are read over, then each on a way of its own.
+        printed[thread].resize(cases.size());
+        // All threads start with the two cases that are read over, then each continues in its own
+        // order.
         for (std::size_t i = 0; i < cases.size(); ++i) {
             std::size_t const at = i < 2 ? i : 2 + (i + thread * 17) % (cases.size() - 2);
-            told[thread][at] = all_of(cases[at]);
+            printed[thread][at] = all_of(cases[at]);
         }
         schemas[thread] = schema();
     });
     for (std::size_t i = 0; i < cases.size(); ++i) {
         std::string const alone = all_of(cases[i]);
-        for (auto const& by_thread : told) ASSERT_EQ(by_thread[i], alone) << cases[i].name;
+        for (auto const& by_thread : printed) ASSERT_EQ(by_thread[i], alone) << cases[i].name;
     }
     for (std::string const& one : schemas) EXPECT_EQ(one, schema());
 }
@@ -235,7 +238,7 @@ TEST(Threads, FieldsTwiceAreDumpedByAllAtOnce) {
     EXPECT_EQ(others, std::vector<int>(thread_count));
 }
 
-// The exponent range that a number text needs is set for one thread only.
+// A number text sets MPFR's exponent range, which must be separate for each thread.
 TEST(Threads, TheNumberLibraryKeepsItsRangeForEachThread) { EXPECT_NE(mpfr_buildopt_tls_p(), 0); }
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 static void listen(void* context, struct sml_inspect_finding const* finding) {
     struct called* const called = context;
-    ++called->told;
-    called->told_unsafe += finding->is_unsafe;
+    ++called->reported;
+    called->unsafe_reported += finding->is_unsafe;
     called->offset = finding->offset;
     snprintf(called->path, sizeof called->path, "%s", finding->path);
     snprintf(called->expected, sizeof called->expected, "%s", finding->expected);

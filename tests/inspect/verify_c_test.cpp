@@ -22,7 +22,7 @@ std::string one_set() {
 TEST(VerifyC, GoodBytesHaveNoFindingsAndTheirFigures) {
     called const result = call(sets, one_set());
     EXPECT_EQ(result.answer, SML_INSPECT_GOOD);
-    EXPECT_EQ(result.told, 0);
+    EXPECT_EQ(result.reported, 0);
     EXPECT_EQ(result.verdict.odd_count, 0u);
     EXPECT_EQ(result.verdict.walked, one_set().size());
     EXPECT_EQ(result.verdict.elements, 2u);
@@ -30,11 +30,11 @@ TEST(VerifyC, GoodBytesHaveNoFindingsAndTheirFigures) {
     EXPECT_GT(result.verdict.heap, 0u);
 }
 
-TEST(VerifyC, OddFindingIsTold) {
+TEST(VerifyC, OddFindingIsReported) {
     called const result = call("Answers_Context", "x");
     EXPECT_EQ(result.answer, SML_INSPECT_ODD);
-    EXPECT_EQ(result.told, 1);
-    EXPECT_EQ(result.told_unsafe, 0);
+    EXPECT_EQ(result.reported, 1);
+    EXPECT_EQ(result.unsafe_reported, 0);
     EXPECT_EQ(result.verdict.odd_count, 1u);
     EXPECT_EQ(result.offset, 0u);
     EXPECT_STREQ(result.path, "flag");
@@ -42,10 +42,10 @@ TEST(VerifyC, OddFindingIsTold) {
     EXPECT_STREQ(result.found, "'x'");
 }
 
-TEST(VerifyC, UnsafeFindingIsToldLast) {
+TEST(VerifyC, UnsafeFindingIsReportedLast) {
     called const result = call("Interrogators_ZvFunction", hex::bytes("00 00 00 00 'x'  01 00"));
     EXPECT_EQ(result.answer, SML_INSPECT_UNSAFE);
-    EXPECT_EQ(result.told_unsafe, 1);
+    EXPECT_EQ(result.unsafe_reported, 1);
     EXPECT_STREQ(result.path, "function.key");
     called const later = call("Integers64_T", std::string(9, '\0'));
     EXPECT_EQ(later.answer, SML_INSPECT_UNSAFE);
@@ -53,17 +53,17 @@ TEST(VerifyC, UnsafeFindingIsToldLast) {
     EXPECT_EQ(later.verdict.walked, 8u);
 }
 
-TEST(VerifyC, ListedBoundsTheOddFindingsThatAreTold) {
+TEST(VerifyC, ListedBoundsTheOddFindingsThatAreReported) {
     std::string bytes = hex::bytes("03 00 00 00");
     for (int i = 0; i < 3; ++i) bytes += hex::bytes("00 00 00 00 'x'");
-    EXPECT_EQ(call(parameters, bytes, nullptr, 2).told, 2);
+    EXPECT_EQ(call(parameters, bytes, nullptr, 2).reported, 2);
     EXPECT_EQ(call(parameters, bytes, nullptr, 2).verdict.odd_count, 3u);
     called const none = call(parameters, bytes, nullptr, 0);
-    EXPECT_EQ(none.told, 0);
+    EXPECT_EQ(none.reported, 0);
     EXPECT_EQ(none.answer, SML_INSPECT_ODD);
     called const cut = call(parameters, bytes + "y", nullptr, 0);
-    EXPECT_EQ(cut.told, 1);
-    EXPECT_EQ(cut.told_unsafe, 1);
+    EXPECT_EQ(cut.reported, 1);
+    EXPECT_EQ(cut.unsafe_reported, 1);
 }
 
 TEST(VerifyC, EveryLimitCounts) {
@@ -98,14 +98,14 @@ TEST(VerifyC, AllButTheStemAndTheBytesMayBeMissing) {
 TEST(VerifyC, NoBytesAtAllAreUnsafe) {
     called const result = call_verify(sets, nullptr, 0, nullptr, 100);
     EXPECT_EQ(result.answer, SML_INSPECT_UNSAFE);
-    EXPECT_EQ(result.told_unsafe, 1);
+    EXPECT_EQ(result.unsafe_reported, 1);
 }
 
-TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
+TEST(VerifyC, NullWithASizeIsReportedWithoutAWalk) {
     for (std::uint64_t const size : {std::uint64_t{1}, std::uint64_t{8}, ~std::uint64_t{0}}) {
         called const result = call_verify("Integers64_T", nullptr, size, nullptr, 100);
         EXPECT_EQ(result.answer, SML_INSPECT_NO_BYTES);
-        EXPECT_EQ(result.told, 0);
+        EXPECT_EQ(result.reported, 0);
         EXPECT_EQ(result.verdict.walked, 0u);
     }
     EXPECT_EQ(call_verify_null("Integers64_T", 8), SML_INSPECT_NO_BYTES);
@@ -113,10 +113,10 @@ TEST(VerifyC, NullWithASizeIsToldWithoutAWalk) {
     EXPECT_EQ(call_verify_null("Integers64", 8), SML_INSPECT_NO_SUCH_ROOT);
 }
 
-TEST(VerifyC, UnknownStemIsToldWithoutAWalk) {
+TEST(VerifyC, UnknownStemIsReportedWithoutAWalk) {
     called const result = call("Answers_Contex", "T");
     EXPECT_EQ(result.answer, SML_INSPECT_NO_SUCH_ROOT);
-    EXPECT_EQ(result.told, 0);
+    EXPECT_EQ(result.reported, 0);
     EXPECT_EQ(result.verdict.walked, 0u);
     EXPECT_EQ(call_verify_bare("", "T", 1), SML_INSPECT_NO_SUCH_ROOT);
     EXPECT_EQ(call_verify_bare(nullptr, "T", 1), SML_INSPECT_NO_SUCH_ROOT);

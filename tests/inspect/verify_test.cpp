@@ -32,14 +32,14 @@ using sml::inspect::verify;
 using wire_bytes::in_full;
 using wire_bytes::word;
 
-std::string told(Finding const& finding) {
+std::string text_of(Finding const& finding) {
     return std::to_string(finding.offset) + " " + finding.path + ": expected " + finding.expected +
            ", found " + finding.found;
 }
 
-std::string told(Verdict const& verdict) {
+std::string text_of(Verdict const& verdict) {
     std::string all;
-    for (Finding const& finding : verdict.findings) all += told(finding) + "\n";
+    for (Finding const& finding : verdict.findings) all += text_of(finding) + "\n";
     return all;
 }
 
@@ -53,7 +53,7 @@ TEST(Verify, WhatIsWrittenIsGood) {
             SCOPED_TRACE(root.stem + std::string(", seed ") + std::to_string(seed));
             RandomValues  random(seed);
             Verdict const verdict = verify(*find_root(root.stem), root.random_bytes(random));
-            EXPECT_EQ(verdict.answer, Answer::good) << told(verdict);
+            EXPECT_EQ(verdict.answer, Answer::good) << text_of(verdict);
         }
     }
 }
@@ -115,37 +115,37 @@ TEST(Verify, WhatIsNotUnsafeIsReadToTheLastByte) {
     EXPECT_GT(accepted, 1000);
 }
 
-/// The one odd finding of bytes that are otherwise good.
+/// The only finding of bytes that are otherwise good; it must be odd.
 Finding the_odd_finding(char const* stem, std::string_view bytes) {
     Verdict const verdict = verify_hex(stem, bytes);
-    EXPECT_EQ(verdict.answer, Answer::odd) << told(verdict);
-    EXPECT_EQ(verdict.odd_count, 1u) << told(verdict);
+    EXPECT_EQ(verdict.answer, Answer::odd) << text_of(verdict);
+    EXPECT_EQ(verdict.odd_count, 1u) << text_of(verdict);
     return verdict.findings.empty() ? Finding{} : verdict.findings.front();
 }
 
 TEST(Verify, FlagOtherThanTOrFIsOdd) {
     Finding const finding = the_odd_finding("Answers_Answer", "20");
-    EXPECT_EQ(told(finding),
-              "0 flag: expected T or F, found ' ', which reading from a stream skips");
+    EXPECT_EQ(text_of(finding),
+              "0 flag: expected T or F, found ' ', which a reader of a stream skips");
     EXPECT_EQ(the_odd_finding("Answers_Answer", "'t'").found, "'t'");
 }
 
 TEST(Verify, UnsetVariantIsOdd) {
     Finding const finding =
         the_odd_finding("Interrogators_QuestionRef", "FF FF FF FF  00 00 00 00 00 00 00 00");
-    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 1, found -1, a variant never set");
+    EXPECT_EQ(text_of(finding), "0 : expected a tag from 0 to 1, found -1, an unset variant");
 }
 
 TEST(Verify, UnknownTagIsOddAndServedByTheLastArm) {
     Finding const finding =
         the_odd_finding("IL_Extras_ZelvaniteResultData", "1A 00 00 00  01 00 00 00");
-    EXPECT_EQ(told(finding), "0 : expected a tag from 0 to 25, found 26");
+    EXPECT_EQ(text_of(finding), "0 : expected a tag from 0 to 25, found 26");
 }
 
 TEST(Verify, UnknownEnumeratorIsOdd) {
     Finding const finding =
         the_odd_finding("IL_Extras_ZelvaniteResultData", "19 00 00 00  04 00 00 00");
-    EXPECT_EQ(told(finding),
+    EXPECT_EQ(text_of(finding),
               "4 Variable_Value_Scalar: expected an enumerator from 0 to 3, found 4");
 }
 
@@ -154,8 +154,8 @@ TEST(Verify, DuplicateKeyIsOddWhateverItsSpelling) {
                                             "02 00 00 00"
                                             "FF FF FF FF  01 00 00 00 'a'  00 00 00 00"
                                             "01 00 00 00  00 00 00 00");
-    EXPECT_EQ(told(finding),
-              "17 [#1].key: expected a key or element that is not there yet, "
+    EXPECT_EQ(text_of(finding),
+              "17 [#1].key: expected a new key or element, "
               "found \"a\" again");
 }
 
@@ -168,14 +168,14 @@ TEST(Verify, DuplicateElementIsOdd) {
     EXPECT_EQ(finding.path, "[\"a\"][1]");
 }
 
-TEST(Verify, TextToldTwiceIsOdd) {
+TEST(Verify, TextDefinedTwiceIsOdd) {
     Finding const finding = the_odd_finding("String_To_StringSet_T",
                                             "01 00 00 00"
                                             "FF FF FF FF  01 00 00 00 'a'"
                                             "01 00 00 00  FE FF FF FF  01 00 00 00 'a'");
-    EXPECT_EQ(told(finding),
-              "17 [\"a\"][0]: expected a reference to the text told before, "
-              "found the text told again");
+    EXPECT_EQ(text_of(finding),
+              "17 [\"a\"][0]: expected a back-reference, "
+              "found a second definition of the same text");
 }
 
 TEST(Verify, IdOutOfSequenceIsOdd) {
@@ -194,21 +194,22 @@ TEST(Verify, IdOutOfSequenceIsOdd) {
 }
 
 TEST(Verify, UndefinedIdIsOddAndIsTheEmptyTextFromThenOn) {
-    // Id 1 is used, then told: the reader's table keeps the empty text for it.
+    // Id 1 is used, then defined: the reader keeps the empty text for it.
     Verdict const verdict = verify_hex("String_To_StringSet_T",
                                        "02 00 00 00"
                                        "01 00 00 00  00 00 00 00"
                                        "FF FF FF FF  01 00 00 00 'a'"
                                        "01 00 00 00  01 00 00 00");
-    ASSERT_EQ(verdict.odd_count, 1u) << told(verdict);
-    EXPECT_EQ(told(verdict.findings.front()), "4 [#0].key: expected an id told before, found id 1");
+    ASSERT_EQ(verdict.odd_count, 1u) << text_of(verdict);
+    EXPECT_EQ(text_of(verdict.findings.front()),
+              "4 [#0].key: expected an id that is defined before, found id 1");
 }
 
 TEST(Verify, LengthBeyondTheBytesIsUnsafe) {
     Verdict const verdict =
         verify_hex("String_To_StringSet_T", "01 00 00 00  FF FF FF FF  02 00 00 00 'a'");
     ASSERT_EQ(verdict.answer, Answer::unsafe);
-    EXPECT_EQ(told(verdict), "8 [#0].key: expected a length from 0 to 1, found 2\n");
+    EXPECT_EQ(text_of(verdict), "8 [#0].key: expected a length from 0 to 1, found 2\n");
 }
 
 TEST(Verify, NegativeLengthIsUnsafe) {
@@ -221,7 +222,7 @@ TEST(Verify, NegativeLengthIsUnsafe) {
 TEST(Verify, CountThatCannotFitIsUnsafe) {
     Verdict const verdict = verify_hex("String_To_StringSet_T", "FF FF FF FF  00 00 00 00");
     ASSERT_EQ(verdict.answer, Answer::unsafe);
-    EXPECT_EQ(told(verdict), "0 : expected a count of at most 0, found 4294967295\n");
+    EXPECT_EQ(text_of(verdict), "0 : expected a count of at most 0, found 4294967295\n");
 }
 
 TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
@@ -235,7 +236,7 @@ TEST(Verify, ListedFindingsAreBoundedAllAreCounted) {
     EXPECT_EQ(verdict.findings.size(), 2u);
 }
 
-TEST(Verify, AListenerIsToldOfWhatWouldBeListed) {
+TEST(Verify, AListenerGetsWhatWouldBeListed) {
     std::vector<std::string>    heard;
     sml::inspect::VerifyOptions options{.listed = 2};
     options.listener = [&](Finding const& finding) { heard.push_back(finding.path); };
@@ -249,13 +250,13 @@ TEST(Verify, AListenerIsToldOfWhatWouldBeListed) {
     EXPECT_EQ(verdict.findings.front().severity, sml::inspect::Severity::unsafe);
 }
 
-// However often elements are equal, their long text is not compared again: with these sizes, that
-// would be four terabytes.
+// Equal elements do not cause another comparison of their long text. With these sizes, that would
+// read four terabytes.
 TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
     constexpr std::int32_t length = 4'000'000;
     constexpr std::int32_t count = 1'000'000;
     std::string const      text(length, 'a');
-    // Written again by the element that the others are compared with.
+    // The element that the others are compared with defines the text again.
     std::string bytes = word(1) + in_full(1, text) + word(count) + in_full(2, text);
     for (std::int32_t i = 1; i < count; ++i) bytes += word(1);
     auto const verdict = verify(*find_root("String_To_StringSet_T"), bytes, {.listed = 1});
@@ -267,7 +268,7 @@ TEST(Verify, LongElementsThatAreThereAlreadyTakeNoTime) {
         verdict.odd_count);
 }
 
-// Good bytes with many references to a long text: canonical bytes look at it once.
+// Good bytes with many back-references to a long text. Making them canonical reads the text once.
 TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
     constexpr std::int32_t length = 4'000'000;
     constexpr std::int32_t count = 300'000;
@@ -282,7 +283,7 @@ TEST(Verify, LongTextsReferredToOftenTakeNoTime) {
 }
 
 TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
-    // {"a": {}, "a": {...}} of which the second set can't be.
+    // {"a": {}, "a": {...}}, in which the second set is damaged.
     std::string const bytes = word(2) + in_full(1, "a") + word(0) + word(1) + word(9);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
     EXPECT_EQ(verdict.answer, Answer::unsafe);
@@ -292,21 +293,22 @@ TEST(Verify, AKeyThatIsThereAlreadyIsFoundBeforeItsUnsafeValue) {
     EXPECT_EQ(verdict.findings[1].path, "[\"a\"]");
 }
 
-TEST(Verify, TheEmptyTextOfAnIdNotToldEqualsTheOneThatIs) {
-    // {"": {7, "", 7}}, of which 7 is not told: an empty text, three times.
+TEST(Verify, TheEmptyTextOfAnIdNotDefinedEqualsTheOneThatIs) {
+    // {"": {7, "", 7}}, in which id 7 has no definition: the empty text, three times.
     std::string const bytes = word(1) + in_full(1, "") + word(3) + word(7) + word(1) + word(7);
     auto const        verdict = verify(*find_root("String_To_StringSet_T"), bytes);
-    EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two elements that are there already
+    EXPECT_EQ(verdict.odd_count, 3u);  // the id, and two repeated elements
 }
 
-/// Writes strings as no writer would: ids in any order, texts again, ids that nobody told.
+/// Writes strings as no writer would: ids in any order, texts defined again, ids without a
+/// definition.
 class AnyStrings {
 public:
     explicit AnyStrings(std::uint64_t seed) : random_(seed) {}
 
     std::uint32_t below(std::uint32_t end) { return static_cast<std::uint32_t>(random_() % end); }
 
-    /// Appends one to bytes. Gives the text that a reader has for it.
+    /// Appends a string to the bytes and returns the text that a reader has for it.
     std::string append(std::string& bytes) {
         constexpr std::array<std::string_view, 5> texts{"", "a", "b", "cc", "d"};
         auto const                                id = static_cast<std::int32_t>(below(6)) + 1;
@@ -322,7 +324,7 @@ public:
 
 private:
     std::mt19937_64                     random_;
-    std::map<std::int32_t, std::string> by_id_;  // the first text that each has
+    std::map<std::int32_t, std::string> by_id_;  // the first text of each
 };
 
 TEST(Verify, EveryStringThatIsAKeyAlreadyIsFound) {
@@ -345,10 +347,11 @@ TEST(Verify, EveryStringThatIsAKeyAlreadyIsFound) {
         }
         Verdict const verdict = verify(root, bytes, {.listed = 1000});
         auto const    is_repeated = [](Finding const& finding) {
-            return finding.expected == "a key or element that is not there yet";
+            return finding.expected == "a new key or element";
         };
         ASSERT_NE(verdict.answer, Answer::unsafe);
-        EXPECT_EQ(std::ranges::count_if(verdict.findings, is_repeated), repeated) << told(verdict);
+        EXPECT_EQ(std::ranges::count_if(verdict.findings, is_repeated), repeated)
+            << text_of(verdict);
     }
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// Bytes that tests put together, as a writer makes them.
+// Bytes that tests compose, as a writer writes them.
 
 #include <sml/inspect/wire/writer.hpp>
 
@@ -9,7 +9,7 @@
 
 namespace wire_bytes {
 
-/// What `write` makes a writer write.
+/// The bytes that `write` writes to a writer.
 template <class Write>
 std::string written(Write const& write) {
     std::string          bytes;
@@ -30,7 +30,7 @@ inline std::string block(std::string_view text) {
     return written([&](auto& writer) { writer.block(text); });
 }
 
-/// A string that is written in full under an id.
+/// A definition of a string with this id.
 inline std::string in_full(std::int32_t id, std::string_view text) {
     return written([&](auto& writer) { writer.string_in_full(text, id); });
 }

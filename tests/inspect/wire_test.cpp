@@ -1,4 +1,4 @@
-// What writers make and what stands where, told once for all that goes through bytes.
+// Tests the writer of bytes and the description of the wire form that all walks share.
 
 #include <sml/inspect/type.hpp>
 #include <sml/inspect/wire/form.hpp>
@@ -137,7 +137,7 @@ TEST(PieceOutput, HandsOnAllBytesInLargePieces) {
     EXPECT_EQ(pieces.front().size(), least_piece + 3);
 }
 
-/// Takes a value, and counts what it is told to take.
+/// Walks a value, and counts its strings and definitions.
 struct Counter {
     WalkedBytes at;
     std::size_t strings = 0;

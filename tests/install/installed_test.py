@@ -3,8 +3,8 @@
 
     installed_test.py CMAKE BUILD SOURCE COMPILER
 
-The README's program builds with its own command; projects in C++ and in C build with CMake and with
-pkg-config, and run without being told where the libraries are; every command of the tool runs.
+The README's program must build with the command given there. Projects in C++ and in C must build with
+CMake and with pkg-config, and run without a library path being set. Every command of the tool must run.
 """
 
 import filecmp
@@ -38,7 +38,7 @@ def pkg_config(prefix):
 
 
 def readme_command(source):
-    """What the README says to build its program with, outside the standard prefixes, too."""
+    """The README's command to build its program, with its addition for non-standard prefixes."""
     readme = (source / "README.md").read_text()
     command = re.search(r"^    (g\+\+ (?:.*\\\n)*.*)$", readme, re.MULTILINE).group(1)
     elsewhere = re.search(r"`(-Wl,-rpath,[^`]*)`", readme).group(1)
@@ -97,7 +97,7 @@ def try_commands(source, prefix, folder):
     stem = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T"
     result, again, canonical = folder / "result", folder / "again", folder / "canonical"
     run(bradep, "import", log, "-o", result)
-    expect("show tells the checks", "checks" in run(bradep, "show", result))
+    expect("show lists the checks", "checks" in run(bradep, "show", result))
     run(bradep, "verify", "--strict", result)
     expect("identify finds the root", run(bradep, "identify", result).splitlines()[0] == stem)
     json = folder / "json"
@@ -114,7 +114,7 @@ def try_commands(source, prefix, folder):
            == re.findall(r"^SML_ROOT\((\w+),", (source / "sml/bindings/roots.def").read_text(), re.M))
     result.write_bytes(result.read_bytes()[:-1])
     run(bradep, "verify", result, code=1)
-    expect("an option is told of", "--version" in run(bradep, "--help"))
+    expect("an option is listed", "--version" in run(bradep, "--help"))
 
 
 def main():

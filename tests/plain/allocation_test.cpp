@@ -1,8 +1,9 @@
-// Allocations that fail, one after another, in the library and in the plain reference.
+// Makes allocations fail, one after another, in the library and in the reference implementation.
 //
-// The two allocate at different places, so that the n-th allocation of one is not that of the
-// other. What is compared is what a failure leaves: whatever the library leaves at any of its
-// allocations must be what the reference leaves at one of its own, or holds at some moment.
+// The two allocate at different places, so the n-th allocation of one does not correspond to that
+// of the other. The tests compare the state after a failure: the state that the library leaves when
+// any of its allocations fails must be one that the reference implementation leaves when one of its
+// own fails, or has at some moment.
 
 #include <sml/core/Strings.hpp>
 #include <sml/core/ieee754_float.hpp>
@@ -11,8 +12,8 @@
 #include "tests/allocations.hpp"
 #include "tests/plain/outcome.hpp"
 #include "tests/plain/roots.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 #include <mpfr.h>
@@ -39,10 +40,10 @@ using Engine = std::mt19937_64;
 
 constexpr int few = 4;
 
-/// One that is known, for every call to begin with.
+/// Sets a known exponent range before each call.
 void start_range() { zelvanite::IEEE754Float::set_range(zelvanite::IEEE754Float::Format::of(16)); }
 
-/// Whether `call` fails when so many allocations are granted; then by `std::bad_alloc` itself.
+/// Whether `call` fails with `granted` allocations. It must fail by `std::bad_alloc` itself.
 template <class Call>
 bool fails(long granted, Later later, Call&& call) {
     start_range();
@@ -56,7 +57,7 @@ bool fails(long granted, Later later, Call&& call) {
     }
 }
 
-/// The numbers of those allocations out of `made` that are to fail: each, or `most` of them.
+/// The numbers of the allocations, out of `made`, that are to fail: all of them, or `most` of them.
 std::vector<long> failing(long made, long most, Engine& engine) {
     std::vector<long> numbers;
     if (made <= most) {
@@ -71,7 +72,7 @@ std::vector<long> failing(long made, long most, Engine& engine) {
 
 Later any_of_both(Engine& engine) { return engine() % 2 == 0 ? Later::fail : Later::succeed; }
 
-/// The table of strings: its entries and the handles to them.
+/// The numbers of entries of the string table and of handles to them.
 struct Strings {
     std::size_t   entries = sml::Strings_T::fAllStrings.size();
     std::uint64_t handles = [] {
@@ -82,8 +83,8 @@ struct Strings {
     bool operator==(Strings const&) const = default;
 };
 
-/// Some of the floats become such as no writer makes: they are not taken apart digit by digit, but
-/// in a block that is allocated.
+/// Replaces some floats by spellings that no writer makes. Readers parse these from an allocated
+/// block instead of digit by digit.
 std::string with_odd_floats(std::string bytes, Engine& engine) {
     constexpr std::string_view odd[] = {"0x0p+0", "-0x1.8p+1", "inf", "-inf"};
     for (std::size_t at = bytes.find("0X"); at != std::string::npos;
@@ -114,7 +115,8 @@ Object random_value(Root const& root, int elements, Engine& engine) {
 
 // Writing.
 
-/// Takes so many bytes, then refuses; notes the exponent range at each. Allocates only to note.
+/// A buffer that takes `most` bytes, then refuses. It records the exponent range at each byte; it
+/// allocates only for that.
 class Taker : public std::streambuf {
 public:
     explicit Taker(std::size_t most, std::set<Range>* ranges = nullptr)
@@ -136,7 +138,7 @@ private:
 
 using Write = void (*)(void const* value, std::ostream& stream);
 
-/// The ranges in force at any moment of writing.
+/// All exponent ranges that are in force at some moment of writing.
 std::set<Range> ranges_of_writing(Root const& root, void const* value) {
     start_range();
     std::set<Range> ranges{Range()};
@@ -147,8 +149,7 @@ std::set<Range> ranges_of_writing(Root const& root, void const* value) {
     return ranges;
 }
 
-/// The state that a stream is in when a call that fails has written to it, one that takes so many
-/// bytes.
+/// The state of a stream that takes `most` bytes after a failing call has written to it.
 std::ios::iostate state_after(Write write, void const* value, std::size_t most, long granted) {
     Taker        taker(most);
     std::ostream stream(&taker);
@@ -156,7 +157,7 @@ std::ios::iostate state_after(Write write, void const* value, std::size_t most, 
     return stream.rdstate();
 }
 
-/// What a call that fails leaves in a stream that takes everything.
+/// The state of a stream that takes everything, and the exponent range, after a failing call.
 struct Sent {
     std::size_t       size;
     std::ios::iostate state;
@@ -164,10 +165,10 @@ struct Sent {
     auto              operator<=>(Sent const&) const = default;
 };
 
-/// Whether the call fails; what it has sent must be the beginning of `bytes`.
+/// Whether the call fails. Expects that the bytes sent are the beginning of `bytes`.
 bool fails_sending(Write write, void const* value, std::string const& bytes, long granted,
                    Later later, Sent& sent) {
-    // With room for everything, so that only the carrier allocates.
+    // The stream has room for everything, so that it never allocates.
     std::ostringstream stream(std::string(bytes.size(), ' '));
     bool const         has_failed = fails(granted, later, [&] { write(value, stream); });
     sent.range = Range();
@@ -179,18 +180,18 @@ bool fails_sending(Write write, void const* value, std::string const& bytes, lon
     return has_failed;
 }
 
-/// Also, of two writes that have sent as much when they fail, a stream that takes less is left in
-/// the same state.
+/// Also expects: if two writes fail after the same number of bytes, they leave a stream that takes
+/// fewer bytes in the same state.
 TEST(PlainAllocations, ThatFailInWritingToAStreamLeaveTheSame) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     long   failures = 0;
     for (Root const& root : roots()) {
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const                value = random_value(root, few, engine);
             std::string const           bytes = root.plain_write(value.get());
             Strings const               strings;
             std::set<Sent>              expected;
-            std::map<std::size_t, long> granted_for;  // by what is sent
+            std::map<std::size_t, long> granted_for;  // by the number of bytes sent
             Sent                        sent{};
             for (long granted = 0;
                  fails_sending(root.plain_write_to, value.get(), bytes, granted, Later::fail, sent);
@@ -222,12 +223,12 @@ TEST(PlainAllocations, ThatFailInWritingToAStreamLeaveTheSame) {
     EXPECT_GT(failures, 100);
 }
 
-/// A string stream that can't grow takes what it has room for; what follows from it is told by a
-/// stream that takes as much.
+/// A string stream that can't grow takes the bytes that it has room for. The expected state is that
+/// of a stream that takes the same number of bytes.
 TEST(PlainAllocations, ThatFailInTheStreamItselfLeaveTheSame) {
-    Engine engine(seed() + 1);
+    Engine engine(runs::seed() + 1);
     for (Root const& root : roots()) {
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const      value = random_value(root, few, engine);
             std::string const bytes = root.plain_write(value.get());
             long const        made = allocations::count([&] {
@@ -250,7 +251,7 @@ TEST(PlainAllocations, ThatFailInTheStreamItselfLeaveTheSame) {
     }
 }
 
-/// Results of several values take turns, so that the memory of one is written over by another.
+/// Writes two values in turn, so that the result of one is in the memory of the other.
 void expect_result_kept(std::string const& (*write)(void const*), void const* value,
                         std::string const& bytes, std::set<Range> const& ranges, Root const& other,
                         bool is_ours, long most, Engine& engine) {
@@ -263,8 +264,8 @@ void expect_result_kept(std::string const& (*write)(void const*), void const* va
         if (engine() % 4 == 0) write(value);
         std::string const& result = write_other(other_value.get());
         void const* const  memory = result.data();
-        // The reference's own string stream swallows its failures: one alone would cut the result
-        // short.
+        // The string stream of the reference implementation ignores failed allocations: a single
+        // failure would cut the result short.
         Later const later = is_ours ? any_of_both(engine) : Later::fail;
         bool const  has_failed = fails(granted, later, [&] { write(value); });
         Range const range;
@@ -280,11 +281,11 @@ void expect_result_kept(std::string const& (*write)(void const*), void const* va
 }
 
 TEST(PlainAllocations, ThatFailInWritingKeepTheResult) {
-    Engine      engine(seed() + 2);
+    Engine      engine(runs::seed() + 2);
     auto const& all = roots();
     for (Root const& root : all) {
         SCOPED_TRACE(root.stem);
-        for (int i = count(4, 400); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(4, 400); i > 0 && !HasFailure(); --i) {
             Object const      value = random_value(root, few, engine);
             std::string const bytes = root.plain_write(value.get());
             auto const        ranges = ranges_of_writing(root, value.get());
@@ -300,7 +301,7 @@ TEST(PlainAllocations, ThatFailInWritingKeepTheResult) {
 
 // Reading.
 
-/// Where a stream is and how large the last item was, and the exponent range.
+/// The position in a stream, the size of the last item, and the exponent range.
 struct Moment {
     std::streamoff  position;
     std::streamsize last_size;
@@ -308,7 +309,7 @@ struct Moment {
     auto            operator<=>(Moment const&) const = default;
 };
 
-/// Gives bytes item by item and notes each moment.
+/// A buffer that supplies bytes item by item and records each moment.
 class Giver : public std::streambuf {
 public:
     Giver(std::string_view bytes, std::set<Moment>& moments) : bytes_(bytes), moments_(moments) {}
@@ -342,16 +343,16 @@ private:
     std::streamsize   last_size_ = 0;
 };
 
-/// Bytes that are to be read into a value, fresh or random.
+/// Bytes that are read into a value, which is fresh or random.
 struct Reading {
     Root const&               root;
     sml::inspect::Root const& described = *sml::inspect::find_root(root.stem);
     std::string               bytes;
-    std::uint64_t             held;  // the seed of what the value holds; 0: it is fresh
+    std::uint64_t             held;  // the seed of the value read over; 0: a fresh value
 
     Object target() const { return held == 0 ? root.make() : root.random(held, few); }
 
-    /// Equal for equal content, whatever the order of tables.
+    /// Text that is equal for equal content, independent of the order of hash tables.
     std::string content(void const* value) const {
         std::ostringstream stream;
         sml::inspect::write_canonical(described, root.plain_write(value), stream);
@@ -365,7 +366,7 @@ struct Reading {
     }
 };
 
-/// Both ways of reading.
+/// A reader: from memory or a stream, of the library or the reference implementation.
 struct Reader {
     bool is_stream;
     bool is_ours;
@@ -383,7 +384,7 @@ struct Failed {
     Moment moment;
 };
 
-/// Whether the call fails; what it leaves.
+/// Whether the call fails. Stores the state after it in `failed`.
 bool fails_reading(Reader reader, Reading const& reading, long granted, Later later,
                    Failed& failed) {
     std::istringstream stream(reading.bytes);
@@ -397,7 +398,8 @@ bool fails_reading(Reader reader, Reading const& reading, long granted, Later la
     return has_failed;
 }
 
-/// What the reference can leave: at each of its allocations, and what it sees in between.
+/// The states that the reference implementation can leave: after each failing allocation, and those
+/// that it has in between.
 struct Allowed {
     std::set<std::string> contents;
     std::set<Moment>      moments;
@@ -418,7 +420,7 @@ struct Allowed {
     }
 
 private:
-    /// The strings are let go again.
+    /// Collects the moments of a read that succeeds. Its strings are released again.
     void watch(Reading const& reading) {
         Object const value = reading.target();
         start_range();
@@ -429,7 +431,7 @@ private:
     }
 };
 
-/// A value that was read in part can be destroyed, assigned to and read over.
+/// Expects that a value that was read in part can be destroyed, assigned to and read over.
 void expect_usable(Reader reader, Reading const& reading, Failed const& failed, Engine& engine) {
     std::istringstream stream(reading.bytes);
     switch (engine() % 3) {
@@ -451,7 +453,8 @@ void expect_usable(Reader reader, Reading const& reading, Failed const& failed, 
     }
 }
 
-/// `allowed` is null where it is not known.
+/// Expects that failing reads leave an allowed state; `allowed` is null if the allowed states are
+/// unknown.
 long expect_reads_alike(Reading const& reading, Allowed const* allowed, long most, Engine& engine) {
     long          failures = 0;
     Strings const strings;
@@ -485,7 +488,7 @@ long expect_reads_alike(Reading const& reading, Allowed const* allowed, long mos
     return failures;
 }
 
-/// With no other value that holds the strings, so that they are interned anew.
+/// Random bytes. No other value holds their strings, so reading interns them anew.
 Reading random_reading(Root const& root, int elements, std::uint64_t held, Engine& engine) {
     return {.root = root,
             .bytes = root.plain_write(random_value(root, elements, engine).get()),
@@ -493,10 +496,10 @@ Reading random_reading(Root const& root, int elements, std::uint64_t held, Engin
 }
 
 TEST(PlainAllocations, ThatFailInReadingLeaveTheSame) {
-    Engine engine(seed() + 3);
+    Engine engine(runs::seed() + 3);
     long   failures = 0;
     for (Root const& root : roots()) {
-        for (int i = count(2, 100); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(2, 100); i > 0 && !HasFailure(); --i) {
             std::uint64_t const held = i % 2 == 0 ? 0 : engine();
             Reading const       reading = random_reading(root, few, held, engine);
             Allowed const       allowed(reading);
@@ -506,9 +509,9 @@ TEST(PlainAllocations, ThatFailInReadingLeaveTheSame) {
     EXPECT_GT(failures, 1000);
 }
 
-/// A table that is not filled entry by entry.
+/// A map large enough not to be filled entry by entry.
 TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
-    Engine      engine(seed() + 5);
+    Engine      engine(runs::seed() + 5);
     auto const& all = roots();
     auto const  root = std::find_if(all.begin(), all.end(), [](Root const& candidate) {
         return candidate.stem == "Base_Gui_Internal_Form_Datas_Checks_Id_To_Chk_Data_Table_T";
@@ -522,7 +525,7 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
     Allowed const allowed(reading);
     EXPECT_GT(expect_reads_alike(reading, &allowed, 100'000, engine), 1000);
 
-    // The bytes tell the order of the table.
+    // The order of a map is visible in its bytes.
     std::set<std::string> expected;
     Failed                failed;
     for (long granted = 0; fails_reading({false, false}, reading, granted, Later::fail, failed);
@@ -534,16 +537,16 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
             << "allocation " << granted;
 }
 
-/// Beyond the library's buffers: some of the allocations.
+/// Values larger than the library's buffers, with only some of the allocations.
 TEST(PlainAllocations, ThatFailAmongManyLeaveTheSame) {
-    Engine engine(seed() + 4);
+    Engine engine(runs::seed() + 4);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results" &&
             root.stem != "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T" &&
             root.stem != "String_To_StringSet_T")
             continue;
         SCOPED_TRACE(root.stem);
-        for (int i = count(2, 50); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(2, 50); i > 0 && !HasFailure(); --i) {
             constexpr int  many = 30;
             constexpr long most = 20;
             Object         value = random_value(root, many, engine);

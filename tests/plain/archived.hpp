@@ -1,26 +1,15 @@
 #pragma once
-// Values of any type through the archives and through the plain reference.
+// Writes and reads values of any type by the archives and by the reference implementation.
 
-#include <sml/core/archives.hpp>
 #include <sml/core/transfer.hpp>
-#include "bench/plain/plain.hpp"
+#include "tests/reference/plain.hpp"
 
-#include <istream>
 #include <ostream>
 #include <sstream>
 #include <string>
 #include <utility>
 
 namespace plain_test {
-
-/// Writes over the bytes that `result` holds.
-template <class T>
-std::string archived(T const& value, std::string result = {}) {
-    sml::StringOArchive archive(result);
-    sml::core::Writer{archive}.write_with_room(value);
-    archive.finish();
-    return result;
-}
 
 template <class T>
 std::string plainly_written(T const& value) {
@@ -37,11 +26,6 @@ auto archiving(T const& value) {
 template <class T>
 auto plainly_writing(T const& value) {
     return [&value](std::ostream& stream) { plain::to_stream(value, stream); };
-}
-
-template <class T>
-void read_archived(T& value, std::istream& stream) {
-    sml::core::read_from_stream(value, stream);
 }
 
 }  // namespace plain_test

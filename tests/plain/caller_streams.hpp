@@ -1,5 +1,6 @@
 #pragma once
-// Streams as callers have them: sinks that end, and the settings that a stream can have.
+// Streams that callers may have: buffers that take a limited number of bytes, and all settings of a
+// stream.
 
 #include "tests/plain/outcome.hpp"
 
@@ -17,7 +18,7 @@ namespace plain_test {
 
 constexpr std::size_t no_end = ~std::size_t{0};
 
-/// A buffer that may be flushed so often; then that fails, or throws.
+/// A buffer whose flush succeeds a given number of times and then fails or throws.
 class Flushed : public std::streambuf {
 public:
     void allow_flushes(int most, bool throws) {
@@ -25,7 +26,7 @@ public:
         flush_throws_ = throws;
     }
 
-    int flushes = 0;  // that were asked for
+    int flushes = 0;  // requested
 
 protected:
     int sync() override {
@@ -39,7 +40,7 @@ private:
     bool flush_throws_ = false;
 };
 
-/// Takes so many bytes; then refuses, or throws.
+/// Takes `most` bytes, one at a time, then refuses or throws.
 class Taker : public Flushed {
 public:
     Taker(std::size_t most, bool throws) : most_(most), throws_(throws) {}
@@ -64,7 +65,7 @@ private:
     bool        throws_;
 };
 
-/// Takes a block at once, as far as it has room.
+/// Takes as much of a block at once as it has room for.
 class BlockTaker : public Taker {
 public:
     using Taker::Taker;
@@ -78,7 +79,7 @@ protected:
     }
 };
 
-/// One of the settings that a stream can have.
+/// Applies one of eight settings to the stream.
 inline void set_up(std::ios& stream, std::uint64_t choice) {
     switch (choice % 8) {
         case 1: stream.width(7); break;
@@ -96,13 +97,13 @@ inline void set_up(std::ios& stream, std::uint64_t choice) {
     }
 }
 
-/// In half of the choices, without a limit else.
+/// Limits the number of flushes in half of the choices.
 inline void limit_flushes(Flushed& buffer, std::uint64_t choice, bool throws) {
     if (choice % 2 == 0) buffer.allow_flushes(static_cast<int>(choice / 2 % 32), throws);
 }
 
-/// Flushed before each item of the stream that it is tied to, in half of the choices. Flushing it
-/// can fail and, where it may, throw.
+/// A stream that is tied to `stream` in half of the choices, so that it is flushed before each
+/// item. The flush can fail and, with `may_throw`, throw.
 class TiedStream {
 public:
     TiedStream(std::ios& stream, std::uint64_t choice, bool may_throw = true) {
@@ -115,7 +116,7 @@ public:
 
     static bool is_chosen(std::uint64_t choice) { return choice / 8 % 4 < 2; }
 
-    std::string told() const {
+    std::string calls() const {
         return " tied stream: state " + std::to_string(stream_.rdstate()) + " flushes " +
                std::to_string(buffer_.flushes);
     }
@@ -125,24 +126,24 @@ private:
     std::ostream stream_{&buffer_};
 };
 
-/// Whether the choice has the stream flushed around each item.
+/// Whether with this choice a stream is flushed before or after each item.
 inline bool is_flushed_for_each_item(std::uint64_t choice) {
     return choice % 8 == 3 || TiedStream::is_chosen(choice);
 }
 
-/// What writing to a stream over `buffer` comes to, for one choice of settings.
+/// Describes the result of writing to a stream over `buffer` with one choice of settings.
 template <class Write>
 std::string written(Write const& write, Taker& buffer, std::uint64_t choice,
                     std::ios::iostate state = std::ios::goodbit) {
     std::ostream stream(&buffer);
     set_up(stream, choice);
     TiedStream const tied(stream, choice);
-    limit_flushes(buffer, choice >> 20, false);  // `unitbuf` flushes where nothing may be thrown
+    limit_flushes(buffer, choice >> 20, false);  // `unitbuf` flushes in destructors: no exceptions
     std::string result = outcome([&] { stream.setstate(state); });
     result += outcome([&] { write(stream); });
     result += " state " + std::to_string(stream.rdstate()) + " width " +
               std::to_string(stream.width()) + " flushes " + std::to_string(buffer.flushes) +
-              tied.told() + " bytes " + buffer.bytes;
+              tied.calls() + " bytes " + buffer.bytes;
     return result;
 }
 

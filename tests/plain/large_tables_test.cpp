@@ -1,9 +1,10 @@
-// Tables of many large entries, with keys that come again, against the plain reference.
+// Compares maps of many large entries and repeated keys with the reference implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
+#include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ using namespace plain_test;
 using Engine = std::mt19937_64;
 using sml::Strings_T;
 
-/// Of at most 200 keys.
+/// The bytes of a map with `count` entries and at most 200 different keys.
 template <class Table>
 std::string bytes_of_entries(int count, Engine& engine) {
     using Key = typename Table::key_type;
@@ -32,7 +33,7 @@ std::string bytes_of_entries(int count, Engine& engine) {
     return plainly_written(entries);
 }
 
-/// What is written of both tells their orders.
+/// Expects that both read the same values in the same order, which is visible in the bytes written.
 template <class Table>
 void expect_read_alike(Engine& engine) {
     for (int const entries : {60, 63, 64, 65, 100, 300}) {
@@ -40,16 +41,14 @@ void expect_read_alike(Engine& engine) {
         Table             expected;
         plain::to_cxx(expected, bytes.data());
 
-        Table               from_bytes;
-        sml::StringIArchive archive(bytes.data());
-        sml::core::Reader{archive}(from_bytes);
-        EXPECT_EQ(archive.cursor(), bytes.data() + bytes.size());
+        Table from_bytes;
+        EXPECT_EQ(wire::read_over(from_bytes, bytes), bytes.size());
         EXPECT_TRUE(plainly_written(from_bytes) == plainly_written(expected)) << entries;
         EXPECT_EQ(from_bytes.bucket_count(), expected.bucket_count());
 
         std::istringstream stream(bytes + "behind");
         Table              from_stream;
-        read_archived(from_stream, stream);
+        sml::core::read_from_stream(from_stream, stream);
         EXPECT_EQ(stream.tellg(), static_cast<std::streamoff>(bytes.size()));
         EXPECT_TRUE(plainly_written(from_stream) == plainly_written(expected)) << entries;
         EXPECT_EQ(from_stream.bucket_count(), expected.bucket_count());
@@ -58,8 +57,8 @@ void expect_read_alike(Engine& engine) {
 
 TEST(PlainLargeTables, AreReadAlike) {
     using NumberedName = std::pair<Strings_T, std::int32_t>;
-    Engine engine(seed());
-    for (int i = count(3, 100); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed());
+    for (int i = runs::count(3, 100); i > 0 && !HasFailure(); --i) {
         expect_read_alike<
             std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data>>(
             engine);

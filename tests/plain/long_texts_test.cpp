@@ -1,10 +1,12 @@
-// Texts around the sizes of the writers' buffer and chunks, against the plain reference.
+// Compares texts around the sizes of the writers' buffer and chunks with the reference
+// implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
+#include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +24,7 @@ constexpr std::size_t first_chunk = sml::StringOArchive::smallest_chunk;
 constexpr std::size_t largest_chunk = sml::StringOArchive::largest_chunk;
 constexpr std::size_t near = 20;
 
-/// Bytes that tell where they stand; another text each time.
+/// A text in which each position is recognisable. Each call returns another text.
 std::string text(std::size_t size) {
     static std::string const numbers = [] {
         std::string all;
@@ -34,11 +36,11 @@ std::string text(std::size_t size) {
     return numbers.substr(start, size);
 }
 
-/// Behind the last text comes as much as may stand between two places that ask for room.
+/// After the last text come as many bytes as may follow without another request for room.
 using ThreeTexts = std::tuple<std::string, std::string, std::string,
                               std::array<bool, room_ahead - 20>, std::int32_t>;
 
-/// The last text has this size, and so many bytes end with it.
+/// Three texts: the last one has `size` bytes and ends at offset `end`.
 ThreeTexts three_texts(std::size_t end, std::size_t size) {
     std::size_t const before = end - size - 3 * sizeof(std::int32_t);
     ThreeTexts        value{text(before / 2), text(before - before / 2), text(size), {}, 12345};
@@ -46,7 +48,8 @@ ThreeTexts three_texts(std::size_t end, std::size_t size) {
     return value;
 }
 
-/// Places around the end of a block of memory and around where room runs short, and some between.
+/// Offsets around the end of a block of memory, around the point where room runs short, and some in
+/// between.
 std::vector<std::size_t> ends_within(std::size_t block) {
     std::vector<std::size_t> result;
     for (std::size_t i = 0; i <= room_ahead + 2 * near; ++i)
@@ -71,7 +74,7 @@ TEST(LongTexts, EndAnywhereInTheFirstChunk) {
     for (std::size_t const size : {room_ahead, 2 * room_ahead}) {
         for (std::size_t const end : ends_within(first_chunk)) {
             ThreeTexts const value = three_texts(end, size);
-            ASSERT_TRUE(archived(value) == plainly_written(value))
+            ASSERT_TRUE(wire::write(value) == plainly_written(value))
                 << "size " << size << " end " << end;
         }
     }
@@ -81,7 +84,7 @@ TEST(LongTexts, EndAnywhereInTheBytesThatAreWrittenOver) {
     for (std::size_t const held : {3 * room_ahead + 1, 12 * room_ahead + 77}) {
         for (std::size_t const end : ends_within(held)) {
             ThreeTexts const value = three_texts(end, room_ahead);
-            ASSERT_TRUE(archived(value, std::string(held, '*')) == plainly_written(value))
+            ASSERT_TRUE(wire::write(value, std::string(held, '*')) == plainly_written(value))
                 << "held " << held << " end " << end;
         }
     }
@@ -92,17 +95,17 @@ TEST(LongTexts, EndNearTheEndOfTheLargestChunk) {
     for (std::size_t const from_end :
          {0ul, 1ul, 5ul, 100ul, 2000ul, room_ahead - 1, room_ahead, room_ahead + 1}) {
         auto const value = std::pair(before, three_texts(largest_chunk - from_end, 2 * room_ahead));
-        ASSERT_TRUE(archived(value) == plainly_written(value)) << "from the end " << from_end;
+        ASSERT_TRUE(wire::write(value) == plainly_written(value)) << "from the end " << from_end;
     }
 }
 
-/// Through the string, over some bytes or other, and to sinks that take all, refuse and throw.
+/// Writes to a string that already has bytes, and to sinks that take everything, refuse and throw.
 template <class T>
 void expect_written_alike(T const& value, Engine& engine) {
     std::string const expected = plainly_written(value);
     std::size_t const held =
         engine() % 2 == 0 ? engine() % 70'000 : expected.size() - engine() % (expected.size() + 1);
-    ASSERT_TRUE(archived(value, std::string(held, '*')) == expected) << "held " << held;
+    ASSERT_TRUE(wire::write(value, std::string(held, '*')) == expected) << "held " << held;
     std::size_t const ends[] = {no_end, engine() % (expected.size() + 2),
                                 expected.size() - engine() % std::min(expected.size(), 5000ul)};
     for (std::size_t const end : ends) {
@@ -120,11 +123,11 @@ using TextsAmongOthers = std::tuple<std::int32_t, std::string, bool, std::string
                                     std::array<bool, 30>, std::optional<std::string>, bool>;
 
 TEST(LongTexts, OfTheSizesOfBufferAndChunksAreWrittenAlike) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     for (std::size_t const size : {0ul, room_ahead, 2 * room_ahead, 4 * room_ahead, 7 * room_ahead,
                                    8 * room_ahead, 16 * room_ahead}) {
         for (std::size_t i = size < near ? near : 0; i <= 2 * near; ++i) {
-            for (int left = count(2, 50); left > 0; --left) {
+            for (int left = runs::count(2, 50); left > 0; --left) {
                 std::size_t const befores[] = {0, engine() % room_ahead, engine() % stream_buffer,
                                                7 * room_ahead - engine() % (2 * near)};
                 std::size_t const before = befores[engine() % 4];
@@ -138,8 +141,8 @@ TEST(LongTexts, OfTheSizesOfBufferAndChunksAreWrittenAlike) {
 }
 
 TEST(LongTexts, OfTheSizeOfTheLargestChunkAreWrittenAlike) {
-    Engine     engine(seed() + 1);
-    auto const step = static_cast<std::size_t>(count(4, 1));
+    Engine     engine(runs::seed() + 1);
+    auto const step = static_cast<std::size_t>(runs::count(4, 1));
     for (std::size_t i = 0; i <= 2 * near && !HasFailure(); i += step) {
         TextsAmongOthers const value{
             7, text(i * 1000), true, text(largest_chunk - room_ahead + i - near), {}, "more", true};
@@ -147,7 +150,7 @@ TEST(LongTexts, OfTheSizeOfTheLargestChunkAreWrittenAlike) {
     }
 }
 
-/// Mostly short; else around the sizes of the buffers.
+/// A size: mostly small, else around the sizes of the buffers.
 std::size_t any_size(Engine& engine) {
     std::size_t const units[] = {0, 1, 2, 3, 4, 6, 7, 8, 12, 16};
     switch (engine() % 8) {
@@ -180,8 +183,8 @@ AllThatIsText all_that_is_text(Engine& engine) {
 }
 
 TEST(LongTexts, FollowOneAnother) {
-    Engine engine(seed() + 2);
-    for (int i = count(300, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 2);
+    for (int i = runs::count(300, 20'000); i > 0 && !HasFailure(); --i) {
         std::list<AllThatIsText> value;
         for (auto left = engine() % 12; left > 0; --left) value.push_back(all_that_is_text(engine));
         expect_written_alike(value, engine);
@@ -204,8 +207,8 @@ void expect_root_written_alike(T const& value, std::string const& (*from_cxx)(T 
 }
 
 TEST(LongTexts, InTablesOfTextsAreWrittenAlike) {
-    Engine engine(seed() + 3);
-    for (int i = count(300, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 3);
+    for (int i = runs::count(300, 20'000); i > 0 && !HasFailure(); --i) {
         std::unordered_map<Strings_T, std::unordered_set<Strings_T>> value;
         for (auto left = 1 + engine() % 6; left > 0; --left) {
             auto& texts = value[text(any_size(engine))];
@@ -218,8 +221,8 @@ TEST(LongTexts, InTablesOfTextsAreWrittenAlike) {
 
 TEST(LongTexts, InChecksAreWrittenAlike) {
     using Check = sml::Base_Gui_Internal_Form_Datas::T_Chk_Data;
-    Engine engine(seed() + 4);
-    for (int i = count(200, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(200, 20'000); i > 0 && !HasFailure(); --i) {
         std::list<std::pair<std::int32_t, Check>> value;
         for (auto left = 1 + engine() % 4; left > 0; --left) {
             auto& check =
@@ -234,7 +237,7 @@ TEST(LongTexts, InChecksAreWrittenAlike) {
     }
 }
 
-/// Ends the writing of the value that it stands in.
+/// A part whose writing throws, which ends the writing of the value around it.
 struct Stop {
     bool is_due = false;
 
@@ -246,15 +249,16 @@ struct Stop {
     }
 };
 
-/// What was written before an exception that is none of the stream's has reached the stream.
+/// The bytes written before an exception that does not come from the stream have reached the
+/// stream.
 TEST(LongTexts, BeforeAnExceptionReachTheStream) {
-    Engine engine(seed() + 5);
-    for (int i = count(2000, 50'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 5);
+    for (int i = runs::count(2000, 50'000); i > 0 && !HasFailure(); --i) {
         using Item = std::tuple<std::string, std::int32_t, bool, Stop>;
         std::list<Item> value;
         for (auto left = 1 + engine() % 8; left > 0; --left)
             value.emplace_back(text(any_size(engine)), 5, engine() % 2 == 0, Stop{left == 1});
-        // Where the stream does not throw: its own exception would come first.
+        // A stream that does not throw; otherwise its own exception would come first.
         std::uint64_t const choice = engine() % 5;
         std::size_t const   end = engine() % 3 == 0 ? no_end : engine() % 60'000;
         bool const          throws = engine() % 2 == 0;

@@ -1,9 +1,9 @@
-// Floats and integers as text and back, against the plain reference.
+// Compares the reading and writing of floats and integers with the reference implementation.
 
-#include "bench/plain/plain.hpp"
 #include "tests/core/comma_locale.hpp"
 #include "tests/plain/outcome.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/reference/plain.hpp"
+#include "tests/runs.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ using zelvanite::IEEE754Float;
 
 constexpr std::uint64_t widths[] = {16, 32, 40, 48, 64, 80, 128};
 
-/// From 0 to `bound` - 1.
+/// A number from 0 to `bound` - 1.
 int below(Engine& engine, int bound) {
     return std::uniform_int_distribution<int>(0, bound - 1)(engine);
 }
@@ -33,7 +33,7 @@ std::string plainly_written(T const& value) {
     return stream.str();
 }
 
-/// What makes up a float: its precision, sign, exponent and limbs.
+/// The parts of a float: its width, precision, sign, exponent and limbs.
 std::vector<std::uint64_t> parts(IEEE754Float const& value) {
     mpfr_srcptr const          number = value.number();
     std::vector<std::uint64_t> all{value.width, static_cast<std::uint64_t>(mpfr_get_prec(number)),
@@ -42,7 +42,7 @@ std::vector<std::uint64_t> parts(IEEE754Float const& value) {
     if (mpfr_regular_p(number) != 0)
         for (mpfr_prec_t bits = 0; bits < mpfr_get_prec(number); bits += 64)
             all.push_back(number->_mpfr_d[bits / 64]);
-    if (mpfr_nan_p(number) != 0) all[2] = 0;  // the sign of a NaN is not looked at
+    if (mpfr_nan_p(number) != 0) all[2] = 0;  // the sign of a NaN does not matter
     return all;
 }
 
@@ -57,12 +57,13 @@ std::vector<std::uint64_t> parts(BigInteger const& value) {
 std::string expect_written_alike(auto const& value) {
     std::string const bytes = wire::write(value);
     Range const       range;
-    EXPECT_EQ(wire::hex(bytes), wire::hex(plainly_written(value)));
+    EXPECT_EQ(hex::shown(bytes), hex::shown(plainly_written(value)));
     EXPECT_EQ(range, Range());
     return bytes;
 }
 
-/// Reads over copies of `before`, from bytes that stand alone so that a sanitizer sees the end.
+/// Reads the bytes over copies of `before`. The bytes are in a block of their exact size, so that a
+/// sanitizer reports a read beyond them.
 template <class T>
 void expect_read_alike(std::string const& bytes, T const& before) {
     std::vector<char> const alone(bytes.begin(), bytes.end());
@@ -73,12 +74,12 @@ void expect_read_alike(std::string const& bytes, T const& before) {
     T             expected(before);
     plain::Buffer buffer(alone.data());
     plain::Reader<plain::Buffer>{buffer}(expected);
-    EXPECT_EQ(parts(ours), parts(expected)) << wire::hex(bytes);
-    EXPECT_EQ(range, Range()) << wire::hex(bytes);
-    EXPECT_EQ(archive.cursor(), buffer.at()) << wire::hex(bytes);
+    EXPECT_EQ(parts(ours), parts(expected)) << hex::shown(bytes);
+    EXPECT_EQ(range, Range()) << hex::shown(bytes);
+    EXPECT_EQ(archive.cursor(), buffer.at()) << hex::shown(bytes);
 }
 
-/// Of any precision: mostly that of its format.
+/// A random float of any precision, mostly that of its format.
 IEEE754Float random_float(Engine& engine) {
     IEEE754Float value;
     value.width = widths[below(engine, 7)];
@@ -130,7 +131,7 @@ std::string float_block(std::string const& text, std::uint64_t width) {
            word(static_cast<std::int32_t>(width));
 }
 
-/// Another text than a writer's, in one place or in several.
+/// Changes the text in one to three places.
 std::string spoilt(std::string text, std::string_view characters, Engine& engine) {
     for (int i = below(engine, 3); i >= 0; --i) {
         auto const at = static_cast<std::size_t>(below(engine, static_cast<int>(text.size()) + 1));
@@ -146,11 +147,11 @@ std::string spoilt(std::string text, std::string_view characters, Engine& engine
 }
 
 TEST(PlainFloats, AreWrittenAndReadAlike) {
-    Engine engine(plain_test::seed());
-    for (int i = plain_test::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed());
+    for (int i = runs::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         auto const        value = random_float(engine);
         std::string const bytes = expect_written_alike(value);
-        // The text stands between two words.
+        // The text is between two words.
         std::string const text = bytes.substr(4, bytes.size() - 8);
         auto const        before = random_float(engine);
         expect_read_alike(bytes, before);
@@ -159,8 +160,8 @@ TEST(PlainFloats, AreWrittenAndReadAlike) {
 }
 
 TEST(PlainFloats, OfForeignTextsAreReadAlike) {
-    Engine engine(plain_test::seed() + 1);
-    for (int i = plain_test::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 1);
+    for (int i = runs::count(100'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         std::string const bytes = wire::write(random_float(engine));
         std::string const text = bytes.substr(4, bytes.size() - 8);
         expect_read_alike(float_block(spoilt(text, "0123456789ABCDEFPX.+-,xpaf \t\0Nn"sv, engine),
@@ -170,7 +171,7 @@ TEST(PlainFloats, OfForeignTextsAreReadAlike) {
 }
 
 TEST(PlainFloats, OfUnlistedWidthsAreWrittenAlike) {
-    Engine engine(plain_test::seed() + 2);
+    Engine engine(runs::seed() + 2);
     for (std::uint64_t const width : {0ull, 1ull, 33ull, 127ull, 1ull << 32, ~0ull}) {
         for (int i = 0; i < 100; ++i) {
             IEEE754Float value = random_float(engine);
@@ -184,7 +185,7 @@ TEST(PlainFloats, OfUnlistedWidthsAreWrittenAlike) {
 TEST(PlainFloats, FollowTheLocale) {
     CommaLocale const comma;
     ASSERT_COMMA_LOCALE(comma);
-    Engine engine(plain_test::seed() + 3);
+    Engine engine(runs::seed() + 3);
     for (int i = 0; i < 10'000 && !HasFailure(); ++i) {
         std::string const bytes = expect_written_alike(random_float(engine));
         std::string const text = bytes.substr(4, bytes.size() - 8);
@@ -203,14 +204,14 @@ BigInteger random_integer(Engine& engine) {
 }
 
 TEST(PlainIntegers, AreWrittenAndReadAlike) {
-    Engine engine(plain_test::seed() + 4);
-    for (int i = plain_test::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i)
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i)
         expect_read_alike(expect_written_alike(random_integer(engine)), random_integer(engine));
 }
 
 TEST(PlainIntegers, OfForeignTextsAreReadAlike) {
-    Engine engine(plain_test::seed() + 5);
-    for (int i = plain_test::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 5);
+    for (int i = runs::count(200'000, 10'000'000); i > 0 && !HasFailure(); --i) {
         std::string const text = spoilt(wire::write(random_integer(engine)).substr(4),
                                         "0123456789abcdefAFgx-+ \0"sv, engine);
         expect_read_alike(word(static_cast<std::int32_t>(text.size())) + text,

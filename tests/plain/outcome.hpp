@@ -1,5 +1,5 @@
 #pragma once
-// What the two sides of a comparison leave besides bytes and objects.
+// Results of a call other than bytes and objects, for comparing two implementations.
 
 #include <mpfr.h>
 
@@ -10,14 +10,14 @@
 
 namespace plain_test {
 
-/// MPFR's exponent range when this was made.
+/// MPFR's exponent range at construction.
 struct Range {
     mpfr_exp_t least = mpfr_get_emin();
     mpfr_exp_t most = mpfr_get_emax();
     auto       operator<=>(Range const&) const = default;
 };
 
-/// What came of it: nothing, or the type and text of the exception.
+/// Runs the action. Returns the type and text of the exception, or the empty text if there is none.
 template <class Action>
 std::string outcome(Action const& action) {
     try {

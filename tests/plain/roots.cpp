@@ -1,8 +1,8 @@
 #include "tests/plain/roots.hpp"
 
 #include <sml/bindings/bindings.hpp>
-#include "bench/plain/plain.hpp"
 #include "tests/random_values.hpp"
+#include "tests/reference/plain.hpp"
 
 namespace plain_test {
 

@@ -1,5 +1,5 @@
 #pragma once
-// Every root as the library and as the plain reference carries it.
+// Every root with its functions in the library and in the reference implementation.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,13 +17,13 @@ using Object = std::shared_ptr<void>;
 struct Root {
     std::string_view stem;
     Object (*make)();
-    /// The value that this seed gives, with so many elements in a container at most.
+    /// A random value from this seed, with at most `elements` elements in each container.
     Object (*random)(std::uint64_t seed, int elements);
 
     void (*assign)(void* target, void const* source);
 
     std::string (*write)(void const* value);
-    /// The result itself, which the next call of any root replaces.
+    /// The result string itself, which the next call of any root replaces.
     std::string const& (*write_result)(void const* value);
     void (*read)(void* value, char const* bytes);
     void (*write_to)(void const* value, std::ostream& stream);

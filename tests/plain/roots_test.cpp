@@ -1,9 +1,10 @@
-// All roots, of random values and from bytes with defined damages, against the plain reference.
+// Compares all roots with the reference implementation, for random values and for bytes with
+// defined damage.
 
 #include "tests/plain/roots.hpp"
 #include <sml/inspect/verify.hpp>
 #include "tests/plain/outcome.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,8 @@ using namespace plain_test;
 
 constexpr int few = 4;
 
-/// Both read the bytes, and what they have read is written by the plain reference: its bytes tell
-/// values and the order of tables.
+/// Expects that both read the same. The reference implementation writes both values: its bytes show
+/// the values and the order of hash tables.
 void expect_read_alike(Root const& root, std::string const& bytes) {
     std::vector<char> const alone(bytes.begin(), bytes.end());
     Object const            ours = root.make();
@@ -30,9 +31,9 @@ void expect_read_alike(Root const& root, std::string const& bytes) {
 }
 
 TEST(PlainRoots, CarryRandomValuesAlike) {
-    std::mt19937_64 engine(seed());
+    std::mt19937_64 engine(runs::seed());
     for (Root const& root : roots()) {
-        for (int i = count(20, 2000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(20, 2000); i > 0 && !HasFailure(); --i) {
             Object const      value = root.random(engine(), few);
             std::string const bytes = root.write(value.get());
             Range const       range;
@@ -43,13 +44,13 @@ TEST(PlainRoots, CarryRandomValuesAlike) {
     }
 }
 
-/// The library's result is one string for all: longer and shorter results take turns.
+/// All roots share one result string. Longer and shorter results alternate.
 TEST(PlainRoots, ResultsOfAllSizesFollowOneAnother) {
-    std::mt19937_64     engine(seed() + 1);
+    std::mt19937_64     engine(runs::seed() + 1);
     auto const&         all = roots();
     std::vector<Object> values;
     for (Root const& root : all) values.push_back(root.random(engine(), few));
-    for (int i = count(2000, 20'000); i > 0 && !HasFailure(); --i) {
+    for (int i = runs::count(2000, 20'000); i > 0 && !HasFailure(); --i) {
         std::size_t const one = engine() % all.size();
         EXPECT_TRUE(all[one].write(values[one].get()) == all[one].plain_write(values[one].get()))
             << all[one].stem;
@@ -63,7 +64,7 @@ std::string damaged(std::string bytes, std::mt19937_64& engine) {
             case 0: bytes[at] = static_cast<char>(engine()); break;
             case 1: bytes[at] = static_cast<char>(bytes[at] + 1); break;
             case 2: bytes[at] = "TF0123456789abcdef"[engine() % 18]; break;
-            default: {  // a word from elsewhere: another tag, another string's id
+            default: {  // a word of other bytes: another tag or string id
                 std::size_t const from = engine() % bytes.size();
                 bytes.replace(at, 4, bytes, from, 4);
             }
@@ -72,15 +73,15 @@ std::string damaged(std::string bytes, std::mt19937_64& engine) {
     return bytes;
 }
 
-/// Beyond the bytes of the result before, and beyond several chunks.
+/// Values larger than the previous result and larger than several chunks.
 TEST(PlainRoots, CarryLargeValuesAlike) {
-    std::mt19937_64 engine(seed() + 4);
+    std::mt19937_64 engine(runs::seed() + 4);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results" &&
             root.stem != "Base_Gui_Internal_Form_Datas_Check_Id_Data_Pairs_T" &&
             root.stem != "String_To_StringSet_T")
             continue;
-        for (int i = count(3, 50); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(3, 50); i > 0 && !HasFailure(); --i) {
             // A table of sets that grows often; tables of tables in the others.
             int const         most = root.stem == "String_To_StringSet_T" ? 1000 : 30;
             Object const      value = root.random(engine(), most);
@@ -104,11 +105,11 @@ TEST(PlainRoots, CarryLargeValuesAlike) {
 }
 
 TEST(PlainRoots, ReadOddBytesAlike) {
-    std::mt19937_64 engine(seed() + 2);
+    std::mt19937_64 engine(runs::seed() + 2);
     std::size_t     odd_count = 0;
     for (Root const& root : roots()) {
         auto const& described = *sml::inspect::find_root(root.stem);
-        for (int i = count(5, 200); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(5, 200); i > 0 && !HasFailure(); --i) {
             std::string const bytes = root.write(root.random(engine(), few).get());
             for (int j = 0; j < 60; ++j) {
                 std::string const other = damaged(bytes, engine);
@@ -123,9 +124,9 @@ TEST(PlainRoots, ReadOddBytesAlike) {
 }
 
 TEST(PlainRoots, ReadIntoValuesThatHoldContentAlike) {
-    std::mt19937_64 engine(seed() + 3);
+    std::mt19937_64 engine(runs::seed() + 3);
     for (Root const& root : roots()) {
-        for (int i = count(10, 500); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(10, 500); i > 0 && !HasFailure(); --i) {
             std::uint64_t const held = engine();
             std::string const   bytes = root.write(root.random(engine(), few).get());
             Object const        ours = root.random(held, few);

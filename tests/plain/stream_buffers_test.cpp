@@ -1,10 +1,10 @@
-// What a caller's stream buffer and locale may do, against the plain reference.
+// Compares the effects of callers' stream buffers and locales with the reference implementation.
 
 #include <sml/bindings/bindings.hpp>
 #include "tests/plain/archived.hpp"
 #include "tests/plain/caller_streams.hpp"
-#include "tests/plain/seed.hpp"
 #include "tests/random_values.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -19,12 +19,12 @@ using namespace plain_test;
 using Engine = std::mt19937_64;
 using sml::Strings_T;
 
-/// Holds a part of its bytes at a time, in memory that is new each time.
+/// A buffer that has only a part of its bytes in memory at a time, in a new block each time.
 class Refilled : public std::streambuf {
 public:
     Refilled(std::string bytes, std::size_t window) : bytes_(std::move(bytes)), window_(window) {}
 
-    /// How many bytes have been taken.
+    /// The number of bytes read.
     std::size_t taken() const { return held_to_ - static_cast<std::size_t>(egptr() - gptr()); }
 
 protected:
@@ -33,7 +33,7 @@ protected:
         return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
     }
 
-    /// Holds up to so many bytes from there on.
+    /// Loads up to `size` bytes from offset `start`.
     void hold_from(std::size_t start, std::size_t size) {
         size = std::min(size, bytes_.size() - start);
         held_ = std::make_unique_for_overwrite<char[]>(size);
@@ -51,7 +51,7 @@ private:
     std::unique_ptr<char[]> held_;
 };
 
-/// Changes what it holds whenever a block has been read.
+/// A buffer that changes its memory whenever a block has been read.
 class Changing : public Refilled {
 public:
     using Refilled::Refilled;
@@ -66,7 +66,7 @@ protected:
     virtual void change() = 0;
 };
 
-/// Moves what it holds to the front.
+/// Moves the remaining bytes to the front.
 class Compacting : public Changing {
 public:
     using Changing::Changing;
@@ -79,7 +79,7 @@ protected:
     }
 };
 
-/// Fills itself up in other memory.
+/// Loads the following bytes into other memory.
 class FilledUp : public Changing {
 public:
     using Changing::Changing;
@@ -88,7 +88,7 @@ protected:
     void change() override { hold_from(taken(), window()); }
 };
 
-/// Holds nothing: the next byte is asked for anew.
+/// Has no byte in memory, so the next one is requested anew.
 class Emptied : public Changing {
 public:
     using Changing::Changing;
@@ -97,7 +97,7 @@ protected:
     void change() override { hold_from(taken(), 0); }
 };
 
-/// Gives what has not been read back when it is flushed, as a file does that is read and written.
+/// Gives the unread bytes back when it is flushed, as a file that is read and written does.
 class Duplex : public Refilled {
 public:
     using Refilled::Refilled;
@@ -109,7 +109,7 @@ protected:
     }
 };
 
-/// Throws when it is flushed once too often, what has not been read given back.
+/// Throws when it is flushed more than `flushes` times. It gives the unread bytes back first.
 class Unflushable : public Refilled {
 public:
     Unflushable(std::string bytes, std::size_t window, int flushes)
@@ -126,22 +126,22 @@ private:
     int flushes_;
 };
 
-/// Reads two objects; tells what came of each, what was taken, and what they hold.
+/// Reads two objects. Describes the outcome of each, the number of bytes read, and the objects.
 template <class Buffer, class T, class Read>
 std::string read_two(std::string const& bytes, std::size_t window, bool is_tied, Read const& read) {
     Buffer       buffer(bytes, window);
     std::istream stream(&buffer);
     std::ostream other_way(&buffer);
     if (is_tied) stream.tie(&other_way);
-    std::string told;
+    std::string outcomes;
     for (int object = 0; object < 2; ++object) {
         T value{};
-        told += outcome([&] { read(value, stream); });
-        told += " state " + std::to_string(stream.rdstate()) + " count " +
-                std::to_string(stream.gcount()) + " taken " + std::to_string(buffer.taken()) +
-                " value " + plainly_written(value);
+        outcomes += outcome([&] { read(value, stream); });
+        outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                    std::to_string(stream.gcount()) + " taken " + std::to_string(buffer.taken()) +
+                    " value " + plainly_written(value);
     }
-    return told;
+    return outcomes;
 }
 
 template <class Buffer, class T, class Read>
@@ -168,16 +168,16 @@ void expect_read_alike_from_all(std::string const& bytes, Engine& engine, Read c
 
 template <class T>
 void expect_two_read_alike(Engine& engine) {
-    for (int i = count(100, 5000); i > 0 && !testing::Test::HasFailure(); --i) {
+    for (int i = runs::count(100, 5000); i > 0 && !testing::Test::HasFailure(); --i) {
         RandomValues      random(engine(), {8, 3});
         std::string const bytes =
             plainly_written(random.make<T>()) + plainly_written(random.make<T>()) + "behind";
-        expect_read_alike_from_all<T>(bytes, engine, read_archived<T>);
+        expect_read_alike_from_all<T>(bytes, engine, sml::core::read_from_stream<T>);
     }
 }
 
 TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoObjects) {
-    Engine engine(seed());
+    Engine engine(runs::seed());
     expect_two_read_alike<std::int64_t>(engine);
     expect_two_read_alike<bool>(engine);
     expect_two_read_alike<std::pair<std::int32_t, bool>>(engine);
@@ -192,8 +192,8 @@ TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoObjects) {
 }
 
 TEST(StreamBuffers, ThatMoveWhatTheyHoldGiveTwoRoots) {
-    Engine engine(seed() + 1);
-    for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 1);
+    for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
         RandomValues random(engine(), {12, 3});
 
         using Reference = sml::Interrogators::T_FunctionRef;
@@ -225,37 +225,38 @@ TEST(StreamBuffers, ThatThrowWhenTheyAreFlushedEndTheRead) {
         Unflushable  buffer(bytes, window, flushes);
         std::istream stream(&buffer);
         std::ostream other_way(&buffer);
-        stream.get();  // holds bytes from here on
+        stream.get();  // loads bytes
         stream.unget();
         other_way.exceptions(std::ios::badbit);
         stream.exceptions(std::ios::badbit);
         stream.tie(&other_way);
         Values      value;
-        std::string told = outcome([&] { read(value, stream); });
-        return told + " taken " + std::to_string(buffer.taken()) + " value " +
+        std::string outcomes = outcome([&] { read(value, stream); });
+        return outcomes + " taken " + std::to_string(buffer.taken()) + " value " +
                plainly_written(value);
     };
     for (std::size_t const window : {1u, 20u, 300u, 20'000u})
         for (int flushes = 0; flushes < 300; flushes += 1 + flushes / 8)
-            ASSERT_EQ(read_flushed(read_archived<Values>, window, flushes),
+            ASSERT_EQ(read_flushed(sml::core::read_from_stream<Values>, window, flushes),
                       read_flushed(plain::from_stream<Values>, window, flushes))
                 << window << ", " << flushes;
 }
 
-/// The second text of the first object has a length that no text has.
+/// The second text of the first object has an impossible length.
 TEST(StreamBuffers, ThatMoveWhatTheyHoldStandWhereAnExceptionLeavesThem) {
     using Item = std::tuple<std::int32_t, std::array<bool, 4>, std::string, bool, std::string>;
-    Engine engine(seed() + 2);
-    for (int i = count(200, 5000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 2);
+    for (int i = runs::count(200, 5000); i > 0 && !HasFailure(); --i) {
         Item        item{1, {true, false, true, true}, std::string(engine() % 200, 'a'), true, ""};
         std::string bytes = plainly_written(item);
         bytes.replace(bytes.size() - 4, 4, 4, '\xff');
         bytes += plainly_written(item) + "behind";
-        expect_read_alike_from_all<Item>(bytes, engine, read_archived<Item>);
+        expect_read_alike_from_all<Item>(bytes, engine, sml::core::read_from_stream<Item>);
     }
 }
 
-/// The classic locale, but these characters are white space, too; a blank is where it says so.
+/// The classic locale, except that these characters are white space, and a blank is only if `blank`
+/// is true.
 std::locale locale_with_spaces(std::string_view spaces, bool blank) {
     using Kinds = std::ctype<char>;
     static std::list<std::vector<Kinds::mask>> tables;  // one for each locale, which refers to it
@@ -269,33 +270,33 @@ std::locale locale_with_spaces(std::string_view spaces, bool blank) {
 
 using Flags = std::tuple<std::int32_t, bool, bool, std::array<bool, 4>, std::int32_t, bool>;
 
-/// Reads two values; tells where each leaves the stream, and what they hold.
+/// Reads two values. Describes the state of the stream after each, and the values.
 std::string read_flags(std::string const& bytes, std::locale const& locale, bool skips,
                        void (*read)(Flags&, std::istream&)) {
     std::istringstream stream(bytes);
     stream.imbue(locale);
     if (!skips) stream.unsetf(std::ios::skipws);
-    std::string told;
+    std::string outcomes;
     for (int object = 0; object < 2; ++object) {
         Flags value{};
         read(value, stream);
-        told += " state " + std::to_string(stream.rdstate()) + " count " +
-                std::to_string(stream.gcount()) + " at " + std::to_string(stream.tellg()) +
-                " value " + plainly_written(value);
+        outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                    std::to_string(stream.gcount()) + " at " + std::to_string(stream.tellg()) +
+                    " value " + plainly_written(value);
     }
-    return told;
+    return outcomes;
 }
 
 TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
-    Engine engine(seed() + 3);
+    Engine engine(runs::seed() + 3);
     for (std::string_view const spaces : {"", "T", "F", "TF", "01", "TF0"}) {
         for (bool const has_blank : {true, false}) {
             std::locale const locale = locale_with_spaces(spaces, has_blank);
-            for (int i = count(50, 5000); i > 0 && !HasFailure(); --i) {
+            for (int i = runs::count(50, 5000); i > 0 && !HasFailure(); --i) {
                 std::string bytes;
                 while (bytes.size() < 60) bytes += "TF01 \n"[engine() % 6];
                 bool const skips = engine() % 2 == 0;
-                EXPECT_EQ(read_flags(bytes, locale, skips, read_archived<Flags>),
+                EXPECT_EQ(read_flags(bytes, locale, skips, sml::core::read_from_stream<Flags>),
                           read_flags(bytes, locale, skips, plain::from_stream<Flags>))
                     << "spaces " << spaces << " blank " << has_blank << " skips " << skips
                     << " bytes " << bytes;
@@ -304,7 +305,7 @@ TEST(StreamLocale, SaysWhatIsSkippedBeforeAFlag) {
     }
 }
 
-/// Notes the exponent range at each call.
+/// Records the exponent range at each call.
 class Watcher : public BlockTaker {
 public:
     Watcher() : BlockTaker(no_end, false) {}
@@ -337,7 +338,8 @@ Floats random_floats(Engine& engine) {
     return value;
 }
 
-/// The exponent ranges that the stream's buffer sees; the last is the one that is left.
+/// The exponent ranges that are in force when the stream's buffer is called, and last the one that
+/// remains.
 std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
     mpfr_set_emin(-5000);
     mpfr_set_emax(5000);
@@ -347,10 +349,10 @@ std::vector<Range> ranges_seen(auto const& write, std::uint64_t choice) {
     return watcher.seen;
 }
 
-/// Not the one that the process had before: a float comes first.
+/// The range seen is not the process's initial one, because a float comes first.
 TEST(StreamBuffers, SeeAnExponentRangeThatPlainCodeShows) {
-    Engine engine(seed() + 4);
-    for (int i = count(500, 20'000); i > 0 && !HasFailure(); --i) {
+    Engine engine(runs::seed() + 4);
+    for (int i = runs::count(500, 20'000); i > 0 && !HasFailure(); --i) {
         Floats const        value = random_floats(engine);
         std::uint64_t const choice = engine();
         auto const          seen = ranges_seen(archiving(value), choice);

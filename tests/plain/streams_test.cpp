@@ -1,8 +1,8 @@
-// Caller's streams in every state, against the plain reference.
+// Compares callers' streams in every state with the reference implementation.
 
 #include "tests/plain/caller_streams.hpp"
 #include "tests/plain/roots.hpp"
-#include "tests/plain/seed.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,13 +16,14 @@ using namespace plain_test;
 
 constexpr int few = 4;
 
-/// Gives bytes through a window of so many at a time and can't seek; at the end it ends, or throws.
+/// A buffer that supplies `window` bytes at a time and can't seek. At the end it reports the end or
+/// throws.
 class Giver : public std::streambuf {
 public:
     Giver(std::string bytes, std::size_t window, bool throws)
         : bytes_(std::move(bytes)), window_(window), throws_(throws) {}
 
-    /// How many bytes have been taken.
+    /// The number of bytes read.
     std::size_t taken() const { return given_ - static_cast<std::size_t>(egptr() - gptr()); }
 
 protected:
@@ -45,15 +46,15 @@ private:
     std::size_t given_ = 0;
 };
 
-/// Writes one value by one of the root's two functions.
+/// Returns a function that writes the value with `write`.
 auto writing(void (*write)(void const*, std::ostream&), Object const& value) {
     return [write, &value](std::ostream& stream) { write(value.get(), stream); };
 }
 
 TEST(PlainStreams, AreWrittenAlike) {
-    std::mt19937_64 engine(seed());
+    std::mt19937_64 engine(runs::seed());
     for (Root const& root : roots()) {
-        for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
             Object const        value = root.random(engine(), few);
             std::size_t const   size = root.write(value.get()).size();
             std::size_t const   most = engine() % 3 == 0 ? ~std::size_t{0} : engine() % (size + 2);
@@ -71,9 +72,9 @@ TEST(PlainStreams, AreWrittenAlike) {
     }
 }
 
-/// Longer than what is held back, with the end of the stream anywhere.
+/// Values larger than the writer's buffer, with the end of the stream at any offset.
 TEST(PlainStreams, AreWrittenAlikeWhenLong) {
-    std::mt19937_64 engine(seed() + 3);
+    std::mt19937_64 engine(runs::seed() + 3);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results") continue;
         Object      value;
@@ -82,7 +83,7 @@ TEST(PlainStreams, AreWrittenAlikeWhenLong) {
             value = root.random(engine(), 40);
             size = root.write(value.get()).size();
         }
-        for (int i = count(20, 1000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(20, 1000); i > 0 && !HasFailure(); --i) {
             std::size_t const   most = engine() % (size + 2);
             bool const          throws = engine() % 2 == 0;
             std::uint64_t const choice = engine();
@@ -96,7 +97,7 @@ TEST(PlainStreams, AreWrittenAlikeWhenLong) {
 }
 
 struct Read {
-    std::string told;
+    std::string outcomes;
     Object      value;
 };
 
@@ -106,18 +107,20 @@ Read read(Root const& root, void (*read)(void*, std::istream&), Giver& buffer, s
     set_up(stream, choice);
     TiedStream const tied(stream, choice, tied_may_throw);
     Read             result{outcome([&] { stream.setstate(state); }), root.make()};
-    result.told += outcome([&] { read(result.value.get(), stream); });
-    result.told += " state " + std::to_string(stream.rdstate()) + " count " +
-                   std::to_string(stream.gcount()) + " width " + std::to_string(stream.width()) +
-                   " taken " + std::to_string(buffer.taken()) + tied.told();
+    result.outcomes += outcome([&] { read(result.value.get(), stream); });
+    result.outcomes += " state " + std::to_string(stream.rdstate()) + " count " +
+                       std::to_string(stream.gcount()) + " width " +
+                       std::to_string(stream.width()) + " taken " + std::to_string(buffer.taken()) +
+                       tied.calls();
     return result;
 }
 
-/// Not damaged: a failed read takes the word before it for a length, of any size.
+/// The bytes are not damaged, because after a failed read any previous word would be used as a
+/// length.
 TEST(PlainStreams, AreReadAlike) {
-    std::mt19937_64 engine(seed() + 1);
+    std::mt19937_64 engine(runs::seed() + 1);
     for (Root const& root : roots()) {
-        for (int i = count(100, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(100, 5000); i > 0 && !HasFailure(); --i) {
             std::string bytes = root.write(root.random(engine(), few).get());
             bytes += "behind";
             std::size_t const   windows[] = {1, 2, 3, 7, 8, 64, 1000, ~std::size_t{0}};
@@ -129,7 +132,7 @@ TEST(PlainStreams, AreReadAlike) {
                 read(root, root.read_from, our_buffer, choice, std::ios::goodbit, false);
             Read const expected =
                 read(root, root.plain_read_from, expected_buffer, choice, std::ios::goodbit, false);
-            EXPECT_EQ(ours.told, expected.told) << root.stem << " window " << window;
+            EXPECT_EQ(ours.outcomes, expected.outcomes) << root.stem << " window " << window;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))
                 << root.stem;
@@ -137,14 +140,14 @@ TEST(PlainStreams, AreReadAlike) {
     }
 }
 
-/// Of the roots of fixed size, which a failed read can do no harm.
+/// Only roots of fixed size, for which a failed read is harmless.
 TEST(PlainStreams, ThatFailAreReadAlike) {
-    std::mt19937_64 engine(seed() + 2);
+    std::mt19937_64 engine(runs::seed() + 2);
     for (Root const& root : roots()) {
         if (root.stem != "Integers64_T" && root.stem != "Interrogators_ClassKey" &&
             root.stem != "Answers_Context" && !root.stem.ends_with("Ref"))
             continue;
-        for (int i = count(300, 5000); i > 0 && !HasFailure(); --i) {
+        for (int i = runs::count(300, 5000); i > 0 && !HasFailure(); --i) {
             std::string bytes = root.write(root.random(engine(), few).get());
             if (engine() % 4 == 0) bytes.insert(engine() % bytes.size(), " \n\t ", engine() % 4);
             bytes.resize(engine() % (bytes.size() + 1));
@@ -157,7 +160,7 @@ TEST(PlainStreams, ThatFailAreReadAlike) {
             Read const          ours = read(root, root.read_from, our_buffer, choice, state, true);
             Read const          expected =
                 read(root, root.plain_read_from, expected_buffer, choice, state, true);
-            EXPECT_EQ(ours.told, expected.told) << root.stem << " setting " << choice % 8;
+            EXPECT_EQ(ours.outcomes, expected.outcomes) << root.stem << " setting " << choice % 8;
             EXPECT_TRUE(root.plain_write(ours.value.get()) ==
                         root.plain_write(expected.value.get()))
                 << root.stem;

@@ -1,7 +1,8 @@
 #pragma once
-// Whole variants and enumerations checked against a table written out by hand.
+// Compares whole variants and enumerations with tables written by hand.
 
 #include <sml/core/kinds.hpp>
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -9,9 +10,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace tables {
+
+constexpr auto smallest = std::numeric_limits<std::int32_t>::min();
+constexpr auto largest = std::numeric_limits<std::int32_t>::max();
 
 /// An arm at the position of its tag: its name, and the payload that a fresh arm writes.
 struct ArmRow {
@@ -33,73 +40,83 @@ inline std::string tag_bytes(std::int32_t tag) {
     return bytes;
 }
 
-/// A variant on `tag` writes the tag and this payload; both come back.
+/// Expects that a variant with `tag` writes the tag and this payload, and that both are read again.
 template <class Variant>
 void expect_payload(std::int32_t tag, std::string_view payload) {
     SCOPED_TRACE(testing::Message() << "tag " << tag);
     Variant const value = with_tag<Variant>(tag);
     EXPECT_EQ(value.tag, tag);
-    wire::expect(value, wire::hex(tag_bytes(tag)) + std::string(payload));
-    std::string const bytes = tag_bytes(tag) + wire::bytes(payload);
+    wire::expect(value, hex::shown(tag_bytes(tag)) + std::string(payload));
+    std::string const bytes = tag_bytes(tag) + hex::bytes(payload);
     EXPECT_EQ(wire::read<Variant>(bytes).tag, tag);
 }
 
-/// The table names every arm, and none is missing.
-template <class Variant, std::size_t Count>
-void expect_arms(ArmRow const (&rows)[Count]) {
-    EXPECT_EQ(std::size_t{Variant::arms::count}, Count)
+/// The table names every arm, and none is missing. Tags that no arm has, negative ones too, have
+/// the payload `unknown`.
+template <class Variant>
+void expect_arms(std::span<ArmRow const> rows, std::string_view unknown) {
+    ASSERT_EQ(std::size_t{Variant::arms::count}, rows.size())
         << "the table in this test must have a row for each arm, at its place in byte order";
-    for (std::size_t i = 0; i < Count; ++i) {
-        auto const tag = static_cast<std::int32_t>(i);
-        EXPECT_STREQ(with_tag<Variant>(tag).toString(), rows[i].name);
-        expect_payload<Variant>(tag, rows[i].payload);
+    constexpr std::int32_t count = Variant::arms::count;
+    for (std::int32_t tag = 0; tag < count; ++tag) {
+        ArmRow const& row = rows[static_cast<std::size_t>(tag)];
+        EXPECT_STREQ(with_tag<Variant>(tag).toString(), row.name);
+        expect_payload<Variant>(tag, row.payload);
     }
     EXPECT_EQ(Variant().tag, -1);
-    constexpr auto past_last = static_cast<std::int32_t>(Count);
-    constexpr auto smallest = std::numeric_limits<std::int32_t>::min();
-    constexpr auto largest = std::numeric_limits<std::int32_t>::max();
-    for (std::int32_t const tag : {-1, -2, smallest})
-        EXPECT_STREQ(with_tag<Variant>(tag).toString(), rows[0].name) << tag;
-    for (std::int32_t const tag : {past_last, past_last + 1, largest})
-        EXPECT_EQ(with_tag<Variant>(tag).toString(), nullptr) << tag;
-}
-
-/// The tags that no arm has, negative ones too, carry this payload.
-template <class Variant>
-void expect_stray_tags(std::string_view payload) {
-    for (std::int32_t const tag :
-         {-1, -2, std::numeric_limits<std::int32_t>::min(), Variant::arms::count,
-          Variant::arms::count + 1, std::numeric_limits<std::int32_t>::max()})
-        expect_payload<Variant>(tag, payload);
-}
-
-/// Of two values on one tag each is less than the other exactly on the arms without payload (and
-/// on the tags past the last arm where those are bare), and they are equal. On arms with payload
-/// `fill` makes the payload such that it is equal to itself.
-template <class Variant, class Fill>
-void expect_arms_without_payload_less(Fill fill) {
-    for (std::int32_t tag = 0; tag < Variant::arms::count; ++tag) {
-        SCOPED_TRACE(testing::Message() << "tag " << tag);
-        Variant left = with_tag<Variant>(tag);
-        fill(left);
-        ASSERT_EQ(left.tag, tag);
-        Variant const right = left;
-        bool const    bare = !Variant::arms::has_payload[static_cast<std::size_t>(tag)];
-        EXPECT_TRUE(left == right);
-        EXPECT_EQ(left < right, bare);
-        EXPECT_EQ(right < left, bare);
+    for (std::int32_t const tag : {-1, -2, smallest, count, count + 1, largest}) {
+        EXPECT_STREQ(with_tag<Variant>(tag).toString(), tag < 0 ? rows[0].name : nullptr) << tag;
+        expect_payload<Variant>(tag, unknown);
     }
 }
 
-/// The enumerators count from 0 and print their names; every other value prints a null pointer.
+/// Tags that no arm has are bare.
+template <class Variant, std::size_t Count>
+void expect_arms(ArmRow const (&rows)[Count]) {
+    expect_arms<Variant>(rows, "");
+}
+
+/// Tags that no arm has stand before the last arm's payload.
+template <class Variant, std::size_t Count>
+void expect_arms_with_catch_all(ArmRow const (&rows)[Count]) {
+    expect_arms<Variant>(rows, rows[Count - 1].payload);
+}
+
+/// What `<` and `==` say by the tag alone: different tags decide, as signed numbers, those that no
+/// arm has among them. A value without payload is equal to itself and less; one with a negative tag
+/// is neither, and one with a fresh payload isn't less.
+template <class Variant>
+void expect_order_by_tag() {
+    using Arms = typename Variant::arms;
+    std::vector<std::int32_t> tags{smallest, -2, -1};
+    for (std::int32_t tag = 0; tag <= Arms::count; ++tag) tags.push_back(tag);
+    tags.push_back(largest);
+    order::expect_unordered(Variant(), Variant());
+    for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
+        SCOPED_TRACE(testing::Message() << "tag " << *tag);
+        Variant const value = with_tag<Variant>(*tag);
+        Variant const same = value;
+        if (*tag < 0)
+            order::expect_unordered(value, same);
+        else if (Arms::arm_for(*tag) < 0)
+            order::expect_equal_and_each_less(value, same);
+        else
+            EXPECT_FALSE(value < same);
+        for (auto greater = tag + 1; greater != tags.end(); ++greater) {
+            SCOPED_TRACE(testing::Message() << "and tag " << *greater);
+            order::expect_less(value, with_tag<Variant>(*greater));
+        }
+    }
+}
+
+/// Expects that the enumerators count from 0 and print their names, and that toString returns null
+/// for every other value.
 template <class Enumeration, std::size_t Count>
 void expect_enumerators(char const* const (&names)[Count]) {
     for (std::size_t i = 0; i < Count; ++i)
         EXPECT_STREQ(toString(static_cast<Enumeration>(i)), names[i]);
     constexpr auto past_last = static_cast<std::int32_t>(Count);
-    for (std::int32_t const value :
-         {-1, past_last, past_last + 1, std::numeric_limits<std::int32_t>::min(),
-          std::numeric_limits<std::int32_t>::max()})
+    for (std::int32_t const value : {-1, past_last, past_last + 1, smallest, largest})
         EXPECT_EQ(toString(static_cast<Enumeration>(value)), nullptr) << value;
 }
 

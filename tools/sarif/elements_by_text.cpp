@@ -8,7 +8,7 @@ json::value const* ElementsByText::find(std::string_view wanted) {
     while (list_ != nullptr && looked_at_ < list_->size()) {
         auto const& element = (*list_)[looked_at_];
         auto const  text = json_input::view(element, member_name_);
-        ++looked_at_;  // only now: a misfit stays one for whoever comes next
+        ++looked_at_;  // not before `view`: if it throws, the next search throws again
         if (!text) continue;
         known_.try_emplace(*text, &element);
         if (*text == wanted) return &element;

@@ -9,9 +9,9 @@ namespace bradep::sarif {
 
 namespace json = boost::json;
 
-/// Finds elements of a list by a text that is a member of theirs. Each element is looked at once,
-/// and none behind the one that is wanted: what is wrong with that is nobody's concern yet. The
-/// list, which may be null, must outlive this.
+/// Finds elements of a list by a member that is a text. Each element is read once, and none after
+/// the one that is found, so errors in later elements are not reported yet. The list, which may be
+/// null, must outlive this object.
 class ElementsByText {
 public:
     ElementsByText(json::array const* list, std::string_view member_name)

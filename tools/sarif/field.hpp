@@ -1,5 +1,5 @@
 #pragma once
-// What the rows of the table in fields.hpp are made of.
+// The types of the rows in fields.hpp.
 
 #include <cstdint>
 #include <functional>
@@ -9,10 +9,11 @@
 
 namespace bradep::sarif {
 
-/// A field of the set: its path, in the words of `bradep dump`, and the way to it from a record.
+/// A field of the set: its path, as `bradep dump` spells it, and a function that finds it in a
+/// record.
 template <class Access>
 struct Held {
-    char const* table;  ///< the path of the record; null where `field` is no path, but words
+    char const* table;  ///< the path of the record; null if `field` is a description
     char const* field;  ///< the path below it
     Access      access;
 
@@ -27,7 +28,7 @@ constexpr Held<Access> held(char const* table, char const* field, Access access)
     return {table, field, access};
 }
 
-/// The way along members of members.
+/// Follows a chain of member pointers.
 template <auto... members>
 struct Along {
     template <class Record>
@@ -38,7 +39,8 @@ struct Along {
 template <auto... members>
 constexpr Along<members...> along;
 
-/// The bits of a word of the set that say that a value is given: absent and 0 or empty stay apart.
+/// The bits in a word of the set that say that a value is given. They distinguish an absent value
+/// from 0 or an empty text.
 template <class Access>
 struct Given {
     std::uint32_t bits;
@@ -60,10 +62,10 @@ struct Given {
 template <class Access>
 Given(std::uint32_t, Held<Access>) -> Given<Access>;
 
-/// The field itself can say that there is nothing.
+/// The field itself can say that the value is absent.
 struct NoBits {};
 
-/// What a field holds, or would hold where it says that there is nothing.
+/// The value of a field; a default value if the field is an empty optional.
 template <class T>
 T const& content(T const& field) {
     return field;
@@ -73,7 +75,7 @@ T content(std::optional<T> const& field) {
     return field.value_or(T());
 }
 
-/// Half of a word, as a number with a sign.
+/// One half of a 64-bit word, as a signed number.
 template <class Word>
 class Half {
 public:
@@ -102,8 +104,8 @@ struct Field {
                     Held<Access> its_held, Bits its_given = {})
         : sarif(its_sarif), shown(its_shown), said(its_said), held(its_held), given(its_given) {}
 
-    char const*  sarif;  ///< what it is in a log
-    char const*  shown;  ///< its name in `show --json`, null where it is not there
+    char const*  sarif;  ///< its name in a log
+    char const*  shown;  ///< its name in `show --json`; null if it is not printed
     Said         said;   ///< the member of the object
     Held<Access> held;
     Bits         given;
@@ -129,8 +131,8 @@ struct Field {
     }
 };
 
-/// A property that is no plain field: `hold_value(value, record)` and `restore_value(value,
-/// record)` are written by hand.
+/// A property that needs functions of its own to be written and read: `hold_value(value, record)`
+/// and `restore_value(value, record)`.
 template <class Said, class Hold, class Restore>
 struct ByHand {
     char const* sarif;
@@ -156,13 +158,13 @@ template <class Said, class Hold, class Restore>
 ByHand(char const*, char const*, Said, char const*, char const*, Hold, Restore)
     -> ByHand<Said, Hold, Restore>;
 
-/// A field that follows from the others, or is always the same: it is written and never read.
+/// A field that is computed from others or is constant. It is written and never read.
 template <class Make>
 struct Derived {
     char const* what;
     char const* table;
     char const* field;
-    Make        make;  ///< writes it, given the object and the record
+    Make        make;  ///< `make(object, record)` writes the field
 
     template <class Part, class Record>
     void hold(Part const& part, Record const& record) const {
@@ -181,13 +183,13 @@ constexpr void for_each_row(std::tuple<Rows...> const& rows, Use const& use) {
     std::apply([&](auto const&... row) { (use(row), ...); }, rows);
 }
 
-/// Writes what the object says into the record, which is new.
+/// Writes the properties of the object into the record, which must be new.
 template <class Rows, class Part, class Record>
 void hold(Rows const& rows, Part const& part, Record const& record) {
     for_each_row(rows, [&](auto const& row) { row.hold(part, record); });
 }
 
-/// Gives the object, which is new, what the record holds.
+/// Sets the properties of the object, which must be new, from the record.
 template <class Rows, class Part, class Record>
 void restore(Rows const& rows, Part& part, Record const& record) {
     for_each_row(rows, [&](auto const& row) { row.restore(part, record); });

@@ -1,13 +1,13 @@
 #pragma once
-// Where a result set holds what a SARIF log says: one table, in both directions.
+// Maps properties of SARIF objects to fields of a result set: one list of rows for both directions.
 //
-// A row is a property of a SARIF object: what it is in a log, its name in `show --json`, the member
+// A row is a property of a SARIF object: its name in a log, its name in `show --json`, the member
 // of the object (result.hpp) that has it, and the field of the set that holds it. `hold` goes
-// through the rows of an object to fill a record of the set, `restore` through the same rows to get
-// the object back. A field that can't say that nothing is given has a bit beside it that does. A
-// property that is no plain field has a row with two functions written by hand, and a field that
-// only follows from others has a row that is never read. docs/sarif.md prints the rows, and a test
-// holds each path against what `bradep dump` finds there.
+// through the rows of an object to fill a record of the set, and `restore` goes through the same
+// rows to get the object back. If a field can't say that a value is absent, the row names a bit
+// that does. A property that is not a plain field has a row with two functions of its own. A field
+// that is computed from others has a row that is never read. docs/sarif.md prints the rows, and a
+// test compares each path with the output of `bradep dump`.
 
 #include "sarif/field.hpp"
 #include "sarif/flows.hpp"
@@ -26,7 +26,7 @@
 
 namespace bradep::sarif::fields {
 
-// A set holds the runs of all its logs.
+// A set has one number of runs for all its logs.
 
 struct Logs {
     std::int32_t runs;
@@ -40,7 +40,7 @@ inline constexpr Field runs{
 
 inline constexpr std::tuple of_logs{runs};
 
-// Steps of flows are events.
+// A step of a flow is an event.
 
 inline constexpr std::tuple of_step{
     PlaceField{"`location`", &Step::place, short_place, in_event("source_ref", &Event::source_ref),
@@ -63,9 +63,9 @@ inline constexpr std::tuple of_failure{Derived{"always `UNKNOWN`", checks_path,
                                                    record.failure.technology.choose<"UNKNOWN">();
                                                }}};
 
-// Information records tell more of a check: what the elements of three lists say.
+// Information records hold more of a check: the elements of three lists.
 
-/// Which check one tells of, and which element it is.
+/// The check of an information record, the list, and the index of the element in it.
 struct InfoHead {
     Text         role;
     std::int32_t position;
@@ -127,7 +127,7 @@ inline constexpr std::tuple of_suppression{
            }},
     Field{"`status`", "status", &Suppression::status, tooltip, tooltip_is_given}};
 
-/// A list of a result, each element of which, from `first` on, is an information record.
+/// A list of a result. Each element, from index `first` on, is an information record.
 template <class Said, class Rows>
 struct InfoList {
     char const* sarif;
@@ -135,7 +135,7 @@ struct InfoList {
     Said        said;
     char const* role;
     std::size_t first;
-    Rows        rows;  ///< of an element
+    Rows        rows;  ///< the rows of an element
 };
 template <class Said, class Rows>
 InfoList(char const*, char const*, Said, char const*, std::size_t, Rows) -> InfoList<Said, Rows>;
@@ -151,7 +151,7 @@ inline constexpr InfoList suppressions{
 
 inline constexpr std::tuple info_lists{further_locations, related_locations, suppressions};
 
-// Fingerprints stand in the form.
+// Fingerprints are in the form.
 
 constexpr char const* complete_family = "fingerprints";
 constexpr char const* partial_family = "partialFingerprints";
@@ -182,7 +182,7 @@ constexpr auto fingerprints_in(char const* sarif, Said said, char const* family)
             record.form.signature_locations.insert({record.form.localization, std::move(held)});
         }
     };
-    // What is not partial is complete.
+    // Every family but `partialFingerprints` is read as complete.
     auto const restore_all = [family](Fingerprints& all, ReadCheck const& record) {
         bool const wants_partial = std::string_view(family) == partial_family;
         for (auto const& [place, held] : record.form.signature_locations) {
@@ -195,7 +195,7 @@ constexpr auto fingerprints_in(char const* sarif, Said said, char const* family)
                   hold_all, restore_all};
 }
 
-// Results are checks, each with a form.
+// A result is a check and its form.
 
 constexpr auto given_in_check(std::uint32_t bits) {
     return Given{bits, in_check("second_int", &Check::second_int)};
@@ -239,11 +239,11 @@ inline constexpr PlaceField first_location{
 inline constexpr ByHand flows{"`codeFlows`", "flows",    &Result::flows, checks_path,
                               "failure",     hold_flows, restore_flows};
 
-/// In the order in which a record is filled.
+/// The order matters: `message` needs the category, and `flows` needs the run.
 inline constexpr std::tuple of_check{category, run,     tool,           tool_version,   rule, level,
                                      kind,     message, baseline_state, first_location, flows};
 
-/// What a row of a result holds, once more in the form.
+/// A field of the form that repeats a row of the result.
 template <class Row, class Member>
 constexpr auto again(Row const& row, char const* field, Member member) {
     return Derived{row.sarif, forms_path, field,
@@ -252,7 +252,7 @@ constexpr auto again(Row const& row, char const* field, Member member) {
                    }};
 }
 
-/// What a row of the first location holds, once more in the form.
+/// A field of the form that repeats a row of the first location.
 template <class Row, class Member>
 constexpr auto again_of_place(Row const& row, char const* field, Member member) {
     return Derived{row.sarif, forms_path, field,
@@ -273,7 +273,7 @@ inline constexpr std::tuple of_form_place{
     again_of_place(end_line, "third_optional_int", &CheckForm::third_optional_int),
     again_of_place(end_column, "fourth_optional_int", &CheckForm::fourth_optional_int)};
 
-/// To be filled once `of_check` is.
+/// Must be filled after `of_check`, because some rows read the check.
 inline constexpr std::tuple of_form{
     Derived{"the key of the check", forms_path, "first_numbered_name",
             [](auto const&, FilledCheck const& record) {
@@ -298,7 +298,7 @@ inline constexpr std::tuple of_form{
     complete,
     partial};
 
-/// In the order of a line of `show --json`, before the fingerprints.
+/// The members of a line of `show --json`, in its order, before the fingerprints.
 inline constexpr std::tuple of_line{run,
                                     tool,
                                     rule,

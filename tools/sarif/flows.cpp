@@ -11,8 +11,8 @@ namespace {
 
 using Failure = sml::Failure::T;
 
-// `named_ints` of a failure holds how many elements each list of the flows has, under its pointer
-// below the result.
+// `named_ints` of a failure has the length of each list of the flows. The key is the JSON pointer
+// of the list relative to the result.
 constexpr char const* flows_pointer = "codeFlows";
 
 std::string flow_pointer(std::size_t flow) {

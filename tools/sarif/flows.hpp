@@ -8,11 +8,13 @@
 
 namespace bradep::sarif {
 
-/// Gives the check a failure with a step, which is an event of the set, for each location of each
-/// thread flow; none where there is no flow. The run must be in the check already.
+/// If there are flows, gives the check a failure with one step for each location of each thread
+/// flow. Each step refers to an event that is added to the set. The run must be in the check
+/// already.
 void hold_flows(std::vector<CodeFlow> const& flows, FilledCheck const& record);
 
-/// Throws DamagedInput where the set lacks an event, or the failure a step.
+/// Appends the flows of the check. Throws DamagedInput if the set lacks an event, or the failure a
+/// step.
 void restore_flows(std::vector<CodeFlow>& flows, ReadCheck const& record);
 
 }  // namespace bradep::sarif

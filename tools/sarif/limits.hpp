@@ -4,12 +4,13 @@
 
 namespace bradep::sarif {
 
-/// What the texts of a log may come to, in bytes. Beyond that the log is damaged: a few bytes of it
-/// can stand for any number.
+/// Limits of the texts of a log, in bytes. A log that exceeds one is damaged. They are needed
+/// because a few bytes of a log can stand for any amount of text.
 struct Limits {
-    /// A message that is put together from a text and arguments.
+    /// The longest message that is expanded from a text and arguments.
     std::uint64_t message = std::uint64_t{1} << 20;
-    /// What it takes to make the texts of all results, each counted wherever it is referred to.
+    /// The bytes that are read and written to make the texts of all results. A text counts anew
+    /// wherever a result refers to it.
     std::uint64_t expansion = std::uint64_t{4} << 30;
 };
 

@@ -40,7 +40,7 @@ void add_infos(List const& list, Result const& result, NumberedKey const& check,
     }
 }
 
-// In the order of their lists.
+// The records are sorted by their index in their list.
 std::vector<Info const*> infos_of(NumberedKey const& check, ResultSet const& set) {
     std::vector<Info const*> infos;
     auto const&              tables = set.application_results;
@@ -48,7 +48,7 @@ std::vector<Info const*> infos_of(NumberedKey const& check, ResultSet const& set
     if (keys == tables.first_key_sets.end()) return infos;
     for (auto const& key : keys->second)
         infos.push_back(&entry(tables.infos, key, "an information record"));
-    // Keys are in the order of addresses, which says nothing.
+    // The order of keys is that of addresses, which has no meaning.
     std::ranges::sort(infos, {},
                       [](Info const* info) { return fields::position.held(ReadInfo{*info}); });
     return infos;
@@ -64,7 +64,7 @@ void restore_info(ReadInfo const& record, Result& result) {
     });
 }
 
-// How long the longest text of a result is.
+// Finds the length of the longest text of a result.
 class LongestText {
 public:
     explicit LongestText(Result const& result) {
@@ -109,9 +109,9 @@ private:
     std::size_t bytes_ = 0;
 };
 
-// The longest container of a set to which the result is added.
+// The number of entries of the longest container of the set after the result is added.
 std::size_t most_entries(Result const& result, ResultSet const& set) {
-    std::size_t lists = 1 + result.flows.size();  // whose lengths `named_ints` holds
+    std::size_t lists = 1 + result.flows.size();  // `named_ints` has the length of each
     std::size_t steps = 0;
     for (auto const& flow : result.flows) {
         lists += flow.size();
@@ -149,7 +149,7 @@ void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
     auto&      placed = set.check_data.emplace_back(id, std::move(form)).second;
     hold(fields::of_form, result, FilledCheck{check, placed, key, filling});
     hold(fields::of_form_place, result, FilledCheck{check, placed, key, filling});
-    auto const strings = Text::fAllStrings.size() + 1;  // and the empty one
+    auto const strings = Text::fAllStrings.size() + 1;  // plus one: the empty text has no entry
     refuse_more(strings, limits.strings, "this many strings:");
 }
 

@@ -1,6 +1,5 @@
 #pragma once
-// Where a result set holds what a SARIF result says. fields.hpp has the table; adding and
-// restoring go through it in both directions.
+// Adds results to a result set and restores them. Both use the rows in fields.hpp.
 
 #include "comparisons.hpp"
 #include "result_set.hpp"
@@ -12,28 +11,29 @@
 
 namespace bradep::sarif {
 
-/// What a set can carry: lengths, counts, ordinals and the numbers of strings are 32 bits wide,
-/// with a sign. The strings are those of the process.
+/// The most that a set can hold: lengths, counts, ordinals and string ids are signed words of 32
+/// bits. The strings of the whole process are counted.
 struct SetLimits {
     std::size_t text_bytes = std::numeric_limits<std::int32_t>::max();
     std::size_t entries = std::numeric_limits<std::int32_t>::max();
     std::size_t strings = std::numeric_limits<std::int32_t>::max();
 };
 
-/// Adds the result as the last check of the set, with its events and its further places. What
-/// looking up its keys takes is counted. Throws DamagedInput where that or the set is beyond the
-/// limits; the set is of no use then.
+/// Adds the result as the last check of the set, with its events and information records. The
+/// look-ups of keys are counted. Throws DamagedInput if a limit is exceeded, that of `comparisons`
+/// or of `limits`; the set must not be used then.
 void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
                 SetLimits const& limits = {});
 
-/// The result that a check form of the set was made from. Throws DamagedInput where the set holds
-/// no such check, which means that it did not come from add_result.
+/// The result that a check form of the set was made from. Throws DamagedInput if the set does not
+/// hold that check as `add_result` writes it.
 Result restored_result(CheckForm const& form, ResultSet const& set);
 
-/// Whether the category is the one that import gives to all checks. A native one can have it, too.
+/// Whether the category is the one that `add_result` gives to all checks. A native check can have
+/// it, too.
 bool has_category_of_import(Category const& category);
 
-/// The checks with a suppression that holds: one that is accepted, or whose status is not given.
+/// The checks with a suppression in effect: its status is `accepted` or not given.
 std::set<NumberedKey> suppressed_checks(ResultSet const& set);
 
 }  // namespace bradep::sarif

@@ -10,7 +10,9 @@ namespace {
 
 using Arguments = std::vector<std::string_view>;
 
-// The argument that a placeholder at the start of `rest` names, and in `length` how long it is.
+// Returns the argument that a placeholder at the start of `rest` refers to, and sets `length` to
+// the length of the placeholder. Returns null, without setting `length`, if there is no such
+// placeholder or argument.
 std::string_view const* placeholder(std::string_view rest, Arguments const& arguments,
                                     std::size_t& length) {
     auto const end = rest.find_first_not_of("0123456789", 1);
@@ -22,7 +24,8 @@ std::string_view const* placeholder(std::string_view rest, Arguments const& argu
     return &arguments[number];
 }
 
-// What stands for the start of `rest`, and in `length` how much of it.
+// Returns the replacement for the start of `rest`, and sets `length` to the number of bytes that it
+// replaces.
 std::string_view next_piece(std::string_view rest, Arguments const& arguments,
                             std::size_t& length) {
     auto const plain = std::min(rest.find_first_of("{}"), rest.size());

@@ -1,5 +1,5 @@
 #pragma once
-// Where a result set holds a place. fields.hpp has the rest of the table.
+// The rows of a place. The other rows are in fields.hpp.
 
 #include "sarif/field.hpp"
 #include "sarif/records.hpp"
@@ -13,7 +13,7 @@
 
 namespace bradep::sarif::fields {
 
-/// The record of a place: a source reference, and texts for which that has no room.
+/// The record of a place: a source reference, and two texts that it has no field for.
 template <class Reference, class Base, class Logical>
 struct PlaceRecord {
     Reference& reference;
@@ -33,7 +33,7 @@ constexpr auto in_reference(char const* field, Member member) {
         });
 }
 
-/// The `kind` of a source reference says what the log gives.
+/// The bits of `kind` in a source reference say which properties the log gives.
 constexpr auto given_in_place(std::uint32_t bits) {
     return Given{bits, in_reference("kind", &SourceRef::kind)};
 }
@@ -83,7 +83,7 @@ inline Place const* place_in(Place const& place) { return &place; }
 inline Place const* place_in(std::optional<Place> const& place) {
     return place ? &*place : nullptr;
 }
-/// The first one.
+/// The first place of the list.
 inline Place const* place_in(std::vector<Place> const& places) {
     return places.empty() ? nullptr : &places.front();
 }
@@ -92,8 +92,8 @@ inline Place& new_place(Place& place) { return place; }
 inline Place& new_place(std::optional<Place>& place) { return place.emplace(); }
 inline Place& new_place(std::vector<Place>& places) { return places.emplace_back(); }
 
-/// A place that an object has, by the rows of `of_place`; `place_rows` are those that `show
-/// --json` has among the members of the object.
+/// The place of an object. The rows of `of_place` hold and restore it; those of `place_rows` are
+/// printed by `show --json` among the members of the object.
 template <class Said, class Shown, class Reference, class Base, class Logical>
 struct PlaceField {
     char const*     sarif;

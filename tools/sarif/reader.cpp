@@ -48,7 +48,7 @@ std::int32_t read_runs(json::value const& log, std::int32_t first_run, ResultSin
     return count;
 }
 
-// The root's JSON pointer is empty and shows nobody a place.
+// The JSON pointer of the root is the empty text, which would show no place in a message.
 std::string place_name(json_input::Document const& document, json::value const& where) {
     auto const pointer = document.pointer_to(where);
     return pointer.empty() ? "1:1" : pointer;
@@ -66,7 +66,7 @@ std::uint64_t count_results(json_input::Document const& document) {
     try {
         for (auto const& run : runs_of(document.root()))
             if (auto const* results = json_input::list(run, "results")) count += results->size();
-    } catch (Misfit const&) {  // told when the log is read
+    } catch (Misfit const&) {  // reported when the log is read
     }
     return count;
 }

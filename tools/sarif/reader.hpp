@@ -15,21 +15,21 @@ namespace bradep::sarif {
 
 using ResultSink = std::function<void(Result&&)>;
 
-/// Hands every result of every run to `sink`, in the order of the log, and returns the number of
-/// runs. Runs are numbered from `first_run` on. Throws DamagedInput, its text starting with `name`
-/// and the place in it: line and column for text that is not JSON, a JSON pointer for JSON that is
-/// not SARIF, and for a result that `sink` refuses with a DamagedInput of its own. Results handed
-/// over before that are to be thrown away. What making its texts takes is counted.
+/// Hands each result of each run to `sink`, in the order of the log, and returns the number of
+/// runs. Runs are numbered from `first_run` on. The look-ups of texts are counted in `comparisons`.
+/// Throws DamagedInput, with a message that starts with `name` and the place: line and column for
+/// text that is not JSON; a JSON pointer for JSON that is not SARIF, and for a result that `sink`
+/// refuses by throwing DamagedInput. The results handed over before that are to be discarded.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                       ResultSink const& sink, Limits const& limits, Comparisons& comparisons);
 
-/// The same for a document that has been parsed, and how many results it has.
+/// The same for a document that has been parsed, and the number of results in it.
 std::int32_t  read_log(json_input::Document const& document, std::string const& name,
                        std::int32_t first_run, ResultSink const& sink, Limits const& limits,
                        Comparisons& comparisons);
 std::uint64_t count_results(json_input::Document const& document);
 
-/// The same for a log by itself, within the limits that are usual.
+/// The same for a single log, with default limits.
 inline std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                              ResultSink const& sink, Limits const& limits = {}) {
     Comparisons comparisons;

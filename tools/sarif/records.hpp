@@ -1,6 +1,5 @@
 #pragma once
-// Records of a result set while they are filled and while they are read, and the ways to their
-// fields.
+// Records of a result set as they are filled or read, and functions that find their fields.
 
 #include "comparisons.hpp"
 #include "errors.hpp"
@@ -24,13 +23,12 @@ using QualifiedSignature = sml::QualifiedPrettySignature::T;
 using QualifiedName = sml::QualifiedPrettyName::T;
 using SignatureAndText = std::pair<Signature, sml::Strings_T>;
 
-/// A set to which results are added. What is looked up in its tables, or among all texts, is
-/// counted.
+/// A set to which results are added. The look-ups in its maps and in the string table are counted.
 struct Filling {
     ResultSet&   set;
     Comparisons& comparisons;
 
-    /// The value behind a key, which is added where it is not there.
+    /// The value of a key. The entry is added if there is none.
     template <class Table>
     typename Table::mapped_type& at(Table& table, typename Table::key_type const& key) const {
         auto& value = table[key];
@@ -38,7 +36,7 @@ struct Filling {
         return value;
     }
 
-    /// The next key of a table for a URI: ordinals count from 1 and `numbers` holds the last one.
+    /// The next key for a URI. Ordinals count from 1, and `numbers` holds the last one of each URI.
     template <class Numbers>
     NumberedKey next_key(Numbers& numbers, sml::Strings_T const& uri) const {
         return {uri, ++at(numbers, uri)};
@@ -57,7 +55,7 @@ struct ReadCheck {
     ResultSet const& set;
 };
 
-/// For the rows that need no more.
+/// For rows that only read the check.
 struct CheckAlone {
     Check const& check;
 };
@@ -102,7 +100,8 @@ constexpr char const* events_path = "application_results.events[*]";
 constexpr char const* infos_path = "application_results.infos[*]";
 constexpr char const* fingerprints_path = "check_data[*].1.signature_locations[*].1";
 
-// Fields of each of these. `member` is a pointer to one, or what finds it.
+// Functions that make a `Held` for a field of one of these records. `member` is a member pointer or
+// a function that returns the field.
 
 template <class Member>
 constexpr auto in_check(char const* field, Member member) {
@@ -136,13 +135,13 @@ constexpr auto in_fingerprint(char const* field, Member member) {
         });
 }
 
-/// Throws DamagedInput: no import wrote this.
+/// Throws DamagedInput, which says that the set was not written by an import.
 [[noreturn]] inline void not_imported(std::string const& what) {
     throw DamagedInput("not an imported result set: " + what);
 }
 
-/// The value behind a key, which a check refers to by `what`. Throws DamagedInput where there is
-/// none.
+/// The value of a key that a check refers to. Throws DamagedInput, with `what` in its message, if
+/// the map does not have the key.
 template <class Table>
 typename Table::mapped_type const& entry(Table const& table, typename Table::key_type const& key,
                                          char const* what) {

@@ -1,6 +1,6 @@
 #pragma once
-// One result of a SARIF log with every reference resolved: no index, message id or default is left
-// to look up. An empty optional is a property that the log does not give.
+// One result of a SARIF log with all references resolved: indices, message ids and defaults are
+// replaced by values. An empty optional is a property that the log does not give.
 
 #include <sml/core/Strings.hpp>
 
@@ -12,7 +12,7 @@
 
 namespace bradep::sarif {
 
-/// Copies share the text: what a result refers to many times stands in memory once.
+/// Copies share one text in memory.
 using Text = sml::Strings_T;
 
 struct Place {
@@ -52,7 +52,7 @@ struct Suppression {
 using ThreadFlow = std::vector<Step>;
 using CodeFlow = std::vector<ThreadFlow>;
 
-/// Alphabetical, unlike the order of texts themselves.
+/// Orders texts alphabetically; their own order is that of addresses.
 struct Alphabetical {
     bool operator()(Text const& a, Text const& b) const { return !(a == b) && a.str() < b.str(); }
 };

@@ -6,7 +6,7 @@ namespace bradep::sarif {
 
 namespace {
 
-// Takes the part before the first '/' off `id`; false where it was the last.
+// Moves the part of `id` before the first '/' to `part`. Returns false if it was the last part.
 bool take_part(std::string_view& id, std::string_view& part) {
     auto const slash = id.find('/');
     part = id.substr(0, slash);
@@ -29,7 +29,7 @@ void RuleIndex::add(std::string_view id, std::size_t component,
     rules_.try_emplace({node, component}, &descriptor);
 }
 
-// Visits the nodes of the id, from the shortest on, as far as there are any.
+// Visits the nodes on the path of the id, the shortest first, until one is missing.
 template <class Visit>
 void RuleIndex::visit_parts(std::string_view id, Visit const& visit) const {
     Node             node = 0;

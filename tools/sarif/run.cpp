@@ -9,9 +9,9 @@ namespace bradep::sarif {
 
 namespace {
 
-using namespace json_input;  // member, list, text, number, index: the whole file is written in them
+using namespace json_input;  // member, list, text, number, index
 
-// The element at `at`, or null where the list is too short or not there.
+// The element at index `at`; null if there is no list or it is too short.
 json::value const* element(json::array const* list, std::size_t at) {
     return list && at < list->size() ? &(*list)[at] : nullptr;
 }
@@ -186,7 +186,7 @@ std::optional<Text> Run::message_of(json::value const& holder, Rule const& rule)
     if (!message) return std::nullopt;
     auto const arguments = arguments_of(*message);
     auto const own = view(*message, "text");
-    // Many tools write braces as they are where there is nothing to put into them.
+    // Many tools write plain braces in a message that has no arguments.
     if (own && arguments.empty()) return expansion_.text_of(*own, *message);
     if (own) return expansion_.message(*own, arguments, *message);
     auto const id = view(*message, "id");

@@ -1,5 +1,5 @@
 #pragma once
-// One run of a SARIF log, with what its results refer to by index, id or guid.
+// One run of a SARIF log and the parts of it that its results refer to by index, id or guid.
 
 #include "comparisons.hpp"
 #include "sarif/elements_by_text.hpp"
@@ -15,19 +15,20 @@ namespace bradep::sarif {
 
 namespace json = boost::json;
 
-/// A rule's descriptor and the part of the tool that defines it. Either may be null.
+/// The descriptor of a rule and the tool component that defines it. Either may be null.
 struct Rule {
     json::value const* descriptor = nullptr;
     json::value const* component = nullptr;
 };
 
-/// Makes the texts of a log's results, within its limits. All members throw json_input::Misfit.
+/// Makes the texts of the results of a log, within its limits. All members throw json_input::Misfit
+/// beyond them.
 class Expansion {
 public:
     Expansion(Limits const& limits, Comparisons& comparisons)
         : limits_(limits), left_(limits.expansion), comparisons_(comparisons) {}
 
-    /// `where` is the place to tell where that is too much.
+    /// `where` is the value that is reported if a limit is exceeded.
     Text                text_of(std::string_view text, json::value const& where);
     std::optional<Text> text(std::optional<std::string_view> given, json::value const& where);
     Text message(std::string_view pattern, std::vector<std::string_view> const& arguments,
@@ -41,7 +42,8 @@ private:
     Comparisons&  comparisons_;
 };
 
-/// Refers to the document's values, which must outlive it. All members throw json_input::Misfit.
+/// Keeps pointers to values of the document, which must outlive this object. All members throw
+/// json_input::Misfit.
 class Run {
 public:
     Run(json::value const& run, std::int32_t number, Expansion& expansion);
@@ -50,7 +52,7 @@ public:
     Result             resolve(json::value const& result);
 
 private:
-    // The driver, which may be null, or an extension.
+    // The driver, whose value may be null, or an extension.
     struct Component {
         explicit Component(json::value const* given);
 
@@ -58,7 +60,7 @@ private:
         json::array const* rules;
         ElementsByText     rules_by_guid;
     };
-    static constexpr std::size_t driver = 0;  // its place among the components
+    static constexpr std::size_t driver = 0;  // index in `components_`
     static constexpr std::size_t first_extension = 1;
 
     void                            add_component(json::value const* given);
@@ -84,7 +86,7 @@ private:
     std::optional<Text>                       tool_;
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;
-    std::map<json::value const*, std::size_t> numbers_;  // the components' places among them
+    std::map<json::value const*, std::size_t> numbers_;  // index of each component in `components_`
     ElementsByText                            extensions_by_guid_{nullptr, "guid"};
     ElementsByText                            extensions_by_name_{nullptr, "name"};
     RuleIndex                                 rules_by_id_;

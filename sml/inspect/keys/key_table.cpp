@@ -11,7 +11,7 @@ void KeyTable::open(std::uint64_t count) {
 
 void KeyTable::close() {
     Table& table = tables_[--open_];
-    close_slots(table.told);
+    close_slots(table.defined);
     close_slots(table.slots);
 }
 
@@ -21,11 +21,11 @@ bool KeyTable::add(Keys const& keys, Type const& type, std::uint64_t key_offset,
     if (type.kind == Kind::string) {
         auto const place = keys.text_place(key_offset);
         if (place && *place > key_offset) {
-            if (table.told.empty()) table.told.reserve(table.count);
-            table.told.push_back(*place);
+            if (table.defined.empty()) table.defined.reserve(table.count);
+            table.defined.push_back(*place);
             return true;
         }
-        if (place && std::ranges::binary_search(table.told, *place)) return false;
+        if (place && std::ranges::binary_search(table.defined, *place)) return false;
     }
     if (table.slots.empty()) table.slots.assign(slots_for(table.count), Slot{0});
     std::size_t const slots = table.slots.size();
@@ -43,7 +43,8 @@ bool KeyTable::add(Keys const& keys, Type const& type, std::uint64_t key_offset,
             comparisons_ += comparisons_for(compared.bytes);
             continue;
         }
-        // From now on the later one is compared with: no long number is read again and again.
+        // The later key takes the slot: else an earlier long number would be parsed again for each
+        // equal key.
         table.slots[i] = key;
         return false;
     }

@@ -1,5 +1,5 @@
 #pragma once
-// The keys of the containers that are open in a walk, to find one that is there already.
+// Finds repeated keys in the containers that are open in a walk.
 
 #include <sml/inspect/keys/keys.hpp>
 
@@ -11,16 +11,17 @@
 
 namespace sml::inspect {
 
-/// Where a table of so many slots starts its search.
+/// The slot where the search for a hash starts, in a table of `slots` slots.
 inline std::size_t first_slot(std::uint64_t hash, std::size_t slots) {
     __extension__ using Product = unsigned __int128;
     return static_cast<std::size_t>((static_cast<Product>(hash) * slots) >> 64);
 }
 
-/// Twice as many as there are keys, so that a search is short and ends.
+/// The number of slots for a number of keys: twice as many, so that searches are short, and end at
+/// a free slot.
 inline std::size_t slots_for(std::uint64_t keys) { return static_cast<std::size_t>(2 * keys); }
 
-/// Empties a table, and gives memory back where it takes much of it.
+/// Empties a table. Frees its memory if that is large.
 template <class Slots>
 void close_slots(Slots& slots) {
     constexpr std::size_t most_kept = 4096;
@@ -28,32 +29,35 @@ void close_slots(Slots& slots) {
     if (slots.capacity() > most_kept) Slots(slots.get_allocator()).swap(slots);
 }
 
-/// 8 bytes for a key that is a string told in full, 16 for any other, each for all keys of a
-/// container while it is open and has such a one; exact when hashes collide.
+/// Finds repeated keys exactly, also where hashes collide. While a container is open, this takes 8
+/// bytes for each of its keys if any of them is a definition of a string, and 16 for each if any is
+/// another key.
 class KeyTable {
 public:
     explicit KeyTable(std::pmr::memory_resource* memory) : tables_(memory) {}
 
     /// Opens a container with this many entries.
     void open(std::uint64_t count);
+    /// Closes the container opened last.
     void close();
 
-    /// Gets memory ready for adding a key with this hash to the container opened last. Inlined: a
-    /// call that does nothing but that is taken for one that does nothing.
+    /// Prefetches the slot where the search for a key with this hash starts, in the container
+    /// opened last. Always inlined: the compiler removes calls of a function that only prefetches.
     [[gnu::always_inline]] void expect(std::uint64_t hash) const {
         auto const& slots = tables_[open_ - 1].slots;
         if (!slots.empty()) __builtin_prefetch(&slots[first_slot(hash, slots.size())], 1);
     }
 
-    /// Adds the key at an offset to the container opened last; false when it is there already.
+    /// Adds the key at an offset to the container opened last. Returns false if an equal key is
+    /// there already.
     bool add(Keys const& keys, Type const& type, std::uint64_t key_offset, std::uint64_t hash);
 
-    /// How often keys that were not equal have been compared; long ones count more.
+    /// How many comparisons of keys gave unequal; a comparison of many bytes counts as several.
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
 private:
-    // The low bits of the hash above the key's offset, which no memory holds more of; 0: free. No
-    // key stands at the start of the bytes.
+    // The upper 16 bits are the lowest bits of the hash, the others the offset of the key: no
+    // memory holds 2^48 bytes. 0 is a free slot: no key is at offset 0.
     using Slot = std::uint64_t;
 
     static constexpr int offset_bits = 48;
@@ -61,22 +65,22 @@ private:
     struct Table {
         using allocator_type = std::pmr::polymorphic_allocator<std::byte>;
 
-        explicit Table(allocator_type memory) : told(memory), slots(memory) {}
+        explicit Table(allocator_type memory) : defined(memory), slots(memory) {}
         Table(Table&& other, allocator_type memory)
             : count(other.count),
-              told(std::move(other.told), memory),
+              defined(std::move(other.defined), memory),
               slots(std::move(other.slots), memory) {}
 
-        std::uint64_t count = 0;  // of the keys to come
+        std::uint64_t count = 0;  // number of the keys of the container
 
-        // The places of the keys that are strings told in full, in ascending order. They are new as
-        // their texts are, which no table has to find out.
-        std::pmr::vector<std::uint64_t> told;
+        // For the keys that are definitions of strings: the offsets of the texts, in ascending
+        // order. Such a key is new because its text is new, so it needs no slot.
+        std::pmr::vector<std::uint64_t> defined;
         // The other keys.
         std::pmr::vector<Slot> slots;
     };
 
-    // Of the open containers, then some to use again.
+    // For the open containers; the tables after these are used again.
     std::pmr::vector<Table> tables_;
     std::size_t             open_ = 0;  // how many are open
     std::uint64_t           comparisons_ = 0;

@@ -11,7 +11,7 @@
 
 namespace sml::inspect {
 
-/// A place in the bytes, at which a key goes on.
+/// A position in the bytes of a key.
 class Keys::Cursor : public WalkedBytes {
 public:
     Cursor(Keys const& keys, std::uint64_t offset)
@@ -19,7 +19,7 @@ public:
 
     Budget& budget() const { return keys_.budget_; }
 
-    // Of a string, one of these.
+    // Each takes a string. They return its text, the hash of that, or its offset.
     std::string_view take_string() {
         StringWord const word = take_string_word();
         return word.refers() ? keys_.strings_.text_of(word.id()) : take_block();
@@ -43,8 +43,8 @@ private:
     Keys const& keys_;
 };
 
-/// The digits of the integer that a reader has after a block, with its sign: the block's own where
-/// it is as it is written.
+/// The integer that a reader makes of a block: a sign, if it is negative, and hexadecimal digits.
+/// Refers to the block itself if that is spelled as a writer spells it.
 class Keys::Digits {
 public:
     explicit Digits(Cursor& at) {
@@ -118,7 +118,7 @@ std::uint64_t Keys::hash(Type const& type, std::uint64_t offset) const {
 
 namespace {
 
-/// As the required hash of integers folds them: limb by limb, the lowest first, then the sign.
+/// The required hash of an integer: its limbs are combined, the lowest first, then its sign.
 std::uint64_t readers_hash_of_digits(std::string_view digits) {
     constexpr std::size_t digits_of_limb = 16;
     bool const            is_negative = digits.starts_with('-');
@@ -137,11 +137,11 @@ std::uint64_t readers_hash_of_digits(std::string_view digits) {
 
 }  // namespace
 
-/// Folds the parts as the required hashes do. A hashed table whose keys hold anything else has no
+/// Combines the parts of a key as the required hash functions do. Other keys of hash tables have no
 /// descriptor.
 struct Keys::ReadersHashSink {
     Cursor        at;
-    std::uint64_t hash = 0;  // of what was taken last
+    std::uint64_t hash = 0;  // of the part that was taken last
     bool          equals_none = false;
 
     bool string() { return take(at.take_string_hash()); }
@@ -166,7 +166,8 @@ struct Keys::ReadersHashSink {
         if (arm != nullptr) take_payload(*arm);
         return take(core::combine(core::hash_word(tag), arm != nullptr ? hash : 0));
     }
-    /// One after another; in a record a string with a number behind it as a numbered key.
+    /// Combines the parts one after another. In a record, a string with a number after it is one
+    /// part: a numbered key.
     template <class Take>
     bool parts(Type const& type, Take const& take_part) {
         auto const    parts = type.parts;
@@ -252,8 +253,8 @@ struct Keys::TextSink {
     bool text() { return append(quoted(at.take_block())); }
     bool enumeration(Type const& type) {
         auto const number = at.take_word<std::int32_t>();
-        return type.knows_tag(number) ? append(type.enumerators[static_cast<std::size_t>(number)])
-                                      : append(std::to_string(number));
+        return type.has_tag(number) ? append(type.enumerators[static_cast<std::size_t>(number)])
+                                    : append(std::to_string(number));
     }
 
     template <class Take>
@@ -263,7 +264,7 @@ struct Keys::TextSink {
     template <class Take>
     bool variant(Type const& type, Take const& take_payload) {
         auto const tag = at.take_word<std::int32_t>();
-        append(type.knows_tag(tag) ? std::string(type.serving(tag)->name) : std::to_string(tag));
+        append(type.has_tag(tag) ? std::string(type.arm_of(tag)->name) : std::to_string(tag));
         Arm const* const arm = type.with_payload(tag);
         return arm == nullptr || (append(" ") && take_payload(*arm));
     }

@@ -1,6 +1,6 @@
 #pragma once
-// The keys of sets and maps, and the elements of sets, in bytes that have been walked before: their
-// hashes, which of them are equal, and how paths show them.
+// The keys of maps and the elements of sets, in bytes that have been walked: their hashes, which of
+// them are equal, and how paths show them.
 
 #include <sml/inspect/memory.hpp>
 #include <sml/inspect/type.hpp>
@@ -13,39 +13,42 @@
 
 namespace sml::inspect {
 
-/// Keys by the offsets where they start.
+/// Reads keys at the offsets where they start.
 class Keys {
 public:
-    /// All of these live as long as this.
+    /// All arguments must outlive this object.
     Keys(std::string_view bytes, StringTable const& strings, Budget& budget)
         : bytes_(bytes), strings_(strings), budget_(budget) {}
 
-    /// A hash of a key; `no_hash` for one that equals no other, as it holds a negative tag.
+    /// Returns a hash of a key, which depends on the random seed of the process; `no_hash` for a
+    /// key with a negative tag in it, which equals no other.
     std::uint64_t hash(Type const& type, std::uint64_t offset) const;
 
     static constexpr std::uint64_t no_hash = 0;
 
-    /// The hash that a reader's table has for a key, where the strings are passed on to a model.
+    /// The hash that a key has in a reader's hash table. Requires that `StringTable::model_reader`
+    /// was called, which makes the hashes of the texts those of a reader.
     struct ReadersHash {
         std::uint64_t hash;
-        bool          equals_none;
+        bool          equals_none;  ///< there is a negative tag in it
     };
     ReadersHash readers_hash(Type const& type, std::uint64_t offset) const;
 
     struct Compared {
         bool          are_equal;
-        std::uint64_t bytes;  // of one of them that were looked at
+        std::uint64_t bytes;  // how many bytes of `a` were read
     };
     Compared compare(Type const& type, std::uint64_t a, std::uint64_t b) const;
     bool     are_equal(Type const& type, std::uint64_t a, std::uint64_t b) const {
             return compare(type, a, b).are_equal;
     }
 
-    /// As paths show it, as in `("src/a.c",3)`.
+    /// The key as paths show it, as in `("src/a.c",3)`.
     std::string text(Type const& type, std::uint64_t offset) const;
 
-    /// Where the text of a key stands that is a string: one place for equal texts, behind the
-    /// offset where the text is written there for the first time. None for the empty text.
+    /// For a key that is a string: the offset of the first definition of its text, at the length
+    /// word. Equal texts have the same one. It is greater than `offset` if and only if the key is
+    /// that definition. None for the empty text.
     std::optional<std::uint64_t> text_place(std::uint64_t offset) const;
 
 private:

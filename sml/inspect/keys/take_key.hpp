@@ -1,5 +1,5 @@
 #pragma once
-// The one place that knows what the bytes of a key consist of.
+// What the bytes of a key consist of; no other code depends on that.
 
 #include <sml/inspect/type.hpp>
 
@@ -10,7 +10,7 @@ namespace sml::inspect {
 template <class Sink>
 [[gnu::noinline]] bool take_other_part(Type const& type, Sink& sink);
 
-// Inlined for what most keys consist of.
+// Inlined for the kinds that most keys consist of.
 template <class Sink>
 [[gnu::always_inline]] inline bool take_part(Type const& type, Sink& sink) {
     switch (type.kind) {
@@ -25,7 +25,7 @@ template <class Sink>
     return sink.parts(type, [&](Part const& part) { return take_part(*part.type, sink); });
 }
 
-/// The kinds here are those of `is_key`: a set or map with other keys has no descriptor.
+/// The kinds are those that `is_key` allows: a set or map with other keys has no descriptor.
 template <class Sink>
 bool take_other_part(Type const& type, Sink& sink) {
     switch (type.kind) {
@@ -49,8 +49,9 @@ bool take_other_part(Type const& type, Sink& sink) {
     }
 }
 
-/// Takes a key apart. The sink reads each leaf, and says whether to go on; of what holds others it
-/// reads what stands before them, and calls back for each that follows.
+/// Takes a key apart. The sink reads each value and returns whether to go on. For an optional, a
+/// variant or a type with parts, it reads the flag or the tag itself, and calls the function that
+/// it is given for the element, the payload or each part.
 template <class Sink>
 [[gnu::always_inline]] inline bool take_key(Type const& type, Sink& sink) {
     return type.has_parts() ? take_parts(type, sink) : take_part(type, sink);

@@ -1,12 +1,12 @@
 #pragma once
-// What the allocator of this platform, glibc's, takes for a block. Large ones are mapped.
+// The sizes of the blocks of this platform's allocator, glibc's. Large blocks are mapped.
 
 #include <algorithm>
 #include <cstdint>
 
 namespace sml::inspect {
 
-/// What the allocator takes for so many bytes.
+/// The size of the block that the allocator takes for so many bytes.
 constexpr std::uint64_t chunk_of(std::uint64_t bytes) {
     constexpr std::uint64_t least = 32;
     constexpr std::uint64_t head = 8;

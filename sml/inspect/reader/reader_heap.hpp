@@ -1,6 +1,7 @@
 #pragma once
-// The heap that a reader needs, estimated while the bytes are walked: never less than it takes, as
-// the standard library, the number libraries and the allocator of this platform give it out.
+// An estimate of the heap that a reader needs, made while the bytes are walked. It is never less
+// than the reader takes with the standard library, the number libraries and the allocator of this
+// platform. All sizes are in bytes.
 
 #include <sml/inspect/reader/heap_chunk.hpp>
 #include <sml/inspect/reader/table_model.hpp>
@@ -14,37 +15,40 @@ namespace sml::inspect {
 
 class ReaderHeap {
 public:
-    /// The most bytes of an integer as it is written that a reader takes straight into its limbs.
+    /// The longest text of an integer, spelled as a writer spells it, that a reader converts
+    /// straight to limbs.
     static constexpr std::uint64_t plain_integer = 66;
 
-    /// `limit` is what `peak()` may be.
+    /// `limit` is the highest `peak()` that is allowed.
     explicit ReaderHeap(std::uint64_t limit) : most_(without_rests(limit)) {}
 
-    /// Bytes at the peak so far, with a sixteenth more: the allocator gives out more than is asked
-    /// for where the rest of a block would be too small to be of use.
+    /// The peak so far, plus a sixteenth: the allocator makes a block larger than it was asked for
+    /// if the rest of a free block would be too small to use.
     std::uint64_t peak() const noexcept { return with_rests(std::max(peak_, kept_)); }
 
-    // To be called for what a reader takes. Each gives whether the heap is still within the limit.
+    // The following functions add what a reader allocates. Each returns whether the heap is still
+    // within the limit.
 
-    /// So many entries of a list, set or map.
+    /// The nodes of so many entries of a list, set or map.
     bool take_nodes(Type const& type, std::uint64_t count) { return take(count * type.node_heap); }
 
-    /// The table for so many entries, where there is one.
+    /// The hash table for so many entries, if the type has one, and what a reader holds while it
+    /// fills it.
     bool take_table(Type const& type, std::uint64_t count) {
         if (!type.hashed || count == 0) return true;
         std::size_t const growth = growth_of(count);
         return take(buckets_size(growth) + building_size(type, count), buckets_size(growth - 1));
     }
 
-    /// That table is complete.
+    /// Subtracts what a reader no longer holds when that table is complete.
     void complete_table(Type const& type, std::uint64_t count) {
         if (type.hashed) give_back(building_size(type, count));
     }
 
-    /// The last entry's key was there already.
+    /// Subtracts the node of the last entry, since its key is repeated.
     void give_back_node(Type const& type) { give_back(type.node_heap); }
 
-    /// A text that is written in full.
+    /// The text of a definition. `is_new` is false if the same text was defined before.
     bool take_string(std::uint64_t bytes, bool is_new) {
         bool const is_in_place = bytes <= in_place;
         if (is_new && is_in_place && bytes > 0 && texts_.has_room()) [[likely]]
@@ -56,7 +60,7 @@ public:
         return take(copy + chunk_of(string_node) + table.added, passing + table.outgrown);
     }
 
-    /// The so many'th id that comes in its turn, for which a vector doubles.
+    /// An id that came in turn; a reader holds these in a vector, which doubles when it is full.
     bool take_id_in_turn(std::uint64_t id) {
         if (id == 1) return take(chunk_of(pinned_size));
         if (!std::has_single_bit(id - 1)) return true;
@@ -64,7 +68,7 @@ public:
         return take(chunk_of(2 * pinned_size * (id - 1)) - outgrown, outgrown);
     }
 
-    /// Another id that is new.
+    /// Any other new id; a reader holds these in a hash table.
     bool take_other_id() {
         Growth const table = ids_.add();
         return take(chunk_of(id_node) + table.added, table.outgrown);
@@ -78,7 +82,8 @@ public:
         return take(0, chunk_of(bytes + 1) + text_size(bytes, bytes));
     }
 
-    /// An integer of so many bytes; `plain` where it is read straight into its limbs.
+    /// An integer whose text has so many bytes. `plain` says that a reader converts it straight to
+    /// limbs.
     bool take_integer(std::uint64_t bytes, bool plain) {
         constexpr std::uint64_t digits_of_limb = 16;
         constexpr std::uint64_t limb = 8;
@@ -102,14 +107,14 @@ private:
     static constexpr std::uint64_t string_node = 64;
     static constexpr std::uint64_t id_node = 24;
     static constexpr std::uint64_t pinned_size = 16;
-    static constexpr std::uint64_t in_place = 15;        // characters that a string has itself
-    static constexpr std::uint64_t least_capacity = 30;  // of a string that is assigned to
+    static constexpr std::uint64_t in_place = 15;  // longest text that a string holds in itself
+    static constexpr std::uint64_t least_capacity = 30;  // of a string that a text is assigned to
 
     static constexpr std::uint64_t with_rests(std::uint64_t bytes) {
         return bytes == 0 ? 0 : bytes + bytes / rests_share + 16;
     }
 
-    /// The most bytes for which `with_rests` is within a limit.
+    /// The most bytes for which `with_rests` is not above a limit.
     static constexpr std::uint64_t without_rests(std::uint64_t limit) {
         std::uint64_t bytes = limit - limit / (rests_share + 1);
         while (bytes > 0 && with_rests(bytes) > limit) --bytes;
@@ -129,10 +134,10 @@ private:
         std::uint64_t outgrown;
     };
 
-    /// The buckets of a table that grows key by key.
+    /// The buckets of a hash table that grows key by key.
     class Buckets {
     public:
-        /// Adds a key where there is room for it.
+        /// Adds a key if the table need not grow for it; returns whether it did.
         bool has_room() { return keys_ < most_keys_ && ++keys_ > 0; }
 
         Growth add() {
@@ -149,8 +154,9 @@ private:
         std::size_t   growth_ = 0;
     };
 
-    /// What a reader holds beside a large table while it reads it, as `core::LargeTable` does:
-    /// handles, links, buckets and places of the entries, twice the largest while it grows.
+    /// What a reader holds beside a large hash table while it reads that by `core::LargeTable`: the
+    /// nodes' handles, and the hashes, links, buckets and order of the entries. While one of these
+    /// grows, its old memory is there, too: at most half of the largest.
     static std::uint64_t building_size(Type const& type, std::uint64_t count) {
         constexpr std::uint64_t least_size = 128;
         constexpr std::uint64_t least_count = 64;
@@ -162,7 +168,8 @@ private:
                chunk_of(8 * buckets);
     }
 
-    /// Takes bytes that are kept, and some beside them that are given back right away.
+    /// Adds bytes that the reader keeps. `passing` are allocated at the same time, but freed right
+    /// away.
     bool take(std::uint64_t kept) noexcept {
         kept_ += kept;
         return kept_ <= most_;
@@ -177,9 +184,9 @@ private:
         kept_ -= bytes;
     }
 
-    std::uint64_t most_;  // to be held at once
+    std::uint64_t most_;  // that may be allocated at one time
     std::uint64_t kept_ = 0;
-    std::uint64_t peak_ = 0;  // where more was held than now
+    std::uint64_t peak_ = 0;  // of earlier states, if that was above `kept_`
     Buckets       texts_;
     Buckets       ids_;
 };

@@ -1,6 +1,6 @@
 #pragma once
-// The comparisons of keys that a reader makes in its hash tables, counted while the bytes are
-// walked.
+// An estimate of the comparisons of keys that a reader makes in its hash tables, made while the
+// bytes are walked.
 
 #include <sml/inspect/reader/table_model.hpp>
 #include <sml/inspect/type.hpp>
@@ -16,25 +16,25 @@
 
 namespace sml::inspect {
 
-/// The ids out of sequence, and the hashed containers that are open. The texts are counted by the
-/// table that has them.
+/// Counts the comparisons of ids out of sequence, and those in hashed sets and maps. `StringTable`
+/// counts those of texts.
 class ReaderModel {
 public:
     explicit ReaderModel(std::pmr::memory_resource* memory) : ids_(memory), open_(memory) {}
 
-    /// As the required one for interned texts; the empty text is the null handle, whose hash is 0.
+    /// The required hash of an interned text. The empty text is the null handle, whose hash is 0.
     static std::uint64_t text_hash(std::string_view text) {
         constexpr std::size_t seed = 0xc70f6907;
         return text.empty() ? 0 : std::_Hash_bytes(text.data(), text.size(), seed);
     }
 
-    /// An id out of sequence, written or referred to.
+    /// Counts a definition of, or a back-reference to, an id out of sequence.
     void use_id(std::int32_t id, bool is_new) {
         comparisons += is_new ? ids_.add(id) : ids_.look_up(id);
     }
 
-    /// A set or map that gets so many keys. In an ordered one, or a small one, each is compared
-    /// with few others, which is not counted.
+    /// Opens a set or map with so many keys. Sorted ones and small ones are not counted: each key
+    /// is compared with few others there.
     void open_table(Type const& type, std::uint64_t keys) {
         constexpr std::uint64_t least_counted = 64;
         if (open_count_ == open_.size()) open_.emplace_back();
@@ -43,10 +43,10 @@ public:
         if (top_->is_counted) top_->added.reserve(keys);
     }
 
-    /// Whether the keys of the table opened last are to be told.
+    /// Whether `use_key` must be called for the keys of the container opened last.
     bool counts_keys() const { return top_->is_counted; }
 
-    /// The hash of a key of the table opened last.
+    /// Adds a key of the container opened last, by its hash in a reader.
     void use_key(std::uint64_t hash, bool is_new) {
         if (is_new)
             top_->added.push_back(hash);
@@ -81,14 +81,14 @@ private:
         }
 
         Hashes        added;
-        std::uint64_t found = 0;  // there already
+        std::uint64_t found = 0;  // repeated keys
         bool          is_counted = false;
     };
 
     IdTableModel           ids_;
     std::pmr::vector<Keys> open_;
     std::size_t            open_count_ = 0;
-    Keys*                  top_ = nullptr;  // the last of those
+    Keys*                  top_ = nullptr;  // the container opened last
 };
 
 }  // namespace sml::inspect

@@ -1,7 +1,7 @@
 #pragma once
-// The hash tables of the readers, played through without their entries: how large they grow, and
-// how many keys a new one is compared with. Their hash functions and growth are part of what is
-// required, so bytes can be made on purpose whose keys share a bucket.
+// A simulation of a reader's hash tables without their entries: how large they grow, and with how
+// many keys each new one is compared. Their hash functions and their growth are required, so bytes
+// can be made whose keys all share a bucket.
 
 #include <sml/core/table_order.hpp>
 
@@ -16,14 +16,15 @@
 
 namespace sml::inspect {
 
-/// As how many comparisons one counts that looks at so many bytes.
+/// How many comparisons a comparison of so many bytes counts as.
 constexpr std::uint64_t comparisons_for(std::uint64_t bytes) {
     constexpr std::uint64_t bytes_of_one = 256;
     return 1 + bytes / bytes_of_one;
 }
 
-/// The numbers of buckets that a table has while it grows key by key: the first one while it is
-/// empty; each of the others is also the most keys that it holds with so many.
+/// The numbers of buckets that a hash table has while it grows key by key. The first is that of an
+/// empty table. Each of the others is also the most keys that the table can hold with so many
+/// buckets.
 inline std::vector<std::uint64_t> const& bucket_counts() {
     static std::vector<std::uint64_t> const counts = [] {
         std::vector<std::uint64_t>          all{1};
@@ -36,7 +37,7 @@ inline std::vector<std::uint64_t> const& bucket_counts() {
     return counts;
 }
 
-/// The place in `bucket_counts()` of a table with so many keys.
+/// The index in `bucket_counts()` for a table with so many keys.
 inline std::size_t growth_of(std::uint64_t keys) {
     auto const& counts = bucket_counts();
     if (keys == 0) return 0;
@@ -46,15 +47,16 @@ inline std::size_t growth_of(std::uint64_t keys) {
 
 using Hashes = std::pmr::vector<std::uint64_t>;
 
-/// Of keys in a table.
+/// The comparisons in a hash table to which keys are added.
 struct Compared {
-    std::uint64_t comparisons = 0;  ///< while it gets them
-    std::uint64_t pairs = 0;        ///< of all keys that share a bucket
-    std::uint64_t longest = 0;      ///< the most keys that share one
+    std::uint64_t comparisons = 0;  ///< while the keys are added
+    std::uint64_t pairs = 0;        ///< of keys that share a bucket in the end
+    std::uint64_t longest = 0;      ///< the most keys in one bucket
 };
 
-/// For the keys that a table gets while it has so many buckets, from one key up to another. None
-/// where a bucket holds more keys than `Count` holds.
+/// The comparisons at one number of buckets. `comparisons` is for the keys with indices from `from`
+/// up to `to`, which are added while the table has so many buckets. None if a bucket holds more
+/// keys than a `Count` can count.
 template <class Count>
 std::optional<Compared> compared_at(std::uint64_t buckets, std::uint64_t from, std::uint64_t to,
                                     Hashes const& hashes) {
@@ -73,10 +75,11 @@ std::optional<Compared> compared_at(std::uint64_t buckets, std::uint64_t from, s
     return compared;
 }
 
-/// For keys, no two of them equal, that a table gets one after another; `pairs` is of the last size
-/// that it grows to. Takes, until it returns, a byte a bucket, four where many keys share one.
+/// The comparisons for keys that are added one after another and are all different. `pairs` is for
+/// the largest number of buckets. Takes one byte a bucket until it returns, or four if many keys
+/// share one.
 inline Compared compared_in_table(Hashes const& added) {
-    constexpr std::uint64_t least_counted = 64;  // in smaller ones each is compared with few
+    constexpr std::uint64_t least_counted = 64;  // in smaller ones keys are taken not to collide
     Compared                all{std::min<std::uint64_t>(added.size(), least_counted), 0, 1};
     for (std::size_t growth = growth_of(least_counted); growth <= growth_of(added.size());
          ++growth) {
@@ -92,20 +95,21 @@ inline Compared compared_in_table(Hashes const& added) {
     return all;
 }
 
-/// The comparisons of keys that a table gets, and of others that it finds, each of which is taken
-/// to be in the longest chain that there ever was.
+/// The comparisons for keys that are added, and for repeated keys. Each of these is taken to be
+/// compared with the most keys that one bucket ever held.
 inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
     Compared const all = compared_in_table(added);
     return all.comparisons + found * all.longest;
 }
 
-/// The table of the ids out of sequence, which hash as they are: 8 to 16 bytes an id.
+/// The hash table of the ids out of sequence; the hash of an id is the id. Takes 8 to 16 bytes an
+/// id.
 class IdTableModel {
 public:
     explicit IdTableModel(std::pmr::memory_resource* memory)
         : ids_(memory), chains_(1, 0, memory) {}
 
-    /// Adds an id that is not there. Gives how many others it is compared with.
+    /// Adds an id that is not in the table. Returns with how many others it is compared.
     std::uint64_t add(std::int32_t id) {
         std::uint64_t const compared = look_up(id);
         if (ids_.size() == most_ids_) grow();
@@ -114,7 +118,7 @@ public:
         return compared;
     }
 
-    /// With how many it is compared at most, there or not.
+    /// With how many ids this one is compared at most, whether it is in the table or not.
     std::uint64_t look_up(std::int32_t id) const { return chains_[bucket_of(id)]; }
 
 private:
@@ -136,7 +140,7 @@ private:
     Chains                         chains_;  // how many ids each bucket holds
     core::Remainder                divide_{1};
     std::size_t                    growth_ = 0;
-    std::size_t                    most_ids_ = 0;  // before it grows
+    std::size_t                    most_ids_ = 0;  // that it can hold before it grows
 };
 
 }  // namespace sml::inspect

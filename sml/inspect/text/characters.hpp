@@ -1,5 +1,5 @@
 #pragma once
-// Characters as the "C" locale knows them, and sixteen of them judged at once.
+// Classes of characters as in the "C" locale, for one character and for sixteen at once.
 
 #include <array>
 #include <cstddef>
@@ -18,7 +18,8 @@ constexpr bool is_hexadecimal(char c) {
 using Characters = unsigned char __attribute__((vector_size(16)));
 constexpr std::size_t at_once = sizeof(Characters);
 
-/// Of each of sixteen characters 0xFF if it is a hexadecimal digit of one case, else 0.
+/// For each of sixteen characters 0xFF if it is a hexadecimal digit, else 0. `ten` is `a` or `A`:
+/// the case that the digits from ten on must have.
 inline Characters digits_among(char const* text, unsigned char ten) {
     Characters characters;
     std::memcpy(&characters, text, at_once);
@@ -31,7 +32,8 @@ inline std::array<std::uint64_t, 2> words_of(Characters characters) {
     return words;
 }
 
-/// Whether the first of sixteen characters, so many of them, are digits in lower case.
+/// Whether the first `count` characters are hexadecimal digits in lower case. Sixteen characters
+/// must be readable at `text`.
 inline bool are_lower_digits(char const* text, std::size_t count) {
     static constexpr auto first = [] {
         std::array<unsigned char, 2 * at_once> bytes{};

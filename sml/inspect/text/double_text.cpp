@@ -19,7 +19,7 @@ namespace sml::inspect {
 
 namespace {
 
-/// Rounding to the nearest, until it goes.
+/// Sets the rounding mode to the nearest, until it is destroyed.
 class NearestRounding {
 public:
     NearestRounding() : before_(std::fegetround()) {
@@ -35,8 +35,8 @@ private:
     int before_;
 };
 
-/// A number that a text starts with, spelled as the "C" locale does and no longer than it takes:
-/// beyond so many digits it only counts whether any of them is not zero.
+/// The number that a text starts with, in the spelling of the "C" locale. Of long numbers the first
+/// `most_digits` digits are kept, and whether any digit after them is not zero.
 class Numeral {
 public:
     /// `text` starts with a digit.
@@ -64,10 +64,10 @@ public:
     }
 
 private:
-    // More than any double and any place half-way between two of them has.
+    // More than any double, or any number half-way between two doubles, has.
     static constexpr std::size_t most_digits = 800;
 
-    // Far beyond the range of doubles however many digits there are.
+    // Out of the range of doubles, however many digits there are.
     static constexpr std::int64_t most_exponent = std::int64_t{1} << 50;
 
     static bool starts_hexadecimal(std::string_view text, std::string_view point) {
@@ -77,7 +77,8 @@ private:
         return !text.empty() && is_hexadecimal(text.front());
     }
 
-    /// Of each digit: how it scales the number when it is left out, and when it is kept.
+    /// Takes digits. `left_out` is what a digit adds to the scale if it is left out, `kept` if it
+    /// is kept.
     void take_digits(int left_out, int kept) {
         auto const is_one = [this](char c) {
             return is_hexadecimal_ ? is_hexadecimal(c) : is_digit(c);
@@ -113,7 +114,8 @@ private:
     std::int64_t     exponent_ = 0;    // power of 10, or of 2 in base 16
 };
 
-/// Parses a text of the "C" locale as the process rounds; none out of range.
+/// Parses a text as in the "C" locale, in the rounding mode of the process; none if it is out of
+/// range.
 std::optional<double> parse(std::string const& text) {
     static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
     int const             before = std::exchange(errno, 0);
@@ -124,7 +126,7 @@ std::optional<double> parse(std::string const& text) {
     return value;
 }
 
-/// None where the number is out of range in any rounding mode.
+/// The number, rounded to the nearest; none if it is out of range in any rounding mode.
 std::optional<double> value_of(Numeral const& numeral) {
     NearestRounding const nearest;
     std::string const     text = numeral.spelling();
@@ -140,8 +142,8 @@ std::optional<double> value_of(Numeral const& numeral) {
     return value;
 }
 
-/// What stands where a decimal point can be: behind the leading digits, up to a letter or digit. No
-/// locale's decimal point holds one of those.
+/// What could be the decimal point of some process: all characters after the leading digits, up to
+/// a letter or digit. No locale's decimal point contains a letter or digit.
 std::string_view possible_point(std::string_view text) {
     bool const        is_hex = text.starts_with("0x") || text.starts_with("0X");
     std::size_t const start =
@@ -152,7 +154,7 @@ std::string_view possible_point(std::string_view text) {
     return text.substr(start, end - start);
 }
 
-/// Infinity or not a number, if a text starts with its name.
+/// Infinity or NaN, if a text starts with its name.
 std::optional<double> named_value(std::string_view text) {
     auto const starts_with = [text](std::string_view name) {
         auto const lower = [](char c) { return is_letter(c) ? static_cast<char>(c | 0x20) : c; };
@@ -164,7 +166,7 @@ std::optional<double> named_value(std::string_view text) {
     return std::nullopt;
 }
 
-/// The text that the parser sees, from its first character that is not blank on.
+/// The text that the parser reads: without leading blanks, up to the first zero byte.
 std::string_view without_blanks(std::string_view block) {
     block = block.substr(0, block.find('\0'));
     return {std::ranges::find_if_not(block, is_blank), block.end()};
@@ -173,7 +175,8 @@ std::string_view without_blanks(std::string_view block) {
 constexpr std::size_t digits_behind_point = 6;
 constexpr std::size_t most_plain_digits = 9;
 
-/// Of digits before the point as a writer prints them: how many, 0 for others.
+/// How many digits there are before the point, if the text is a number as a writer prints it with
+/// at most nine of them; else 0.
 std::size_t plain_digits(std::string_view text, std::string_view point) {
     if (text.size() <= digits_behind_point + point.size()) return 0;
     std::size_t const count = text.size() - digits_behind_point - point.size();
@@ -185,13 +188,15 @@ std::size_t plain_digits(std::string_view text, std::string_view point) {
     return are_digits ? count : 0;
 }
 
-/// Fifteen digits at most: the quotient is the nearest double, and prints as they are.
+/// There are at most fifteen digits, so the quotient is the nearest double, and is printed as these
+/// digits.
 double plain_value(std::string_view text, std::size_t count, std::size_t point_size) {
     std::int64_t digits = 0;
     for (char const c : text.substr(0, count)) digits = 10 * digits + (c - '0');
     for (char const c : text.substr(count + point_size)) digits = 10 * digits + (c - '0');
     NearestRounding const nearest;
-    // Volatile: divided under that rounding, neither before nor after it.
+    // Volatile, so that the compiler does not move the division out of the scope of the rounding
+    // mode.
     double volatile const numerator = static_cast<double>(digits);
     double volatile const quotient = numerator / 1e6;
     return quotient;
@@ -211,7 +216,7 @@ std::optional<double> double_of(std::string_view block, std::string_view point) 
     if (std::size_t const count = plain_digits(text, point); count > 0)
         return with_sign(plain_value(text, count, point.size()));
     if (auto const value = named_value(text)) return with_sign(*value);
-    // A number that starts with its point is none where another point is used.
+    // A text that starts with a decimal point is no number in a process with another one.
     if (text.empty() || !is_digit(text.front())) return std::nullopt;
 
     std::string_view const possible = possible_point(text);

@@ -14,10 +14,10 @@ constexpr std::string_view digits = "0123456789";
 
 bool is_high(std::uint32_t code) { return code >= 0xD800 && code <= 0xDBFF; }
 bool is_low(std::uint32_t code) { return code >= 0xDC00 && code <= 0xDFFF; }
-/// Stands for a byte that is not UTF-8.
+/// Whether a lone surrogate stands for a byte that is not UTF-8.
 bool is_byte(std::uint32_t code) { return code >= 0xDC80 && code <= 0xDCFF; }
 
-/// How many bytes of `text` a JSON number takes, 0 where it starts with none.
+/// The length in bytes of the JSON number that `text` starts with; 0 if it starts with none.
 std::size_t number_length(std::string_view text) {
     std::size_t at = 0;
     auto const  take = [&](char c) { return at < text.size() && text[at] == c && ++at > 0; };
@@ -213,7 +213,7 @@ std::optional<std::int64_t> integer_of_json(std::string_view number) {
         auto const parsed = std::from_chars(text.data(), text.data() + text.size(), exponent);
         bool const is_zero = all.find_first_not_of("0.") == all.npos;
         if (is_zero) return 0;
-        // No text has so many digits that the rest of them would do.
+        // No text has enough digits to make up for such an exponent.
         constexpr std::int64_t most = std::int64_t{1} << 50;
         if (parsed.ec != std::errc() || exponent > most || exponent < -most) return std::nullopt;
     }

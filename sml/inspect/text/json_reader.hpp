@@ -1,6 +1,6 @@
 #pragma once
-// Takes JSON apart token by token, as the schema asks for them. A general parser would lose what is
-// needed here: lone surrogates, the spelling of numbers, and the place of every token.
+// Reads JSON token by token, as the schema requires them. A general parser would lose lone
+// surrogates, the spelling of numbers, and the offsets of tokens.
 
 #include <sml/inspect/position.hpp>
 
@@ -13,7 +13,7 @@
 
 namespace sml::inspect {
 
-/// Thrown where the text is not what was asked for.
+/// Thrown if a token is not the expected one.
 struct JsonMisfit {
     std::size_t offset;  ///< in bytes
     std::string expected;
@@ -22,28 +22,29 @@ struct JsonMisfit {
 
 class JsonReader {
 public:
-    /// Strings are taken from this memory.
+    /// The text and the memory must outlive this object. Strings are allocated from `memory`.
     JsonReader(std::string_view text, std::pmr::memory_resource* memory)
         : text_(text), memory_(memory) {}
 
-    /// Where the next token starts.
+    /// The offset of the next token.
     std::size_t offset();
     /// The first byte of the next token, 0 at the end.
     char peek();
-    /// What the next token is, for people.
+    /// The next token, for a message.
     std::string description();
 
     void open(char bracket, std::string_view expected);
-    /// Whether an element or member follows; takes the comma before it, or the closing bracket.
+    /// Returns whether an element or member follows. Takes the comma before it, or the closing
+    /// bracket if none follows.
     bool next(char closing);
     void close(char closing, std::string_view expected);
-    /// The name of a member and its colon.
+    /// Takes the name of a member and its colon; returns the name.
     std::pmr::string name();
 
     bool             take_null();
     bool             boolean();
     std::pmr::string string(std::string_view expected);
-    /// A number as it is spelled.
+    /// Takes a number; returns its spelling.
     std::string_view number(std::string_view expected);
     void             end();
 
@@ -58,13 +59,14 @@ private:
     std::string_view           text_;
     std::pmr::memory_resource* memory_;
     std::size_t                at_ = 0;
-    char                       before_ = '\0';  // the first byte of the token before
+    char                       before_ = '\0';  // the first byte of the token taken last
 };
 
-/// An integer in any spelling that JSON has for it; none for other numbers and beyond 64 bits.
+/// The integer that a JSON number is, in any spelling, such as 1e2; none for other numbers, and for
+/// those beyond 64 bits.
 std::optional<std::int64_t> integer_of_json(std::string_view number);
 
-/// Where an offset in bytes is.
+/// The line and column of an offset in bytes.
 Position position_of(std::string_view text, std::size_t offset);
 
 }  // namespace sml::inspect

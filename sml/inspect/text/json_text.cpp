@@ -39,7 +39,8 @@ void append_escape(std::string& json, std::uint32_t code) {
     for (int shift = 12; shift >= 0; shift -= 4) json += digits[(code >> shift) & 15];
 }
 
-// The first character of a text that does not simply stand for itself.
+// Appends the first character of a text, which does not stand for itself. Returns its length in the
+// text.
 std::size_t append_special(std::string& json, std::string_view text, StrayByte stray) {
     auto const [code, length, valid] = first_character(text);
     if (!valid)
@@ -60,7 +61,7 @@ void append_number(std::string& text, Number value) {
     text.append(digits.data(), end.ptr);
 }
 
-// Too long for a word.
+// For integers that are too long for a word.
 void append_long_decimal(std::string& text, std::string_view hexadecimal) {
     BigInteger value;
     mpz_set_str(value.backend().data(), std::string(hexadecimal).c_str(), 16);

@@ -1,5 +1,5 @@
 #pragma once
-// JSON as it goes out, with its commas, and with line breaks where it is pretty.
+// Writes JSON with its commas, and with line breaks if it is to be pretty.
 
 #include <sml/inspect/text/json_text.hpp>
 
@@ -10,10 +10,11 @@
 
 namespace sml::inspect {
 
-/// Thrown where a stream takes no more.
+/// Thrown if writing to the stream fails.
 struct OutputEnded {};
 
-/// What is written last is to be flushed.
+/// Writes to a stream, which must outlive this object. The last bytes are written when `flush` is
+/// called.
 class JsonWriter {
 public:
     JsonWriter(std::ostream& out, bool pretty, StrayByte stray = StrayByte::kept)
@@ -21,7 +22,7 @@ public:
     JsonWriter(JsonWriter const&) = delete;
     JsonWriter& operator=(JsonWriter const&) = delete;
 
-    std::string text;  ///< what is not written yet; values are added to it
+    std::string text;  ///< not yet written; callers append values to it
 
     void open(char bracket) {
         text += bracket;
@@ -36,7 +37,7 @@ public:
         is_empty_ = false;
     }
 
-    /// An element is to come.
+    /// Must be called before each element.
     void next() {
         if (!is_empty_) text += ',';
         is_empty_ = false;
@@ -44,7 +45,7 @@ public:
         if (text.size() >= flushed_at) flush();
     }
 
-    /// The value of a member is to come.
+    /// Must be called before the value of each member.
     void member(std::string_view name) {
         next();
         append_json_string(text, name, stray_);
@@ -56,7 +57,7 @@ public:
         append_json_string(text, value, stray_);
     }
 
-    /// A string value of any length, in pieces that end between characters.
+    /// Writes a string of any length, in pieces that end between characters.
     void string(std::string_view value) {
         text += '"';
         while (value.size() > flushed_at) {
@@ -97,7 +98,7 @@ private:
     std::ostream& out_;
     bool          pretty_;
     StrayByte     stray_;
-    bool          is_empty_ = true;  // the container opened last
+    bool          is_empty_ = true;  // the container opened last is
     std::size_t   level_ = 0;
 };
 

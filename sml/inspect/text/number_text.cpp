@@ -17,7 +17,8 @@ namespace {
 
 using zelvanite::IEEE754Float;
 
-/// The "C" locale for this thread, and MPFR's exponent range as it was, both until it goes.
+/// Sets the "C" locale for this thread. On destruction it restores the locale and MPFR's exponent
+/// range.
 class PlainNumbers {
 public:
     PlainNumbers() : locale_(uselocale(plain())), emin_(mpfr_get_emin()), emax_(mpfr_get_emax()) {}
@@ -40,14 +41,14 @@ private:
     mpfr_exp_t emax_;
 };
 
-/// A block as the library's own parsers take it: with a zero byte behind it.
+/// A copy of a block with a zero byte after it, for the parsers of `sml/core`.
 core::TextBlock terminated(std::string_view block) {
     core::TextBlock text = core::make_block(static_cast<std::int32_t>(block.size()));
     std::ranges::copy(block, text.get());
     return text;
 }
 
-/// How many of sixteen characters are digits in upper case, before any other.
+/// The number of hexadecimal digits in upper case that sixteen characters start with.
 std::size_t upper_digits_before_other(char const* text) {
     static_assert(std::endian::native == std::endian::little);
     auto const        others = words_of(~digits_among(text, 'A'));
@@ -55,13 +56,14 @@ std::size_t upper_digits_before_other(char const* text) {
     return 8 * word + static_cast<std::size_t>(std::countr_zero(others[word])) / 8;
 }
 
-/// A hexadecimal digit in upper case; below 0 for any other character.
+/// The value of a hexadecimal digit in upper case; -1 for any other character.
 int upper_digit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-/// The exponent as the writer prints it: a sign always, no leading zero, a multiple of four.
+/// Parses an exponent as the writer prints it: always with a sign, without leading zeros, a
+/// multiple of four. None for other texts.
 std::optional<int> written_exponent(std::string_view text) {
     if (text.size() < 2 || text.size() > 6) return std::nullopt;
     bool const negative = text.front() == '-';
@@ -79,8 +81,8 @@ std::optional<int> written_exponent(std::string_view text) {
 
 using Format = IEEE754Float::Format;
 
-/// The formats by their width in bytes, without a mantissa where there is none. Looked up, as a
-/// switch would be a branch that no one foresees.
+/// The float formats by width in bytes; other widths have no mantissa bits. A table, since the
+/// branch of a switch can't be predicted.
 constexpr std::array<Format, 17> formats = [] {
     std::array<Format, 17> result{};
     for (std::size_t bytes = 0; bytes < result.size(); ++bytes)
@@ -88,8 +90,9 @@ constexpr std::array<Format, 17> formats = [] {
     return result;
 }();
 
-/// Judges a float behind its "0X" that is not zero: one digit, a fraction without trailing zeros,
-/// the exponent. Sixteen characters behind the text can be read.
+/// Whether the text after "0X" is a float other than zero as the writer prints it: one digit, a
+/// fraction without trailing zeros, and the exponent. Sixteen characters after the text must be
+/// readable.
 bool is_written_finite(std::string_view text, Format const& format, char point) {
     if (text.size() < 2) return false;
     char const*       at = text.data();
@@ -136,7 +139,7 @@ bool are_digits(std::string_view text) {
 
 namespace {
 
-/// What the parser sees, from the first character that is not blank on.
+/// The text that the parser reads: without leading blanks, up to the first zero byte.
 std::string_view parsed_text(std::string_view block) {
     block = block.substr(0, block.find('\0'));
     return {std::ranges::find_if_not(block, is_blank), block.end()};
@@ -187,7 +190,7 @@ bool is_written_float(std::string_view block, std::int32_t width, std::size_t re
 
 std::string with_dot(std::string_view block, char point) {
     std::string text(block);
-    // The number library takes a dot as well; only the first of the two is the point.
+    // MPFR accepts a dot, too. The first of the two characters is the decimal point.
     char const        points[] = {point, '.'};
     std::size_t const at = text.find_first_of(points, 0, sizeof points);
     if (at != text.npos) text[at] = '.';

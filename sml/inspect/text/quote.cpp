@@ -16,7 +16,7 @@ std::string hex_byte(char byte) {
     return {digits[value >> 4], digits[value & 15]};
 }
 
-// In hexadecimal, with what stands before and behind it.
+// Appends a number in hexadecimal, between two texts.
 void append_number(std::string& text, std::string_view before, std::uint32_t number,
                    std::string_view behind) {
     std::array<char, 8> digits;

@@ -9,19 +9,20 @@
 namespace sml::inspect {
 
 struct Character {
-    std::uint32_t code;    ///< the byte itself where it is not valid
+    std::uint32_t code;    ///< the byte itself if it is not valid
     std::size_t   length;  ///< in bytes
     bool          valid;
 };
 
-/// The character that `text`, which is not empty, starts with. A byte that belongs to no
-/// well-formed sequence stands for itself.
+/// The first character of `text`, which must not be empty. A byte that belongs to no well-formed
+/// sequence is a character by itself, which is not valid.
 Character first_character(std::string_view text);
 
-/// Adds a character to UTF-8.
+/// Appends a character as UTF-8.
 void append_character(std::string& text, std::uint32_t code);
 
-/// Control characters, marks that turn the direction of writing, line and paragraph separators.
+/// Whether a character is a control character, a mark that changes the direction of writing, or a
+/// line or paragraph separator.
 bool is_obeyed_by_terminals(std::uint32_t code);
 
 }  // namespace sml::inspect

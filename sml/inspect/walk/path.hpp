@@ -9,8 +9,9 @@
 
 namespace sml::inspect {
 
-/// Adds a step to a path: into a part of `owner`, of a map into the value behind a key as paths
-/// show it, or into the key where that is empty.
+/// Appends to `path` the step from a value of type `owner` to its part with index `part`. In a map,
+/// `key` is the text of the entry's key, and the step leads to the entry's value; with an empty
+/// `key`, it leads to the key.
 void append_step(std::string& path, Type const& owner, std::uint64_t part, std::string_view key);
 
 }  // namespace sml::inspect

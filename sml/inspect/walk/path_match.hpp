@@ -1,5 +1,5 @@
 #pragma once
-// Follows a walk to the part that a path names.
+// Finds the part of a value to which a path leads, while the value is walked.
 
 #include <sml/inspect/walk/walk.hpp>
 
@@ -11,13 +11,14 @@
 
 namespace sml::inspect {
 
-/// The part is where the walk's steps, printed, are the path; the first of several. The value of a
-/// map's entry also goes by the entry's number, as in `[#3]`.
+/// Compares the path of a walk with a given path after each step. The first part whose path equals
+/// the given one is the part that it finds. The given path may also name the value of a map's entry
+/// by the number of the entry, as in `[#3]`.
 class PathMatch {
 public:
     PathMatch(Walk const& walk, std::string_view path) : walk_(walk), path_(path) {}
 
-    /// To be told of every step, when the walk has taken it. Whether it led to the part.
+    /// Must be called after each step of the walk. Returns whether this step leads to the part.
     bool step() {
         std::size_t const depth = walk_.depth();
         if (depth <= matched_.size()) matched_.resize(depth - 1);
@@ -31,7 +32,7 @@ public:
         return false;
     }
 
-    /// How much of the path led to something, at best.
+    /// The length in bytes of the longest start of the given path that led to a part.
     std::size_t reached() const { return reached_; }
 
 private:
@@ -51,7 +52,7 @@ private:
 
     Walk const&              walk_;
     std::string_view         path_;
-    std::vector<std::size_t> matched_;  // how much of the path each matching step has reached
+    std::vector<std::size_t> matched_;  // for each matching step, the length of the path to it
     std::size_t              reached_ = 0;
     bool                     found_ = false;
 };

@@ -1,5 +1,6 @@
 #pragma once
-// Where a walk stands in bytes: what all walks share, whatever they tell to whom.
+// The state of a walk: the position in the bytes, the path to it, the strings, and an estimate of
+// what a reader needs.
 
 #include <sml/inspect/finding.hpp>
 #include <sml/inspect/keys/keys.hpp>
@@ -17,23 +18,24 @@
 
 namespace sml::inspect {
 
-/// One step of the path to the value at hand: the value that it is in and which of its parts. Lives
-/// on the stack for as long as the walk is in there.
+/// One step of the path to the present value: the type of a value around it, and which part of that
+/// value is walked. It lives on the stack while the walk is inside that value.
 struct Step {
     Type const*     type;
-    Step const*     up;                    ///< the step before it
-    FlatPart const* flat = nullptr;        ///< the flat part, while those are walked
+    Step const*     up;                    ///< the step around it; null for the root
+    FlatPart const* flat = nullptr;        ///< the present one, while flat parts are walked
     std::uint64_t   part = nowhere;        ///< index of a field, part, arm, flag or element
-    std::uint64_t   key_offset = nowhere;  ///< of the entry's key, once it has been walked
+    std::uint64_t   key_offset = nowhere;  ///< of the entry's key, while its value is walked
 
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
 };
 
-/// The bytes, the place in them, the strings met and what a reader is estimated to need. Takes
-/// nothing beyond the bytes.
+/// The state of one walk. Functions that take bytes do not check how many are left: the caller
+/// does.
 class Walk {
 public:
-    /// The bytes and the budget live as long as this.
+    /// `bytes` and `budget` must outlive this object. A limit of depth above `Limits::depth_cap` is
+    /// replaced by that.
     Walk(std::string_view bytes, WalkOptions const& options, Budget& budget);
     Walk(Walk const&) = delete;
     Walk& operator=(Walk const&) = delete;
@@ -41,7 +43,7 @@ public:
     std::uint64_t offset() const noexcept { return static_cast<std::uint64_t>(at_ - start_); }
     std::uint64_t left() const noexcept { return static_cast<std::uint64_t>(end_ - at_); }
 
-    /// The next word; `left()` holds it.
+    /// Takes the next word. Requires `left() >= sizeof(Word)`.
     template <class Word>
     Word take_word() noexcept {
         at_ += sizeof(Word);
@@ -50,35 +52,37 @@ public:
 
     void skip(std::size_t size) noexcept { at_ += size; }
 
-    /// The bytes not taken yet; who has taken more of them without the walk says how far.
+    /// The position. Code that takes bytes without this object starts here, and calls `seek` with
+    /// the position after them.
     char const* at() const noexcept { return at_; }
-    void        go_to(char const* at) noexcept { at_ = at; }
+    void        seek(char const* at) noexcept { at_ = at; }
 
-    /// The next bytes; `left()` holds them.
+    /// Takes the next `size` bytes. Requires `left() >= size`.
     std::string_view take(std::size_t size) noexcept {
         std::string_view const taken(at_, size);
         at_ += size;
         return taken;
     }
 
-    /// The path from the root to the value at hand, as in
+    /// The path from the root to the present value, as in
     /// `checks[("src/a.c",3)].category.OVFL.ovfl_data`; empty at the root.
     std::string path() const;
 
-    /// Adds a step to a path.
+    /// Appends a step to a path.
     void append_step(std::string& path, Step const& step) const;
 
-    /// A step into a value, which is to be left again.
+    /// Returns a new step, into a value of this type. The caller passes it to `set_step`, and when
+    /// it leaves the value, passes `up` of the step.
     Step enter(Type const& type) const noexcept { return {&type, top_}; }
-    void go_to(Step const* step) noexcept { top_ = step; }
+    void set_step(Step const* step) noexcept { top_ = step; }
 
-    /// How many steps the walk is in.
+    /// The number of steps of the path.
     std::size_t depth() const noexcept {
         std::size_t depth = 0;
         for (Step const* step = top_; step != nullptr; step = step->up) ++depth;
         return depth;
     }
-    /// The step taken last; there is one.
+    /// The innermost step. Requires `depth() > 0`.
     Step const& step() const noexcept { return *top_; }
 
     /// The decimal point of the process that wrote the bytes.
@@ -86,13 +90,14 @@ public:
 
     Budget&       budget;
     StringTable   strings;
-    Keys const    keys;  ///< of what has been walked
+    Keys const    keys;  ///< reads keys again that have been walked
     ReaderHeap    heap;
-    std::uint64_t elements = 0;  ///< of all containers so far
-    std::uint32_t nesting = 0;   ///< variants and containers that the walk is in
+    std::uint64_t elements = 0;  ///< elements and entries of all containers so far
+    std::uint32_t nesting = 0;   ///< number of open variants and containers
     Limits const  limits;
 
-    /// Told the offset now and then, if there is one: for another thread that shows progress.
+    /// If not null, the offset is stored here from time to time, for another thread that shows
+    /// progress.
     std::atomic<std::uint64_t>* const progress;
 
 private:

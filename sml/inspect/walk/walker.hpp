@@ -1,8 +1,9 @@
 #pragma once
-// One bounded pass over the bytes of a root, by descriptor, telling a visitor what it meets.
+// One bounded pass over the bytes of a root, by descriptor. It reports events to a visitor.
 //
-// It builds no objects and takes nothing beyond the bytes; it is the only code that reads bytes of
-// unknown origin. The first unsafe finding ends the pass; the ends of what is open are still told.
+// It builds no objects and takes no bytes after the end; it is the only code that reads bytes of
+// unknown origin. The first unsafe finding ends the pass; after it, the end events of all open
+// values are still reported.
 
 #include <sml/inspect/text/characters.hpp>
 #include <sml/inspect/text/double_text.hpp>
@@ -17,14 +18,17 @@
 
 namespace sml::inspect {
 
-/// A visitor that listens to nothing. Others derive from it and hide what they want to hear; the
-/// walker is instantiated for each, so what is not heard costs nothing.
-struct SilentVisitor {
-    /// Whether the keys and elements of tables and sets are told to `add_key`.
+/// A visitor that ignores all events. Other visitors derive from it and hide the functions of the
+/// events that they want. The walker is instantiated for each visitor, so an ignored event costs
+/// nothing.
+struct BaseVisitor {
+    /// Whether keys of maps and elements of sets are compared: whether `open_keys`, `key_hash`,
+    /// `expect_key`, `add_key` and `close_keys` are called.
     static constexpr bool compares_keys = false;
 
-    /// Whether words, strings and the parts of records are told.
-    static constexpr bool hears_values = true;
+    /// Whether events are wanted for words, strings, numbers and the parts of records. If not, the
+    /// walker reports only some of them, to save time.
+    static constexpr bool wants_values = true;
 
     void integer(Type const&, std::int64_t) {}
     void natural(Type const&, std::uint64_t) {}
@@ -39,44 +43,50 @@ struct SilentVisitor {
     /// The element of an optional follows.
     void present(Type const&) {}
 
-    /// A record, group, tuple, list, set, map or row of flags with so many parts or entries.
+    /// The start of a record, group, tuple, list, set, map or row of flags, with the number of its
+    /// parts or entries.
     void begin(Type const&, std::uint64_t /*count*/) {}
-    /// The part or entry to come; in a map the key of the entry.
+    /// Comes before each part or entry; in a map, before the key of the entry.
     void part(Type const&, std::uint64_t /*index*/) {}
-    /// The value of the entry of a map to come.
+    /// Comes before the value of a map's entry.
     void entry_value(Type const&) {}
-    /// The end of the entry of a map.
+    /// The end of a map's entry.
     void end_entry(Type const&) {}
     void end(Type const&) {}
 
-    /// The arm is null for a tag that stands bare; a payload follows when the arm has one.
+    /// The start of a variant. The arm is null for an unset or unknown tag in a variant without
+    /// catch-all arm. `payload` and the event of the payload follow if the arm has one.
     void begin_variant(Type const&, std::int32_t /*tag*/, Arm const*) {}
     void payload(Type const&) {}
     void end_variant(Type const&) {}
     void reference(Type const&, std::int32_t /*tag*/, std::uint64_t /*word*/) {}
 
-    /// A set or map with so many entries, more than one, whose keys are going to be told.
+    /// Comes before a set or map of more than one entry, whose keys will be compared.
     void open_keys(Type const&, std::uint64_t /*count*/) {}
     void close_keys() {}
-    /// The root's value is over; bytes behind it are unsafe.
+    /// The end of the root's value; bytes after it are unsafe.
     void end_root() {}
 
-    /// By what the key at an offset is told from others; `Keys::no_hash` where it equals none.
+    /// Returns the hash by which `add_key` finds the key at an offset; `Keys::no_hash` for a key
+    /// that equals no other.
     std::uint64_t key_hash(Walk const& walk, Type const& key, std::uint64_t offset) const {
         return walk.keys.hash(key, offset);
     }
-    /// A key with this hash is going to be told behind its value.
+    /// Comes after the key of a map's entry: `add_key` will be called with this hash after the
+    /// value.
     void expect_key(std::uint64_t /*hash*/) {}
-    /// Whether the key at an offset is new to the container opened last. In a map it is told when
-    /// its value is over. `Keys::no_hash` stands for a key that equals no other.
+    /// Adds the key at an offset to the container opened last; returns whether it is new there. In
+    /// a map it is called after the entry's value. The hash is `Keys::no_hash` for a key that
+    /// equals no other.
     bool add_key(Type const& /*key*/, std::uint64_t /*offset*/, std::uint64_t /*hash*/) {
         return true;
     }
 
-    /// How many comparisons of keys a reader has made in its hash tables.
+    /// The estimate of a reader's comparisons of keys in its hash tables so far.
     std::uint64_t work() const { return 0; }
 
-    /// `make` gives the finding; not calling it saves its making.
+    /// An odd finding, which `make()` returns. Making it takes time: a visitor that does not need
+    /// it does not call that.
     template <class Make>
     void odd(Oddity, Make const& /*make*/) {}
     void unsafe(Finding const&) {}
@@ -87,7 +97,8 @@ class Walker {
 public:
     Walker(Walk& walk, Visitor& visitor) : walk_(walk), visitor_(visitor) {}
 
-    /// Whether nothing unsafe was found and the root's value took all the bytes.
+    /// Walks a value of the root. Returns whether nothing unsafe was found; bytes after the value
+    /// are unsafe.
     bool run(Type const& root) {
         if (!value(root)) return false;
         visitor_.end_root();
@@ -100,20 +111,21 @@ public:
 private:
     [[gnu::noinline]] bool value(Type const& type) { return inline_value(type); }
 
-    // Inlined where values are walked in a row; what is rare, or walks on, stands outside.
+    // Inlined where values are walked one after another. What is rare or walks inner values is in
+    // functions of its own, which are not inlined.
     [[gnu::always_inline]] bool inline_value(Type const& type) {
-        // Of what has parts the first one that is not there is told.
+        // For a type with parts, the finding is that of the first missing part.
         if (walk_.left() < type.least_size && !type.has_parts()) [[unlikely]]
             return too_short(type.least_size);
         return whole_value(type);
     }
 
-    /// The same where parts are likely.
+    /// The same, for places where most types have parts.
     [[gnu::always_inline]] bool parts_or_value(Type const& type) {
         return type.has_parts() ? parts(type) : value(type);
     }
 
-    /// The same for a type whose least size is there.
+    /// The same, where at least `least_size` bytes are left or the type has parts.
     [[gnu::always_inline]] bool whole_value(Type const& type) {
         if (type.kind == Kind::string) return string();
         switch (type.kind) {
@@ -140,17 +152,17 @@ private:
         }
     }
 
-    /// Calls `use` with the step into a value.
+    /// Calls `use` with a new step, into a value of this type. Returns what `use` returns.
     template <class Use>
     bool inside(Type const& type, Use use) {
         Step step = walk_.enter(type);
-        walk_.go_to(&step);
+        walk_.set_step(&step);
         bool const whole = use(step);
-        walk_.go_to(step.up);
+        walk_.set_step(step.up);
         return whole;
     }
 
-    /// The same for what can hold its own kind, as deep as is allowed.
+    /// The same for variants and containers, whose nesting is limited.
     template <class Use>
     bool inside_nesting(Type const& type, Use use) {
         if (!may_nest()) [[unlikely]]
@@ -163,12 +175,12 @@ private:
 
     [[gnu::noinline]] bool parts(Type const& type) {
         return inside(type, [&](Step& step) {
-            if (Visitor::hears_values) return heard_parts(type, step);
+            if (Visitor::wants_values) return visited_parts(type, step);
             return flat_parts(type, step);
         });
     }
 
-    bool heard_parts(Type const& type, Step& step) {
+    bool visited_parts(Type const& type, Step& step) {
         visitor_.begin(type, type.parts.size());
         bool          whole = true;
         std::uint64_t index = 0;
@@ -181,8 +193,11 @@ private:
         return whole;
     }
 
-    /// Parts inside parts are walked in a row. Words that nobody hears, and that can't be odd, are
-    /// skipped; what takes just its least size, and is not odd, is passed at a glance.
+    /// Walks the flat parts of a type. No events are reported for records and plain words. A part
+    /// is skipped after one comparison if it takes only its least size and is not odd, such as a
+    /// back-reference or an empty list.
+    ///
+    /// `at` is the position here; the walk gets it only before other functions are called.
     bool flat_parts(Type const& type, Step& step) {
         FlatPart const* part = type.flat;
         if (walk_.left() < part->least_size_of_row) [[unlikely]]
@@ -190,13 +205,13 @@ private:
         char const* at = walk_.at();
         bool        whole = true;
         auto const  stop = [&] {
-            walk_.go_to(at);
+            walk_.seek(at);
             step.flat = part;
         };
         for (;; ++part) {
             at += part->words_before;
             if (part->kind == Kind::string &&
-                walk_.strings.knows_at_sight(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
+                walk_.strings.is_in_sequence(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
                 at += least_size_of(Kind::string);
                 continue;
             }
@@ -256,8 +271,8 @@ private:
                     stop();
                     whole = value(*part->type);
                     break;
-                case Kind::record: walk_.go_to(at); return true;  // the end
-                default: __builtin_unreachable();                 // plain words, and what has parts
+                case Kind::record: walk_.seek(at); return true;  // the end
+                default: __builtin_unreachable();                // no flat parts
             }
             if (!whole) return false;
             if (walk_.left() < part[1].least_size_of_row) [[unlikely]]
@@ -266,15 +281,15 @@ private:
         }
     }
 
-    /// Whether a tag stands alone, and may.
+    /// Whether a tag has an arm without payload, and the limit of depth allows this variant.
     bool is_bare(Type const& type, std::uint32_t tag) const {
         return tag < type.arms.size() && type.arms[tag].payload == nullptr && may_nest();
     }
 
-    /// Whether one more variant or container is allowed inside those that the walk is in.
+    /// Whether the limit of depth allows one more variant or container here.
     bool may_nest() const { return walk_.nesting < walk_.limits.depth; }
 
-    /// The same from one part on, where the bytes may end before the row does.
+    /// The same from one flat part on, where the bytes may end before the last one.
     [[gnu::cold, gnu::noinline]] bool flat_parts_with_care(Type const& type, Step& step,
                                                            FlatPart const* part) {
         for (;; ++part) {
@@ -286,14 +301,17 @@ private:
         }
     }
 
-    /// Tells which of the parts is missing: a word before a flat part, or that part itself.
+    /// Reports the first part that the bytes do not hold: a plain word before the flat part, or
+    /// that part itself.
     bool parts_too_short(Type const& type, Step& step) {
         auto flat_parts_before = static_cast<std::uint64_t>(step.flat - type.flat);
         step.flat = nullptr;
         return pass_parts(type, step, flat_parts_before);
     }
 
-    /// Takes words once the flat parts before them are passed. False at what is missing.
+    /// Goes through all parts, inner ones too. Those up to the flat part with index
+    /// `flat_parts_before` have been walked; plain words after these are taken here. At the first
+    /// part that the bytes do not hold, reports it and returns false.
     bool pass_parts(Type const& type, Step& step, std::uint64_t& flat_parts_before) {
         for (step.part = 0; step.part < type.parts.size(); ++step.part) {
             Type const& part = *type.parts[step.part].type;
@@ -325,7 +343,7 @@ private:
         } else {
             odd_tag(type, tag);
             index = static_cast<std::uint32_t>(type.arms.size() - 1);
-            if (type.takes_rest) arm = &type.arms[index];
+            if (type.has_catch_all) arm = &type.arms[index];
         }
         visitor_.begin_variant(type, tag, arm);
         bool whole = true;
@@ -391,7 +409,7 @@ private:
             if (!parts_or_value(*type.element)) return false;
             if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
             if (!keyed) continue;
-            settle_key(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
+            add_key_of_entry(type, *type.element, at, visitor_.key_hash(walk_, *type.element, at));
             if (!work_does(at)) return false;
         }
         return true;
@@ -410,7 +428,8 @@ private:
     bool pair(Type const& type, Step& step, bool keyed) {
         std::uint64_t const at = walk_.offset();
         if (!parts_or_value(*type.key)) return false;
-        // Settled behind the value: by then what it takes has come from memory.
+        // The key is added after the value: by then the memory that `expect_key` prefetches has
+        // arrived.
         std::uint64_t const hash = keyed ? visitor_.key_hash(walk_, *type.key, at) : Keys::no_hash;
         if (hash != Keys::no_hash) visitor_.expect_key(hash);
         if (!walk_.heap.take_nodes(type, 1)) return too_much_heap(at);
@@ -418,11 +437,11 @@ private:
         visitor_.entry_value(type);
         bool const whole = parts_or_value(*type.element);
         step.key_offset = Step::nowhere;
-        if (keyed) settle_key(type, *type.key, at, hash);
+        if (keyed) add_key_of_entry(type, *type.key, at, hash);
         return whole && work_does(at);
     }
 
-    void settle_key(Type const& type, Type const& key, std::uint64_t at, std::uint64_t hash) {
+    void add_key_of_entry(Type const& type, Type const& key, std::uint64_t at, std::uint64_t hash) {
         if (visitor_.add_key(key, at, hash)) [[likely]]
             return;
         walk_.heap.give_back_node(type);
@@ -458,7 +477,7 @@ private:
 
     [[gnu::noinline]] bool reference(Type const& type) {
         auto const tag = walk_.take_word<std::int32_t>();
-        if (!type.knows_tag(tag)) odd_tag(type, tag);
+        if (!type.has_tag(tag)) odd_tag(type, tag);
         visitor_.reference(type, tag, walk_.take_word<std::uint64_t>());
         return true;
     }
@@ -500,7 +519,7 @@ private:
             if (!walk_.heap.take_other_id()) return too_much_heap(walk_.offset());
             if (!work_does(walk_.offset())) return false;
         }
-        if (Visitor::hears_values) visitor_.string(walk_.strings.text_of(word.id()));
+        if (Visitor::wants_values) visitor_.string(walk_.strings.text_of(word.id()));
         return true;
     }
 
@@ -525,53 +544,53 @@ private:
 
     [[gnu::noinline]] bool text() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a text")) return false;
-        if (!walk_.heap.take_text(told.size())) return too_much_heap(at);
-        visitor_.text(told);
+        std::string_view    text;
+        if (!block(text, "a text")) return false;
+        if (!walk_.heap.take_text(text.size())) return too_much_heap(at);
+        visitor_.text(text);
         return true;
     }
 
     [[gnu::noinline]] bool number() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a number")) return false;
-        if (!walk_.heap.take_double(told.size())) return too_much_heap(at);
-        bool const is_plain = is_plainly_written_double(told, walk_.point());
-        if (is_plain && !Visitor::hears_values) return true;
-        auto const read = double_of(told, walk_.point());
+        std::string_view    text;
+        if (!block(text, "a number")) return false;
+        if (!walk_.heap.take_double(text.size())) return too_much_heap(at);
+        bool const is_plain = is_plainly_written_double(text, walk_.point());
+        if (is_plain && !Visitor::wants_values) return true;
+        auto const read = double_of(text, walk_.point());
         if (!read)
             return fail(at, "a number that a double holds in every locale and rounding mode",
-                        quoted(told));
-        if (!is_plain && told != written_double(*read, walk_.point())) odd_double(at, told);
+                        quoted(text));
+        if (!is_plain && text != written_double(*read, walk_.point())) odd_double(at, text);
         visitor_.number(*read);
         return true;
     }
 
     [[gnu::noinline]] bool big_integer() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "an integer")) return false;
-        bool const is_written = is_written_integer(told, told.size() + walk_.left());
-        bool const is_zero = is_written && told.front() == '0';
-        bool const is_plain = is_written && told.size() <= ReaderHeap::plain_integer;
-        if (!is_zero && !walk_.heap.take_integer(told.size(), is_plain)) return too_much_heap(at);
+        std::string_view    text;
+        if (!block(text, "an integer")) return false;
+        bool const is_written = is_written_integer(text, text.size() + walk_.left());
+        bool const is_zero = is_written && text.front() == '0';
+        bool const is_plain = is_written && text.size() <= ReaderHeap::plain_integer;
+        if (!is_zero && !walk_.heap.take_integer(text.size(), is_plain)) return too_much_heap(at);
         if (is_written) {
-            if (Visitor::hears_values) visitor_.big_integer(written_digits(told));
+            if (Visitor::wants_values) visitor_.big_integer(written_digits(text));
             return true;
         }
-        odd_number(at, told);
-        if (Visitor::hears_values) {
-            Budget::Hold const held(walk_.budget, told.size());
-            visitor_.big_integer(integer_of(told));
+        odd_number(at, text);
+        if (Visitor::wants_values) {
+            Budget::Hold const held(walk_.budget, text.size());
+            visitor_.big_integer(integer_of(text));
         }
         return true;
     }
 
     [[gnu::noinline]] bool ieee_float() {
         std::uint64_t const at = walk_.offset();
-        std::string_view    told;
-        if (!block(told, "a float")) return false;
+        std::string_view    text;
+        if (!block(text, "a float")) return false;
         std::uint64_t const width_offset = walk_.offset();
         if (walk_.left() < sizeof(std::int32_t))
             return fail(width_offset, "a float's width", "the end of the bytes");
@@ -581,22 +600,22 @@ private:
                         std::to_string(width));
         char const point = float_point(walk_.point());
         bool const is_written =
-            is_written_float(told, width, told.size() + sizeof width + walk_.left(), point);
-        bool const is_plain = is_written && told != "NAN";
-        if (!walk_.heap.take_float(told.size(), is_plain)) return too_much_heap(at);
-        if (!is_written) odd_number(at, told);
-        if (Visitor::hears_values) hear_float(told, width, point, is_written);
+            is_written_float(text, width, text.size() + sizeof width + walk_.left(), point);
+        bool const is_plain = is_written && text != "NAN";
+        if (!walk_.heap.take_float(text.size(), is_plain)) return too_much_heap(at);
+        if (!is_written) odd_number(at, text);
+        if (Visitor::wants_values) visit_float(text, width, point, is_written);
         return true;
     }
 
-    void hear_float(std::string_view told, std::int32_t width, char point, bool is_written) {
-        if (is_written && point == '.') return visitor_.ieee_float(told, width);
-        Budget::Hold const held(walk_.budget, 3 * told.size());
-        std::string const  text = is_written ? with_dot(told, point) : float_of(told, width, point);
-        visitor_.ieee_float(text, width);
+    void visit_float(std::string_view text, std::int32_t width, char point, bool is_written) {
+        if (is_written && point == '.') return visitor_.ieee_float(text, width);
+        Budget::Hold const held(walk_.budget, 3 * text.size());
+        std::string const usual = is_written ? with_dot(text, point) : float_of(text, width, point);
+        visitor_.ieee_float(usual, width);
     }
 
-    /// A length word and so many bytes.
+    /// Takes a length word and as many bytes. `what` names the value in a finding.
     bool block(std::string_view& bytes, char const* what) {
         if (walk_.left() < sizeof(std::int32_t)) [[unlikely]]
             return no_length(what);
@@ -613,12 +632,12 @@ private:
         return visitor_.work() <= walk_.limits.work || too_much_work(at);
     }
 
-    // Kept out of the way of what is as it should be.
+    // Not inlined, so that these rare cases do not slow down the usual ones.
     [[gnu::cold, gnu::noinline]] bool too_short(std::uint32_t least_size) {
         return fail(walk_.offset(), "at least " + std::to_string(least_size) + " bytes",
                     std::to_string(walk_.left()));
     }
-    // Of the word just taken.
+    // The finding is at the word that was taken last.
     template <class Number>
     [[gnu::cold, gnu::noinline]] bool too_large(char const* expected, std::uint64_t most,
                                                 Number found) {
@@ -626,59 +645,56 @@ private:
                     std::to_string(found));
     }
     [[gnu::cold, gnu::noinline]] bool too_deep() {
-        return fail(walk_.offset(),
-                    "no more than " + std::to_string(walk_.limits.depth) +
-                        " variants and containers inside one another",
-                    "one more");
+        return fail(
+            walk_.offset(),
+            "at most " + std::to_string(walk_.limits.depth) + " levels of variants and containers",
+            "one more");
     }
     [[gnu::cold, gnu::noinline]] bool too_much_heap(std::uint64_t at) {
-        return fail(
-            at, "an object that takes at most " + std::to_string(walk_.limits.memory) + " bytes",
-            "at least " + std::to_string(walk_.heap.peak()));
+        return fail(at,
+                    "a reader's heap of at most " + std::to_string(walk_.limits.memory) + " bytes",
+                    "at least " + std::to_string(walk_.heap.peak()));
     }
     [[gnu::cold, gnu::noinline]] bool too_much_work(std::uint64_t at) {
-        return fail(at,
-                    "keys that a reader compares at most " + std::to_string(walk_.limits.work) +
-                        " times with others",
-                    "at least " + std::to_string(visitor_.work()) +
-                        " comparisons, as many keys fall together in the hash tables");
+        return fail(
+            at, "at most " + std::to_string(walk_.limits.work) + " comparisons of keys by a reader",
+            "at least " + std::to_string(visitor_.work()) +
+                ", since many keys collide in its hash tables");
     }
     [[gnu::cold, gnu::noinline]] bool no_length(char const* what) {
         return fail(walk_.offset(), std::string("the length of ") + what, "the end of the bytes");
     }
 
     [[gnu::cold, gnu::noinline]] bool too_many_strings(std::uint64_t at) {
-        return fail(at, "no more than " + std::to_string(StringTable::most) + " strings",
-                    "one more");
+        return fail(at, "at most " + std::to_string(StringTable::most) + " strings", "one more");
     }
 
     [[gnu::cold, gnu::noinline]] void odd_tag(Type const& type, std::int32_t tag) {
         odd(Oddity::unknown, walk_.offset() - sizeof tag,
-            "a tag from 0 to " + std::to_string(type.arms.size() - 1), [&] {
-                return tag == -1 ? std::string("-1, a variant never set") : std::to_string(tag);
-            });
+            "a tag from 0 to " + std::to_string(type.arms.size() - 1),
+            [&] { return tag == -1 ? std::string("-1, an unset variant") : std::to_string(tag); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_flag(std::uint64_t at, char byte) {
         odd(Oddity::other, at, "T or F", [&] {
-            return byte_text(byte) + (is_blank(byte) ? ", which reading from a stream skips" : "");
+            return byte_text(byte) + (is_blank(byte) ? ", which a reader of a stream skips" : "");
         });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_id(std::uint64_t at, std::int32_t id) {
-        // The least number is shown without its sign.
+        // Shown without a sign: the id may be INT32_MIN.
         odd(Oddity::other, at, "id " + std::to_string(walk_.strings.count()),
             [&] { return "id " + std::to_string(static_cast<std::uint32_t>(id)); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_reference(std::int32_t id) {
-        odd(Oddity::other, walk_.offset() - sizeof id, "an id told before",
+        odd(Oddity::other, walk_.offset() - sizeof id, "an id that is defined before",
             [&] { return "id " + std::to_string(id); });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_repetition(std::uint64_t at) {
-        odd(Oddity::other, at, "a reference to the text told before",
-            [] { return "the text told again"; });
+        odd(Oddity::other, at, "a back-reference",
+            [] { return "a second definition of the same text"; });
     }
 
     [[gnu::cold, gnu::noinline]] void odd_enumerator(Type const& type, std::int32_t number) {
@@ -688,19 +704,20 @@ private:
     }
 
     [[gnu::cold, gnu::noinline]] void odd_key(Type const& type, std::uint64_t at) {
-        odd(Oddity::repeated, at, "a key or element that is not there yet",
+        odd(Oddity::repeated, at, "a new key or element",
             [&] { return walk_.keys.text(type, at) + " again"; });
     }
 
-    [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view told) {
-        odd(Oddity::other, at, "a number as it is written", [&] { return quoted(told); });
+    [[gnu::cold, gnu::noinline]] void odd_number(std::uint64_t at, std::string_view text) {
+        odd(Oddity::other, at, "a number as a writer spells it", [&] { return quoted(text); });
     }
 
-    [[gnu::cold, gnu::noinline]] void odd_double(std::uint64_t at, std::string_view told) {
-        odd(Oddity::other, at, "a number as it is written", [&] {
-            auto const point = other_point_of(told, walk_.point());
-            return quoted(told) +
-                   (point ? ", as it is written where the decimal point is " + quoted(*point) : "");
+    [[gnu::cold, gnu::noinline]] void odd_double(std::uint64_t at, std::string_view text) {
+        odd(Oddity::other, at, "a number as a writer spells it", [&] {
+            auto const point = other_point_of(text, walk_.point());
+            return quoted(text) +
+                   (point ? ", as a writer spells it where the decimal point is " + quoted(*point)
+                          : "");
         });
     }
 

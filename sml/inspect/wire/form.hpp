@@ -1,5 +1,5 @@
 #pragma once
-// What stands where in bytes: how many of them the kinds take, and flags.
+// The sizes of the kinds in bytes, flags, and words.
 
 #include <sml/inspect/type.hpp>
 
@@ -8,8 +8,8 @@
 
 namespace sml::inspect {
 
-/// How many bytes a value of a kind takes at the least, without the values that it holds. Numbers,
-/// enumerations, references and flags take just these.
+/// The fewest bytes that a value of a kind takes, without the values inside it. Words,
+/// enumerations, references and flags take exactly as many.
 constexpr std::uint32_t least_size_of(Kind kind) {
     constexpr std::uint32_t word = 4;  // a number, tag, enumerator, id, length, count or width
     constexpr std::uint32_t long_word = 8;
@@ -46,7 +46,7 @@ constexpr char flag_byte(bool is_true) { return is_true ? 'T' : 'F'; }
 /// Any other byte is false, too.
 constexpr bool is_true_flag(char byte) { return byte == flag_byte(true); }
 
-/// T or F, without a branch on which of them.
+/// Whether a byte is T or F, without a branch that depends on which of them it is.
 constexpr bool is_flag(char byte) {
     constexpr unsigned least = 'F';
     constexpr unsigned most = 'T';
@@ -55,7 +55,7 @@ constexpr bool is_flag(char byte) {
     return index <= most - least && (both >> index & 1) != 0;
 }
 
-/// The word that stands at a place.
+/// The word at an address, which need not be aligned.
 template <class Word>
 Word word_at(char const* at) noexcept {
     Word word;

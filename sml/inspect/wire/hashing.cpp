@@ -7,7 +7,7 @@
 
 namespace sml::inspect {
 
-// Where there is no source of random numbers, the time and an address have to do.
+// Without a source of random numbers, the seed is made of the time and an address.
 std::uint64_t const hash_seed = []() -> std::uint64_t {
     try {
         std::random_device device;

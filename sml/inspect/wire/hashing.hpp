@@ -6,7 +6,7 @@
 
 namespace sml::inspect {
 
-/// The seed, another one in each process.
+/// The seed: a random number, chosen anew in each process.
 [[gnu::visibility("hidden")]] extern std::uint64_t const hash_seed;
 
 inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {
@@ -19,7 +19,7 @@ inline std::uint64_t seeded_hash(std::uint64_t word, std::uint64_t state) {
 }
 std::uint64_t seeded_hash(std::string_view text);
 
-/// For the standard library's tables.
+/// A hash functor for the standard library's containers.
 struct SeededHash {
     std::size_t operator()(std::uint64_t word) const { return seeded_hash(word, 0); }
     std::size_t operator()(std::string_view text) const { return seeded_hash(text); }

@@ -1,6 +1,6 @@
 #pragma once
-// The string ids that come out of sequence: which of them were used before they had a text, and the
-// numbers that the user of this table has for the others.
+// The string ids that are out of sequence, each with a number that the user of this table gives it,
+// or with none.
 
 #include <sml/inspect/wire/hashing.hpp>
 
@@ -13,7 +13,7 @@
 
 namespace sml::inspect {
 
-/// 5 to 11 bytes an id, twice as much when any of them has a number, and half as much again while
+/// Takes 5 to 11 bytes an id, twice that if any of them has a number, and half as much again while
 /// it grows.
 class IdTable {
 public:
@@ -23,7 +23,8 @@ public:
 
     bool empty() const noexcept { return size_ == 0; }
 
-    /// The number of an id from 1 on; none where the id is not there.
+    /// The number of an id, which is at least 1: `no_number` if the id was added with that, none if
+    /// the id was not added.
     std::optional<std::uint32_t> find(std::int32_t id) const {
         if (ids_.empty()) return std::nullopt;
         std::size_t const slot = slot_of(ids_, id);
@@ -31,7 +32,7 @@ public:
         return numbers_.empty() ? no_number : numbers_[slot];
     }
 
-    /// Adds an id from 1 on that is not there.
+    /// Adds an id, which is at least 1 and is not in the table.
     void add(std::int32_t id, std::uint32_t number) {
         if (4 * size_ >= 3 * ids_.size()) grow();
         if (number != no_number && numbers_.empty()) numbers_.assign(ids_.size(), no_number);
@@ -45,7 +46,7 @@ private:
     using Ids = std::pmr::vector<std::int32_t>;  // 0 where a slot is free
     using Numbers = std::pmr::vector<std::uint32_t>;
 
-    /// Where the id is, or where it belongs.
+    /// The slot that holds the id, or the free one where it would be added.
     static std::size_t slot_of(Ids const& ids, std::int32_t id) {
         std::size_t const mask = ids.size() - 1;
         std::size_t       i = seeded_hash(static_cast<std::uint32_t>(id), 0) & mask;

@@ -1,5 +1,5 @@
 #pragma once
-// Bytes that go out, where a count is known only when its entries are over.
+// Output in which a count can be written after its entries.
 
 #include <cstdint>
 #include <cstring>
@@ -9,7 +9,8 @@
 
 namespace sml::inspect {
 
-/// Writes to a stream that can seek, from where it stands.
+/// Writes to a stream that can seek, from its present position on. The stream must outlive this
+/// object. The last bytes are written when `flush` is called.
 class PatchedOutput {
 public:
     explicit PatchedOutput(std::ostream& out) : out_(out), start_(out.tellp()) {}
@@ -26,7 +27,7 @@ public:
         flushed_ += bytes.size();
     }
 
-    /// Replaces the word that was appended at an offset.
+    /// Replaces the word at an offset, which was appended before.
     void patch(std::uint64_t offset, std::uint32_t word) {
         if (offset >= flushed_) {
             std::memcpy(buffer_.data() + (offset - flushed_), &word, sizeof word);

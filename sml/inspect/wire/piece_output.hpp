@@ -1,5 +1,5 @@
 #pragma once
-// Bytes that go out to a function.
+// Output of bytes to a function.
 
 #include <cstddef>
 #include <functional>
@@ -9,7 +9,8 @@
 
 namespace sml::inspect {
 
-/// Hands bytes on in pieces of at least 64 KiB, and what is left at the end.
+/// Calls the function with pieces of at least 64 KiB, and with the last bytes when `flush` is
+/// called.
 class PieceOutput {
 public:
     explicit PieceOutput(std::function<void(std::string_view)> write) : write_(std::move(write)) {}

@@ -86,7 +86,7 @@ std::uint64_t StringTable::readers_comparisons() const {
         else
             added.push_back(entries_[entry].hash);
     }
-    // When the object goes, each text is looked up once more.
+    // When a reader's object is destroyed, each text is looked up once more.
     Compared const all = compared_in_table(added);
     return all.comparisons + all.pairs + repeated_.size() * all.longest;
 }

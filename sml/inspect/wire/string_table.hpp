@@ -1,5 +1,5 @@
 #pragma once
-// The strings that a walk has met, by id and by text: 16 bytes a text, and 11 to 21 for the index.
+// The strings of a walk, by id and by text. Takes 16 bytes a text, and 11 to 21 for the index.
 
 #include <sml/inspect/reader/reader_model.hpp>
 #include <sml/inspect/wire/hashing.hpp>
@@ -16,11 +16,11 @@
 
 namespace sml::inspect {
 
-/// Texts by id as a reader's table has them. An id keeps its first text; an id that is used before
-/// it has a text becomes the empty text.
+/// The texts of ids, as a reader has them. An id keeps its first text; an id that is referred to
+/// before its definition keeps the empty text.
 class StringTable {
 public:
-    /// Ids are positive words.
+    /// The most strings: ids are positive words.
     static constexpr std::uint32_t most = 0x7FFFFFFF;
 
     StringTable(std::string_view bytes, std::pmr::memory_resource* memory)
@@ -31,67 +31,74 @@ public:
           others_(memory),
           repetitions_(memory) {}
 
-    /// To be called first: passes ids out of sequence on to a model that lives as long as this, and
-    /// hashes texts as the readers do. Texts that collide on purpose are compared here as often as
-    /// a reader compares them, which `comparisons` counts.
+    /// Must be called before any other function, or not at all. From then on, ids out of sequence
+    /// are counted by `model`, which must outlive this object, and texts are hashed as readers hash
+    /// them. Where texts were made to collide, this table compares them as often as a reader does;
+    /// `comparisons` counts that.
     void model_reader(ReaderModel& model) {
         model_ = &model;
         of_unknown_ids_.hash = ReaderModel::text_hash({});
     }
 
-    /// How often a reader, whose hashes these texts have, compares one with another while it reads
-    /// them and when it gives them up.
+    /// How many comparisons of texts a reader makes while it reads them and when its object is
+    /// destroyed. Requires `model_reader`.
     std::uint64_t readers_comparisons() const;
 
-    /// How often texts with the hash of another one were compared with it; long ones count more.
+    /// How many comparisons of texts with equal hashes were made; a comparison of many bytes counts
+    /// as several.
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
     struct Added {
         bool in_sequence;  ///< the id is the next one
         bool text_is_new;
-        bool in_turn;    ///< so were all ids before it, and none was used before it had a text
-        bool id_is_new;  ///< neither used nor given a text before
+        /// The id came in turn: it and all ids before it are in sequence, and no id was referred to
+        /// before its definition. Their texts are the first entries, in the order of the ids.
+        bool in_turn;
+        bool id_is_new;  ///< neither defined nor referred to before
     };
 
-    /// Adds a string that is written in full: its id and where its length word stands. The text
-    /// fits the bytes.
+    /// Adds a definition: its id, and the offset of its length word. The text must be within the
+    /// bytes.
     Added add(std::int32_t id, std::uint64_t length_offset);
 
-    /// Whether a word refers to an id that is known without looking.
-    bool knows_at_sight(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
+    /// Whether a word is a back-reference to one of the ids that came in turn, which need no
+    /// lookup.
+    bool is_in_sequence(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
 
-    // Of ids that words refer to.
+    // For ids of at least 1.
 
-    /// Whether the id is known; makes it the empty text when it is not.
+    /// Returns whether the id was defined or referred to before. If not, it gets the empty text.
     bool refer(std::int32_t id) { return id <= prefix_ || refer_other(id); }
 
-    /// The text of an id that is known, and its hash.
+    /// The text of an id that was defined or referred to before, and the hash of the text.
     std::string_view text_of(std::int32_t id) const { return text_at(place_of(id)); }
     std::uint64_t    hash_of(std::int32_t id) const { return entry_of(id).hash; }
 
-    /// The hash of a text that is written in full; known without looking for the last one.
+    /// The hash of the text of a definition. That of the last definition is stored; others are
+    /// computed.
     std::uint64_t hash_at(std::uint64_t length_offset) const {
         Entry const& last = entries_.back();
         return last.length_offset == length_offset ? last.hash : hash_of(text_at(length_offset));
     }
 
-    /// The place of the empty text of an id that was used before it had a text.
+    /// The offset of the empty text that an id has if it was referred to before its definition.
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
 
-    /// Where the length word of the text stands that an id has, or that is written at a place: the
-    /// same one for equal texts, but for the empty text of an id that was used before it had a
-    /// text.
+    /// The offset of the first definition of a text, at the length word: of the text of an id, or
+    /// of the text that is defined at `length_offset`. Equal texts have the same one, except for an
+    /// id that was referred to before its definition.
     std::uint64_t place_of(std::int32_t id) const { return entry_of(id).length_offset; }
     std::uint64_t place_at(std::uint64_t length_offset) const {
         auto const repetition = repetitions_.find(length_offset);
         return repetition == repetitions_.end() ? length_offset : repetition->second;
     }
-    /// Whether the texts at two such places are equal, however long they are.
+    /// Whether the texts at two such offsets are equal, in a time that does not depend on their
+    /// lengths.
     bool are_equal(std::uint64_t place, std::uint64_t other) const {
         return place == other || (text_at(place).empty() && text_at(other).empty());
     }
 
-    /// How many strings were written in full so far.
+    /// The number of definitions so far.
     std::uint32_t count() const noexcept { return count_; }
 
 private:
@@ -100,9 +107,10 @@ private:
         std::uint64_t hash;
     };
 
-    static constexpr std::uint32_t unknown = IdTable::no_number;  // used before it had a text
+    /// An id that was referred to before its definition.
+    static constexpr std::uint32_t unknown = IdTable::no_number;
 
-    /// The number of the entry of an id that is known.
+    /// The index of the entry of an id that was defined or referred to before, or `unknown`.
     std::uint32_t number_of(std::int32_t id) const {
         if (id <= prefix_) return static_cast<std::uint32_t>(id) - 1;
         return *others_.find(id);
@@ -122,13 +130,15 @@ private:
         return model_ == nullptr ? seeded_hash(text) : ReaderModel::text_hash(text);
     }
 
-    // Of the index: an entry's number, one more than that, below bits of its hash, of which the
-    // highest are the number of the slot where a search starts. 0: free.
+    // A slot of the index: the lower 32 bits are the index of an entry plus 1, or 0 in a free slot.
+    // The others are bits of the hash; the highest of them are the number of the slot where a
+    // search starts.
     using Slot = std::uint64_t;
 
     static constexpr int entry_bits = 32;
 
-    /// The high half of the product with a secret, above an entry.
+    /// The slot of an entry. Its upper 32 bits are those of the product of the hash and a secret
+    /// number.
     static Slot slot_for(std::uint64_t hash, std::uint32_t entry) {
         return ((hash * (hash_seed | 1)) >> entry_bits << entry_bits) | (entry + 1);
     }
@@ -141,22 +151,22 @@ private:
 
     std::string_view                bytes_;
     ReaderModel*                    model_ = nullptr;
-    std::pmr::vector<Entry>         entries_;  // of the texts written in full, in their order
+    std::pmr::vector<Entry>         entries_;  // of the definitions, in their order
     Entry                           of_unknown_ids_{nowhere, seeded_hash(std::string_view())};
     std::uint32_t                   count_ = 0;
-    std::int32_t                    prefix_ = 0;  // ids 1 to this are the first entries, in order
+    std::int32_t                    prefix_ = 0;  // ids from 1 to this came in turn
     std::pmr::vector<Slot>          index_;       // open addressing by hash
-    int                             shift_ = 0;   // leaves the bits of a slot's number
+    int                             shift_ = 0;   // shifts a slot to its number
     std::size_t                     distinct_ = 0;
     std::uint64_t                   comparisons_ = 0;
-    std::pmr::vector<std::uint32_t> repeated_;  // entries whose text was there before
-    IdTable                         others_;    // entries by id, or unknown
+    std::pmr::vector<std::uint32_t> repeated_;  // repeated definitions
+    IdTable                         others_;    // indices of entries, or `unknown`
 
-    // Whether there were strings under the ids that no word refers to: 0 and the least number.
+    // Whether 0 and INT32_MIN have been defined, ids that no word can refer to.
     bool has_0_ = false;
     bool has_least_ = false;
 
-    // Where a text is written again, and where it was written first.
+    // The offsets of repeated definitions, and for each that of the first definition of its text.
     std::pmr::unordered_map<std::uint64_t, std::uint64_t, SeededHash> repetitions_;
 };
 

@@ -1,5 +1,5 @@
 #pragma once
-// Bytes that have been walked, gone through again: nothing is checked any more.
+// Reading bytes again that have been walked: nothing is checked.
 
 #include <sml/inspect/wire/form.hpp>
 #include <sml/inspect/wire/string_word.hpp>
@@ -10,10 +10,10 @@
 
 namespace sml::inspect {
 
-/// A place in bytes, which moves behind what is taken.
+/// A position in bytes. Functions that take something move it to the byte after that.
 class WalkedBytes {
 public:
-    /// The bytes live as long as this.
+    /// The bytes must outlive this object.
     explicit WalkedBytes(std::string_view bytes, std::uint64_t offset = 0) noexcept
         : start_(bytes.data()), offset_(offset) {}
 
@@ -37,7 +37,7 @@ public:
         return {start_ + (offset_ - size), size};
     }
 
-    /// A length word and so many bytes, without the word.
+    /// Takes a length word and as many bytes, and returns these.
     std::string_view take_block() noexcept {
         return take(static_cast<std::size_t>(take_word<std::int32_t>()));
     }
@@ -47,8 +47,9 @@ private:
     std::uint64_t offset_;
 };
 
-/// Takes a value of a type. `taker` takes what stands there itself: `bytes` so many, `word` a word,
-/// `flag` a flag, whose value they give; `block` a length and its bytes; `string` a string.
+/// Takes a value of a type, by calls of `taker`: `bytes(size)` takes so many bytes, `word` a word
+/// and `flag` a flag, both of which return the value; `block` takes a length word and as many
+/// bytes, and `string` a string.
 template <class Taker>
 void take_value(Type const& type, Taker& taker) {
     switch (type.kind) {

@@ -1,5 +1,5 @@
 #pragma once
-// Bytes as a writer makes them, piece by piece.
+// Writes values in the wire form, as writers of objects do.
 
 #include <sml/inspect/text/number_text.hpp>
 #include <sml/inspect/wire/form.hpp>
@@ -11,7 +11,7 @@
 
 namespace sml::inspect {
 
-/// Appends to `Out`, which has `append(std::string_view)` and lives as long as this.
+/// Appends to an `Out`, which has `append(std::string_view)` and must outlive this object.
 template <class Out>
 class Writer {
 public:
@@ -52,8 +52,8 @@ public:
         word(value);
     }
 
-    /// A string: in full where its text has no id, which is 0, yet. The text gets the next id then,
-    /// from 1 on.
+    /// Writes a string. If `id` is 0, the text has no id yet: `id` becomes the next one, from 1 on,
+    /// and a definition is written. Else a back-reference is written.
     void string(std::string_view text, std::int32_t& id) {
         if (id != 0) return word(StringWord::reference(id).word());
         id = ++strings_;
@@ -69,7 +69,7 @@ private:
     void length(std::size_t bytes) { word(static_cast<std::int32_t>(bytes)); }
 
     Out&         out_;
-    std::int32_t strings_ = 0;  // written in full
+    std::int32_t strings_ = 0;  // number of definitions
 };
 
 }  // namespace sml::inspect

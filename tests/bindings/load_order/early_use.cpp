@@ -8,8 +8,8 @@
 
 namespace {
 
-/// What one static object left behind. Nothing of it is ever freed: no handle may outlive the
-/// table, and nothing says which of the two goes first at exit.
+/// The results of the library's use by one static object. They are never freed: no handle may
+/// outlive the string table, and the order of destruction at exit is not defined.
 class EarlyUse {
 public:
     explicit EarlyUse(char const* text)
@@ -38,7 +38,7 @@ private:
     std::size_t           entries_;
 };
 
-// 103 is the first priority behind those of the library.
+// 103 is the first priority after those of the library.
 __attribute__((init_priority(103))) EarlyUse const with_priority("used with a priority");
 EarlyUse const                                     by_default("used by default");
 

@@ -4,7 +4,7 @@
 
 #include <stdio.h>
 
-static void tell(void* context, struct sml_inspect_finding const* finding) {
+static void report(void* context, struct sml_inspect_finding const* finding) {
     (void)context;
     printf("byte %llu at %s: expected %s, found %s\n", (unsigned long long)finding->offset,
            finding->path, finding->expected, finding->found);
@@ -12,7 +12,7 @@ static void tell(void* context, struct sml_inspect_finding const* finding) {
 
 int main(void) {
     unsigned char const bytes[] = {1, 0, 0, 0, 255, 255, 255, 255, 9, 0, 0, 0, 'a'};
-    return sml_inspect_verify("String_To_StringSet_T", bytes, sizeof bytes, NULL, NULL, 1, tell,
+    return sml_inspect_verify("String_To_StringSet_T", bytes, sizeof bytes, NULL, NULL, 1, report,
                               NULL) == SML_INSPECT_UNSAFE
                ? 0
                : 1;

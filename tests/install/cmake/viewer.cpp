@@ -1,4 +1,4 @@
-// Writes a result set, verifies its bytes and reads them again: both libraries together.
+// Writes a result set, verifies its bytes and reads them again, with both libraries.
 
 #include <sml/bindings/bindings.hpp>
 #include <sml/inspect/canonical.hpp>

@@ -1,4 +1,4 @@
-// Writes a result set in a project that has folders with the names of the library's.
+// Writes a result set in a project whose directories have the same names as those of the library.
 
 #include "core/export.hpp"
 

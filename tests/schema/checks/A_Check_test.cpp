@@ -1,7 +1,6 @@
 #include <sml/schema/Checks.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -33,7 +32,7 @@ Classification impact(std::int32_t number) {
     return result;
 }
 
-/// A check with an overflow: equal to itself and not less, so that every field counts.
+/// A check with an overflow. It is equal to itself and not less, so that every field decides.
 Check overflow() {
     Check result;
     result.category.choose<"OVFL">().ovfl_data.choose<"Single_Ovfl">();
@@ -63,7 +62,8 @@ Name name(char const* text) { return {{}, {text}}; }
 
 sml::PackagedPrettySignature::T signature(sml::Strings_T const& package) { return {package, {}}; }
 
-/// A check with something in every field, and another text in every string: `text` and a number.
+/// A check in which every field has content, and every string has another text: `text` and a
+/// number.
 Check full(std::string const& text) {
     auto  next = [&text, number = 0]() mutable { return text + std::to_string(++number); };
     Check check;
@@ -96,7 +96,7 @@ Check full(std::string const& text) {
 }
 constexpr int strings_in_full = 14;
 
-/// How many handles each of the texts of `full` has; 0 and a failure where they differ.
+/// The number of handles to each of the texts of `full`; 0 and a failure if the numbers differ.
 std::uint64_t handles_to_each(std::string const& text) {
     std::uint64_t const first = string_table::count_of(text + "1");
     for (int i = 1; i <= strings_in_full; ++i) {
@@ -171,25 +171,14 @@ TEST(ACheck, WritesFieldsInOrder) {
                  "54  46 54 46 00000000 00000000 46 54 04000000");
 }
 
-TEST(ACheck, FieldsDecideInOrder) {
-    fields::expect_order(
-        &Check::first_string, &Check::first_int, &Check::category, &Check::second_int,
-        &Check::optional_string, &Check::classifications, &Check::second_string, &Check::third_int,
-        &Check::fourth_int, &Check::first_flag, &Check::third_string, &Check::fourth_string,
-        &Check::fifth_int, &Check::located_names, &Check::fifth_string, &Check::sixth_int,
-        &Check::second_flag, &Check::seventh_int, &Check::third_flag, &Check::source_ref,
-        &Check::sixth_string, &Check::eighth_int, &Check::failure);
-}
-
 // ---- category ----
 
 // Required: a category without payload ends the comparison, so that a check is less than itself.
 TEST(ACheck, CheckOnAnArmWithoutPayloadIsLessThanItsEqualCopy) {
     Check const acer = of_category<"ACER">();
     Check const copy = acer;
-    EXPECT_TRUE(acer == copy);
-    order::expect_each_less(acer, copy);
-    order::expect_each_less(acer, acer);
+    order::expect_equal_and_each_less(acer, copy);
+    order::expect_equal_and_each_less(acer, acer);
 }
 
 TEST(ACheck, NothingBehindACategoryWithoutPayloadIsReached) {
@@ -198,8 +187,7 @@ TEST(ACheck, NothingBehindACategoryWithoutPayloadIsReached) {
     second.first_string = first.first_string;
     second.first_int = first.first_int;
     second.category = first.category;
-    order::expect_each_less(first, second);
-    EXPECT_FALSE(first == second);
+    order::expect_unequal_and_each_less(first, second);
 
     second.first_int = 1;
     order::expect_less(first, second);
@@ -211,7 +199,7 @@ TEST(ACheck, CategoriesDecideByTag) {
     Check unknown;
     unknown.category.choose_tag(77);
     order::expect_less(of_category<"ZDV">(), unknown);
-    order::expect_each_less(unknown, unknown);
+    order::expect_equal_and_each_less(unknown, unknown);
 }
 
 TEST(ACheck, UnsetCategoryMakesCheckUnequalToItsCopyWhateverFollows) {
@@ -230,15 +218,13 @@ TEST(ACheck, OverflowWithoutFailureIsNotLessThanItsCopy) {
 
 TEST(ACheck, CriticalClassificationMakesOverflowLessThanItsCopy) {
     Check const check = classified({critical()});
-    EXPECT_TRUE(check == Check(check));
-    order::expect_each_less(check, Check(check));
+    order::expect_equal_and_each_less(check, Check(check));
 }
 
 TEST(ACheck, TechnologyOfTheFailureCanMakeCheckLessThanItsCopy) {
     Check check = overflow();
     check.failure.emplace().technology.choose<"GMOD">();
-    EXPECT_TRUE(check == Check(check));
-    order::expect_each_less(check, Check(check));
+    order::expect_equal_and_each_less(check, Check(check));
     check.failure->technology.choose<"FORWARD">();
     order::expect_equal(check, Check(check));
 }
@@ -279,15 +265,13 @@ TEST(ACheck, EqualImpactsLeaveTheOrderToTheNextField) {
     order::expect_less(lesser, greater);
 }
 
-// Required, in both directions and wherever it stands among the others.
+// Required, in both directions and at any position.
 TEST(ACheck, SharedCriticalClassificationEndsTheComparison) {
     Check const first = classified({critical(), impact(1)});
     Check       second = classified({impact(1), critical()});
-    order::expect_each_less(first, second);
-    EXPECT_TRUE(first == second);
+    order::expect_equal_and_each_less(first, second);
     second.third_int = 1;
-    order::expect_each_less(first, second);
-    EXPECT_FALSE(first == second);
+    order::expect_unequal_and_each_less(first, second);
 }
 
 TEST(ACheck, ClassificationsAreEqualByTagAndPayload) {
@@ -299,7 +283,7 @@ TEST(ACheck, ClassificationsAreEqualByTagAndPayload) {
 
 // ---- located names ----
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(ACheck, LocatedNamesOrderLexicographically) {
     order::expect_less(located({}), located({{{-1, {}, 0}, {}}}));
     order::expect_less(located({{{1, {}, 0}, {}}}), located({{{1, {}, 0}, {}}, {{2, {}, 0}, {}}}));
@@ -320,8 +304,8 @@ TEST(ACheck, LocatedNamesOrderByKeyThenSetThenSignature) {
                         located({{place, {{name("b"), name("a")}, {}}}}));
 }
 
-// Required: sets of one size with different names make an entry neither less nor greater, its
-// signature is not looked at, and the walk passes over it.
+// Required: sets of the same size with different names make an entry neither less nor greater,
+// without regard to its signature, and the comparison goes on with the next entry.
 TEST(ACheck, EntriesWithUnorderedSetsArePassedOverInTheWalk) {
     order::Handles const texts;
     T_Localization const first{1, {}, 0};
@@ -370,7 +354,7 @@ TEST(ACheck, ReadingAddsToClassificationsAndLocatedNames) {
     EXPECT_TRUE(held == expected);
 }
 
-// Required: in this table the first entry for a key stays.
+// Required: in this map the first entry of a key is kept.
 TEST(ACheck, NamesReadForAHeldLocationAreDropped) {
     Check held = overflow();
     held.located_names = {{{1, {}, 0}, {{name("a")}, {}}}};
@@ -461,7 +445,7 @@ TEST(ACheck, MoveTakesTheNodesOfBothTables) {
     EXPECT_EQ(&*moved.located_names.begin(), location);
 }
 
-// A table of one element stands in the bucket inside the object itself.
+// A hash table with one bucket has it inside the object itself.
 TEST(ACheck, TablesWorkOnBothSidesOfAMove) {
     for (std::int32_t const count : {0, 1, 2, 100}) {
         SCOPED_TRACE(count);
@@ -498,7 +482,7 @@ TEST(ACheck, MoveKeepsStringsOfEveryCategory) {
     EXPECT_EQ(source.category, before);
 }
 
-// Only the two tables of the check itself are taken.
+// Only the two containers of the check itself are moved.
 TEST(ACheck, MoveKeepsTheContainersOfCategoryAndFailure) {
     Check source;
     source.category.choose<"STACK_POINTER">() = {{{"a"}, {"b"}}, {"c"}};
@@ -549,7 +533,7 @@ TEST(ACheck, DestructionReleasesEveryString) {
         check.located_names[{1, {"released in a key"}, 0}] = {{name("released in a value")}, {}};
         EXPECT_EQ(string_table::count_of("released in a key"), 1u);
         EXPECT_EQ(string_table::count_of("released 1"), 1u);
-        EXPECT_EQ(string_table::count_of("released 2"), 0u);  // was in the category before
+        EXPECT_EQ(string_table::count_of("released 2"), 0u);  // the earlier content of the category
     }
     EXPECT_EQ(string_table::size(), before);
 }

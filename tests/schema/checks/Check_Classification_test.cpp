@@ -1,8 +1,6 @@
 #include <sml/schema/Check_Classification.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -22,15 +20,15 @@ Classification impact(char const* text, std::int32_t number) {
     return result;
 }
 
-/// A classification on any tag but 0, with this payload.
+/// A classification with any tag other than 0, and this payload.
 Classification stray(std::string const& tag, char const* payload) {
-    return wire::read<Classification>(wire::bytes(tag + payload));
+    return wire::read<Classification>(hex::bytes(tag + payload));
 }
 
 std::uint64_t hash(Classification const& value) { return sml::Hash<Classification>{}(value); }
 
 TEST(CheckClassification, HasTwoArms) {
-    tables::expect_arms<Classification>(
+    tables::expect_arms_with_catch_all<Classification>(
         {{"CRITICAL_CHK"}, {"INPUT_IMPACT", "FFFFFFFF 00000000  00000000"}});
 }
 
@@ -39,9 +37,8 @@ TEST(CheckClassification, CriticalIsItsTagAndImpactHasAStringAndANumber) {
     wire::expect(impact("stdin", -3), "01000000  FFFFFFFF 05000000 'stdin'  FDFFFFFF");
 }
 
-// Required: the last arm has no test of its own.
+// Required: the last arm is a catch-all arm.
 TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
-    tables::expect_stray_tags<Classification>("FFFFFFFF 00000000  00000000");
     for (char const* const tag : {"02000000", "07000000", "FFFFFFFF"}) {
         auto const read = stray(tag, "FFFFFFFF 05000000 'stdin'  03000000");
         EXPECT_EQ(read.arm<"INPUT_IMPACT">(), (Impact{{"stdin"}, 3}));
@@ -49,7 +46,7 @@ TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
     }
 }
 
-// The literals come from a computation outside this library.
+// The literals were computed outside this library.
 TEST(CheckClassification, ImpactHashesStringAndSignedNumber) {
     EXPECT_EQ(Impact().hash(), 0xaedc04cfa2e5b999u);
     EXPECT_EQ((Impact{{"stdin"}, 3}.hash()), 0xec4364006f71788eu);
@@ -67,13 +64,8 @@ TEST(CheckClassification, EveryTagButZeroHashesThePayload) {
     EXPECT_EQ(hash(stray("FFFFFFFF", "FFFFFFFF 00000000  00000000")), 0x74ace9b72f14bd65u);
 }
 
-TEST(CheckClassification, ImpactFieldsDecideInOrder) {
-    fields::expect_order(&Impact::first_string, &Impact::first_int);
-}
-
 TEST(CheckClassification, OrdersByTagThenPayload) {
-    tags::expect_to_decide<Classification>();
-    tags::expect_less_than_themselves<Classification>({0});
+    tables::expect_order_by_tag<Classification>();
     order::expect_less(critical(), impact("", -1));
     order::expect_less(impact("stdin", -1), impact("stdin", 1));
     order::expect_equal(impact("stdin", 1), impact("stdin", 1));
@@ -92,10 +84,10 @@ TEST(CheckClassification, SetHoldsCriticalOnce) {
     set.insert(impact("stdin", 4));
     EXPECT_EQ(set.size(), 3u);
 
-    EXPECT_EQ(wire::read<sml::core::HashedSet<Classification>>(
-                  wire::bytes("02000000  00000000  00000000"))
-                  .size(),
-              1u);
+    EXPECT_EQ(
+        wire::read<sml::core::HashedSet<Classification>>(hex::bytes("02000000  00000000  00000000"))
+            .size(),
+        1u);
 }
 
 // Values with a negative tag are unequal even to themselves.

@@ -167,7 +167,7 @@ TEST(CheckerCatalog, NamesAscendByByteAndNotByNumber) {
     EXPECT_LT(sml::Checker_Catalog::JSF_CPP_119, sml::Checker_Catalog::JSF_CPP_46);
 }
 
-// Unlike the names of arms, a negative value is not taken for the first.
+// A negative value does not give the first name, unlike a negative tag.
 TEST(CheckerCatalog, ValuesOutsidePrintNothing) {
     for (std::int32_t const value : {379, 380, std::numeric_limits<std::int32_t>::max(), -1, -379,
                                      std::numeric_limits<std::int32_t>::min()})

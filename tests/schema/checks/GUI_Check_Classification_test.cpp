@@ -1,6 +1,5 @@
 #include <sml/schema/GUI_Check_Classification.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -42,16 +41,12 @@ TEST(GuiCheckEvent, WritesFieldsInOrder) {
     wire::expect(Event(), "46  00000000  00000000");
 }
 
-TEST(GuiCheckEvent, FieldsDecideInOrder) {
-    fields::expect_order(&Event::step, &Event::path, &Event::first_int);
-}
-
 TEST(GuiCheckEvent, AbsentStepIsLessThanPresent) {
     order::expect_less(Event{{}, {step(9)}, 9}, Event{step(-9), {}, -9});
     order::expect_less(Event{step(-9), {}, 9}, Event{step(9), {}, -9});
 }
 
-// Required: the shorter path is less, whatever it holds.
+// Required: the shorter path is less, whatever its elements.
 TEST(GuiCheckEvent, PathsOrderByCountThenByElements) {
     order::expect_less(path({step(9)}, 9), path({step(1), step(1)}, 1));
     order::expect_less(path({step(1), step(9)}, 9), path({step(2), step(1)}, 1));
@@ -62,7 +57,7 @@ TEST(GuiCheckEvent, PathsOrderByCountThenByElements) {
 
 TEST(GuiCheckEvent, ReadingAddsToThePathAndReplacesTheStep) {
     Event event{step(1), {step(2)}, 3};
-    wire::read_over(event, wire::bytes("46  01000000 04000000 46 46 FFFFFFFF 00000000  05000000"));
+    wire::read_over(event, hex::bytes("46  01000000 04000000 46 46 FFFFFFFF 00000000  05000000"));
     EXPECT_EQ(event, path({step(2), step(4)}, 5));
 }
 
@@ -72,11 +67,6 @@ TEST(GuiCheckClassification, WritesFieldsInOrder) {
     wire::expect(Classification{base::UNCLASSIFIED, path({}, 7), {{5}, {-1}}, true},
                  "08000000  54 46 00000000 07000000  02000000 FFFFFFFF 05000000  54");
     wire::expect(Classification(), "00000000  46  00000000  46");
-}
-
-TEST(GuiCheckClassification, FieldsDecideInOrder) {
-    fields::expect_order(&Classification::classification_class, &Classification::event,
-                         &Classification::input_sources, &Classification::first_flag);
 }
 
 TEST(GuiCheckClassification, ClassOrdersAsSigned) {
@@ -99,7 +89,7 @@ TEST(GuiCheckClassification, NoSourcesAreLessThanAnyAndTheFlagIsNotReached) {
     order::expect_less(with_sources({}, true), with_sources({{-5}, {5}}, false));
 }
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(GuiCheckClassification, SourcesOrderLexicographically) {
     order::expect_less(with_sources({{1}}, true), with_sources({{1}, {2}}, false));
     order::expect_less(with_sources({{1}, {5}, {6}}, true), with_sources({{2}}, false));
@@ -110,13 +100,13 @@ TEST(GuiCheckClassification, SourcesOrderLexicographically) {
 
 TEST(GuiCheckClassification, ReadingAddsToTheSourcesAndDropsDuplicates) {
     Classification value = with_sources({{1}});
-    wire::read_over(value, wire::bytes("03000000  46  03000000 01000000 02000000 02000000  54"));
+    wire::read_over(value, hex::bytes("03000000  46  03000000 01000000 02000000 02000000  54"));
     EXPECT_EQ(value, (Classification{base::CRITICAL, {}, {{1}, {2}}, true}));
 }
 
 TEST(GuiCheckClassification, ReadingAnAbsentEventDestroysTheHeldOne) {
     Classification value{base::PROVEN, path({}, 7), {}, false};
-    wire::read_over(value, wire::bytes("00000000  46  00000000  46"));
+    wire::read_over(value, hex::bytes("00000000  46  00000000  46"));
     EXPECT_EQ(value, Classification());
 }
 

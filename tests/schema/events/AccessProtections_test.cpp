@@ -1,7 +1,6 @@
 #include <sml/schema/AccessProtections.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -39,8 +38,6 @@ TEST(AccessProtections, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
          {"TEMPORAL_EXCLUSION"}});
 }
 
-TEST(AccessProtections, StrayTagsAreBare) { tables::expect_stray_tags<T_AccessProtections>(""); }
-
 TEST(AccessProtections, ResourceIsATagAndAString) {
     wire::expect(resource("bus"s), "05000000  FFFFFFFF 03000000 'bus'");
 }
@@ -52,21 +49,8 @@ TEST(AccessProtections, CriticalSectionWritesItsNameBetweenTheRoutines) {
                  "  FBFFFFFF 01000000 'e'  FAFFFFFF 01000000 'f'  F9FFFFFF 01000000 'g'");
 }
 
-TEST(AccessProtections, TwoAccessPatternsAreEqual) {
-    auto const a = tables::with_tag<T_AccessProtections>(0);
-    auto const b = tables::with_tag<T_AccessProtections>(0);
-    EXPECT_TRUE(a == b);
-    order::expect_each_less(a, b);
-}
-
-TEST(AccessProtections, TagsDecideFirstAndEqualNegativeOnesAreUnordered) {
-    tags::expect_to_decide<T_AccessProtections>();
-}
-
-TEST(AccessProtections, ArmsWithoutPayloadAreLessThanThemselves) {
-    tables::expect_arms_without_payload_less<T_AccessProtections>([](auto&) {});
-    auto const unset = T_AccessProtections();
-    order::expect_unordered(unset, unset);
+TEST(AccessProtections, OrdersByTagAndIsLessThanItselfWithoutPayload) {
+    tables::expect_order_by_tag<T_AccessProtections>();
 }
 
 TEST(AccessProtections, ResourcesOrderByHandleAndSectionsAsTheirRecords) {
@@ -78,17 +62,6 @@ TEST(AccessProtections, ResourcesOrderByHandleAndSectionsAsTheirRecords) {
     T_AccessProtections b = a;
     b.arm<"CRITICAL_SECTION">().section_name = names.greater;
     order::expect_less(a, b);
-}
-
-TEST(AccessProtections, CriticalSectionOrdersByItsFieldsInTurn) {
-    order::Handles const names;
-    auto const&          low = names.lesser;
-    auto const&          high = names.greater;
-    order::expect_lexicographic<Section>(
-        {{low, {low, low}}, low, {low, {low, low}}},
-        {[&](auto& v) { v.first_signature.qualified_name.name = high; },
-         [&](auto& v) { v.section_name = high; },
-         [&](auto& v) { v.second_signature.signature = high; }});
 }
 
 TEST(AccessProtections, CriticalSectionHashDependsOnTheTextsOnly) {

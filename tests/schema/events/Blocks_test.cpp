@@ -1,5 +1,5 @@
 #include <sml/schema/Blocks.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
 #include "tests/wire.hpp"
 
@@ -30,12 +30,6 @@ TEST(BlockLocalization, WritesStartThenEnd) {
     wire::expect(T_BlockLocalization{{1, {2, "f"s, 3}, 4}, {5, {6, "g"s, 7}, -1}},
                  "01000000  02000000 FFFFFFFF 01000000 'f' 03000000  0400000000000000"
                  "  05000000  06000000 FEFFFFFF 01000000 'g' 07000000  FFFFFFFFFFFFFFFF");
-}
-
-TEST(BlockLocalization, OrdersByStartThenEnd) {
-    order::expect_lexicographic<T_BlockLocalization>(
-        {{1, {}, 0}, {1, {}, 0}}, {[](auto& v) { v.block_start.kind = 0xFFFFFFFF; },
-                                   [](auto& v) { v.block_end.reference = 1; }});
 }
 
 TEST(BlockAttribute, DefaultHasNoKind) {
@@ -74,45 +68,11 @@ TEST(BlockAttribute, WritesItsTwelveFieldsInOrder) {
                  "  FAFFFFFF 01000000 'c'  09000000  0A000000");
 }
 
-TEST(BlockAttribute, OfASwitchCaseOrdersByItsTwelveFieldsInTurn) {
-    order::Handles const names;
-    T_BlockAttribute     base;
-    base.first_text = names.lesser;
-    base.first_number = -1;
-    base.second_text = names.lesser;
-    base.second_number = -1;
-    base.kind.choose<"B_SWITCH_CASE">() = 9;
-    base.third_text = names.lesser;
-    base.third_number = -1;
-    base.last_number = -1;
-    order::expect_lexicographic<T_BlockAttribute>(
-        base, {[](auto& v) { v.function_ref.emplace(); }, [](auto& v) { v.source_ref.emplace(); },
-               [&](auto& v) { v.first_text = names.greater; }, [](auto& v) { v.first_number = 0; },
-               [&](auto& v) { v.second_text = names.greater; },
-               [](auto& v) { v.second_number = 0; }, [](auto& v) { v.flag = true; },
-               [](auto& v) { v.kind.template arm<"B_SWITCH_CASE">() = 16; },
-               [](auto& v) { v.localization.block_end.kind = 1; },
-               [&](auto& v) { v.third_text = names.greater; }, [](auto& v) { v.third_number = 0; },
-               [](auto& v) { v.last_number = 0; }});
-}
-
-TEST(BlockAttribute, FunctionReferencesOrderByTextThenNumber) {
-    order::Handles const names;
-    T_BlockAttribute     base;
-    base.function_ref.emplace(names.lesser, -1);
-    base.kind.choose<"B_SWITCH_CASE">();
-    order::expect_lexicographic<T_BlockAttribute>(
-        base,
-        {[&](auto& v) { v.function_ref->first = names.greater; },
-         [](auto& v) { v.function_ref->second = 0; }, [](auto& v) { v.source_ref.emplace(); }});
-}
-
 TEST(BlockAttribute, EqualOnesOfKindThenAreEachLessThanTheOther) {
     auto const a = then_block();
     auto const b = then_block();
-    EXPECT_TRUE(a == b);
-    order::expect_each_less(a, b);
-    order::expect_each_less(a, a);
+    order::expect_equal_and_each_less(a, b);
+    order::expect_equal_and_each_less(a, a);
 }
 
 TEST(BlockAttribute, AKindWithoutPayloadEndsTheOrderBeforeThePlace) {
@@ -123,8 +83,7 @@ TEST(BlockAttribute, AKindWithoutPayloadEndsTheOrderBeforeThePlace) {
         if (field == 1) b.third_text = "t";
         if (field == 2) b.third_number = 1;
         if (field == 3) b.last_number = 1;
-        order::expect_each_less(a, b);
-        EXPECT_FALSE(a == b) << field;
+        order::expect_unequal_and_each_less(a, b);
     }
     auto ahead = a;
     ahead.flag = true;

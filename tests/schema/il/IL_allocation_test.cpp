@@ -1,86 +1,32 @@
-// When expressions take memory, and what is left of one whose memory runs out half way. The
-// program's allocation functions are replaced here, so that one can be made to fail and all can be
-// counted.
+// When expressions take memory, and what is left of one whose memory runs out half way.
 
 #include <sml/schema/IL.hpp>
+#include "tests/allocations.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstdlib>
-#include <new>
 #include <string>
 
 namespace {
 
-constexpr std::int64_t unlimited = -1;
-
-std::int64_t allocations_left = unlimited;
-std::int64_t live_allocations = 0;
-std::int64_t allocations_made = 0;
-
-}  // namespace
-
-// Not inlined: compilers would then see malloc and delete, or new and free, as a pair.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    if (allocations_left == 0) throw std::bad_alloc();
-    if (allocations_left > 0) --allocations_left;
-    void* const memory = std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) throw std::bad_alloc();
-    ++live_allocations;
-    ++allocations_made;
-    return memory;
-}
-
-__attribute__((noinline)) void operator delete(void* memory) noexcept {
-    if (memory != nullptr) --live_allocations;
-    std::free(memory);
-}
-
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept {
-    operator delete(memory);
-}
-
-namespace {
-
+using allocations::ends_within;
+using allocations::fail_each_allocation;
 using sml::IL::T_Annotation;
 using sml::IL::T_Info_Expr;
-
-/// Whether `action` throws when only so many allocations succeed.
-template <class Action>
-bool runs_out(std::int64_t allocations, Action const& action) {
-    allocations_left = allocations;
-    try {
-        action();
-        allocations_left = unlimited;
-        return false;
-    } catch (std::bad_alloc const&) {
-        allocations_left = unlimited;
-        return true;
-    }
-}
 
 /// Fails each allocation of `action` in turn; whatever it throws out of leaves nothing behind.
 /// Gives how many allocations it makes.
 template <class Action>
-std::int64_t expect_no_leak(Action const& action) {
-    std::int64_t allowed = 0;
-    std::int64_t before = live_allocations;
-    while (runs_out(allowed, action)) {
-        EXPECT_EQ(live_allocations, before) << "with " << allowed << " allocations";
-        ++allowed;
-        before = live_allocations;
-    }
-    return allowed;
+long expect_no_leak(Action const& action) {
+    long const held = allocations::held();
+    return fail_each_allocation(action, [&] { EXPECT_EQ(allocations::held(), held); });
 }
 
-/// How many allocations reading over `value` makes.
+/// The number of allocations when the bytes are read over `value`.
 template <class T>
-std::int64_t allocations_of_reading_over(T& value, std::string const& bytes) {
-    std::int64_t const before = allocations_made;
-    wire::read_over(value, bytes);
-    return allocations_made - before;
+long allocations_of_reading_over(T& value, std::string const& bytes) {
+    return allocations::count([&] { wire::read_over(value, bytes); });
 }
 
 T_Info_Expr variable(std::string const& name) {
@@ -90,17 +36,17 @@ T_Info_Expr variable(std::string const& name) {
 }
 
 TEST(AllocationFailure, ThePredicateFreesItsFirstChildWhenTheSecondFails) {
-    T_Info_Expr  expression;
-    std::int64_t before = live_allocations;
-    EXPECT_TRUE(runs_out(0, [&] { expression.choose<"Info_Pred">(); }));
-    EXPECT_EQ(live_allocations, before);
-    EXPECT_TRUE(runs_out(1, [&] { expression.choose<"Info_Pred">(); }));
-    EXPECT_EQ(live_allocations, before);
+    T_Info_Expr expression;
+    long const  held = allocations::held();
+    EXPECT_FALSE(ends_within(0, [&] { expression.choose<"Info_Pred">(); }));
+    EXPECT_EQ(allocations::held(), held);
+    EXPECT_FALSE(ends_within(1, [&] { expression.choose<"Info_Pred">(); }));
+    EXPECT_EQ(allocations::held(), held);
     EXPECT_EQ(expression.tag, -1);
-    EXPECT_FALSE(runs_out(2, [&] { expression.choose<"Info_Pred">(); }));
-    EXPECT_EQ(live_allocations, before + 2);
+    EXPECT_TRUE(ends_within(2, [&] { expression.choose<"Info_Pred">(); }));
+    EXPECT_EQ(allocations::held(), held + 2);
     expression.choose<"Info_Const_Int">();
-    EXPECT_EQ(live_allocations, before);
+    EXPECT_EQ(allocations::held(), held);
 }
 
 TEST(AllocationFailure, ArmsWithOneChildLeakNothing) {
@@ -111,7 +57,7 @@ TEST(AllocationFailure, ArmsWithOneChildLeakNothing) {
 
 TEST(AllocationFailure, AFailedArmLeavesTheExpressionUsable) {
     T_Info_Expr expression = variable("x");
-    EXPECT_TRUE(runs_out(1, [&] { expression.choose<"Info_Pred">(); }));
+    EXPECT_FALSE(ends_within(1, [&] { expression.choose<"Info_Pred">(); }));
     expression = variable("y");
     EXPECT_EQ(expression.arm<"Info_Var">().str(), "y");
 }
@@ -126,14 +72,16 @@ TEST(AllocationFailure, CopyingATreeLeaksNothing) {
 
 TEST(AllocationFailure, AFailedAssignmentLeavesTheTargetWhole) {
     T_Info_Expr tree;
-    tree.choose<"Info_Pred">();
+    tree.choose<"Info_Field">().first->choose<"Info_Ptr_Builtin">();
     T_Info_Expr target = variable("kept");
-    EXPECT_TRUE(runs_out(1, [&] { target = tree; }));
-    EXPECT_EQ(target.arm<"Info_Var">().str(), "kept");
+    long const  allocations = fail_each_allocation(
+        [&] { target = tree; }, [&] { EXPECT_EQ(target.arm<"Info_Var">().str(), "kept"); });
+    EXPECT_EQ(allocations, 3);  // the child of the fresh arm, its copy, the copy's own child
+    EXPECT_TRUE(target.holds<"Info_Field">());
 }
 
 TEST(AllocationFailure, ReadingATreeLeaksNothing) {
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "03000000  00000000  05000000 FFFFFFFF 01000000 'x'"
         "  02000000 05000000 01000000 FEFFFFFF 01000000 'y'");
     auto const read = [&] {
@@ -141,8 +89,7 @@ TEST(AllocationFailure, ReadingATreeLeaksNothing) {
         wire::read_over(expression, bytes);
     };
     read();  // the string table keeps the room that it once took
-    std::int64_t const made = expect_no_leak(read);
-    EXPECT_GE(made, 3);
+    EXPECT_GE(expect_no_leak(read), 3);
 }
 
 TEST(Allocation, ReadingOverEqualTagsMakesNoChild) {
@@ -150,7 +97,7 @@ TEST(Allocation, ReadingOverEqualTagsMakesNoChild) {
     auto& [op, left, right] = expression.choose<"Info_Pred">();
     left->choose<"Info_Ptr_Builtin">();
     right->choose<"Info_Pred">();
-    std::string const bytes = wire::bytes(
+    std::string const bytes = hex::bytes(
         "03000000  01000000  04000000 01000000 FFFFFFFF  03000000 01000000 FFFFFFFF FFFFFFFF");
     EXPECT_EQ(allocations_of_reading_over(expression, bytes), 0);
     EXPECT_EQ(op, 1);
@@ -160,13 +107,13 @@ TEST(Allocation, ReadingOverEqualTagsMakesNoChild) {
 
 TEST(Allocation, ReadingOverAnEqualTagSparesTheChildBesideAString) {
     T_Info_Expr       field;
-    std::string const field_bytes = wire::bytes("02000000  FFFFFFFF  FFFFFFFF 00000000");
+    std::string const field_bytes = hex::bytes("02000000  FFFFFFFF  FFFFFFFF 00000000");
     auto const        making_the_aggregate = allocations_of_reading_over(field, field_bytes);
     EXPECT_EQ(allocations_of_reading_over(field, field_bytes), making_the_aggregate - 1);
 
     T_Annotation      annotation;
     std::string const annotation_bytes =
-        wire::bytes("03000000  FFFFFFFF 00000000  00000000  FFFFFFFF");
+        hex::bytes("03000000  FFFFFFFF 00000000  00000000  FFFFFFFF");
     auto const making_the_value = allocations_of_reading_over(annotation, annotation_bytes);
     EXPECT_EQ(allocations_of_reading_over(annotation, annotation_bytes), making_the_value - 1);
 }

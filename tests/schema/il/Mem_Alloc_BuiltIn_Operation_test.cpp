@@ -1,7 +1,6 @@
 #include <sml/schema/Mem_Alloc_BuiltIn_Operation.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -21,7 +20,6 @@ TEST(MemAllocOperation, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
                                       {"Realloc"},
                                       {"Stub", "'F'"},
                                       {"Valloc"}});
-    tables::expect_stray_tags<T_Operation>("");
 }
 
 TEST(MemAllocOperation, CallocIsItsTagAndStubOneByteMore) {
@@ -42,8 +40,7 @@ TEST(MemAllocOperation, FlagsOrderFalseBeforeTrue) {
 }
 
 TEST(MemAllocOperation, OrdersByTagThenByFlag) {
-    tags::expect_to_decide<T_Operation>();
-    tables::expect_arms_without_payload_less<T_Operation>([](auto&) {});
+    tables::expect_order_by_tag<T_Operation>();
     T_Operation a;
     T_Operation b;
     a.choose<"Malloc">();

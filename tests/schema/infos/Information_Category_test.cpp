@@ -1,10 +1,8 @@
-// What information records say: the arms, and what only they hold.
+// The category of information records: its arms, and the types that only they use.
 
 #include <sml/schema/Infos.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -25,11 +23,11 @@ namespace escape_info = sml::Infos::Stack_Escape_Info_Data;
 
 namespace {
 
-// The bytes of values that were never set: one with the first empty text, one with a later.
+// The bytes of unset values: one with the definition of the empty text, one with a back-reference.
 #define FIRST_UNSET_VALUE "FFFFFFFF 00000000 00000000 FFFFFFFF FFFFFFFF 00000000 FFFFFFFF"
 #define UNSET_VALUE       "01000000 00000000 FFFFFFFF FFFFFFFF 00000000 FFFFFFFF"
 
-// The same for a statement that was never set.
+// The same for an unset statement.
 #define FIRST_UNSET_STATEMENT "FFFFFFFF FFFFFFFF FFFFFFFF 00000000 01000000 00000000 46"
 #define UNSET_STATEMENT       "FFFFFFFF FFFFFFFF 01000000 01000000 00000000 46"
 
@@ -88,10 +86,7 @@ using Fields = decltype(Category::VORS_args::fields);
 Category::VORS_args read_fields(Fields const& held) { return {held, false, statement(0)}; }
 
 Category::VORPF_args escaping(std::optional<Escape> const& escape) {
-    Category::VORPF_args result;
-    fields::fill(result, false);
-    result.first_escape_info = escape;
-    return result;
+    return {value(0), {0, value(0)}, statement(0), escape, {}, {}};
 }
 
 // ---- enumerations ----
@@ -112,9 +107,10 @@ TEST(Infos, EnumerationsAreWordsOnTheWire) {
 // ---- operators ----
 
 TEST(OperatorKind, HasThreeArms) {
-    tables::expect_arms<T_Info_Operator_Kind>({{"BINARY_OP", "FFFFFFFF 00000000  01000000"},
-                                               {"CONV", "FFFFFFFF 00000000  46  01000000"},
-                                               {"UNARY_OP", "FFFFFFFF 00000000  01000000"}});
+    tables::expect_arms_with_catch_all<T_Info_Operator_Kind>(
+        {{"BINARY_OP", "FFFFFFFF 00000000  01000000"},
+         {"CONV", "FFFFFFFF 00000000  46  01000000"},
+         {"UNARY_OP", "FFFFFFFF 00000000  01000000"}});
 }
 
 TEST(OperatorKind, RecordsWriteFieldsInOrder) {
@@ -126,12 +122,11 @@ TEST(OperatorKind, RecordsWriteFieldsInOrder) {
                  "FFFFFFFF 01000000 'a'  FEFFFFFF 01000000 'b'");
 }
 
-// Required: a tag but 0 and 1 stands before a unary operator.
+// Required: every tag other than 0 and 1 is followed by a unary operator.
 TEST(OperatorKind, EveryOtherTagTakesTheUnaryOperator) {
-    tables::expect_stray_tags<T_Info_Operator_Kind>("FFFFFFFF 00000000  01000000");
     for (char const* const tag : {"03000000", "FFFFFFFF"}) {
         std::string const bytes = tag + std::string("FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'");
-        auto const        read = wire::read<T_Info_Operator_Kind>(wire::bytes(bytes));
+        auto const        read = wire::read<T_Info_Operator_Kind>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"UNARY_OP">().second_string.str(), "b");
         wire::expect(read, bytes);
     }
@@ -139,11 +134,7 @@ TEST(OperatorKind, EveryOtherTagTakesTheUnaryOperator) {
 
 TEST(OperatorKind, OrdersByTagThenRecord) {
     using Kind = T_Info_Operator_Kind;
-    tags::expect_to_decide<Kind>();
-    fields::expect_order(&Kind::BINARY_OP_args::first_string, &Kind::BINARY_OP_args::second_string);
-    fields::expect_order(&Kind::CONV_args::first_string, &Kind::CONV_args::flag,
-                         &Kind::CONV_args::second_string);
-    fields::expect_order(&Kind::UNARY_OP_args::first_string, &Kind::UNARY_OP_args::second_string);
+    tables::expect_order_by_tag<Kind>();
     order::expect_equal(tables::with_tag<Kind>(2), tables::with_tag<Kind>(2));
     order::expect_equal(tables::with_tag<Kind>(3), tables::with_tag<Kind>(3));
 }
@@ -151,7 +142,7 @@ TEST(OperatorKind, OrdersByTagThenRecord) {
 // ---- arms ----
 
 TEST(InformationCategory, Has17Arms) {
-    tables::expect_arms<Category>({
+    tables::expect_arms_with_catch_all<Category>({
         {"IPT", "FFFFFFFF FFFFFFFF 00000000 01000000 00000000 46" UNSET_VALUE},
         {"QUESTION_IPT", "46" FIRST_UNSET_VALUE "FFFFFFFF 0000000000000000  46"},
         {"RELATION", "00000000  FFFFFFFF 00000000  00000000  01000000"},
@@ -173,16 +164,15 @@ TEST(InformationCategory, Has17Arms) {
     });
 }
 
-// Required: every other tag stands before a read structure.
+// Required: every other tag is followed by a read structure.
 TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
-    tables::expect_stray_tags<Category>("00000000  46" FIRST_UNSET_STATEMENT);
     for (char const* const tag : {"11000000", "FFFFFFFF"}) {
         std::string const bytes =
             tag + std::string(
                       "01000000 FFFFFFFF 01000000 'f' 07000000 00000000"
                       "FEFFFFFF 00000000 00000000 06000000 02000000 00000000 04000000"
                       "54  09000000");
-        auto const read = wire::read<Category>(wire::bytes(bytes));
+        auto const read = wire::read<Category>(hex::bytes(bytes));
         EXPECT_EQ(read.arm<"VORS">().fields.size(), 1u);
         EXPECT_TRUE(read.arm<"VORS">().flag);
         wire::expect(read, bytes);
@@ -192,7 +182,7 @@ TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
 
 TEST(InformationCategory, Tag17HoldsAStructureAndPrintsNothing) {
     auto const read =
-        wire::read<Category>(wire::bytes("11000000  00000000  54  00000000 00000000 07000000"));
+        wire::read<Category>(hex::bytes("11000000  00000000  54  00000000 00000000 07000000"));
     EXPECT_EQ(read.tag, 17);
     EXPECT_EQ(read.arm<"VORS">(), (Category::VORS_args{{}, true, statement(7)}));
     EXPECT_EQ(read.toString(), nullptr);
@@ -319,51 +309,8 @@ TEST(InformationCategory, StructureReadWritesFieldsInOrder) {
 
 // ---- order ----
 
-TEST(InformationCategory, TagDecidesFirst) { tags::expect_to_decide<Category>(); }
-
-TEST(InformationCategory, PayloadsDecideBetweenEqualTags) {
-    for (std::int32_t tag = 0; tag <= 17; ++tag) {
-        SCOPED_TRACE(tag);
-        Category lesser = tables::with_tag<Category>(tag);
-        Category greater = lesser;
-        for (bool const is_greater : {false, true})
-            (is_greater ? greater : lesser).visit_payload([is_greater](auto const& payload) {
-                fields::fill(const_cast<std::remove_cvref_t<decltype(payload)>&>(payload),
-                             is_greater);
-            });
-        order::expect_less(lesser, greater);
-        order::expect_equal(lesser, Category(lesser));
-    }
-}
-
-TEST(InformationCategory, FieldsOfItsRecordsDecideInOrder) {
-    using C = Category;
-    fields::expect_order(&C::IPT_args::variable, &C::IPT_args::value);
-    fields::expect_order(&C::QUESTION_IPT_args::first_int, &C::QUESTION_IPT_args::value,
-                         &C::QUESTION_IPT_args::question, &C::QUESTION_IPT_args::second_int);
-    fields::expect_order(&C::RELATION_args::variables, &C::RELATION_args::first_string,
-                         &C::RELATION_args::first_int, &C::RELATION_args::second_string);
-    fields::expect_order(&C::TOOLTIP_INFO_args::tooltip);
-    fields::expect_order(&C::VAI_args::value, &C::VAI_args::first_int);
-    fields::expect_order(&C::VCS_args::first_string, &C::VCS_args::second_string,
-                         &C::VCS_args::value);
-    fields::expect_order(&C::VNTC_args::string_and_int, &C::VNTC_args::signature,
-                         &C::VNTC_args::ntc_kind);
-    fields::expect_order(&C::VNTL_args::string_and_int, &C::VNTL_args::flag);
-    fields::expect_order(&C::VOL_args::flag, &C::VOL_args::first_value, &C::VOL_args::second_value);
-    fields::expect_order(&C::VOO_args::operator_kind, &C::VOO_args::optional_value,
-                         &C::VOO_args::computation_mode, &C::VOO_args::relation,
-                         &C::VOO_args::first_value, &C::VOO_args::second_value);
-    fields::expect_order(&C::VOR_args::statement_kind, &C::VOR_args::first_string,
-                         &C::VOR_args::value);
-    fields::expect_order(
-        &C::VORP_args::first_value, &C::VORP_args::second_value, &C::VORP_args::null_value,
-        &C::VORP_args::statement_kind, &C::VORP_args::first_int, &C::VORP_args::third_value,
-        &C::VORP_args::escape_info, &C::VORP_args::first_string, &C::VORP_args::big_number);
-    fields::expect_order(&C::VORPF_args::value, &C::VORPF_args::null_value,
-                         &C::VORPF_args::statement_kind, &C::VORPF_args::first_escape_info,
-                         &C::VORPF_args::second_escape_info, &C::VORPF_args::first_string);
-    fields::expect_order(&C::VORS_args::fields, &C::VORS_args::flag, &C::VORS_args::statement_kind);
+TEST(InformationCategory, OrdersByTagAndIsLessThanItselfWithoutPayload) {
+    tables::expect_order_by_tag<Category>();
 }
 
 // Required: the shorter list is less, whatever it holds.
@@ -376,7 +323,7 @@ TEST(InformationCategory, RelationOfFewerVariablesIsLess) {
                        Relation{{cell(2), cell(1)}, {}, 1, {}});
 }
 
-// Required: the walk passes over variables that are neither less nor greater.
+// Required: variables that are neither less nor greater do not end the comparison.
 TEST(InformationCategory, UnsetVariablesArePassedOverInTheWalk) {
     using Relation = Category::RELATION_args;
     order::expect_less(Relation{{{}, cell(1)}, {}, 0, {}}, Relation{{{}, cell(2)}, {}, 0, {}});
@@ -396,10 +343,10 @@ TEST(InformationCategory, AbsentOptionalIsLessThanPresent) {
 TEST(InformationCategory, StatementWithoutPayloadMakesRecordsEachLess) {
     Statement call;
     call.choose<"F_CALL">();
-    order::expect_each_less(Category::VOR_args{call, {}, value(1)},
-                            Category::VOR_args{call, {}, value(2)});
-    order::expect_each_less(Category::VOL_args{false, short_value(1), value(1)},
-                            Category::VOL_args{false, short_value(1), value(2)});
+    order::expect_unequal_and_each_less(Category::VOR_args{call, {}, value(1)},
+                                        Category::VOR_args{call, {}, value(2)});
+    order::expect_unequal_and_each_less(Category::VOL_args{false, short_value(1), value(1)},
+                                        Category::VOL_args{false, short_value(1), value(2)});
 }
 
 // ---- reading ----
@@ -421,7 +368,7 @@ TEST(InformationCategory, ReadingTheHeldArmAddsToItsList) {
 // ---- fields of read structures ----
 
 TEST(FieldInformation, HasTwoArmsWithAValueEach) {
-    tables::expect_arms<T_Field_Information_Kind>(
+    tables::expect_arms_with_catch_all<T_Field_Information_Kind>(
         {{"Field_Pointer", FIRST_UNSET_VALUE}, {"Field_Scalar", FIRST_UNSET_VALUE}});
     wire::expect(pointer(short_value(7)),
                  "00000000  FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000");
@@ -430,20 +377,19 @@ TEST(FieldInformation, HasTwoArmsWithAValueEach) {
 }
 
 TEST(FieldInformation, EveryOtherTagTakesAValueToo) {
-    tables::expect_stray_tags<T_Field_Information_Kind>(FIRST_UNSET_VALUE);
     auto const read = wire::read<T_Field_Information_Kind>(
-        wire::bytes("FFFFFFFF"
-                    "FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000"));
+        hex::bytes("FFFFFFFF"
+                   "FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000"));
     EXPECT_EQ(read.arm<"Field_Scalar">().first_int, 7);
 }
 
 TEST(FieldInformation, OrdersByTagThenValue) {
-    tags::expect_to_decide<T_Field_Information_Kind>();
+    tables::expect_order_by_tag<T_Field_Information_Kind>();
     order::expect_less(pointer(value(9)), scalar(value(1)));
     order::expect_less(pointer(value(1)), pointer(value(2)));
     order::expect_less(scalar(value(1)), scalar(value(2)));
     order::expect_equal(scalar(value(1)), scalar(value(1)));
-    order::expect_each_less(scalar(short_value(1)), scalar(short_value(1)));
+    order::expect_equal_and_each_less(scalar(short_value(1)), scalar(short_value(1)));
 }
 
 TEST(FieldInformation, ReadingTheHeldArmAddsToItsIntervals) {
@@ -477,7 +423,7 @@ TEST(StructureFields, StandInAddressOrderWhateverTheOrderOfInsertion) {
     wire::expect(other_way, bytes);
 }
 
-// Required: no count goes first, unlike in a list.
+// Required: the counts are not compared first, unlike for a list.
 TEST(StructureFields, OrderLexicographically) {
     order::Handles const names;
     auto const           known = std::pair(1, scalar(value(0)));
@@ -501,7 +447,7 @@ TEST(StructureFields, EntriesOrderByNameNumberKindAndValue) {
                        read_fields({{{}, {1, scalar(value(2))}}}));
 }
 
-// Required: the walk passes over entries that are neither less nor greater.
+// Required: entries that are neither less nor greater do not end the comparison.
 TEST(StructureFields, EntriesOfUnsetKindArePassedOverInTheWalk) {
     order::Handles const names;
     auto                 with_unset = [&](std::int32_t number) {
@@ -511,7 +457,7 @@ TEST(StructureFields, EntriesOfUnsetKindArePassedOverInTheWalk) {
     order::expect_unordered(with_unset(1), with_unset(1));
 }
 
-// Required: the number is replaced, the kind is read over the one held in the entry.
+// Required: the number is replaced, and the kind is read over that of the entry.
 TEST(StructureFields, NameThatComesTwiceIsReadOverItsEntry) {
     auto read = [](char const* second_entry) {
         std::string const bytes =
@@ -521,7 +467,7 @@ TEST(StructureFields, NameThatComesTwiceIsReadOverItsEntry) {
             "02000000 01000000 00000000 54 03000000 '1' 00 00 46  02000000 03000000 '0' 00 00"
             "01000000 06000000" +
             std::string(second_entry) + "46  09000000";
-        return wire::read<Category::VORS_args>(wire::bytes(bytes)).fields;
+        return wire::read<Category::VORS_args>(hex::bytes(bytes)).fields;
     };
     auto const same_kind = read(
         "01000000 02000000 00000000  05000000 03000000 '0' 00 00 03000000 '0' 00 00 46"
@@ -568,26 +514,27 @@ TEST(StackEscape, WritesEntriesInAddressOrderThenTheFlag) {
     wire::expect(Escape(), "00000000  46");
 }
 
-// Required: a key is inserted before its value is read, so that the last state wins.
+// Required: a key is inserted before its value is read, so the last state of a repeated key is
+// kept.
 TEST(StackEscape, KeyThatComesTwiceTakesItsLastState) {
     auto const read = wire::read<Escape>(
-        wire::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));
+        hex::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));
     EXPECT_EQ(read, (Escape{{{{"a"}, escape_info::Surely_Out_Of_Stack}}, false}));
 
     constexpr char twice[] = "54 02000000 FFFFFFFF 01000000 'a' 01000000 01000000 03000000 46";
     Escape const   last{{{{"a"}, escape_info::Surely_Out_Of_Stack}}, false};
-    EXPECT_EQ(wire::read<decltype(Category::VORP_args::escape_info)>(wire::bytes(twice)), last);
-    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::first_escape_info)>(wire::bytes(twice)),
+    EXPECT_EQ(wire::read<decltype(Category::VORP_args::escape_info)>(hex::bytes(twice)), last);
+    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::first_escape_info)>(hex::bytes(twice)),
               last);
-    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::second_escape_info)>(wire::bytes(twice)),
+    EXPECT_EQ(wire::read<decltype(Category::VORPF_args::second_escape_info)>(hex::bytes(twice)),
               last);
 }
 
 TEST(StackEscape, ReadingOptionalDataStartsAFreshMap) {
     std::optional<Escape> held = Escape{{{{"a"}, escape_info::No_Escape}}, true};
-    wire::read_over(held, wire::bytes("54 01000000 FFFFFFFF 01000000 'b' 02000000 46"));
+    wire::read_over(held, hex::bytes("54 01000000 FFFFFFFF 01000000 'b' 02000000 46"));
     EXPECT_EQ(held, (Escape{{{{"b"}, escape_info::Not_Computed}}, false}));
-    wire::read_over(held, wire::bytes("46"));
+    wire::read_over(held, hex::bytes("46"));
     EXPECT_FALSE(held);
 }
 

@@ -1,11 +1,9 @@
-// Types of values, and values told by type and range.
+// The types of values, and values, which have a type and a range.
 
 #include <sml/schema/Infos.hpp>
 #include "tests/core/string_table.hpp"
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -93,33 +91,14 @@ TEST(InfoType, RecordsWriteFieldsInOrder) {
     wire::expect(Integer{1, 2, 3}, "03000000 '1' 00 00  03000000 '2' 00 00  54 03000000 '3' 00 00");
 }
 
-TEST(InfoType, StrayTagsAreBare) { tables::expect_stray_tags<T_Info_Type>(""); }
-
-TEST(InfoType, FieldsOfItsRecordsDecideInOrder) {
-    fields::expect_order(&Ada_Fixed::first_list, &Ada_Fixed::first_double,
-                         &Ada_Fixed::second_double, &Ada_Fixed::flag, &Ada_Fixed::second_list);
-    fields::expect_order(&Ada_Float::first_double, &Ada_Float::second_double,
-                         &Ada_Float::first_int);
-    fields::expect_order(&Drs_Float::first_float, &Drs_Float::second_float, &Drs_Float::format);
-    fields::expect_order(&Drs_Integer::first_number, &Drs_Integer::second_number);
-    fields::expect_order(&T_Info_Type::Inf_Type_Float_args::format);
-    fields::expect_order(&Integer::first_number, &Integer::second_number, &Integer::third_number);
-}
-
 TEST(InfoType, OrdersByTagThenRecord) {
-    tags::expect_to_decide<T_Info_Type>();
+    tables::expect_order_by_tag<T_Info_Type>();
     order::expect_less(type<"Inf_Type_DRSInteger">(Drs_Integer{1, 9}),
                        type<"Inf_Type_DRSInteger">(Drs_Integer{2, 1}));
     order::expect_less(type<"Inf_Type_DRSInteger">(Drs_Integer{9, 9}),
                        type<"Inf_Type_Integer">(Integer{1, 1, {}}));
     order::expect_equal(type<"Inf_Type_Ada_Float">(Ada_Float{1.5, 2, 3}),
                         type<"Inf_Type_Ada_Float">(Ada_Float{1.5, 2, 3}));
-}
-
-// Required, and so are the higher tags, which have no payload either.
-TEST(InfoType, NoneIsLessThanItself) {
-    tags::expect_less_than_themselves<T_Info_Type>(
-        {6, 7, std::numeric_limits<std::int32_t>::max()});
 }
 
 // Required: the shorter list is less, whatever it holds.
@@ -136,7 +115,7 @@ TEST(InfoType, AbsentThirdNumberIsLessThanPresent) {
     order::expect_equal(Integer{1, 2, {}}, Integer{1, 2, {}});
 }
 
-// Required: what is no number is unequal to everything, so it ends the comparison.
+// Required: a NaN is unequal to everything, so it ends the comparison.
 TEST(InfoType, DoubleThatIsNoNumberLeavesRecordsUnordered) {
     order::expect_unordered(Ada_Float{nan, 1, 1}, Ada_Float{nan, 2, 2});
     order::expect_unordered(Ada_Float{nan, 1, 1}, Ada_Float{1, 2, 2});
@@ -166,14 +145,14 @@ TEST(InfoType, ReadingTheHeldArmAddsToItsLists) {
         wire::write(type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{3}, 4, 5, false, {6}}));
     wire::read_over(held, bytes);
     EXPECT_EQ(held, type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{1, 3}, 4, 5, false, {2, 6}}));
-    wire::read_over(held, wire::bytes("06000000"));
+    wire::read_over(held, hex::bytes("06000000"));
     wire::read_over(held, bytes);
     EXPECT_EQ(held, type<"Inf_Type_Ada_Fixed">(Ada_Fixed{{3}, 4, 5, false, {6}}));
 }
 
 // ---- doubles on the wire ----
 
-// Required: six decimals cross the wire and no more.
+// Required: only six decimals are written.
 TEST(InfoType, DoubleWithMoreDecimalsNoLongerEqualsWhatWasWritten) {
     Ada_Float const written{0.1234567, 1.5, 0};
     wire::expect(written, "08000000 '0.123457'  08000000 '1.500000'  00000000");
@@ -206,7 +185,7 @@ TEST(InfoType, InfiniteDoublesComeBack) {
 
 TEST(InfoType, DoubleTextIsCutAtAZeroByteAndItsLengthIsTakenWhole) {
     auto const read =
-        wire::read<Ada_Float>(wire::bytes("06000000 '1.5' 00 '99'  08000000 '2.500000'  07000000"));
+        wire::read<Ada_Float>(hex::bytes("06000000 '1.5' 00 '99'  08000000 '2.500000'  07000000"));
     EXPECT_EQ(read, (Ada_Float{1.5, 2.5, 7}));
 }
 
@@ -215,7 +194,7 @@ TEST(InfoType, DoubleTextWithoutNumberThrowsAndKeepsWhatWasRead) {
         SCOPED_TRACE(text);
         Ada_Float read{7, 8, 9};
         try {
-            wire::read_over(read, wire::bytes("08000000 '1.500000'" + std::string(text)));
+            wire::read_over(read, hex::bytes("08000000 '1.500000'" + std::string(text)));
             ADD_FAILURE() << "nothing was thrown";
         } catch (std::invalid_argument const& error) {
             EXPECT_STREQ(error.what(), "stod");
@@ -227,7 +206,7 @@ TEST(InfoType, DoubleTextWithoutNumberThrowsAndKeepsWhatWasRead) {
 TEST(InfoType, DoubleTextOutOfRangeThrowsAndKeepsWhatWasRead) {
     Ada_Float read{7, 8, 9};
     try {
-        wire::read_over(read, wire::bytes("08000000 '1.500000'  05000000 '1e400'"));
+        wire::read_over(read, hex::bytes("08000000 '1.500000'  05000000 '1e400'"));
         ADD_FAILURE() << "nothing was thrown";
     } catch (std::out_of_range const& error) {
         EXPECT_STREQ(error.what(), "stod");
@@ -236,9 +215,9 @@ TEST(InfoType, DoubleTextOutOfRangeThrowsAndKeepsWhatWasRead) {
 }
 
 TEST(InfoType, DoubleOfLengthMinusOneOnAStreamThrowsAndKeepsWhatWasRead) {
-    std::istringstream stream(wire::bytes("08000000 '1.500000'  FFFFFFFF"));
+    std::istringstream stream(hex::bytes("08000000 '1.500000'  FFFFFFFF"));
     Ada_Float          read{7, 8, 9};
-    EXPECT_THROW(wire::read_over_from_stream(read, stream), std::logic_error);
+    EXPECT_THROW(sml::core::read_from_stream(read, stream), std::logic_error);
     EXPECT_EQ(read, (Ada_Float{1.5, 8, 9}));
 }
 
@@ -273,14 +252,9 @@ TEST(InformationValue, ValuesThatWereNeverSetAreUnequal) {
 
 TEST(InformationValue, RangeFollowsAtOnceBehindAnUnknownType) {
     auto const read = wire::read<T_Information_Value>(
-        wire::bytes("FFFFFFFF 00000000  00000000  07000000  00000000 46 46"));
+        hex::bytes("FFFFFFFF 00000000  00000000  07000000  00000000 46 46"));
     EXPECT_EQ(read.type.tag, 7);
     EXPECT_TRUE(read.range.holds<"Int_Full_Range">());
-}
-
-TEST(InformationValue, FieldsDecideInOrder) {
-    fields::expect_order(&T_Information_Value::first_string, &T_Information_Value::first_int,
-                         &T_Information_Value::type, &T_Information_Value::range);
 }
 
 TEST(InformationValue, TypeDecidesBeforeRange) {
@@ -292,13 +266,12 @@ TEST(InformationValue, TypeDecidesBeforeRange) {
     order::expect_equal(value(1), value(1));
 }
 
-// Required: the range is not looked at by `<`, yet by `==`.
+// Required: `<` does not compare the range, but `==` does.
 TEST(InformationValue, ValuesOfNoTypeAreEachLess) {
     for (std::int32_t const tag : {6, 7}) {
         auto const no_type = tables::with_tag<T_Info_Type>(tag);
-        order::expect_each_less(of_type(no_type, 1), of_type(no_type, 2));
-        EXPECT_TRUE(of_type(no_type, 1) == of_type(no_type, 1));
-        EXPECT_FALSE(of_type(no_type, 1) == of_type(no_type, 2));
+        order::expect_unequal_and_each_less(of_type(no_type, 1), of_type(no_type, 2));
+        order::expect_equal_and_each_less(of_type(no_type, 1), of_type(no_type, 1));
     }
     T_Information_Value lesser = of_type(tables::with_tag<T_Info_Type>(6));
     T_Information_Value greater = lesser;
@@ -315,8 +288,8 @@ TEST(InformationValue, TypeWithoutNumberEndsTheComparison) {
     order::expect_unordered(of_type(T_Info_Type(), 1), of_type(T_Info_Type(), 2));
 }
 
-// Required: the range of a value goes from its intervals straight to the multiplicity, while a
-// record around the value asks for equality before it goes on.
+// Required: the comparison of a range goes from its intervals straight to the multiplicity. A
+// record around the value goes on only if the values are equal.
 TEST(InformationValue, HolderEndsAtARangeThatIsUnequalAndNotLess) {
     auto holder = [](std::int32_t number) {
         sml::Infos::T_Information_Category::VAI_args result{value(), number};
@@ -366,8 +339,7 @@ TEST(PointerNullValue, WritesNumberThenValue) {
                  "00000000 46 54 03000000 '0' 00 00");
 }
 
-TEST(PointerNullValue, FieldsDecideInOrder) {
-    fields::expect_order(&T_Pointer_Null_Value::first_int, &T_Pointer_Null_Value::value);
+TEST(PointerNullValue, OfAnUnsetValueIsUnequalToItself) {
     order::expect_unordered(T_Pointer_Null_Value(), T_Pointer_Null_Value());
 }
 

@@ -1,7 +1,6 @@
 #include <sml/schema/AccessPath.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -26,7 +25,8 @@ Selector field(sml::Strings_T const&                                  name,
 }
 
 TEST(Selector, HasTwoArms) {
-    tables::expect_arms<Selector>({{"Array_element", "46"}, {"Field", "FFFFFFFF 00000000  46"}});
+    tables::expect_arms_with_catch_all<Selector>(
+        {{"Array_element", "46"}, {"Field", "FFFFFFFF 00000000  46"}});
 }
 
 TEST(Selector, WritesIndexBehindItsFlag) { wire::expect(element(-2), "00000000  54 FEFFFFFF"); }
@@ -37,22 +37,21 @@ TEST(Selector, WritesFieldNameAndOwner) {
                  "01000000  FFFFFFFF 01000000 'x'  54 FEFFFFFF 01000000 'S' 07000000");
 }
 
-// Required: only tag 0 is tested for, so each other tag stands before a field.
+// Required: every tag other than 0 is followed by a field.
 TEST(Selector, EveryOtherTagTakesTheFieldPayload) {
-    tables::expect_stray_tags<Selector>("FFFFFFFF 00000000  46");
     for (char const* const tag : {"02000000", "FFFFFFFF", "00000080", "FFFFFF7F"}) {
         std::string const bytes =
-            wire::bytes(tag) + wire::bytes("FFFFFFFF 01000000 'x'  54 01000000 07000000");
+            hex::bytes(tag) + hex::bytes("FFFFFFFF 01000000 'x'  54 01000000 07000000");
         auto const read = wire::read<Selector>(bytes);
         EXPECT_EQ(read.arm<"Field">().field_name.str(), "x");
         EXPECT_EQ(read.arm<"Field">().field_owner->second, 7);
         EXPECT_FALSE(read.holds<"Field">());
-        wire::expect(Selector(read), wire::hex(bytes));
+        wire::expect(Selector(read), hex::shown(bytes));
     }
 }
 
 TEST(Selector, TagDecidesFirst) {
-    tags::expect_to_decide<Selector>();
+    tables::expect_order_by_tag<Selector>();
     order::expect_less(element(100), field({}));
 }
 
@@ -74,16 +73,16 @@ TEST(Selector, FieldsOrderByNameThenOwner) {
 }
 
 TEST(Selector, TagsPastTheLastArmCompareTheirPayloads) {
-    auto       read = [](char const* hex) { return wire::read<Selector>(wire::bytes(hex)); };
+    auto       read = [](char const* hex) { return wire::read<Selector>(hex::bytes(hex)); };
     auto const without_owner = read("02000000  FFFFFFFF 00000000  46");
     auto const with_owner = read("02000000  FFFFFFFF 00000000  54 01000000 07000000");
     order::expect_equal(without_owner, without_owner);
     order::expect_less(without_owner, with_owner);
 }
 
-// Required: whatever payloads they carry.
+// Required, whatever their payloads.
 TEST(Selector, TwoNegativeTagsAreNeitherEqualNorLess) {
-    auto       read = [](char const* hex) { return wire::read<Selector>(wire::bytes(hex)); };
+    auto       read = [](char const* hex) { return wire::read<Selector>(hex::bytes(hex)); };
     auto const without_owner = read("FFFFFFFF  FFFFFFFF 00000000  46");
     auto const with_owner = read("FFFFFFFF  FFFFFFFF 00000000  54 01000000 07000000");
     order::expect_unordered(without_owner, with_owner);
@@ -92,15 +91,15 @@ TEST(Selector, TwoNegativeTagsAreNeitherEqualNorLess) {
 
 TEST(Selector, ReadingAnEqualTagReadsOverThePayload) {
     Selector selector = field({"x"}, {{{"S"}, 7}});
-    wire::read_over(selector, wire::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
+    wire::read_over(selector, hex::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
     EXPECT_EQ(selector, field({"y"}));
 }
 
 TEST(Selector, ReadingAnotherTagRebuildsThePayload) {
     Selector selector = field({"x"}, {{{"S"}, 7}});
-    wire::read_over(selector, wire::bytes("00000000  54 09000000"));
+    wire::read_over(selector, hex::bytes("00000000  54 09000000"));
     EXPECT_EQ(selector, element(9));
-    wire::read_over(selector, wire::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
+    wire::read_over(selector, hex::bytes("01000000  FFFFFFFF 01000000 'y'  46"));
     EXPECT_EQ(selector, field({"y"}));
 }
 

@@ -1,6 +1,5 @@
 #include <sml/schema/Data_Table_Access.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -24,7 +23,7 @@ Selector field(sml::Strings_T const& name) {
     return selector;
 }
 
-/// An access whose atomicity is equal to itself and not less, so that the fields behind it count.
+/// An access whose atomicity is equal to itself and not less, so that the fields after it decide.
 Access access(std::list<Selector> const& path = {}) {
     Access result;
     result.atomicity.choose<"FUNCTION_CALL">();
@@ -59,19 +58,13 @@ TEST(DataTableAccess, DefaultHasUnsetAtomicityAndEmptyPath) {
     order::expect_unordered(value, value);
 }
 
-TEST(DataTableAccess, FieldsDecideInOrder) {
-    fields::expect_order(&Access::atomicity, &Access::first_flag, &Access::second_flag,
-                         &Access::location, &Access::variable, &Access::path,
-                         &Access::variable_type);
-}
-
 TEST(DataTableAccess, EmptyPathIsLessThanEveryOther) {
     order::expect_less(access(), access({element({})}));
     order::expect_less(access(), access({field({})}));
     order::expect_equal(access(), access());
 }
 
-// Required: the size goes first.
+// Required: the sizes are compared first.
 TEST(DataTableAccess, ShortPathIsLessWhateverItHolds) {
     order::expect_less(access({field({"x"})}), access({element({}), element({})}));
 }
@@ -96,8 +89,8 @@ TEST(DataTableAccess, UnsetSelectorMakesARecordUnequalToItsCopy) {
     order::expect_unordered(value, Access(value));
 }
 
-// Required: the walk passes over selectors that are neither less nor greater, equal or not; only
-// then are the whole paths asked for equality.
+// Required: selectors that are neither less nor greater, equal or not, do not end the comparison.
+// Only at its end are the whole paths compared for equality.
 TEST(DataTableAccess, UnsetSelectorIsPassedOverInTheWalk) {
     order::expect_less(access({Selector(), element(1)}), access({Selector(), element(2)}));
 
@@ -115,12 +108,10 @@ TEST(DataTableAccess, AtomicAccessesAreEachLessThanTheOther) {
         Access first;
         first.atomicity.choose_tag(tag);
         Access second = first;
-        order::expect_each_less(first, second);
-        EXPECT_TRUE(first == second);
+        order::expect_equal_and_each_less(first, second);
         second.first_flag = true;
         second.variable = std::string("v");
-        order::expect_each_less(first, second);
-        EXPECT_FALSE(first == second);
+        order::expect_unequal_and_each_less(first, second);
     }
 }
 

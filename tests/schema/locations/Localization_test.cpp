@@ -1,6 +1,5 @@
 #include <sml/schema/Localization.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -30,11 +29,6 @@ TEST(Localization, PlacesInOneFileShareItsFirstSight) {
                  "02000000"
                  "01000000  FFFFFFFF 06000000 'main.c'  02000000"
                  "03000000  01000000                    04000000");
-}
-
-TEST(Localization, FieldsDecideInOrder) {
-    fields::expect_order(&T_Localization::first_position, &T_Localization::file,
-                         &T_Localization::second_position);
 }
 
 TEST(Localization, NumbersOrderAsSigned) {

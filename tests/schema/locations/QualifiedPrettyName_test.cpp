@@ -1,6 +1,5 @@
 #include <sml/schema/QualifiedPrettyName.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -15,16 +14,12 @@ TEST(QualifiedPrettyName, WritesTwoStringReferences) {
     wire::expect(Name{{"std"}, {"std"}}, "FFFFFFFF 03000000 'std'  01000000");
 }
 
-TEST(QualifiedPrettyName, FieldsDecideInOrder) {
-    fields::expect_order(&Name::qualifier, &Name::name);
-}
-
 // Null handles take part with the value 0, which still multiplies and adds.
 TEST(QualifiedPrettyName, HashOfDefaultCombinesTwoZeros) {
     EXPECT_EQ(Name().hash(), 0xcb34c5ae03d8f098u);
 }
 
-// The literals come from a computation outside this library: they hold in every process.
+// The literals were computed outside this library. They hold in every process.
 TEST(QualifiedPrettyName, HashDependsOnTextsAndTheirOrder) {
     EXPECT_EQ((Name{{"std"}, {"vector"}}.hash()), 0x79fe19316b7ef261u);
     EXPECT_EQ((Name{{"vector"}, {"std"}}.hash()), 0xaeff9f6242d75f4du);
@@ -32,7 +27,7 @@ TEST(QualifiedPrettyName, HashDependsOnTextsAndTheirOrder) {
     EXPECT_EQ((Name{{"std"}, {}}.hash()), 0x77df196cc7d5b370u);
 }
 
-// An order by address holds for one process only; the hash must not share that.
+// An order by address is valid for one process only. The hash must not depend on addresses.
 TEST(QualifiedPrettyName, OrderFollowsAddressesWhileHashFollowsTexts) {
     order::Handles const texts;
     ASSERT_GT(texts.lesser.str(), texts.greater.str());
@@ -40,7 +35,7 @@ TEST(QualifiedPrettyName, OrderFollowsAddressesWhileHashFollowsTexts) {
     Name const greater{{}, texts.greater};
     order::expect_less(lesser, greater);
     for (int round = 0; round < 2; ++round) {
-        // Each round interns the two texts anew.
+        // Each round interns the two texts again.
         sml::Strings_T const taking_its_place(round == 0 ? "" : "takes the freed place");
         EXPECT_EQ((Name{{"std"}, {"vector"}}.hash()), 0x79fe19316b7ef261u);
     }

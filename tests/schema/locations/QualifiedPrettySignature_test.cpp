@@ -1,5 +1,4 @@
 #include <sml/schema/QualifiedPrettySignature.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -12,10 +11,6 @@ TEST(QualifiedPrettySignature, WritesThreeStringReferences) {
     wire::expect(Signature(), "FFFFFFFF 00000000  01000000  01000000");
     wire::expect(Signature{{"void"}, {{"std"}, {"sort"}}},
                  "FFFFFFFF 04000000 'void'  FEFFFFFF 03000000 'std'  FDFFFFFF 04000000 'sort'");
-}
-
-TEST(QualifiedPrettySignature, FieldsDecideInOrder) {
-    fields::expect_order(&Signature::signature, &Signature::qualified_name);
 }
 
 TEST(QualifiedPrettySignature, HashCombinesSignatureAndHashOfName) {

@@ -1,5 +1,4 @@
 #include <sml/schema/SignaturePrefixedQualifiedPrettyName.hpp>
-#include "tests/schema/fields.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -18,10 +17,6 @@ TEST(SignaturePrefixedQualifiedPrettyName, WritesFiveStringReferences) {
     wire::expect(Name{{{"void"}, {{"std"}, {"sort"}}}, {{"std"}, {"less"}}},
                  "FFFFFFFF 04000000 'void'  FEFFFFFF 03000000 'std'  FDFFFFFF 04000000 'sort'"
                  "02000000  FCFFFFFF 04000000 'less'");
-}
-
-TEST(SignaturePrefixedQualifiedPrettyName, FieldsDecideInOrder) {
-    fields::expect_order(&Name::prefix, &Name::qualified_name);
 }
 
 TEST(SignaturePrefixedQualifiedPrettyName, IsNoKeyAndHasNoHash) {

@@ -1,6 +1,5 @@
 #include <sml/schema/SourceLocRef.hpp>
-#include "tests/schema/fields.hpp"
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -32,11 +31,6 @@ TEST(SourceLocRef, ReferencesToOneFileShareItsFirstSight) {
                  "02000000"
                  "01000000  02000000 FFFFFFFF 03000000 'a.c' 03000000  0400000000000000"
                  "05000000  06000000 01000000 07000000  0800000000000000");
-}
-
-TEST(SourceLocRef, FieldsDecideInOrder) {
-    fields::expect_order(&T_SourceLocRef::kind, &T_SourceLocRef::localization,
-                         &T_SourceLocRef::reference);
 }
 
 // Required: the kind is unsigned and everything behind it signed.

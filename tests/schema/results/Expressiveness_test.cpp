@@ -1,7 +1,6 @@
 #include <sml/schema/Expressiveness.hpp>
-#include "tests/schema/order.hpp"
+#include "tests/order.hpp"
 #include "tests/schema/tables.hpp"
-#include "tests/schema/tags.hpp"
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
@@ -26,7 +25,6 @@ TEST(Constant, PrintsItsNames) {
 TEST(RelationalLevel, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
     tables::expect_arms<T_relational_level>(
         {{"Bound", "00000000"}, {"Exact", "00000000"}, {"UnBound"}});
-    tables::expect_stray_tags<T_relational_level>("");
 }
 
 TEST(RelationalLevel, UnboundIsItsTagAlone) {
@@ -37,8 +35,7 @@ TEST(RelationalLevel, UnboundIsItsTagAlone) {
 }
 
 TEST(RelationalLevel, OrdersByTagThenAsSigned) {
-    tags::expect_to_decide<T_relational_level>();
-    tables::expect_arms_without_payload_less<T_relational_level>([](auto&) {});
+    tables::expect_order_by_tag<T_relational_level>();
     T_relational_level a;
     T_relational_level b;
     a.choose<"Bound">() = -1;

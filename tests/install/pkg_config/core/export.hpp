@@ -1,4 +1,4 @@
 #pragma once
-// A user's own header, which has the name of one of the library's.
+// A user's own header with the same name as a header of the library.
 
 inline char const* greeting() { return "from the user's own core/export.hpp"; }

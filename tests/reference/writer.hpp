@@ -1,10 +1,9 @@
 #pragma once
-// The wire form written down the straightforward way, with nothing done for speed.
+// Writes the wire form, plainly written and with no optimisation.
 
 #include <sml/core/kinds.hpp>
 
 #include <gmp.h>
-// <cstdio> ahead of <mpfr.h> is what declares the printing functions.
 #include <mpfr.h>
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 #pragma once
-// Equality told the straightforward way.
+// Equality, plainly written.
 
 #include <sml/core/kinds.hpp>
 
@@ -20,7 +20,7 @@ bool equal_parts(Parts const& a, Parts const& b) {
         a);
 }
 
-/// What `a` holds is looked up in `b`.
+/// Looks up each entry of `a` in `b`.
 template <class T>
 bool equal_tables(T const& a, T const& b) {
     if (a.size() != b.size()) return false;

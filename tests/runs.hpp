@@ -1,5 +1,5 @@
 #pragma once
-// How often the comparisons with the plain reference are made, and from which seed.
+// How often random tests run, and from which seed.
 
 #include <cstdint>
 #include <cstdlib>
@@ -7,14 +7,14 @@
 #include <random>
 #include <string>
 
-namespace plain_test {
+namespace runs {
 
-/// All of them when BRADEP_SLOW_TESTS is set.
+/// The slow count when BRADEP_SLOW_TESTS is set.
 inline int count(int usual, int slow) {
     return std::getenv("BRADEP_SLOW_TESTS") == nullptr ? usual : slow;
 }
 
-/// BRADEP_SEED, or another one each time; printed.
+/// BRADEP_SEED if it is set, else a random seed for each run. Prints it.
 inline std::uint64_t seed() {
     static std::uint64_t const chosen = [] {
         char const* const given = std::getenv("BRADEP_SEED");
@@ -25,4 +25,4 @@ inline std::uint64_t seed() {
     return chosen;
 }
 
-}  // namespace plain_test
+}  // namespace runs

@@ -1,15 +1,15 @@
-// How fast a result set goes to bytes and back, into files and out of them, how fast two are
-// compared and one is destroyed; beside the plain reference and, where they are built, other
-// libraries.
+// Measures how fast a result set is written and read, in memory and in files, and how fast two are
+// compared and one is destroyed. The reference implementation and, if they are built, other
+// libraries are measured as well.
 //
-// "first" is the first call in the process, in microseconds a check.
+// "first" is the time of the first call in the process, in microseconds per check.
 
 #include <sml/bindings/bindings.hpp>
-#include "bench/carriers.hpp"
-#include "bench/plain/equal.hpp"
-#include "bench/plain/plain.hpp"
 #include "bench/prepared.hpp"
 #include "bench/scratch_file.hpp"
+#include "bench/serialisers.hpp"
+#include "tests/reference/equal.hpp"
+#include "tests/reference/plain.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -23,8 +23,8 @@
 
 namespace {
 
-using bench::Carrier;
 using bench::Graph;
+using bench::Serialiser;
 
 struct Library {
     static constexpr char const* name = "library";
@@ -64,7 +64,8 @@ bench::Prepared const& data_without_bare_arms_of(benchmark::State const& state) 
     return bench::prepared_without_bare_arms(static_cast<std::size_t>(state.range(0)));
 }
 
-/// Reports how long `call` takes when `name` is met for the first time, and calls it then only.
+/// Calls `call` only the first time for this `name` and size, and reports how long that first call
+/// took.
 template <class Call>
 void time_first(benchmark::State& state, std::string const& name, Call const& call) {
     using Clock = std::chrono::steady_clock;
@@ -93,33 +94,34 @@ void time_reading(benchmark::State& state, bench::Prepared const& data, Read con
     bench::report(state, data);
 }
 
-void encode(benchmark::State& state, Carrier const& carrier) {
+void encode(benchmark::State& state, Serialiser const& serialiser) {
     auto const& data = data_of(state);
     std::size_t size = 0;
-    time_first(state, carrier.name + std::string(" encode"),
-               [&] { size = carrier.encode(data.value); });
+    time_first(state, serialiser.name + std::string(" encode"),
+               [&] { size = serialiser.encode(data.value); });
     for ([[maybe_unused]] auto const round : state)
-        benchmark::DoNotOptimize(size = carrier.encode(data.value));
+        benchmark::DoNotOptimize(size = serialiser.encode(data.value));
     bench::report(state, data);
     state.counters["size"] = static_cast<double>(size);
 }
 
-void decode(benchmark::State& state, Carrier const& carrier) {
+void decode(benchmark::State& state, Serialiser const& serialiser) {
     auto const& data = data_of(state);
-    carrier.encode(data.value);
+    serialiser.encode(data.value);
     std::optional<Graph> first(std::in_place);
     bool                 was_first = false;
-    time_first(state, carrier.name + std::string(" decode"), [&] {
-        carrier.decode(*first);
+    time_first(state, serialiser.name + std::string(" decode"), [&] {
+        serialiser.decode(*first);
         was_first = true;
     });
     if (was_first && !plain::equal(data.value, *first))
         return state.SkipWithError("what was read is not what was written");
     first.reset();
-    time_reading(state, data, [&](Graph& value) { carrier.decode(value); });
+    time_reading(state, data, [&](Graph& value) { serialiser.decode(value); });
 }
 
-/// Whether the stream flushes itself behind each item, or another stream before each.
+/// Whether the stream flushes itself after each item (output), or another stream before each item
+/// (input).
 enum class Flushes { nothing, each_item };
 
 template <class Own, Flushes flushes = Flushes::nothing>
@@ -149,7 +151,7 @@ void from_stream(benchmark::State& state) {
     });
 }
 
-/// Of graphs that are equal but share no memory except for the texts.
+/// Compares graphs that are equal but share no memory except for the texts.
 template <class Own>
 void time_equal(benchmark::State& state, bench::Prepared const& data) {
     Graph other;
@@ -164,12 +166,13 @@ void equal(benchmark::State& state) {
     time_equal<Own>(state, data_of(state));
 }
 
-/// `==` of the graphs that `less` is measured on.
+/// Measures `==` with the graphs that `less` is measured with.
 void equal_without_bare_arms(benchmark::State& state) {
     time_equal<Library>(state, data_without_bare_arms_of(state));
 }
 
-/// Of graphs that are equal and nowhere less than one another, so that everything has to be walked.
+/// Compares graphs that are equal and in which no part is less than the other, so that `<` has to
+/// compare everything.
 void less(benchmark::State& state) {
     auto const& data = data_without_bare_arms_of(state);
     Graph       other;
@@ -195,12 +198,12 @@ void destroy(benchmark::State& state) {
 template <class Own>
 bool add() {
     static std::string const* bytes = nullptr;
-    bench::add_carrier({Own::name,
-                        [](Graph const& value) {
-                            bytes = &Own::from_cxx(value);
-                            return bytes->size();
-                        },
-                        [](Graph& value) { Own::to_cxx(value, bytes->data()); }});
+    bench::add_serialiser({Own::name,
+                           [](Graph const& value) {
+                               bytes = &Own::from_cxx(value);
+                               return bytes->size();
+                           },
+                           [](Graph& value) { Own::to_cxx(value, bytes->data()); }});
     std::string const name = Own::name;
     bench::sizes(benchmark::RegisterBenchmark((name + "/toStream").c_str(), to_stream<Own>));
     bench::sizes(benchmark::RegisterBenchmark((name + "/fromStream").c_str(), from_stream<Own>));
@@ -224,9 +227,9 @@ BENCHMARK(destroy)->Name("library/destroy")->Apply(bench::sizes);
 
 }  // namespace
 
-bool bench::add_carrier(Carrier carrier) {
-    std::string const name = carrier.name;
-    sizes(benchmark::RegisterBenchmark((name + "/encode").c_str(), encode, carrier));
-    sizes(benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, std::move(carrier)));
+bool bench::add_serialiser(Serialiser serialiser) {
+    std::string const name = serialiser.name;
+    sizes(benchmark::RegisterBenchmark((name + "/encode").c_str(), encode, serialiser));
+    sizes(benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, std::move(serialiser)));
     return true;
 }

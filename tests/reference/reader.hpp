@@ -1,5 +1,5 @@
 #pragma once
-// The wire form read the straightforward way, with nothing done for speed.
+// Reads the wire form, plainly written and with no optimisation.
 
 #include <sml/core/kinds.hpp>
 
@@ -18,7 +18,7 @@
 
 namespace plain {
 
-/// Bytes in memory, without any bound.
+/// Bytes in memory, read without a bound.
 class Buffer {
 public:
     explicit Buffer(char const* bytes) : at_(bytes) {}
@@ -37,7 +37,8 @@ private:
     char const* at_;
 };
 
-/// A caller's stream, with its formatted flags. A failed read leaves the scratch word as it was.
+/// A caller's stream. Flags are read by its formatted input. A failed read leaves the scratch word
+/// unchanged.
 class Stream {
 public:
     explicit Stream(std::istream& stream) : stream_(stream) {}
@@ -50,7 +51,7 @@ private:
     std::istream& stream_;
 };
 
-/// Reads values from a source. Containers are added to.
+/// Reads values from a source. Containers keep the elements that they have, and new ones are added.
 template <class Source>
 class Reader {
 public:
@@ -174,7 +175,7 @@ public:
     void operator()(T& variant) {
         std::int32_t tag{};
         (*this)(tag);
-        bool const has_rest_arm_unbuilt = tag == -1 && T::arms::takes_rest;
+        bool const has_rest_arm_unbuilt = tag == -1 && T::arms::has_catch_all;
         if (tag != variant.tag || has_rest_arm_unbuilt) variant.choose_tag(tag);
         variant.visit_payload([this]<class Payload>(Payload const& payload) {
             (*this)(const_cast<Payload&>(payload));
@@ -182,7 +183,8 @@ public:
     }
 
 private:
-    /// Copying floats sets the exponent range, too; that of the float read last is what stays.
+    /// Copying a float also sets MPFR's exponent range. The range of the float that was read last
+    /// is required to stay, so it is restored after the insertion.
     template <class Insert>
     static void insert(Insert&& do_insert) {
         auto const least = mpfr_get_emin();
@@ -198,7 +200,7 @@ private:
         return count;
     }
 
-    /// The bytes of a block with one zero behind them; null for the length -1.
+    /// The bytes of a block and a zero byte after them; null for the length -1.
     std::unique_ptr<char[]> get_block() {
         std::int32_t length{};
         (*this)(length);

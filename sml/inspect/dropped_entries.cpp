@@ -1,4 +1,4 @@
-#include <sml/inspect/superseded.hpp>
+#include <sml/inspect/dropped_entries.hpp>
 
 #include <sml/inspect/keys/key_table.hpp>
 #include <sml/inspect/walk/walker.hpp>
@@ -11,16 +11,16 @@ namespace sml::inspect {
 
 namespace {
 
-using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // which are seeded
+using SeededHashes = std::pmr::unordered_set<std::uint64_t>;  // of seeded hashes
 
-// First half of the search: the hashes that two keys of one container may share, found by 32 bits
-// of each. A false one does no harm.
-class SharedHashes : public SilentVisitor {
+// The first walk finds the hashes that two keys of one container may share, by 32 bits of each. A
+// hash that is found by mistake does no harm.
+class SharedHashes : public BaseVisitor {
 public:
     explicit SharedHashes(std::pmr::memory_resource* memory) : found(memory), tables_(memory) {}
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const&, std::uint64_t count) {
         if (open_ == tables_.size()) tables_.emplace_back();
@@ -50,8 +50,8 @@ private:
     std::size_t                                       open_ = 0;
 };
 
-// Second half: exact, for the keys with such a hash.
-class RepeatedKeys : public SilentVisitor {
+// The second walk finds the repeated keys among those with such a hash.
+class RepeatedKeys : public BaseVisitor {
 public:
     RepeatedKeys(Walk const& walk, SeededHashes shared, std::size_t listed)
         : found(&walk.budget),
@@ -61,7 +61,7 @@ public:
           open_(&walk.budget) {}
 
     static constexpr bool compares_keys = true;
-    static constexpr bool hears_values = false;
+    static constexpr bool wants_values = false;
 
     void open_keys(Type const& type, std::uint64_t) {
         open_.push_back({&type, Container::Keys(&walk_.budget)});
@@ -77,7 +77,8 @@ public:
             keys.emplace(hash, offset);
             return true;
         }
-        // The later one is compared with from now on: no long number is read again and again.
+        // The later key takes the place of the earlier one: else an earlier long number would be
+        // parsed again for each equal key.
         std::uint64_t const earlier = std::exchange(known->second, offset);
         bool const          last_wins = open_.back().type->last_wins;
         found.entries.insert(last_wins ? earlier : offset);
@@ -91,7 +92,7 @@ public:
             found.findings.push_back(make());
     }
 
-    Superseded found;
+    DroppedEntries found;
 
 private:
     struct Container {
@@ -109,14 +110,14 @@ private:
 
 }  // namespace
 
-Superseded superseded_entries(Root const& root, std::string_view bytes,
-                              VerifyOptions const& options, Budget& budget) {
+DroppedEntries dropped_entries(Root const& root, std::string_view bytes,
+                               VerifyOptions const& options, Budget& budget) {
     SharedHashes shared(&budget);
     {
         Walk walk(bytes, options.walk(), budget);
         Walker(walk, shared).run(*root.type);
     }
-    if (shared.found.empty()) return Superseded(&budget);
+    if (shared.found.empty()) return DroppedEntries(&budget);
     Walk         walk(bytes, options.walk(), budget);
     RepeatedKeys repeated(walk, std::move(shared.found), options.listed);
     Walker(walk, repeated).run(*root.type);

@@ -1,9 +1,9 @@
 #pragma once
-// A plain reference for the library: the required behaviour with nothing done for speed. It is what
-// the library's time is measured against, and what its bytes and objects are compared with.
+// The reference implementation: the required behaviour with no optimisation. The library's time is
+// measured against it, and the library's bytes and objects are compared with it.
 
-#include "bench/plain/reader.hpp"
-#include "bench/plain/writer.hpp"
+#include "tests/reference/reader.hpp"
+#include "tests/reference/writer.hpp"
 
 #include <sstream>
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace plain {
 
-/// The string that holds the bytes of the latest `from_cxx` of any type.
+/// The bytes of the latest `from_cxx`, of any type.
 inline std::string shared_result;
 
 template <class Root>
@@ -22,7 +22,7 @@ std::string const& from_cxx(Root const& value) {
     return shared_result;
 }
 
-/// Gives the byte behind the value's last one.
+/// Returns a pointer to the byte after the value.
 template <class Root>
 char const* to_cxx(Root& value, char const* bytes) {
     Buffer buffer(bytes);

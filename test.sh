@@ -4,16 +4,20 @@
 # threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS, 60 by default.
 #
 #   ./test.sh          the checks that every change must pass
-#   ./test.sh --all    also builds with clang, and runs the random tests at their slow counts
+#   ./test.sh --all    also builds with clang, and runs the random tests at their slow counts; then
+#                      adds a record, an arm and a root to a copy of the sources as CONTRIBUTING.md
+#                      says, and runs the tests once more with them
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
 presets=(dev asan)
+try_additions=false
 case "${1:-}" in
     "") ;;
     --all)
         presets=(clang dev asan)
+        try_additions=true
         export BRADEP_SLOW_TESTS=1
         ;;
     *)
@@ -44,6 +48,11 @@ build tsan inspect_threads_test
 same_addresses=()
 ! setarch --addr-no-randomize true 2>/dev/null || same_addresses=(setarch --addr-no-randomize)
 TSAN_OPTIONS=halt_on_error=1 "${same_addresses[@]}" build/tsan/tests/inspect/inspect_threads_test
+
+if "$try_additions"; then
+    echo "== additions"
+    env -u BRADEP_SLOW_TESTS scripts/try_additions.py
+fi
 
 echo "== fuzz"
 ./fuzz.sh "${BRADEP_FUZZ_SECONDS:-60}"

@@ -23,14 +23,12 @@ list has mistakes, a mutant survives that need not, or one is killed that is sai
 import argparse
 import contextlib
 import dataclasses
-import fcntl
 import hashlib
 import itertools
 import json
 import os
 import re
 import resource
-import shutil
 import signal
 import subprocess
 import sys
@@ -39,13 +37,12 @@ import tomllib
 from collections.abc import Iterator
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+from source_copy import ROOT, SourceCopy, source_files
+
 LIST = ROOT / "scripts/mutants.toml"
 PAGE = ROOT / "docs/reliability.md"
-WORK = ROOT / "build/mutants"
-COPY = WORK / "src"
-# Where the preset has it: the compiler cache knows what another build of the sources has made.
-BUILD = COPY / "build/dev"
+COPY = SourceCopy("mutants")
+BUILD = COPY.build
 MARKS = ("<!-- mutants: begin -->", "<!-- mutants: end -->")
 
 # Random tests are to be the same for all mutants, and to end at their first failure.
@@ -154,40 +151,6 @@ def print_counts(mutants: list[Mutant]) -> None:
 # The copy and its build
 
 
-def source_files() -> list[str]:
-    command = ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"]
-    listed = subprocess.run(command, cwd=ROOT, check=True, capture_output=True, text=True).stdout
-    return sorted({name for name in listed.split("\0") if name and (ROOT / name).is_file()})
-
-
-@contextlib.contextmanager
-def alone() -> Iterator[None]:
-    """Two runs would change one another's copy."""
-    WORK.mkdir(parents=True, exist_ok=True)
-    with open(WORK / "lock", "w", encoding="utf-8") as lock:
-        try:
-            fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-        except BlockingIOError:
-            sys.exit(f"another run is using {COPY}")
-        yield
-
-
-def update_copy() -> None:
-    """Makes the copy what the sources are; what is so already keeps its time."""
-    wanted = set(source_files())
-    for name in wanted:
-        source, target = ROOT / name, COPY / name
-        if target.is_file() and target.read_bytes() == source.read_bytes():
-            continue
-        target.parent.mkdir(parents=True, exist_ok=True)
-        shutil.copyfile(source, target)
-        shutil.copymode(source, target)
-    for path in COPY.rglob("*"):
-        name = path.relative_to(COPY).as_posix()
-        if path.is_file() and name not in wanted and not name.startswith("build/"):
-            path.unlink()
-
-
 def sources_key() -> str:
     """Of all that a test program can depend on."""
     digest = hashlib.sha256()
@@ -196,18 +159,6 @@ def sources_key() -> str:
             continue
         digest.update(name.encode() + b"\0" + (ROOT / name).read_bytes() + b"\0")
     return digest.hexdigest()
-
-
-def configure() -> None:
-    if (BUILD / "build.ninja").is_file():
-        return
-    settings = dict(os.environ)
-    if shutil.which("ccache"):
-        settings.setdefault("CMAKE_CXX_COMPILER_LAUNCHER", "ccache")
-        settings.setdefault("CMAKE_C_COMPILER_LAUNCHER", "ccache")
-    # The list of a program's tests is not asked for while it is built.
-    command = ["cmake", "--preset", "dev", "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
-    subprocess.run(command, cwd=COPY, env=settings, check=True, stdout=subprocess.DEVNULL)
 
 
 def build(targets: tuple[str, ...], jobs: int | None) -> str | None:
@@ -278,7 +229,7 @@ def run_test(test: Test, timeout: float, gigabytes: int) -> Outcome:
     settings = {**os.environ, **dict(one.split("=", 1) for one in test.settings), **TEST_SETTINGS}
     most = gigabytes << 30
     start = time.monotonic()
-    with open(WORK / "output.txt", "w+", encoding="utf-8", errors="replace") as output:
+    with open(COPY.folder / "output.txt", "w+", encoding="utf-8", errors="replace") as output:
         process = subprocess.Popen(
             test.command, cwd=test.folder, env=settings, start_new_session=True,
             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
@@ -303,7 +254,7 @@ def run_test(test: Test, timeout: float, gigabytes: int) -> Outcome:
 class Results:
     """What is known, kept in a file that is whole at any time."""
 
-    FILE = WORK / "results.json"
+    FILE = COPY.folder / "results.json"
 
     def __init__(self) -> None:
         known = json.loads(read(self.FILE)) if self.FILE.is_file() else {}
@@ -345,7 +296,7 @@ class Runner:
         end = time.monotonic() + 60 * self.options.minutes
         number = itertools.count(1)
         for file, group in itertools.groupby(ordered, lambda mutant: mutant.file):
-            with restored(COPY / file) as source:
+            with restored(COPY.sources / file) as source:
                 for mutant in group:
                     if time.monotonic() > end:
                         return
@@ -366,7 +317,7 @@ class Runner:
 
     def run_one(self, mutant: Mutant, source: str, place: str) -> None:
         start = time.monotonic()
-        (COPY / mutant.file).write_text(mutant.changed(source), encoding="utf-8")
+        (COPY.sources / mutant.file).write_text(mutant.changed(source), encoding="utf-8")
         result = {**self.judged(mutant), "seconds": round(time.monotonic() - start)}
         self.results.add(mutant, source, result)
         print(f"{place} {mutant.name}: {shown(result)} ({result['seconds']} s)", flush=True)
@@ -483,8 +434,9 @@ def is_as_listed(mutant: Mutant, results: Results) -> bool:
 def check_and_run(mutants: list[Mutant], options: argparse.Namespace) -> int:
     selected = chosen(mutants, options.names)
     results = Results()
-    update_copy()
-    configure()
+    COPY.update()
+    # The list of a program's tests is not asked for while it is built.
+    COPY.configure("-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST")
     tests = Tests()
     if mistakes := complaints(mutants, tests):
         print(*mistakes, sep="\n", file=sys.stderr)
@@ -507,7 +459,7 @@ def main() -> int:
         text = table(mutants, Results())
         write_table(text) if options.write else print(text, end="")
         return 0
-    with alone():
+    with COPY.alone():
         return check_and_run(mutants, options)
 
 

@@ -1,6 +1,6 @@
 #pragma once
-// The entry points: seven functions for each of the 40 root types, which make objects of bytes and
-// bytes of objects.
+// The entry points: seven functions for each root type, which make objects of bytes and bytes of
+// objects.
 //
 // For a root with stem X and object type T:
 //

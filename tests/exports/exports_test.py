@@ -10,6 +10,7 @@ is listed once.
 
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import unittest
@@ -235,7 +236,8 @@ class Exports(unittest.TestCase):
 
 if __name__ == "__main__":
     Exports.names = exported_names(sys.argv[1], sys.argv[2])
-    Exports.mend = "to list what is exported now: " + " ".join([*sys.argv[:3], "--update"])
+    command = shlex.join([sys.executable, *sys.argv[:3], "--update"])
+    Exports.mend = f"to list what is exported now: {command}"
     if sys.argv[3:] == ["--update"]:
         update(Exports.names)
     else:

@@ -1,6 +1,6 @@
 #pragma once
-// Every enumeration of the schema. Names are relative to `sml`. A new one needs one line here. `X`
-// takes the type.
+// Every enumeration of the schema. Names are relative to `sml`. A new one needs one line here; one
+// that a new field is the first to hold moves to the other list. `X` takes the type.
 
 #include <sml/schema/Abstract_Bool.hpp>
 #include <sml/schema/Blocks.hpp>

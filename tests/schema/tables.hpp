@@ -55,7 +55,8 @@ void expect_payload(std::int32_t tag, std::string_view payload) {
 /// the payload `unknown`.
 template <class Variant>
 void expect_arms(std::span<ArmRow const> rows, std::string_view unknown) {
-    ASSERT_EQ(std::size_t{Variant::arms::count}, rows.size());
+    ASSERT_EQ(std::size_t{Variant::arms::count}, rows.size())
+        << "the table in this test must have a row for each arm, at its place in byte order";
     constexpr std::int32_t count = Variant::arms::count;
     for (std::int32_t tag = 0; tag < count; ++tag) {
         ArmRow const& row = rows[static_cast<std::size_t>(tag)];

@@ -321,14 +321,15 @@ TEST(InspectionPoint, AnIntegerOperationEndsTheOrder) {
 
 TEST(MemAllocData, AnOperationWithoutPayloadEndsTheOrderBeforeTheName) {
     order::Handles const names;
-    for (std::int32_t tag = 0; tag < 8; ++tag) {
+    using Arms = sml::Mem_Alloc_BuiltIn_Operation::T_Operation::arms;
+    for (std::int32_t tag = 0; tag < Arms::count; ++tag) {
         SCOPED_TRACE(tag);
         Data::MEM_ALLOC_args a;
         a.operation.choose_tag(tag);
         a.name = names.lesser;
         Data::MEM_ALLOC_args b = a;
         b.name = names.greater;
-        bool const bare = tag != 0 && tag != 2 && tag != 6;
+        bool const bare = !Arms::has_payload[static_cast<std::size_t>(tag)];
         EXPECT_EQ(a < a, bare);
         EXPECT_TRUE(a == a);
         EXPECT_TRUE(a < b);

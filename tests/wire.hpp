@@ -1,6 +1,6 @@
 #pragma once
-// Writes and reads values in tests: with hex literals cut at field boundaries, through all four
-// archives.
+// Writes and reads values in tests, in memory and through streams, with hex literals that are cut
+// at field boundaries.
 
 #include <sml/core/archives.hpp>
 #include <sml/core/transfer.hpp>

@@ -10,10 +10,10 @@ using sml::Strings_T;
 
 namespace {
 
-// Holds the text until the process ends. Releasing its last handle would look it up once more, and
-// that look-up could no longer be refused; by then the string table may have grown, so that texts
-// share a bucket that did not when they were added. At exit the string table frees all texts
-// without a look-up.
+// Holds the text until the process ends. Otherwise the release of its last handle would look it up
+// once more, outside of the limit. The string table may have grown by then, so that texts share a
+// bucket that did not when they were counted. At exit the string table frees all texts without a
+// look-up.
 void keep_until_the_process_ends(Strings_T const& text) {
     static auto& kept = *new std::vector<Strings_T>;
     kept.push_back(text);

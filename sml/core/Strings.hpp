@@ -1,8 +1,8 @@
 #pragma once
 // Interned strings: one machine word a handle, one counted entry a distinct text.
 //
-// Nothing here may be used by two threads at once, and no handle may outlive the library's exit
-// handlers.
+// Nothing here may be used by two threads at once, and no handle may outlive `main`: the table is
+// destroyed at exit.
 
 #include <sml/core/export.hpp>
 

@@ -251,7 +251,7 @@ private:
         return result || is_last || !equal(left, right);
     }
 
-    /// The same by `<` in both directions, without equality.
+    /// As `decides`, but asks `<` in both directions instead of equality.
     template <class T>
     static bool decides_by_less(T const& left, T const& right, bool& result) {
         if (same(left, right)) return false;

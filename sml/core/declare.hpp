@@ -5,7 +5,7 @@
 //   SML_FIELDS(Type, fields...)   the parts of an arm that has no record of its own
 //   SML_VARIANT(Type)             a variant; `using arms = core::Arms<...>` comes before it
 //   SML_REFERENCE(Type, Id, Ptr)  an identifier or an address in one 8-byte word
-//   SML_ENUM(Type, names...)      an enumeration, names in ascending byte order
+//   SML_ENUM(Type, names...)      an enumeration, names in ascending order, by bytes
 //   SML_OWN_LIFE(Type)            a record whose special members the library defines
 //
 // The module's source file defines the declared members, with the macros of `sml/core/define.hpp`.
@@ -108,8 +108,8 @@ using LastWinsUnorderedMap = std::unordered_map<Key, Value, LastWins<Hash<Key>>>
     SML_API Type& operator=(Type&& other);      \
     SML_API ~Type()
 
-/// `toString` returns the name of the arm, that of arm 0 for an unset variant, and null for an
-/// unknown tag.
+/// `toString` returns the name of the arm; that of arm 0 for any negative tag, so for an unset
+/// variant; and null for a tag beyond the last arm.
 #define SML_VARIANT(Type)         \
     SML_COMPARISON_MEMBERS(Type); \
     SML_VARIANT_WITHOUT_COMPARISON(Type)

@@ -60,8 +60,7 @@ struct TypesOf {
 template <class T>
 using FieldTypes = decltype(std::declval<T&>().with_fields(TypesOf{}));
 
-/// The types of the parts of a pair or tuple, as the result type of a function that is only
-/// declared.
+/// Never called and not defined: the result type lists the types of the parts of a pair or tuple.
 template <class... T>
 Types<T...> parts_of(std::pair<T...> const&);
 template <class... T>

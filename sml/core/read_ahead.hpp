@@ -9,7 +9,7 @@ namespace sml::core {
 
 /// Prefetches the memory of an object. A very large one is mostly a variant with a small arm, so of
 /// it only the beginning and the end are prefetched. What a large object owns was mostly allocated
-/// right after it, so the first bytes behind it are prefetched, too.
+/// right after it, so the first bytes after it are prefetched, too.
 template <class T>
 inline void prefetch(T const& object) noexcept {
     constexpr std::size_t line = 64;

@@ -40,8 +40,8 @@ private:
 /// Entries are numbered from 1 in the order in which they were added.
 class TableOrder {
 public:
-    /// The argument of `rehash` by which an empty table gets as many buckets as a full table of
-    /// `buckets` buckets gets when it grows: the next prime.
+    /// What `rehash` of an empty table must be given for the number of buckets to which a full
+    /// table of `buckets` buckets grows. That number is a prime; this one may be less.
     static std::size_t more_buckets(std::size_t buckets) { return buckets == 1 ? 12 : 2 * buckets; }
 
     /// Whether the table has to grow before another entry is added.

@@ -20,7 +20,7 @@ TextBlock make_block(std::int32_t length);
 /// The digits in base 16 and lower case, followed by two zero bytes, or one for a negative number.
 std::string text_of(BigInteger const& value);
 
-/// Decimal digits, six of them behind the point, by the process's numeric locale.
+/// Decimal digits, six of them after the point, by the process's numeric locale.
 std::string text_of(double value);
 
 /// Parses base 16. If the text is no number, the value stays as it was.

@@ -394,7 +394,7 @@ void write_to_stream(T const& value, std::ostream& stream) {
         write_with_archive<StreamOArchive>(value, stream);
 }
 
-/// Reads a value and leaves the stream behind its last byte. Throws what the stream throws, and
+/// Reads a value and leaves the stream after its last byte. Throws what the stream throws, and
 /// what reading throws.
 template <class T>
 void read_from_stream(T& value, std::istream& stream) {

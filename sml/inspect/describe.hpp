@@ -28,8 +28,8 @@ using core::FieldTypes;
 using core::parts_of;
 using core::Types;
 
-/// Holds the descriptor of a type. Its address can be named after this declaration alone, so a type
-/// can contain itself.
+/// Holds the descriptor of a type. Other descriptors can point to it before it is defined, so a
+/// type can contain itself.
 template <class T>
 struct Described {
     static Type const type;

@@ -19,8 +19,8 @@ namespace sml::inspect {
 struct DroppedEntries {
     explicit DroppedEntries(std::pmr::memory_resource* memory) : entries(memory) {}
 
-    /// The offsets of the keys of the entries to be left out of a dump: the later one of two equal
-    /// keys, but the earlier one in a map whose values are read over.
+    /// The offsets of the keys of the entries to be left out of a dump. Of two entries with equal
+    /// keys that is the later one; in a map whose values are read over, the earlier one.
     std::pmr::unordered_set<std::uint64_t, SeededHash> entries;
 
     std::vector<Finding> findings;  ///< the first ones, as many as are to be listed

@@ -29,7 +29,8 @@ struct Dumped {
     std::uint64_t        odd_count = 0;
     std::vector<Finding> findings;      ///< the odd ones by offset, then the unsafe one
     bool                 found = true;  ///< there is a part at the path; for lines, a container
-    std::size_t          reached = 0;  ///< longest start of the path that leads to a part, in bytes
+    /// The length in bytes of the longest prefix of the path that leads to a part.
+    std::size_t reached = 0;
 };
 
 /// Writes the value that a reader makes of `bytes` to `out`, as JSON. The first unsafe finding ends

@@ -74,7 +74,7 @@ SML_DEFINE_RECORD(T_A_Check);
 
 namespace {
 
-/// Takes the tables of a check, copies everything else.
+/// Moves the sets and maps of a check, copies everything else.
 void take(T_A_Check& target, T_A_Check& source) {
     auto take_field = []<class Field>(Field& to, Field& from) {
         if constexpr (core::Set<Field> || core::Map<Field>) {

@@ -361,7 +361,7 @@ TEST(Comparison, ContainerIsAskedForEqualityAfterItsWalk) {
     // Neither less nor greater, and unequal: the next field is not reached.
     expect_unordered(Record{1, {nan}, 1}, Record{1, {nan}, 2});
     expect_unordered(Record{1, {nan}, 1}, Record{1, {5}, 2});
-    // Unequal at first, but an element behind it decides.
+    // Unequal at first, but a later element decides.
     expect_less(Record{1, {nan, 3}, 9}, Record{1, {nan, 4}, 0});
     // Equal, though not the same.
     expect_less(Record{1, {0.0}, 1}, Record{1, {-0.0}, 2});

@@ -43,7 +43,7 @@ struct Shape {
     std::vector<std::string> names;        ///< arms, enumerators or fields
     std::vector<bool>        has_payload;  ///< by arm
     bool                     has_catch_all = false;
-    bool                     last_wins = false;  ///< a map that is read insert-then-read
+    bool                     last_wins = false;  ///< a map whose values are read over
 
     void (*choose)(void* variant, std::int32_t tag) = nullptr;
     void (*shrink)(void* container) = nullptr;                      ///< removes an element

@@ -1,4 +1,4 @@
-// Writes and reads random values of every type through all four archives.
+// Writes and reads random values of every type in memory and through streams.
 
 #include "tests/generic/coverage.hpp"
 #include "tests/generic/enumeration_shapes.hpp"

@@ -70,13 +70,13 @@ void expect_arms(std::span<ArmRow const> rows, std::string_view unknown) {
     }
 }
 
-/// Tags that no arm has are bare.
+/// Unset and unknown tags have no payload.
 template <class Variant, std::size_t Count>
 void expect_arms(ArmRow const (&rows)[Count]) {
     expect_arms<Variant>(rows, "");
 }
 
-/// Tags that no arm has stand before the last arm's payload.
+/// Unset and unknown tags have the payload of the last arm, which is a catch-all arm.
 template <class Variant, std::size_t Count>
 void expect_arms_with_catch_all(ArmRow const (&rows)[Count]) {
     expect_arms<Variant>(rows, rows[Count - 1].payload);

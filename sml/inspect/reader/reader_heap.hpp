@@ -114,7 +114,7 @@ private:
         return bytes == 0 ? 0 : bytes + bytes / rests_share + 16;
     }
 
-    /// The most bytes for which `with_rests` is not above a limit.
+    /// The inverse of `with_rests`: the most bytes for which that is not above a limit.
     static constexpr std::uint64_t without_rests(std::uint64_t limit) {
         std::uint64_t bytes = limit - limit / (rests_share + 1);
         while (bytes > 0 && with_rests(bytes) > limit) --bytes;

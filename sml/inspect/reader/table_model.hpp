@@ -95,8 +95,8 @@ inline Compared compared_in_table(Hashes const& added) {
     return all;
 }
 
-/// The comparisons for keys that are added, and for repeated keys. Each of these is taken to be
-/// compared with the most keys that one bucket ever held.
+/// The comparisons for keys that are added, and for `found` repeated ones. Each repeated key is
+/// taken to be compared with as many keys as any bucket ever held.
 inline std::uint64_t comparisons_of(Hashes const& added, std::uint64_t found) {
     Compared const all = compared_in_table(added);
     return all.comparisons + found * all.longest;

@@ -32,7 +32,7 @@ public:
         return false;
     }
 
-    /// The length in bytes of the longest start of the given path that led to a part.
+    /// The length in bytes of the longest prefix of the given path that led to a part.
     std::size_t reached() const { return reached_; }
 
 private:

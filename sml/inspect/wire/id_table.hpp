@@ -1,6 +1,5 @@
 #pragma once
-// The string ids that are out of sequence, each with a number that the user of this table gives it,
-// or with none.
+// The string ids that are out of sequence. An id may have a number, whose meaning is the caller's.
 
 #include <sml/inspect/wire/hashing.hpp>
 

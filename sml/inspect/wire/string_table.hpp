@@ -49,7 +49,7 @@ public:
     std::uint64_t comparisons() const noexcept { return comparisons_; }
 
     struct Added {
-        bool in_sequence;  ///< the id is the next one
+        bool in_sequence;  ///< the id is the number of definitions, this one included
         bool text_is_new;
         /// The id came in turn: it and all ids before it are in sequence, and no id was referred to
         /// before its definition. Their texts are the first entries, in the order of the ids.
@@ -61,7 +61,7 @@ public:
     /// bytes.
     Added add(std::int32_t id, std::uint64_t length_offset);
 
-    /// Whether a word is a back-reference to one of the ids that came in turn, which need no
+    /// Whether a word is a back-reference to an id that came in turn (see `Added`), which needs no
     /// lookup.
     bool is_in_sequence(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
 

@@ -33,7 +33,7 @@ TEST(SourceLocRef, ReferencesToOneFileShareItsFirstSight) {
                  "05000000  06000000 01000000 07000000  0800000000000000");
 }
 
-// Required: the kind is unsigned and everything behind it signed.
+// Required: the kind is unsigned and everything after it signed.
 TEST(SourceLocRef, KindWithTopBitSetIsGreatest) {
     order::expect_less(T_SourceLocRef{1, {}, 0}, T_SourceLocRef{0xFFFFFFFF, {}, 0});
     order::expect_less(T_SourceLocRef{0x7FFFFFFF, {}, 0}, T_SourceLocRef{0x80000000, {}, 0});

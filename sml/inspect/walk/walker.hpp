@@ -281,7 +281,8 @@ private:
         }
     }
 
-    /// Whether a tag has an arm without payload, and the limit of depth allows this variant.
+    /// Whether this tag is that of an arm without payload, and the limit of depth allows one more
+    /// variant here.
     bool is_bare(Type const& type, std::uint32_t tag) const {
         return tag < type.arms.size() && type.arms[tag].payload == nullptr && may_nest();
     }

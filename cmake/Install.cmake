@@ -6,9 +6,9 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/bradep_cxx_interface)
 
 # Each library is a component with its own targets file, so that finding one component does not
 # require the dependencies of the other.
-install(TARGETS bradep_cxx_interface EXPORT carrier FILE_SET HEADERS)
+install(TARGETS bradep_cxx_interface EXPORT serialisation FILE_SET HEADERS)
 install(TARGETS bradep_inspect EXPORT inspect FILE_SET HEADERS)
-foreach(component IN ITEMS carrier inspect)
+foreach(component IN ITEMS serialisation inspect)
     install(EXPORT ${component}
         NAMESPACE bradep_cxx_interface::
         FILE ${component}-targets.cmake

@@ -237,7 +237,7 @@ private:
             compare_payloads(type + "." + was[tag].name, was[tag].type, found->type);
         }
         if (!moved.empty()) add_change(type, news(noun, was, is) + "tags move: " + moved);
-        compare_rest(type, was, is, has_catch_all(old), has_catch_all(now));
+        compare_catch_all(type, was, is, has_catch_all(old), has_catch_all(now));
     }
 
     // The names that are new, which can be why the tags of others have changed.
@@ -256,8 +256,8 @@ private:
         if (now != nullptr) add_change(where, "has a payload now");
     }
 
-    void compare_rest(std::string const& type, std::vector<Named> const& was,
-                      std::vector<Named> const& is, bool took, bool takes) {
+    void compare_catch_all(std::string const& type, std::vector<Named> const& was,
+                           std::vector<Named> const& is, bool took, bool takes) {
         auto const taker = [](std::vector<Named> const& arms, bool does) {
             return does ? arms.back().name : std::string("none");
         };

@@ -80,7 +80,7 @@ struct Arms {
         std::array<std::string_view, sizeof...(A)> const all{A::name()...};
         return std::ranges::is_sorted(all, std::ranges::less_equal{}) || all.size() == 1;
     }
-    static consteval bool only_last_takes_rest() {
+    static consteval bool only_last_is_catch_all() {
         std::int32_t const taking = (0 + ... + (A::has_catch_all ? 1 : 0));
         return taking == (has_catch_all ? 1 : 0);
     }
@@ -91,7 +91,7 @@ struct Arms {
 template <class Arms>
 struct WellFormed {
     static_assert(Arms::names_ascend(), "arms stand in ascending byte order of their names");
-    static_assert(Arms::only_last_takes_rest(), "only the last arm can take the remaining tags");
+    static_assert(Arms::only_last_is_catch_all(), "only the last arm can be a catch-all arm");
     static constexpr bool value = true;
 };
 

@@ -185,7 +185,7 @@ TEST(SetLimits, TextsLongerThanTheWireHoldsAreRefused) {
 TEST(SetLimits, MoreEntriesThanTheWireHoldsAreRefused) {
     auto const refusal = [](std::string const& place, std::size_t found) {
         return "log:/runs/0/results/" + place +
-               ": a result set has no room for this many entries of a table: " +
+               ": a result set has no room for this many entries of a map: " +
                std::to_string(found) + ", only for " + std::to_string(found - 1);
     };
     auto const checks = log_with(repeated(10, "{}"));

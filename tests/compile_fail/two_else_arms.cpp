@@ -1,4 +1,4 @@
-// error: only the last arm can take the remaining tags
+// error: only the last arm can be a catch-all arm
 
 #include <sml/core/define.hpp>
 

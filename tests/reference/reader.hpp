@@ -175,8 +175,8 @@ public:
     void operator()(T& variant) {
         std::int32_t tag{};
         (*this)(tag);
-        bool const has_rest_arm_unbuilt = tag == -1 && T::arms::has_catch_all;
-        if (tag != variant.tag || has_rest_arm_unbuilt) variant.choose_tag(tag);
+        bool const has_unbuilt_catch_all = tag == -1 && T::arms::has_catch_all;
+        if (tag != variant.tag || has_unbuilt_catch_all) variant.choose_tag(tag);
         variant.visit_payload([this]<class Payload>(Payload const& payload) {
             (*this)(const_cast<Payload&>(payload));
         });

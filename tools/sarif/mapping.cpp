@@ -135,7 +135,7 @@ void refuse_more(std::size_t found, std::size_t most, char const* what) {
 void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
                 SetLimits const& limits) {
     refuse_more(LongestText(result).bytes(), limits.text_bytes, "a text of this many bytes:");
-    refuse_more(most_entries(result, set), limits.entries, "this many entries of a table:");
+    refuse_more(most_entries(result, set), limits.entries, "this many entries of a map:");
     Filling const filling{set, comparisons};
     auto&         tables = set.application_results;
     auto const    uri = result.locations.empty() ? Text() : uri_of(result.locations.front());

@@ -16,7 +16,7 @@ from mutation.mutant_list import ROOT, Mutant, by_file, read
 from mutation.results import Results, shown
 from mutation.schemata import HEADER, HEADER_TEXT, Change, Schema
 from mutation.source_copy import WORK, SourceCopy
-from mutation.tests import Test, Tests, run_test
+from mutation.tests import Test, Tests, alone, run_test
 
 LEAST_TIMEOUT = 60  # seconds
 TIMES_AS_LONG = 10  # as without a mutant
@@ -53,7 +53,10 @@ class Judge:
         outcome = run_test(test, timeout, self.options.memory, settings)
         if outcome.how and outcome.how != "does not end":
             # Twice: a test that depends on the time or the machine is nobody's killer.
-            outcome = run_test(test, timeout, self.options.memory, settings)
+            again = alone(test, outcome.failure)
+            outcome = run_test(again, timeout, self.options.memory, settings)
+            if not outcome.how:  # it may need those before it
+                outcome = run_test(test, timeout, self.options.memory, settings)
         if not outcome.how:
             return None
         return {"status": "killed", "program": test.name, "test": outcome.failure,

@@ -1,6 +1,7 @@
 """The tests of a copy, and what happens when one is run."""
 
 import contextlib
+import dataclasses
 import os
 import re
 import signal
@@ -8,7 +9,6 @@ import subprocess
 import tempfile
 import time
 from collections.abc import Mapping
-from dataclasses import dataclass
 from pathlib import Path
 
 from mutation.source_copy import SourceCopy
@@ -17,7 +17,7 @@ from mutation.source_copy import SourceCopy
 TEST_SETTINGS = {"BRADEP_SEED": "1", "GTEST_FAIL_FAST": "1"}
 
 
-@dataclass(frozen=True)
+@dataclasses.dataclass(frozen=True)
 class Test:
     name: str
     command: tuple[str, ...]
@@ -26,11 +26,18 @@ class Test:
     settings: tuple[str, ...] = ()
 
 
-@dataclass(frozen=True)
+@dataclasses.dataclass(frozen=True)
 class Outcome:
     seconds: float
     failure: str = ""  # the first test that fails, empty where all pass
     how: str = ""
+
+
+def alone(test: Test, failure: str) -> Test:
+    """That test of a program which failed."""
+    if failure == test.name:
+        return test
+    return dataclasses.replace(test, command=(*test.command, f"--gtest_filter={failure}"))
 
 
 class Tests:

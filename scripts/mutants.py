@@ -21,9 +21,9 @@ build/mutants/src; and so is a mutant that its tests never reach in the one buil
 preset dev. Tests must pass without a mutant, which is tried first; a failure counts when it comes
 twice.
 
-The results stand in build/mutants/results.json, so that a run can be ended and taken up again at any
-time. They hold for a mutant and the code of the file that it changes: either of them edited, it runs
-anew; comments and white space are no code. Exit code 1: the list has mistakes, a mutant survives
+The results stand in build/mutants/results.json, so that a run can be ended and taken up again at
+any time. They hold for a mutant and the code of the file that it changes: either of them edited, it
+runs anew; comments and white space are no code. Exit code 1: the list has mistakes, a mutant survives
 that need not, or one is killed that is said to survive.
 """
 

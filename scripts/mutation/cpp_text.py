@@ -17,6 +17,7 @@ NO_CODE = re.compile(
     r"|(?<=\bu8)'(?:\\.|[^'\\\n])+'",
     re.DOTALL)
 DIRECTIVE = re.compile(r"^[ \t]*#(?:\\\n|[^\n])*", re.MULTILINE)
+COLON = re.compile(r"(?<!:):(?!:)")
 CLOSING = {"(": ")", "[": "]", "{": "}"}
 
 
@@ -147,7 +148,7 @@ class Source:
         if word in ("if", "while", "for", "switch"):
             return self._governing(at, word)
         if word in ("case", "default"):
-            return Statement(Span(at, re.compile(r"(?<!:):(?!:)").search(self.mask, at).end()), word)
+            return Statement(Span(at, COLON.search(self.mask, at).end()), word)
         if word in ("do", "try"):
             return self._do_or_try(at, word)
         return Statement(Span(at, self._semicolon(at) + 1), word)

@@ -59,10 +59,11 @@ constexpr bool mutant_is(int number) noexcept {
 """
 
 NO_DECLARATION = ("return", "throw", "delete", "new", "goto", "co_return", "co_yield", "co_await",
-                  "else", "using", "break", "continue", "case", "default", "{", "if", "for", "while",
-                  "switch", "do", "try", "if constexpr")
+                  "else", "using", "break", "continue", "case", "default", "if", "for", "while",
+                  "switch", "do", "try")
 DECLARATION = re.compile(
-    r"(?:[\w:]+(?:<.*>)?(?:::\w+)*[\s&*]+)+(?:\w+|\[[\w\s,]*\])\s*(?:\[.*?\]\s*)*(?:=(?!=)|;|\{|\(|:(?!:)|$)",
+    r"(?:[\w:]+(?:<.*>)?(?:::\w+)*[\s&*]+)+"  # the type
+    r"(?:\w+|\[[\w\s,]*\])\s*(?:\[.*?\]\s*)*(?:=(?!=)|;|\{|\(|:(?!:)|$)",
     re.DOTALL)
 NO_INITIALIZER = re.compile(
     r"\b(?:class|struct|union|enum|namespace|extern|template|concept|using)\b")

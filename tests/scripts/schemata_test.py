@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Tests scripts/mutation: where a mutant goes in a source text, and that the program made of it does
-what the mutant says, and only where it is chosen.
+"""Tests scripts/mutation: where a mutant goes in a source text, and that the program made of it
+does what the mutant says, and only where it is chosen.
 
     schemata_test.py SCRIPTS COMPILER
 """

@@ -1,4 +1,4 @@
-"""A copy of the sources below build/ that a script changes, builds and keeps for the next time."""
+"""Copies of the sources below build/ that a script changes, builds and keeps for the next time."""
 
 import contextlib
 import fcntl
@@ -11,7 +11,6 @@ from pathlib import Path
 from types import MappingProxyType
 
 ROOT = Path(__file__).resolve().parent.parent
-
 
 # What .gitignore names, and the repository, which need not be there.
 NO_SOURCES = {ROOT / ".git", ROOT / "build", ROOT / "results"}
@@ -27,50 +26,52 @@ def source_files() -> list[str]:
     return sorted(path.relative_to(ROOT).as_posix() for path in found)
 
 
-class SourceCopy:
-    """`sources` is the copy, `build` the build of its preset dev, `folder` has room for more."""
+@contextlib.contextmanager
+def alone(folder: Path) -> Iterator[None]:
+    """Two runs would change one another's copies in the folder. Ends the program where there is
+    another."""
+    folder.mkdir(parents=True, exist_ok=True)
+    with open(folder / "lock", "w", encoding="utf-8") as lock:
+        try:
+            fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except BlockingIOError:
+            sys.exit(f"another run is using {folder}")
+        yield
 
-    def __init__(self, name: str) -> None:
-        self.folder = ROOT / "build" / name
-        self.sources = self.folder / "src"
+
+class SourceCopy:
+    """`folder` is the copy, `build_folder` the build of its preset dev."""
+
+    def __init__(self, folder: Path) -> None:
+        self.folder = folder
         # Where the preset has it: the compiler cache knows what another build of the sources has
         # made.
-        self.build = self.sources / "build/dev"
-
-    @contextlib.contextmanager
-    def alone(self) -> Iterator[None]:
-        """Two runs would change one another's copy. Ends the program where there is another."""
-        self.folder.mkdir(parents=True, exist_ok=True)
-        with open(self.folder / "lock", "w", encoding="utf-8") as lock:
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-            except BlockingIOError:
-                sys.exit(f"another run is using {self.sources}")
-            yield
+        self.build_folder = folder / "build/dev"
 
     def update(self, changed: Mapping[str, str] = MappingProxyType({})) -> None:
-        """Makes the copy what the sources are, but for the texts of the files that are changed;
-        what is so already keeps its time."""
-        wanted = set(source_files())
-        for name in wanted:
-            source, target = ROOT / name, self.sources / name
-            content = changed[name].encode() if name in changed else source.read_bytes()
+        """Makes the copy what the sources are, with other texts for some files, which may be new.
+        What is so already keeps its time."""
+        wanted = {name: (ROOT / name).read_bytes() for name in source_files()}
+        wanted |= {name: text.encode() for name, text in changed.items()}
+        for name, content in wanted.items():
+            target = self.folder / name
             if target.is_file() and target.read_bytes() == content:
                 continue
             target.parent.mkdir(parents=True, exist_ok=True)
             target.write_bytes(content)
-            shutil.copymode(source, target)
-        for path in self.sources.rglob("*"):
-            name = path.relative_to(self.sources).as_posix()
+            if (ROOT / name).is_file():
+                shutil.copymode(ROOT / name, target)
+        for path in self.folder.rglob("*"):
+            name = path.relative_to(self.folder).as_posix()
             if path.is_file() and name not in wanted and not name.startswith("build/"):
                 path.unlink()
 
     def configure(self, *options: str) -> None:
-        if (self.build / "build.ninja").is_file():
+        if (self.build_folder / "build.ninja").is_file():
             return
         settings = dict(os.environ)
         if shutil.which("ccache"):
             settings.setdefault("CMAKE_CXX_COMPILER_LAUNCHER", "ccache")
             settings.setdefault("CMAKE_C_COMPILER_LAUNCHER", "ccache")
-        subprocess.run(["cmake", "--preset", "dev", *options], cwd=self.sources, env=settings,
+        subprocess.run(["cmake", "--preset", "dev", *options], cwd=self.folder, env=settings,
                        check=True, stdout=subprocess.DEVNULL)

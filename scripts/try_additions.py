@@ -29,11 +29,12 @@ import time
 from collections.abc import Iterator
 from pathlib import Path
 
-from source_copy import ROOT, SourceCopy
+from source_copy import ROOT, SourceCopy, alone
 
-COPY = SourceCopy("additions")
-EXPORTS = COPY.sources / "tests/exports/exports.txt"
-GOLDENS = COPY.sources / "tests/golden/files"
+WORK = ROOT / "build/additions"
+COPY = SourceCopy(WORK / "src")
+EXPORTS = COPY.folder / "tests/exports/exports.txt"
+GOLDENS = COPY.folder / "tests/golden/files"
 DIGESTS = "digests.txt"
 
 
@@ -237,7 +238,7 @@ def edited(edits: list[Edit]) -> dict[str, str]:
 
 def run(command: list[str], stdin: str | None = None) -> str:
     """What a command that must succeed prints."""
-    done = subprocess.run(command, cwd=COPY.sources, input=stdin, capture_output=True, text=True,
+    done = subprocess.run(command, cwd=COPY.folder, input=stdin, capture_output=True, text=True,
                           errors="replace")
     if done.returncode != 0:
         sys.exit(f"{shlex.join(command)} ends with {done.returncode}:\n{done.stdout}{done.stderr}")
@@ -251,7 +252,7 @@ def build(jobs: int) -> None:
 def output_of_failing(test: str) -> str:
     command = ["ctest", "--preset", "dev", "--no-tests=error", "--tests-regex",
                f"^{re.escape(test)}$"]
-    done = subprocess.run(command, cwd=COPY.sources, capture_output=True, text=True,
+    done = subprocess.run(command, cwd=COPY.folder, capture_output=True, text=True,
                           errors="replace")
     if done.returncode == 0:
         sys.exit(f"{test} passes, though only the types are declared")
@@ -327,13 +328,13 @@ def mend() -> None:
 def run_suite(jobs: int) -> None:
     build(jobs)
     command = ["ctest", "--preset", "dev", "--parallel", str(jobs)]
-    done = subprocess.run(command, cwd=COPY.sources)
+    done = subprocess.run(command, cwd=COPY.folder)
     check(done.returncode == 0, "the suite does not pass with the additions")
 
 
 def try_command() -> None:
-    bradep = str(COPY.build / "tools/bradep")
-    bytes_file = str(COPY.folder / "value.bin")
+    bradep = str(COPY.build_folder / "tools/bradep")
+    bytes_file = str(WORK / "value.bin")
     roots = {root["stem"] for root in json.loads(run([bradep, "schema"]))["roots"]}
     check(NEW_ROOT in roots, f"bradep schema does not list {NEW_ROOT}")
     for stem, value in VALUES.items():
@@ -349,7 +350,7 @@ def main() -> None:
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="at once")
     jobs = parser.parse_args().jobs
-    with COPY.alone():
+    with alone(WORK):
         with stage("declare a record, an arm and a root, and build"):
             declare(jobs)
         with stage("do what the failing tests say"):

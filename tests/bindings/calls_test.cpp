@@ -96,6 +96,14 @@ TEST(SharedResult, GivesBackTheMemoryOfALargeOne) {
     for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
 }
 
+TEST(SharedResult, OfFewBytesKeepsNoMemoryOfALargerOne) {
+    std::size_t const large = 8'000'000;
+    StringSets        sets;
+    sets[Strings_T(std::string(large, 'x'))];
+    EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), large);
+    for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
+}
+
 TEST(SharedResult, MayBeReadWhereItStands) {
     T_Function read;
     Interrogators_Function_toCxx(

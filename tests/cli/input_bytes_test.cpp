@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <stdexcept>
+#include <streambuf>
 #include <thread>
 
 namespace {
@@ -46,6 +48,16 @@ TEST(InputBytes, AreTheWholeFileOfAnySize) {
         EXPECT_EQ(read_of(scratch / "in"), numbered_bytes(size)) << size;
         EXPECT_EQ(read_of("-", default_max_size, numbered_bytes(size)), numbered_bytes(size));
     }
+}
+
+class Broken : public std::streambuf {
+    int_type underflow() override { throw std::runtime_error("broken"); }
+};
+
+TEST(InputBytes, AStandardInputThatFailsIsNoEnd) {
+    Broken       buffer;
+    std::istream in(&buffer);
+    EXPECT_THROW(InputBytes("-", default_max_size, in), bradep::IoFailure);
 }
 
 TEST(InputBytes, AFileWithoutASizeOfItsOwnIsRead) {

@@ -360,6 +360,16 @@ TEST(DumpCommand, TakesTheNumberOfAnEntryForItsKey) {
     EXPECT_EQ(lines.out, "\"z\"\n\"a\"\n");
 }
 
+TEST(DumpCommand, AKeyInAPathMayHaveQuotesAndBrackets) {
+    auto const bytes = hex::bytes("01 00 00 00  FF FF FF FF 03 00 00 00 'a\"]'  00 00 00 00");
+    auto const selected =
+        run_command({"dump", "--root", sets, "--select", R"(["a\"]"])", "-"}, bytes);
+    EXPECT_EQ(
+        selected.out,
+        "{\"root\":\"String_To_StringSet_T\",\"path\":\"[\\\"a\\\\\\\"]\\\"]\",\"value\":[]}\n")
+        << selected.err;
+}
+
 TEST(DumpCommand, AnIndexIsAKeyWhereKeysAreNumbers) {
     std::string const stem = "Base_Gui_Internal_Form_Datas_InfoId_To_Info_Definition_Table_T";
     std::string const json = R"({"root":")" + stem + R"(","value":[]})";
@@ -501,6 +511,12 @@ TEST(EncodeCommand, DepthIsLimited) {
     std::string const json = json_of(two_sets());
     EXPECT_EQ(run_command({"encode", "--max-depth", "2", "-", "-o", "-"}, json).code, 0);
     EXPECT_EQ(run_command({"encode", "--max-depth", "1", "-", "-o", "-"}, json).code, 1);
+}
+
+TEST(EncodeCommand, HeapOfAReaderIsLimited) {
+    std::string const json = json_of(two_sets());
+    EXPECT_EQ(run_command({"encode", "--max-memory", "1M", "-", "-o", "-"}, json).code, 0);
+    EXPECT_EQ(run_command({"encode", "--max-memory", "100", "-", "-o", "-"}, json).code, 1);
 }
 
 TEST(EncodeCommand, TroubleIsCodeTwo) {
@@ -906,7 +922,8 @@ TEST(Limits, WorkBeyondTheLimitIsUnsafe) {
     EXPECT_EQ(verified("1000000000").code, 0);
     auto const refused = verified("1000000");
     EXPECT_EQ(refused.code, 1);
-    EXPECT_TRUE(contains(refused.err, "at most 1000000 comparisons of keys by a reader")) << refused.err;
+    EXPECT_TRUE(contains(refused.err, "at most 1000000 comparisons of keys by a reader"))
+        << refused.err;
     EXPECT_TRUE(contains(refused.out, "unsafe")) << refused.out;
 }
 

@@ -1,15 +1,43 @@
 #include "limited_output.hpp"
 
 #include "errors.hpp"
+#include "noting_output.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <streambuf>
 
 namespace {
 
 using bradep::LimitedOutput;
+using bradep::NotingOutput;
+
+/// Fails with one error, then with another one.
+class FailsTwice : public std::streambuf {
+    std::streamsize xsputn(char const*, std::streamsize) override {
+        errno = errno_;
+        errno_ = EIO;
+        return 0;
+    }
+
+    int errno_ = ENOSPC;
+};
+
+TEST(NotingOutput, KeepsTheErrorOfTheFirstFailure) {
+    FailsTwice   buffer;
+    std::ostream out(&buffer);
+    NotingOutput noting(out);
+    for (int i = 0; i < 2; ++i) {
+        noting.stream() << "text";
+        EXPECT_TRUE(noting.stream().bad());
+        EXPECT_EQ(noting.error(), ENOSPC);
+        out.clear();
+        noting.stream().clear();
+    }
+}
 
 TEST(LimitedOutput, HandsOnWhatFits) {
     std::ostringstream out;

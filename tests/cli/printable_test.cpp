@@ -5,9 +5,21 @@
 
 namespace {
 
+using sml::inspect::byte_text;
 using sml::inspect::printable;
+using sml::inspect::quoted;
 using sml::inspect::StrayByte;
 using namespace std::string_literals;
+
+TEST(Quoted, TextOfTheLongestLengthIsWhole) {
+    EXPECT_EQ(quoted("abc", 3), "\"abc\"");
+    EXPECT_EQ(quoted("abcd", 3), "\"abc\"... (4 bytes)");
+}
+
+TEST(ByteText, IsACharacterWherePrintable) {
+    EXPECT_EQ(byte_text('~'), "'~'");
+    EXPECT_EQ(byte_text('\x7F'), "0x7F");
+}
 
 TEST(Printable, TextStays) {
     EXPECT_EQ(printable("größe 文件 😀 \"a\\b\""), "größe 文件 😀 \"a\\b\"");

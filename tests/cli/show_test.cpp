@@ -60,6 +60,17 @@ TEST(ShowNative, JsonHasTheKeyAndTheCategoryAsDumpHasIt) {
                                                   ovfl(R"(["b.c",2])", "true"));
 }
 
+TEST(ShowNative, ThoseOfOneFileStandInTheOrderOfTheirNumbers) {
+    ResultSet set;
+    for (std::int32_t ordinal = 30; ordinal > 0; --ordinal) add_overflow(set, "a.c", ordinal, true);
+    auto const  shown = run_command({"show", "--json", "-"}, bytes_of_set(set));
+    std::size_t at = 0;
+    for (int ordinal = 1; ordinal <= 30; ++ordinal) {
+        at = shown.out.find(R"({"key":["a.c",)" + std::to_string(ordinal) + "]", at);
+        ASSERT_NE(at, std::string::npos) << ordinal << "\n" << shown.out;
+    }
+}
+
 TEST(ShowNative, TextHasALineForEach) {
     auto const shown = run_command({"show", "-"}, bytes_of_set(native_set()));
     EXPECT_EQ(shown.code, 0);

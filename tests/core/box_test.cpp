@@ -51,6 +51,16 @@ TEST(Box, MoveTakesTheObject) {
     EXPECT_FALSE(static_cast<bool>(source));
 }
 
+TEST(Box, MoveAssignmentLeavesNoObjectBehind) {
+    int const    alive = Counted::alive;
+    Box<Counted> source(Counted(4));
+    Box<Counted> target;
+    target = std::move(source);
+    EXPECT_EQ(target->number, 4);
+    EXPECT_FALSE(static_cast<bool>(source));
+    EXPECT_EQ(Counted::alive, alive + 1);
+}
+
 TEST(Box, MovedFromOneMayBeCopiedAndAssigned) {
     Box<Counted>       source(Counted(4));
     Box<Counted> const target(std::move(source));

@@ -318,6 +318,21 @@ TEST(Comparison, HashedTableOfArmsWithoutPayloadIsLessThanItself) {
     expect_unordered(protections, others);
 }
 
+/// Takes numbers with one last digit for equal, which `<` does not.
+struct LastDigit {
+    std::size_t operator()(int32 number) const { return static_cast<std::size_t>(number % 10); }
+    bool        operator()(int32 a, int32 b) const { return a % 10 == b % 10; }
+};
+
+TEST(Comparison, EqualElementsOfAHashedSetDecideInTheLeftSetsOrder) {
+    using Set = std::unordered_set<int32, LastDigit, LastDigit>;
+    Set const   a{11, 12};
+    int32 const first = *a.begin();
+    int32 const last = 23 - first;
+    EXPECT_TRUE(Comparison::less(a, Set{first + 10, last - 10}));
+    EXPECT_FALSE(Comparison::less(a, Set{first - 10, last + 10}));
+}
+
 TEST(Comparison, BoxComparesWhatItHolds) {
     using Box = sml::core::Box<int32>;
     expect_less(Box(1), Box(2));

@@ -122,6 +122,17 @@ TEST(Double, BlockOfLengthMinusOneOnAStreamThrows) {
     EXPECT_EQ(value, 2.5);
 }
 
+TEST(Double, BlockOfLengthMinusOneInBytesThrows) {
+    double value = 2.5;
+    try {
+        wire::read_over(value, hex::bytes("FF FF FF FF"));
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (std::logic_error const& error) {
+        EXPECT_STREQ(error.what(), "basic_string::_M_construct null not valid");
+    }
+    EXPECT_EQ(value, 2.5);
+}
+
 TEST(Double, FailureLeavesTheValueAndWhatCameBefore) {
     std::pair<double, double> value(7, 8);
     EXPECT_THROW(wire::read_over(value, block("1.5") + block("x")), std::invalid_argument);

@@ -258,6 +258,7 @@ TEST(FloatDeathTest, ReadingAnUnlistedWidthAborts) {
     EXPECT_EXIT(read(7, "0X1P+0"), testing::KilledBySignal(SIGABRT), "assertion failed");
     EXPECT_EXIT(read(0, "0X1P+0"), testing::KilledBySignal(SIGABRT), "assertion failed");
     EXPECT_EXIT(read(0xffffffff, "0X1P+0"), testing::KilledBySignal(SIGABRT), "assertion failed");
+    EXPECT_EXIT(read(0x10040, "0X1P+0"), testing::KilledBySignal(SIGABRT), "assertion failed");
 }
 
 TEST(Float, ConstructionLeavesTheRangeOf64Bits) {
@@ -308,6 +309,29 @@ TEST(Float, EveryUseLeavesTheRangeOfItsWidth) {
         sml::core::read_from_stream(value, stream);
         EXPECT_EQ(range(), expected);
     }
+}
+
+/// The exponent range at each block that arrives.
+class RangeWatcher : public std::stringbuf {
+public:
+    std::list<Range> seen;
+
+private:
+    std::streamsize xsputn(char const* bytes, std::streamsize size) override {
+        seen.push_back(range());
+        return std::stringbuf::xsputn(bytes, size);
+    }
+};
+
+TEST(Float, IsSeenByAStreamThatIsFlushedAfterEachItemWithTheRangeOfItsWidth) {
+    RangeWatcher buffer;
+    std::ostream stream(&buffer);
+    stream << std::unitbuf;
+    std::pair<IEEE754Float, std::int32_t> const value(make(32, "1.8"), 7);
+    disturb_range();
+    sml::core::write_to_stream(value, stream);
+    // The length, the text and the width of the float, and the number.
+    EXPECT_EQ(buffer.seen, std::list<Range>(4, Range(-148, 128)));
 }
 
 TEST(Float, ComparisonLeavesTheRange) {

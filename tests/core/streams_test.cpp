@@ -389,6 +389,13 @@ TEST(StreamReader, FlagsAndWordsShareOneScratchWord) {
               std::tuple(0x100, true, 0x154));
 }
 
+TEST(StreamReader, WordThatFailsBehindAFloatIsItsWidth) {
+    EXPECT_EQ(
+        (read_short<std::pair<zelvanite::IEEE754Float, int32>>("06 00 00 00 '0X1P+0'  20 00 00 00"))
+            .second,
+        32);
+}
+
 TEST(StreamReader, StringThatEndsEarlyKeepsBlanks) {
     EXPECT_EQ(read_short<Strings_T>("FF FF FF FF  05 00 00 00 'ab'").str(), "ab   ");
     EXPECT_EQ(read_short<std::string>("04 00 00 00 'a'"), "a   ");

@@ -129,6 +129,14 @@ TEST(Canonical, MoreThan256TextsAreStillSortedByText) {
     EXPECT_TRUE(canonical<std::unordered_set<Strings_T>>(given) == in_order());
 }
 
+/// Bytes go out in pieces of 64 KiB.
+TEST(Canonical, TextAsLongAsAPieceIsWhole) {
+    for (std::size_t const length : {65'535, 65'536, 65'537}) {
+        std::string const whole = word(1) + in_full(1, std::string(length, 'x')) + word(7);
+        EXPECT_TRUE(canonical<Numbers>(whole) == whole) << length;
+    }
+}
+
 TEST(Canonical, EntriesWithOneKeyAreSortedByTheirValue) {
     expect_canonical<Numbers>(word(2) + in_full(1, "a") + word(2) + word(1) + word(1),
                               word(2) + in_full(1, "a") + word(1) + word(1) + word(2));

@@ -408,6 +408,7 @@ TEST(Select, HowFarThePathLedIsReported) {
     EXPECT_EQ(reached(R"([("a.c",3)][7].Marker)"), R"([("a.c",3)])");
     EXPECT_EQ(reached(R"([("a.c",3)][0].Assert)"), R"([("a.c",3)][0])");
     EXPECT_EQ(reached(R"([("a.c",3)][0].Marker)"), R"([("a.c",3)][0].Marker)");
+    EXPECT_EQ(reached(R"([("a.c",3)][0].Markers)"), R"([("a.c",3)][0])");
 }
 
 TEST(Select, FlagAndFieldBehindAnOptional) {
@@ -602,6 +603,15 @@ TEST(DumpOfDamage, ChangedBytesAreJson) {
     EXPECT_GT(unsafe, 100);
 }
 
+/// It goes out in pieces.
+TEST(Dump, LongTextKeepsEachCharacterWhole) {
+    for (std::size_t const before : {0, 1, 2, 3}) {
+        std::string text(before, 'a');
+        while (text.size() < 200'000) text += "😀";
+        EXPECT_TRUE(value_of<std::string>(block(text)) == '"' + text + '"') << before;
+    }
+}
+
 TEST(DumpOfDuplicates, FirstOrLastEntryAsAReaderKeeps) {
     std::string const twice =
         word(3) + in_full(1, "a") + word(1) + in_full(2, "b") + word(5) + word(1) + word(2);
@@ -619,6 +629,19 @@ TEST(DumpOfDuplicates, LastOfThreeStays) {
         word(3) + in_full(1, "a") + word(1) + word(1) + word(2) + word(1) + word(3);
     EXPECT_EQ(value_of<Numbers>(thrice), R"([["a",1]])");
     EXPECT_EQ((value_of<sml::core::LastWinsMap<Strings_T, std::int32_t>>(thrice)), R"([["a",3]])");
+}
+
+TEST(DumpOfDuplicates, ReadOverAreCountedAndJudgedAsByVerify) {
+    Root const        root{"R", describe<sml::core::LastWinsMap<Strings_T, std::int32_t>>()};
+    std::string const twice = word(2) + in_full(1, "a") + word(1) + word(1) + word(2);
+    Shown const       shown = show(root, twice);
+    EXPECT_EQ(shown.dumped.answer, Answer::odd);
+    EXPECT_EQ(shown.dumped.odd_count, 1u);
+
+    Shown const refused = show(root, twice, {.walk = {.limits = {.work = 0}}});
+    EXPECT_EQ(refused.dumped.answer, Answer::unsafe);
+    ASSERT_FALSE(refused.dumped.findings.empty());
+    EXPECT_EQ(refused.dumped.findings.back().expected, "at most 0 comparisons of keys by a reader");
 }
 
 TEST(DumpOfDuplicates, WhateverTheSpellingOfTheKey) {

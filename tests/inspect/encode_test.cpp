@@ -5,6 +5,7 @@
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,8 @@ using sml::inspect::Root;
 using sml::inspect::verify;
 using Form = DumpOptions::Form;
 using namespace std::string_literals;
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 struct Outcome {
     Encoded     encoded;
@@ -166,6 +169,17 @@ TEST(Encode, StartsWhereTheStreamStands) {
     EXPECT_FALSE(encode(value_of(sets, R"([["a",[]]])"), out).error);
     EXPECT_EQ(hex::shown(out.str()),
               hex::shown(bytes("'head' 01 00 00 00  FF FF FF FF 01 00 00 00 'a'  00 00 00 00")));
+}
+
+TEST(Encode, GoesOnBehindACountBeyondTheOutputsBuffer) {
+    constexpr std::int32_t count = 100'000;
+    std::string            whole = word(2) + in_full(1, "a") + word(count);
+    for (std::int32_t i = 0; i < count; ++i) whole += in_full(i + 2, "text " + std::to_string(i));
+    whole += in_full(count + 2, "b") + word(1) + word(1);
+    std::ostringstream out;
+    out << "head";
+    EXPECT_FALSE(encode(json_of(*find_root(sets), whole), out).error);
+    EXPECT_TRUE(out.str() == "head" + whole);
 }
 
 TEST(EncodeSpelling, NumbersInAnyForm) {

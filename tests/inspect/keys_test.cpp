@@ -3,6 +3,7 @@
 
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/dump.hpp>
+#include <sml/inspect/keys/key_table.hpp>
 #include <sml/inspect/keys/keys.hpp>
 #include <sml/schema/Checks.hpp>
 #include "tests/wire.hpp"
@@ -132,14 +133,14 @@ TEST(Keys, HashedOnesAreDistinguished) {
 
 /// Expects that the walk computes the same hash of a key as a reader's hash table. The estimate of
 /// comparisons depends on it.
-template <class Key>
+template <class Key, class Set = std::unordered_set<Key>>
 void expect_hash(Key const& key) {
     std::string const bytes = wire::write(key);
     Budget            budget(Limits().own_memory);
     StringTable       strings(bytes, &budget);
     auto const        hash = Keys(bytes, strings, budget).readers_hash(*describe<Key>(), 0);
     EXPECT_FALSE(hash.equals_none);
-    EXPECT_EQ(hash.hash, std::unordered_set<Key>().hash_function()(key)) << hex::shown(bytes);
+    EXPECT_EQ(hash.hash, Set().hash_function()(key)) << hex::shown(bytes);
 }
 
 TEST(Keys, HashesOfReadersAreKnown) {
@@ -151,6 +152,58 @@ TEST(Keys, HashesOfReadersAreKnown) {
     expect_hash(Enum(1));
     expect_hash(std::string());
     expect_hash(std::string("a text of more than one word"));
+    using sml::BigInteger;
+    for (BigInteger const& number : {BigInteger(0), BigInteger(-255), BigInteger(1) << 64})
+        expect_hash<BigInteger, sml::core::HashedSet<BigInteger>>(number);
+}
+
+TEST(Keys, FindingsStandInTheOrderOfTheirPlaces) {
+    Root const    root{"Map", describe<std::map<std::int32_t, Enum>>()};
+    Verdict const verdict =
+        verify(root, hex::bytes("02 00 00 00  07 00 00 00 00 00 00 00  07 00 00 00 77 00 00 00"));
+    ASSERT_EQ(verdict.findings.size(), 2u);
+    EXPECT_EQ(verdict.findings[0].offset, 12u);  // the key, which is judged behind its value
+    EXPECT_EQ(verdict.findings[1].offset, 16u);
+}
+
+TEST(KeyTable, KeysOfOneHashAreTwo) {
+    std::string const bytes = wire::write(std::list<std::int32_t>{5, 6, 5});
+    Budget            budget(Limits().own_memory);
+    StringTable       strings(bytes, &budget);
+    Keys const        keys(bytes, strings, budget);
+    Type const&       type = *describe<std::int32_t>();
+    KeyTable          table(&budget);
+    table.open(3);
+    EXPECT_TRUE(table.add(keys, type, 4, 7));
+    EXPECT_TRUE(table.add(keys, type, 8, 7));
+    EXPECT_EQ(table.comparisons(), 1u);
+    EXPECT_FALSE(table.add(keys, type, 12, 7));
+}
+
+/// A number whose hash as a key is so like that of `number` that both are compared in a table of
+/// two keys. The hashes have a random seed.
+std::int32_t colliding_with(std::int32_t number) {
+    auto const place = [](std::int32_t key) {
+        std::string const bytes = wire::write(key);
+        Budget            budget(Limits().own_memory);
+        StringTable       strings(bytes, &budget);
+        auto const        hash = Keys(bytes, strings, budget).hash(*describe<std::int32_t>(), 0);
+        return std::pair(hash & 0xFFFF, first_slot(hash, slots_for(2)));
+    };
+    std::int32_t other = number + 1;
+    while (place(other) != place(number)) ++other;
+    return other;
+}
+
+TEST(Keys, AComparisonOfTwoThatDifferIsWork) {
+    Root const         root{"Set", describe<std::set<std::int32_t>>()};
+    std::int32_t const other = colliding_with(1);
+    auto const         work = [&](std::int32_t last) {
+        Verdict const verdict = verify(root, wire::write(std::list<std::int32_t>{1, last}));
+        EXPECT_EQ(verdict.answer, Answer::good);
+        return verdict.work;
+    };
+    EXPECT_EQ(work(other), work(other + 1) + 1);
 }
 
 TEST(Keys, ManyHashedOnesAreDistinguished) {

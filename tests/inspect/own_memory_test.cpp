@@ -124,6 +124,14 @@ void expect_kept_budget_of_verify(Root const& root, std::string const& bytes) {
                         }});
 }
 
+TEST(OwnMemory, CanBeUsedToTheLastByte) {
+    constexpr std::uint64_t size = 100;
+    Budget                  whole(chunk_of(size));
+    EXPECT_NO_THROW(Budget::Hold(whole, size));
+    Budget less(chunk_of(size) - 1);
+    EXPECT_THROW(Budget::Hold(less, size), BudgetExceeded);
+}
+
 TEST(OwnMemory, IsKeptByUndefinedIds) {
     std::string const bytes = undefined_ids(1'000'000);
     expect_kept_budget_of_verify(strings_root(), bytes);

@@ -127,6 +127,17 @@ TEST(ReaderHeap, OfStrings) {
             expect_close_estimate(root, strings(count, length));
 }
 
+/// All entries but one are dropped: each has its share of the buckets, and no node.
+TEST(ReaderHeap, OfOneKeyAgainAndAgain) {
+    Root const&        root = *find_root("String_To_StringSet_T");
+    std::int32_t const count = 10'000;
+    std::string        bytes = word(count) + in_full(1, "a text") + word(0);
+    for (std::int32_t i = 1; i < count; ++i) bytes += word(1) + word(0);
+    Verdict const verdict = verify(root, bytes);
+    EXPECT_GE(verdict.heap, peak_in_new_process(root, bytes));
+    EXPECT_LT(verdict.heap, 32u * count);
+}
+
 /// Each id is used in the second key of a check. A reader keeps a place for every id.
 TEST(ReaderHeap, OfUndefinedIds) {
     std::size_t const count = 30'000;

@@ -4,6 +4,7 @@
 #include <sml/core/kinds.hpp>
 #include <sml/inspect/verify.hpp>
 #include <sml/inspect/walk/walker.hpp>
+#include "tests/hash_of_16.hpp"
 #include "tests/inspect/wire_bytes.hpp"
 #include "tests/random_values.hpp"
 
@@ -249,6 +250,19 @@ std::string string_table(std::vector<std::string> const& texts) {
     for (std::size_t i = 0; i < texts.size(); ++i)
         bytes += in_full(static_cast<std::int32_t>(i + 1), texts[i]) + word(0);
     return bytes;
+}
+
+TEST(ReaderWork, TextsOfOneHashAreTwo) {
+    std::uint64_t const      wanted = HashOf16::unfinished(0x123456789abcdef0);
+    std::vector<std::string> all;
+    for (std::uint64_t const first : {1, 2}) {
+        std::uint64_t const halves[] = {first, HashOf16::second_half(first, wanted)};
+        all.emplace_back(reinterpret_cast<char const*>(halves), sizeof halves);
+    }
+    ASSERT_EQ(ReaderModel::text_hash(all[0]), ReaderModel::text_hash(all[1]));
+    Verdict const verdict = judge(*find_root("String_To_StringSet_T"), string_table(all));
+    EXPECT_EQ(verdict.answer, Answer::good);
+    EXPECT_EQ(verdict.strings, 2u);
 }
 
 TEST(ReaderWork, CountsTextsThatShareABucket) {

@@ -1,11 +1,15 @@
 #include "tests/hex.hpp"
 #include "tests/inspect/verify_c_calls.h"
+#include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 namespace {
+
+using wire_bytes::in_full;
+using wire_bytes::word;
 
 constexpr char const* sets = "String_To_StringSet_T";
 constexpr char const* parameters = "IL_Extras_VVIRZelvanitePragmasTag_PragmaParametersList";
@@ -76,6 +80,14 @@ TEST(VerifyC, EveryLimitCounts) {
     std::string const longer =
         hex::bytes("01 00 00 00  FF FF FF FF 02 00 00 00 'ab'  01 00 00 00  01 00 00 00");
     EXPECT_EQ(call(sets, longer, &enough).answer, SML_INSPECT_UNSAFE);
+}
+
+TEST(VerifyC, LimitOnWorkCounts) {
+    std::string bytes = word(100);
+    for (std::int32_t i = 1; i <= 100; ++i) bytes += in_full(i, std::to_string(i)) + word(0);
+    sml_inspect_limits const little{0, 0, 0, 0, 1, 0, nullptr};
+    EXPECT_EQ(call(sets, bytes).answer, SML_INSPECT_GOOD);
+    EXPECT_EQ(call(sets, bytes, &little).answer, SML_INSPECT_UNSAFE);
 }
 
 TEST(VerifyC, LimitOfZeroIsTheDefault) {

@@ -1,7 +1,9 @@
 #include <sml/inspect/verify.hpp>
 
 #include <sml/inspect/canonical.hpp>
+#include <sml/inspect/describe.hpp>
 #include <sml/inspect/dump.hpp>
+#include <sml/schema/BlockKind.hpp>
 #include "tests/hex.hpp"
 #include "tests/inspect/root_cases.hpp"
 #include "tests/inspect/wire_bytes.hpp"
@@ -12,21 +14,25 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <list>
 #include <map>
 #include <random>
 #include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using sml::inspect::Answer;
+using sml::inspect::describe;
 using sml::inspect::digest;
 using sml::inspect::find_root;
 using sml::inspect::Finding;
 using sml::inspect::Limits;
+using sml::inspect::Root;
 using sml::inspect::Verdict;
 using sml::inspect::verify;
 using wire_bytes::in_full;
@@ -362,13 +368,32 @@ TEST(Verify, DepthBeyondTheLimitIsUnsafe) {
     EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 1}}).answer, Answer::unsafe);
 }
 
+TEST(Verify, DepthOfATagThatStandsAloneCounts) {
+    using Kind = sml::BlockKind::T_BlockKind;
+    Root const        root{"R", describe<std::list<std::pair<std::int32_t, Kind>>>()};
+    std::string const bytes = word(1) + word(5) + word(0);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 2}}).answer, Answer::good);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 1}}).answer, Answer::unsafe);
+}
+
+TEST(Verify, DepthOfAnEmptyListCounts) {
+    using List = std::list<std::int32_t>;
+    Root const        root{"R", describe<std::list<std::pair<std::int32_t, List>>>()};
+    std::string const bytes = word(1) + word(5) + word(0);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 2}}).answer, Answer::good);
+    EXPECT_EQ(verify(root, bytes, {.limits = {.depth = 1}}).answer, Answer::unsafe);
+}
+
 TEST(Verify, HeapEstimateBeyondTheLimitIsUnsafe) {
-    std::string const bytes = hex::bytes("01 00 00 00  FF FF FF FF  01 00 00 00 'a'  00 00 00 00");
-    auto const&       root = *find_root("String_To_StringSet_T");
-    std::uint64_t const heap = verify(root, bytes).heap;
-    EXPECT_GT(heap, 0u);
-    EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap}}).answer, Answer::good);
-    EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap - 1}}).answer, Answer::unsafe);
+    auto const& root = *find_root("String_To_StringSet_T");
+    // While a long text is read it is there twice.
+    for (std::size_t const length : {1, 1000}) {
+        std::string const   bytes = word(1) + in_full(1, std::string(length, 'a')) + word(0);
+        std::uint64_t const heap = verify(root, bytes).heap;
+        EXPECT_GT(heap, 0u);
+        EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap}}).answer, Answer::good);
+        EXPECT_EQ(verify(root, bytes, {.limits = {.memory = heap - 1}}).answer, Answer::unsafe);
+    }
 }
 
 }  // namespace

@@ -8,10 +8,33 @@
 #include "tests/wire.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
+#include <new>
 #include <sstream>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace {
+
+bool pages_are_refused = false;
+
+}  // namespace
+
+/// Takes the place of the C library's for this program; what the allocator calls is another one.
+extern "C" void* mmap(void* at, std::size_t size, int protection, int flags, int file,
+                      off_t offset) noexcept {
+    if (pages_are_refused) {
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    return reinterpret_cast<void*>(::syscall(SYS_mmap, at, size, protection, flags, file, offset));
+}
 
 namespace {
 
@@ -90,6 +113,15 @@ TEST(OutOfMemory, PassesThroughTheWritersAndKeepsTheLatestResult) {
     EXPECT_GT(allocations, 5);
     EXPECT_FALSE(result == latest);
     for (auto const& entry : Strings_T::fAllStrings) EXPECT_GT(entry.count, 0u);
+}
+
+TEST(OutOfMemory, OfPagesForALargeTextIsThrown) {
+    std::unordered_map<Strings_T, std::unordered_set<Strings_T>> sets;
+    sets[Strings_T(std::string(4'000'000, 'x'))];
+    pages_are_refused = true;
+    EXPECT_THROW(sml::String_To_StringSet_T_fromCxx(sets), std::bad_alloc);
+    pages_are_refused = false;
+    EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), 4'000'000u);
 }
 
 TEST(OutOfMemory, LosesNoCountOfAString) {

@@ -131,7 +131,7 @@ TEST(Canonical, MoreThan256TextsAreStillSortedByText) {
 
 /// Bytes go out in pieces of 64 KiB.
 TEST(Canonical, TextAsLongAsAPieceIsWhole) {
-    for (std::size_t const length : {65'535, 65'536, 65'537}) {
+    for (std::size_t const length : {65'535u, 65'536u, 65'537u}) {
         std::string const whole = word(1) + in_full(1, std::string(length, 'x')) + word(7);
         EXPECT_TRUE(canonical<Numbers>(whole) == whole) << length;
     }

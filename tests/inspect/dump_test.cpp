@@ -605,7 +605,7 @@ TEST(DumpOfDamage, ChangedBytesAreJson) {
 
 /// It goes out in pieces.
 TEST(Dump, LongTextKeepsEachCharacterWhole) {
-    for (std::size_t const before : {0, 1, 2, 3}) {
+    for (std::size_t const before : {0u, 1u, 2u, 3u}) {
         std::string text(before, 'a');
         while (text.size() < 200'000) text += "😀";
         EXPECT_TRUE(value_of<std::string>(block(text)) == '"' + text + '"') << before;

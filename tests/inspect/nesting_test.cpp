@@ -245,7 +245,7 @@ TEST(Nesting, ReadersBearTheDefaultLimitOnEightMegabytes) {
 }
 
 TEST(Nesting, NoLimitIsLargerThanTheLargest) {
-    Loop const&       loop = loops().front();
+    Loop const        loop = loops().front();
     std::string const bytes = loop.bytes(most_rounds(loop, {.depth = Limits::depth_cap}) + 1);
     Verdict const     verdict = verify(*loop.root, bytes, {.limits = {.depth = ~std::uint32_t{0}}});
     EXPECT_EQ(verdict.answer, Answer::unsafe);

@@ -80,7 +80,7 @@ std::uint64_t peak_of(std::function<void()> const& call) {
 void expect_kept_budget(Call const& call) {
     SCOPED_TRACE(call.name);
     int refused = 0;
-    for (std::uint64_t megabytes : {0, 1, 4, 16, 64, 256, 1024}) {
+    for (std::uint64_t megabytes : {0u, 1u, 4u, 16u, 64u, 256u, 1024u}) {
         std::uint64_t const budget = megabytes << 20;
         std::uint64_t const peak = peak_of([&] {
             try {

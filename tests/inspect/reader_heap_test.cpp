@@ -106,7 +106,7 @@ std::string functions(std::size_t count) {
 
 TEST(ReaderHeap, OfLargeTables) {
     Root const& root = *find_root("Application_Results_Application_Results");
-    for (std::size_t const count : {63, 64, 129, 1000, 20'000})
+    for (std::size_t const count : {63u, 64u, 129u, 1000u, 20'000u})
         expect_close_estimate(root, functions(count));
 }
 
@@ -122,8 +122,8 @@ std::string strings(std::size_t count, std::size_t length) {
 
 TEST(ReaderHeap, OfStrings) {
     Root const& root = *find_root("String_To_StringSet_T");
-    for (std::size_t const count : {1, 2, 13, 14, 1000, 50'000})
-        for (std::size_t const length : {8, 15, 16, 30, 31, 100})
+    for (std::size_t const count : {1u, 2u, 13u, 14u, 1000u, 50'000u})
+        for (std::size_t const length : {8u, 15u, 16u, 30u, 31u, 100u})
             expect_close_estimate(root, strings(count, length));
 }
 

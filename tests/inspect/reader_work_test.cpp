@@ -255,7 +255,7 @@ std::string string_table(std::vector<std::string> const& texts) {
 TEST(ReaderWork, TextsOfOneHashAreTwo) {
     std::uint64_t const      wanted = HashOf16::unfinished(0x123456789abcdef0);
     std::vector<std::string> all;
-    for (std::uint64_t const first : {1, 2}) {
+    for (std::uint64_t const first : {1u, 2u}) {
         std::uint64_t const halves[] = {first, HashOf16::second_half(first, wanted)};
         all.emplace_back(reinterpret_cast<char const*>(halves), sizeof halves);
     }

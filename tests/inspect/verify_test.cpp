@@ -387,7 +387,7 @@ TEST(Verify, DepthOfAnEmptyListCounts) {
 TEST(Verify, HeapEstimateBeyondTheLimitIsUnsafe) {
     auto const& root = *find_root("String_To_StringSet_T");
     // While a long text is read it is there twice.
-    for (std::size_t const length : {1, 1000}) {
+    for (std::size_t const length : {1u, 1000u}) {
         std::string const   bytes = word(1) + in_full(1, std::string(length, 'a')) + word(0);
         std::uint64_t const heap = verify(root, bytes).heap;
         EXPECT_GT(heap, 0u);

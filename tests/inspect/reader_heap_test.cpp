@@ -157,7 +157,7 @@ TEST(ReaderHeap, OfLongNumbers) {
     std::string const plain = block(std::string("11\0\0", 4));
     std::size_t const at = bytes.find(plain);
     ASSERT_NE(at, bytes.npos);
-    for (std::size_t const size : {3, 16, 17, 64, 65, 200, 100'000, 3'000'000}) {
+    for (std::size_t const size : {3u, 16u, 17u, 64u, 65u, 200u, 100'000u, 3'000'000u}) {
         std::string odd = bytes;
         odd.replace(at, plain.size(), block(digits.substr(0, size)));
         expect_close_estimate(root, odd);

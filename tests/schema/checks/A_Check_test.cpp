@@ -127,6 +127,21 @@ TEST(ACheck, DefaultIsZeroAndEmptyThroughout) {
     order::expect_unordered(check, check);
 }
 
+TEST(ACheck, FirstFlagStandsBehindTheFourthNumber) {
+    Check check;
+    check.first_flag = true;
+    wire::expect(check,
+                 "FFFFFFFF 00000000  00000000"
+                 "FFFFFFFF"
+                 "00000000  46  00000000  01000000  00000000  00000000  54"
+                 "01000000  01000000  00000000"
+                 "00000000"
+                 "01000000  00000000  46  00000000  46"
+                 "00000000 00000000 01000000 00000000 0000000000000000"
+                 "01000000  00000000"
+                 "46");
+}
+
 TEST(ACheck, WritesFieldsInOrder) {
     Check check;
     check.first_string = std::string("s1");

@@ -83,6 +83,10 @@ TEST(Failure, WritesFieldsInOrder) {
                  "01000000  FBFFFFFF 01000000 'd' 04000000"
                  "46  54"
                  "04000000");
+
+    Failure last_flag;
+    last_flag.third_flag = true;
+    wire::expect(last_flag, "46  46  46  00000000  00000000  46  54  FFFFFFFF");
 }
 
 // ---- steps ----

@@ -588,7 +588,6 @@ TEST(AnEvent, TheBoxedKindStandsInPlaceOnTheWire) {
     event.optional_string = "o";
     event.first_flag = true;
     event.signature = {"p"s, {"s"s, {"q"s, "n"s}}};
-    event.second_flag = true;
     event.first_string = "a";
     event.first_int = -3;
     event.source_ref = {9, {1, "f"s, 2}, -1};
@@ -596,7 +595,7 @@ TEST(AnEvent, TheBoxedKindStandsInPlaceOnTheWire) {
                  "'T' FFFFFFFF 01000000 'o'  'T'"
                  "  FEFFFFFF 01000000 'p'  FDFFFFFF 01000000 's'  FCFFFFFF 01000000 'q'"
                  "  FBFFFFFF 01000000 'n'"
-                 "  'T'  FAFFFFFF 01000000 'a'  FDFFFFFF"
+                 "  'F'  FAFFFFFF 01000000 'a'  FDFFFFFF"
                  "  19000000"
                  "  09000000  01000000 F9FFFFFF 01000000 'f' 02000000  FFFFFFFFFFFFFFFF");
 }

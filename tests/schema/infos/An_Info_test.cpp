@@ -90,7 +90,7 @@ TEST(AnInfo, WritesFieldsInOrder) {
     info.third_int = 4;
     info.flag = true;
     info.location = {5, {6, {"e"}, 7}, 8};
-    info.fourth_string = std::string("a");
+    info.fourth_string = std::string("f");
     info.fourth_int = 9;
     wire::expect(info,
                  "FFFFFFFF 01000000 'a'  01000000"
@@ -99,7 +99,7 @@ TEST(AnInfo, WritesFieldsInOrder) {
                  "54 FCFFFFFF 01000000 'c' 03000000"
                  "FBFFFFFF 01000000 'd'  04000000  54"
                  "05000000 06000000 FAFFFFFF 01000000 'e' 07000000 0800000000000000"
-                 "01000000  09000000");
+                 "F9FFFFFF 01000000 'f'  09000000");
 }
 
 TEST(AnInfo, AbsentStringAndNumberIsOneFlag) {

@@ -282,6 +282,10 @@ TEST(InterrogatorCheckCONV_OVFL, TwoTextsAndAFlagStandAheadOfTheCommonPart) {
     wire::expect(check, "01000000 'x'  'T'  01000000 'y'  "s + interrogator_bytes +
                             "FEFFFFFF  'T'  'T' FEFFFFFF 01000000 'a' 02000000"
                             "  'F'  01000000 'z'");
+    check.first_flag = false;
+    wire::expect(check, "01000000 'x'  'F'  01000000 'y'  "s + interrogator_bytes +
+                            "FEFFFFFF  'T'  'T' FEFFFFFF 01000000 'a' 02000000"
+                            "  'F'  01000000 'z'");
 }
 
 TEST(InterrogatorInfoOperator, TheRelationStandsBetweenTheTexts) {

@@ -130,7 +130,6 @@ TEST(AFunction, WritesItsTenFieldsInOrder) {
     value.first_flag = true;
     value.location = {9, {}, 0};
     value.signature.package = "p";
-    value.second_flag = true;
     wire::expect(value,
                  "02000000 FFFFFFFF 01000000 'k' FFFFFFFF 01000000 02000000"
                  "  05000000"
@@ -141,7 +140,7 @@ TEST(AFunction, WritesItsTenFieldsInOrder) {
                  "  'T'"
                  "  09000000 00000000 03000000 00000000 0000000000000000"
                  "  FCFFFFFF 01000000 'p' 03000000 03000000 03000000"
-                 "  'T'");
+                 "  'F'");
 }
 
 TEST(AFunction, SetsAreWrittenInTheOrderOfTheirHandles) {

@@ -38,9 +38,9 @@ TEST(Command, HelpListsTheCommandsAndTheExitCodes) {
     auto const help = run_command({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.err, "");
-    for (char const* part : {"import", "show", "verify", "dump", "encode", "identify", "canon",
-                             "digest", "schema", "roots", "--version",
-                             "Exit codes: 0 done, 1 the input is damaged or refused, 2 "})
+    for (char const* part :
+         {"import", "show", "verify", "dump", "encode", "identify", "canon", "digest", "schema",
+          "roots", "--version", "Exit codes: 0 done, 1 the input is damaged or refused, 2 "})
         EXPECT_TRUE(contains(help.out, part)) << part;
     EXPECT_TRUE(contains(run_command({"import", "--help"}).out, "--output"));
     EXPECT_TRUE(contains(run_command({"show", "--help"}).out, "--json"));
@@ -229,6 +229,7 @@ TEST(Show, SummaryHasTablesRankingsAndFirstChecks) {
           "warning: one flow only, "
           "1 flow of 1 step\n"})
         EXPECT_TRUE(contains(shown.out, part)) << part << "\nis not in\n" << shown.out;
+    EXPECT_FALSE(contains(shown.out, "Checks by kind")) << shown.out;  // there is one alone
 }
 
 TEST(Show, SuppressedAndAbsentChecksAreCountedApart) {
@@ -282,8 +283,19 @@ TEST(Show, RankingsAreCutAndSaySo) {
     EXPECT_TRUE(contains(shown, "\nChecks by rule\n  177  R0\n  177  R1\n  and 5 more rules\n"))
         << shown;
     EXPECT_TRUE(contains(shown, "  and 1232 more checks\n")) << shown;
+    auto const whole = run_command({"show", "-n", "7", set}).out;
+    EXPECT_TRUE(contains(whole, "  176  R6\n")) << whole;
+    EXPECT_FALSE(contains(whole, "more rules")) << whole;
     auto const nothing = run_command({"show", "-n", "0", set}).out;
     EXPECT_FALSE(contains(nothing, "First checks"));
+}
+
+TEST(Show, AColumnWithoutALineIsNotShown) {
+    Scratch const scratch;
+    write_bytes(scratch / "log", log_with(R"({"message": {"text": "m"}, "locations": [{
+        "physicalLocation": {"artifactLocation": {"uri": "a.c"}, "region": {"startColumn": 7}}}]})"));
+    auto const shown = run_command({"show", imported(scratch, scratch / "log")}).out;
+    EXPECT_TRUE(contains(shown, "\n  a.c: warning: m\n")) << shown;
 }
 
 TEST(Show, TerminalIsSafeFromTheTexts) {

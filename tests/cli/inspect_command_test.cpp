@@ -202,6 +202,7 @@ TEST(RootOption, AStemThatEndsWithWhatWasGivenIsNearest) {
     EXPECT_TRUE(contains(printed("Aggregated_Results_T"), "; there is "s + result_set))
         << printed("x");
     EXPECT_TRUE(contains(printed("StringSet"), "; there is String_To_StringSet_T"));
+    EXPECT_TRUE(contains(printed("Interrogator"), "; there is Interrogators_Interrogator "));
     EXPECT_TRUE(contains(printed("Sting_To_StringSet_T"), "; there is String_To_StringSet_T"));
 }
 

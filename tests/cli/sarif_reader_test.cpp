@@ -95,6 +95,14 @@ TEST(SarifReader, BracesStayWhereThereAreNoArguments) {
     EXPECT_EQ(plain(results.at(0).message), "{0} {{ [x](1)");
 }
 
+TEST(SarifReader, AStoredMessageIsItsTextOrElseItsMarkdown) {
+    auto const results = results_of(R"({"version": "2.1.0", "runs": [{
+        "tool": {"driver": {"name": "Tool", "globalMessageStrings": {
+            "both": {"text": "text", "markdown": "*text*"}, "rich": {"markdown": "*rich*"}}}},
+        "results": [{"message": {"id": "both"}}, {"message": {"id": "rich"}}]}]})");
+    EXPECT_EQ(each(results, &Result::message), (Texts{"text", "*rich*"}));
+}
+
 TEST(SarifReader, ToolVersionIsTheVersionOrElseTheSemanticOne) {
     EXPECT_EQ(plain(results_of(bytes_of(fixture("rules.sarif"))).at(0).tool_version), "3.1");
     EXPECT_EQ(plain(results_of(bytes_of(fixture("review.sarif"))).at(0).tool_version),
@@ -112,6 +120,14 @@ TEST(SarifReader, LogicalLocationsAreResolved) {
     EXPECT_EQ(plain(last.locations.at(1).logical), "ns::f(int)");
     EXPECT_EQ(plain(last.related.at(0).place.logical), "g");
     EXPECT_EQ(plain(last.flows.at(0).at(0).at(0).place.value().logical), "ns::f(int)");
+}
+
+TEST(SarifReader, ALocationsOwnLogicalNameIsPreferredToASharedOne) {
+    auto const results = results_of(R"({"version": "2.1.0", "runs": [{
+        "tool": {"driver": {"name": "Tool"}}, "logicalLocations": [{"name": "shared"}],
+        "results": [{"message": {"text": "m"},
+            "locations": [{"logicalLocations": [{"index": 0, "name": "own"}]}]}]}]})");
+    EXPECT_EQ(plain(results.at(0).locations.at(0).logical), "own");
 }
 
 TEST(SarifReader, SuppressionsKeepKindStatusOrderAndRepetition) {

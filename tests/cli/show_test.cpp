@@ -119,6 +119,13 @@ TEST(ShowNative, AFormWithoutACheckIsShownByItsOwnCategory) {
     EXPECT_TRUE(summary.starts_with("standard input: 1 check from 0 runs")) << summary;
 }
 
+TEST(ShowNative, AnUnsetCategoryHasNoName) {
+    ResultSet set;
+    set.application_results.checks[{Strings_T("a.c"), 1}];
+    auto const summary = run_command({"show", "-"}, bytes_of_set(set)).out;
+    EXPECT_TRUE(contains(summary, "\nChecks by category\n  1  (none)\n")) << summary;
+}
+
 // A category can refer to a text any number of times, so it is printed in pieces, up to the limit.
 TEST(ShowNative, MaxOutputHoldsForCategoriesToo) {
     auto const bytes = bytes_of_set(native_set());

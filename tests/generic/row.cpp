@@ -30,21 +30,35 @@ Row const& row_named(std::string_view name) {
     throw std::out_of_range("no type has this name");
 }
 
+std::string Value::bytes() const {
+    std::string         bytes;
+    sml::StringOArchive archive(bytes);
+    row_->write(object_, archive);
+    archive.finish();
+    return bytes;
+}
+
 std::string Value::stream_bytes() const {
-    std::ostringstream stream;
-    row_->write_to_stream(object_, stream);
+    std::ostringstream  stream;
+    sml::StreamOArchive archive(stream);
+    row_->write_to_stream(object_, archive);
+    archive.finish();
     return stream.str();
 }
 
 std::size_t Value::read(std::string const& bytes) {
     // A block of the exact size, so that a sanitizer reports a read beyond it.
     std::vector<char> const block(bytes.begin(), bytes.end());
-    return row_->read(object_, block.data());
+    sml::StringIArchive     archive(block.data());
+    row_->read(object_, archive);
+    return static_cast<std::size_t>(archive.cursor() - block.data());
 }
 
 std::size_t Value::read_from_stream(std::string const& bytes) {
-    std::istringstream stream(bytes + "more");
-    row_->read_from_stream(object_, stream);
+    std::istringstream  stream(bytes + "more");
+    sml::StreamIArchive archive(stream);
+    row_->read_from_stream(object_, archive);
+    archive.finish();
     return static_cast<std::size_t>(stream.tellg());
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 // The types of the schema as an array of rows with functions, and values of any of them.
 
+#include <sml/core/archives.hpp>
 #include "tests/generic/node.hpp"
 
 #include <cstdint>
 #include <functional>
-#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <typeindex>
@@ -46,10 +46,10 @@ struct Row {
     bool (*less)(void const* a, void const* b);
     char const* (*to_string)(void const* object);
 
-    std::string (*write)(void const* object);
-    void (*write_to_stream)(void const* object, std::ostream& stream);
-    std::size_t (*read)(void* object, char const* bytes);
-    void (*read_from_stream)(void* object, std::istream& stream);
+    void (*write)(void const* object, sml::StringOArchive& archive);
+    void (*write_to_stream)(void const* object, sml::StreamOArchive& archive);
+    void (*read)(void* object, sml::StringIArchive& archive);
+    void (*read_from_stream)(void* object, sml::StreamIArchive& archive);
 
     /// For a record, all its fields; for a variant, the parts of its arms that have no record.
     std::vector<FieldList> (*field_lists)();
@@ -92,12 +92,16 @@ public:
     std::string text() const { return text_of(view()); }
     char const* to_string() const { return row_->to_string(object_); }
 
-    std::string bytes() const { return row_->write(object_); }
+    void serialize(sml::StringOArchive& archive, unsigned) { row_->write(object_, archive); }
+    void serialize(sml::StringIArchive& archive, unsigned) { row_->read(object_, archive); }
+
+    std::string bytes() const;
     std::string stream_bytes() const;
     /// Reads the bytes over the value and returns how many were read.
     std::size_t read(std::string const& bytes);
     std::size_t read_from_stream(std::string const& bytes);
 
+    void fill(RandomValues& random) { row_->fill(object_, random); }
     void choose(std::int32_t tag) { row_->arms->choose(object_, tag); }
     /// Changes one part at random. Returns false if no part can change.
     bool mutate(RandomValues& random) { return generic::mutate(view(), random); }

@@ -324,30 +324,20 @@ Row Functions<T>::row(char const* name) {
         .less = nullptr,
         .to_string = nullptr,
         .write =
-            [](void const* object) {
-                std::string         bytes;
-                sml::StringOArchive archive(bytes);
+            [](void const* object, sml::StringOArchive& archive) {
                 static_cast<T*>(const_cast<void*>(object))->serialize(archive, 0);
-                archive.finish();
-                return bytes;
             },
         .write_to_stream =
-            [](void const* object, std::ostream& stream) {
-                sml::StreamOArchive archive(stream);
+            [](void const* object, sml::StreamOArchive& archive) {
                 static_cast<T*>(const_cast<void*>(object))->serialize(archive, 0);
-                archive.finish();
             },
         .read =
-            [](void* object, char const* bytes) {
-                sml::StringIArchive archive(bytes);
+            [](void* object, sml::StringIArchive& archive) {
                 static_cast<T*>(object)->serialize(archive, 0);
-                return static_cast<std::size_t>(archive.cursor() - bytes);
             },
         .read_from_stream =
-            [](void* object, std::istream& stream) {
-                sml::StreamIArchive archive(stream);
+            [](void* object, sml::StreamIArchive& archive) {
                 static_cast<T*>(object)->serialize(archive, 0);
-                archive.finish();
             },
         .field_lists = nullptr,
         .assign_field = nullptr};

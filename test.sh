@@ -1,11 +1,11 @@
 #!/bin/bash
-# Installs what is missing, builds, and runs all tests: built by g++, then again under
+# Installs what is missing, builds, and runs all tests: built by g++, then by clang under
 # AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
 # threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS, 60 by default.
 #
 #   ./test.sh          the checks that every change must pass
-#   ./test.sh --all    also builds with clang, and runs the random tests at their slow counts; then
-#                      adds a record, an arm and a root to a copy of the sources as CONTRIBUTING.md
+#   ./test.sh --all    also builds by clang without sanitizers and by g++ under them, and runs the
+#                      random tests at their slow counts; then adds a record, an arm and a root to a copy of the sources as CONTRIBUTING.md
 #                      says, and runs the tests once more with them
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -16,7 +16,7 @@ try_additions=false
 case "${1:-}" in
     "") ;;
     --all)
-        presets=(clang dev asan)
+        presets=(clang dev asan asan-gcc)
         try_additions=true
         export BRADEP_SLOW_TESTS=1
         ;;

@@ -34,10 +34,10 @@ import sys
 from mutation.mutant_list import Mutant, complaints, load_list, print_counts
 from mutation.results import Results, shown
 from mutation.runner import BuiltApart, BuiltTogether
-from mutation.source_copy import WORK, MutantCopy
+from mutation.mutant_copy import WORK, MutantCopy
 from mutation.table import PAGE, STATES, counts, table, write_between_marks
 from mutation.tests import Tests
-from source_copy import alone
+from source_copy import locked
 
 
 def parsed() -> argparse.Namespace:
@@ -127,7 +127,7 @@ def main() -> int:
         text = table(mutants, Results())
         write_between_marks(PAGE, text) if options.write else print(text, end="")
         return 0
-    with alone(WORK):
+    with locked(WORK):
         return check_and_run(mutants, options)
 
 

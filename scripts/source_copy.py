@@ -27,9 +27,9 @@ def source_files() -> list[str]:
 
 
 @contextlib.contextmanager
-def alone(folder: Path) -> Iterator[None]:
-    """Two runs would change one another's copies in the folder. Ends the program where there is
-    another."""
+def locked(folder: Path) -> Iterator[None]:
+    """Holds a lock of the folder, since two runs would change one another's copies in it. Ends the
+    program if another run holds it."""
     folder.mkdir(parents=True, exist_ok=True)
     with open(folder / "lock", "w", encoding="utf-8") as lock:
         try:

@@ -29,7 +29,7 @@ import time
 from collections.abc import Iterator
 from pathlib import Path
 
-from source_copy import ROOT, SourceCopy, alone
+from source_copy import ROOT, SourceCopy, locked
 
 WORK = ROOT / "build/additions"
 COPY = SourceCopy(WORK / "src")
@@ -168,6 +168,24 @@ IN_TESTS_AND_DOCUMENTS = [
     Replacement("tests/schema/il/Mem_Alloc_BuiltIn_Operation_test.cpp",
                 old="wire::expect(stub, \"06000000 'T'\");",
                 new="wire::expect(stub, \"07000000 'T'\");"),
+    Insertion("tests/schema/il/Mem_Alloc_BuiltIn_Operation_test.cpp",
+              behind="    wire::expect(stub, \"07000000 'T'\");\n}",
+              text="""
+TEST(MemAllocOperation, PoolIsItsNameAndItsSize) {
+    wire::expect(T_Operation::Pool_args{{"p"}, 2}, "FFFFFFFF 01000000 'p'  02000000");
+}"""),
+    Insertion("tests/schema/results/Internal_Form_Datas_test.cpp",
+              behind='#include "tests/schema/tables.hpp"',
+              text='#include "tests/wire.hpp"'),
+    Insertion("tests/schema/results/Internal_Form_Datas_test.cpp",
+              behind="namespace {",
+              text="""
+TEST(Call, WritesFieldsInOrder) {
+    using namespace sml::Internal_Form_Datas;
+    wire::expect(T_Call{T_CallKind::REGULAR_CALL, {"f"}, {{"a"}, {"b"}}, true},
+                 "03000000  FFFFFFFF 01000000 'f'"
+                 "02000000  FEFFFFFF 01000000 'a'  FDFFFFFF 01000000 'b'  'T'");
+}"""),
 ]
 
 
@@ -350,7 +368,7 @@ def main() -> None:
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="at once")
     jobs = parser.parse_args().jobs
-    with alone(WORK):
+    with locked(WORK):
         with stage("declare a record, an arm and a root, and build"):
             declare(jobs)
         with stage("do what the failing tests say"):

@@ -5,7 +5,7 @@ import json
 import threading
 
 from mutation.mutant_list import ROOT, Mutant, read
-from mutation.source_copy import WORK
+from mutation.mutant_copy import WORK
 
 
 class Results:

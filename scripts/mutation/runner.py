@@ -15,8 +15,8 @@ from pathlib import Path
 from mutation.mutant_list import ROOT, Mutant, by_file, read
 from mutation.results import Results, shown
 from mutation.schemata import HEADER, HEADER_TEXT, Change, Schema
-from mutation.source_copy import WORK, MutantCopy
-from mutation.tests import Test, Tests, alone, run_test
+from mutation.mutant_copy import WORK, MutantCopy
+from mutation.tests import Test, Tests, only_failed, run_test
 
 LEAST_TIMEOUT = 60  # seconds
 TIMES_AS_LONG = 10  # as without a mutant
@@ -53,7 +53,7 @@ class Judge:
         outcome = run_test(test, timeout, self.options.memory, settings)
         if outcome.how and outcome.how != "does not end":
             # Twice: a test that depends on the time or the machine is nobody's killer.
-            again = alone(test, outcome.failure)
+            again = only_failed(test, outcome.failure)
             outcome = run_test(again, timeout, self.options.memory, settings)
             if not outcome.how:  # it may need those before it
                 outcome = run_test(test, timeout, self.options.memory, settings)
@@ -120,7 +120,7 @@ class BuiltTogether:
                  options: argparse.Namespace) -> None:
         self.results = results
         self.options = options
-        self.copy = MutantCopy(WORK / "together", f"{self.FLAGS} -I{WORK / 'together/sml'}")
+        self.copy = MutantCopy(WORK / "together", self.FLAGS)
         self.mutants = {mutant.number: mutant for mutant in mutants}
         self.schemata = {file: schema_of(file, group, results) for file, group in by_file(mutants)}
 
@@ -150,7 +150,7 @@ class BuiltTogether:
 
     def _update(self) -> None:
         texts = {file: schema.text() for file, schema in self.schemata.items()}
-        self.copy.update({**texts, f"sml/{HEADER}": HEADER_TEXT})
+        self.copy.update({**texts, HEADER: HEADER_TEXT})
 
     def _build(self, targets: tuple[str, ...]) -> None:
         while failed := self.copy.build(targets, self.options.jobs, "-k", "0"):
@@ -160,7 +160,7 @@ class BuiltTogether:
             for number in sorted(moved):
                 mutant = self.mutants[number]
                 schema = self.schemata[mutant.file]
-                schema.choose_larger([number])
+                schema.choose_larger(number)
                 self.results.add_choice(mutant, schema.placed[number].choice)
                 print(f"{mutant.name}: its code does not compile; "
                       f"{'the next construct' if self.has(mutant) else 'built apart'}", flush=True)
@@ -210,7 +210,7 @@ def schema_of(file: str, mutants: list[Mutant], results: Results) -> Schema:
     schema = Schema(text, [Change.of(mutant.number, text, mutant.old, mutant.new)
                            for mutant in mutants])
     for mutant in mutants:
-        schema.choose_larger([mutant.number] * results.choice(mutant))
+        schema.choose_larger(mutant.number, results.choice(mutant))
     return schema
 
 

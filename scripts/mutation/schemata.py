@@ -6,13 +6,12 @@ it was stays on its lines, so that lines are the same in both texts but for HEAD
 """
 
 import re
-from collections.abc import Iterable
 from dataclasses import dataclass
 
 from mutation.cpp_text import Source, Span, Statement, is_balanced, without_comments
 
-HEADER = "mutant_is.hpp"
-HEADER_LINE = f'#include "{HEADER}"\n'
+HEADER = "sml/mutant_is.hpp"
+HEADER_LINE = f"#include <{HEADER}>\n"
 
 # A mutant notes that it was reached by making a file: one that never was is compiled into nothing
 # that the tests run, or is evaluated while compiling alone.
@@ -273,6 +272,5 @@ class Schema:
             offset -= len(piece.text)
         return ()
 
-    def choose_larger(self, numbers: Iterable[int]) -> None:
-        for number in numbers:
-            self.placed[number].choice += 1
+    def choose_larger(self, number: int, steps: int = 1) -> None:
+        self.placed[number].choice += steps

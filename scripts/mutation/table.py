@@ -1,4 +1,4 @@
-"""Pages of docs/ that tell the results."""
+"""Writes the results as a table, and into docs/mutants.md."""
 
 import sys
 from pathlib import Path

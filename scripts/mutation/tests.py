@@ -11,7 +11,7 @@ import time
 from collections.abc import Mapping
 from pathlib import Path
 
-from mutation.source_copy import MutantCopy
+from mutation.mutant_copy import MutantCopy
 
 # Random tests are to be the same for all mutants, and to end at their first failure.
 TEST_SETTINGS = {"BRADEP_SEED": "1", "GTEST_FAIL_FAST": "1"}
@@ -33,8 +33,8 @@ class Outcome:
     how: str = ""
 
 
-def alone(test: Test, failure: str) -> Test:
-    """That test of a program which failed."""
+def only_failed(test: Test, failure: str) -> Test:
+    """The one test of a program that failed."""
     if failure == test.name:
         return test
     return dataclasses.replace(test, command=(*test.command, f"--gtest_filter={failure}"))
@@ -67,7 +67,7 @@ class Tests:
 
 
 def first_failure(output: str, test: Test) -> str:
-    """As GoogleTest tells it; the one that ran last where the program was ended in its midst."""
+    """As GoogleTest reports it; the test that ran last if the program was ended during it."""
     if failed := re.search(r"^\[  FAILED  \] ([^\s,]+)", output, re.MULTILINE):
         return failed[1]
     begun = re.findall(r"^\[ RUN      \] (\S+)", output, re.MULTILINE)

@@ -69,10 +69,11 @@ class Programs(unittest.TestCase):
         """By the program without a mutant, then with each of the chosen ones."""
         with tempfile.TemporaryDirectory() as name:
             folder = Path(name)
+            (folder / HEADER).parent.mkdir()
             (folder / HEADER).write_text(HEADER_TEXT, encoding="utf-8")
             (folder / "main.cpp").write_text(schema.text(), encoding="utf-8")
-            subprocess.run([COMPILER, "-std=c++20", "-w", "main.cpp", "-o", "main"], cwd=folder,
-                           check=True)
+            subprocess.run([COMPILER, "-std=c++20", "-w", "-I.", "main.cpp", "-o", "main"],
+                           cwd=folder, check=True)
             return [self.run_program(folder, number) for number in (None, *chosen)]
 
     def run_program(self, folder: Path, number: int | None) -> str:
@@ -97,7 +98,7 @@ class Programs(unittest.TestCase):
             ("""auto const quote = '"';""", """auto const* const quote = "'";"""),
             ("result += quote;", "result += '<';"))
         # A value of another type can't stand beside the old one, but its block can.
-        schema.choose_larger([8])
+        schema.choose_larger(8)
         self.assertEqual(schema.placed[8].construct.kind, "block")
         self.assertEqual(
             self.printed(schema, *range(1, 10)),

@@ -83,7 +83,8 @@ public:
 private:
     template <class T>
     T word() {
-        // Draws small, negative and large words equally often.
+        // Words of each length in bytes are drawn equally often; half of them are inverted, so that
+        // those of few bytes are small or negative.
         auto const bits = engine_() >> (8 * static_cast<unsigned>(below(8)));
         return static_cast<T>(below(2) == 0 ? bits : ~bits);
     }

@@ -88,21 +88,17 @@ TEST(SharedResult, StaysUntilTheNextCall) {
     EXPECT_EQ(hex::shown(result), "07 00 00 00 ");
 }
 
-TEST(SharedResult, GivesBackTheMemoryOfALargeOne) {
-    std::size_t const large = 140'000'000;
-    StringSets        sets;
-    sets[Strings_T(std::string(large, 'x'))];
-    EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), large);
-    for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
+/// Writes a result of more than `size` bytes, and expects that its memory is not held after it.
+void expect_memory_given_back(std::size_t size) {
+    StringSets sets;
+    sets[Strings_T(std::string(size, 'x'))];
+    EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), size);
+    for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), size);
 }
 
-TEST(SharedResult, OfFewBytesKeepsNoMemoryOfALargerOne) {
-    std::size_t const large = 8'000'000;
-    StringSets        sets;
-    sets[Strings_T(std::string(large, 'x'))];
-    EXPECT_GT(sml::String_To_StringSet_T_fromCxx(sets).size(), large);
-    for (int i = 0; i < 3; ++i) EXPECT_LT(sml::Integers64_T_fromCxx(7).capacity(), large);
-}
+TEST(SharedResult, GivesBackTheMemoryOfALargeOne) { expect_memory_given_back(140'000'000); }
+
+TEST(SharedResult, OfFewBytesKeepsNoMemoryOfALargerOne) { expect_memory_given_back(8'000'000); }
 
 TEST(SharedResult, MayBeReadWhereItStands) {
     T_Function read;

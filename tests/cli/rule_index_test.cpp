@@ -1,7 +1,10 @@
 #include "sarif/rule_index.hpp"
 
+#include "tests/runs.hpp"
+
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -76,10 +79,10 @@ TEST(RuleIndex, LongestIdOfTheFirstComponentThatHasAnyIsFound) {
 }
 
 TEST(RuleIndex, AgreesWithLookingThroughAllRules) {
-    auto const   seed = std::random_device{}();
-    std::mt19937 random(seed);
-    auto const   below = [&](std::size_t end) { return random() % end; };
-    auto const   some_id = [&] {
+    std::uint64_t const seed = runs::seed();
+    std::mt19937_64     random(seed);
+    auto const          below = [&](std::size_t end) { return random() % end; };
+    auto const          some_id = [&] {
         std::string id;
         for (auto left = below(7); left > 0; --left) id += "ab/"[below(3)];
         return id;

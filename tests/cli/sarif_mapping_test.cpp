@@ -52,7 +52,7 @@ NumberedKey key(char const* uri, std::int32_t ordinal) {
     return {Strings_T(std::string(uri)), ordinal};
 }
 
-TEST(ResultMapping, EveryFixtureComesBackWhole) {
+TEST(ResultMapping, EveryFixtureIsReadBackWhole) {
     auto const logs = sound_logs();
     ASSERT_GE(logs.size(), 12U);
     for (auto const& log : logs) {

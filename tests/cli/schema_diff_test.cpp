@@ -50,7 +50,7 @@ std::string arm(std::string const& name, std::string const& more = "") {
 }
 
 constexpr char const* with_int = R"(, "payload": "int32")";
-constexpr char const* serves_rest = R"(, "payload": "int32", "serves_all_other_tags": true)";
+constexpr char const* is_catch_all = R"(, "payload": "int32", "serves_all_other_tags": true)";
 
 TEST(SchemaDiff, EqualSchemasBreakNothing) {
     std::string const x = record(field("a"));
@@ -147,13 +147,13 @@ TEST(SchemaDiff, PayloadOfAnArm) {
               Lines{"X.A: was int32, is list<int32>"});
 }
 
-TEST(SchemaDiff, ArmThatServesAllOtherTags) {
-    EXPECT_EQ(changes_of_x(variant(arm("A", with_int)), variant(arm("A", serves_rest))),
+TEST(SchemaDiff, CatchAllArm) {
+    EXPECT_EQ(changes_of_x(variant(arm("A", with_int)), variant(arm("A", is_catch_all))),
               Lines{"X: the catch-all arm was none, is A"});
-    EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)), variant(arm("A", with_int))),
+    EXPECT_EQ(changes_of_x(variant(arm("A", is_catch_all)), variant(arm("A", with_int))),
               Lines{"X: the catch-all arm was A, is none"});
-    EXPECT_EQ(changes_of_x(variant(arm("A", serves_rest)),
-                           variant(arm("A", with_int) + "," + arm("B", serves_rest))),
+    EXPECT_EQ(changes_of_x(variant(arm("A", is_catch_all)),
+                           variant(arm("A", with_int) + "," + arm("B", is_catch_all))),
               Lines{"X: the catch-all arm was A, is B"});
 }
 

@@ -254,7 +254,7 @@ TEST(Comparison, HashedTableComparesBySizeFirst) {
     expect_equal(Set{}, Set{});
 }
 
-TEST(Comparison, HashedTablesOfOneSizeWithOtherKeysAreUnrelated) {
+TEST(Comparison, HashedMapsOfOneSizeWithOtherKeysAreUnrelated) {
     using Map = std::unordered_map<int32, int32>;
     using Set = std::unordered_set<int32>;
     expect_unordered(Map{{1, 1}}, Map{{2, 2}});
@@ -262,7 +262,7 @@ TEST(Comparison, HashedTablesOfOneSizeWithOtherKeysAreUnrelated) {
     expect_unordered(Set{1, 2}, Set{1, 3});
 }
 
-TEST(Comparison, ValuesOfAHashedTableDecideInTheLeftTablesOrder) {
+TEST(Comparison, ValuesOfAHashedMapDecideInTheLeftMapsOrder) {
     using Map = std::unordered_map<int32, int32>;
     Map a{{1, 0}, {2, 0}};
     Map b{{1, 0}, {2, 0}};

@@ -135,7 +135,7 @@ TEST(Containers, BothMapFormsLookAlikeOnTheWire) {
                  "02 00 00 00 54");
 }
 
-TEST(Containers, SizeGoesOutAsACountOfAllElements) {
+TEST(Containers, SizeIsWrittenAsACountOfAllElements) {
     std::list<bool> const flags(300, true);
     EXPECT_EQ(hex::shown(wire::write(flags)),
               hex::shown(hex::bytes("2C 01 00 00") + std::string(300, 'T')));

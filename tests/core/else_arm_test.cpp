@@ -49,7 +49,7 @@ Rest with_tag(std::int32_t tag) {
     return value;
 }
 
-/// A value with a tag that the catch-all arm serves, and a number in its payload.
+/// A value with a tag that has the payload of the catch-all arm, and a number in it.
 Rest with_number(std::int32_t tag, int32 number) {
     Rest value = with_tag(tag);
     value.arm<"OTHER">().number = number;
@@ -232,7 +232,7 @@ TEST_F(ElseArm, ThatCantBeMadeLeavesTheVariantUnset) {
     EXPECT_EQ(alive(), 1);
 }
 
-TEST_F(ElseArm, AloneTakesEveryTag) {
+TEST_F(ElseArm, AloneHasEveryTag) {
     for (std::int32_t const tag : {0, 1, -1, -5}) {
         Everything value;
         value.choose_tag(tag);

@@ -95,7 +95,7 @@ TEST(Encoding, EmptyContainerIsACountOfZero) {
     wire::expect(std::unordered_map<int32, int32>(), "00 00 00 00");
 }
 
-TEST(Encoding, ListKeepsItsOrderAndRepeats) {
+TEST(Encoding, ListKeepsItsOrderAndEqualElements) {
     wire::expect(std::list<int32>{3, 1, 3},
                  "03 00 00 00"
                  "03 00 00 00  01 00 00 00  03 00 00 00");
@@ -194,7 +194,7 @@ TEST(Archives, KnowEveryStringAroundEachGrowthOfTheirIds) {
     }
 }
 
-TEST(Archives, BeginWithEmptyTables) {
+TEST(Archives, BeginWithoutStrings) {
     std::string               bytes;
     sml::StringOArchive const writing(bytes);
     EXPECT_EQ(writing.string_ids.size(), 0u);

@@ -239,7 +239,7 @@ TEST(Float, UnlistedWidthStillWritesItsTextAndItsWord) {
 }
 
 // Only the low half of the word is 64.
-TEST(Float, WidthGoesOutAsItsLowHalf) {
+TEST(Float, WidthIsWrittenAsItsLowHalf) {
     wire::write(unlisted(0x1'0000'0040));
     EXPECT_EQ(range(), Range(2, 1));
     EXPECT_EQ(hex::shown(wire::write(unlisted(0x1'0000'0040))),
@@ -350,7 +350,7 @@ TEST(Float, WritingAnUnlistedWidthLeavesAnEmptyRange) {
     EXPECT_EQ(range(), Range(2, 1));
 }
 
-TEST(Float, CopyCarriesWidthMantissaAndValue) {
+TEST(Float, CopyKeepsWidthMantissaAndValue) {
     for (Format const& format : formats) {
         SCOPED_TRACE(format.width);
         IEEE754Float const value = make(format.width, "-1.8");
@@ -375,7 +375,7 @@ TEST(Float, CopyRoundsToTheMantissaOfItsWidth) {
     EXPECT_EQ(text_of(value), "0X1.000003P+0");
 }
 
-TEST(Float, AssignmentAndMoveCarryTheMantissaAsItIs) {
+TEST(Float, AssignmentAndMoveKeepTheMantissaAsItIs) {
     IEEE754Float value = make(64, "1.000003");
     value.width = 32;
     IEEE754Float assigned = make(16, "7");
@@ -388,7 +388,7 @@ TEST(Float, AssignmentAndMoveCarryTheMantissaAsItIs) {
     }
 }
 
-TEST(Float, AssignmentAndMoveCarryAnUnlistedWidth) {
+TEST(Float, AssignmentAndMoveKeepAnUnlistedWidth) {
     IEEE754Float value = unlisted(7);
     IEEE754Float assigned = make(16, "7");
     assigned = value;

@@ -40,7 +40,7 @@ std::list<std::string> texts(std::size_t count, std::string const& hex) {
     return result;
 }
 
-TEST(StringReference, FirstSightHasALengthAndARepeatHasNone) {
+TEST(StringReference, DefinitionHasALengthAndABackReferenceHasNone) {
     wire::expect(Two("text", "text"),
                  "FF FF FF FF  04 00 00 00 'text'"
                  "01 00 00 00");
@@ -54,7 +54,7 @@ TEST(StringReference, EmptyTextTakesAnIdLikeAnyOther) {
                  "01 00 00 00");
 }
 
-TEST(StringReference, IdsCountFromOneInOrderOfFirstSight) {
+TEST(StringReference, IdsCountFromOneInOrderOfDefinition) {
     wire::expect(std::list<Strings_T>{{"c"}, {"a"}, {"b"}, {"a"}, {"b"}, {"c"}},
                  "06 00 00 00"
                  "FF FF FF FF  01 00 00 00 'c'"
@@ -81,7 +81,7 @@ TEST(StringReference, EveryObjectHasIdsOfItsOwn) {
     EXPECT_EQ(wire::write(Strings_T("b")), hex::bytes("FF FF FF FF  01 00 00 00 'b'"));
 }
 
-TEST(StringReference, TextOfAnyBytesGoesOutWhole) {
+TEST(StringReference, TextOfAnyBytesIsWrittenWhole) {
     wire::expect(Strings_T(std::string("a\0\xff\n", 4)), "FF FF FF FF  04 00 00 00  61 00 FF 0A");
 }
 
@@ -92,7 +92,7 @@ TEST(StringReference, PlainTextsAreNoReferences) {
                  "01 00 00 00");
 }
 
-TEST(StringReference, ZeroIsAFirstSight) {
+TEST(StringReference, ZeroIsADefinition) {
     EXPECT_EQ(texts(2,
                     "00 00 00 00  02 00 00 00 'ab'"
                     "00 00 00 00  01 00 00 00 'c'"),
@@ -155,7 +155,7 @@ TEST(StringReference, IdOfTheSmallestWordWrapsToItself) {
     EXPECT_EQ(other.str(), "m");
 }
 
-TEST(StringReference, FirstSightOfTheEmptyTextIsTheNullHandle) {
+TEST(StringReference, DefinitionOfTheEmptyTextIsTheNullHandle) {
     Strings_T handle("references: emptied");
     wire::read_over(handle, hex::bytes("FF FF FF FF  00 00 00 00"));
     EXPECT_TRUE(handle == Strings_T());
@@ -200,7 +200,7 @@ TEST(StringReference, CountsAreExactWhenTheReaderOfBytesEnds) {
     EXPECT_EQ(entry_of("once"), nullptr);
 }
 
-TEST(StringReference, RepeatOfTheHeldTextLeavesItsCount) {
+TEST(StringReference, BackReferenceToTheHeldTextLeavesItsCount) {
     std::string const bytes = hex::bytes("FF FF FF FF  04 00 00 00 'kept'  01 00 00 00");
     Strings_T         handle;
     {
@@ -300,7 +300,7 @@ TEST(StringReference, ArchivesInsideOneAnotherPinTheSameString) {
     EXPECT_EQ(count_of("both"), 1u);
 }
 
-TEST(StringReference, FirstSightSharesTheEntryOfAnEqualText) {
+TEST(StringReference, DefinitionSharesTheEntryOfAnEqualText) {
     Strings_T const held("references: shared");
     auto const      read = wire::read<Strings_T>(wire::write(held));
     EXPECT_TRUE(read == held);

@@ -143,7 +143,7 @@ TEST(Variant, UnknownTagStaysAndIsLessThanItself) {
     wire::expect(unknown, "07 00 00 00");
 }
 
-TEST(Variant, UnknownTagIsReadBare) {
+TEST(Variant, UnknownTagIsReadWithoutPayload) {
     std::pair<Choice, int32> value;
     read_over(value, "63 00 00 00  01 00 00 00");
     EXPECT_EQ(value.first.tag, 99);

@@ -102,14 +102,14 @@ void copy_and_move(T const& value, bool is_filled) {
 template <class Variant, class ArmType>
 void use_arm() {
     constexpr auto name = NameOf<ArmType>::value;
-    constexpr bool is_bare = std::is_void_v<typename ArmType::payload>;
+    constexpr bool has_no_payload = std::is_void_v<typename ArmType::payload>;
     SCOPED_TRACE(name.text);
     Variant value;
     EXPECT_FALSE(value.template holds<name>());
     choose_and_fill<Variant, ArmType>(value);
     EXPECT_TRUE(value.template holds<name>());
     EXPECT_STREQ(value.toString(), name.text);
-    if constexpr (!is_bare) {
+    if constexpr (!has_no_payload) {
         EXPECT_EQ(&value.template arm<name>(), &std::as_const(value).template arm<name>());
     }
 
@@ -118,7 +118,7 @@ void use_arm() {
     EXPECT_TRUE(copy.template holds<name>());
     if constexpr (is_compared<Variant>) {
         EXPECT_TRUE(Variant() < value);
-        EXPECT_TRUE(copy < value || !is_bare);
+        EXPECT_TRUE(copy < value || !has_no_payload);
     }
 }
 

@@ -103,7 +103,7 @@ TEST(EntryPoints, AllSevenOfEveryRootAgree){
 #include <sml/bindings/roots.def>
 }
 
-TEST(EntryPoints, OneResultStringServesAllRoots) {
+TEST(EntryPoints, OneResultStringIsUsedByAllRoots) {
     std::string const& words = sml::Integers64_T_fromCxx(0x0102030405060708);
     EXPECT_EQ(words.size(), 8u);
     std::string const& key = sml::Interrogators_ClassKey_fromCxx(7);

@@ -53,7 +53,7 @@ TEST(Defaults, FilledValuesAreNotFresh) {
     });
 }
 
-TEST(Defaults, AFreshValueGoesOutAndComesBack) {
+TEST(Defaults, AFreshValueIsWrittenAndReadBack) {
     generic::for_each_type([](Row const& row) { expect_round_trip(Value(row), row); });
 }
 
@@ -69,7 +69,7 @@ TEST(Defaults, AFreshArmIsZeroEmptyAndUnset) {
     });
 }
 
-TEST(Defaults, AFreshArmGoesOutAndComesBack) {
+TEST(Defaults, AFreshArmIsWrittenAndReadBack) {
     generic::for_each_variant([](Row const& row) {
         for (std::int32_t const tag : listed_and_unlisted_tags(row)) {
             SCOPED_TRACE(tag);

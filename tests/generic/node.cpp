@@ -241,10 +241,10 @@ bool is_fresh(Node const& value) {
     }
 }
 
-bool has_bare_variant(Node const& value) {
+bool has_variant_without_payload(Node const& value) {
     if (value.kind == Kind::variant && (value.tag < 0 || value.parts.empty())) return true;
     if (value.kind == Kind::reference && value.tag < 0) return true;
-    return std::ranges::any_of(value.parts, has_bare_variant);
+    return std::ranges::any_of(value.parts, has_variant_without_payload);
 }
 
 bool mutate(Node const& value, RandomValues& random) {

@@ -88,7 +88,7 @@ std::string text_read_over(Node const& held, Node const& read);
 bool is_fresh(Node const& value);
 
 /// Whether some variant in the value is unset or has a tag without a payload.
-bool has_bare_variant(Node const& value);
+bool has_variant_without_payload(Node const& value);
 
 /// Changes one part at random; the results include unset variants, unknown tags and NaNs. Returns
 /// false if there is no part to change.

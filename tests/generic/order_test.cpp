@@ -46,14 +46,14 @@ std::optional<Value> with_field(Row const& row, RandomValues& random, std::size_
     return std::nullopt;
 }
 
-// A value without unset variants and without arms without payload, so that none of its fields is
-// less than itself.
-std::optional<Value> settled_value(Row const& row, RandomValues& random) {
+// A value of which no field is less than itself: in none of them is a variant that is unset or has
+// a tag without payload.
+std::optional<Value> value_not_less_than_itself(Row const& row, RandomValues& random) {
     Value             value(row);
     std::size_t const fields = value.view().parts.size();
     for (std::size_t field = 0; field < fields; ++field) {
         auto const source = with_field(row, random, field, [](generic::Node const& part) {
-            return !generic::has_bare_variant(part);
+            return !generic::has_variant_without_payload(part);
         });
         if (!source) return std::nullopt;
         value.assign_field(*source, field);
@@ -78,7 +78,7 @@ TEST(Order, ADifferenceInOneFieldAloneMakesRecordsUnequal) {
 
 TEST(Order, TheFirstFieldThatDiffersOrdersTheRecords) {
     for_each_field([](Row const& row, RandomValues& random, std::size_t field) {
-        auto const base = settled_value(row, random);
+        auto const base = value_not_less_than_itself(row, random);
         ASSERT_TRUE(base);
         generic::Node const view = base->view();
         bool                is_less = false;

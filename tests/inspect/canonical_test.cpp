@@ -82,7 +82,7 @@ TEST(Canonical, ListsKeepTheirOrder) {
                                            word(3) + in_full(1, "b") + in_full(2, "a") + word(1));
 }
 
-TEST(Canonical, TablesAndSetsAreSortedByTextAndNumberedAnew) {
+TEST(Canonical, MapsAndSetsAreSortedByTextAndNumberedAnew) {
     std::string const given = word(2) + in_full(1, "b") + word(1) + in_full(2, "a") + word(2);
     std::string const sorted = word(2) + in_full(1, "a") + word(2) + in_full(2, "b") + word(1);
     expect_canonical<Numbers>(given, sorted);

@@ -51,7 +51,7 @@ TEST(Describe, VariantHasItsArmsByTag) {
     EXPECT_EQ(type.arm_of(-1), nullptr);
 }
 
-TEST(Describe, LastArmServesTheRest) {
+TEST(Describe, LastArmIsTheCatchAllArm) {
     Type const& type = *describe<sml::Checks::T_Ovfl_Data>();
     EXPECT_TRUE(type.has_catch_all);
     EXPECT_EQ(type.arm_of(-1), &type.arms.back());
@@ -67,7 +67,7 @@ TEST(Describe, BoxedTypesHoldThemselves) {
     EXPECT_EQ(nested.element->element, &kind);
 }
 
-TEST(Describe, TablesSayHowTheyAreRead) {
+TEST(Describe, ContainersSayHowTheyAreRead) {
     Type const& category = *describe<sml::Infos::T_Information_Category>();
     Type const& fields = *category.arms[16].payload->parts[0].type;
     EXPECT_EQ(fields.kind, Kind::map);

@@ -1,6 +1,7 @@
 #include <sml/inspect/text/double_text.hpp>
 
 #include "tests/core/comma_locale.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 
@@ -171,11 +172,10 @@ bool has_no_point_of_another_kind(std::string_view text) {
 // For the two decimal points that processes have in this test, the judgement is exact. Other points
 // make it stricter.
 TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
-    std::uint64_t const seed = std::random_device{}();
-    RecordProperty("seed", static_cast<int>(seed));
-    std::mt19937_64 engine(seed);
-    int             values = 0;
-    int             point_dependent = 0;
+    std::uint64_t const seed = runs::seed();
+    std::mt19937_64     engine(seed);
+    int                 values = 0;
+    int                 point_dependent = 0;
     for (int i = 0; i < 30'000; ++i) {
         std::string const text = random_text(engine);
         SCOPED_TRACE("seed " + std::to_string(seed) + ", text \"" + text + '"');

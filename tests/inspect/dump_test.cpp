@@ -100,7 +100,7 @@ TEST(Dump, ArmWithARecordOfAnotherNameTakesTheRecordsObject) {
               R"({"arm":"ExtraExprData","args":{"category":{"arm":"NULL"},"first_int":9}})");
 }
 
-TEST(Dump, ArmWithOneBareValueTakesThatValue) {
+TEST(Dump, ArmWithOneUnnamedValueTakesThatValue) {
     EXPECT_EQ(value_of<Data>(word(17) + word(0)), R"({"arm":"MEMORY_BUILTIN","args":"Memcpy"})");
     EXPECT_EQ(value_of<Data>(word(0) + word(0)), R"({"arm":"ATTRIBUTE_COPY","args":[]})");
     EXPECT_EQ(value_of<Parameter>(word(0) + "T"), R"({"arm":"BOOL_PRAGMA_PARAMETER","args":true})");
@@ -122,14 +122,14 @@ TEST(Dump, ArmWithoutPayloadHasNoArgs) {
     EXPECT_EQ(value_of<Data>(word(20)), R"({"arm":"No_Data"})");
 }
 
-TEST(Dump, TagThatStandsBareHasNoArgs) {
+TEST(Dump, TagWithoutPayloadHasNoArgs) {
     using Category = sml::Checks::T_Check_Category;
     EXPECT_EQ(value_of<Category>(word(99)), R"({"arm":null,"tag":99})");
     EXPECT_EQ(value_of<Category>(word(77)), R"({"arm":null,"tag":77})");
     EXPECT_EQ(value_of<Category>(word(-1)), R"({"arm":null,"tag":-1})");
 }
 
-TEST(Dump, TagThatTheLastArmServesHasItsArgs) {
+TEST(Dump, TagOfTheCatchAllArmHasItsArgs) {
     EXPECT_EQ(value_of<Data>(word(26) + word(1)),
               R"({"arm":null,"tag":26,"args":"MODE_DRS_RANDOM"})");
     EXPECT_EQ(value_of<Data>(word(-1) + word(1)),
@@ -745,7 +745,7 @@ TEST(DumpOfOddBytes, RepeatedKeyThatIsReadOverShowsWhatAReaderHolds) {
             expect_shown_as_read(one, fields_read_over());
 }
 
-TEST(DumpOfOddBytes, TablesThatAreReadOverAreShownInTheOrderOfTheirKeys) {
+TEST(DumpOfOddBytes, MapsThatAreReadOverAreShownInTheOrderOfTheirKeys) {
     using Lists = sml::core::LastWinsMap<std::int32_t, std::list<std::int32_t>>;
     std::string const odd = word(4) + word(9) + word(1) + word(1) + word(3) + word(0) + word(9) +
                             word(1) + word(2) + word(5) + word(0);

@@ -142,7 +142,7 @@ std::string random_fields(Random& random) {
     return sml::Application_Results_Application_Results_fromCxx(results);
 }
 
-TEST(ReadOver, RandomTablesOfFields) {
+TEST(ReadOver, RandomMapsOfFields) {
     Comparison  comparison;
     Random      random(runs::seed());
     Root const& root = *find_root("Application_Results_Application_Results");

@@ -239,7 +239,7 @@ TEST(ReadOverRule, SetsAreUnited) {
     expect_value<std::unordered_set<std::int32_t>>({first, second}, both);
 }
 
-TEST(ReadOverRule, TablesWhereTheFirstWinsKeepTheFirstValueOfAKey) {
+TEST(ReadOverRule, MapsWhereTheFirstWinsKeepTheFirstValueOfAKey) {
     std::string const first = "01 00 00 00  05 00 00 00 01 00 00 00";
     std::string const second =
         "03 00 00 00  05 00 00 00 02 00 00 00  06 00 00 00 03 00 00 00 "
@@ -249,7 +249,7 @@ TEST(ReadOverRule, TablesWhereTheFirstWinsKeepTheFirstValueOfAKey) {
     expect_value<std::unordered_map<std::int32_t, std::int32_t>>({first, second}, both);
 }
 
-TEST(ReadOverRule, TablesThatAreReadOverAreSoInEachOther) {
+TEST(ReadOverRule, MapsThatAreReadOverAreSoInEachOther) {
     using Hash = sml::core::LastWins<std::hash<std::int32_t>>;
     using Inner = std::unordered_map<std::int32_t, std::list<std::int32_t>, Hash>;
     expect_value<Inner>(
@@ -308,8 +308,8 @@ TEST(ReadOverRule, AnEqualTagReadsOverThePayload) {
     expect_value<Range>({other, two, one}, both);
 }
 
-TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
-    // Unknown tags and -1 are served by the catch-all arm, which has a list of ranges.
+TEST(ReadOverRule, TheCatchAllPayloadIsReadOverForAnEqualTagOnly) {
+    // Unknown tags and -1 have the payload of the catch-all arm, a list of ranges.
     using Range = sml::Infos::T_Value_Range;
     auto const tagged = [](std::string const& tag) {
         return tag + " 01 00 00 00  01 00 00 00  03 00 00 00";
@@ -326,7 +326,7 @@ TEST(ReadOverRule, ThePayloadThatServesUnknownTagsIsReadOverForAnEqualTagOnly) {
     }
 }
 
-TEST(ReadOverRule, TagsThatStandBareAreKeptAsTheyAre) {
+TEST(ReadOverRule, TagsWithoutPayloadAreKeptAsTheyAre) {
     using Multiplicity = sml::Infos::Multiplicity::T;
     static_assert(!Multiplicity::arms::has_catch_all);
     std::string const five = "02 00 00 00  03 00 00 00 '5' 00 00";

@@ -6,6 +6,7 @@
 #include "tests/inspect/counted_heap.hpp"
 #include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/wire_bytes.hpp"
+#include "tests/runs.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -13,7 +14,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -86,7 +86,7 @@ TEST(ReaderHeap, OfGoldenFiles) {
 }
 
 TEST(ReaderHeap, OfRandomValuesOfAllRoots) {
-    std::uint64_t const seed = std::random_device{}();
+    std::uint64_t const seed = runs::seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     for (Root const& root : roots()) {
         for (std::uint64_t i = 0; i < 5; ++i) {

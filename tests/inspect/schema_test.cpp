@@ -63,7 +63,7 @@ TEST(Schema, RecordHasItsFieldsInWireOrder) {
             {"name": "reference", "type": "int64"}]})"));
 }
 
-TEST(Schema, VariantHasItsArmsAndWhichOneServesTheRest) {
+TEST(Schema, VariantHasItsArmsAndWhichOneIsTheCatchAll) {
     EXPECT_EQ(json::value(definition("sml::Infos::T_Range")), json::parse(R"(
         {"kind": "variant", "arms": [
             {"tag": 0, "name": "Int_Interval",
@@ -275,7 +275,7 @@ TEST(WireDigest, ChangesWithTheOrderAndNumberOfFields) {
     EXPECT_NE(digest_of(record(two)), digest_of(record(retyped)));
 }
 
-TEST(WireDigest, ChangesWithArmsPayloadsAndWhatServesTheRest) {
+TEST(WireDigest, ChangesWithArmsPayloadsAndTheCatchAll) {
     std::array const  two{Arm{"A", nullptr}, Arm{"C", &number}};
     std::array const  three{Arm{"A", nullptr}, Arm{"B", nullptr}, Arm{"C", &number}};
     std::array const  changed{Arm{"A", nullptr}, Arm{"C", &text}};

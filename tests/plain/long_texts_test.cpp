@@ -206,7 +206,7 @@ void expect_root_written_alike(T const& value, std::string const& (*from_cxx)(T 
         << "end " << end << " throws " << throws << " setting " << choice % 8;
 }
 
-TEST(LongTexts, InTablesOfTextsAreWrittenAlike) {
+TEST(LongTexts, InMapsOfTextsAreWrittenAlike) {
     Engine engine(runs::seed() + 3);
     for (int i = runs::count(300, 20'000); i > 0 && !HasFailure(); --i) {
         std::unordered_map<Strings_T, std::unordered_set<Strings_T>> value;

@@ -30,7 +30,7 @@ void expect_read_alike(Root const& root, std::string const& bytes) {
     EXPECT_TRUE(root.plain_write(ours.get()) == root.plain_write(expected.get())) << root.stem;
 }
 
-TEST(PlainRoots, CarryRandomValuesAlike) {
+TEST(PlainRoots, WriteAndReadRandomValuesAlike) {
     std::mt19937_64 engine(runs::seed());
     for (Root const& root : roots()) {
         for (int i = runs::count(20, 2000); i > 0 && !HasFailure(); --i) {
@@ -74,7 +74,7 @@ std::string damaged(std::string bytes, std::mt19937_64& engine) {
 }
 
 /// Values larger than the previous result and larger than several chunks.
-TEST(PlainRoots, CarryLargeValuesAlike) {
+TEST(PlainRoots, WriteAndReadLargeValuesAlike) {
     std::mt19937_64 engine(runs::seed() + 4);
     for (Root const& root : roots()) {
         if (root.stem != "Application_Results_Application_Results" &&

@@ -82,9 +82,9 @@ void expect_arms_with_catch_all(ArmRow const (&rows)[Count]) {
     expect_arms<Variant>(rows, rows[Count - 1].payload);
 }
 
-/// What `<` and `==` say by the tag alone: different tags decide, as signed numbers, those that no
-/// arm has among them. A value without payload is equal to itself and less; one with a negative tag
-/// is neither, and one with a fresh payload isn't less.
+/// Expects what `<` and `==` say by the tag alone. Different tags decide, as signed numbers, also
+/// those that no arm has. A value is compared with one of the same tag: without a payload it is
+/// equal and less, with a negative tag neither, and with a fresh payload not less.
 template <class Variant>
 void expect_order_by_tag() {
     using Arms = typename Variant::arms;
@@ -98,7 +98,7 @@ void expect_order_by_tag() {
         Variant const same = value;
         if (*tag < 0)
             order::expect_unordered(value, same);
-        else if (Arms::arm_for(*tag) < 0)
+        else if (Arms::arm_with_payload(*tag) < 0)
             order::expect_equal_and_each_less(value, same);
         else
             EXPECT_FALSE(value < same);

@@ -110,36 +110,33 @@ std::uint64_t handles_to_each(std::string const& text) {
 
 // ---- wire form ----
 
+/// The bytes of a fresh check whose first flag is `first_flag`.
+std::string fresh_check(char const* first_flag) {
+    return "FFFFFFFF 00000000  00000000"
+           "FFFFFFFF"
+           "00000000  46  00000000  01000000  00000000  00000000  " +
+           std::string(first_flag) +
+           "01000000  01000000  00000000"
+           "00000000"
+           "01000000  00000000  46  00000000  46"
+           "00000000 00000000 01000000 00000000 0000000000000000"
+           "01000000  00000000"
+           "46";
+}
+
 TEST(ACheck, DefaultIsZeroAndEmptyThroughout) {
     Check const check;
     EXPECT_EQ(check.category.tag, -1);
     EXPECT_EQ(check.classifications.bucket_count(), 1u);
-    wire::expect(check,
-                 "FFFFFFFF 00000000  00000000"
-                 "FFFFFFFF"
-                 "00000000  46  00000000  01000000  00000000  00000000  46"
-                 "01000000  01000000  00000000"
-                 "00000000"
-                 "01000000  00000000  46  00000000  46"
-                 "00000000 00000000 01000000 00000000 0000000000000000"
-                 "01000000  00000000"
-                 "46");
+    wire::expect(check, fresh_check("46"));
     order::expect_unordered(check, check);
 }
 
+// Below, the first and the third flag are equal.
 TEST(ACheck, FirstFlagStandsBehindTheFourthNumber) {
     Check check;
     check.first_flag = true;
-    wire::expect(check,
-                 "FFFFFFFF 00000000  00000000"
-                 "FFFFFFFF"
-                 "00000000  46  00000000  01000000  00000000  00000000  54"
-                 "01000000  01000000  00000000"
-                 "00000000"
-                 "01000000  00000000  46  00000000  46"
-                 "00000000 00000000 01000000 00000000 0000000000000000"
-                 "01000000  00000000"
-                 "46");
+    wire::expect(check, fresh_check("54"));
 }
 
 TEST(ACheck, WritesFieldsInOrder) {
@@ -447,7 +444,7 @@ TEST(ACheck, MoveCopiesNumbersAndFlags) {
     }
 }
 
-TEST(ACheck, MoveTakesTheNodesOfBothTables) {
+TEST(ACheck, MoveTakesTheNodesOfBothMaps) {
     Check             source = full("text");
     auto const* const classification = &*source.classifications.begin();
     auto const* const location = &*source.located_names.begin();
@@ -461,7 +458,7 @@ TEST(ACheck, MoveTakesTheNodesOfBothTables) {
 }
 
 // A hash table with one bucket has it inside the object itself.
-TEST(ACheck, TablesWorkOnBothSidesOfAMove) {
+TEST(ACheck, MapsWorkOnBothSidesOfAMove) {
     for (std::int32_t const count : {0, 1, 2, 100}) {
         SCOPED_TRACE(count);
         Check source = overflow();

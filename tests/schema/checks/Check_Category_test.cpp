@@ -176,12 +176,6 @@ TEST(CheckCategory, CppVorIsFollowedByTheTagOfItsStatementKind) {
     wire::expect(value, "12000000  0C000000 FFFFFFFF 01000000 'f'");
 }
 
-TEST(CheckCategory, StrayTagsAreBare) {
-    wire::expect(tables::with_tag<Category>(77), "4D000000");
-    wire::expect(Category(), "FFFFFFFF");
-    EXPECT_EQ(wire::read<Category>(hex::bytes("4D000000")).tag, 77);
-}
-
 // ---- the arms' records on the wire ----
 
 TEST(CheckCategory, RecordsOfOneFieldWriteThatField) {

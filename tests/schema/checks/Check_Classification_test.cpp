@@ -38,7 +38,7 @@ TEST(CheckClassification, CriticalIsItsTagAndImpactHasAStringAndANumber) {
 }
 
 // Required: the last arm is a catch-all arm.
-TEST(CheckClassification, EveryOtherTagTakesTheImpactPayload) {
+TEST(CheckClassification, EveryOtherTagHasTheImpactPayload) {
     for (char const* const tag : {"02000000", "07000000", "FFFFFFFF"}) {
         auto const read = stray(tag, "FFFFFFFF 05000000 'stdin'  03000000");
         EXPECT_EQ(read.arm<"INPUT_IMPACT">(), (Impact{{"stdin"}, 3}));

@@ -55,7 +55,7 @@ TEST(OvflData, SingleIsFiveBytes) {
 }
 
 // Required: the last arm is a catch-all arm, so its flag follows an unknown tag.
-TEST(OvflData, EveryOtherTagTakesTheFlag) {
+TEST(OvflData, EveryOtherTagHasTheFlag) {
     for (char const* const tag : {"03000000", "07000000", "FFFFFFFF"}) {
         auto const read = wire::read<T_Ovfl_Data>(hex::bytes(tag) + "T");
         EXPECT_TRUE(read.arm<"Single_Ovfl">().first_flag);
@@ -119,7 +119,7 @@ TEST(IncorrectCall, RecordsWriteFieldsInOrder) {
 }
 
 // Required, as for overflows.
-TEST(IncorrectCall, EveryOtherTagTakesTheLastRecord) {
+TEST(IncorrectCall, EveryOtherTagHasTheLastRecord) {
     for (char const* const tag : {"03000000", "07000000", "FFFFFFFF"}) {
         std::string const bytes =
             std::string(tag) + "09000000  FFFFFFFF 01000000 'a'  54" +

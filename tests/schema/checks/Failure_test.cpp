@@ -84,6 +84,7 @@ TEST(Failure, WritesFieldsInOrder) {
                  "46  54"
                  "04000000");
 
+    // Above, the first and the third flag are equal.
     Failure last_flag;
     last_flag.third_flag = true;
     wire::expect(last_flag, "46  46  46  00000000  00000000  46  54  FFFFFFFF");
@@ -188,7 +189,7 @@ TEST(Failure, NamedNumbersOfOneKeyDecide) {
 
 // Required: the comparison follows the order of the left hash table and ends at the first
 // difference.
-TEST(Failure, FirstDifferentNumberInTheLeftTablesOrderDecides) {
+TEST(Failure, FirstDifferentNumberInTheLeftMapsOrderDecides) {
     Numbers const left{{{"a"}, 1}, {{"b"}, 2}};
     Numbers const right{{{"a"}, 2}, {{"b"}, 1}};
     EXPECT_EQ(with_numbers(left) < with_numbers(right),

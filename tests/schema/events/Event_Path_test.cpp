@@ -25,7 +25,7 @@ TEST(EventValue, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
         {{"LoopIteration", "03000000 '0' 00 00"}, {"WithValue", "'F'  FFFFFFFF 00000000"}});
 }
 
-TEST(EventValue, AStrayTagKeepsItsPayload) {
+TEST(EventValue, AnUnknownTagKeepsItsPayload) {
     for (char const* const tag : {"02000000", "F7FFFFFF"}) {
         std::string const bytes =
             hex::bytes(tag + "  'T' FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'  01000000"s);

@@ -60,7 +60,7 @@ TEST(AttributeKind, ReadingAnotherTagBuildsTheBoundsAbsent) {
     EXPECT_FALSE(kind.arm<"NUMERICAL_ATTRIBUTE">().upper.has_value());
 }
 
-TEST(Attribute, DefaultHasNoKindAndEmptyTables) {
+TEST(Attribute, DefaultHasNoKindAndEmptyContainers) {
     Attribute const attribute;
     EXPECT_EQ(attribute.kind.tag, -1);
     auto expect_unused = [](auto const& table) {
@@ -88,7 +88,7 @@ TEST(Attribute, WritesItsFieldsInOrder) {
                  " 01000000 FEFFFFFF 03000000 04000000");
 }
 
-TEST(Attribute, WritesItsTablesInTheirOwnOrder) {
+TEST(Attribute, WritesItsContainersInTheirOwnOrder) {
     Attribute attribute;
     for (sml::int32 i = 0; i < 40; ++i) {
         attribute.first_values.insert(i * 7919);
@@ -109,7 +109,7 @@ TEST(Attribute, WritesItsTablesInTheirOwnOrder) {
     EXPECT_TRUE(wire::read<Attribute>(bytes).ranges == attribute.ranges);
 }
 
-TEST(Attribute, ReadingAddsToItsTablesAndKeepsTheFirstEntry) {
+TEST(Attribute, ReadingAddsToItsContainersAndKeepsTheFirstEntry) {
     Attribute attribute;
     attribute.first_values = {1};
     attribute.second_values = {1};

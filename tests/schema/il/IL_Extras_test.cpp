@@ -63,7 +63,7 @@ TEST(ResultData, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
     tables::expect_arms_with_catch_all<Data>(result_data);
 }
 
-TEST(ResultData, AStrayTagKeepsItsWord) {
+TEST(ResultData, AnUnknownTagKeepsItsWord) {
     for (char const* const tag : {"1A000000", "F6FFFFFF"}) {
         std::string const bytes = hex::bytes(tag + "  2A000000"s);
         auto const        data = wire::read<Data>(bytes);
@@ -391,7 +391,7 @@ TEST(ProcedureDeclaration, TextsCompareAsTextsAndFlagsOneByOne) {
     order::expect_less(Declaration{"\x7F", {}, 0}, Declaration{"\x80", {}, 0});
 }
 
-TEST(ProgramData, WritesResultsAttributesAndTables) {
+TEST(ProgramData, WritesResultsAttributesAndMaps) {
     Data::Program_args program;
     program.results.emplace().first_int = 7;
     program.attributes["a"s].flag = true;
@@ -405,7 +405,7 @@ TEST(ProgramData, WritesResultsAttributesAndTables) {
                  "  FFFFFFFF 'T' 01000000");
 }
 
-TEST(ProgramData, StartsWithoutResultsAndWithEmptyTables) {
+TEST(ProgramData, StartsWithoutResultsAndWithEmptyMaps) {
     Data        data;
     auto const& program = data.choose<"Program">();
     EXPECT_FALSE(program.results.has_value());
@@ -415,7 +415,7 @@ TEST(ProgramData, StartsWithoutResultsAndWithEmptyTables) {
     EXPECT_TRUE(program.tables.empty());
 }
 
-TEST(ProgramData, TablesAreWrittenInTheOrderOfTheirHandles) {
+TEST(ProgramData, MapsAreWrittenInTheOrderOfTheirHandles) {
     order::Handles const names;
     Data::Program_args   program;
     program.tables[names.greater];
@@ -543,7 +543,7 @@ TEST(ProgramData, AnUnsetAttributeIsPassedOverButNotEqual) {
     order::expect_unordered(program, other);
 }
 
-TEST(ProgramData, TablesOrderEntryByEntryBeforeTheirSize) {
+TEST(ProgramData, MapsOrderEntryByEntryBeforeTheirSize) {
     order::Handles const names;
     auto                 program = [](Strings_T const& table, std::initializer_list<int> numbers,
                       Strings_T const& key, bool flag, Strings_T const& text) {
@@ -578,7 +578,7 @@ TEST(PragmaParameter, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
          {"STRING_PRAGMA_PARAMETER", "0000000000000000"}});
 }
 
-TEST(PragmaParameter, EveryStrayTagCarriesAnOpaqueWord) {
+TEST(PragmaParameter, EveryUnknownTagHasAnOpaqueWord) {
     auto const parameter = wire::read<T_PragmaParameter>(hex::bytes("06000000 0807060504030201"));
     EXPECT_EQ(parameter.arm<"STRING_PRAGMA_PARAMETER">(), 0x0102030405060708u);
     wire::expect(parameter, "06000000 0807060504030201");
@@ -600,7 +600,7 @@ TEST(PragmaParameter, OpaqueWordsCrossAsTheyStand) {
     wire::expect(parameter, "05000000 0000000000000080");
 }
 
-TEST(PragmaParameter, PlacesCompareAsUnsignedInTurn) {
+TEST(PragmaParameter, PlacesCompareAsUnsignedOneAfterAnother) {
     using Place = T_PragmaParameter::SOURCE_LOC_PRAGMA_PARAMETER_args;
     order::expect_less(Place{1, 2, 2}, Place{0xFFFFFFFF, 1, 1});
     order::expect_less(Place{1, 1, 2}, Place{1, 0xFFFFFFFFFFFFFFFF, 1});

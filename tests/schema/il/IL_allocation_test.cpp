@@ -15,8 +15,8 @@ using allocations::fail_each_allocation;
 using sml::IL::T_Annotation;
 using sml::IL::T_Info_Expr;
 
-/// Fails each allocation of `action` in turn; whatever it throws out of leaves nothing behind.
-/// Gives how many allocations it makes.
+/// Runs `action` with its first allocation failing, then with its second, and so on until it ends.
+/// Expects that no memory is held after each failure. Returns how many allocations it makes.
 template <class Action>
 long expect_no_leak(Action const& action) {
     long const held = allocations::held();

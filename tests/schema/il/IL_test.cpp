@@ -261,7 +261,7 @@ TEST(Annotation, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
          {"Valued_Event_Annote", "FFFFFFFF 00000000  00000000  FFFFFFFF"}});
 }
 
-TEST(Annotation, AStrayTagKeepsItsPayload) {
+TEST(Annotation, AnUnknownTagKeepsItsPayload) {
     for (char const* const tag : {"04000000", "FEFFFFFF"}) {
         std::string const bytes =
             hex::bytes(tag + "  FFFFFFFF 01000000 'a'  07000000  05000000 FEFFFFFF 01000000 'x'"s);

@@ -18,7 +18,7 @@ TEST(LongOperation, EveryArmHasItsTagItsNameAndItsDefaultPayload) {
         {{"FUNCTION", "FFFFFFFF 00000000  01000000"}, {"LOOP", "FFFFFFFF 00000000"}});
 }
 
-TEST(LongOperation, ARepeatedLoopNameCostsFourBytes) {
+TEST(LongOperation, ABackReferenceToALoopNameTakesFourBytes) {
     T_Long_Op_T loop;
     loop.choose<"LOOP">() = "loop";
     wire::expect(loop, "01000000  FFFFFFFF 04000000 'loop'");

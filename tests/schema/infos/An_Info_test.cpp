@@ -173,7 +173,7 @@ TEST(AnInfo, UnsetCategoryEndsTheComparison) {
     order::expect_less(lesser, set);
 }
 
-TEST(AnInfo, StrayCategoryTagsCompareTheirPayloads) {
+TEST(AnInfo, UnknownCategoryTagsCompareTheirPayloads) {
     auto read = [](std::int32_t tag, bool flag) {
         Info info;
         info.category.choose_tag(tag);
@@ -227,7 +227,7 @@ TEST(AnInfo, MovedRecordsShareNothingButStrings) {
     EXPECT_EQ(source, full("text"));
 }
 
-TEST(AnInfo, MoveOfListsAndTablesCopiesThem) {
+TEST(AnInfo, MoveOfListsAndMapsCopiesThem) {
     Info source;
     source.category.choose<"RELATION">() = {{cell(1), cell(2)}, {"a"}, 3, {"b"}};
     Info const relation = std::move(source);

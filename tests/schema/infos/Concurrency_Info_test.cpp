@@ -53,7 +53,7 @@ TEST(Origin, SpawnedWritesTableAndFlag) {
 }
 
 // Required: every tag other than 0, 1 and 2, also that of an unset value, is followed by a map.
-TEST(Origin, EveryOtherTagTakesTheSpawnedPayload) {
+TEST(Origin, EveryOtherTagHasTheSpawnedPayload) {
     for (char const* const tag : {"04000000", "FFFFFFFF", "00000080"}) {
         std::string const bytes =
             tag + std::string(
@@ -87,7 +87,7 @@ TEST(Spawners, AreHashedByTheHashOfTheSignature) {
     EXPECT_EQ(table.hash_function()({}), 0xdf87ea5aeaa8863cu);
 }
 
-TEST(Spawners, EmptyTablesAreEqualAndNeitherIsLess) {
+TEST(Spawners, EmptyMapsAreEqualAndNeitherIsLess) {
     order::expect_equal(Spawned{{}, false}, Spawned{{}, false});
 }
 
@@ -99,7 +99,7 @@ TEST(Spawners, FewerEntriesAreLessWhateverTheKeys) {
 }
 
 // Required: the order is only partial.
-TEST(Spawners, TablesOfOneSizeWithDifferentKeysAreUnordered) {
+TEST(Spawners, MapsOfOneSizeWithDifferentKeysAreUnordered) {
     order::expect_unordered(Spawned{spawners({{"a", 1}}), false},
                             Spawned{spawners({{"b", 2}}), true});
     order::expect_unordered(Spawned{spawners({{"a", 1}, {"b", 1}}), false},
@@ -114,7 +114,7 @@ TEST(Spawners, NumbersOfOneKeyOrderAsSigned) {
 
 // Required: the comparison follows the order of the left hash table and ends at the first
 // difference.
-TEST(Spawners, FirstDifferentNumberInTheLeftTablesOrderDecides) {
+TEST(Spawners, FirstDifferentNumberInTheLeftMapsOrderDecides) {
     Spawned const left{spawners({{"a", 1}, {"b", 2}}), false};
     Spawned const right{spawners({{"a", 2}, {"b", 1}}), false};
     auto const    first_of_left = *left.spawners.begin();
@@ -130,13 +130,13 @@ TEST(Spawners, InsertionOrderPlaysNoPartInEquality) {
     EXPECT_FALSE((Spawned{spawners({{"a", 1}}), true}) == (Spawned{spawners({{"a", 2}}), true}));
 }
 
-TEST(Spawners, FlagDecidesBehindEqualTables) {
+TEST(Spawners, FlagDecidesBehindEqualMaps) {
     order::expect_less(Spawned{spawners({{"a", 1}}), false}, Spawned{spawners({{"a", 1}}), true});
 }
 
 // Required: a key is inserted before its value is read, so the last value of a repeated key is
 // kept.
-TEST(Spawners, KeyThatComesTwiceTakesItsLastNumber) {
+TEST(Spawners, RepeatedKeyTakesItsLastNumber) {
     auto const read = wire::read<Spawned>(
         hex::bytes("02000000"
                    "FFFFFFFF 01000000 'p' FEFFFFFF 00000000 02000000 02000000  01000000"
@@ -181,7 +181,7 @@ TEST(ConcurrencyInfo, RoutineWritesFieldsInOrder) {
 }
 
 // Required: every tag other than 0, also that of an unset value, is followed by a routine.
-TEST(ConcurrencyInfo, EveryOtherTagTakesTheRoutine) {
+TEST(ConcurrencyInfo, EveryOtherTagHasTheRoutine) {
     for (char const* const tag : {"02000000", "FFFFFFFF"}) {
         std::string const bytes =
             tag +
@@ -198,7 +198,7 @@ TEST(ConcurrencyInfo, OrdersByTagAndIsLessThanItselfWithoutPayload) {
 }
 
 // Required: an origin without payload is less than itself.
-TEST(ConcurrencyInfo, ItemsOfOneNameAndBareOriginAreEachLess) {
+TEST(ConcurrencyInfo, ItemsOfOneNameAndAnOriginWithoutPayloadAreEachLess) {
     for (std::int32_t const tag : {0, 1, 2}) {
         Item item{{"i"}, {}};
         item.origin.choose_tag(tag);

@@ -123,7 +123,7 @@ TEST(OperatorKind, RecordsWriteFieldsInOrder) {
 }
 
 // Required: every tag other than 0 and 1 is followed by a unary operator.
-TEST(OperatorKind, EveryOtherTagTakesTheUnaryOperator) {
+TEST(OperatorKind, EveryOtherTagHasTheUnaryOperator) {
     for (char const* const tag : {"03000000", "FFFFFFFF"}) {
         std::string const bytes = tag + std::string("FFFFFFFF 01000000 'a' FEFFFFFF 01000000 'b'");
         auto const        read = wire::read<T_Info_Operator_Kind>(hex::bytes(bytes));
@@ -165,7 +165,7 @@ TEST(InformationCategory, Has17Arms) {
 }
 
 // Required: every other tag is followed by a read structure.
-TEST(InformationCategory, EveryOtherTagTakesTheLastPayload) {
+TEST(InformationCategory, EveryOtherTagHasTheLastPayload) {
     for (char const* const tag : {"11000000", "FFFFFFFF"}) {
         std::string const bytes =
             tag + std::string(
@@ -313,7 +313,7 @@ TEST(InformationCategory, OrdersByTagAndIsLessThanItselfWithoutPayload) {
     tables::expect_order_by_tag<Category>();
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements are.
 TEST(InformationCategory, RelationOfFewerVariablesIsLess) {
     using Relation = Category::RELATION_args;
     order::expect_less(Relation{{cell(9)}, {}, 9, {}}, Relation{{cell(1), cell(1)}, {}, 1, {}});
@@ -376,7 +376,7 @@ TEST(FieldInformation, HasTwoArmsWithAValueEach) {
                  "01000000  FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000");
 }
 
-TEST(FieldInformation, EveryOtherTagTakesAValueToo) {
+TEST(FieldInformation, EveryOtherTagHasAValueToo) {
     auto const read = wire::read<T_Field_Information_Kind>(
         hex::bytes("FFFFFFFF"
                    "FFFFFFFF 00000000 07000000 06000000 02000000 00000000 04000000"));
@@ -516,7 +516,7 @@ TEST(StackEscape, WritesEntriesInAddressOrderThenTheFlag) {
 
 // Required: a key is inserted before its value is read, so the last state of a repeated key is
 // kept.
-TEST(StackEscape, KeyThatComesTwiceTakesItsLastState) {
+TEST(StackEscape, RepeatedKeyTakesItsLastState) {
     auto const read = wire::read<Escape>(
         hex::bytes("02000000  FFFFFFFF 01000000 'a' 01000000  01000000 03000000  46"));
     EXPECT_EQ(read, (Escape{{{{"a"}, escape_info::Surely_Out_Of_Stack}}, false}));

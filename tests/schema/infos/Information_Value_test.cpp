@@ -101,7 +101,7 @@ TEST(InfoType, OrdersByTagThenRecord) {
                         type<"Inf_Type_Ada_Float">(Ada_Float{1.5, 2, 3}));
 }
 
-// Required: the shorter list is less, whatever it holds.
+// Required: the shorter list is less, whatever its elements are.
 TEST(InfoType, ListsOfAdaFixedOrderByCountThenAsSignedNumbers) {
     order::expect_less(Ada_Fixed{{9}, 9, 9, true, {}}, Ada_Fixed{{1, 1}, 1, 1, false, {}});
     order::expect_less(Ada_Fixed{{-1}, 9, 9, true, {}}, Ada_Fixed{{1}, 1, 1, false, {}});

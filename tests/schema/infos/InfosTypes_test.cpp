@@ -80,7 +80,7 @@ TEST(VariableName, WritesEachPayload) {
 }
 
 // Required: every tag without an arm of its own is followed by a variable.
-TEST(VariableName, EveryOtherTagTakesTheVariablePayload) {
+TEST(VariableName, EveryOtherTagHasTheVariablePayload) {
     for (char const* const tag : {"06000000", "FFFFFFFF"}) {
         std::string const bytes =
             std::string(tag) + "FFFFFFFF 01000000 'q' FEFFFFFF 01000000 'n'  05000000  54";
@@ -207,7 +207,7 @@ TEST(StatementKind, WritesEachPayload) {
 }
 
 // Required: every tag without an arm of its own is followed by a variable.
-TEST(StatementKind, EveryOtherTagTakesTheLastPayload) {
+TEST(StatementKind, EveryOtherTagHasTheLastPayload) {
     for (char const* const tag : {"15000000", "FFFFFFFF", "00000080"}) {
         std::string const bytes = std::string(tag) + "00000000 07000000";
         auto const        read = wire::read<T_Info_Statement_Kind>(hex::bytes(bytes));

@@ -116,7 +116,7 @@ TEST(Range, IntervalOfFloatsWritesBothWithoutFlags) {
 TEST(Range, NanIsItsTag) { wire::expect(no_number(), "01000000"); }
 
 // Required: every tag other than 0 and 1, also that of an unset value, is followed by two floats.
-TEST(Range, EveryOtherTagTakesTwoFloats) {
+TEST(Range, EveryOtherTagHasTwoFloats) {
     for (std::int32_t const tag : {3, 1000, -1, std::numeric_limits<std::int32_t>::min()}) {
         T_Range const stray = with_other_tag(real(1.5, 2), tag);
         EXPECT_EQ(stray.tag, tag);
@@ -298,7 +298,7 @@ TEST(ValueRange, NanAmongTheIntervalsIsItsTag) {
 }
 
 // Required: every tag other than 0 and 1 is followed by intervals and a multiplicity.
-TEST(ValueRange, EveryOtherTagTakesIntervals) {
+TEST(ValueRange, EveryOtherTagHasIntervals) {
     for (std::int32_t const tag : {3, 1000, -1}) {
         auto const stray = with_other_tag(range({no_number()}, multiple(0)), tag);
         EXPECT_EQ(stray.arm<"Value_Range">().intervals.size(), 1u);

@@ -153,7 +153,7 @@ TEST(Reference, ArmsAreReachedByName) {
     expect_arms_by_name<T_FunctionRef, "FunctionId", "FunctionPtr">();
 }
 
-TEST(Reference, AnAddressOfAllOnesComesBackAndSortsLast) {
+TEST(Reference, AnAddressOfAllOnesIsReadBackAndSortsLast) {
     auto const bytes = wire::write(reference<T_FunctionRef>(1, all_ones));
     auto const read = wire::read<T_FunctionRef>(bytes);
     EXPECT_EQ(read.which, 1);
@@ -253,7 +253,7 @@ TEST(InterrogatorCheckOVFL, AnAbsentPairIsFollowedAtOnceByTheSecondText) {
                  "  'F'  00000000  'F'  'F'  01000000 't'");
 }
 
-TEST(InterrogatorCheckOVFL, TwoEqualStringsAreAFirstSightAndARepeat) {
+TEST(InterrogatorCheckOVFL, TwoEqualStringsAreADefinitionAndABackReference) {
     T_InterrogatorCheckOVFL check{"", interrogator(), false, 0, false, {{"same"s, "same"s}}, ""};
     wire::expect(check, "00000000  "s + interrogator_bytes +
                             "'F'  00000000  'F'"

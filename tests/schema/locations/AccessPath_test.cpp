@@ -38,7 +38,7 @@ TEST(Selector, WritesFieldNameAndOwner) {
 }
 
 // Required: every tag other than 0 is followed by a field.
-TEST(Selector, EveryOtherTagTakesTheFieldPayload) {
+TEST(Selector, EveryOtherTagHasTheFieldPayload) {
     for (char const* const tag : {"02000000", "FFFFFFFF", "00000080", "FFFFFF7F"}) {
         std::string const bytes =
             hex::bytes(tag) + hex::bytes("FFFFFFFF 01000000 'x'  54 01000000 07000000");

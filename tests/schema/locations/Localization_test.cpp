@@ -23,7 +23,7 @@ TEST(Localization, WritesFieldsInOrder) {
                  "04030201  FFFFFFFF 06000000 'main.c'  FEFFFFFF");
 }
 
-TEST(Localization, PlacesInOneFileShareItsFirstSight) {
+TEST(Localization, PlacesInOneFileShareItsDefinition) {
     std::list<T_Localization> const places{{1, {"main.c"}, 2}, {3, {"main.c"}, 4}};
     wire::expect(places,
                  "02000000"

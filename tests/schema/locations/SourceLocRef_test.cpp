@@ -25,7 +25,7 @@ TEST(SourceLocRef, WritesFieldsInOrder) {
                  "01000000  00000000 FFFFFFFF 00000000 00000000  FEFFFFFFFFFFFFFF");
 }
 
-TEST(SourceLocRef, ReferencesToOneFileShareItsFirstSight) {
+TEST(SourceLocRef, ReferencesToOneFileShareItsDefinition) {
     std::list<T_SourceLocRef> const references{{1, {2, {"a.c"}, 3}, 4}, {5, {6, {"a.c"}, 7}, 8}};
     wire::expect(references,
                  "02000000"

@@ -29,7 +29,7 @@ TEST(AggregatedResults, EmptyOnesAreSeventeenWordsOfZero) {
     wire::expect(Aggregated(), hex::shown(std::string(17 * 4, '\0')));
 }
 
-TEST(AggregatedResults, TheirTablesFollowTheApplicationResultsAtOnce) {
+TEST(AggregatedResults, TheirMapsFollowTheApplicationResultsAtOnce) {
     Aggregated results;
     results.application_results.first_int = -1;
     results.info_definitions[5];
@@ -57,7 +57,7 @@ TEST(AggregatedResults, CheckDataKeepsTheOrderOfTheList) {
     for (int const id : {3, 1, 2, 1}) EXPECT_EQ((next++)->first, id);
 }
 
-TEST(AggregatedResults, SmallerTablesAreLessAndDifferentKeysUnordered) {
+TEST(AggregatedResults, SmallerMapsAreLessAndDifferentKeysUnordered) {
     Aggregated a;
     Aggregated b;
     a.info_definitions[1];
@@ -157,7 +157,7 @@ TEST(AggregatedResults, ReadingAppendsToCheckDataAndKeepsOldEntries) {
     EXPECT_EQ(results.check_data.back().second.category.tag, -1);
 }
 
-TEST(AggregatedResults, OneStringTableServesTheWholeObject) {
+TEST(AggregatedResults, OneStringTableIsOfTheWholeObject) {
     Aggregated results;
     results.application_results.check_numbers["name"s] = 1;
     results.kernel_to_gui_info_ids[Key("name"s, 1)] = 2;
@@ -178,7 +178,7 @@ TEST(TablesOfResults, ChecksByIdKeepTheFirstEntryOfAnId) {
     EXPECT_EQ(checks.at(-5).first_int, 2);
 }
 
-TEST(TablesOfResults, ANameThatComesTwiceKeepsItsFirstSetOfNames) {
+TEST(TablesOfResults, ARepeatedNameKeepsItsFirstSetOfNames) {
     using Sets = std::unordered_map<Strings_T, std::unordered_set<Strings_T>>;
     auto const sets =
         wire::read<Sets>(hex::bytes("02000000"

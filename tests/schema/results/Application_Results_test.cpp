@@ -81,7 +81,7 @@ TEST(ApplicationResults, EmptyOnesAreANumberAndThirteenCountsOfZero) {
     EXPECT_EQ(tables, 13);
 }
 
-TEST(ApplicationResults, WriteTheirTablesInOrder) {
+TEST(ApplicationResults, WriteTheirMapsInOrder) {
     Results results;
     results.first_int = -1;
     results.block_numbers["k"s] = 1;
@@ -184,7 +184,7 @@ TEST(ApplicationResults, TheSmallerTableIsLess) {
     });
 }
 
-TEST(ApplicationResults, TablesOfOneSizeAndDifferentKeysAreUnordered) {
+TEST(ApplicationResults, MapsOfOneSizeAndDifferentKeysAreUnordered) {
     for_each_table([](auto table) {
         Results a;
         entry(a.*table, "a");
@@ -343,7 +343,7 @@ TEST(ApplicationResults, AnEntryThatCannotBeReadLeavesTheOnesBefore) {
     EXPECT_EQ(results.block_numbers, (std::unordered_map<Strings_T, sml::int32>{{"a"s, 1}}));
 }
 
-TEST(ApplicationResults, CopiesAreIndependentAndMovesTakeTheTables) {
+TEST(ApplicationResults, CopiesAreIndependentAndMovesTakeTheMaps) {
     Results original = one_of_each();
     Results copy = original;
     order::expect_equal(copy, original);

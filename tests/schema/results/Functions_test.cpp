@@ -249,7 +249,7 @@ TEST(AFunction, AnUnsetContextOrCloneIsNeitherLessNorEqual) {
     order::expect_unordered(clone_of("a"s, -1), later);
 }
 
-TEST(AFunction, ReadingAddsToItsTables) {
+TEST(AFunction, ReadingAddsToItsContainers) {
     T_A_Function value = function();
     value.first_key_set = {{"held"s, 1}};
     value.numbers = {{"held"s, 1}};

@@ -34,9 +34,9 @@ Prepared const& prepared(std::size_t checks) {
     return kept(made, checks, [](std::size_t size) { return workload(size); });
 }
 
-Prepared const& prepared_without_bare_arms(std::size_t checks) {
+Prepared const& prepared_with_payloads(std::size_t checks) {
     static std::map<std::size_t, Prepared> made;
-    return kept(made, checks, [](std::size_t size) { return workload_without_bare_arms(size); });
+    return kept(made, checks, [](std::size_t size) { return workload_with_payloads(size); });
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {

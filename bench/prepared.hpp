@@ -31,7 +31,7 @@ private:
 Prepared const& prepared(std::size_t checks);
 
 /// The same with the workload in which every variant has an arm with a payload.
-Prepared const& prepared_without_bare_arms(std::size_t checks);
+Prepared const& prepared_with_payloads(std::size_t checks);
 
 /// Runs a benchmark on 1,000, 10,000 and 100,000 checks.
 void sizes(benchmark::internal::Benchmark* benchmark);

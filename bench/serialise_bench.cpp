@@ -60,8 +60,8 @@ bench::Prepared const& data_of(benchmark::State const& state) {
     return bench::prepared(static_cast<std::size_t>(state.range(0)));
 }
 
-bench::Prepared const& data_without_bare_arms_of(benchmark::State const& state) {
-    return bench::prepared_without_bare_arms(static_cast<std::size_t>(state.range(0)));
+bench::Prepared const& data_with_payloads_of(benchmark::State const& state) {
+    return bench::prepared_with_payloads(static_cast<std::size_t>(state.range(0)));
 }
 
 /// Calls `call` only the first time for this `name` and size, and reports how long that first call
@@ -167,14 +167,14 @@ void equal(benchmark::State& state) {
 }
 
 /// Measures `==` with the graphs that `less` is measured with.
-void equal_without_bare_arms(benchmark::State& state) {
-    time_equal<Library>(state, data_without_bare_arms_of(state));
+void equal_with_payloads(benchmark::State& state) {
+    time_equal<Library>(state, data_with_payloads_of(state));
 }
 
 /// Compares graphs that are equal and in which no part is less than the other, so that `<` has to
 /// compare everything.
 void less(benchmark::State& state) {
-    auto const& data = data_without_bare_arms_of(state);
+    auto const& data = data_with_payloads_of(state);
     Graph       other;
     Library::to_cxx(other, data.bytes().data());
     if (other < data.value) return state.SkipWithError("a value is less than its equal");
@@ -221,7 +221,7 @@ bool add() {
 bool const plain_is_added = add<Plain>();
 bool const library_is_added = add<Library>();
 
-BENCHMARK(equal_without_bare_arms)->Name("library/equal_without_bare_arms")->Apply(bench::sizes);
+BENCHMARK(equal_with_payloads)->Name("library/equal_with_payloads")->Apply(bench::sizes);
 BENCHMARK(less)->Name("library/less")->Apply(bench::sizes);
 BENCHMARK(destroy)->Name("library/destroy")->Apply(bench::sizes);
 

@@ -119,8 +119,8 @@ sml::Application_Results::T_Application_Results workload(std::size_t checks, std
     return Build(checks, seed, Arms_Drawn::usual).run();
 }
 
-sml::Application_Results::T_Application_Results workload_without_bare_arms(std::size_t   checks,
-                                                                           std::uint64_t seed) {
+sml::Application_Results::T_Application_Results workload_with_payloads(std::size_t   checks,
+                                                                       std::uint64_t seed) {
     return Build(checks, seed, Arms_Drawn::with_payload).run();
 }
 

@@ -18,7 +18,7 @@ sml::Application_Results::T_Application_Results workload(std::size_t   checks,
 
 /// The same, but every variant has an arm with a payload. An arm without one is less than itself
 /// and would end each comparison by `<`; with these, `<` has to compare everything.
-sml::Application_Results::T_Application_Results workload_without_bare_arms(
+sml::Application_Results::T_Application_Results workload_with_payloads(
     std::size_t checks, std::uint64_t seed = default_seed);
 
 }  // namespace bench

@@ -230,7 +230,7 @@ TEST(Workload, HasNoArmWithoutPayloadWhereNoneIsWanted) {
     EXPECT_GT(usual.bare, many_checks);
     EXPECT_LT(usual.failures_with_arm_3, usual.failures);
 
-    auto const value = bench::workload_without_bare_arms(many_checks);
+    auto const value = bench::workload_with_payloads(many_checks);
     Arms       wanted;
     bench::walk(value, wanted);
     EXPECT_GT(wanted.variants, many_checks);

@@ -235,15 +235,15 @@ private:
         if (tag < 0 || tag >= Arms::count) odd(at);
         // A variant with a negative tag is unequal even to itself.
         if (tag < 0) content += "at " + std::to_string(at);
-        return content + payload<Arms>(Arms::arm_for(tag),
+        return content + payload<Arms>(Arms::arm_with_payload(tag),
                                        std::make_integer_sequence<std::int32_t, Arms::count>{});
     }
 
     template <class Arms, std::int32_t... Index>
-    std::string payload(std::int32_t served, std::integer_sequence<std::int32_t, Index...>) {
+    std::string payload(std::int32_t arm, std::integer_sequence<std::int32_t, Index...>) {
         std::string content;
-        ((served == Index ? void(content = payload<typename Arms::template payload<Index>>())
-                          : void()),
+        ((arm == Index ? void(content = payload<typename Arms::template payload<Index>>())
+                       : void()),
          ...);
         return content;
     }

@@ -20,7 +20,7 @@ struct Options : WalkOptions {
     bool          pretty = false;
     std::uint64_t max_output = default_max_output;
     std::string   part;
-    std::string   table;
+    std::string   container;
 };
 
 std::uint64_t odd_ones(std::vector<Finding> const& findings) {
@@ -37,7 +37,7 @@ ExitCode dump_file(Options const& options, CLI::App const& app, Streams& streams
     WalkedInput const input(options, streams);
     DumpOptions       dump_options;
     bool const        in_lines = app.count("--ndjson") > 0;
-    dump_options.path = in_lines ? options.table : options.part;
+    dump_options.path = in_lines ? options.container : options.part;
     if (in_lines)
         dump_options.form = DumpOptions::Form::lines;
     else if (options.pretty)
@@ -76,7 +76,7 @@ Action declare_dump(CLI::App& app) {
                        "Only this part, as in checks[(\"src/a.c\",3)].category.OVFL; [#3] is "
                        "the value of the fourth entry of a map")
             ->type_name("PATH");
-    app.add_option("--ndjson", options->table,
+    app.add_option("--ndjson", options->container,
                    "One line for each element or [key, value] of this list, set or map")
         ->type_name("PATH")
         ->excludes(pretty)

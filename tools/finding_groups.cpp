@@ -9,16 +9,16 @@ namespace bradep {
 using sml::inspect::Finding;
 
 void FindingGroups::add(Finding const& finding) {
-    auto shape = path_shape(finding.path);
-    auto place = places_.find(shape);
-    if (place == places_.end()) {
-        if (groups_.size() == most_shapes_) return;
-        place = places_.emplace(shape, groups_.size()).first;
-        groups_.push_back({std::move(shape), {}, 0});
+    auto path = path_without_keys(finding.path);
+    auto known = by_path_.find(path);
+    if (known == by_path_.end()) {
+        if (groups_.size() == most_groups_) return;
+        known = by_path_.emplace(path, groups_.size()).first;
+        groups_.push_back({std::move(path), {}, 0});
     }
-    auto& group = groups_[place->second];
+    auto& group = groups_[known->second];
     ++group.count;
-    if (group.first.size() < most_of_a_shape) group.first.push_back(finding);
+    if (group.first.size() < most_of_a_group) group.first.push_back(finding);
 }
 
 void FindingGroups::report(std::ostream& err, std::string const& name,
@@ -29,7 +29,7 @@ void FindingGroups::report(std::ostream& err, std::string const& name,
         report_findings(err, name, group.first);
         if (auto const more = group.count - group.first.size())
             bradep::report(
-                err, name + ": " + std::to_string(more) + " more at " + group.shape + " (odd)");
+                err, name + ": " + std::to_string(more) + " more at " + group.path + " (odd)");
     }
     report_findings(err, name, verdict.findings);
     if (left > 0) bradep::report(err, name + ": " + std::to_string(left) + " more odd findings");

@@ -10,7 +10,7 @@
 
 namespace bradep {
 
-/// Groups odd findings by shape: the findings of a group have the same path, except for keys and
+/// Groups odd findings by place: the findings of a group have the same path, except for keys and
 /// indices.
 class FindingGroups {
 public:
@@ -18,28 +18,28 @@ public:
     /// counted.
     static constexpr std::size_t most_findings = 1'000'000;
 
-    explicit FindingGroups(std::size_t most_shapes) : most_shapes_(most_shapes) {}
+    explicit FindingGroups(std::size_t most_groups) : most_groups_(most_groups) {}
 
     void add(sml::inspect::Finding const& finding);
 
-    /// Prints the first findings of each shape and the number of its other findings, then the
+    /// Prints the first findings of each group and the number of its other findings, then the
     /// findings that the verdict lists itself, then the number of odd findings that are in no
     /// group.
     void report(std::ostream& err, std::string const& name,
                 sml::inspect::Verdict const& verdict) const;
 
 private:
-    static constexpr std::size_t most_of_a_shape = 3;
+    static constexpr std::size_t most_of_a_group = 3;
 
     struct Group {
-        std::string                        shape;
+        std::string                        path;  // without keys
         std::vector<sml::inspect::Finding> first;
         std::uint64_t                      count = 0;
     };
 
-    std::size_t                        most_shapes_;
+    std::size_t                        most_groups_;
     std::vector<Group>                 groups_;
-    std::map<std::string, std::size_t> places_;  // index of each shape in `groups_`
+    std::map<std::string, std::size_t> by_path_;  // indices in `groups_`
 };
 
 }  // namespace bradep

@@ -185,10 +185,6 @@ private:
     std::size_t      at_ = 0;
 };
 
-bool is_table(Type const& type) {
-    return type.kind == Kind::list || type.kind == Kind::set || type.kind == Kind::map;
-}
-
 }  // namespace
 
 std::string_view step_at(std::string_view path, std::size_t at) {
@@ -198,26 +194,27 @@ std::string_view step_at(std::string_view path, std::size_t at) {
     return path.substr(0, path.find_first_of(".["));
 }
 
-std::string path_shape(std::string_view path) {
-    std::string shape;
+std::string path_without_keys(std::string_view path) {
+    std::string without_keys;
     for (std::size_t at = 0; at < path.size();) {
         auto const step = step_at(path, at);
         bool const is_name = !step.starts_with('[');
-        if (path[at] == '.') shape += path[at++];
-        shape += is_name ? step : "[*]";
+        if (path[at] == '.') without_keys += path[at++];
+        without_keys += is_name ? step : "[*]";
         at += step.size();
     }
-    return shape;
+    return without_keys;
 }
 
 std::string part_name(std::string_view path) {
     return path.empty() ? "the root" : std::string(path);
 }
 
-std::optional<std::string> path_complaint(Type const& type, std::string_view path, bool to_table) {
+std::optional<std::string> path_complaint(Type const& type, std::string_view path,
+                                          bool to_container) {
     PathCheck check(type, path);
     auto      complaint = check.complaint();
-    if (!complaint && to_table && !is_table(check.type()))
+    if (!complaint && to_container && !check.type().is_container())
         return part_name(path) + " is no list, set or map";
     return complaint;
 }

@@ -80,7 +80,7 @@ ExitCode parse_and_act(CLI::App& app, std::vector<std::string> args,
 
 int run(std::vector<std::string> const& args, std::istream& in, std::ostream& out,
         std::ostream& err) {
-    CLI::App app("Carries the results of static analysers.", "bradep");
+    CLI::App app("Imports, shows and inspects the results of static analysers.", "bradep");
     app.set_version_flag("--version", "bradep " BRADEP_VERSION);
     app.require_subcommand(0, 1);
     std::vector<Action> actions;

@@ -116,10 +116,12 @@ std::vector<Named> tagged_of(json::value const& definition) {
     return all;
 }
 
-bool has_catch_all(json::value const& definition) {
+std::string catch_all_arm(json::value const& definition) {
     auto const* const arms = json_input::list(definition, "arms");
-    return arms != nullptr && !arms->empty() &&
-           json_input::member(arms->back(), "serves_all_other_tags") != nullptr;
+    if (arms == nullptr || arms->empty() ||
+        json_input::member(arms->back(), "serves_all_other_tags") == nullptr)
+        return "none";
+    return text(arms->back(), "name");
 }
 
 std::vector<Named>::const_iterator find(std::vector<Named> const& all, std::string const& name) {
@@ -237,7 +239,7 @@ private:
             compare_payloads(type + "." + was[tag].name, was[tag].type, found->type);
         }
         if (!moved.empty()) add_change(type, news(noun, was, is) + "tags move: " + moved);
-        compare_catch_all(type, was, is, has_catch_all(old), has_catch_all(now));
+        compare_catch_all(type, catch_all_arm(old), catch_all_arm(now));
     }
 
     // The names that are new, which can be why the tags of others have changed.
@@ -256,14 +258,8 @@ private:
         if (now != nullptr) add_change(where, "has a payload now");
     }
 
-    void compare_catch_all(std::string const& type, std::vector<Named> const& was,
-                           std::vector<Named> const& is, bool took, bool takes) {
-        auto const taker = [](std::vector<Named> const& arms, bool does) {
-            return does ? arms.back().name : std::string("none");
-        };
-        if (taker(was, took) != taker(is, takes))
-            add_change(type,
-                       "the catch-all arm was " + taker(was, took) + ", is " + taker(is, takes));
+    void compare_catch_all(std::string const& type, std::string const& was, std::string const& is) {
+        if (was != is) add_change(type, "the catch-all arm was " + was + ", is " + is);
     }
 
     json::value const&                            old_types_;

@@ -230,7 +230,7 @@ class FlatbuffersGenerator(Generator):
         rest = Part()
         rest.add("tag:int;", 4, "b.add_tag(v.tag);")
         rest_save, rest_load = "", ""
-        for tag, arm, payload, serves_rest in self.arms(use):
+        for tag, arm, payload, is_catch_all in self.arms(use):
             chosen = f"case tables::U{number}_a{tag}: {{ v.choose_tag({tag});"
             if payload is None:
                 members.append(f"a{tag}:Nothing")
@@ -246,7 +246,7 @@ class FlatbuffersGenerator(Generator):
             load = self.load_object(whole_payload, f"*static_cast<tables::{name} const*>(payload)",
                                     f'v.template arm<"{arm}">()')
             loads.append(f"{chosen} {load} break; }}")
-            if not serves_rest:
+            if not is_catch_all:
                 saves.append(f'case {tag}: {{ auto const& p = v.template arm<"{arm}">(); '
                              f"return {{tables::U{number}_a{tag}, {save}.Union()}}; }}")
                 continue

@@ -134,7 +134,7 @@ class ProtobufGenerator(Generator):
 
     def make_variant(self, number, use):
         fields, saves, loads = [], [], []
-        for tag, arm, payload, serves_rest in self.arms(use):
+        for tag, arm, payload, is_catch_all in self.arms(use):
             if payload is None:
                 continue
             if self.kind(payload) not in ("word", "integer"):
@@ -142,11 +142,11 @@ class ProtobufGenerator(Generator):
             name = f"a{tag}"
             own = self.fields(payload, name)
             fields += own
-            save = self.with_payload(tag, arm, serves_rest, self.save(payload, name, "p"))
-            # Tag 0 is never an unknown tag, which the catch-all arm serves.
-            other = f"if (v.tag != {tag}) m.set_tag(v.tag); " if serves_rest else ""
+            save = self.with_payload(tag, arm, is_catch_all, self.save(payload, name, "p"))
+            # Tag 0 is never an unknown tag, whose payload is the catch-all arm's.
+            other = f"if (v.tag != {tag}) m.set_tag(v.tag); " if is_catch_all else ""
             saves.append(f"case {tag}: {{ {other}{save} break; }}")
-            chosen = f"m.tag() != 0 ? m.tag() : {tag}" if serves_rest else f"{tag}"
+            chosen = f"m.tag() != 0 ? m.tag() : {tag}" if is_catch_all else f"{tag}"
             cases = " ".join(f"case form::M{number}::k{case.title().replace('_', '')}:"
                              for _, case in own)
             loads.append(f"{cases} {{ v.choose_tag({chosen}); "
@@ -156,7 +156,7 @@ class ProtobufGenerator(Generator):
                                  f"oneof arm {{ {self.declare(fields, 2)} }} }}")
         self.add_functions(
             number,
-            f"switch (serving(v)) {{ {' '.join(saves)} default: m.set_tag(v.tag); }}",
+            f"switch (arm_of(v)) {{ {' '.join(saves)} default: m.set_tag(v.tag); }}",
             f"switch (m.arm_case()) {{ {' '.join(loads)} default: v.choose_tag(m.tag()); }}")
 
     def write(self, directory):

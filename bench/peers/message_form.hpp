@@ -124,8 +124,8 @@ auto word_of(T const& value) {
 
 /// The arm whose payload follows the tag; -1 if there is no payload.
 template <class Variant>
-std::int32_t serving(Variant const& variant) {
-    return Variant::arms::arm_for(variant.tag);
+std::int32_t arm_of(Variant const& variant) {
+    return Variant::arms::arm_with_payload(variant.tag);
 }
 
 /// Calls `use` with the payload of the catch-all arm, which is the last. A payload that was not

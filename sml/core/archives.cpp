@@ -103,7 +103,7 @@ struct Buffered : std::streambuf {
 };
 
 /// Whether the stream takes neither flag for white space.
-bool knows_flags(std::istream const& stream) {
+bool has_usual_flags(std::istream const& stream) {
     std::locale const& locale = stream.getloc();
     if (!std::has_facet<std::ctype<char>>(locale)) return false;
     auto const& kinds = std::use_facet<std::ctype<char>>(locale);
@@ -124,7 +124,7 @@ void StreamIArchive::open() {
     point = core::decimal_point();  // the stream's buffer is the caller's code
     std::streambuf* const buffer = stream_->rdbuf();
     if (stream_->tie() != nullptr) return;
-    if (!stream_->good() || buffer == nullptr || !knows_flags(*stream_)) return;
+    if (!stream_->good() || buffer == nullptr || !has_usual_flags(*stream_)) return;
     at_ = Buffered::next(*buffer);
     end_ = Buffered::end(*buffer);
     item_ = nullptr;

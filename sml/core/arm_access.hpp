@@ -106,9 +106,8 @@ private:
     template <class V, class Use, std::int32_t... Index>
     static void visit_payload(V const& variant, Use& use,
                               std::integer_sequence<std::int32_t, Index...>) {
-        std::int32_t const served = V::arms::arm_for(variant.tag);
-        static_cast<void>(
-            ((Index == served && (use_payload_at<Index>(variant, use), true)) || ...));
+        std::int32_t const arm = V::arms::arm_with_payload(variant.tag);
+        static_cast<void>(((Index == arm && (use_payload_at<Index>(variant, use), true)) || ...));
     }
 
     template <std::int32_t Index, class V, class Use>

@@ -17,7 +17,7 @@ template <Name ArmName, class... Payload>
 struct Arm {
     static_assert(sizeof...(Payload) <= 1, "an arm has one payload: group several in a struct");
 
-    static constexpr bool has_catch_all = false;
+    static constexpr bool is_catch_all = false;
     static constexpr Name literal = ArmName;
     using payload = std::tuple_element_t<0, std::tuple<Payload..., void>>;
     static constexpr std::string_view name() { return ArmName.view(); }
@@ -28,7 +28,7 @@ struct Arm {
 /// arm has, negative ones too.
 template <Name ArmName, class Payload>
 struct ElseArm : Arm<ArmName, Payload> {
-    static constexpr bool has_catch_all = true;
+    static constexpr bool is_catch_all = true;
 };
 
 template <class Payload>
@@ -55,7 +55,7 @@ struct Arms {
     static constexpr std::array<char const*, sizeof...(A)> names{A::text()...};
     static constexpr std::array<bool, sizeof...(A)>        has_payload{
         !std::is_void_v<typename A::payload>...};
-    static constexpr bool has_catch_all = arm<last>::has_catch_all;
+    static constexpr bool has_catch_all = arm<last>::is_catch_all;
 
     static constexpr std::size_t storage_size =
         std::max({std::size_t{1}, size_of_payload<typename A::payload>...});
@@ -63,7 +63,7 @@ struct Arms {
         std::max({align_of_payload<typename A::payload>...});
 
     /// The arm whose payload belongs to `tag`, -1 if the tag has no payload.
-    static constexpr std::int32_t arm_for(std::int32_t tag) {
+    static constexpr std::int32_t arm_with_payload(std::int32_t tag) {
         if (tag >= 0 && tag < count) return has_payload[static_cast<std::size_t>(tag)] ? tag : -1;
         return has_catch_all ? last : -1;
     }
@@ -81,8 +81,8 @@ struct Arms {
         return std::ranges::is_sorted(all, std::ranges::less_equal{}) || all.size() == 1;
     }
     static consteval bool only_last_is_catch_all() {
-        std::int32_t const taking = (0 + ... + (A::has_catch_all ? 1 : 0));
-        return taking == (has_catch_all ? 1 : 0);
+        std::int32_t const catch_all_arms = (0 + ... + (A::is_catch_all ? 1 : 0));
+        return catch_all_arms == (has_catch_all ? 1 : 0);
     }
 };
 

@@ -78,16 +78,16 @@ public:
     StringsById(StringsById const&) = delete;
     StringsById& operator=(StringsById const&) = delete;
     ~StringsById() {
-        for (InTurn const& string : in_turn_)
+        for (InSequence const& string : in_sequence_)
             if (string.entry != nullptr) count_handles(string);
     }
 
     /// Makes `handle` refer to the string of `id`, which is at least 1.
     void refer(Strings_T& handle, std::int32_t id) {
         auto const index = static_cast<std::size_t>(id) - 1;
-        if (index >= in_turn_.size()) {
+        if (index >= in_sequence_.size()) {
             handle = others_[id];
-        } else if (InTurn& string = in_turn_[index]; handle.fStr != string.entry) {
+        } else if (InSequence& string = in_sequence_[index]; handle.fStr != string.entry) {
             handle.release();
             handle.fStr = string.entry;
             if (counting_ == Counting::immediately)
@@ -99,21 +99,21 @@ public:
 
     /// Sets the string of `id`, unless the id has one.
     void define(std::int32_t id, Strings_T const& handle) {
-        if (static_cast<std::size_t>(id) == in_turn_.size() + 1 && others_.empty() &&
+        if (static_cast<std::size_t>(id) == in_sequence_.size() + 1 && others_.empty() &&
             can_pin(handle)) {
-            in_turn_.push_back({handle.fStr, 0});
+            in_sequence_.push_back({handle.fStr, 0});
             if (handle.fStr != nullptr) handle.fStr->count += pin();
-        } else if (id < 1 || static_cast<std::size_t>(id) > in_turn_.size()) {
+        } else if (id < 1 || static_cast<std::size_t>(id) > in_sequence_.size()) {
             others_.try_emplace(id, handle);
         }
     }
 
-    std::size_t size() const noexcept { return in_turn_.size() + others_.size(); }
+    std::size_t size() const noexcept { return in_sequence_.size() + others_.size(); }
 
 private:
     using Entry = Strings_T::StringWithRefCount;
 
-    struct InTurn {
+    struct InSequence {
         Entry const*  entry;  // null for the empty text
         std::uint64_t uncounted;
     };
@@ -130,13 +130,13 @@ private:
         return handle.fStr == nullptr || handle.fStr->count < highest_count;
     }
 
-    void count_handles(InTurn const& string) const {
+    void count_handles(InSequence const& string) const {
         string.entry->count += string.uncounted - pin();
         if (string.entry->count == 0) Strings_T::fAllStrings.erase(*string.entry);
     }
 
     Counting                                    counting_;
-    std::vector<InTurn>                         in_turn_;  // ids from 1 on, in sequence
+    std::vector<InSequence>                     in_sequence_;  // ids from 1 on, in sequence
     std::unordered_map<std::int32_t, Strings_T> others_;
 };
 

@@ -23,7 +23,7 @@ struct VariantAccess {
     static void choose(V& variant, std::int32_t tag) {
         destroy(variant);
         variant.tag.value_ = -1;
-        build(variant, V::arms::arm_for(tag));
+        build(variant, V::arms::arm_with_payload(tag));
         variant.tag.value_ = tag;
     }
 
@@ -75,7 +75,7 @@ struct VariantAccess {
     static bool equal(V const& a, V const& b) {
         if (a.tag != b.tag || a.tag < 0) return false;
         bool result = true;
-        with_arm<V>(V::arms::arm_for(a.tag), [&]<std::int32_t Index>() {
+        with_arm<V>(V::arms::arm_with_payload(a.tag), [&]<std::int32_t Index>() {
             result =
                 Comparison::equal(ArmAccess::payload_at<Index>(a), ArmAccess::payload_at<Index>(b));
         });
@@ -87,7 +87,7 @@ struct VariantAccess {
         if (a.tag != b.tag) return a.tag < b.tag;
         if (a.tag < 0) return false;
         bool result = true;  // required: an arm without payload is less than itself
-        with_arm<V>(V::arms::arm_for(a.tag), [&]<std::int32_t Index>() {
+        with_arm<V>(V::arms::arm_with_payload(a.tag), [&]<std::int32_t Index>() {
             result =
                 Comparison::less(ArmAccess::payload_at<Index>(a), ArmAccess::payload_at<Index>(b));
         });
@@ -116,9 +116,9 @@ private:
         Reader<Archive> reader(archive);
         std::int32_t    tag{};
         reader(tag);
-        std::int32_t const served = V::arms::arm_for(tag);
-        if (tag != variant.tag || served != variant.alive_) choose(variant, tag);
-        at(variant, served, reader);
+        std::int32_t const arm = V::arms::arm_with_payload(tag);
+        if (tag != variant.tag || arm != variant.alive_) choose(variant, tag);
+        at(variant, arm, reader);
     }
 
     template <class V>

@@ -159,7 +159,7 @@ private:
                 write_use(*arm.payload);
             }
             if (type.has_catch_all && &arm == &type.arms.back()) {
-                json_.member("serves_all_other_tags");
+                json_.member("serves_all_other_tags");  // the name that readers of schemas have
                 json_.text += "true";
             }
             json_.close('}');

@@ -147,7 +147,7 @@ typename Table::mapped_type const& entry(Table const& table, typename Table::key
                                          char const* what) {
     auto const found = table.find(key);
     if (found == table.end())
-        not_imported(std::string("a check has ") + what + " that is in no table");
+        not_imported(std::string("a check has ") + what + " that is in no map");
     return found->second;
 }
 

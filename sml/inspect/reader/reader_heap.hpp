@@ -60,8 +60,9 @@ public:
         return take(copy + chunk_of(string_node) + table.added, passing + table.outgrown);
     }
 
-    /// An id that came in turn; a reader holds these in a vector, which doubles when it is full.
-    bool take_id_in_turn(std::uint64_t id) {
+    /// An id of the prefix (see `StringTable::Added`); a reader holds these in a vector, which
+    /// doubles when it is full.
+    bool take_id_in_prefix(std::uint64_t id) {
         if (id == 1) return take(chunk_of(pinned_size));
         if (!std::has_single_bit(id - 1)) return true;
         std::uint64_t const outgrown = chunk_of(pinned_size * (id - 1));

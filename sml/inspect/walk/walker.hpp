@@ -211,7 +211,7 @@ private:
         for (;; ++part) {
             at += part->words_before;
             if (part->kind == Kind::string &&
-                walk_.strings.is_in_sequence(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
+                walk_.strings.is_in_prefix(StringWord(word_at<std::int32_t>(at)))) [[likely]] {
                 at += least_size_of(Kind::string);
                 continue;
             }
@@ -237,7 +237,7 @@ private:
                     whole = optional(*part->type);
                     break;
                 case Kind::variant:
-                    if (is_bare(*part->type, word_at<std::uint32_t>(at))) {
+                    if (ends_with_tag(*part->type, word_at<std::uint32_t>(at))) {
                         at += least_size_of(Kind::variant);
                         continue;
                     }
@@ -283,7 +283,7 @@ private:
 
     /// Whether this tag is that of an arm without payload, and the limit of depth allows one more
     /// variant here.
-    bool is_bare(Type const& type, std::uint32_t tag) const {
+    bool ends_with_tag(Type const& type, std::uint32_t tag) const {
         return tag < type.arms.size() && type.arms[tag].payload == nullptr && may_nest();
     }
 
@@ -534,7 +534,7 @@ private:
         if (!added.in_sequence) odd_id(at, id);
         if (!added.text_is_new) odd_repetition(at);
         bool const does = walk_.heap.take_string(text.size(), added.text_is_new) &&
-                          (added.in_turn     ? walk_.heap.take_id_in_turn(walk_.strings.count())
+                          (added.in_prefix   ? walk_.heap.take_id_in_prefix(walk_.strings.count())
                            : added.id_is_new ? walk_.heap.take_other_id()
                                              : true);
         if (!does) return too_much_heap(at);

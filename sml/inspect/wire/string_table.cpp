@@ -8,32 +8,32 @@ namespace sml::inspect {
 StringTable::Added StringTable::add(std::int32_t id, std::uint64_t length_offset) {
     auto const entry = static_cast<std::uint32_t>(entries_.size());
     entries_.push_back({length_offset, hash_of(text_at(length_offset))});
-    bool const in_turn =
+    bool const in_prefix =
         id == prefix_ + 1 && static_cast<std::uint32_t>(prefix_) == entry && others_.empty();
-    if (in_turn) ++prefix_;
-    bool const id_is_new = in_turn || add_other(id, entry);
+    if (in_prefix) ++prefix_;
+    bool const id_is_new = in_prefix || add_other(id, entry);
     ++count_;
     bool const text_is_new = index_text(entry);
-    return {static_cast<std::uint32_t>(id) == count_, text_is_new, in_turn, id_is_new};
+    return {static_cast<std::uint32_t>(id) == count_, text_is_new, in_prefix, id_is_new};
 }
 
 bool StringTable::add_other(std::int32_t id, std::uint32_t entry) {
     bool const is_referable = StringWord::is_referable(id);
     bool const is_new =
-        is_referable ? !knows(id) : !std::exchange(id == 0 ? has_0_ : has_least_, true);
+        is_referable ? !has_id(id) : !std::exchange(id == 0 ? has_0_ : has_least_, true);
     if (model_ != nullptr) model_->use_id(id, is_new);
     if (is_new && is_referable) others_.add(id, entry);
     return is_new;
 }
 
 bool StringTable::refer_other(std::int32_t id) {
-    bool const is_new = !knows(id);
+    bool const is_new = !has_id(id);
     if (model_ != nullptr) model_->use_id(id, is_new);
     if (is_new) others_.add(id, unknown);
     return !is_new;
 }
 
-bool StringTable::knows(std::int32_t id) const { return id <= prefix_ || others_.find(id); }
+bool StringTable::has_id(std::int32_t id) const { return id <= prefix_ || others_.find(id); }
 
 bool StringTable::index_text(std::uint32_t entry) {
     if (distinct_ * 4 >= index_.size() * 3) grow_index();

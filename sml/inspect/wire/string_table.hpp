@@ -51,9 +51,10 @@ public:
     struct Added {
         bool in_sequence;  ///< the id is the number of definitions, this one included
         bool text_is_new;
-        /// The id came in turn: it and all ids before it are in sequence, and no id was referred to
-        /// before its definition. Their texts are the first entries, in the order of the ids.
-        bool in_turn;
+        /// The id has joined the prefix: it and all ids before it are in sequence, and no id was
+        /// referred to before its definition. Their texts are the first entries, in the order of
+        /// the ids.
+        bool in_prefix;
         bool id_is_new;  ///< neither defined nor referred to before
     };
 
@@ -61,9 +62,9 @@ public:
     /// bytes.
     Added add(std::int32_t id, std::uint64_t length_offset);
 
-    /// Whether a word is a back-reference to an id that came in turn (see `Added`), which needs no
+    /// Whether a word is a back-reference to an id of the prefix (see `Added`), which needs no
     /// lookup.
-    bool is_in_sequence(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
+    bool is_in_prefix(StringWord word) const noexcept { return word.refers_up_to(prefix_); }
 
     // For ids of at least 1.
 
@@ -143,7 +144,7 @@ private:
         return ((hash * (hash_seed | 1)) >> entry_bits << entry_bits) | (entry + 1);
     }
 
-    bool knows(std::int32_t id) const;
+    bool has_id(std::int32_t id) const;
     bool refer_other(std::int32_t id);
     bool add_other(std::int32_t id, std::uint32_t entry);
     bool index_text(std::uint32_t entry);
@@ -154,7 +155,7 @@ private:
     std::pmr::vector<Entry>         entries_;  // of the definitions, in their order
     Entry                           of_unknown_ids_{nowhere, seeded_hash(std::string_view())};
     std::uint32_t                   count_ = 0;
-    std::int32_t                    prefix_ = 0;  // ids from 1 to this came in turn
+    std::int32_t                    prefix_ = 0;  // ids from 1 to this are the prefix
     std::pmr::vector<Slot>          index_;       // open addressing by hash
     int                             shift_ = 0;   // shifts a slot to its number
     std::size_t                     distinct_ = 0;

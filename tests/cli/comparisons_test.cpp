@@ -10,7 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <bit>
 #include <functional>
 #include <string_view>
 
@@ -28,17 +29,29 @@ constexpr std::uint64_t unlimited = ~std::uint64_t{0};
 
 bool is_plain(char c) { return c > ' ' && c < '\x7f' && c != '"' && c != '\\' && c != '/'; }
 
+using Half = std::array<char, 8>;
+
+/// Counts up by one; the first digit is the lowest.
+void count_up(Half& digits) {
+    for (char& digit : digits) {
+        if (digit++ < '9') return;
+        digit = '0';
+    }
+}
+
 /// `count` texts with this hash, in characters that JSON needs no escapes for.
 Texts texts_of_hash(std::size_t count, std::uint64_t hash) {
-    Texts         texts;
-    std::uint64_t wanted = HashOf16::unfinished(hash);
-    for (std::uint64_t i = 10'000'000; texts.size() < count; ++i) {
-        std::string   text = std::to_string(i);
-        std::uint64_t half = 0;
-        std::memcpy(&half, text.data(), 8);
-        half = HashOf16::second_half(half, wanted);
-        text.append(reinterpret_cast<char const*>(&half), 8);
-        if (!std::ranges::all_of(text, is_plain)) continue;
+    Texts               texts;
+    std::uint64_t const wanted = HashOf16::unfinished(hash);
+    // Most second halves have a byte that isn't plain, so nothing is allocated before that is
+    // known.
+    for (Half first{'0', '0', '0', '0', '0', '0', '0', '0'}; texts.size() < count;
+         count_up(first)) {
+        auto const second =
+            std::bit_cast<Half>(HashOf16::second_half(std::bit_cast<std::uint64_t>(first), wanted));
+        if (!std::ranges::all_of(second, is_plain)) continue;
+        std::string text(first.begin(), first.end());
+        text.append(second.begin(), second.end());
         if (ReaderModel::text_hash(text) != hash) throw std::logic_error("another hash: " + text);
         texts.push_back(std::move(text));
     }

@@ -2,10 +2,13 @@
 """Compiles every public header alone, with nothing but the source tree to include from.
 
     headers_alone.py SOURCE COMPILER HEADER...
+    headers_alone.py --together SOURCE COMPILER HEADER...
 
-Most headers include the same one first. It is precompiled once for all of them.
+Most headers include the same one first. It is precompiled once for all of them. With --together,
+one source includes all headers.
 """
 
+import argparse
 import concurrent.futures
 import os
 import pathlib
@@ -26,25 +29,32 @@ def starts_with_base(header):
 
 
 def main():
-    source, command = pathlib.Path(sys.argv[1]), sys.argv[2]
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--together", action="store_true")
+    parser.add_argument("source", type=pathlib.Path)
+    parser.add_argument("command")
+    parser.add_argument("headers", nargs="+")
+    arguments = parser.parse_args()
+    source, command = arguments.source, arguments.command
 
-    def complaint(header):
-        from_base = starts_with_base(source / header)
-        result = compiler.check_text(f"#include <{header}>\n", from_base)
+    def complaint(headers):
+        text = "".join(f"#include <{header}>\n" for header in headers)
+        result = compiler.check_text(text, starts_with_base(source / headers[0]))
         return result.stderr if result.returncode != 0 or result.stderr else ""
 
-    headers = sorted({str(pathlib.Path(header).relative_to(source)) for header in sys.argv[3:]
-                      if not header.endswith(".def")})
+    headers = sorted({str(pathlib.Path(header).relative_to(source))
+                      for header in arguments.headers if not header.endswith(".def")})
+    texts = [headers] if arguments.together else [[header] for header in headers]
     with tempfile.TemporaryDirectory() as folder:
         compiler = Compiler(source, command, BASE, folder, ["-Wpedantic", "-Werror"])
         base = compiler.precompile()
         if base.returncode != 0:
             sys.exit(base.stderr)
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-            complaints = list(pool.map(complaint, headers))
-    for header, text in zip(headers, complaints):
+            complaints = list(pool.map(complaint, texts))
+    for included, text in zip(texts, complaints):
         if text:
-            print(f"{header} does not compile alone:\n{text}")
+            print(f"this does not compile by itself: {', '.join(included)}\n{text}")
     print(f"{command}: {len(headers)} headers")
     return 1 if any(complaints) else 0
 

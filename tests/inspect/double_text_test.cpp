@@ -98,6 +98,27 @@ TEST(DoubleText, AsTheyAreWritten) {
         EXPECT_EQ(block, written_double(*double_of(block, ","), ",")) << block;
 }
 
+// Doubles do not have enough bits for every text of more than fifteen digits.
+TEST(DoubleText, APlainlyWrittenTextIsWhatItsNearestDoubleIsWrittenAs) {
+    std::uint64_t const seed = runs::seed();
+    std::mt19937_64     engine(seed);
+    int                 plain = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        std::string text;
+        for (auto left = 1 + engine() % 15; left > 0; --left)
+            text += static_cast<char>('1' + engine() % 9);
+        text += '.' + std::to_string(1'000'000 + engine() % 1'000'000).substr(1);
+        double const value = std::stod(text);
+        ASSERT_EQ(double_of(text), value) << text << " seed " << seed;
+        if (!is_plainly_written_double(text, ".")) continue;
+        ++plain;
+        ASSERT_EQ(written_double(value), text) << "seed " << seed;
+    }
+    EXPECT_GT(plain, 1000);
+    EXPECT_TRUE(is_plainly_written_double("999999999.999999", "."));
+    EXPECT_FALSE(is_plainly_written_double("1000000000.000000", "."));
+}
+
 TEST(DoubleText, TheOtherPointIsNamedOnlyWhereItMakesTheTextAWrittenOne) {
     EXPECT_EQ(other_point_of("1,500000", "."), ",");
     EXPECT_EQ(other_point_of("-1,500000", "."), ",");

@@ -241,6 +241,24 @@ TEST(AnInfo, MoveOfListsAndMapsCopiesThem) {
     EXPECT_EQ(source.category.arm<"VCC">().arm<"ConcurrentRoutine">().spawners->size(), 1u);
 }
 
+// Required: a move assigns, which leaves a float as it is. A copy would round it to the mantissa of
+// its width, which here has fewer bits.
+TEST(AnInfo, MoveDoesNotRoundFloats) {
+    auto const float_of = [](auto& info) -> auto& {
+        auto& value = info.category.template arm<"VORP">().first_value;
+        return value.type.template arm<"Inf_Type_DRSFloat">().first_float;
+    };
+    Info source;
+    source.category.choose<"VORP">().first_value.type.choose<"Inf_Type_DRSFloat">();
+    float_of(source).width = 32;
+    mpfr_set_prec(float_of(source).number(), 53);
+    mpfr_set_d(float_of(source).number(), 1.1, MPFR_RNDN);
+    Info const copy(std::as_const(source));
+    Info const moved(std::move(source));
+    EXPECT_EQ(mpfr_get_d(float_of(moved).number(), MPFR_RNDN), 1.1);
+    EXPECT_NE(mpfr_get_d(float_of(copy).number(), MPFR_RNDN), 1.1);
+}
+
 TEST(AnInfo, MoveAssignmentCopiesToo) {
     Info source = full("text");
     Info target = full("let go");

@@ -39,6 +39,8 @@ std::uint64_t peak() { return static_cast<std::uint64_t>(most); }
 
 }  // namespace counted_heap
 
+// The libraries must find them, too.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void* malloc(std::size_t size) { return counted(__libc_malloc(size)); }
@@ -59,3 +61,4 @@ void free(void* block) {
 }
 
 }  // extern "C"
+#pragma GCC visibility pop

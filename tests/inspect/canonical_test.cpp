@@ -4,7 +4,7 @@
 #include <sml/inspect/describe.hpp>
 #include <sml/inspect/verify.hpp>
 #include "tests/hex.hpp"
-#include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ void expect_canonical(std::string const& given, std::string const& expected) {
 }
 
 TEST(Canonical, IsGoodAndAFixedPointForEveryRoot) {
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         Root const& root = *find_root(one.stem);
         for (std::uint64_t seed = 31; seed < 41; ++seed) {
             SCOPED_TRACE(one.stem + std::string(", seed ") + std::to_string(seed));
@@ -67,7 +67,7 @@ TEST(Canonical, IsGoodAndAFixedPointForEveryRoot) {
 }
 
 TEST(Canonical, IsThatOfTheValueWrittenAgain) {
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         Root const&       root = *find_root(one.stem);
         RandomValues      random(41);
@@ -219,7 +219,7 @@ TEST(Digest, IsTheSha256OfTheCanonicalBytes) {
 TEST(Digest, DiffersForOtherContent) {
     std::set<std::string> digests;
     std::size_t           values = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         if (one.stem != std::string("Answers_AnswerAssert")) continue;
         RandomValues          random(61);
         std::set<std::string> contents;

@@ -7,7 +7,7 @@
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
 #include "tests/inspect/json_support.hpp"
-#include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
@@ -564,7 +564,7 @@ TEST(DumpOfDamage, MarkedAlsoInAnEntryThatAReaderWouldDrop) {
 
 /// The dump has the content of the bytes up to the damage, then the member `unsafe`.
 TEST(DumpOfDamage, EveryCutIsJsonThatStartsLikeTheWhole) {
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         RandomValues      random(11, {.elements = 1, .depth = 3});
         std::string const whole = one.random_bytes(random);
@@ -585,7 +585,7 @@ TEST(DumpOfDamage, EveryCutIsJsonThatStartsLikeTheWhole) {
 TEST(DumpOfDamage, ChangedBytesAreJson) {
     constexpr char tried[] = {'\0', '\1', 'T', ' ', '\x7F', '\xFF'};
     int            unsafe = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         RandomValues      random(12, {.elements = 1, .depth = 3});
         std::string const whole = one.random_bytes(random);
@@ -674,7 +674,7 @@ TEST(DumpOfDuplicates, StringDefinedInADroppedEntryIsKnownAfterwards) {
 }
 
 /// Expects that the dump of odd bytes shows the value that the library's reader reads.
-void expect_shown_as_read(RootCase const& one, std::string const& odd) {
+void expect_shown_as_read(RealRoot const& one, std::string const& odd) {
     Root const&        root = *find_root(one.stem);
     Shown const        shown = show(root, odd);
     std::ostringstream out;
@@ -693,7 +693,7 @@ TEST(DumpOfOddBytes, ShowsWhatAReaderHolds) {
     constexpr std::int32_t words_tried[] = {0, -1, 1, std::numeric_limits<std::int32_t>::min()};
     Limits const           limits{.memory = std::uint64_t{1} << 22};
     int                    odd = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         RandomValues      random(13, {.elements = 2, .depth = 2});
         std::string const whole = one.random_bytes(random);
@@ -740,7 +740,7 @@ std::string fields_read_over() {
 }
 
 TEST(DumpOfOddBytes, RepeatedKeyThatIsReadOverShowsWhatAReaderHolds) {
-    for (RootCase const& one : root_cases())
+    for (RealRoot const& one : real_roots())
         if (one.stem == "Application_Results_Application_Results"s)
             expect_shown_as_read(one, fields_read_over());
 }

@@ -4,7 +4,7 @@
 #include <sml/inspect/dump.hpp>
 #include "tests/core/comma_locale.hpp"
 #include "tests/hex.hpp"
-#include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/wire_bytes.hpp"
 
 #include <gtest/gtest.h>
@@ -103,7 +103,7 @@ std::string with_float(std::string const& text) {
 }
 
 TEST(Encode, GivesBackTheBytesOfGoodValuesOfEveryRoot) {
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         Root const& root = *find_root(one.stem);
         for (std::uint64_t seed = 1; seed <= 20; ++seed) {
             SCOPED_TRACE(one.stem + std::string(", seed ") + std::to_string(seed));
@@ -124,7 +124,7 @@ TEST(Encode, GivesBackUnsetAndUnknownTagsAndEnumerators) {
                                       std::numeric_limits<std::int32_t>::min()};
     Limits const           limits{.memory = std::uint64_t{1} << 24};
     int                    kept = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         Root const&       root = *find_root(one.stem);
         RandomValues      random(21, {.elements = 1, .depth = 3});
@@ -599,7 +599,7 @@ TEST(EncodeError, DepthOfAChainIsBounded) {
 TEST(EncodeError, EveryCutIsAnError) {
     for (char const* const stem :
          {"Application_Results_Application_Results", data, inspection, "Answers_AnswerAssert"}) {
-        for (RootCase const& one : root_cases()) {
+        for (RealRoot const& one : real_roots()) {
             if (one.stem != std::string(stem)) continue;
             RandomValues      random(22, {.elements = 1, .depth = 2});
             std::string const json = json_of(*find_root(stem), one.random_bytes(random));
@@ -614,7 +614,7 @@ TEST(EncodeError, EveryCutIsAnError) {
 TEST(Encode, WhateverItTakesIsGoodOrUnknown) {
     std::string const tried = "\"0-1{}[],:e.\\n x\xFF\0"s;
     int               taken = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem);
         RandomValues      random(23, {.elements = 1, .depth = 2});
         Root const&       root = *find_root(one.stem);

@@ -6,7 +6,7 @@
 #include <sml/inspect/wire/string_word.hpp>
 #include <sml/inspect/wire/walked_bytes.hpp>
 #include "tests/hex.hpp"
-#include "tests/inspect/root_cases.hpp"
+#include "tests/inspect/real_roots.hpp"
 #include "tests/inspect/wire_bytes.hpp"
 #include "tests/runs.hpp"
 
@@ -162,7 +162,7 @@ TEST(TakeValue, EndsWhereTheBytesOfAWriterEnd) {
     std::uint64_t const seed = runs::seed();
     std::size_t         strings = 0;
     std::size_t         in_full = 0;
-    for (RootCase const& one : root_cases()) {
+    for (RealRoot const& one : real_roots()) {
         SCOPED_TRACE(one.stem + std::string(", seed ") + std::to_string(seed));
         RandomValues random(seed);
         for (int i = 0; i < 5; ++i) {

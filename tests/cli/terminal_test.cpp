@@ -3,15 +3,29 @@
 #include "terminal.hpp"
 #include "cli_support.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 namespace {
 
 using namespace cli_test;
 using bradep::cut_to_columns;
+
+/// Whether the system gives programs terminals. A container without /dev/pts doesn't.
+bool has_terminals() {
+    int const  terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    bool const is_open = terminal >= 0 && ::ptsname(terminal) != nullptr;
+    if (terminal >= 0) ::close(terminal);
+    return is_open;
+}
+
+#define NEEDS_TERMINALS() \
+    if (!has_terminals()) GTEST_SKIP() << "this system gives programs no terminals"
 
 /// Runs the real command on a terminal with this many columns. Returns its output and exit code.
 Outcome on_terminal(std::string const& args, unsigned short columns) {
@@ -49,6 +63,7 @@ TEST(Terminal, LinesAreCutToItsColumns) {
 }
 
 TEST(Terminal, ShowFitsIntoIt) {
+    NEEDS_TERMINALS();
     Scratch const scratch;
     write_bytes(scratch / "log",
                 log_with(R"({"message": {"text": ")" + std::string(300, 'm') + "\"}}"));
@@ -65,6 +80,7 @@ TEST(Terminal, ShowFitsIntoIt) {
 }
 
 TEST(Terminal, GetsNoBytesUnlessForced) {
+    NEEDS_TERMINALS();
     Scratch const scratch;
     auto const    set = (scratch / "set").string();
     auto const    log = fixture("flows.sarif");
@@ -87,6 +103,7 @@ TEST(Terminal, GetsNoBytesUnlessForced) {
 
 // The log is large enough to keep the command busy for some seconds.
 TEST(Terminal, ImportShowsItsProgress) {
+    NEEDS_TERMINALS();
     Scratch const scratch;
     std::string   results = R"({"message": {"text": "m"}})";
     std::string   locations = R"({"id": 1})";

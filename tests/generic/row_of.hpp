@@ -158,8 +158,10 @@ constexpr Kind container_kind() {
 
 template <class T>
 void view_fields(Node& node, T const& value, bool fixed) {
-    value.with_fields(
-        [&](auto const&... field) { (node.parts.push_back(view(field, fixed)), ...); });
+    value.with_fields([&](auto const&... field) {
+        node.parts.reserve(sizeof...(field));
+        (node.parts.push_back(view(field, fixed)), ...);
+    });
 }
 
 template <class T>
@@ -195,6 +197,7 @@ Node view(T const& value, bool fixed) {
         } else {
             node.kind = container_kind<T>();
             node.shape = &container_shape<T>();
+            node.parts.reserve(value.size());
             for (auto const& element : value) {
                 if constexpr (Map<T>) {
                     Node entry;

@@ -1,7 +1,8 @@
 #!/bin/bash
-# Builds the fuzz targets, replays their corpus, and starts each target from it, two at a time.
+# Builds the fuzz targets, replays their corpus, and starts each target from it, all at once.
 #
-#   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS a target, by default 60; by default all targets
+#   ./fuzz.sh [SECONDS [TARGET...]]    SECONDS of a processor for each target, by default 60; by
+#                                      default all targets
 #
 # Ends with 1 on any finding. The inputs that cause findings, and the logs, are in build/asan/found.
 # The corpus is the golden files and fuzz/corpus. BRADEP_FUZZ_BUILD is another build directory,
@@ -19,6 +20,12 @@ found=$build/found
 
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
+
+# With fewer processors than targets, they take turns.
+processors=$(nproc)
+if ((processors < ${#targets[@]})); then
+    seconds=$(((seconds * ${#targets[@]} + processors - 1) / processors))
+fi
 
 install_packages
 generate_comma_locale
@@ -50,7 +57,7 @@ run_target() {
     mkdir -p "$new"
     "$program" -runs=0 -max_len=$most_bytes -artifact_prefix="$found/$target-" "${start[@]}" \
         >"$found/$target.replay.log" 2>&1 || return 1
-    "$program" -max_total_time="$seconds" -max_len=$most_bytes -timeout=20 -rss_limit_mb=2048 \
+    "$program" -max_total_time="$seconds" -max_len=$most_bytes -timeout=60 -rss_limit_mb=2048 \
         -entropic=$entropic \
         -print_final_stats=1 -artifact_prefix="$found/$target-" "$new" "${start[@]}" \
         >"$found/$target.log" 2>&1
@@ -72,16 +79,14 @@ report() {
 }
 
 failed=()
-for ((i = 0; i < ${#targets[@]}; i += 2)); do
-    running=()
-    for target in "${targets[@]:i:2}"; do
-        run_target "$target" &
-        running+=("$!:$target")
-    done
-    for job in "${running[@]}"; do
-        wait "${job%%:*}" || failed+=("${job#*:}")
-        report "${job#*:}"
-    done
+running=()
+for target in "${targets[@]}"; do
+    run_target "$target" &
+    running+=("$!:$target")
+done
+for job in "${running[@]}"; do
+    wait "${job%%:*}" || failed+=("${job#*:}")
+    report "${job#*:}"
 done
 
 for target in "${failed[@]}"; do

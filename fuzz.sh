@@ -21,11 +21,14 @@ found=$build/found
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
 
-# With fewer processors than targets, they take turns.
-processors=$(nproc)
-if ((processors < ${#targets[@]})); then
-    seconds=$(((seconds * ${#targets[@]} + processors - 1) / processors))
-fi
+# The time by the clock in which each target gets so many seconds of a processor: with fewer
+# processors than targets, they take turns.
+by_the_clock() {
+    local processors
+    processors=$(nproc)
+    ((processors <= ${#targets[@]})) || processors=${#targets[@]}
+    echo $((($1 * ${#targets[@]} + processors - 1) / processors))
+}
 
 install_packages
 generate_comma_locale
@@ -57,8 +60,8 @@ run_target() {
     mkdir -p "$new"
     "$program" -runs=0 -max_len=$most_bytes -artifact_prefix="$found/$target-" "${start[@]}" \
         >"$found/$target.replay.log" 2>&1 || return 1
-    "$program" -max_total_time="$seconds" -max_len=$most_bytes -timeout=60 -rss_limit_mb=2048 \
-        -entropic=$entropic \
+    "$program" -max_total_time="$(by_the_clock "$seconds")" -max_len=$most_bytes \
+        -timeout="$(by_the_clock 20)" -rss_limit_mb=2048 -entropic=$entropic \
         -print_final_stats=1 -artifact_prefix="$found/$target-" "$new" "${start[@]}" \
         >"$found/$target.log" 2>&1
 }

@@ -1,12 +1,14 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests: built by g++, then by clang under
 # AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
-# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS, 60 by default.
+# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS of a
+# processor, 60 by default.
 #
 #   ./test.sh          the checks that every change must pass
 #   ./test.sh --all    also builds by clang without sanitizers and by g++ under them, and runs the
-#                      random tests at their slow counts; then adds a record, an arm and a root to a copy of the sources as CONTRIBUTING.md
-#                      says, and runs the tests once more with them
+#                      random tests at their slow counts; then adds a record, an arm and a root to a
+#                      copy of the sources as CONTRIBUTING.md says, and runs the tests once more with
+#                      them
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh

@@ -519,7 +519,7 @@ TEST(PlainAllocations, ThatFailInReadingALargeTableLeaveTheSame) {
     ASSERT_NE(root, all.end());
     std::unordered_map<std::int32_t, sml::Base_Gui_Internal_Form_Datas::T_Chk_Data> table;
     RandomValues random(engine(), {1, 1});
-    for (std::int32_t i = 0; i < 100; ++i) random.fill(table[i]);
+    for (std::int32_t i = 0; i < 150; ++i) random.fill(table[i]);
     Reading const reading{.root = *root, .bytes = root->plain_write(&table), .held = 0};
     table.clear();
     Allowed const allowed(reading);

@@ -69,24 +69,24 @@ public:
     }
 
     void operator()(double& value) {
-        auto const text = get_block();
+        char const* const text = get_block();
         if (text == nullptr) throw std::logic_error("basic_string::_M_construct null not valid");
-        value = std::stod(std::string(text.get()));
+        value = std::stod(block_);
     }
 
     void operator()(sml::BigInteger& value) {
-        mpz_set_str(value.backend().data(), get_block().get(), 16);
+        mpz_set_str(value.backend().data(), get_block(), 16);
     }
 
     void operator()(zelvanite::IEEE754Float& value) {
-        auto const   text = get_block();
-        std::int32_t width{};
+        char const* const text = get_block();
+        std::int32_t      width{};
         (*this)(width);
         value.width = static_cast<std::uint64_t>(static_cast<std::int64_t>(width));
         auto const format = zelvanite::IEEE754Float::Format::of(value.width);
         zelvanite::IEEE754Float::set_range(format);
         mpfr_set_prec(value.number(), format.mantissa_bits);
-        mpfr_set_str(value.number(), text.get(), 16, MPFR_RNDN);
+        mpfr_set_str(value.number(), text, 16, MPFR_RNDN);
     }
 
     void operator()(std::string& text) {
@@ -128,7 +128,7 @@ public:
         for (std::uint32_t left = get_count(); left > 0; --left) {
             typename T::value_type element{};
             (*this)(element);
-            insert([&] { list.push_back(element); });
+            insert([&] { list.push_back(std::move(element)); });
         }
     }
 
@@ -137,7 +137,7 @@ public:
         for (std::uint32_t left = get_count(); left > 0; --left) {
             typename T::value_type element{};
             (*this)(element);
-            insert([&] { set.insert(element); });
+            insert([&] { set.insert(std::move(element)); });
         }
     }
 
@@ -151,7 +151,7 @@ public:
             } else {
                 typename T::mapped_type value{};
                 (*this)(value);
-                insert([&] { map.insert({key, value}); });
+                insert([&] { map.emplace(std::move(key), std::move(value)); });
             }
         }
     }
@@ -201,18 +201,19 @@ private:
     }
 
     /// The bytes of a block and a zero byte after them; null for the length -1.
-    std::unique_ptr<char[]> get_block() {
+    char const* get_block() {
         std::int32_t length{};
         (*this)(length);
         if (length == -1) return nullptr;
         if (length < -1) throw std::bad_array_new_length();
-        auto text = std::make_unique<char[]>(static_cast<std::size_t>(length) + 1);
-        source_.get(text.get(), length);
-        return text;
+        block_.assign(static_cast<std::size_t>(length), '\0');
+        source_.get(block_.data(), length);
+        return block_.c_str();
     }
 
     Source&                                          source_;
     char                                             scratch_[8]{};
+    std::string                                      block_;
     std::unordered_map<std::int32_t, sml::Strings_T> strings_by_id_;
 };
 

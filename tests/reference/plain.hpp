@@ -18,7 +18,7 @@ template <class Root>
 std::string const& from_cxx(Root const& value) {
     std::stringstream stream(std::ios::in | std::ios::out | std::ios::binary);
     Writer{stream}(value);
-    shared_result = stream.str();
+    shared_result = std::move(stream).str();
     return shared_result;
 }
 

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -40,6 +41,7 @@ public:
         made_ = maker_.extract(maker_.begin());
         hash_ = table_.hash_function()(made_.key());
         order_.prefetch(hash_);
+        prefetch_behind(made_);
         return made_.mapped();
     }
 
@@ -60,6 +62,17 @@ private:
     static constexpr std::uint32_t least_count = 64;
 
     using Entry = typename Table::node_type;
+
+    /// Hashes at no cost. Not noexcept: libstdc++ then stores the hash in each entry.
+    struct NoHash {
+        std::size_t operator()(typename Table::key_type const&) const { return 0; }
+    };
+
+    /// Makes entries, which the table can take over if they store hashes as its own do.
+    using CheapMaker = std::unordered_map<typename Table::key_type, typename Table::mapped_type,
+                                          NoHash, typename Table::key_equal>;
+    using Maker = std::conditional_t<std::is_same_v<typename CheapMaker::node_type, Entry>,
+                                     CheapMaker, Table>;
 
     // So the tables that are made here hash like the caller's.
     static_assert(std::is_empty_v<typename Table::hasher>);
@@ -91,13 +104,23 @@ private:
         }
     }
 
+    /// Prefetches what lies behind an entry. A heap mostly gives ascending addresses, so that is
+    /// where the parts of this entry and the next entry are going to be.
+    static void prefetch_behind(Entry const& entry) {
+        constexpr std::size_t line = 64;
+        constexpr std::size_t parts = 768;  // measured
+        char const* const     end = reinterpret_cast<char const*>(&entry.mapped() + 1);
+        for (std::size_t at = 0; at < sizeof(typename Table::value_type) + parts; at += line)
+            __builtin_prefetch(end + at, 1);
+    }
+
     static void prefetch_ends(Entry const& entry) {
         __builtin_prefetch(&entry.key(), 1);
         __builtin_prefetch(&entry.mapped() + 1, 1);
     }
 
     Table&                     table_;
-    Table                      maker_;
+    Maker                      maker_;
     Entry                      made_;
     std::size_t                hash_ = 0;
     TableOrder                 order_;

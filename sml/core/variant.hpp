@@ -130,8 +130,18 @@ private:
 
     template <class V>
     static void build(V& variant, std::int32_t arm) {
-        with_arm<V>(arm, [&]<std::int32_t Index>() { std::construct_at(place<Index>(variant)); });
+        with_arm<V>(arm, [&]<std::int32_t Index>() { build_at(place<Index>(variant)); });
         variant.alive_ = arm;
+    }
+
+    /// Builds a default-constructed payload. `T()` would first fill all of a record with zeros,
+    /// whose members all have initialisers.
+    template <class T>
+    static void build_at(T* place) {
+        if constexpr (Fielded<T>)
+            ::new (static_cast<void*>(place)) T;
+        else
+            ::new (static_cast<void*>(place)) T();
     }
 
     /// Where the payload of an arm is to be built.

@@ -16,8 +16,10 @@
 namespace sml {
 
 namespace core {
+enum class Counting;
+template <Counting>
 class StringsById;
-}
+}  // namespace core
 
 /// A handle to an interned string, which shares ownership of the text's entry in the string table.
 /// The null handle is the empty text. Copies share the entry; equality and order are those of the
@@ -91,13 +93,17 @@ public:
     }
 
 private:
+    template <core::Counting>
     friend class core::StringsById;
 
     void retain() const noexcept {
         if (fStr != nullptr) ++fStr->count;
     }
     void release() {
-        if (fStr != nullptr && --fStr->count == 0) fAllStrings.erase(*fStr);
+        if (fStr != nullptr) release_entry();
+    }
+    [[gnu::noinline]] void release_entry() {
+        if (--fStr->count == 0) fAllStrings.erase(*fStr);
         fStr = nullptr;
     }
 

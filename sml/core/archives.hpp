@@ -257,10 +257,10 @@ public:
     }
 
     /// Returns where a block starts that has this length and is followed by a word of `more` bytes,
-    /// without taking it; null if the buffer does not hold all of that.
+    /// without taking it; null if the buffer does not hold all of that and the length before it.
     char const* view(std::int32_t length, std::int32_t more = 0) const {
-        bool const is_here =
-            length >= 0 && length <= longest_view && end_ - at_ >= std::int64_t{length} + more;
+        bool const is_here = item_ != nullptr && length >= 0 && length <= longest_view &&
+                             end_ - at_ >= std::int64_t{length} + more;
         return is_here ? at_ : nullptr;
     }
 
@@ -275,8 +275,8 @@ public:
     /// Moves the stream past the bytes that were taken from its buffer.
     void finish() { close(); }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::immediately};
-    char              point = core::decimal_point();
+    core::StringsById<core::Counting::immediately> strings_by_id;
+    char                                           point = core::decimal_point();
 
 private:
     static constexpr std::int32_t longest_view = 128;
@@ -323,6 +323,7 @@ public:
     char get_flag() { return *cursor_++; }
 
     /// Returns where a block of this length starts, without taking it; null for a negative length.
+    /// The length is before it.
     char const* view(std::int32_t length, std::int32_t = 0) const {
         return length < 0 ? nullptr : cursor_;
     }
@@ -335,8 +336,8 @@ public:
     /// The next unread byte.
     char const* cursor() const { return cursor_; }
 
-    core::StringsById strings_by_id{core::StringsById::Counting::at_end};
-    char              point = core::decimal_point();
+    core::StringsById<core::Counting::at_end> strings_by_id;
+    char                                      point = core::decimal_point();
 
 private:
     char const* cursor_;

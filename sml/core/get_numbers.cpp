@@ -82,6 +82,15 @@ bool take_integer(char const* block, std::size_t size, BigInteger& value) {
     if (block[size - 1] != '\0' || (!is_negative && block[size - 2] != '\0')) return false;
     char const* at = block + (is_negative ? 1 : 0);
 
+    mpz_ptr const number = value.backend().data();
+    if (digits <= limb_digits) {
+        std::uint64_t limb = 0;
+        if (!Lower::take(at, digits, limb)) return false;
+        mpz_set_ui(number, limb);
+        if (is_negative) mpz_neg(number, number);
+        return true;
+    }
+
     std::uint64_t limbs[most_limbs];
     int const     limb_count = (digits + limb_digits - 1) / limb_digits;
     for (int i = limb_count; i-- > 0;) {
@@ -93,7 +102,6 @@ bool take_integer(char const* block, std::size_t size, BigInteger& value) {
     int size_used = limb_count;
     while (size_used > 0 && limbs[size_used - 1] == 0) --size_used;
 
-    mpz_ptr const number = value.backend().data();
     if (size_used > 0) {
         mp_limb_t* const target = mpz_limbs_write(number, size_used);
         for (int i = 0; i < size_used; ++i) target[i] = limbs[i];

@@ -9,16 +9,16 @@
 
 namespace sml::core {
 
-/// Parses the `size` bytes of a block into `value`. Returns false, and changes nothing, if the
-/// text has more than 64 digits or is not spelled as a writer spells it. Throws nothing; the number
-/// library ends the process if it gets no memory.
+/// Parses the `size` bytes of a block, with their length before them, into `value`. Returns false,
+/// and changes nothing, if the text has more than 64 digits or is not spelled as a writer spells
+/// it. Throws nothing; the number library ends the process if it gets no memory.
 bool take_integer(char const* block, std::size_t size, BigInteger& value);
 
-/// Parses the `size` bytes of a block into `value`, by the format of `value.width`, and sets MPFR's
-/// exponent range to that of the format. `point` is the decimal point of the process. Returns
-/// false, and changes nothing, if the text is not spelled as a writer in the "C" locale spells it,
-/// if the number would have to be rounded, or if the text has a dot that is not the process's
-/// decimal point.
+/// Parses the `size` bytes of a block, with their length before them, into `value`, by the format
+/// of `value.width`, and sets MPFR's exponent range to that of the format. `point` is the decimal
+/// point of the process. Returns false, and changes nothing, if the text is not spelled as a writer
+/// in the "C" locale spells it, if the number would have to be rounded, or if the text has a dot
+/// that is not the process's decimal point.
 bool take_float(char const* block, std::size_t size, zelvanite::IEEE754Float& value, char point);
 
 }  // namespace sml::core

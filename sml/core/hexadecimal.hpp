@@ -24,32 +24,26 @@ struct Hexadecimal {
         std::memcpy(at, text, sizeof text);
     }
 
-    /// Parses `count` digits, 1 to 16, and reads nothing beyond them. False if one is no digit.
+    /// Parses `count` digits, 1 to 16. False if one is no digit. May read up to four bytes before
+    /// them, and nothing beyond them.
     static bool take(char const* at, int count, std::uint64_t& word) noexcept {
-        // Two loads, of the first and of the last characters, which may overlap in the middle.
-        if (count >= 8) {
-            std::uint64_t first = load<std::uint64_t>(at);
-            std::uint64_t last = load<std::uint64_t>(at + count - 8);
-            if (!are_digits(first) || !are_digits(last)) return false;
-            word = gathered(first) << 4 * (count - 8) | gathered(last);
+        char const* const end = at + count;
+        if (count <= 8) {
+            // The last digit is in the highest byte. What is before the first one becomes zeros.
+            std::uint64_t text = std::uint64_t{load<std::uint32_t>(end - 4)} << 32;
+            text |= load<std::uint32_t>(count > 4 ? end - 8 : end - 4);
+            int const           others = 8 * (8 - count);
+            std::uint64_t const kept = ~std::uint64_t{0} << others;
+            text = (text & kept) | ('0' * ones & ~kept);
+            if (!are_digits(text)) return false;
+            word = gathered(text);
             return true;
         }
-        if (count >= 4) {
-            std::uint64_t both = load<std::uint32_t>(at + count - 4);
-            both = both << 32 | load<std::uint32_t>(at);
-            if (!are_digits(both)) return false;
-            std::uint64_t const digits = gathered(both);
-            word = (digits >> 16) << 4 * (count - 4) | (digits & 0xFFFF);
-            return true;
-        }
-        int const     middle = count / 2;
-        std::uint64_t three = static_cast<unsigned char>(at[0]);
-        three |= std::uint64_t{static_cast<unsigned char>(at[middle])} << 8;
-        three |= std::uint64_t{static_cast<unsigned char>(at[count - 1])} << 16;
-        three |= std::uint64_t{0x3030303030} << 24;
-        if (!are_digits(three)) return false;
-        word = (three & 0xFF) << 4 * (count - 1) | (three >> 8 & 0xFF) << 4 * (count - 1 - middle) |
-               (three >> 16 & 0xFF);
+        // Two loads, which may overlap in the middle.
+        std::uint64_t first = load<std::uint64_t>(at);
+        std::uint64_t last = load<std::uint64_t>(end - 8);
+        if (!are_digits(first) || !are_digits(last)) return false;
+        word = gathered(first) << 4 * (count - 8) | gathered(last);
         return true;
     }
 

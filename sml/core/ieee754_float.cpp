@@ -6,7 +6,7 @@ IEEE754Float::IEEE754Float() : width(64) {
     Format const format = Format::of(width);
     set_range(format);
     mpfr_set_prec(number(), format.mantissa_bits);
-    mpfr_set_ui(number(), 0, MPFR_RNDN);  // a new precision leaves NaN
+    mpfr_set_zero(number(), 1);  // a new precision leaves NaN
 }
 
 IEEE754Float::IEEE754Float(IEEE754Float const& other) : width(other.width) {

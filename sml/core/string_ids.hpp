@@ -63,18 +63,18 @@ private:
     std::vector<Strings_T>  pinned_;  // by id, from 1 on
 };
 
+/// When handles that a reader makes are added to the counts of their entries. A graph has far more
+/// handles than strings, so counting them at the end saves an access to an entry for each. Until
+/// then a pin, a large number added to each count, keeps it from reaching zero, and nobody may look
+/// at a count: so the only code of the caller that may run is its memory functions.
+enum class Counting { immediately, at_end };
+
 /// The strings that a reader has by their ids. An id keeps its first text, and an id that is
 /// referred to before its definition gets the empty text. It keeps the entry of each string alive.
+template <Counting counting>
 class StringsById {
 public:
-    /// When handles made by `refer` are added to the counts of their entries. A graph has far more
-    /// handles than strings, so counting them at the end saves an access to an entry for each.
-    /// Until then a pin, a large number added to each count, keeps it from reaching zero, and
-    /// nobody may look at a count: so the only code of the caller that may run is its memory
-    /// functions.
-    enum class Counting { immediately, at_end };
-
-    explicit StringsById(Counting counting) : counting_(counting) {}
+    StringsById() = default;
     StringsById(StringsById const&) = delete;
     StringsById& operator=(StringsById const&) = delete;
     ~StringsById() {
@@ -85,16 +85,16 @@ public:
     /// Makes `handle` refer to the string of `id`, which is at least 1.
     void refer(Strings_T& handle, std::int32_t id) {
         auto const index = static_cast<std::size_t>(id) - 1;
-        if (index >= in_sequence_.size()) {
-            handle = others_[id];
-        } else if (InSequence& string = in_sequence_[index]; handle.fStr != string.entry) {
-            handle.release();
-            handle.fStr = string.entry;
-            if (counting_ == Counting::immediately)
-                handle.retain();
-            else
-                ++string.uncounted;
-        }
+        if (index >= in_sequence_.size()) [[unlikely]]
+            return refer_to_other(handle, id);
+        InSequence& string = in_sequence_[index];
+        if (handle.fStr == string.entry) return;
+        handle.release();
+        handle.fStr = string.entry;
+        if constexpr (counting == Counting::immediately)
+            handle.retain();
+        else
+            ++string.uncounted;
     }
 
     /// Sets the string of `id`, unless the id has one.
@@ -102,7 +102,7 @@ public:
         if (static_cast<std::size_t>(id) == in_sequence_.size() + 1 && others_.empty() &&
             can_pin(handle)) {
             in_sequence_.push_back({handle.fStr, 0});
-            if (handle.fStr != nullptr) handle.fStr->count += pin();
+            if (handle.fStr != nullptr) handle.fStr->count += pin;
         } else if (id < 1 || static_cast<std::size_t>(id) > in_sequence_.size()) {
             others_.try_emplace(id, handle);
         }
@@ -124,18 +124,21 @@ private:
     static constexpr std::uint64_t highest_count = std::uint64_t{1} << 63;
 
     /// The number that is added to a string's count as long as this object holds it.
-    std::uint64_t pin() const { return counting_ == Counting::immediately ? 1 : most_handles; }
+    static constexpr std::uint64_t pin = counting == Counting::immediately ? 1 : most_handles;
 
     static bool can_pin(Strings_T const& handle) {
         return handle.fStr == nullptr || handle.fStr->count < highest_count;
     }
 
+    [[gnu::noinline]] void refer_to_other(Strings_T& handle, std::int32_t id) {
+        handle = others_[id];
+    }
+
     void count_handles(InSequence const& string) const {
-        string.entry->count += string.uncounted - pin();
+        string.entry->count += string.uncounted - pin;
         if (string.entry->count == 0) Strings_T::fAllStrings.erase(*string.entry);
     }
 
-    Counting                                    counting_;
     std::vector<InSequence>                     in_sequence_;  // ids from 1 on, in sequence
     std::unordered_map<std::int32_t, Strings_T> others_;
 };

@@ -230,11 +230,15 @@ private:
     // Required: a word of 0 or below is a definition, and an id without one gives a null handle.
     void read(Strings_T& handle) {
         auto const word = archive_.template get_word<std::int32_t>();
-        if (word >= 1) return archive_.strings_by_id.refer(handle, word);
+        if (word >= 1) [[likely]]
+            return archive_.strings_by_id.refer(handle, word);
+        read_definition(handle, static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word)));
+    }
+
+    [[gnu::noinline]] void read_definition(Strings_T& handle, std::int32_t id) {
         std::string text;
         read(text);
         handle = text;
-        auto const id = static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(word));
         archive_.strings_by_id.define(id, handle);
     }
 

@@ -126,9 +126,8 @@ public:
     template <sml::core::List T>
     void operator()(T& list) {
         for (std::uint32_t left = get_count(); left > 0; --left) {
-            typename T::value_type element{};
-            (*this)(element);
-            insert([&] { list.push_back(std::move(element)); });
+            list.emplace_back();
+            read_or_undo(list.back(), [&] { list.pop_back(); });
         }
     }
 
@@ -146,12 +145,14 @@ public:
         for (std::uint32_t left = get_count(); left > 0; --left) {
             typename T::key_type key{};
             (*this)(key);
-            if constexpr (sml::core::last_wins<T>) {
-                (*this)(map[key]);
+            auto const [entry, is_new] = map.try_emplace(std::move(key));
+            if (sml::core::last_wins<T>) {
+                (*this)(entry->second);
+            } else if (is_new) {
+                read_or_undo(entry->second, [&, at = entry] { map.erase(at); });
             } else {
-                typename T::mapped_type value{};
-                (*this)(value);
-                insert([&] { map.emplace(std::move(key), std::move(value)); });
+                typename T::mapped_type dropped{};
+                (*this)(dropped);
             }
         }
     }
@@ -183,6 +184,17 @@ public:
     }
 
 private:
+    /// Calls `undo` if reading throws.
+    template <class T, class Undo>
+    void read_or_undo(T& value, Undo&& undo) {
+        try {
+            (*this)(value);
+        } catch (...) {
+            undo();
+            throw;
+        }
+    }
+
     /// Copying a float also sets MPFR's exponent range. The range of the float that was read last
     /// is required to stay, so it is restored after the insertion.
     template <class Insert>

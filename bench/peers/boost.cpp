@@ -57,8 +57,8 @@ bool const is_added = bench::add_serialiser(
          return bytes.size();
      },
      [](bench::Graph& graph) {
-         std::istringstream              stream(bytes, std::ios::binary);
-         boost::archive::binary_iarchive archive(stream, boost::archive::no_header);
+         InputBytes                      source(bytes);
+         boost::archive::binary_iarchive archive(source, boost::archive::no_header);
          Reading                         form{archive};
          Load{form}(graph);
      }});

@@ -45,7 +45,8 @@ bool const is_added = bench::add_serialiser({"cereal",
                                                  return bytes.size();
                                              },
                                              [](bench::Graph& graph) {
-                                                 std::istringstream stream(bytes, std::ios::binary);
+                                                 InputBytes                 source(bytes);
+                                                 std::istream               stream(&source);
                                                  cereal::BinaryInputArchive archive(stream);
                                                  Form<decltype(archive)>    form{archive};
                                                  Load{form}(graph);

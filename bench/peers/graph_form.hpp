@@ -9,10 +9,19 @@
 #include <cstdio>
 
 #include <cstdint>
+#include <streambuf>
 #include <string>
 #include <utility>
 
 namespace peers {
+
+/// Bytes in memory, read without a copy of all of them.
+class InputBytes : public std::streambuf {
+public:
+    explicit InputBytes(std::string& bytes) {
+        setg(bytes.data(), bytes.data(), bytes.data() + bytes.size());
+    }
+};
 
 /// `Archive` has word(value), flag(bool), size(count) and text(string), which write.
 template <class Archive>
@@ -146,11 +155,9 @@ private:
         if constexpr (HashSet<T> || HashMap<T>) container.reserve(left);
         for (; left > 0; --left) {
             if constexpr (Map<T>) {
-                typename T::key_type    key{};
-                typename T::mapped_type value{};
+                typename T::key_type key{};
                 (*this)(key);
-                (*this)(value);
-                container.emplace_hint(container.end(), std::move(key), std::move(value));
+                (*this)(container.try_emplace(container.end(), std::move(key))->second);
             } else {
                 typename T::value_type element{};
                 (*this)(element);

@@ -1,0 +1,25 @@
+# Optimising the libraries by a profile: which branches their code takes on a usual workload.
+# release.sh records one and builds with it.
+set(BRADEP_PROFILE "" CACHE PATH
+    "Directory of the profile by which the libraries are optimised; none where empty")
+option(BRADEP_RECORD_PROFILE
+    "Build the libraries so that programs that use them write the profile to BRADEP_PROFILE" OFF)
+
+set(profile_options)
+set(profile_link_options)
+if(BRADEP_PROFILE)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        message(FATAL_ERROR "BRADEP_PROFILE requires g++")
+    endif()
+    # So that a profile fits each build directory.
+    set(profile_options -fprofile-prefix-path=${CMAKE_BINARY_DIR})
+    if(BRADEP_RECORD_PROFILE)
+        list(APPEND profile_options -fprofile-generate=${BRADEP_PROFILE})
+        set(profile_link_options -fprofile-generate)
+    else()
+        # Code that the workload doesn't run is optimised as without a profile. Values, such as the
+        # workload's numbers of buckets, aren't taken for usual ones.
+        list(APPEND profile_options -fprofile-use=${BRADEP_PROFILE} -fprofile-partial-training
+             -fno-profile-values -Wno-missing-profile)
+    endif()
+endif()

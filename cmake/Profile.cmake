@@ -11,8 +11,10 @@ if(BRADEP_PROFILE)
     if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         message(FATAL_ERROR "BRADEP_PROFILE requires g++")
     endif()
-    # So that a profile fits each build directory.
-    set(profile_options -fprofile-prefix-path=${CMAKE_BINARY_DIR})
+    # So that a profile fits other directories of the same sources: files have names relative to the
+    # build directory, and functions have numbers, not paths.
+    set(profile_options -fprofile-prefix-path=${CMAKE_BINARY_DIR}
+        --param=profile-func-internal-id=1)
     if(BRADEP_RECORD_PROFILE)
         list(APPEND profile_options -fprofile-generate=${BRADEP_PROFILE})
         set(profile_link_options -fprofile-generate)
@@ -20,6 +22,6 @@ if(BRADEP_PROFILE)
         # Code that the workload doesn't run is optimised as without a profile. Values, such as the
         # workload's numbers of buckets, aren't taken for usual ones.
         list(APPEND profile_options -fprofile-use=${BRADEP_PROFILE} -fprofile-partial-training
-             -fno-profile-values -Wno-missing-profile)
+             -fno-profile-values -Wno-missing-profile -Wno-coverage-mismatch)
     endif()
 endif()

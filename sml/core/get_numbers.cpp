@@ -86,8 +86,12 @@ bool take_integer(char const* block, std::size_t size, BigInteger& value) {
     if (digits <= limb_digits) {
         std::uint64_t limb = 0;
         if (!Lower::take(at, digits, limb)) return false;
-        mpz_set_ui(number, limb);
-        if (is_negative) mpz_neg(number, number);
+        if (limb == 0) {
+            number->_mp_size = 0;  // mpz_set_ui would allocate a limb
+        } else {
+            mpz_set_ui(number, limb);
+            if (is_negative) mpz_neg(number, number);
+        }
         return true;
     }
 

@@ -37,6 +37,12 @@ BigInteger read_over_five(std::string_view text) {
 
 TEST(BigInteger, ZeroHasALengthOfThree) { wire::expect(BigInteger(), "03 00 00 00 '0' 00 00"); }
 
+// The estimate of a reader's heap counts nothing for a zero.
+TEST(BigInteger, ReadingZeroTakesNoMemory) {
+    BigInteger const zero = wire::read<BigInteger>(hex::bytes("03 00 00 00 '0' 00 00"));
+    EXPECT_EQ(zero.backend().data()->_mp_alloc, 0);
+}
+
 TEST(BigInteger, TextIsLowerCaseHexWithTwoZeroBytesBehindIt) {
     wire::expect(BigInteger(0x1f), "04 00 00 00 '1f' 00 00");
     wire::expect(BigInteger(0xabcdef), "08 00 00 00 'abcdef' 00 00");

@@ -1,25 +1,25 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests: built by g++, then by clang under
 # AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
-# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS of a
-# processor, 60 by default.
+# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS of a processor, 60 by
+# default.
 #
 #   ./test.sh          the checks that every change must pass
 #   ./test.sh --all    also builds by clang without sanitizers and by g++ under them, and runs the
 #                      random tests at their slow counts; then adds a record, an arm and a root to a
 #                      copy of the sources as CONTRIBUTING.md says, and runs the tests once more with
-#                      them
+#                      them; then tests the release that release.sh builds
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
 presets=(dev asan)
-try_additions=false
+all=false
 case "${1:-}" in
     "") ;;
     --all)
         presets=(clang dev asan asan-gcc)
-        try_additions=true
+        all=true
         export BRADEP_SLOW_TESTS=1
         ;;
     *)
@@ -51,9 +51,14 @@ same_addresses=()
 ! setarch --addr-no-randomize true 2>/dev/null || same_addresses=(setarch --addr-no-randomize)
 TSAN_OPTIONS=halt_on_error=1 "${same_addresses[@]}" build/tsan/tests/inspect/inspect_threads_test
 
-if "$try_additions"; then
+if "$all"; then
     echo "== additions"
     env -u BRADEP_SLOW_TESTS scripts/try_additions.py
+
+    echo "== release"
+    ./release.sh
+    cmake --build --preset release --parallel "$(nproc)"
+    ctest --preset release --parallel "$(nproc)"
 fi
 
 echo "== fuzz"

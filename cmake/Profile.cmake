@@ -5,6 +5,10 @@ set(BRADEP_PROFILE "" CACHE PATH
 option(BRADEP_RECORD_PROFILE
     "Build the libraries so that programs that use them write the profile to BRADEP_PROFILE" OFF)
 
+if(BRADEP_RECORD_PROFILE AND NOT BRADEP_PROFILE)
+    message(FATAL_ERROR "BRADEP_RECORD_PROFILE requires BRADEP_PROFILE, where the profile is to go")
+endif()
+
 set(profile_options)
 set(profile_link_options)
 if(BRADEP_PROFILE)
@@ -19,8 +23,14 @@ if(BRADEP_PROFILE)
         list(APPEND profile_options -fprofile-generate=${BRADEP_PROFILE})
         set(profile_link_options -fprofile-generate)
     else()
-        # Code that the workload doesn't run is optimised as without a profile. Values, such as the
-        # workload's numbers of buckets, aren't taken for usual ones.
+        file(GLOB recorded ${BRADEP_PROFILE}/*.gcda)
+        if(NOT recorded)
+            message(FATAL_ERROR "there is no profile in ${BRADEP_PROFILE}")
+        endif()
+        # Code that the workload doesn't run is optimised as without a profile. Values that were
+        # frequent in the recording, such as its tables' numbers of buckets, get no code of their
+        # own. Paths of sources count as a mismatch of their functions; functions that have changed
+        # are still compared by their control flow.
         list(APPEND profile_options -fprofile-use=${BRADEP_PROFILE} -fprofile-partial-training
              -fno-profile-values -Wno-missing-profile -Wno-coverage-mismatch)
     endif()

@@ -1,4 +1,4 @@
-# Sourced by run.sh, test.sh and fuzz.sh. Prepares a Debian 12 machine for building, as root or with
+# Sourced by run.sh, release.sh, test.sh and fuzz.sh. Prepares a Debian 12 machine for building, as root or with
 # sudo.
 
 export DEBIAN_FRONTEND=noninteractive

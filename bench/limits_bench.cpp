@@ -9,10 +9,13 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -151,10 +154,34 @@ void read_both(benchmark::State& state) {
     bench::report(state, data);
 }
 
+enum class Order { table, address };
+
+/// Reads all infos, which are most of the graph, in the order of their table, as a writer has to,
+/// or by their addresses.
+template <Order order>
+void read_infos(benchmark::State& state) {
+    auto const& data = data_of(state);
+    using Entry = std::remove_cvref_t<decltype(*data.value.infos.begin())>;
+    std::vector<Entry const*> entries;
+    for (Entry const& entry : data.value.infos) entries.push_back(&entry);
+    if (order == Order::address) std::ranges::sort(entries, std::less<>());
+    for ([[maybe_unused]] auto const round : state) {
+        Sum sum;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (i + 1 < entries.size()) sml::core::prefetch(*entries[i + 1]);
+            bench::walk(*entries[i], sum);
+        }
+        benchmark::DoNotOptimize(sum.total);
+    }
+    bench::report(state, data);
+}
+
 BENCHMARK(copy_warm)->Name("limit/copy_warm")->Apply(bench::sizes);
 BENCHMARK(copy_to_fresh_pages)->Name("limit/copy_to_fresh_pages")->Apply(bench::sizes);
 BENCHMARK(copy_to_file)->Name("limit/copy_to_file")->Apply(bench::sizes);
 BENCHMARK(make_nodes)->Name("limit/make_nodes")->Apply(bench::sizes);
 BENCHMARK(read_both)->Name("limit/read_both")->Apply(bench::sizes);
+BENCHMARK(read_infos<Order::table>)->Name("limit/read_infos")->Apply(bench::sizes);
+BENCHMARK(read_infos<Order::address>)->Name("limit/read_infos_by_address")->Apply(bench::sizes);
 
 }  // namespace

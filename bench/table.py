@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Runs all benchmarks of writing and reading result sets, and prints their figures as tables.
 
-  table.py [--sizes N,...] [--serialisers NAME,...] [--rounds R] [--million] BUILD
+  table.py [--sizes N,...] [--serialisers NAME,...] [--rounds R] [--million] [--allocators] BUILD
 
 BUILD is the build directory; `bench` is its target. Each serialiser runs in a process of its own, in
 turns, R times (4 by default) with three repetitions each; the tables have the medians. Without
---serialisers, all that are built run; plain and library always run. --million adds one encoding and one
-decoding of a million checks, which take about 8 GB.
+--serialisers, all that are built run; plain and library always run. --allocators adds a table of the
+allocators that are installed. --million adds one encoding and one decoding of a million checks, which
+take about 8 GB.
 """
 
 import argparse
@@ -29,12 +30,24 @@ OPERATIONS = {"encode": "encode, `fromCxx`", "decode": "decode, `toCxx`",
 LIMITS = {"copy_warm": "copying the bytes, warm", "copy_to_fresh_pages": "copying them to fresh pages",
           "copy_to_file": "copying them to a file, a `std::ofstream`",
           "make_nodes": "allocating, linking and writing the nodes",
-          "read_both": "reading both graphs once"}
+          "read_both": "reading both graphs once",
+          "read_infos": "reading the infos once, in the order of their table",
+          "read_infos_by_address": "reading the infos once, by their addresses"}
+
+# Ways to get memory that a caller can choose, as variables of the environment.
+LIBRARIES = "/usr/lib/x86_64-linux-gnu/"
+ALLOCATORS = {"glibc": {},
+              "glibc, huge pages": {"GLIBC_TUNABLES": "glibc.malloc.hugetlb=1"},
+              "glibc, 2,000 free blocks kept of each size":
+                  {"GLIBC_TUNABLES": "glibc.malloc.tcache_count=2000"},
+              "mimalloc": {"LD_PRELOAD": LIBRARIES + "libmimalloc.so.2"},
+              "jemalloc": {"LD_PRELOAD": LIBRARIES + "libjemalloc.so.2"}}
 
 
-def run(*command):
+def run(*command, environment=None):
     return subprocess.run([str(part) for part in command], check=True, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, text=True).stdout
+                          stderr=subprocess.DEVNULL, text=True,
+                          env={**os.environ, **(environment or {})}).stdout
 
 
 class Timings:
@@ -52,9 +65,11 @@ class Timings:
         self.times = {}
         self.first = {}
         self.size = {}
-        for _ in range(rounds):
+        for turn in range(rounds):
             for size in sizes:
                 for serialiser in self.serialisers:
+                    print(f"turn {turn + 1} of {rounds}: {serialiser}, {size:,} checks",
+                          file=sys.stderr)
                     self.add(program, serialiser, size)
 
     def add(self, program, serialiser, size):
@@ -181,6 +196,34 @@ def print_memory(build, sizes):
                  "heap peak", "allocations", "a check", "kept"], rows)
 
 
+def print_allocators(build, rounds, checks=100_000):
+    """Prints what one call takes in a fresh process and later ones, with each allocator found."""
+    rows = []
+    with tempfile.TemporaryDirectory() as folder:
+        file = pathlib.Path(folder) / "workload"
+        run(build / "bench" / "make_workload", checks, file)
+        for title, environment in ALLOCATORS.items():
+            if not pathlib.Path(environment.get("LD_PRELOAD", "/")).exists():
+                continue
+            row = [title]
+            for call in ("encode", "decode"):
+                first = [json.loads(run(build / "bench" / "bench_once", call, file,
+                                        environment=environment)) for _ in range(rounds)]
+                later = json.loads(run(build / "bench" / "bench",
+                                       f"--benchmark_filter=^library/{call}/{checks}$",
+                                       f"--benchmark_repetitions={rounds}",
+                                       "--benchmark_format=json", environment=environment))
+                row += [f"{statistics.median(one['ns'] for one in first) / checks / 1000:.2f}",
+                        "{:.2f}".format(statistics.median(
+                            one["check"] * 1e6 for one in later["benchmarks"]
+                            if one["run_type"] == "iteration")),
+                        f"{first[0]['resident_peak'] / 1e6:.0f}"]
+            rows.append(row)
+    print_table(f"Allocators, {checks:,} checks, microseconds a check:",
+                ["", "first encode", "encode", "peak, MB", "first decode", "decode", "peak, MB"],
+                rows)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
@@ -191,6 +234,7 @@ def main():
                         help="some of cereal, boost, protobuf, flatbuffers and limit")
     parser.add_argument("--rounds", type=int, default=4, metavar="R")
     parser.add_argument("--million", action="store_true")
+    parser.add_argument("--allocators", action="store_true")
     options = parser.parse_args()
     sizes = [int(size) for size in options.sizes.split(",")]
 
@@ -208,6 +252,8 @@ def main():
             print(f"\nA million checks are left out: they ask for {MILLION_MEMORY / 1e9:.0f} GB of "
                   f"memory, and there are {memory / 1e9:.0f}.")
     print_memory(options.build, sizes)
+    if options.allocators:
+        print_allocators(options.build, options.rounds)
 
 
 if __name__ == "__main__":

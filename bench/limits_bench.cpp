@@ -156,8 +156,8 @@ void read_both(benchmark::State& state) {
 
 enum class Order { table, address };
 
-/// Reads all infos, which are most of the graph, in the order of their table, as a writer has to,
-/// or by their addresses.
+/// Reads all infos, the largest entries of the graph, in the order of their table, as a writer has
+/// to, or by their addresses.
 template <Order order>
 void read_infos(benchmark::State& state) {
     auto const& data = data_of(state);

@@ -29,8 +29,8 @@ if(BRADEP_PROFILE)
         endif()
         # Code that the workload doesn't run is optimised as without a profile. Values that were
         # frequent in the recording, such as its tables' numbers of buckets, get no code of their
-        # own. Paths of sources count as a mismatch of their functions; functions that have changed
-        # are still compared by their control flow.
+        # own. Warnings of a mismatch are off, as the compiler takes another path of a source for one;
+        # the profile of a function whose control flow differs is not used all the same.
         list(APPEND profile_options -fprofile-use=${BRADEP_PROFILE} -fprofile-partial-training
              -fno-profile-values -Wno-missing-profile -Wno-coverage-mismatch)
     endif()

@@ -1,5 +1,5 @@
-# Sourced by run.sh, release.sh, test.sh and fuzz.sh. Prepares a Debian 12 machine for building, as root or with
-# sudo.
+# Sourced by run.sh, release.sh, test.sh and fuzz.sh. Prepares a Debian 12 machine for building, as
+# root or with sudo.
 
 export DEBIAN_FRONTEND=noninteractive
 export LC_ALL=C.UTF-8

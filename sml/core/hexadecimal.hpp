@@ -24,7 +24,7 @@ struct Hexadecimal {
         std::memcpy(at, text, sizeof text);
     }
 
-    /// Parses `count` digits, 1 to 16. False if one is no digit. May read up to four bytes before
+    /// Parses `count` digits, 1 to 16. False if one is no digit. May read up to three bytes before
     /// them, and nothing beyond them.
     static bool take(char const* at, int count, std::uint64_t& word) noexcept {
         char const* const end = at + count;

@@ -179,6 +179,7 @@ public:
             rank = rank << 8 | static_cast<unsigned char>(byte);
         writer_.string(texts_[rank], ids_[rank]);
     }
+    bool container(Type const&) { return false; }
 
 private:
     WalkedBytes&                   ranked_;

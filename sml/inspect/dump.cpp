@@ -1,8 +1,8 @@
 #include <sml/inspect/dump.hpp>
 
 #include <sml/inspect/dropped_entries.hpp>
+#include <sml/inspect/json_visitor.hpp>
 #include <sml/inspect/read_over.hpp>
-#include <sml/inspect/text/json_writer.hpp>
 #include <sml/inspect/walk/path_match.hpp>
 #include <sml/inspect/walk/walker.hpp>
 
@@ -16,158 +16,6 @@ namespace sml::inspect {
 namespace {
 
 using Form = DumpOptions::Form;
-
-bool has_names(Type const& type) { return type.kind == Kind::record || type.kind == Kind::group; }
-
-void write_unsafe(JsonWriter& json, Finding const& finding) {
-    json.open('{');
-    json.member("offset");
-    append_json_integer(json.text, finding.offset);
-    json.string_member("expected", finding.expected);
-    json.string_member("found", finding.found);
-    json.close('}');
-}
-
-/// Writes each event as JSON.
-class JsonVisitor {
-public:
-    JsonVisitor(std::ostream& out, Form form, Budget& budget)
-        : budget_(budget), json_(out, form == Form::pretty), in_lines_(form == Form::lines) {}
-
-    void start(Root const& root, std::string_view path) {
-        if (in_lines_) return;
-        json_.open('{');
-        json_.string_member("root", root.stem);
-        if (!path.empty()) json_.string_member("path", path);
-        json_.member("value");
-    }
-
-    void flush() { json_.flush(); }
-
-    void finish(Finding const* behind_value) {
-        if (in_lines_) return;
-        if (behind_value != nullptr) {
-            json_.member("unsafe");
-            write_unsafe(json_, *behind_value);
-        }
-        json_.close('}');
-        json_.end_line();
-    }
-
-    /// Writes an unsafe finding in place of a value.
-    void mark(Finding const& finding) {
-        json_.open('{');
-        json_.member("unsafe");
-        write_unsafe(json_, finding);
-        json_.close('}');
-        if (in_lines_ && depth_ == 0) json_.end_line();
-    }
-
-    /// Writes it in place of an entry of the open container.
-    void mark_entry(Finding const& finding) {
-        begin_entry();
-        mark(finding);
-    }
-
-    void integer(Type const& type, std::int64_t value) { put(value, type.kind == Kind::int64); }
-    void natural(Type const& type, std::uint64_t value) { put(value, type.kind == Kind::uint64); }
-    void flag(bool value) { json_.text += value ? "true" : "false"; }
-    void number(double value) { append_json_double(json_.text, value); }
-    void string(std::string_view value) { json_.string(value); }
-    void text(std::string_view value) { json_.string(value); }
-
-    void big_integer(std::string_view hexadecimal) {
-        Budget::Hold const held(budget_, memory_for_conversion(hexadecimal.size()));
-        json_.text += '"';
-        append_decimal(json_.text, hexadecimal);
-        json_.text += '"';
-    }
-
-    void ieee_float(std::string_view value, std::int32_t width) {
-        json_.open('{');
-        json_.member("width");
-        append_json_integer(json_.text, std::int64_t{width});
-        json_.string_member("hex", value);
-        json_.close('}');
-    }
-
-    void enumeration(Type const& type, std::int32_t value) {
-        if (type.has_tag(value))
-            append_json_string(json_.text, type.enumerators[static_cast<std::size_t>(value)]);
-        else
-            append_json_integer(json_.text, std::int64_t{value});
-    }
-
-    void absent(Type const&) {
-        if (!in_lines_ || depth_ > 0) json_.text += "null";
-    }
-
-    void begin(Type const& type, std::uint64_t) {
-        if (++depth_ > 1 || !in_lines_) json_.open(has_names(type) ? '{' : '[');
-    }
-
-    void part(Type const& type, std::uint64_t index) {
-        if (has_names(type)) return json_.member(type.parts[index].name);
-        begin_entry();
-        if (type.kind != Kind::map) return;
-        json_.open('[');
-        json_.next();
-    }
-
-    void entry_value(Type const&) { json_.next(); }
-    void end_entry(Type const&) { json_.close(']'); }
-
-    void end(Type const& type) {
-        if (--depth_ > 0 || !in_lines_)
-            json_.close(has_names(type) ? '}' : ']');
-        else if (line_is_open_)
-            json_.end_line();
-    }
-
-    void begin_variant(Type const& type, std::int32_t tag) {
-        json_.open('{');
-        json_.member("arm");
-        if (type.has_tag(tag))
-            return append_json_string(json_.text, type.arms[static_cast<std::size_t>(tag)].name);
-        json_.text += "null";
-        json_.member("tag");
-        append_json_integer(json_.text, std::int64_t{tag});
-    }
-
-    void payload() { json_.member("args"); }
-    void end_variant() { json_.close('}'); }
-
-    void reference(Type const& type, std::int32_t tag, std::uint64_t word) {
-        begin_variant(type, tag);
-        payload();
-        if (type.is_signed_word(tag))
-            put(static_cast<std::int64_t>(word), true);
-        else
-            put(word, true);
-        end_variant();
-    }
-
-private:
-    void begin_entry() {
-        if (depth_ > 1 || !in_lines_)
-            json_.next();
-        else if (std::exchange(line_is_open_, true))
-            json_.end_line();
-    }
-
-    template <class Number>
-    void put(Number value, bool in_quotes) {
-        if (in_quotes) json_.text += '"';
-        append_json_integer(json_.text, value);
-        if (in_quotes) json_.text += '"';
-    }
-
-    Budget&     budget_;
-    JsonWriter  json_;
-    bool        in_lines_;
-    bool        line_is_open_ = false;
-    std::size_t depth_ = 0;
-};
 
 /// Passes on the events in the selected part, except those of the entries that a reader drops.
 class SelectingVisitor : public BaseVisitor {
@@ -267,18 +115,18 @@ public:
         if (is_on()) json_.end(type);
     }
 
-    void begin_variant(Type const& type, std::int32_t tag, Arm const*) {
-        if (is_on()) json_.begin_variant(type, tag);
+    void begin_variant(Type const& type, std::int32_t tag, Arm const* arm) {
+        if (is_on()) json_.begin_variant(type, tag, arm);
     }
 
     void payload(Type const& type) {
-        if (is_on()) json_.payload();
+        if (is_on()) json_.payload(type);
         enter_part(*type.arms[walk_.step().part].payload);
     }
 
-    void end_variant(Type const&) {
+    void end_variant(Type const& type) {
         leave_part();
-        if (is_on()) json_.end_variant();
+        if (is_on()) json_.end_variant(type);
     }
 
     void end_root() { is_root_over_ = true; }

@@ -58,23 +58,6 @@ private:
     std::size_t                                      count_ = 0;
 };
 
-/// Takes values and does nothing with them.
-struct Skipper {
-    WalkedBytes& at;
-
-    void bytes(std::size_t size) { at.take(size); }
-
-    template <class Word>
-    Word word() {
-        return at.take_word<Word>();
-    }
-    bool flag() { return at.take_flag(); }
-    void block() { at.take_block(); }
-    void string() {
-        if (!at.take_string_word().refers()) at.take_block();
-    }
-};
-
 /// Writes the value that a reader has after it has read several values of one type, each over the
 /// one before.
 class ReadOverWriter {

@@ -1,9 +1,11 @@
 #include <sml/inspect/verify.hpp>
 
 #include <sml/inspect/keys/key_table.hpp>
+#include <sml/inspect/verified_walk.hpp>
 #include <sml/inspect/walk/walker.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -13,8 +15,13 @@ namespace {
 
 class Verifier : public BaseVisitor {
 public:
-    Verifier(Walk& walk, VerifyOptions const& options)
-        : walk_(walk), options_(options), keys_(&walk.budget), model_(&walk.budget) {
+    Verifier(Walk& walk, VerifyOptions const& options, LongContainers* long_containers)
+        : walk_(walk),
+          options_(options),
+          keys_(&walk.budget),
+          model_(&walk.budget),
+          long_containers_(long_containers) {
+        if (long_containers != nullptr) least_long_ = LongContainers::least_size;
         walk.strings.model_reader(model_);
     }
 
@@ -43,6 +50,11 @@ public:
             hash == Keys::no_hash || keys_.add(walk_.keys, key, offset, seeded(hash));
         if (model_.counts_keys()) model_.use_key(readers_hash(key, offset, hash), is_new);
         return is_new;
+    }
+
+    void end_container(std::uint64_t start) {
+        if (walk_.offset() - start >= least_long_) [[unlikely]]
+            long_containers_->add(start, walk_.offset());
     }
 
     void end_root() { texts_compared_ = walk_.strings.readers_comparisons(); }
@@ -101,6 +113,9 @@ private:
 
     std::uint64_t texts_compared_ = 0;
 
+    LongContainers* long_containers_;
+    std::uint64_t   least_long_ = std::numeric_limits<std::uint64_t>::max();
+
     std::optional<Finding> unsafe_;
 };
 
@@ -114,9 +129,14 @@ bool fits_better(Candidate const& a, Candidate const& b) {
 }  // namespace
 
 Verdict verify(Root const& root, std::string_view bytes, VerifyOptions const& options) {
-    Budget   budget(options.limits.own_memory);
-    Walk     walk(bytes, options.walk(), budget);
-    Verifier verifier(walk, options);
+    Budget budget(options.limits.own_memory);
+    Walk   walk(bytes, options.walk(), budget);
+    return verified_walk(root, walk, options, nullptr);
+}
+
+Verdict verified_walk(Root const& root, Walk& walk, VerifyOptions const& options,
+                      LongContainers* long_containers) {
+    Verifier verifier(walk, options, long_containers);
     Walker(walk, verifier).run(*root.type);
 
     Verdict& verdict = verifier.verdict;

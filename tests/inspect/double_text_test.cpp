@@ -21,6 +21,7 @@ namespace {
 
 using sml::inspect::double_of;
 using sml::inspect::is_plainly_written_double;
+using sml::inspect::nearest_to_float;
 using sml::inspect::other_point_of;
 using sml::inspect::written_double;
 using namespace std::string_literals;
@@ -227,6 +228,51 @@ TEST(DoubleText, JudgementAgreesWithTheReaderInEveryLocaleAndRoundingMode) {
     }
     EXPECT_GT(values, 3000);
     EXPECT_GT(point_dependent, 300);
+}
+
+TEST(NearestToFloat, IsWhatTheTextSays) {
+    EXPECT_EQ(nearest_to_float("0X0P+0"), 0);
+    EXPECT_TRUE(std::signbit(nearest_to_float("-0X0P+0")));
+    EXPECT_EQ(nearest_to_float("0X1.8P+1"), 3);
+    EXPECT_EQ(nearest_to_float("-INF"), -std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(std::isnan(nearest_to_float("NAN")));
+    EXPECT_EQ(nearest_to_float("0X1P-1074"), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(nearest_to_float("0X1P+16000"), std::numeric_limits<double>::infinity());
+    EXPECT_EQ(nearest_to_float("0X1P-16000"), 0);
+}
+
+TEST(NearestToFloat, RoundsHalvesToEven) {
+    EXPECT_EQ(nearest_to_float("0X1.00000000000008P+0"), 1);
+    EXPECT_EQ(nearest_to_float("0X1.00000000000018P+0"), 1 + 0x1p-51);
+    EXPECT_EQ(nearest_to_float("0X1.000000000000080000001P+0"), 1 + 0x1p-52);
+    EXPECT_EQ(nearest_to_float("0X1P-1075"), 0);
+    EXPECT_EQ(nearest_to_float("0X1.8P-1075"), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(nearest_to_float("0X1.706801105D1118P-1023"), 0x0.b83400882e889p-1022);
+    EXPECT_EQ(nearest_to_float("0X1.FFFFFFFFFFFFF8P-1023"), std::numeric_limits<double>::min());
+}
+
+TEST(NearestToFloat, DoesNotDependOnTheRoundingMode) {
+    for (int const mode : rounding_modes) {
+        Rounding const rounding(mode);
+        EXPECT_EQ(nearest_to_float("0X1.00000000000008P+0"), 1);
+        EXPECT_EQ(nearest_to_float("0X1.8P-1075"), std::numeric_limits<double>::denorm_min());
+    }
+}
+
+// The C library reads the same texts.
+TEST(NearestToFloat, AgreesWithTheCLibrary) {
+    std::mt19937_64 random(runs::seed());
+    for (int i = 0; i < runs::count(20'000, 2'000'000); ++i) {
+        char        text[64];
+        auto const  digits = static_cast<unsigned long long>(random());
+        auto const  more = static_cast<unsigned long long>(random() >> 16);
+        int const   exponent = static_cast<int>(random() % 2300) - 1150;
+        int const   shown = static_cast<int>(random() % 28) + 1;
+        std::string all(64, '\0');
+        std::snprintf(all.data(), all.size(), "%016llX%012llX", digits, more);
+        std::snprintf(text, sizeof text, "0X1.%.*sP%+d", shown, all.c_str(), exponent);
+        EXPECT_EQ(nearest_to_float(text), std::strtod(text, nullptr)) << text;
+    }
 }
 
 }  // namespace

@@ -156,6 +156,7 @@ struct Counter {
         ++in_full;
         at.take_block();
     }
+    bool container(Type const&) { return false; }
 };
 
 TEST(TakeValue, EndsWhereTheBytesOfAWriterEnd) {

@@ -114,14 +114,24 @@ private:
     std::int64_t     exponent_ = 0;    // power of 10, or of 2 in base 16
 };
 
-/// Parses a text as in the "C" locale, in the rounding mode of the process; none if it is out of
-/// range.
-std::optional<double> parse(std::string const& text) {
+struct Parsed {
+    double value;            // if out of range: infinity, or what is nearest among the smallest
+    bool   is_out_of_range;  // or so small that it is less exact than others
+};
+
+/// Parses a text as in the "C" locale, in the rounding mode of the process.
+Parsed parse_any(std::string const& text) {
     static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
     int const             before = std::exchange(errno, 0);
     double const          value = strtod_l(text.c_str(), nullptr, plain);
     bool const            is_out_of_range = errno == ERANGE;
     errno = before;
+    return {value, is_out_of_range};
+}
+
+/// The same; none if it is out of range.
+std::optional<double> parse(std::string const& text) {
+    auto const [value, is_out_of_range] = parse_any(text);
     if (is_out_of_range) return std::nullopt;
     return value;
 }
@@ -234,6 +244,19 @@ std::optional<double> nearest_double(std::string_view number) {
     auto const parsed = std::from_chars(number.data(), number.data() + number.size(), value);
     if (parsed.ec != std::errc()) return std::nullopt;
     return value;
+}
+
+double nearest_to_float(std::string_view text) {
+    auto const digits = text.find('X') + 1;
+    double     value = 0;
+    auto const [end, error] = std::from_chars(text.data() + digits, text.data() + text.size(),
+                                              value, std::chars_format::hex);
+    // The faster parser rounds numbers below this one wrongly, and takes no text without digits.
+    bool const is_exact =
+        digits > 0 && error == std::errc() && value >= 2 * std::numeric_limits<double>::min();
+    if (is_exact) return text.front() == '-' ? -value : value;
+    NearestRounding const nearest;
+    return parse_any(std::string(text)).value;
 }
 
 std::string written_double(double value, std::string_view point) {

@@ -18,6 +18,10 @@ std::optional<double> double_of(std::string_view block, std::string_view point =
 /// The double nearest to a JSON number; none if the number is too large or too small for a double.
 std::optional<double> nearest_double(std::string_view number);
 
+/// The double nearest to a float with this text, as the wire form has it with a dot; if it is out
+/// of range, zero or infinity.
+double nearest_to_float(std::string_view text);
+
 /// What the writer prints for a double in a process with this decimal point.
 std::string written_double(double value, std::string_view point = plain_point);
 

@@ -53,6 +53,8 @@ struct BaseVisitor {
     /// The end of a map's entry.
     void end_entry(Type const&) {}
     void end(Type const&) {}
+    /// Comes after the end of a list, set or map, with the offset where it starts.
+    void end_container(std::uint64_t /*start*/) {}
 
     /// The start of a variant. The arm is null for an unset or unknown tag in a variant without
     /// catch-all arm. `payload` and the event of the payload follow if the arm has one.
@@ -381,6 +383,7 @@ private:
                            : type.kind == Kind::set ? keys(type, step, count, keyed)
                                                     : pairs(type, step, count, keyed);
         visitor_.end(type);
+        visitor_.end_container(at);
         walk_.heap.complete_table(type, count);
         if (!keyed) return whole;
         visitor_.close_keys();

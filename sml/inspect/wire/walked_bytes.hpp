@@ -49,7 +49,8 @@ private:
 
 /// Takes a value of a type, by calls of `taker`: `bytes(size)` takes so many bytes, `word` a word
 /// and `flag` a flag, both of which return the value; `block` takes a length word and as many
-/// bytes, and `string` a string.
+/// bytes, and `string` a string. `container(type)` may take a whole list, set or map; if it takes
+/// nothing, it returns false.
 template <class Taker>
 void take_value(Type const& type, Taker& taker) {
     switch (type.kind) {
@@ -80,6 +81,7 @@ void take_value(Type const& type, Taker& taker) {
         case Kind::list:
         case Kind::set:
         case Kind::map:
+            if (taker.container(type)) return;
             for (auto left = taker.template word<std::uint32_t>(); left > 0; --left) {
                 if (type.key != nullptr) take_value(*type.key, taker);
                 take_value(*type.element, taker);
@@ -88,9 +90,30 @@ void take_value(Type const& type, Taker& taker) {
         case Kind::tuple:
         case Kind::record:
         case Kind::group:
-            for (Part const& part : type.parts) take_value(*part.type, taker);
-            return;
+            for (FlatPart const* part = type.flat;; ++part) {
+                if (part->words_before > 0) taker.bytes(part->words_before);
+                if (part->type == nullptr) return;
+                take_value(*part->type, taker);
+            }
     }
 }
+
+/// Passes over what `take_value` takes.
+struct Skipper {
+    WalkedBytes& at;
+
+    void bytes(std::size_t size) { at.take(size); }
+
+    template <class Word>
+    Word word() {
+        return at.take_word<Word>();
+    }
+    bool flag() { return at.take_flag(); }
+    void block() { at.take_block(); }
+    void string() {
+        if (!at.take_string_word().refers()) at.take_block();
+    }
+    bool container(Type const&) { return false; }
+};
 
 }  // namespace sml::inspect

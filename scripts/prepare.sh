@@ -12,14 +12,15 @@ as_root() {
     fi
 }
 
-# Installs the missing packages of packages.txt. If none is missing, it needs no network.
+# install_packages [LIST]: installs the missing packages of a list, packages.txt by default. If none is
+# missing, it needs no network.
 install_packages() {
     local missing=() package
     while read -r package; do
         [ -n "$package" ] || continue
         dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
             missing+=("$package")
-    done < packages.txt
+    done < "${1:-packages.txt}"
     [ ${#missing[@]} -gt 0 ] || return 0
     echo "Installing: ${missing[*]}"
     as_root apt-get update -q

@@ -34,11 +34,16 @@ Action declare_canon(CLI::App& app);
 Action declare_digest(CLI::App& app);
 Action declare_dump(CLI::App& app);
 Action declare_encode(CLI::App& app);
+Action declare_export(CLI::App& app);
 Action declare_identify(CLI::App& app);
 Action declare_import(CLI::App& app);
+Action declare_list(CLI::App& app);
 Action declare_roots(CLI::App& app);
 Action declare_schema(CLI::App& app);
 Action declare_show(CLI::App& app);
+Action declare_sql(CLI::App& app);
+Action declare_stats(CLI::App& app);
+Action declare_tables(CLI::App& app);
 Action declare_verify(CLI::App& app);
 
 }  // namespace bradep

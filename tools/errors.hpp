@@ -8,7 +8,8 @@ namespace bradep {
 enum ExitCode : int {
     exit_done = 0,
     exit_no = 1,  ///< the input is damaged or refused
-    exit_usage_or_io = 2
+    exit_usage_or_io = 2,
+    exit_found = 3  ///< done, and there is what was looked for; only where it was asked for
 };
 
 /// The input was read but is not valid for the command. The message starts with the place in the

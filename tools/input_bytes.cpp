@@ -3,6 +3,7 @@
 #include "errors.hpp"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +20,12 @@ constexpr std::size_t first_capacity = 1 << 16;
 
 [[noreturn]] void cannot_read(std::string const& name, int error) {
     throw IoFailure("cannot read " + name + ": " + std::strerror(error ? error : EIO));
+}
+
+void refuse_larger(std::string const& name, std::uint64_t size, std::uint64_t max_size) {
+    if (size > max_size)
+        throw IoFailure("cannot read " + name + ": larger than --max-size " +
+                        std::to_string(max_size));
 }
 
 class OpenedFile {
@@ -116,9 +123,26 @@ void InputBytes::grow_to(std::size_t capacity) {
 }
 
 void InputBytes::refuse_beyond_limit(std::uint64_t size) const {
-    if (size > max_size_)
-        throw IoFailure("cannot read " + name_ + ": larger than --max-size " +
-                        std::to_string(max_size_));
+    refuse_larger(name_, size, max_size_);
+}
+
+MappedFile::MappedFile(std::string const& path, std::uint64_t max_size) {
+    OpenedFile const file(path, path);
+    struct stat      status {};
+    if (::fstat(file.descriptor(), &status) != 0) cannot_read(path, errno);
+    if (S_ISDIR(status.st_mode)) cannot_read(path, EISDIR);
+    if (!S_ISREG(status.st_mode))
+        throw IoFailure("cannot read " + path + ": only a regular file can be mapped");
+    size_ = static_cast<std::size_t>(status.st_size);
+    refuse_larger(path, size_, max_size);
+    if (size_ == 0) return;
+    void* const start = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file.descriptor(), 0);
+    if (start == MAP_FAILED) cannot_read(path, errno);
+    start_ = start;
+}
+
+MappedFile::~MappedFile() {
+    if (start_ != nullptr) ::munmap(start_, size_);
 }
 
 }  // namespace bradep

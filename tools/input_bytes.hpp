@@ -1,5 +1,7 @@
 #pragma once
+// The bytes of an input: read into memory, or mapped.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <istream>
@@ -42,6 +44,24 @@ private:
     std::unique_ptr<char, Free> start_;
     std::size_t                 capacity_ = 0;
     std::size_t                 size_ = 0;
+};
+
+/// The bytes of a regular file, mapped: they take no memory of their own. As long as this object
+/// lives, the file must not be made shorter: reading bytes that are gone ends the process.
+class MappedFile {
+public:
+    /// Throws IoFailure if the file cannot be read, is no regular file, or has more than `max_size`
+    /// bytes.
+    MappedFile(std::string const& path, std::uint64_t max_size);
+    ~MappedFile();
+    MappedFile(MappedFile const&) = delete;
+    MappedFile& operator=(MappedFile const&) = delete;
+
+    std::string_view view() const { return {static_cast<char const*>(start_), size_}; }
+
+private:
+    void*       start_ = nullptr;
+    std::size_t size_ = 0;
 };
 
 }  // namespace bradep

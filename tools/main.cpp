@@ -5,6 +5,7 @@
 #include <gmp.h>
 #include <unistd.h>
 
+#include <clocale>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
@@ -35,6 +36,9 @@ void release(void* memory, std::size_t) { std::free(memory); }
 
 int main(int argc, char** argv) {
     ::mp_set_memory_functions(allocate, reallocate, release);
+    // Patterns for file names and typed lines are UTF-8, whatever the locale; numbers stay as in
+    // "C".
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     std::ios::sync_with_stdio(false);
     // Another thread shows progress on standard error. A tied stream would make its writes flush
     // standard output while this thread prints there.

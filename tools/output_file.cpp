@@ -2,6 +2,7 @@
 
 #include "errors.hpp"
 #include "input_bytes.hpp"
+#include "signals.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -28,20 +29,6 @@ namespace fs = std::filesystem;
 [[noreturn]] void cannot_write(fs::path const& target, int error) {
     throw IoFailure("cannot write " + target.string() + ": " + std::strerror(error ? error : EIO));
 }
-
-// While it lives, a write beyond the process's file size limit fails as on a full disk. By default
-// the signal would end the process.
-class IgnoredSignal {
-public:
-    explicit IgnoredSignal(int signal) : signal_(signal), before_(std::signal(signal, SIG_IGN)) {}
-    ~IgnoredSignal() { std::signal(signal_, before_); }
-    IgnoredSignal(IgnoredSignal const&) = delete;
-    IgnoredSignal& operator=(IgnoredSignal const&) = delete;
-
-private:
-    int signal_;
-    void (*before_)(int);
-};
 
 std::string file_to_remove;  // empty unless the handlers below are installed
 
@@ -139,15 +126,30 @@ public:
     std::string readable_path() const { return path_.empty() ? link_source() : path_; }
 
     void take_place() {
-        take_mode();
-        if (::fsync(descriptor_) != 0) cannot_write(target_, errno);
+        complete();
         if (path_.empty() && link_as(target_)) return;
         if (path_.empty()) name();
         if (::rename(path_.c_str(), target_.c_str()) != 0) cannot_write(target_, errno);
         path_.clear();
     }
 
+    // The same for a named file, but fails if the target exists by now.
+    void take_free_place() {
+        complete();
+        int failed =
+            ::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE);
+        if (failed != 0 && errno == EINVAL)  // not every file system can do that
+            failed = ::rename(path_.c_str(), target_.c_str());
+        if (failed != 0) cannot_write(target_, errno);
+        path_.clear();
+    }
+
 private:
+    void complete() {
+        take_mode();
+        if (::fsync(descriptor_) != 0) cannot_write(target_, errno);
+    }
+
     void open_unnamed() {
         descriptor_ = ::open(directory_of(target_).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
         if (descriptor_ < 0 || ::access(link_source().c_str(), F_OK) == 0) return;
@@ -240,6 +242,13 @@ void write_file(fs::path const& named_target, std::function<void(std::ostream&)>
     if (fs::exists(status) && !fs::is_regular_file(status))
         return write_directly(named_target, write);
     write_beside(named_target, write, kind, nullptr);
+}
+
+void create_file(fs::path const& target, std::function<void(fs::path const&)> const& fill) {
+    IgnoredSignal const file_too_large(SIGXFSZ);
+    SiblingFile         sibling(without_links(target), Temporary::named);
+    fill(sibling.readable_path());
+    sibling.take_free_place();
 }
 
 void write_seekable(std::string const& target, std::ostream& standard_output,

@@ -20,9 +20,16 @@ void write_file(std::filesystem::path const&              target,
                 std::function<void(std::ostream&)> const& write,
                 Temporary                                 kind = Temporary::unnamed_where_possible);
 
-/// The same for a `write` that seeks; "-" is `standard_output`. A target that can't seek gets all
-/// bytes at the end. `check` is called with all the bytes before they are visible at the target; if
-/// it throws, nothing is written and the exception is passed on.
+/// Makes a new file. `fill` is called with the path of an empty file in the directory of `target`;
+/// once `fill` has returned and all of it is on the disk, it becomes the target. If `fill` throws,
+/// no file is left, and the exception is passed on. Throws IoFailure, also if the target has come
+/// into being meanwhile.
+void create_file(std::filesystem::path const&                             target,
+                 std::function<void(std::filesystem::path const&)> const& fill);
+
+/// The same as `write_file` for a `write` that seeks; "-" is `standard_output`. A target that can't
+/// seek gets all bytes at the end. `check` is called with all the bytes before they are visible at
+/// the target; if it throws, nothing is written and the exception is passed on.
 void write_seekable(std::string const& target, std::ostream& standard_output,
                     std::function<void(std::ostream&)> const&    write,
                     std::function<void(std::string_view)> const& check = nullptr);

@@ -20,6 +20,11 @@ namespace {
 constexpr Command commands[] = {
     {"import", "Make a result set from the SARIF output of an analyser", declare_import},
     {"show", "Print what a result set holds", declare_show},
+    {"list", "List findings, one a line", declare_list},
+    {"stats", "Count findings by what they have in common, or tell sizes", declare_stats},
+    {"sql", "Ask result sets in SQL", declare_sql},
+    {"export", "Write the tables of result sets to a database or to files", declare_export},
+    {"tables", "Print the tables that result sets have in SQL", declare_tables},
     {"verify", "Check whether bytes are safe to read, and list what is odd", declare_verify},
     {"dump", "Print bytes as JSON", declare_dump},
     {"encode", "Make bytes of the JSON that dump prints", declare_encode},

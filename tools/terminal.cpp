@@ -59,6 +59,16 @@ std::size_t terminal_columns(Streams const& streams) {
     return size.ws_col;
 }
 
+std::size_t display_columns(std::string_view text) {
+    std::size_t columns = 0;
+    while (!text.empty()) {
+        auto const character = sml::inspect::first_character(text);
+        columns += columns_of(character.code);
+        text.remove_prefix(character.length);
+    }
+    return columns;
+}
+
 std::string cut_to_columns(std::string_view line, std::size_t columns) {
     constexpr std::string_view mark = "\u2026";
     std::size_t                kept = 0;  // bytes that fit together with the mark

@@ -15,6 +15,10 @@ bool prints_on_terminal(Streams const& streams);
 /// The number of columns of the terminal that standard output goes to; 0 if it goes elsewhere.
 std::size_t terminal_columns(Streams const& streams);
 
+/// How many columns of a terminal a text takes, approximately. It must not contain control
+/// characters.
+std::size_t display_columns(std::string_view text);
+
 /// Returns the line, or its start with an ellipsis, so that it fits into `columns`. `line` must not
 /// contain control characters.
 std::string cut_to_columns(std::string_view line, std::size_t columns);

@@ -1,0 +1,43 @@
+#pragma once
+// Result sets written to an SQLite database.
+
+#include <sml/tables/sqlite/connection.hpp>
+#include "export/export.hpp"
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+namespace bradep {
+
+/// A database with the tables of result sets of one root, `result_sets`, indexes and, where the
+/// root holds checks, the views. What is added is there once `finish` has returned; until then
+/// an existing database stays as it was.
+class DatabaseExport : public Export {
+public:
+    enum class File : std::uint8_t {
+        empty,     ///< If `finish` is not called, it is of no use.
+        exported,  ///< One that `finish` has completed. Another one is refused.
+    };
+
+    /// `name` is that of the file in messages. Throws DamagedInput, IoFailure and Interrupted.
+    DatabaseExport(std::string const& path, File file, std::string name, std::ostream& err);
+
+    sml::inspect::Root const* root() const override { return root_; }
+    bool                      add(sml::tables::ResultSets const& sets) override;
+    void                      finish() override;
+
+private:
+    void open_exported();
+    void create_tables(sml::tables::ResultSets const& sets);
+    bool has(std::int64_t number, sml::tables::ResultSets const& sets);
+    void insert(sml::tables::Source const& table, std::int64_t number, SetProgress& progress);
+
+    std::string               name_;
+    std::ostream&             err_;
+    File                      file_;
+    sml::tables::Connection   connection_;
+    sml::inspect::Root const* root_ = nullptr;  // once it is known
+};
+
+}  // namespace bradep

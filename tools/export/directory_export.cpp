@@ -1,0 +1,269 @@
+#include "export/directory_export.hpp"
+
+#include <sml/tables/rows_ahead.hpp>
+#include <sml/tables/sqlite/database.hpp>
+#include "errors.hpp"
+#include "export/load_scripts.hpp"
+#include "export/view_rows.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace bradep {
+
+using namespace sml::tables;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char const* schema_directory = "schema";
+constexpr char const* parts_directory = ".bradep-export";
+constexpr char const* list_table = "result_sets";
+
+[[noreturn]] void cannot_write(fs::path const& path, int error) {
+    throw IoFailure("cannot write " + path.string() + ": " + std::strerror(error));
+}
+
+void make_directory(fs::path const& directory) {
+    std::error_code error;
+    fs::create_directories(directory, error);
+    if (error) cannot_write(directory, error.value());
+}
+
+void move(fs::path const& from, fs::path const& to) {
+    std::error_code error;
+    fs::rename(from, to, error);
+    if (error) cannot_write(to, error.value());
+}
+
+/// A new file. Text is appended to `text`, and written when that is long.
+class OutputText {
+public:
+    explicit OutputText(fs::path path, mode_t mode = 0666)
+        : path_(std::move(path)),
+          descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
+        if (descriptor_ < 0) cannot_write(path_, errno);
+    }
+    ~OutputText() { ::close(descriptor_); }
+    OutputText(OutputText const&) = delete;
+    OutputText& operator=(OutputText const&) = delete;
+
+    std::string text;
+
+    void write_if_long() {
+        constexpr std::size_t long_text = std::size_t{1} << 20;
+        if (text.size() >= long_text) write();
+    }
+
+    void write() {
+        std::string_view rest = text;
+        while (!rest.empty()) {
+            ssize_t const written = ::write(descriptor_, rest.data(), rest.size());
+            if (written < 0 && errno == EINTR) continue;
+            if (written < 0) cannot_write(path_, errno);
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        }
+        text.clear();
+    }
+
+private:
+    fs::path path_;
+    int      descriptor_;
+};
+
+void write_text(fs::path const& path, std::string const& text, mode_t mode) {
+    OutputText file(path, mode);
+    file.text = text;
+    file.write();
+}
+
+std::string text_of(fs::path const& path) {
+    std::ifstream      file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+}  // namespace
+
+void DirectoryExport::Lock::take(fs::path const& directory) {
+    directory_ = directory;
+    descriptor_ = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor_ < 0) cannot_write(directory, errno);
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
+    if (errno == EWOULDBLOCK)
+        throw IoFailure("cannot write " + directory.string() + ": another export is writing there");
+    cannot_write(directory, errno);
+}
+
+DirectoryExport::Lock::~Lock() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+void DirectoryExport::Lock::flush() const {
+    if (::syncfs(descriptor_) != 0) cannot_write(directory_, errno);
+}
+
+/// The files of one result set while they are written. Unless `publish` has returned, they are
+/// removed.
+class DirectoryExport::Parts {
+public:
+    explicit Parts(fs::path const& directory)
+        : directory_(directory), parts_(directory / parts_directory) {
+        make_directory(parts_);
+    }
+    ~Parts() {
+        std::error_code ignored;
+        fs::remove_all(parts_, ignored);
+        if (is_published_) return;
+        for (auto const& [from, to] : moves_) {
+            fs::remove(to, ignored);
+            fs::remove(to.parent_path(), ignored);  // if it is empty
+        }
+    }
+    Parts(Parts const&) = delete;
+    Parts& operator=(Parts const&) = delete;
+
+    /// The path of a new file or directory, which will become `target`.
+    fs::path part_of(fs::path const& target) {
+        moves_.emplace_back(parts_ / std::to_string(moves_.size()), target);
+        return moves_.back().first;
+    }
+
+    /// Makes the parts their targets, in the order in which they were asked for. The last one only
+    /// when the others are on the disk.
+    void publish(Lock const& lock) {
+        for (auto const& [from, to] : moves_) {
+            if (to.parent_path() != directory_) make_directory(to.parent_path());
+            if (&to == &moves_.back().second) lock.flush();
+            move(from, to);
+        }
+        is_published_ = true;
+    }
+
+private:
+    fs::path                                   directory_;
+    fs::path                                   parts_;
+    std::vector<std::pair<fs::path, fs::path>> moves_;
+    bool                                       is_published_ = false;
+};
+
+DirectoryExport::DirectoryExport(fs::path directory, FileFormat format, std::ostream& err)
+    : directory_(std::move(directory)), format_(format), err_(err) {
+    std::error_code error;
+    is_new_ = fs::create_directory(directory_, error);
+    if (error) cannot_write(directory_, error.value());
+    lock_.take(directory_);
+    fs::remove_all(directory_ / parts_directory, error);  // of a process that was killed
+    if (error) cannot_write(directory_ / parts_directory, error.value());
+    if (!is_empty()) read_mark();
+}
+
+DirectoryExport::~DirectoryExport() {
+    std::error_code ignored;
+    if (is_new_) fs::remove(directory_, ignored);  // if it is empty
+}
+
+bool DirectoryExport::is_empty() const {
+    std::error_code error;
+    bool const      is_empty = fs::is_empty(directory_, error);
+    if (error) throw IoFailure("cannot read " + directory_.string() + ": " + error.message());
+    return is_empty;
+}
+
+void DirectoryExport::read_mark() {
+    auto const mark = text_of(directory_ / schema_directory / export_mark);
+    for (auto const& root : sml::inspect::roots())
+        if (mark == mark_of(root, format_)) {
+            root_ = &root;
+            return;
+        }
+    throw DamagedInput(directory_.string() + ": is not empty, and no export to " +
+                       std::string(name_of(format_)) + " by this version of the command");
+}
+
+fs::path DirectoryExport::file_of(std::string const& table, std::int64_t number) const {
+    return directory_ / table / (std::to_string(number) + '.' + std::string(name_of(format_)));
+}
+
+bool DirectoryExport::add(ResultSets const& sets) {
+    if (root_ != nullptr && root_ != sets.schema().root)
+        refuse_other_root(directory_.string(), *root_, sets);
+    auto const number = export_number(sets.identity(1));
+    if (has(number, sets)) return false;
+    Parts parts(directory_);
+    if (root_ == nullptr) write_schema(*sets.schema().root, parts);
+    try {
+        write_tables(sets, number, parts);
+    } catch (SqlError const& error) {
+        Interruption::check();
+        throw IoFailure(std::string("cannot write a temporary table: ") + error.what());
+    }
+    parts.publish(lock_);
+    root_ = sets.schema().root;
+    return true;
+}
+
+// The digest is the last cell of the only row.
+bool DirectoryExport::has(std::int64_t number, ResultSets const& sets) const {
+    auto const file = file_of(list_table, number);
+    if (!fs::exists(file)) return false;
+    std::string const end = format_ == FileFormat::csv ? "\"\n" : "\"}\n";
+    if (!text_of(file).ends_with('"' + sets.identity(1) + end))
+        refuse_collision(directory_.string(), sets);
+    return true;
+}
+
+void DirectoryExport::write_schema(sml::inspect::Root const& root, Parts& parts) {
+    auto const schema = parts.part_of(directory_ / schema_directory);
+    for (SchemaFile const& file : schema_files(root, format_)) {
+        auto const path = schema / file.path;
+        make_directory(path.parent_path());
+        write_text(path, file.text, file.is_executable ? 0777 : 0666);
+    }
+}
+
+void DirectoryExport::write_tables(ResultSets const& sets, std::int64_t number, Parts& parts) {
+    Database    database(sets, Interruption::has_come());
+    auto const  views = views_of(database);
+    auto const  tables = sets.schema().tables.size();
+    SetProgress progress(err_, sets.set(1), tables + views.size());
+    auto const  write = [&](std::string const& name, std::vector<Column> const& columns,
+                           RowStream& rows) {
+        if (rows.next()) {
+            RowText const format(format_, columns);
+            OutputText    file(parts.part_of(file_of(name, number)));
+            file.text = format.header();
+            do {
+                progress.at(rows.offset());
+                format.append(file.text, number, rows);
+                file.write_if_long();
+            } while (rows.next());
+            file.write();
+        }
+        progress.next_table();
+    };
+    auto const write_table = [&](Source const& table) {
+        auto const& columns = table.columns();
+        auto const  rows =
+            rows_ahead(table.rows(1, std::vector<bool>(columns.size(), true)), columns.size());
+        write(table.name(), columns, *rows);
+    };
+    for (Table const& table : sets.schema().tables) write_table(*source_of(sets, table));
+    for (View const& view : views) write(view.name, view.columns, *rows_of(database, view));
+    write_table(*list_of(sets));
+}
+
+void DirectoryExport::finish() { lock_.flush(); }
+
+}  // namespace bradep

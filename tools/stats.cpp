@@ -1,0 +1,176 @@
+#include "command.hpp"
+#include "errors.hpp"
+#include "query.hpp"
+#include "query_files.hpp"
+#include "row_output.hpp"
+#include "signals.hpp"
+#include "walk_options.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace bradep {
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// What findings can have in common.
+struct Property {
+    std::string name;
+    Names       columns;  // of the view `findings`, or expressions of these
+};
+
+std::vector<Property> const& properties() {
+    static std::vector<Property> const all = {
+        {"rule", {"rule"}},
+        {"level", {"level"}},
+        {"category", {"category"}},
+        {"tool", {"tool", "tool_version"}},
+        {"file", {"uri"}},
+        {"directory", {"rtrim(uri, replace(uri, '/', '')) AS directory"}},
+        {"function", {"function"}},
+        {"kind", {"kind"}},
+        {"suppression", {"suppressed"}},
+        {"state", {"baseline_state"}},
+        {"class", {"class"}},
+        {"set", {"result_set"}},
+    };
+    return all;
+}
+
+Names property_names() {
+    Names names;
+    for (Property const& property : properties()) names.push_back(property.name);
+    return names;
+}
+
+struct Options : QueryOptions {
+    Names                        by;
+    std::optional<std::uint64_t> top;
+    bool                         counts_all = false;
+    bool                         has_sizes = false;
+    bool                         prints_sql = false;
+    RowOptions                   rows;
+
+    bool is_overview() const { return by.empty() && !has_sizes; }
+    bool needs_checks() const { return !by.empty() || is_overview(); }
+};
+
+std::string joined(Names const& all, std::string const& between) {
+    std::string text;
+    for (std::string const& one : all) text += (text.empty() ? "" : between) + one;
+    return text;
+}
+
+std::string limit(std::optional<std::uint64_t> top) {
+    return top ? "\nLIMIT " + std::to_string(*top) : "";
+}
+
+// Suppressed and absent findings need not be looked at: they are left out where the question is not
+// about them.
+std::string condition(Names const& by, bool counts_all) {
+    auto const is_by = [&](char const* name) { return std::ranges::count(by, name) > 0; };
+    Names      conditions;
+    if (!counts_all && !is_by("suppression")) conditions.push_back("NOT suppressed");
+    if (!counts_all && !is_by("state")) conditions.push_back("baseline_state IS NOT 'absent'");
+    return conditions.empty() ? "" : "\nWHERE " + joined(conditions, " AND ");
+}
+
+std::string counted(Names const& by, bool counts_all, std::optional<std::uint64_t> top) {
+    Names columns;
+    Names numbers;  // the columns by their places
+    for (std::string const& name : by) {
+        auto const property = std::ranges::find(properties(), name, &Property::name);
+        for (std::string const& column : property->columns) {
+            columns.push_back(column);
+            numbers.push_back(std::to_string(columns.size()));
+        }
+    }
+    return "SELECT " + joined(columns, ", ") + ", count(*) AS findings\nFROM findings" +
+           condition(by, counts_all) + "\nGROUP BY " + joined(numbers, ", ") +
+           "\nORDER BY findings DESC, " + joined(numbers, ", ") + limit(top);
+}
+
+constexpr char const* totals = R"(SELECT
+  count(*) AS findings,
+  count(CASE WHEN suppressed THEN 1 END) AS suppressed,
+  count(CASE WHEN baseline_state = 'absent' AND NOT suppressed THEN 1 END) AS absent
+FROM findings)";
+
+Names overview(Options const& options) {
+    constexpr std::uint64_t ten = 10;
+    Names                   all = {totals};
+    for (char const* const name : {"tool", "level", "rule", "directory", "file"})
+        all.push_back(counted({name}, options.counts_all, options.top.value_or(ten)));
+    return all;
+}
+
+std::string sizes(std::optional<std::uint64_t> top) {
+    return "SELECT *\nFROM sizes\nWHERE rows > 0\nORDER BY result_set, bytes DESC, name" +
+           limit(top);
+}
+
+Names statements_of(Options const& options) {
+    if (options.is_overview()) return overview(options);
+    Names all;
+    if (!options.by.empty()) all.push_back(counted(options.by, options.counts_all, options.top));
+    if (options.has_sizes) all.push_back(sizes(options.top));
+    return all;
+}
+
+void run_all(sml::tables::Database& database, Options const& options, Streams& streams) {
+    auto const format = options.rows.format;
+    bool const is_read_by_people =
+        format == RowFormat::text || format == RowFormat::box || format == RowFormat::markdown;
+    Interruption const interruption;
+    bool               is_first = true;
+    for (std::string const& statement : statements_of(options)) {
+        if (!is_first && is_read_by_people) streams.out << '\n';
+        is_first = false;
+        run_statements(database, "statement", statement, options.rows, streams);
+    }
+}
+
+ExitCode stats(Options const& options, Streams& streams) {
+    if (options.prints_sql) {
+        streams.out << joined(statements_of(options), ";\n") << ";\n";
+        return exit_done;
+    }
+    if (options.files.empty()) throw CLI::RequiredError("FILE");
+    QueryFiles const files(options, streams);
+    if (options.needs_checks()) files.require_checks();
+    sml::tables::Database database(files.sets(), Interruption::has_come());
+    run_all(database, options, streams);
+    return exit_done;
+}
+
+}  // namespace
+
+Action declare_stats(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    app.add_option("--by", options->by, "Count findings by these, most first")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("NAME,...")
+        ->check(CLI::IsMember(property_names()));
+    declare_amount(*app.add_option("--top", options->top, "Print this many rows at most")
+                        ->type_name("NUMBER"));
+    app.add_flag("--all", options->counts_all, "Count suppressed and absent findings, too");
+    app.add_flag(
+        "--sizes", options->has_sizes,
+        "Print how many rows and bytes each table has, its largest entry and how deep it is");
+    app.add_flag("--sql", options->prints_sql, "Print the statements instead; no FILE is needed");
+    declare_row_options(app, options->rows);
+    declare_query_files(app, *options)->required(false);
+    app.footer(
+        "Without --by and --sizes: an overview, with the first ten of each. Suppressed and absent\n"
+        "findings are left out where they are not counted by suppression or state.\n");
+    return [options](Streams& streams) { return stats(*options, streams); };
+}
+
+}  // namespace bradep

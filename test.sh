@@ -4,17 +4,19 @@
 # threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS of a processor, 60 by
 # default.
 #
-#   ./test.sh          the checks that every change must pass
-#   ./test.sh --all    also builds by clang without sanitizers and by g++ under them, and runs the
-#                      random tests at their slow counts; then adds a record, an arm and a root to a
-#                      copy of the sources as CONTRIBUTING.md says, and runs the tests once more with
-#                      them; then tests the release that release.sh builds
+#   ./test.sh            the checks that every change must pass
+#   ./test.sh --all      also builds by clang without sanitizers and by g++ under them, and runs the
+#                        random tests at their slow counts; then adds a record, an arm and a root to a
+#                        copy of the sources as CONTRIBUTING.md says, and runs the tests once more with
+#                        them; then tests the release that release.sh builds
+#   ./test.sh --engines  also loads exports into DuckDB, PostgreSQL and ClickHouse, which it installs
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
 
 presets=(dev asan)
 all=false
+engines=false
 case "${1:-}" in
     "") ;;
     --all)
@@ -22,8 +24,9 @@ case "${1:-}" in
         all=true
         export BRADEP_SLOW_TESTS=1
         ;;
+    --engines) engines=true ;;
     *)
-        echo "usage: ./test.sh [--all]" >&2
+        echo "usage: ./test.sh [--all|--engines]" >&2
         exit 2
         ;;
 esac
@@ -59,6 +62,11 @@ if "$all"; then
     ./release.sh
     cmake --build --preset release --parallel "$(nproc)"
     ctest --preset release --parallel "$(nproc)"
+fi
+
+if "$engines"; then
+    echo "== engines"
+    scripts/engines/test.sh
 fi
 
 echo "== fuzz"

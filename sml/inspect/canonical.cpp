@@ -1,5 +1,6 @@
 #include <sml/inspect/canonical.hpp>
 
+#include <sml/inspect/contents.hpp>
 #include <sml/inspect/sha256.hpp>
 #include <sml/inspect/walk/walker.hpp>
 #include <sml/inspect/wire/piece_output.hpp>
@@ -30,7 +31,7 @@ std::uint64_t place_of(std::string_view text) {
     return reinterpret_cast<std::uintptr_t>(text.data());
 }
 
-/// Collects the distinct texts.
+/// The distinct texts of a value.
 class TextCollector : public BaseVisitor {
 public:
     explicit TextCollector(std::pmr::memory_resource* memory) : texts(memory), ranks_(memory) {}
@@ -189,16 +190,15 @@ private:
     Writer<PieceOutput>            writer_;
 };
 
-void canonical(Root const& root, std::string_view bytes, CanonOptions const& options,
-               std::function<void(std::string_view)> const& write) {
-    Budget        budget(options.limits.own_memory);
-    TextCollector collector(&budget);
-    Walk          first(bytes, options, budget);
-    if (!Walker(first, collector).run(*root.type))
-        throw std::invalid_argument("unsafe bytes have no canonical form");
+using Write = std::function<void(std::string_view)>;
+
+/// `collector` has the texts of the bytes, which are safe.
+void canonical(Root const& root, std::string_view bytes, TextCollector& collector,
+               CanonOptions const& options, Budget& budget, Write const& write) {
     RankedForm ranked(collector.take_ranks(), &budget);
-    Walk       second(bytes, options, budget);
-    Walker(second, ranked).run(*root.type);
+    ranked.bytes.reserve(bytes.size());  // where enough: strings are written shorter
+    Walk       walk(bytes, options, budget);
+    Walker(walk, ranked).run(*root.type);
     double const share =
         static_cast<double>(bytes.size()) / static_cast<double>(ranked.bytes.size());
     WalkedBytes     taken(ranked.bytes);
@@ -213,6 +213,16 @@ void canonical(Root const& root, std::string_view bytes, CanonOptions const& opt
     out.flush();
 }
 
+void canonical(Root const& root, std::string_view bytes, CanonOptions const& options,
+               Write const& write) {
+    Budget        budget(options.limits.own_memory);
+    TextCollector collector(&budget);
+    Walk          walk(bytes, options, budget);
+    if (!Walker(walk, collector).run(*root.type))
+        throw std::invalid_argument("unsafe bytes have no canonical form");
+    canonical(root, bytes, collector, options, budget, write);
+}
+
 }  // namespace
 
 void write_canonical(Root const& root, std::string_view bytes, std::ostream& out,
@@ -225,6 +235,17 @@ void write_canonical(Root const& root, std::string_view bytes, std::ostream& out
 std::string digest(Root const& root, std::string_view bytes, CanonOptions const& options) {
     Sha256 sum;
     canonical(root, bytes, options, [&](std::string_view piece) { sum.add(piece); });
+    return sum.hexadecimal();
+}
+
+std::string digest(Contents const& contents, CanonOptions const& options) {
+    Budget        budget(options.limits.own_memory);
+    TextCollector collector(&budget);
+    for (std::size_t id = 1; id <= contents.strings(); ++id)
+        collector.string(contents.text_of(static_cast<std::int32_t>(id)));
+    Sha256 sum;
+    canonical(contents.root(), contents.bytes(), collector, options, budget,
+              [&](std::string_view piece) { sum.add(piece); });
     return sum.hexadecimal();
 }
 

@@ -22,8 +22,8 @@ namespace sml::inspect {
 /// this object.
 class Contents {
 public:
-    /// Verifies the bytes as a value of the root. If the verdict is unsafe, the value is not there,
-    /// and no other function may be called. Throws what `verify` throws.
+    /// Verifies the bytes as a value of the root. If the verdict is unsafe, there is no value,
+    /// and only `root` and `verdict` may be called. Throws what `verify` throws.
     Contents(Root const& root, std::string_view bytes, VerifyOptions const& options = {});
     Contents(Contents&&) noexcept;
     Contents& operator=(Contents&&) noexcept;
@@ -60,5 +60,9 @@ private:
     LongContainers             long_containers_;
     Verdict                    verdict_;
 };
+
+/// The same as `digest` of the bytes, without another walk for their texts. Requires a verdict
+/// without `reason_against_encoding`.
+std::string digest(Contents const& contents, WalkOptions const& options);
 
 }  // namespace sml::inspect

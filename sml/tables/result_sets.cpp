@@ -1,6 +1,5 @@
 #include <sml/tables/result_sets.hpp>
 
-#include <sml/inspect/canonical.hpp>
 #include <sml/inspect/sha256.hpp>
 #include <sml/tables/rows.hpp>
 
@@ -135,14 +134,14 @@ public:
 
 private:
     ResultSets const& sets_;
-    std::string       name_ = "result_sets";
+    std::string       name_{name_of_list};
 };
 
 }  // namespace
 
 std::string ResultSet::identity(inspect::WalkOptions const& options) const {
     inspect::Verdict const& verdict = contents.verdict();
-    if (!verdict.reason_against_encoding) return inspect::digest(contents.root(), bytes, options);
+    if (!verdict.reason_against_encoding) return inspect::digest(contents, options);
     inspect::Sha256 sum;
     sum.add(bytes);
     return "bytes:" + sum.hexadecimal();

@@ -53,7 +53,9 @@ private:
     mutable std::map<std::int64_t, std::string> identities_;
 };
 
-/// The table `result_sets`, with a row for each result set.
+inline constexpr std::string_view name_of_list = "result_sets";
+
+/// The table of that name, with a row for each result set.
 std::unique_ptr<Source const> list_of(ResultSets const& sets);
 
 /// A table of the schema. `sets` must outlive it.
@@ -62,7 +64,7 @@ std::unique_ptr<Source const> source_of(ResultSets const& sets, Table const& tab
 /// A table that these result sets do not have: it has no rows.
 std::unique_ptr<Source const> empty_source(ResultSets const& sets, Table const& table);
 
-/// The columns of `result_sets`.
+/// The columns of that table.
 std::vector<Column> const& columns_of_list();
 
 }  // namespace sml::tables

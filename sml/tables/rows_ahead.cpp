@@ -1,5 +1,6 @@
 #include <sml/tables/rows_ahead.hpp>
 
+#include <array>
 #include <cstdint>
 #include <future>
 #include <string>
@@ -13,8 +14,8 @@ namespace {
 
 /// Some rows, one behind the other.
 struct Batch {
-    static constexpr std::size_t full_cells = 16384;
-    static constexpr std::size_t full_texts = std::size_t{1} << 20;  // bytes
+    static constexpr std::size_t full_cells = 8192;
+    static constexpr std::size_t full_texts = std::size_t{1} << 18;  // bytes
 
     struct Copied {
         std::size_t cell;
@@ -27,6 +28,14 @@ struct Batch {
     std::vector<Copied>        copied;  // where the cells of these texts are
     std::vector<std::uint64_t> offsets;
     std::vector<std::int64_t>  numbers;
+
+    void clear() {
+        cells.clear();
+        texts.clear();
+        copied.clear();
+        offsets.clear();
+        numbers.clear();
+    }
 
     bool is_full() const { return cells.size() >= full_cells || texts.size() >= full_texts; }
 
@@ -52,41 +61,48 @@ public:
         : rows_(std::move(rows)), columns_(columns) {}
 
     bool next() override {
-        if (batch_ != nullptr && ++at_ < batch_->numbers.size()) return true;
-        if (batch_ == nullptr)
-            batch_ = read();
-        else if (!batch_->is_full())
-            return false;
+        if (++at_ < present().numbers.size()) return true;
+        if (is_begun_ && !present().is_full()) return false;
+        if (is_begun_)
+            reading_.get();
         else
-            batch_ = next_.get();
+            read(following());
+        is_begun_ = true;
+        present_ = 1 - present_;
         at_ = 0;
-        if (batch_->is_full()) next_ = std::async(std::launch::async, [this] { return read(); });
-        return !batch_->numbers.empty();
+        if (present().is_full())
+            reading_ = std::async(std::launch::async, [this] { read(following()); });
+        return !present().numbers.empty();
     }
 
     Cell cell(std::size_t column) override {
-        return batch_->cells[at_ * (columns_ - 1) + column - 1];
+        return present().cells[at_ * (columns_ - 1) + column - 1];
     }
-    std::int64_t  row() const override { return batch_->numbers[at_]; }
-    std::uint64_t offset() const override { return batch_->offsets[at_]; }
+    std::int64_t  row() const override { return present().numbers[at_]; }
+    std::uint64_t offset() const override { return present().offsets[at_]; }
 
 private:
-    std::unique_ptr<Batch> read() {
-        auto batch = std::make_unique<Batch>();
-        while (!batch->is_full() && rows_->next()) {
-            for (std::size_t i = 1; i < columns_; ++i) batch->add(rows_->cell(i));
-            batch->numbers.push_back(rows_->row());
-            batch->offsets.push_back(rows_->offset());
+    Batch&       following() { return batches_[1 - present_]; }
+    Batch&       present() { return batches_[present_]; }
+    Batch const& present() const { return batches_[present_]; }
+
+    void read(Batch& batch) {
+        batch.clear();
+        while (!batch.is_full() && rows_->next()) {
+            for (std::size_t i = 1; i < columns_; ++i) batch.add(rows_->cell(i));
+            batch.numbers.push_back(rows_->row());
+            batch.offsets.push_back(rows_->offset());
         }
-        batch->complete();
-        return batch;
+        batch.complete();
     }
 
-    std::unique_ptr<RowStream>          rows_;
-    std::size_t                         columns_;
-    std::unique_ptr<Batch>              batch_;
-    std::size_t                         at_ = 0;
-    std::future<std::unique_ptr<Batch>> next_;  // its destructor waits for the thread
+    std::unique_ptr<RowStream> rows_;
+    std::size_t                columns_;
+    std::array<Batch, 2>       batches_;
+    std::size_t                present_ = 0;  // the one that rows are taken from
+    std::size_t                at_ = 0;
+    bool                       is_begun_ = false;
+    std::future<void>          reading_;  // its destructor waits for the thread
 };
 
 }  // namespace

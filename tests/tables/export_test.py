@@ -102,13 +102,22 @@ class Export(unittest.TestCase):
             self.export(self.sets, kind, target)
             self.expect(self.expected, kind, target)
 
-    def test_numbers_are_the_first_bits_of_the_digest(self):
-        for kind, target in self.for_each_target():
+    def test_numbers_in_files_are_the_first_bits_of_the_digest(self):
+        for kind, target in self.for_each_target(FORMATS):
             self.export(self.sets[:1], kind, target)
             digest = exports.run(self.bradep, "digest", self.sets[0]).split()[0]
             row, = self.exported(kind, target, ["result_sets"])["result_sets"]
             self.assertEqual(row[0], int(digest[:14], 16) >> 3)
             self.assertEqual(row[4], digest)
+
+    def test_numbers_in_a_database_are_in_the_order_of_adding(self):
+        target = self.own / "out.db"
+        self.export(self.sets[:2], "sqlite", target)
+        self.export([self.sets[1], self.sets[2]], "sqlite", target)
+        with contextlib.closing(sqlite3.connect(target)) as connection:
+            found = list(connection.execute("SELECT result_set, digest FROM result_sets ORDER BY 1"))
+        digests = [exports.run(self.bradep, "digest", one).split()[0] for one in self.sets[:3]]
+        self.assertEqual(found, list(enumerate(digests, 1)))
 
     def test_every_root_has_the_same_rows_everywhere(self):
         values = self.own / "values"
@@ -197,17 +206,13 @@ class Export(unittest.TestCase):
             os.close(descriptor)
             self.assertIn("another export is writing there", said)
 
-    def test_two_sets_of_one_number_are_refused(self):
-        for kind, target in self.for_each_target():
+    def test_two_sets_of_one_number_are_refused_in_files(self):
+        for kind, target in self.for_each_target(FORMATS):
             self.export(self.sets[:1], kind, target)
             digest = self.exported(kind, target, ["result_sets"])["result_sets"][0][4]
             other = digest[:-1] + ("0" if digest[-1] != "0" else "1")
-            if kind == "sqlite":
-                with contextlib.closing(sqlite3.connect(target)) as connection, connection:
-                    connection.execute("UPDATE result_sets SET digest = ?", [other])
-            else:
-                mark, = (target / "result_sets").iterdir()
-                mark.write_text(mark.read_text().replace(digest, other))
+            mark, = (target / "result_sets").iterdir()
+            mark.write_text(mark.read_text().replace(digest, other))
             said = self.export(self.sets[:1], kind, target, code=1)
             self.assertIn("another result set with the number", said)
 

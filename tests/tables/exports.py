@@ -43,12 +43,12 @@ def tables_and_views(bradep, stem=None):
 
 
 def number_of(digest):
-    """The number of a result set: the first 53 bits of the SHA-256 in its identity."""
+    """The number of a result set in files: the first 53 bits of the SHA-256 in its identity."""
     return int(digest.removeprefix("bytes:"), 16) >> (256 - 53)
 
 
 def numbered(rows, sets):
-    """Rows of `bradep sql` with the numbers that exports have: `sets` are those of `result_sets`."""
+    """Rows with the numbers that files have, of rows with others: `sets` are those of `result_sets`."""
     numbers = {row[0]: number_of(row[4]) for row in sets}
     return [[numbers[row[0]], *row[1:]] for row in rows]
 
@@ -59,9 +59,11 @@ def in_order(rows):
 
 
 def of_sqlite(database, names):
+    """The rows, with the numbers that files have."""
     connection = sqlite3.connect(f"file:{database}?mode=ro", uri=True)
     try:
-        return {name: [shown(row) for row in connection.execute(f'SELECT * FROM "{name}"')]
+        sets = list(connection.execute("SELECT * FROM result_sets"))
+        return {name: numbered(map(shown, connection.execute(f'SELECT * FROM "{name}"')), sets)
                 for name in names}
     finally:
         connection.close()

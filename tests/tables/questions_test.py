@@ -35,11 +35,11 @@ def questions(engine):
 
 
 def answers_of_command(bradep, directory, names):
-    """The answers of `bradep sql`, which numbers the result sets from 1: with the numbers of exports."""
+    """The answers of `bradep sql`, as lists of cells."""
     mark = json.dumps(exports.MARK["mark"]).replace('"', "'")
     texts = questions("sqlite")
     statements = "".join(f"SELECT {mark} AS mark;\n{text};\n" for text in
-                         ["SELECT * FROM result_sets", *texts.values()])
+                         texts.values())
     answers = []
     for row in exports.lines(exports.run(bradep, "sql", "--format", "ndjson", "-f", "-", *names,
                                          input=statements, cwd=directory)):
@@ -47,12 +47,6 @@ def answers_of_command(bradep, directory, names):
             answers.append([])
         else:
             answers[-1].append(row)
-    sets, *answers = answers
-    numbers = {row["result_set"]: exports.number_of(row["digest"]) for row in sets}
-    for answer in answers:
-        for row in answer:
-            if "result_set" in row:
-                row["result_set"] = numbers[row["result_set"]]
     return {name: [list(row.values()) for row in answer]
             for name, answer in zip(texts, answers, strict=True)}
 

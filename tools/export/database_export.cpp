@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <future>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -61,9 +62,11 @@ bool has_column(Source const& table, Form form) {
 struct Statements {
     explicit Statements(ResultSets const& sets) {
         for (auto const& table : sources_of(sets)) {
-            auto const key = quoted_names(primary_key(table->columns()));
-            tables.push_back(create_table(table->name(), table->columns(), Dialect::sqlite,
-                                          "PRIMARY KEY (" + key + ')'));
+            std::string constraint =
+                "PRIMARY KEY (" + quoted_names(primary_key(table->columns())) + ')';
+            if (table->name() == name_of_list) constraint += ", UNIQUE (\"digest\")";
+            tables.push_back(
+                create_table(table->name(), table->columns(), Dialect::sqlite, constraint));
             if (has_column(*table, Form::parent))
                 indexes.push_back(sql_of({table->name(), {"parent", "position"}, "parent"}));
         }
@@ -168,16 +171,21 @@ void DatabaseExport::open_exported() {
 
 bool DatabaseExport::add(ResultSets const& sets) {
     return guarded(name_, [&] {
-        if (root_ != nullptr && root_ != sets.schema().root) refuse_other_root(name_, *root_, sets);
-        if (root_ == nullptr) create_tables(sets);
-        auto const number = export_number(sets.identity(1));
-        if (has(number, sets)) return false;
+        bool const is_first = root_ == nullptr;
+        if (is_first) create_tables(sets);
+        if (root_ != sets.schema().root) refuse_other_root(name_, *root_, sets);
+        // The first one is not there already: its rows need not wait for its identity.
+        auto identity = std::async(std::launch::async, [&] { return sets.identity(1); });
+        if (!is_first && has(identity.get())) return false;
+        auto const  number = next_number();
         auto const  tables = sources_of(sets);
         SetProgress progress(err_, sets.set(1), tables.size());
         for (auto const& table : tables) {
-            insert(*table, number, progress);
+            if (table->name() != name_of_list) insert(*table, number, progress);
             progress.next_table();
         }
+        if (is_first) identity.get();
+        insert(*list_of(sets), number, progress);
         return true;
     });
 }
@@ -188,12 +196,17 @@ void DatabaseExport::create_tables(ResultSets const& sets) {
     connection_.run("PRAGMA application_id = " + std::to_string(application_id));
 }
 
-bool DatabaseExport::has(std::int64_t number, ResultSets const& sets) {
-    Statement statement(connection_.get(), "SELECT digest FROM result_sets WHERE result_set = ?");
-    statement.bind(1, number);
-    if (!statement.step()) return false;
-    if (statement.text(0) != sets.identity(1)) refuse_collision(name_, sets);
-    return true;
+bool DatabaseExport::has(std::string const& identity) {
+    Statement statement(connection_.get(), "SELECT 1 FROM result_sets WHERE digest = ?");
+    statement.bind(1, identity);
+    return statement.step();
+}
+
+std::int64_t DatabaseExport::next_number() {
+    Statement statement(connection_.get(),
+                        "SELECT coalesce(max(result_set), 0) + 1 FROM result_sets");
+    statement.step();
+    return statement.integer(0);
 }
 
 void DatabaseExport::insert(Source const& table, std::int64_t number, SetProgress& progress) {

@@ -12,7 +12,7 @@ namespace bradep {
 
 /// A database with the tables of result sets of one root, `result_sets`, indexes and, where the
 /// root holds checks, the views. What is added is there once `finish` has returned; until then
-/// an existing database stays as it was.
+/// an existing database stays as it was. Result sets are numbered from 1 in the order of adding.
 class DatabaseExport : public Export {
 public:
     enum class File : std::uint8_t {
@@ -28,9 +28,10 @@ public:
     void                      finish() override;
 
 private:
-    void open_exported();
-    void create_tables(sml::tables::ResultSets const& sets);
-    bool has(std::int64_t number, sml::tables::ResultSets const& sets);
+    void         open_exported();
+    void         create_tables(sml::tables::ResultSets const& sets);
+    bool         has(std::string const& identity);
+    std::int64_t next_number();
     void insert(sml::tables::Source const& table, std::int64_t number, SetProgress& progress);
 
     std::string               name_;

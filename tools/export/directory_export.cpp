@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -28,7 +29,6 @@ namespace {
 
 constexpr char const* schema_directory = "schema";
 constexpr char const* parts_directory = ".bradep-export";
-constexpr char const* list_table = "result_sets";
 
 [[noreturn]] void cannot_write(fs::path const& path, int error) {
     throw IoFailure("cannot write " + path.string() + ": " + std::strerror(error));
@@ -44,6 +44,18 @@ void move(fs::path const& from, fs::path const& to) {
     std::error_code error;
     fs::rename(from, to, error);
     if (error) cannot_write(to, error.value());
+}
+
+/// The number of a result set: the first 53 bits of the SHA-256 in its identity. It does not depend
+/// on what else is there, and JSON readers that take all numbers for doubles keep it exact.
+std::int64_t number_of(std::string_view identity) {
+    constexpr std::size_t digits = 14;
+    constexpr int         surplus_bits = 3;                 // 14 digits have 56 bits
+    auto const            start = identity.rfind(':') + 1;  // 0 where there is no colon
+    auto const            text = identity.substr(start, digits);
+    std::int64_t          number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number, 16);
+    return number >> surplus_bits;
 }
 
 /// A new file. Text is appended to `text`, and written when that is long.
@@ -199,7 +211,7 @@ fs::path DirectoryExport::file_of(std::string const& table, std::int64_t number)
 bool DirectoryExport::add(ResultSets const& sets) {
     if (root_ != nullptr && root_ != sets.schema().root)
         refuse_other_root(directory_.string(), *root_, sets);
-    auto const number = export_number(sets.identity(1));
+    auto const number = number_of(sets.identity(1));
     if (has(number, sets)) return false;
     Parts parts(directory_);
     if (root_ == nullptr) write_schema(*sets.schema().root, parts);
@@ -216,11 +228,12 @@ bool DirectoryExport::add(ResultSets const& sets) {
 
 // The digest is the last cell of the only row.
 bool DirectoryExport::has(std::int64_t number, ResultSets const& sets) const {
-    auto const file = file_of(list_table, number);
+    auto const file = file_of(std::string(name_of_list), number);
     if (!fs::exists(file)) return false;
     std::string const end = format_ == FileFormat::csv ? "\"\n" : "\"}\n";
     if (!text_of(file).ends_with('"' + sets.identity(1) + end))
-        refuse_collision(directory_.string(), sets);
+        throw DamagedInput(sets.set(1).name + ": " + directory_.string() +
+                           " has another result set with the number " + std::to_string(number));
     return true;
 }
 

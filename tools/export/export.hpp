@@ -22,20 +22,12 @@ public:
     virtual sml::inspect::Root const* root() const = 0;
 
     /// Adds the only result set of `sets`. Returns false if it is there already, whatever its name.
-    /// Throws DamagedInput if it is of another root, or if another result set has its number,
-    /// IoFailure, and Interrupted.
+    /// Throws DamagedInput, such as if it is of another root, IoFailure, and Interrupted.
     virtual bool add(sml::tables::ResultSets const& sets) = 0;
 
     /// Must be called once, after the last result set.
     virtual void finish() = 0;
 };
-
-/// The number of a result set in exports: the first 53 bits of the SHA-256 in its identity. JSON
-/// readers that take all numbers for doubles keep it exact.
-std::int64_t export_number(std::string_view identity);
-
-/// Throws DamagedInput: the result set has the number of another one.
-[[noreturn]] void refuse_collision(std::string const& target, sml::tables::ResultSets const& sets);
 
 /// Throws DamagedInput: the target has result sets of another root.
 [[noreturn]] void refuse_other_root(std::string const& target, sml::inspect::Root const& there,

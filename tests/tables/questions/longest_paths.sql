@@ -1,6 +1,6 @@
 -- Which findings have the longest paths?
-SELECT result_set, finding, count(*) AS steps, count(DISTINCT uri) AS files
-FROM steps
-GROUP BY result_set, finding
+SELECT name, finding, count(*) AS steps, count(DISTINCT uri) AS files
+FROM steps JOIN result_sets USING (result_set)
+GROUP BY name, finding
 HAVING count(*) >= 9
-ORDER BY steps DESC, files DESC, result_set, finding
+ORDER BY steps DESC, files DESC, name, finding

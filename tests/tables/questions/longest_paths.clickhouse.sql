@@ -1,0 +1,7 @@
+-- Which findings have the longest paths?
+SELECT name, finding, count(*) AS steps, count(DISTINCT uri) AS files
+FROM steps
+ALL INNER JOIN (SELECT result_set, name FROM result_sets) USING (result_set)
+GROUP BY name, finding
+HAVING steps >= 9
+ORDER BY steps DESC, files DESC, name, finding

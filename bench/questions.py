@@ -1,26 +1,32 @@
 #!/usr/bin/env python3
 """Measures `bradep sql`, `list` and `export`, beside other tools that answer the same questions.
 
-  questions.py [--rounds R] [--checks N] [--sarif LOG --multitool PROGRAM] [--duckdb DIR] BUILD
+  questions.py [--rounds R] [--checks N] [--multitool PROGRAM [--sarif LOG]] [--duckdb DIR] BUILD
 
 BUILD is the build directory; `bradep` and `make_workload` are its targets. All commands run in
 turns, R times (5 by default); the table has the medians. `jq` takes part if it is installed, DuckDB
 if DIR is a directory with the npm module @duckdb/node-api in it, and the SARIF Multitool if PROGRAM
-is its executable and LOG a log to ask.
+is its executable; it asks LOG, or a log of N findings that is made here.
 
 Memory is what the process has of its own at its peak, without the pages of mapped files.
 """
 
 import argparse
+import json
 import math
 import os
 import pathlib
+import random
 import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "tables"))
+sys.dont_write_bytecode = True
+import fleet
 
 ROOT = "Application_Results_Application_Results"
 SMALL_FILES = 1000
@@ -138,6 +144,16 @@ def small_files(bradep, make, directory):
                     "SELECT count(*) FROM checks"])
 
 
+def made_log(count, directory):
+    """A log of so many findings, in 2,000 files."""
+    rng = random.Random(1)
+    files = [f"src/part{i % 40}/file{i}.c" for i in range(2000)]
+    log = directory / "made.sarif"
+    log.write_text(json.dumps(fleet.log("project", fleet.TOOLS[0],
+                                        [fleet.finding(rng, files, i) for i in range(count)])))
+    return log
+
+
 def over_sarif(bradep, log, multitool, directory):
     imported = directory / "imported.set"
     subprocess.run([bradep, "import", log, "-o", imported], check=True)
@@ -148,7 +164,7 @@ def over_sarif(bradep, log, multitool, directory):
         Command(f"imported: `list --rule {rule} --count`",
                 [bradep, "list", "--rule", rule, "--count", imported]),
         Command("the same by the SARIF Multitool's `query` over the log",
-                [multitool, "query", log, "--expression", f"RuleId == '{rule}'", "--return-count"],
+                [multitool, "query", log, "--expression", f"RuleId == '{rule}'"],
                 environment={"DOTNET_SYSTEM_GLOBALIZATION_INVARIANT": "1"}),
     ]
 
@@ -171,7 +187,7 @@ def main():
     parser.add_argument("--duckdb", type=pathlib.Path)
     parser.add_argument("build", type=pathlib.Path)
     arguments = parser.parse_args()
-    if bool(arguments.sarif) != bool(arguments.multitool):
+    if arguments.sarif and not arguments.multitool:
         parser.error("--sarif goes with --multitool")
     bradep = (arguments.build / "tools" / "bradep").resolve()
     make = arguments.build / "bench" / "make_workload"
@@ -185,8 +201,9 @@ def main():
         commands = commands_over(bradep, files[1], directory)
         commands += [small_files(bradep, make, directory)]
         commands += peers_over(bradep, files[1], directory, arguments.duckdb)
-        if arguments.sarif and arguments.multitool:
-            commands += over_sarif(bradep, arguments.sarif, arguments.multitool, directory)
+        if arguments.multitool:
+            log = arguments.sarif or made_log(arguments.checks, directory)
+            commands += over_sarif(bradep, log, arguments.multitool, directory)
         for turn in range(arguments.rounds):
             print(f"turn {turn + 1} of {arguments.rounds}", file=sys.stderr)
             for command in [smaller_join, *commands]:

@@ -90,7 +90,7 @@ class ClickHouse:
     def sql(self, text, host=None, database=None):
         name, port = (host or self.hosts[0]).split(":")
         return run("clickhouse-client", "--host", name, "--port", port, "--database",
-                   database or self.database, "--output_format_json_quote_64bit_integers=0",
+                   database or self.database, "--multiquery", "--output_format_json_quote_64bit_integers=0",
                    "--output_format_json_quote_denormals=1", "--query", text)
 
     def load(self, directory):

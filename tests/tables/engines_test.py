@@ -176,6 +176,27 @@ class Engines(unittest.TestCase):
             printed = exports.run("/usr/bin/python3", "-c", block, cwd=self.data)
             self.assertGreater(len(printed.splitlines()), 2)
 
+    def test_the_statements_of_the_page_on_fleets_run(self):
+        files = self.data / "page"
+        shutil.rmtree(files, ignore_errors=True)
+        names = [name for name in self.names if name.startswith("project03/")]
+        self.export(names, "csv", files)
+        engine = engines.ClickHouse(None, None, "page")
+        engine.load(files)
+        page = pathlib.Path(self.page).with_name("fleet.md").read_text(encoding="utf-8")
+        blocks = [block.replace("bradep, fleet,", "bradep, page,") for block in
+                  re.findall(r"^```sql\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)]
+        create, count, ask = blocks
+        for host in engine.hosts:
+            engine.sql(create, host)
+        engine.sql(count)
+        engine.sql(count)  # adds nothing
+        of_all = engine.ask("SELECT count(*) FROM findings WHERE suppressed = 0")
+        self.assertEqual(engine.ask("SELECT sum(findings) FROM nightly"), of_all)
+        answer = engine.ask(ask.rstrip().removesuffix(";"))
+        self.assertEqual(len({row[0] for row in answer}), len(names))
+        self.assertEqual(sum(row[2] for row in answer), of_all[0][0])
+
 
 def as_numbers(rows, expected):
     """1 for 1.0 where the expected cell is a float: JSON does not tell them apart."""

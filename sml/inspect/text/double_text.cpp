@@ -114,24 +114,14 @@ private:
     std::int64_t     exponent_ = 0;    // power of 10, or of 2 in base 16
 };
 
-struct Parsed {
-    double value;            // if out of range: infinity, or what is nearest among the smallest
-    bool   is_out_of_range;  // or so small that it is less exact than others
-};
-
-/// Parses a text as in the "C" locale, in the rounding mode of the process.
-Parsed parse_any(std::string const& text) {
+/// Parses a text as in the "C" locale, in the rounding mode of the process; none if it is out of
+/// range.
+std::optional<double> parse(std::string const& text) {
     static locale_t const plain = newlocale(LC_ALL_MASK, "C", nullptr);
     int const             before = std::exchange(errno, 0);
     double const          value = strtod_l(text.c_str(), nullptr, plain);
     bool const            is_out_of_range = errno == ERANGE;
     errno = before;
-    return {value, is_out_of_range};
-}
-
-/// The same; none if it is out of range.
-std::optional<double> parse(std::string const& text) {
-    auto const [value, is_out_of_range] = parse_any(text);
     if (is_out_of_range) return std::nullopt;
     return value;
 }
@@ -247,16 +237,20 @@ std::optional<double> nearest_double(std::string_view number) {
 }
 
 double nearest_to_float(std::string_view text) {
-    auto const digits = text.find('X') + 1;
-    double     value = 0;
-    auto const [end, error] = std::from_chars(text.data() + digits, text.data() + text.size(),
-                                              value, std::chars_format::hex);
-    // The faster parser rounds numbers below this one wrongly, and takes no text without digits.
-    bool const is_exact =
-        digits > 0 && error == std::errc() && value >= 2 * std::numeric_limits<double>::min();
-    if (is_exact) return text.front() == '-' ? -value : value;
-    NearestRounding const nearest;
-    return parse_any(std::string(text)).value;
+    if (text == "NAN") return std::numeric_limits<double>::quiet_NaN();
+    bool const is_negative = text.starts_with('-');
+    if (is_negative) text.remove_prefix(1);
+    double number = std::numeric_limits<double>::infinity();
+    if (text != "INF") {
+        text.remove_prefix(std::string_view("0X").size());
+        // The C library rounds some of the smallest numbers wrongly, this parser does not.
+        auto const [end, error] =
+            std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::hex);
+        bool const is_small = text.find("P-") != std::string_view::npos;
+        if (error == std::errc::result_out_of_range)
+            number = is_small ? 0 : std::numeric_limits<double>::infinity();
+    }
+    return is_negative ? -number : number;
 }
 
 std::string written_double(double value, std::string_view point) {

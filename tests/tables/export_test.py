@@ -321,7 +321,10 @@ class Export(unittest.TestCase):
                                      "INSERT INTO projects VALUES (1, 'one');"
                                      "CREATE INDEX own ON checks (result_set, category)")
         self.export(self.sets, "sqlite", target)
-        self.expect({**self.expected, "projects": [[1, "one"]]}, "sqlite", target)
+        self.expect(self.expected, "sqlite", target)
+        with contextlib.closing(sqlite3.connect(target)) as connection:
+            self.assertEqual(list(connection.execute("SELECT * FROM projects")), [(1, "one")])
+            self.assertTrue(list(connection.execute("SELECT 1 FROM sqlite_schema WHERE name = 'own'")))
 
     def test_a_directory_that_is_no_export_is_refused(self):
         for kind, target in self.for_each_target(FORMATS):

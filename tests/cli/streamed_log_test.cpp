@@ -182,7 +182,7 @@ private:
             bool const is_long = text_.size() > small;  // members of members multiply
             if (!is_long && one_in(20))
                 put_member(member->key(), members[random_() % members.size()]->value());
-            if (!is_long && one_in(30)) put_member("unknown \\\"]}", member->value());
+            if (!is_long && one_in(30)) put_member(R"(unknown "]}\)", member->value());
             if (!damages_ || !one_in(150)) put_member(member->key(), member->value());
         }
         text_ += '}';

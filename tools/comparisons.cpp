@@ -2,6 +2,9 @@
 
 #include "errors.hpp"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
 #include <vector>
 
 namespace bradep {
@@ -19,17 +22,43 @@ void keep_until_the_process_ends(Strings_T const& text) {
     kept.push_back(text);
 }
 
+constexpr int         recent_bits = 12;
+constexpr std::size_t recent_texts = std::size_t{1} << recent_bits;
+
+// Where a text is looked for among the recent ones. Its first and last bytes and its length tell
+// most texts of a log apart.
+std::size_t place_of(std::string_view text) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    auto const    length = std::min(text.size(), sizeof first);
+    std::memcpy(&first, text.data(), length);
+    std::memcpy(&last, text.data() + text.size() - length, length);
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;  // spreads each bit over the upper ones
+    return ((first ^ std::rotl(last, 23)) + text.size()) * odd >> (64 - recent_bits);
+}
+
 }  // namespace
 
-Strings_T Comparisons::interned(std::string const& text) {
+Comparisons::Comparisons(std::uint64_t most) : most_(most), recent_(recent_texts) {}
+
+Strings_T Comparisons::interned(std::string_view text) {
+    if (text.empty()) return {};  // has no entry
+    auto& recent = recent_[place_of(text)];
+    if (recent.str() == text) return recent;
+    Strings_T  handle;
+    auto const keys = look_up(text, handle);
+    count_look_up(keys);
+    if (keys <= ordinary) recent = handle;
+    return handle;
+}
+
+std::size_t Comparisons::look_up(std::string_view text, Strings_T& handle) {
     auto const&       texts = Strings_T::fAllStrings;
     std::size_t const known = texts.size();
-    Strings_T const   handle(text);
-    if (handle == Strings_T()) return handle;  // the empty text has no entry
+    handle = std::string(text);
     if (texts.size() > known) keep_until_the_process_ends(handle);
     // The hash alone selects the bucket.
-    count_look_up(texts.bucket_size(texts.bucket({{}, handle.hash(), 0})));
-    return handle;
+    return texts.bucket_size(texts.bucket({{}, handle.hash(), 0}));
 }
 
 void Comparisons::spend(std::uint64_t comparisons) {

@@ -11,6 +11,7 @@
 #include "walk_options.hpp"
 
 #include <filesystem>
+#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,9 +55,9 @@ void refuse_unless_good(std::string_view bytes, Options const& options, std::ost
                            described(verdict.findings.back()));
 }
 
-json_input::Document parsed(std::string_view text, std::string const& name, std::ostream& err) {
-    Progress progress(err, name + ", parsing", text.size());
-    return json_input::Document(text, name, progress.done());
+json_input::JsonText checked(std::string_view text, std::string const& name, std::ostream& err) {
+    Progress progress(err, name + ", checking", text.size());
+    return json_input::JsonText(text, name, progress.done());
 }
 
 std::int32_t& run_count_of(ResultSet& set) {
@@ -65,28 +66,40 @@ std::int32_t& run_count_of(ResultSet& set) {
 
 // Returns the number of runs of the log.
 std::int32_t import_log(std::string_view text, std::string const& name, Options const& options,
-                        ResultSet& set, Comparisons& comparisons, std::ostream& err) {
-    auto const    document = parsed(text, name, err);
-    Progress      progress(err, name + ", importing", sarif::count_results(document));
-    std::uint64_t results = 0;
-    auto const    add = [&](sarif::Result&& result) {
-        sarif::add_result(result, set, comparisons);
-        ++results;
-        if (progress.done()) progress.done()->store(results, std::memory_order_relaxed);
-    };
-    return sarif::read_log(document, name, run_count_of(set), add, options.limits, comparisons);
+                        std::int32_t first_run, sarif::SetFiller& filler, Comparisons& comparisons,
+                        std::ostream& err) {
+    auto const json = checked(text, name, err);
+    Progress   progress(err, name + ", importing", json.view().size());
+    auto const add = [&](sarif::Result&& result) { filler.add(result); };
+    return sarif::read_log(json, name, first_run, add, options.limits, comparisons,
+                           progress.done());
+}
+
+// A set that is never destroyed: that would take a tenth of the time of a large import, and the
+// process is about to end.
+ResultSet& lasting_set() {
+    static auto& sets = *new std::list<ResultSet>;
+    return sets.emplace_back();
+}
+
+void fill(ResultSet& set, Options const& options, Streams& streams) {
+    Comparisons      comparisons(options.verify.limits.work);
+    sarif::SetFiller filler(set, comparisons);
+    for (auto const& input : options.inputs) {
+        InputBytes text(input, options.max_size, streams.in);
+        text.unpack();
+        auto& runs = run_count_of(set);
+        runs += import_log(text.view(), input_name(input), options, runs, filler, comparisons,
+                           streams.err);
+    }
+    filler.finish();
 }
 
 void import_logs(Options const& options, Streams& streams) {
     refuse_terminal(options.output, streams);
     refuse_overwriting_an_input(options);
-    ResultSet   set;
-    Comparisons comparisons(options.verify.limits.work);
-    for (auto const& input : options.inputs) {
-        InputBytes const text(input, options.max_size, streams.in);
-        run_count_of(set) +=
-            import_log(text.view(), input_name(input), options, set, comparisons, streams.err);
-    }
+    auto& set = lasting_set();
+    fill(set, options, streams);
     auto const write = [&](std::ostream& out) {
         Progress const progress(streams.err, output_name(options) + ", writing");
         sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toStream(set, out);

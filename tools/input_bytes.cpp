@@ -1,6 +1,7 @@
 #include "input_bytes.hpp"
 
 #include "errors.hpp"
+#include "gzip.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace bradep {
 
@@ -90,6 +92,15 @@ void InputBytes::read_stream(std::istream& stream) {
         if (stream.bad()) cannot_read(name_, errno);
         return static_cast<std::size_t>(stream.gcount());
     });
+}
+
+void InputBytes::unpack() {
+    if (!is_gzip(view())) return;
+    auto const packed = std::exchange(start_, nullptr);
+    GzipReader reader({packed.get(), size_}, name_);
+    capacity_ = size_ = 0;
+    name_ += ", unpacked";
+    read_all([&](char* to, std::size_t most) { return reader.read(to, most); });
 }
 
 // `read(to, most)` writes up to `most` bytes to `to` and returns how many, 0 at the end.

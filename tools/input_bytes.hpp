@@ -26,6 +26,11 @@ public:
 
     std::string_view view() const { return {start_.get(), size_}; }
 
+    /// If the bytes are compressed by gzip, takes what they stand for in their place. Throws
+    /// DamagedInput if they are damaged, and IoFailure if they stand for more than `max_size`
+    /// bytes.
+    void unpack();
+
 private:
     struct Free {
         void operator()(char* start) const { std::free(start); }

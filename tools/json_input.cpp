@@ -5,6 +5,7 @@
 #include <sml/inspect/text/utf8.hpp>
 #include "errors.hpp"
 #include "foreign_form.hpp"
+#include "json_parsing.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -26,10 +27,6 @@ constexpr std::size_t max_depth = 1000;
                        what);
 }
 
-std::string_view without_byte_order_mark(std::string_view text) {
-    return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
-}
-
 std::size_t first_byte_outside_utf8(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size()) {
@@ -40,40 +37,10 @@ std::size_t first_byte_outside_utf8(std::string_view text) {
     return at;
 }
 
-// The parser accepted all bytes before `used`. It stops at text that is not UTF-8.
-[[noreturn]] void not_json(std::string const& name, std::string_view text, std::size_t used,
-                           json::error_code const& error) {
-    auto const form = foreign_form(text);
-    if (!form.empty() && form != json_form)
-        fail_at(name, text, 0, "not JSON: " + std::string(form) + ", only plain UTF-8 is read");
-    constexpr std::size_t longest_character = 4;
-    auto const outside = first_byte_outside_utf8(text.substr(0, used + longest_character));
-    if (outside <= used && outside < text.size())
-        fail_at(name, text, outside,
-                "not JSON: the byte " + sml::inspect::printable(text.substr(outside, 1)) +
-                    " is not UTF-8, as in Latin-1 text");
-    fail_at(name, text, used, "not JSON: " + error.message());
-}
-
 json::value parse(std::string_view text, std::string const& name, json::storage_ptr storage,
                   std::atomic<std::uint64_t>* done) {
-    constexpr std::size_t at_once = std::size_t{1} << 20;  // a few milliseconds of work
-    json::parse_options   options;
-    options.max_depth = max_depth;
-    json::stream_parser parser(storage, options);
-    json::error_code    error;
-    std::size_t         used = 0;
-    for (std::size_t end = 0; used == end && end < text.size() && !error;) {
-        auto const piece = text.substr(end, at_once);
-        used += parser.write_some(piece.data(), piece.size(), error);
-        end += piece.size();
-        if (done) done->store(used, std::memory_order_relaxed);
-    }
-    if (error) not_json(name, text, used, error);
-    if (used != text.size())
-        fail_at(name, text, used, "not JSON: more text after the end of the document");
-    parser.finish(error);
-    if (error) fail_at(name, text, used, "the JSON text ends too early");
+    json::stream_parser parser(storage, parse_options());
+    parse_all(parser, text, name, done);
     return parser.release();
 }
 
@@ -139,12 +106,45 @@ bool find_path(json::value const& here, json::value const* wanted, std::vector<s
 
 }  // namespace
 
+std::string_view without_byte_order_mark(std::string_view text) {
+    return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
+}
+
+json::parse_options parse_options() {
+    json::parse_options options;
+    options.max_depth = max_depth;
+    return options;
+}
+
+// The parser accepted all bytes before `used`. It stops at text that is not UTF-8.
+void not_json(std::string const& name, std::string_view text, std::size_t used,
+              json::error_code const& error) {
+    auto const form = foreign_form(text);
+    if (!form.empty() && form != json_form)
+        fail_at(name, text, 0, "not JSON: " + std::string(form) + ", only plain UTF-8 is read");
+    constexpr std::size_t longest_character = 4;
+    auto const outside = first_byte_outside_utf8(text.substr(0, used + longest_character));
+    if (outside <= used && outside < text.size())
+        fail_at(name, text, outside,
+                "not JSON: the byte " + sml::inspect::printable(text.substr(outside, 1)) +
+                    " is not UTF-8, as in Latin-1 text");
+    fail_at(name, text, used, "not JSON: " + error.message());
+}
+
+void more_than_json(std::string const& name, std::string_view text, std::size_t used) {
+    fail_at(name, text, used, "not JSON: more text after the end of the document");
+}
+
+void cut_off(std::string const& name, std::string_view text, std::size_t used) {
+    fail_at(name, text, used, "the JSON text ends too early");
+}
+
 Document::Document(std::string_view text, std::string const& name, std::atomic<std::uint64_t>* done)
     : root_(parse(without_byte_order_mark(text), name, &arena_, done)) {}
 
-std::string Document::pointer_to(json::value const& value) const {
+std::optional<std::string> pointer_below(json::value const& root, json::value const& wanted) {
     std::vector<std::string> path;
-    find_path(root_, &value, path);
+    if (!find_path(root, &wanted, path)) return std::nullopt;
     std::string pointer;
     for (auto const& token : path) pointer += "/" + token;
     return pointer;

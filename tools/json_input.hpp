@@ -14,7 +14,7 @@ namespace bradep::json_input {
 
 namespace json = boost::json;
 
-/// Thrown for a value that does not fit. `where` must point into the document that is being read.
+/// Thrown for a value that does not fit. `where` must point into a value that is being read.
 struct Misfit {
     json::value const* where;
     std::string        what;
@@ -31,13 +31,13 @@ public:
 
     json::value const& root() const { return root_; }
 
-    /// The JSON pointer of a value of this document.
-    std::string pointer_to(json::value const& value) const;
-
 private:
     json::monotonic_resource arena_;
     json::value              root_;
 };
+
+/// The JSON pointer from `root` to a value in it, by address; none if it is not in it.
+std::optional<std::string> pointer_below(json::value const& root, json::value const& wanted);
 
 json::value const*          member(json::value const& object, std::string_view name);
 json::array const*          list(json::value const& object, std::string_view name);

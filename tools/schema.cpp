@@ -45,7 +45,8 @@ ExitCode print_diff(Options const& options, Streams& streams) {
             streams.out << "Roots of another form: " << printable(affected) << '\n';
         return changes.empty() ? exit_done : exit_no;
     } catch (json_input::Misfit const& misfit) {
-        auto const pointer = old.pointer_to(*misfit.where);
+        auto const pointer =
+            json_input::pointer_below(old.root(), *misfit.where).value_or(std::string());
         throw DamagedInput(name + ": " + (pointer.empty() ? "" : pointer + ": ") + misfit.what);
     }
 }

@@ -6,6 +6,7 @@ Both must refuse a damaged log, or both must read the same from it. With BRADEP_
 """
 
 import copy
+import gzip
 import json
 import os
 import random
@@ -57,6 +58,25 @@ def mutate(document, choice):
         container[at] = copy.deepcopy(container[choice.choice(list(container))])
 
 
+def spelled(value, choice):
+    """The JSON text of a value, with members in another order, some of them twice (the last one counts),
+    integers spelled as other numbers, and blanks."""
+    if isinstance(value, dict):
+        members = list(value.items())
+        choice.shuffle(members)
+        texts = []
+        for name, child in members:
+            if choice.random() < 0.03:
+                texts.append(f"{json.dumps(name)}:{choice.choice(['null', '{}', '[]', '7', '[1]'])}")
+            texts.append(f"{json.dumps(name)}{choice.choice(['', ' '])}:{spelled(child, choice)}")
+        return "{" + ",".join(texts) + "}"
+    if isinstance(value, list):
+        return "[" + choice.choice(["", "\n "]) + ",".join(spelled(child, choice) for child in value) + "]"
+    if isinstance(value, int) and not isinstance(value, bool):
+        return f"{value}{choice.choice(['', '', '.0', 'e0'])}"
+    return json.dumps(value)
+
+
 def expected_checks(log):
     try:
         return sarif_reference.checks([log])
@@ -64,9 +84,9 @@ def expected_checks(log):
         return None
 
 
-def agreement(bradep, log, result_set):
-    """None if both readers agree; else a description of the difference."""
-    expected = expected_checks(log)
+def agreement(bradep, log, expected, result_set):
+    """None if bradep reads these checks, or refuses the log if they are None; else a description of the
+    difference."""
     imported = run_bradep(bradep, "import", log, "-o", result_set)
     if imported.returncode not in (0, 1):
         return f"exit code {imported.returncode}: {imported.stderr!r}"
@@ -95,12 +115,16 @@ def main(bradep, directory, count="300", seed=None):
             for _ in range(choice.choice([1, 1, 1, 2, 3])):
                 mutate(document, choice)
             log, result_set = Path(scratch) / "log.sarif", Path(scratch) / f"{number}.bradep"
-            log.write_text(json.dumps(document), encoding="utf-8")
-            disagreement = agreement(bradep, log, result_set)
+            text = spelled(document, choice)
+            log.write_text(text, encoding="utf-8")
+            expected = expected_checks(log)
+            if choice.random() < 0.2:
+                log.write_bytes(gzip.compress(text.encode("utf-8")))
+            disagreement = agreement(bradep, log, expected, result_set)
             refused += not result_set.exists()
             if disagreement:
                 failed += 1
-                print(f"FAIL  mutation {number} of seed {seed}: {disagreement}\n{json.dumps(document)}")
+                print(f"FAIL  mutation {number} of seed {seed}: {disagreement}\n{text}")
     print(f"{refused} of {count} logs were refused")
     print(f"{count - failed} passed, {failed} failed")
     return 1 if failed or not 0 < refused < count else 0

@@ -68,6 +68,22 @@ TEST(ResultMapping, EveryFixtureIsReadBackWhole) {
     }
 }
 
+TEST(ResultMapping, ASetFilledAtOnceHasTheSameBytes) {
+    std::vector<Result> results;
+    for (int i = 0; i < 300; ++i)
+        for (auto const& log : sound_logs())
+            for (auto& result : results_of(bytes_of(log))) results.push_back(std::move(result));
+    ASSERT_GT(results.size(), 20'000U);
+    ResultSet                filled;
+    bradep::Comparisons      comparisons;
+    bradep::sarif::SetFiller filler(filled, comparisons);
+    for (auto const& result : results) filler.add(result);
+    filler.finish();
+    auto const bytes = std::string(
+        sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(set_of(results)));
+    EXPECT_EQ(sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(filled), bytes);
+}
+
 TEST(ResultMapping, OrdinalsCountWithinAUriAndOnAcrossRuns) {
     auto const set = set_of_fixture("many_runs.sarif");
     using Keys = std::vector<std::pair<std::string, std::int32_t>>;

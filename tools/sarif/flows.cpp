@@ -27,7 +27,7 @@ void add_event(Step const& step, std::int32_t run, Failure& failure, Filling con
     auto&      tables = filling.set.application_results;
     auto const uri = step.place ? content(step.place->uri) : Text();
     auto const key = filling.next_key(tables.event_numbers, uri);
-    hold(fields::of_step, step, FilledEvent{filling.at(tables.events, key), run});
+    hold(fields::of_step, step, FilledEvent{filling.add(tables.events, key), run});
     failure.steps.emplace_back(key, std::nullopt);
 }
 

@@ -32,7 +32,7 @@ void add_infos(List const& list, Result const& result, NumberedKey const& check,
     for (std::size_t i = list.first; i < elements.size(); ++i) {
         auto const key = filling.next_key(tables.info_numbers, key_uri(elements[i], check));
         filling.at(tables.first_key_sets, check).insert(key);
-        FilledInfo const       record{filling.at(tables.infos, key), filling};
+        FilledInfo const       record{filling.add(tables.infos, key), filling};
         fields::InfoHead const head{filling.comparisons.interned(list.role),
                                     static_cast<std::int32_t>(i), check};
         hold(fields::of_info, head, record);
@@ -110,7 +110,7 @@ private:
 };
 
 // The number of entries of the longest container of the set after the result is added.
-std::size_t most_entries(Result const& result, ResultSet const& set) {
+std::size_t most_entries(Result const& result, Filling const& filling) {
     std::size_t lists = 1 + result.flows.size();  // `named_ints` has the length of each
     std::size_t steps = 0;
     for (auto const& flow : result.flows) {
@@ -118,9 +118,9 @@ std::size_t most_entries(Result const& result, ResultSet const& set) {
         for (auto const& thread : flow) steps += thread.size();
     }
     auto const infos = result.locations.size() + result.related.size() + result.suppressions.size();
-    auto const& tables = set.application_results;
-    return std::max({set.check_data.size() + 1, tables.events.size() + steps,
-                     tables.infos.size() + infos, lists,
+    auto const& tables = filling.set.application_results;
+    return std::max({filling.set.check_data.size() + 1, filling.size(tables.events) + steps,
+                     filling.size(tables.infos) + infos, lists,
                      result.fingerprints.size() + result.partial_fingerprints.size()});
 }
 
@@ -130,28 +130,49 @@ void refuse_more(std::size_t found, std::size_t most, char const* what) {
                            std::to_string(found) + ", only for " + std::to_string(most));
 }
 
+void add(Result const& result, Filling const& filling, SetLimits const& limits) {
+    refuse_more(LongestText(result).bytes(), limits.text_bytes, "a text of this many bytes:");
+    refuse_more(most_entries(result, filling), limits.entries, "this many entries of a map:");
+    auto&      set = filling.set;
+    auto&      tables = set.application_results;
+    auto const uri = result.locations.empty() ? Text() : uri_of(result.locations.front());
+    auto const key = filling.next_key(tables.check_numbers, uri);
+    auto const id = static_cast<std::int32_t>(set.check_data.size());
+
+    FilledCheck const record{filling.add(tables.checks, key),
+                             set.check_data.emplace_back(id, CheckForm()).second, key, filling};
+    hold(fields::of_check, result, record);
+    for_each_row(fields::info_lists,
+                 [&](auto const& list) { add_infos(list, result, key, filling); });
+    hold(fields::of_form, result, record);
+    hold(fields::of_form_place, result, record);
+    auto const strings = Text::fAllStrings.size() + 1;  // plus one: the empty text has no entry
+    refuse_more(strings, limits.strings, "this many strings:");
+}
+
 }  // namespace
 
 void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
                 SetLimits const& limits) {
-    refuse_more(LongestText(result).bytes(), limits.text_bytes, "a text of this many bytes:");
-    refuse_more(most_entries(result, set), limits.entries, "this many entries of a map:");
-    Filling const filling{set, comparisons};
-    auto&         tables = set.application_results;
-    auto const    uri = result.locations.empty() ? Text() : uri_of(result.locations.front());
-    auto const    key = filling.next_key(tables.check_numbers, uri);
-    Check&        check = filling.at(tables.checks, key);
-    CheckForm     form;
-    hold(fields::of_check, result, FilledCheck{check, form, key, filling});
-    for_each_row(fields::info_lists,
-                 [&](auto const& list) { add_infos(list, result, key, filling); });
-    auto const id = static_cast<std::int32_t>(set.check_data.size());
-    auto&      placed = set.check_data.emplace_back(id, std::move(form)).second;
-    hold(fields::of_form, result, FilledCheck{check, placed, key, filling});
-    hold(fields::of_form_place, result, FilledCheck{check, placed, key, filling});
-    auto const strings = Text::fAllStrings.size() + 1;  // plus one: the empty text has no entry
-    refuse_more(strings, limits.strings, "this many strings:");
+    add(result, {set, comparisons}, limits);
 }
+
+struct SetFiller::Tables : LateTables {
+    using LateTables::LateTables;
+};
+
+SetFiller::SetFiller(ResultSet& set, Comparisons& comparisons)
+    : set_(set),
+      comparisons_(comparisons),
+      tables_(std::make_unique<Tables>(set.application_results)) {}
+
+SetFiller::~SetFiller() = default;
+
+void SetFiller::add(Result const& result) {
+    sarif::add(result, {set_, comparisons_, tables_.get()}, {});
+}
+
+void SetFiller::finish() { tables_->insert_all(); }
 
 Result restored_result(CheckForm const& form, ResultSet const& set) {
     if (!form.first_numbered_name) not_imported("a check form names no check");

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <set>
 
 namespace bradep::sarif {
@@ -24,6 +25,25 @@ struct SetLimits {
 /// or of `limits`; the set must not be used then.
 void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
                 SetLimits const& limits = {});
+
+/// Adds many results to an empty set. Most of its entries are in it only after `finish`.
+class SetFiller {
+public:
+    /// The set and the count must outlive this object.
+    SetFiller(ResultSet& set, Comparisons& comparisons);
+    ~SetFiller();
+
+    /// As `add_result` does, with the same bytes in the end, but faster.
+    void add(Result const& result);
+    void finish();
+
+private:
+    struct Tables;
+
+    ResultSet&              set_;
+    Comparisons&            comparisons_;
+    std::unique_ptr<Tables> tables_;
+};
 
 /// The result that a check form of the set was made from. Throws DamagedInput if the set does not
 /// hold that check as `add_result` writes it.

@@ -2,10 +2,11 @@
 // Reads SARIF 2.1.0 as analysers write it.
 
 #include "comparisons.hpp"
-#include "json_input.hpp"
+#include "json_cursor.hpp"
 #include "sarif/limits.hpp"
 #include "sarif/result.hpp"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -17,17 +18,18 @@ using ResultSink = std::function<void(Result&&)>;
 
 /// Hands each result of each run to `sink`, in the order of the log, and returns the number of
 /// runs. Runs are numbered from `first_run` on. The look-ups of texts are counted in `comparisons`.
-/// Throws DamagedInput, with a message that starts with `name` and the place: line and column for
-/// text that is not JSON; a JSON pointer for JSON that is not SARIF, and for a result that `sink`
-/// refuses by throwing DamagedInput. The results handed over before that are to be discarded.
+/// Only the result that is being read is in memory as values, with the parts of its run that
+/// results refer to. The offset in the text is stored into `done` now and then.
+/// Throws DamagedInput, with a message that starts with `name` and a JSON pointer, for JSON that is
+/// not SARIF, and for a result that `sink` refuses by throwing DamagedInput. The results handed
+/// over before that are to be discarded.
+std::int32_t read_log(json_input::JsonText const& text, std::string const& name,
+                      std::int32_t first_run, ResultSink const& sink, Limits const& limits,
+                      Comparisons& comparisons, std::atomic<std::uint64_t>* done = nullptr);
+
+/// The same for bytes that may not be JSON. Then the message has line and column.
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,
                       ResultSink const& sink, Limits const& limits, Comparisons& comparisons);
-
-/// The same for a document that has been parsed, and the number of results in it.
-std::int32_t  read_log(json_input::Document const& document, std::string const& name,
-                       std::int32_t first_run, ResultSink const& sink, Limits const& limits,
-                       Comparisons& comparisons);
-std::uint64_t count_results(json_input::Document const& document);
 
 /// The same for a single log, with default limits.
 inline std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,

@@ -5,7 +5,9 @@
 #include "errors.hpp"
 #include "result_set.hpp"
 #include "sarif/field.hpp"
+#include "sarif/late_table.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -23,10 +25,43 @@ using QualifiedSignature = sml::QualifiedPrettySignature::T;
 using QualifiedName = sml::QualifiedPrettyName::T;
 using SignatureAndText = std::pair<Signature, sml::Strings_T>;
 
+/// The large tables of a set while it is filled.
+struct LateTables {
+    using Tables = sml::Application_Results::T_Application_Results;
+
+    explicit LateTables(Tables& tables)
+        : checks(tables.checks), events(tables.events), infos(tables.infos) {}
+
+    void insert_all() {
+        checks.insert_all();
+        events.insert_all();
+        infos.insert_all();
+    }
+
+    auto& of(decltype(Tables::checks) const&) { return checks; }
+    auto& of(decltype(Tables::events) const&) { return events; }
+    auto& of(decltype(Tables::infos) const&) { return infos; }
+
+    LateTable<decltype(Tables::checks)> checks;
+    LateTable<decltype(Tables::events)> events;
+    LateTable<decltype(Tables::infos)>  infos;
+};
+
 /// A set to which results are added. The look-ups in its maps and in the string table are counted.
 struct Filling {
     ResultSet&   set;
     Comparisons& comparisons;
+    LateTables*  late = nullptr;  ///< if given, it gets the entries of its tables
+
+    /// The value of a key that is not in one of the large tables yet.
+    template <class Table>
+    typename Table::mapped_type& add(Table& table, typename Table::key_type const& key) const {
+        return late ? late->of(table).add(key, comparisons) : at(table, key);
+    }
+    template <class Table>
+    std::size_t size(Table const& table) const {
+        return late ? late->of(table).size() : table.size();
+    }
 
     /// The value of a key. The entry is added if there is none.
     template <class Table>

@@ -76,7 +76,7 @@ void Expansion::spend(std::uint64_t bytes, json::value const& where) {
 Text Expansion::text_of(std::string_view text, json::value const& where) {
     spend(text.size(), where);
     try {
-        return comparisons_.interned(std::string(text));
+        return comparisons_.interned(text);
     } catch (DamagedInput const& refusal) {
         throw Misfit{&where, refusal.what()};
     }
@@ -106,7 +106,6 @@ Run::Component::Component(json::value const* given)
 Run::Run(json::value const& run, std::int32_t number, Expansion& expansion)
     : expansion_(expansion),
       number_(number),
-      results_(list(run, "results")),
       artifacts_(list(run, "artifacts")),
       logical_locations_(list(run, "logicalLocations")),
       thread_flow_locations_(list(run, "threadFlowLocations")) {

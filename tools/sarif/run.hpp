@@ -42,14 +42,14 @@ private:
     Comparisons&  comparisons_;
 };
 
-/// Keeps pointers to values of the document, which must outlive this object. All members throw
+/// `run` is an object with the parts that results refer to. Keeps pointers to values in it, which
+/// must outlive this object. All members throw
 /// json_input::Misfit.
 class Run {
 public:
     Run(json::value const& run, std::int32_t number, Expansion& expansion);
 
-    json::array const* results() const { return results_; }
-    Result             resolve(json::value const& result);
+    Result resolve(json::value const& result);
 
 private:
     // The driver, whose value may be null, or an extension.
@@ -79,7 +79,6 @@ private:
 
     Expansion&                                expansion_;
     std::int32_t                              number_;
-    json::array const*                        results_ = nullptr;
     json::array const*                        artifacts_ = nullptr;
     json::array const*                        logical_locations_ = nullptr;
     json::array const*                        thread_flow_locations_ = nullptr;

@@ -1,0 +1,64 @@
+#include "gzip.hpp"
+
+#include "errors.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+namespace bradep {
+
+namespace {
+
+constexpr int gzip_form = 16 + MAX_WBITS;
+
+uInt at_most_all(std::size_t size) {
+    return static_cast<uInt>(std::min<std::size_t>(size, std::numeric_limits<uInt>::max()));
+}
+
+}  // namespace
+
+bool is_gzip(std::string_view bytes) { return bytes.starts_with("\x1F\x8B"); }
+
+GzipReader::GzipReader(std::string_view packed, std::string const& name)
+    : rest_(packed), name_(name) {
+    if (::inflateInit2(&stream_, gzip_form) != Z_OK) throw std::bad_alloc();
+}
+
+GzipReader::~GzipReader() { ::inflateEnd(&stream_); }
+
+std::size_t GzipReader::read(char* to, std::size_t most) {
+    auto const room = at_most_all(most);
+    stream_.next_out = reinterpret_cast<Bytef*>(to);
+    stream_.avail_out = room;
+    while (stream_.avail_out == room && !is_over_) {
+        give_input();
+        int const code = ::inflate(&stream_, Z_NO_FLUSH);
+        if (code == Z_MEM_ERROR) throw std::bad_alloc();
+        if (code == Z_STREAM_END)
+            start_next_member();
+        else if (code == Z_BUF_ERROR)
+            damaged("it ends too early");
+        else if (code != Z_OK)
+            damaged(stream_.msg ? stream_.msg : "unknown form");
+    }
+    return room - stream_.avail_out;
+}
+
+void GzipReader::give_input() {
+    if (stream_.avail_in > 0) return;
+    stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(rest_.data()));
+    stream_.avail_in = at_most_all(rest_.size());
+    rest_.remove_prefix(stream_.avail_in);
+}
+
+void GzipReader::start_next_member() {
+    is_over_ = stream_.avail_in == 0 && rest_.empty();
+    if (!is_over_) ::inflateReset(&stream_);
+}
+
+void GzipReader::damaged(std::string const& what) const {
+    throw DamagedInput(name_ + ": compressed by gzip, but damaged: " + what);
+}
+
+}  // namespace bradep

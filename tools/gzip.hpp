@@ -1,0 +1,38 @@
+#pragma once
+// Unpacks what gzip has packed.
+
+#include <zlib.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace bradep {
+
+bool is_gzip(std::string_view bytes);
+
+/// Unpacks a gzip file of one or several members. The bytes must outlive this object.
+class GzipReader {
+public:
+    /// `name` stands in messages.
+    GzipReader(std::string_view packed, std::string const& name);
+    ~GzipReader();
+    GzipReader(GzipReader const&) = delete;
+    GzipReader& operator=(GzipReader const&) = delete;
+
+    /// Writes up to `most` bytes to `to` and returns how many, 0 only at the end. Throws
+    /// DamagedInput.
+    std::size_t read(char* to, std::size_t most);
+
+private:
+    void              give_input();
+    void              start_next_member();
+    [[noreturn]] void damaged(std::string const& what) const;
+
+    std::string_view rest_;  // not given to the stream yet
+    std::string      name_;
+    ::z_stream       stream_{};
+    bool             is_over_ = false;
+};
+
+}  // namespace bradep

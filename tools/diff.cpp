@@ -161,8 +161,7 @@ void declare_conditions(CLI::App& app, Options& options) {
 
 void declare_outputs(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
-           "--format",
-           [&options](std::string const& name) { options.format = formats().at(name); },
+           "--format", [&options](std::string const& name) { options.format = formats().at(name); },
            "text, json, ndjson or markdown")
         ->check(CLI::IsMember({"text", "json", "ndjson", "markdown"}))
         ->default_str("text")

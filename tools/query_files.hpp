@@ -42,7 +42,7 @@ public:
     void require_checks() const;
 
 private:
-    void add(std::string const& file, std::string const& name, Streams& streams);
+    void                   add(std::string const& file, std::string const& name, Streams& streams);
     sml::inspect::Contents contents_of(std::string const& name, std::string_view bytes,
                                        sml::inspect::VerifyOptions const& options) const;
 

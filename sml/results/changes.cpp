@@ -38,7 +38,7 @@ std::string path_of_step(std::int64_t flow, std::int64_t thread, std::int64_t po
 Comparison::Comparison(tables::Connection& connection)
     : texts_(connection.get(), texts_sql),
       steps_(connection.get(),
-             "SELECT flow, thread, position, path, uri, message FROM steps WHERE finding = ?"
+             "SELECT flow, thread, position, file, uri, message FROM steps WHERE finding = ?"
              " ORDER BY 1, 2, 3"),
       values_(connection.get(),
               "SELECT substr(fullkey, 2), atom FROM json_tree(?) WHERE atom IS NOT NULL"
@@ -55,8 +55,9 @@ std::vector<Change> Comparison::changes(std::uint64_t older, std::uint64_t newer
     };
     if (clean(olds[message]) != clean(news[message]))
         all.push_back({"message", olds[message], news[message]});
-    for (auto const& [which, name] : {std::pair{level, "level"}, std::pair{kind, "kind"},
-                                      std::pair{suppressed, "suppressed"}, std::pair{class_, "class"}})
+    for (auto const& [which, name] :
+         {std::pair{level, "level"}, std::pair{kind, "kind"}, std::pair{suppressed, "suppressed"},
+          std::pair{class_, "class"}})
         if (olds[which] != news[which]) all.push_back({name, olds[which], news[which]});
     if (olds[payload] != news[payload])
         add_payload(olds[payload].value_or("null"), news[payload].value_or("null"), all);
@@ -80,8 +81,8 @@ std::vector<Comparison::Step> Comparison::steps_of(std::uint64_t finding) {
         auto said = text_of(steps_, 5);
         auto clean = said ? without_places(*said) : std::string();
         steps.push_back({steps_.integer(0), steps_.integer(1), steps_.integer(2),
-                         static_cast<std::uint64_t>(steps_.integer(3)), text_of(steps_, 4),
-                         std::move(said), std::move(clean)});
+                         std::string(steps_.text(3)), text_of(steps_, 4), std::move(said),
+                         std::move(clean)});
     }
     steps_.reset();
     return steps;
@@ -127,12 +128,13 @@ void Comparison::add_steps(std::vector<Step> const& olds, std::vector<Step> cons
         auto const new_end = takes_new ? end_of(newer, news) : newer;
         auto       old_last = old_end;
         auto       new_last = new_end;
-        while (older != old_last && newer != new_last && are_equal(*older, *newer)) ++older, ++newer;
+        while (older != old_last && newer != new_last && are_equal(*older, *newer))
+            ++older, ++newer;
         while (older != old_last && newer != new_last && are_equal(old_last[-1], new_last[-1]))
             --old_last, --new_last;
         while (older != old_last || newer != new_last)
-            add_step(older != old_last ? &*older++ : nullptr, newer != new_last ? &*newer++ : nullptr,
-                     all);
+            add_step(older != old_last ? &*older++ : nullptr,
+                     newer != new_last ? &*newer++ : nullptr, all);
         older = old_end;
         newer = new_end;
     }
@@ -142,16 +144,15 @@ void Comparison::add_step(Step const* older, Step const* newer, std::vector<Chan
     Step const& any = newer != nullptr ? *newer : *older;
     auto const  path = path_of_step(any.flow, any.thread, any.position);
     auto const  said = [](Step const* step) {
-        return step == nullptr ? std::nullopt
-                                : std::optional(step->uri.value_or("") + ": " +
-                                                step->message.value_or(""));
+        return step == nullptr
+                    ? std::nullopt
+                    : std::optional(step->uri.value_or("") + ": " + step->message.value_or(""));
     };
     if (older == nullptr || newer == nullptr)
         return all.push_back({path, said(older), said(newer)});
     if (older->clean != newer->clean)
         all.push_back({path + ".message", older->message, newer->message});
-    if (!have_one_file(*older, *newer))
-        all.push_back({path + ".uri", older->uri, newer->uri});
+    if (!have_one_file(*older, *newer)) all.push_back({path + ".uri", older->uri, newer->uri});
 }
 
 }  // namespace sml::results

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace sml::results {
@@ -13,9 +16,9 @@ namespace sml::results {
 /// and what a message says of places, are no difference.
 class Comparison {
 public:
-    /// Whether a file of the old side and one of the new side are the same, given by the numbers in
-    /// `steps.path`.
-    using SameFile = std::function<bool(std::uint64_t, std::uint64_t)>;
+    /// Whether a file of the old side and one of the new side are the same, given by the names in
+    /// `steps.file`.
+    using SameFile = std::function<bool(std::string_view, std::string_view)>;
 
     explicit Comparison(tables::Connection& connection);
 
@@ -25,7 +28,7 @@ public:
 private:
     struct Step {
         std::int64_t               flow, thread, position;
-        std::uint64_t              path;
+        std::string                file;
         std::optional<std::string> uri, message;
         std::string                clean;  // the message without places
     };
@@ -40,7 +43,7 @@ private:
     void add_step(Step const* older, Step const* newer, std::vector<Change>& all) const;
     bool are_equal(Step const& older, Step const& newer) const;
     bool have_one_file(Step const& older, Step const& newer) const {
-        return (*are_same_files_)(older.path, newer.path);
+        return (*are_same_files_)(older.file, newer.file);
     }
 
     tables::Statement texts_;

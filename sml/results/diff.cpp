@@ -1,23 +1,31 @@
 #include <sml/results/diff.hpp>
 
 #include <sml/results/changes.hpp>
+#include <sml/results/message.hpp>
 #include <sml/results/record_counts.hpp>
+#include <sml/results/steps.hpp>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace sml::results {
 
 namespace {
 
+/// A side while it is compared.
+struct OpenSide : SideData {
+    std::unique_ptr<tables::Database>            database;
+    std::unordered_map<std::string, std::string> renamed;  // names of files: those of both sides
+};
+
 class Diff {
 public:
-    Diff(DiffStore& store) : store_(store) {
-        olds_.side = Side::old_side;
-        news_.side = Side::new_side;
-    }
+    explicit Diff(DiffStore& store) : store_(store) { news_.side = Side::new_side; }
 
     void read(SideInput const& olds, SideInput const& news, std::atomic<bool> const& interrupted) {
         read_one(olds, olds_, interrupted);
@@ -28,15 +36,15 @@ public:
 
     void join_names(std::vector<MovedRoot> const& roots) {
         join_rules();
-        join_files(roots);
-        add_files_of_steps();
+        names_.emplace(olds_.paths.all(), news_.paths.all(), roots);
+        join_files();
+        add_steps(olds_);
+        add_steps(news_);
     }
 
     DiffCounts match_and_compare() {
-        for (auto const& [older, newer] : match(olds_, news_, files_)) {
-            std::ranges::replace(old_files_, older, std::min(older, newer));
-            std::ranges::replace(new_files_, newer, std::min(older, newer));
-        }
+        for (auto const& [older, newer] : match(olds_, news_, files_)) note_renamed(older, newer);
+        store_steps();
         DiffCounts counts;
         Comparison comparison(store_.connection());
         add_pairs(comparison, counts);
@@ -44,9 +52,9 @@ public:
     }
 
 private:
-    void read_one(SideInput const& input, SideData& side, std::atomic<bool> const& interrupted) {
-        tables::Database database(*input.sets, interrupted);
-        read_side(*input.sets, database, input.flagged, side, store_);
+    void read_one(SideInput const& input, OpenSide& side, std::atomic<bool> const& interrupted) {
+        side.database = std::make_unique<tables::Database>(*input.sets, interrupted);
+        read_side(*input.sets, *side.database, input.flagged, side, store_);
         if (input.sources) read_sources(*input.sources, side);
     }
 
@@ -57,7 +65,7 @@ private:
                                        [](Finding const& one) { return !one.text.is_none(); });
         };
         if (has_text(olds_) && has_text(news_)) return;
-        for (SideData* const side : {&olds_, &news_})
+        for (OpenSide* const side : {&olds_, &news_})
             for (Finding& one : side->findings) one.text = one.surroundings = {};
     }
 
@@ -71,7 +79,7 @@ private:
             };
             return has(olds_) && has(news_);
         };
-        for (SideData* const side : {&olds_, &news_}) {
+        for (OpenSide* const side : {&olds_, &news_}) {
             std::vector<std::string> tools;
             for (std::string const& tool : side->tools.all())
                 tools.push_back(is_in_both(tool) ? tool : std::string());
@@ -86,46 +94,85 @@ private:
     }
 
     // Files get numbers in the order of their names.
-    void join_files(std::vector<MovedRoot> const& roots) {
-        Files const files(olds_.paths.all(), news_.paths.all(), roots);
-        std::vector<std::string> of_old;
-        std::vector<std::string> of_new;
-        for (auto const& path : olds_.paths.all()) of_old.push_back(files.of_old(path));
-        for (auto const& path : news_.paths.all()) of_new.push_back(files.of_new(path));
+    void join_files() {
+        auto const names_of = [&](OpenSide const& side) {
+            std::vector<std::string> names;
+            for (std::string const& path : side.paths.all()) names.push_back(name_of(side, path));
+            return names;
+        };
+        auto const of_old = names_of(olds_);
+        auto const of_new = names_of(news_);
         files_ = of_old;
         files_.insert(files_.end(), of_new.begin(), of_new.end());
         std::ranges::sort(files_);
         files_.erase(std::unique(files_.begin(), files_.end()), files_.end());
-        auto const numbers = [&](std::vector<std::string> const& names) {
-            std::vector<std::uint32_t> places;
-            for (auto const& name : names)
-                places.push_back(static_cast<std::uint32_t>(
+        auto const number = [&](OpenSide& side, std::vector<std::string> const& names) {
+            std::vector<std::uint32_t> numbers;
+            for (std::string const& name : names)
+                numbers.push_back(static_cast<std::uint32_t>(
                     std::ranges::lower_bound(files_, name) - files_.begin()));
-            return places;
+            for (Finding& one : side.findings) one.file = numbers[one.file];
         };
-        old_files_ = numbers(of_old);
-        new_files_ = numbers(of_new);
-        for (Finding& one : olds_.findings) one.file = old_files_[one.file];
-        for (Finding& one : news_.findings) one.file = new_files_[one.file];
+        number(olds_, of_old);
+        number(news_, of_new);
     }
 
-    // The file of a step counts as content.
-    void add_files_of_steps() {
-        if (!olds_.has_steps && !news_.has_steps) return;
-        std::vector<Hash> hashes;
-        for (std::string const& file : files_) hashes.push_back(hash_of(file));
-        tables::Statement steps(store_.connection().get(),
-                                "SELECT finding, flow, thread, position, path FROM steps");
-        while (steps.step()) {
-            auto const number = [&](int column) {
-                return static_cast<std::uint64_t>(steps.integer(column));
+    std::string name_of(OpenSide const& side, std::string const& path) const {
+        return side.side == Side::old_side ? names_->of_old(path) : names_->of_new(path);
+    }
+
+    template <class IsWanted, class Use>
+    void for_each_step(OpenSide& side, IsWanted const& is_wanted, Use const& use) {
+        std::string last_uri;
+        std::string file = name_of(side, "");
+        results::for_each_step(
+            *side.database,
+            [&](std::int64_t set, std::int64_t row) { return side.index_of(set, row); }, is_wanted,
+            [&](FlowStep const& step) {
+                if (auto const uri = step.uri.value_or(""); uri != last_uri) {
+                    last_uri = uri;
+                    file = name_of(side, path_of(uri));
+                }
+                use(step, file);
+            });
+    }
+
+    // The steps are content, whatever their order. The file of a finding may have another name.
+    void add_steps(OpenSide& side) {
+        for_each_step(
+            side, [](std::uint32_t) { return true; },
+            [&](FlowStep const& step, std::string const& file) {
+                Finding&   one = side.findings[step.finding];
+                Hash const of_file = file == files_[one.file] ? Hash{} : hash_of(file);
+                one.content +=
+                    hash_of({Hash{step.flow, step.thread}, Hash{step.position, 1}, of_file,
+                             hash_of(without_places(step.message.value_or("")))});
+            });
+    }
+
+    // A renamed file has the smaller number on both sides.
+    void note_renamed(std::uint32_t older, std::uint32_t newer) {
+        std::string const& name = files_[std::min(older, newer)];
+        olds_.renamed[files_[older]] = name;
+        news_.renamed[files_[newer]] = name;
+    }
+
+    // Of the findings that will be compared part by part.
+    void store_steps() {
+        auto const store = [&](OpenSide& side, OpenSide const& other) {
+            auto const is_wanted = [&](std::uint32_t index) {
+                Finding const& one = side.findings[index];
+                return one.has_partner() && one.content != other.findings[one.partner].content;
             };
-            bool const is_new = number(0) >= news_.first_id;
-            auto&      side = is_new ? news_ : olds_;
-            auto const file = (is_new ? new_files_ : old_files_)[number(4)];
-            side.findings[number(0) - side.first_id].content +=
-                hash_of({Hash{number(1), number(2)}, Hash{number(3), 1}, hashes[file]});
-        }
+            for_each_step(side, is_wanted, [&](FlowStep const& step, std::string const& file) {
+                auto const        found = side.renamed.find(file);
+                std::string const name = found == side.renamed.end() ? file : found->second;
+                store_.add_step({side.first_id + step.finding, step.flow, step.thread,
+                                 step.position, name, step.uri, step.message});
+            });
+        };
+        store(olds_, news_);
+        store(news_, olds_);
     }
 
     std::vector<Change> changes_of(Comparison& comparison, std::uint32_t old_index,
@@ -134,9 +181,8 @@ private:
         Finding const& newer = news_.findings[new_index];
         if (older.content == newer.content) return {};
         // A step that is in the file of its finding stays there when that moves.
-        auto const are_same_files = [&](std::uint64_t one, std::uint64_t other) {
-            bool const are_own = old_files_[one] == older.file && new_files_[other] == newer.file;
-            return are_own || old_files_[one] == new_files_[other];
+        auto const are_same_files = [&](std::string_view one, std::string_view other) {
+            return one == other || (one == files_[older.file] && other == files_[newer.file]);
         };
         return comparison.changes(old_index, news_.first_id + new_index, are_same_files);
     }
@@ -162,12 +208,11 @@ private:
         }
     }
 
-    DiffStore&                 store_;
-    SideData                   olds_;
-    SideData                   news_;
-    std::vector<std::string>   files_;      // their names, sorted
-    std::vector<std::uint32_t> old_files_;  // by number in `paths`: the number in `files_`
-    std::vector<std::uint32_t> new_files_;
+    DiffStore&               store_;
+    OpenSide                 olds_;
+    OpenSide                 news_;
+    std::optional<Files>     names_;
+    std::vector<std::string> files_;  // their names, sorted
 };
 
 }  // namespace

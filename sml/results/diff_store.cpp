@@ -3,6 +3,7 @@
 #include <sml/results/stages.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace sml::results {
 
@@ -11,7 +12,7 @@ using tables::Statement;
 
 namespace {
 
-// `path` of a step tells files apart while the diff is made.
+// `file` is the name of a file on both sides.
 constexpr char const* tables_sql = R"(
 PRAGMA journal_mode = OFF;
 PRAGMA synchronous = OFF;
@@ -20,13 +21,13 @@ PRAGMA temp_store = FILE;
 BEGIN;
 CREATE TABLE findings (
   id INTEGER PRIMARY KEY, side TEXT NOT NULL, result_set TEXT NOT NULL,
+  function TEXT, class TEXT, suppressed INTEGER NOT NULL,
   finding INTEGER NOT NULL, run INTEGER, tool TEXT, tool_version TEXT, rule TEXT, level TEXT,
   kind TEXT, message TEXT, category TEXT, uri TEXT, base TEXT, line INTEGER, "column" INTEGER,
-  end_line INTEGER, end_column INTEGER, function TEXT, suppressed INTEGER, baseline_state TEXT,
-  class TEXT, "key" TEXT, payload TEXT);
+  end_line INTEGER, end_column INTEGER, baseline_state TEXT, "key" TEXT, payload TEXT);
 CREATE TABLE steps (
   finding INTEGER NOT NULL, flow INTEGER NOT NULL, thread INTEGER NOT NULL,
-  position INTEGER NOT NULL, path INTEGER, uri TEXT, line INTEGER, "column" INTEGER, message TEXT,
+  position INTEGER NOT NULL, file TEXT, uri TEXT, message TEXT,
   PRIMARY KEY (finding, flow, thread, position)) WITHOUT ROWID;
 CREATE TABLE pairs (
   pair INTEGER PRIMARY KEY, state TEXT NOT NULL, stage TEXT, old INTEGER, new INTEGER);
@@ -52,13 +53,15 @@ std::string view_sql() {
         "  o.result_set AS old_result_set, n.result_set AS new_result_set,\n"
         "  o.\"key\" AS old_key, n.\"key\" AS new_key,\n"
         "  o.uri AS old_uri, o.line AS old_line, o.\"column\" AS old_column";
-    for (std::string const& column : DiffStore::finding_columns()) {
+    auto columns = DiffStore::plain_columns();
+    columns.insert(columns.end(), {"function", "class", "suppressed", "payload"});
+    for (std::string const& column : columns) {
         auto const name = quoted(column);
-        sql += ",\n  CASE WHEN p.new IS NULL THEN o." + name + " ELSE n." + name + " END AS " + name;
+        sql +=
+            ",\n  CASE WHEN p.new IS NULL THEN o." + name + " ELSE n." + name + " END AS " + name;
     }
     return sql +
-           ",\n  CASE WHEN p.new IS NULL THEN o.payload ELSE n.payload END AS payload\n"
-           "FROM pairs AS p\n"
+           "\nFROM pairs AS p\n"
            "LEFT JOIN findings AS o ON o.id = p.old LEFT JOIN findings AS n ON n.id = p.new;\n";
 }
 
@@ -72,7 +75,8 @@ void bind_id(Statement& statement, int parameter, std::uint64_t id) {
     statement.bind(parameter, static_cast<std::int64_t>(id));
 }
 
-void bind_columns(Statement& statement, int parameter, sqlite3_stmt* columns, int first, int count) {
+void bind_columns(Statement& statement, int parameter, sqlite3_stmt* columns, int first,
+                  int count) {
     for (int i = 0; i < count; ++i)
         statement.bind(parameter + i, sqlite3_column_value(columns, first + i));
 }
@@ -98,32 +102,42 @@ void bind(Statement& statement, int parameter, std::optional<std::uint64_t> id) 
 
 }  // namespace
 
-std::vector<std::string> const& DiffStore::finding_columns() {
+std::vector<std::string> const& DiffStore::plain_columns() {
     static std::vector<std::string> const names = {
-        "finding", "run",    "tool",     "tool_version", "rule",           "level",
-        "kind",    "message", "category", "uri",          "base",           "line",
-        "column",  "end_line", "end_column", "function",  "suppressed",     "baseline_state",
-        "class",   "key"};
+        "finding",        "run",  "tool",    "tool_version", "rule",
+        "level",          "kind", "message", "category",     "uri",
+        "base",           "line", "column",  "end_line",     "end_column",
+        "baseline_state", "key"};
     return names;
 }
 
 DiffStore::DiffStore(std::string const& file)
     : connection_(opened(file)),
-      finding_(connection_.get(), "INSERT INTO findings VALUES " +
-                                      parameters(finding_columns().size() + 4)),
+      finding_(connection_.get(),
+               "INSERT INTO findings VALUES " + parameters(plain_columns().size() + 7)),
       payload_(connection_.get(), "UPDATE findings SET payload = ? WHERE id = ?"),
-      function_(connection_.get(), "UPDATE findings SET function = ? WHERE id = ?"),
-      step_(connection_.get(), "INSERT INTO steps VALUES " + parameters(9)),
+      step_(connection_.get(), "INSERT INTO steps VALUES " + parameters(7)),
       pair_(connection_.get(), "INSERT INTO pairs VALUES " + parameters(5)),
       change_(connection_.get(), "INSERT INTO changes VALUES " + parameters(5)),
       records_(connection_.get(), "INSERT INTO records VALUES " + parameters(4)) {}
 
-void DiffStore::add_finding(std::uint64_t id, Side side, std::string_view set,
+void DiffStore::add_finding(std::uint64_t id, Side side, Joined const& joined,
                             sqlite3_stmt* columns, int first) {
+    auto const bind_known = [&](int parameter, std::string_view text) {
+        if (text.empty())
+            finding_.bind_null(parameter);
+        else
+            finding_.bind(parameter, text);
+    };
+    auto const count = static_cast<int>(plain_columns().size());
     bind_id(finding_, 1, id);
     finding_.bind(2, std::string_view(side == Side::old_side ? "old" : "new"));
-    finding_.bind(3, set);
-    bind_columns(finding_, 4, columns, first, static_cast<int>(finding_columns().size()));
+    finding_.bind(3, joined.set);
+    bind_known(4, joined.function);
+    bind_known(5, joined.class_);
+    finding_.bind(6, std::int64_t{joined.is_suppressed});
+    bind_columns(finding_, 7, columns, first, count);
+    finding_.bind_null(7 + count);
     run(finding_);
 }
 
@@ -133,19 +147,17 @@ void DiffStore::set_payload(std::uint64_t id, std::string_view payload) {
     run(payload_);
 }
 
-void DiffStore::set_function(std::uint64_t id, std::string_view function) {
-    function_.bind(1, function);
-    bind_id(function_, 2, id);
-    run(function_);
-}
-
-void DiffStore::add_step(Step const& step, sqlite3_stmt* columns, int first) {
+void DiffStore::add_step(Step const& step) {
     bind_id(step_, 1, step.finding);
     step_.bind(2, step.flow);
     step_.bind(3, step.thread);
     step_.bind(4, step.position);
-    bind_id(step_, 5, step.path);
-    bind_columns(step_, 6, columns, first, 4);
+    step_.bind(5, step.file);
+    for (auto const& [parameter, text] : {std::pair{6, step.uri}, std::pair{7, step.message}})
+        if (text)
+            step_.bind(parameter, *text);
+        else
+            step_.bind_null(parameter);
     run(step_);
 }
 

@@ -30,23 +30,28 @@ public:
 
     tables::Connection& connection() { return connection_; }
 
-    /// Columns of the view `findings` of a result set, in the order of the tables here.
-    static std::vector<std::string> const& finding_columns();
+    /// Columns of the view `findings` of a result set: those that cost little, in the order of the
+    /// table here; all but the result set.
+    static std::vector<std::string> const& plain_columns();
 
-    /// Adds a finding with the columns of a statement from `first` on. `set` is the name of its
-    /// result set.
-    void add_finding(std::uint64_t id, Side side, std::string_view set, sqlite3_stmt* columns,
+    /// The columns that are not taken from a statement.
+    struct Joined {
+        std::string_view set;  ///< the name of the result set
+        std::string_view function, class_;
+        bool             is_suppressed = false;
+    };
+    /// Adds a finding with the columns of a statement from `first` on.
+    void add_finding(std::uint64_t id, Side side, Joined const& joined, sqlite3_stmt* columns,
                      int first);
     void set_payload(std::uint64_t id, std::string_view payload);
-    void set_function(std::uint64_t id, std::string_view function);
 
     struct Step {
-        std::uint64_t finding;
-        std::int64_t  flow, thread, position;
-        std::uint64_t path;  ///< a number for the file; not the same on both sides
+        std::uint64_t                   finding = 0;
+        std::int64_t                    flow = 0, thread = 0, position = 0;
+        std::string_view                file;  ///< its name, the same on both sides
+        std::optional<std::string_view> uri, message;
     };
-    /// The URI, line, column and message are taken from the statement, from `first` on.
-    void add_step(Step const& step, sqlite3_stmt* columns, int first);
+    void add_step(Step const& step);
 
     /// One of the findings may be missing.
     void add_pair(char const* state, Stage stage, std::optional<std::uint64_t> older,
@@ -63,7 +68,6 @@ private:
     tables::Connection connection_;
     tables::Statement  finding_;
     tables::Statement  payload_;
-    tables::Statement  function_;
     tables::Statement  step_;
     tables::Statement  pair_;
     tables::Statement  change_;

@@ -34,9 +34,9 @@ struct Finding {
     std::uint32_t file = 0;      ///< files are numbered in the order of their names
     std::int32_t  line = 0;      ///< 0 if it is not known
     std::int32_t  column = 0;
-    std::uint32_t ordinal = 0;         ///< in the key
-    std::uint32_t partner = none;      ///< index of the finding on the other side
-    std::uint16_t set = 0;             ///< the result set, from 1
+    std::uint32_t ordinal = 0;          ///< in the key
+    std::uint32_t partner = none;       ///< index of the finding on the other side
+    std::uint16_t set = 0;              ///< the result set, from 1
     Stage         stage = Stage::none;  ///< in which the partner was found
 
     bool has_partner() const { return partner != none; }

@@ -54,8 +54,8 @@ void for_each_group(std::span<Finding const> olds, std::span<Finding const> news
     });
     std::vector<std::uint32_t> indices;
     for (auto first = entries.begin(); first != entries.end();) {
-        auto const end =
-            std::find_if(first, entries.end(), [&](Entry const& one) { return one.key != first->key; });
+        auto const end = std::find_if(first, entries.end(),
+                                      [&](Entry const& one) { return one.key != first->key; });
         auto const news_start =
             std::find_if(first, end, [](Entry const& one) { return one.side == 1; });
         if (news_start != first && news_start != end) {

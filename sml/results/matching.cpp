@@ -157,15 +157,15 @@ private:
         Homes const new_homes(news_.findings);
         auto const  have_one_home = [&](std::span<Finding const> findings, Homes const& homes,
                                        std::span<std::uint32_t const> indices) {
-            return std::ranges::all_of(indices, [&](std::uint32_t index) {
-                return homes.is_only_home(findings[index]);
-            });
+            return std::ranges::all_of(
+                 indices, [&](std::uint32_t index) { return homes.is_only_home(findings[index]); });
         };
+        LineMap const lines(olds_.findings, news_.findings);
         for (Key const key : {by_moved_function, by_moved_text})
             for_each(key, [&](Group const& group) {
                 if (have_one_home(olds_.findings, old_homes, group.olds) &&
                     have_one_home(news_.findings, new_homes, group.news))
-                    pair_counted(group, Stage::moved);
+                    pair_some(group, Stage::moved, lines);
             });
         match_single(Stage::moved, by_moved_surroundings, [](auto const& older, auto const& newer) {
             return !have_other_functions(older, newer);
@@ -194,18 +194,20 @@ private:
 
     // Not as many: those that have moved as the findings around them.
     void match_some(Stage stage, Key key) {
+        if (!has_left(olds_.findings) || !has_left(news_.findings)) return;
         LineMap const lines(olds_.findings, news_.findings);
-        for_each(key, [&](Group const& group) {
-            bool const fewer_olds = group.olds.size() < group.news.size();
-            auto const fewer = fewer_olds ? group.olds : group.news;
-            auto const more = fewer_olds ? group.news : group.olds;
-            auto const cost = [&](std::size_t i, std::size_t k) {
-                return fewer_olds ? lines.distance(old_at(fewer[i]), new_at(more[k]))
-                                  : lines.distance(old_at(more[k]), new_at(fewer[i]));
-            };
-            for (auto const& [i, k] : cheapest_pairs(fewer.size(), more.size(), cost))
-                pair(fewer_olds ? fewer[i] : more[k], fewer_olds ? more[k] : fewer[i], stage);
-        });
+        for_each(key, [&](Group const& group) { pair_some(group, stage, lines); });
+    }
+    void pair_some(Group const& group, Stage stage, LineMap const& lines) {
+        bool const fewer_olds = group.olds.size() < group.news.size();
+        auto const fewer = fewer_olds ? group.olds : group.news;
+        auto const more = fewer_olds ? group.news : group.olds;
+        auto const cost = [&](std::size_t i, std::size_t k) {
+            return fewer_olds ? lines.distance(old_at(fewer[i]), new_at(more[k]))
+                              : lines.distance(old_at(more[k]), new_at(fewer[i]));
+        };
+        for (auto const& [i, k] : cheapest_pairs(fewer.size(), more.size(), cost))
+            pair(fewer_olds ? fewer[i] : more[k], fewer_olds ? more[k] : fewer[i], stage);
     }
 
     template <class May>

@@ -22,12 +22,11 @@ struct Matched {
 };
 
 /// Sets the partners and stages of the findings of both sides, one to one. Findings of different
-/// rules get no common one. `files` are the names of the files by number. Renamed files are returned;
-/// each gets one number on both sides.
+/// rules get no common one. `files` are the names of the files by number. Renamed files are
+/// returned; each gets one number on both sides.
 ///
 /// What is found depends neither on the order of the findings, as long as their ranks differ, nor
 /// on which side is the old one.
-std::vector<RenamedFile> match(Matched& olds, Matched& news,
-                               std::vector<std::string> const& files);
+std::vector<RenamedFile> match(Matched& olds, Matched& news, std::vector<std::string> const& files);
 
 }  // namespace sml::results

@@ -26,13 +26,12 @@ bool is_of_path(char c) {
 
 std::string in_lower_case(std::string_view text) {
     std::string lower(text);
-    for (char& c : lower)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return lower;
 }
 
 bool is_word_of_place(std::string_view word) {
-    static constexpr std::array words = {"line"sv, "lines"sv, "ln"sv,      "column"sv,
+    static constexpr std::array words = {"line"sv, "lines"sv,   "ln"sv,     "column"sv,
                                          "col"sv,  "columns"sv, "linecol"sv};
     if (word.size() > 7) return false;
     auto const lower = in_lower_case(word);
@@ -134,11 +133,11 @@ private:
 
     void put_name(std::string_view name) {
         if (is_address(name)) return put_temporary();
-        auto const letters = name.find_first_not_of("_%$.");
-        auto const bare = letters == std::string_view::npos ? ""sv : name.substr(letters);
-        auto const lower = in_lower_case(bare.substr(0, 4));
+        auto const        letters = name.find_first_not_of("_%$.");
+        auto const        bare = letters == std::string_view::npos ? ""sv : name.substr(letters);
+        auto const        lower = in_lower_case(bare.substr(0, 4));
         std::size_t const prefix = lower == "temp" ? 4 : lower.starts_with("tmp") ? 3 : 0;
-        bool const has_digits = std::ranges::any_of(bare, is_digit);
+        bool const        has_digits = std::ranges::any_of(bare, is_digit);
         if (prefix == 0 || !has_digits) {
             clean_ += name;
             return;
@@ -209,7 +208,7 @@ std::string without_places(std::string_view message) { return Cleaner(message).r
 std::string payload_without_places(std::string_view json) {
     static constexpr std::array names = {"\"first_position\":"sv, "\"second_position\":"sv,
                                          "\"reference\":"sv};
-    std::string clean;
+    std::string                 clean;
     clean.reserve(json.size());
     while (!json.empty()) {
         auto const* const name = std::ranges::find_if(

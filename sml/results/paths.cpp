@@ -53,7 +53,7 @@ std::string_view without_scheme(std::string_view uri) {
 }
 
 std::string resolved(std::string_view path) {
-    std::string const        start = path.starts_with('/') ? "/" : "";
+    std::string const             start = path.starts_with('/') ? "/" : "";
     std::vector<std::string_view> parts;
     while (!path.empty()) {
         auto const slash = std::min(path.find('/'), path.size());
@@ -159,8 +159,8 @@ std::vector<Candidate> candidates(Paths const& olds, Paths const& news) {
 }
 
 std::ptrdiff_t count_below(Paths const& paths, std::string const& root) {
-    return std::ranges::count_if(
-        paths, [&](std::string const& path) { return path.starts_with(root); });
+    return std::ranges::count_if(paths,
+                                 [&](std::string const& path) { return path.starts_with(root); });
 }
 
 // How many old paths are there on the new side, too, with the new root.
@@ -230,9 +230,8 @@ std::vector<MovedRoot> moved_roots(Paths const& all_olds, Paths const& all_news)
         constexpr std::size_t most_tried = 20;
         auto                  tried = candidates(olds, news);
         if (tried.size() > most_tried) tried.resize(most_tried);
-        auto const found = std::ranges::find_if(tried, [&](Candidate const& one) {
-            return has_moved(one.root, olds, news, both);
-        });
+        auto const found = std::ranges::find_if(
+            tried, [&](Candidate const& one) { return has_moved(one.root, olds, news, both); });
         if (found == tried.end()) break;
         remove_moved(olds, news, found->root);
         roots.push_back(found->root);

@@ -17,6 +17,13 @@ namespace sml::results {
 /// Texts with numbers, from 0 in the order of their addition.
 class Names {
 public:
+    /// Names with the empty one, whose number is 0.
+    static Names with_empty() {
+        Names names;
+        names.number_of("");
+        return names;
+    }
+
     std::uint32_t number_of(std::string_view name);
 
     std::vector<std::string> const& all() const { return names_; }
@@ -32,13 +39,17 @@ using FlaggedByForm = std::vector<Flagged>;
 
 /// The findings of one side.
 struct SideData : Matched {
-    Side          side;
+    Side          side = Side::old_side;
     std::uint64_t first_id = 0;  ///< of the first finding in the store
 
-    Names paths;  ///< `Finding::file` is a number in it, until `join_names`
+    Names paths;  ///< `Finding::file` is a number in it, until names are joined
     Names tools;
-    Names rules;  ///< `Finding::rule` is a number in it, until `join_names`; with the tool
-    bool  has_steps = false;
+    Names rules;  ///< `Finding::rule` is a number in it, until then; with the number of the tool
+    std::vector<std::uint32_t> firsts;  ///< by result set: the index of its first finding
+
+    std::uint32_t index_of(std::int64_t set, std::int64_t row) const {
+        return firsts[static_cast<std::size_t>(set)] + static_cast<std::uint32_t>(row);
+    }
 };
 
 /// Reads all findings of the result sets into `side` and into the store. `flagged` has an element

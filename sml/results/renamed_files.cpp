@@ -115,7 +115,7 @@ private:
             if (is_likely(pair, likeness))
                 likely.emplace_back(~likeness.findings, !have_one_name(pair), pair);
         std::ranges::sort(likely);
-        std::vector<bool>     is_taken(files_.size());
+        std::vector<bool>        is_taken(files_.size());
         std::vector<RenamedFile> chosen;
         for (auto const& [rank, differs, pair] : likely) {
             if (is_taken[pair.first] || is_taken[pair.second]) continue;
@@ -141,7 +141,7 @@ private:
     std::vector<std::string> const& files_;
     std::vector<std::size_t>        in_old_;  // by file
     std::vector<std::size_t>        in_new_;
-    std::map<RenamedFile, Likeness>    likenesses_;
+    std::map<RenamedFile, Likeness> likenesses_;
 };
 
 }  // namespace

@@ -17,6 +17,6 @@ using RenamedFile = std::pair<std::uint32_t, std::uint32_t>;
 /// Gives a file that only old findings name, and one that only new ones name, one number, the
 /// smaller one, if most of the findings of one are found in the other. Returns these files.
 std::vector<RenamedFile> join_renamed_files(std::span<Finding> olds, std::span<Finding> news,
-                        std::vector<std::string> const& files);
+                                            std::vector<std::string> const& files);
 
 }  // namespace sml::results

@@ -158,7 +158,8 @@ TEST_F(Diff, LogThatIsDamagedIsRefused) {
 
 TEST_F(Diff, SuppressedFindingsDoNotFail) {
     auto const none = log("none", "");
-    auto const one = log("one", result("leak", "p leaks", 3, R"(, "suppressions": [{"kind": "x"}])"));
+    auto const one =
+        log("one", result("leak", "p leaks", 3, R"(, "suppressions": [{"kind": "x"}])"));
     auto const done = diff({none, one, "--fail-on", "new"});
     EXPECT_EQ(done.code, 0);
     EXPECT_NE(done.out.find("[leak] (suppressed)\n"), std::string::npos);
@@ -198,12 +199,12 @@ TEST_F(Diff, SourcesTellFindingsApart) {
     for (char const* const side : {"old", "new"}) fs::create_directories(scratch_ / side);
     write_bytes(scratch_ / "old" / "a.c", "read(f);\n\nwrite(f);\n");
     write_bytes(scratch_ / "new" / "a.c", "write(f);\n\nclose(f);\n");
-    auto const findings = result("r", "unchecked", 1, "", "/x/a.c") + "," +
-                          result("r", "unchecked", 3, "", "/x/a.c");
+    auto const findings =
+        result("r", "unchecked", 1, "", "/x/a.c") + "," + result("r", "unchecked", 3, "", "/x/a.c");
     auto const both = log("log", findings);
     EXPECT_EQ(counts(both, both), "0 new, 0 updated, 0 absent, 2 unchanged");
-    auto const text = printed({both, both, "--old-source", scratch_ / "old", "--new-source",
-                               scratch_ / "new"});
+    auto const text =
+        printed({both, both, "--old-source", scratch_ / "old", "--new-source", scratch_ / "new"});
     EXPECT_EQ(text.substr(0, text.find('\n')), "1 new, 0 updated, 1 absent, 1 unchanged");
 }
 
@@ -211,10 +212,12 @@ TEST_F(Diff, FlowIsComparedStepByStep) {
     auto const with_flow = [](std::vector<std::string> const& steps) {
         std::string all;
         for (std::size_t i = 0; i < steps.size(); ++i)
-            all += (i == 0 ? "" : ",") + (R"({"location": {"message": {"text": ")" + steps[i] +
-                                          R"("}, "physicalLocation": {"artifactLocation": {"uri": "a.c"},)"
-                                          R"("region": {"startLine": 3}}}})");
-        return result("r", "m", 3, R"(, "codeFlows": [{"threadFlows": [{"locations": [)" + all + "]}]}]");
+            all += (i == 0 ? "" : ",") +
+                   (R"({"location": {"message": {"text": ")" + steps[i] +
+                    R"("}, "physicalLocation": {"artifactLocation": {"uri": "a.c"},)"
+                    R"("region": {"startLine": 3}}}})");
+        return result("r", "m", 3,
+                      R"(, "codeFlows": [{"threadFlows": [{"locations": [)" + all + "]}]}]");
     };
     auto const olds = log("old", with_flow({"taken", "passed", "freed"}));
     EXPECT_EQ(counts(olds, log("same", with_flow({"taken", "passed", "freed"}))),
@@ -272,7 +275,8 @@ TEST_F(DiffOfKernel, CategoriesAreRules) {
     ResultSet news;
     check(olds, 1, 10);
     check(news, 1, 10).category.choose<"ZDV">();
-    EXPECT_EQ(counts(set("old", olds), set("new", news)), "1 new, 0 updated, 1 absent, 0 unchanged");
+    EXPECT_EQ(counts(set("old", olds), set("new", news)),
+              "1 new, 0 updated, 1 absent, 0 unchanged");
 }
 
 TEST_F(DiffOfKernel, OtherRecordsAreCounted) {

@@ -27,7 +27,9 @@ std::vector<std::string> const files = {"a/x.c", "b/x.c", "b/y.c", "c/z.c"};
 // Few values, so that much is equal. `ordinal` is different for each.
 Finding random_finding(Random& random, std::uint32_t ordinal) {
     Finding    one;
-    auto const some = [&](std::uint32_t values) { return hash_of(std::uint64_t{below(random, values)}); };
+    auto const some = [&](std::uint32_t values) {
+        return hash_of(std::uint64_t{below(random, values)});
+    };
     auto const perhaps = [&](std::uint32_t values) {
         return below(random, 4) == 0 ? Hash{} : some(values);
     };
@@ -50,9 +52,8 @@ Matched random_side(Random& random) {
     for (std::uint32_t i = below(random, 40); i > 0; --i) {
         side.findings.push_back(random_finding(random, i));
         if (below(random, 3) == 0)
-            side.fingerprints.push_back(
-                {hash_of(std::uint64_t{below(random, 20)}),
-                 static_cast<std::uint32_t>(side.findings.size() - 1)});
+            side.fingerprints.push_back({hash_of(std::uint64_t{below(random, 20)}),
+                                         static_cast<std::uint32_t>(side.findings.size() - 1)});
     }
     return side;
 }
@@ -230,11 +231,11 @@ TEST(Matching, RenamedFileIsFound) {
 }
 
 TEST(Alignment, IsTheCheapestWithoutCrossing) {
-    auto const   seed = runs::seed();
-    Random       random(seed);
+    auto const seed = runs::seed();
+    Random     random(seed);
     for (int run = 0; run < runs::count(300, 3000); ++run) {
-        std::size_t const fewer = 1 + below(random, 4);
-        std::size_t const more = fewer + below(random, 4);
+        std::size_t const                      fewer = 1 + below(random, 4);
+        std::size_t const                      more = fewer + below(random, 4);
         std::vector<std::vector<std::int64_t>> costs(fewer, std::vector<std::int64_t>(more));
         for (auto& row : costs)
             for (auto& cost : row) cost = below(random, 5);

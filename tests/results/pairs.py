@@ -123,7 +123,7 @@ class Maker:
         rng, world = self.rng, self.old
         files = max(3, self.wanted // 25)
         for i in range(files):
-            directory = rng.choice(["src", "src/net", "src/core", "lib/very long name", "tests"])
+            directory = rng.choice(["src", "src/net", "src/core", "lib/größe", "tests"])
             world.files[self.number()] = [f"{directory}/file{i}.c", []]
         while len(world.findings) < self.wanted:
             self.add_function(world, rng.choice(list(world.files)))

@@ -195,7 +195,7 @@ DiffOutput::Counts DiffOutput::counts() {
 
 std::uint64_t DiffOutput::count(std::vector<std::string> const& states) {
     std::uint64_t found = 0;
-    auto rows = selection("state, count(*)", " AND NOT suppressed GROUP BY state", false);
+    auto          rows = selection("state, count(*)", " AND NOT suppressed GROUP BY state", false);
     while (rows.step())
         if (std::ranges::count(states, rows.text(0)) > 0)
             found += static_cast<std::uint64_t>(rows.integer(1));
@@ -214,9 +214,10 @@ std::string DiffOutput::summary() {
 void DiffOutput::print_text() {
     auto& out = streams_.out;
     out << summary() << '\n';
-    Statement records(store_.connection().get(),
-                      "SELECT name, new - both, old - both FROM records WHERE new > both OR old > both"
-                      " ORDER BY rowid");
+    Statement records(
+        store_.connection().get(),
+        "SELECT name, new - both, old - both FROM records WHERE new > both OR old > both"
+        " ORDER BY rowid");
     std::string of_records;
     while (records.step())
         of_records += (of_records.empty() ? "" : ", ") + std::string(records.text(0)) + ": " +
@@ -302,7 +303,8 @@ void DiffOutput::print_markdown() {
     auto                  rows = findings();
     while (rows.step()) {
         std::string row;
-        if (!has_table) row = "\n| state | place | level | finding | rule |\n|---|---|---|---|---|\n";
+        if (!has_table)
+            row = "\n| state | place | level | finding | rule |\n|---|---|---|---|---|\n";
         row += "| " + std::string(rows.text(state)) + " | " + markdown_text(place_of(rows, uri)) +
                " | " + markdown_text(text_of(rows, level)) + " | " +
                markdown_text(text_of(rows, message));
@@ -328,12 +330,11 @@ void DiffOutput::explain(std::vector<std::string> const& keys) {
 }
 
 void DiffOutput::explain(std::string const& key) {
-    constexpr std::array compared = {"tool", "rule", "level", "kind", "message", "category",
-                                     "payload", "class", "suppressed", "uri", "line", "function",
-                                     "result_set"};
+    constexpr std::array compared = {"tool",     "rule",     "level",     "kind",       "message",
+                                     "category", "payload",  "class",     "suppressed", "uri",
+                                     "line",     "function", "result_set"};
     std::string          columns;
-    for (char const* const name : compared)
-        columns += std::string(", o.") + name + ", n." + name;
+    for (char const* const name : compared) columns += std::string(", o.") + name + ", n." + name;
     Statement rows(store_.connection().get(),
                    "SELECT p.state, p.stage, o.\"key\", n.\"key\", p.pair" + columns +
                        " FROM pairs AS p LEFT JOIN findings AS o ON o.id = p.old"
@@ -348,13 +349,14 @@ void DiffOutput::explain(std::string const& key) {
         is_found = true;
         auto const stage_of = [&] {
             for (int i = 0;; ++i) {
-                auto const one = static_cast<sml::results::Stage>(i);
+                auto const        one = static_cast<sml::results::Stage>(i);
                 auto const* const name = name_of(one);
                 if (i == 0 ? is_null(rows, 1) : name == text_of(rows, 1)) return one;
             }
         };
         out << (is_null(rows, 2) ? "(none)" : printable(rows.text(2))) << " -> "
-            << (is_null(rows, 3) ? "(none)" : printable(rows.text(3))) << ": " << rows.text(0) << '\n';
+            << (is_null(rows, 3) ? "(none)" : printable(rows.text(3))) << ": " << rows.text(0)
+            << '\n';
         out << "  stage " << (is_null(rows, 1) ? "none" : rows.text(1)) << ": "
             << meaning_of(stage_of()) << '\n';
         for (std::size_t i = 0; i < compared.size(); ++i) {

@@ -40,17 +40,17 @@ public:
 private:
     using Counts = std::map<std::string, std::int64_t>;
 
-    Counts                  counts();
-    std::string             condition(bool by_state) const;
-    sml::tables::Statement  selection(std::string const& columns, std::string const& rest,
-                                      bool by_state);
-    sml::tables::Statement  findings();
-    std::string             summary();
-    void                    print_text();
-    void                    print_json();
-    void                    print_lines();
-    void                    print_markdown();
-    void                    explain(std::string const& key);
+    Counts                 counts();
+    std::string            condition(bool by_state) const;
+    sml::tables::Statement selection(std::string const& columns, std::string const& rest,
+                                     bool by_state);
+    sml::tables::Statement findings();
+    std::string            summary();
+    void                   print_text();
+    void                   print_json();
+    void                   print_lines();
+    void                   print_markdown();
+    void                   explain(std::string const& key);
 
     sml::results::DiffStore& store_;
     DiffFilter const&        filter_;

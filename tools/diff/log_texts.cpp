@@ -103,7 +103,7 @@ private:
 
 sml::results::FlaggedByForm flagged_in_log(std::string_view text, std::string const& name) {
     sml::results::FlaggedByForm all;
-    bool const has_text = text.find("\"snippet\"") != std::string_view::npos ||
+    bool const                  has_text = text.find("\"snippet\"") != std::string_view::npos ||
                           text.find("\"contents\"") != std::string_view::npos;
     if (!has_text) return all;
     Document const document(text, name);

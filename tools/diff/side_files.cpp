@@ -85,7 +85,8 @@ SideFiles::SideFiles(std::vector<std::string> const& names, QueryOptions const& 
 void SideFiles::import(std::string const& name, Streams& streams) {
     // Standard input can be read only once.
     if (name != "-")
-        flagged_.back() = flagged_in_log(InputBytes(name, options_.max_size, streams.in).view(), name);
+        flagged_.back() =
+            flagged_in_log(InputBytes(name, options_.max_size, streams.in).view(), name);
     import_log(name, options_.files.back(), options_.max_size, options_.verify, streams);
 }
 

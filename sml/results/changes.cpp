@@ -94,7 +94,11 @@ void Comparison::add_payload(std::string const& older, std::string const& newer,
     std::map<std::string, std::pair<std::optional<std::string>, std::optional<std::string>>> values;
     auto const read = [&](std::string const& json, auto part) {
         values_.bind(1, std::string_view(json));
-        while (values_.step()) values[std::string(values_.text(0))].*part = text_of(values_, 1);
+        while (values_.step()) {
+            std::string path(values_.text(0));
+            std::erase(path, '"');  // around names
+            values[path].*part = text_of(values_, 1);
+        }
         values_.reset();
     };
     using Both = std::pair<std::optional<std::string>, std::optional<std::string>>;

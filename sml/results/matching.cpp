@@ -28,11 +28,11 @@ Hash with_content(Finding const& one) {
 // What is equal in pairs of a stage. None where something that the stage needs is not known.
 
 Hash by_surroundings_in_function(Finding const& one) {
-    if (one.text.is_none()) return {};
+    if (one.text.is_none() || one.surroundings.is_none()) return {};
     return hash_of({place_of(one), one.message, one.function, one.text, one.surroundings});
 }
 Hash by_surroundings(Finding const& one) {
-    if (one.text.is_none()) return {};
+    if (one.text.is_none() || one.surroundings.is_none()) return {};
     return hash_of({place_of(one), one.message, one.text, one.surroundings});
 }
 Hash by_text(Finding const& one) {
@@ -63,7 +63,7 @@ Hash by_moved_text(Finding const& one) {
     return hash_of({rule_of(one), one.function, one.text});
 }
 Hash by_moved_surroundings(Finding const& one) {
-    if (one.text.is_none()) return {};
+    if (one.text.is_none() || one.surroundings.is_none()) return {};
     return hash_of({rule_of(one), one.message, one.text, one.surroundings});
 }
 

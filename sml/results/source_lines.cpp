@@ -21,18 +21,8 @@ bool is_blank(std::string_view line) {
 }  // namespace
 
 std::string without_blanks(std::string_view text) {
-    std::string clean;
-    clean.reserve(text.size());
-    bool is_behind_blank = false;
-    for (char const c : text) {
-        if (blanks.find(c) != std::string_view::npos) {
-            is_behind_blank = true;
-            continue;
-        }
-        if (is_behind_blank && !clean.empty()) clean += ' ';
-        is_behind_blank = false;
-        clean += c;
-    }
+    std::string clean(text);
+    std::erase_if(clean, [](char c) { return blanks.find(c) != std::string_view::npos; });
     return clean;
 }
 

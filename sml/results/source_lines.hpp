@@ -33,7 +33,7 @@ private:
     std::vector<std::string_view> lines_;
 };
 
-/// The text with each run of blanks as one, without those at its ends.
+/// The text without any blanks, as they are when it is formatted anew.
 std::string without_blanks(std::string_view text);
 
 /// The text of a source below a directory: the file with the longest end of this path. None if

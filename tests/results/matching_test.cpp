@@ -245,7 +245,9 @@ TEST(Alignment, IsTheCheapestWithoutCrossing) {
         std::int64_t sum = 0;
         for (std::size_t i = 0; i < fewer; ++i) {
             EXPECT_EQ(pairs[i].first, i);
-            if (i > 0) EXPECT_GT(pairs[i].second, pairs[i - 1].second);
+            if (i > 0) {
+                EXPECT_GT(pairs[i].second, pairs[i - 1].second);
+            }
             sum += costs[i][pairs[i].second];
         }
         if (fewer == more) continue;
@@ -255,7 +257,10 @@ TEST(Alignment, IsTheCheapestWithoutCrossing) {
             std::int64_t one = 0;
             std::size_t  row = 0;
             for (std::size_t k = 0; k < more && row <= fewer; ++k)
-                if (chosen >> k & 1) one += row < fewer ? costs[row][k] : 0, ++row;
+                if ((chosen >> k & 1) != 0) {
+                    one += row < fewer ? costs[row][k] : 0;
+                    ++row;
+                }
             if (row == fewer) least = std::min(least, one);
         }
         EXPECT_EQ(sum, least);

@@ -1,6 +1,7 @@
 #include <sml/results/line_map.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace sml::results {
 
@@ -19,29 +20,29 @@ LineMap::LineMap(std::span<Finding const> olds, std::span<Finding const> news) {
     }
 }
 
-// Adds the shifts of the nearest anchors before and behind the line, or of one on it.
+// Adds the shifts of the nearest lines with anchors before and behind the line, or of the line
+// itself. Those of one line are sorted by their shifts.
 void LineMap::add(std::vector<Anchor> const& anchors, Finding const& finding, Shift& shift) {
-    auto const widen = [&](Anchor const& anchor) {
-        std::int64_t const by = anchor.shift;
-        bool const         is_first = shift.anchors++ == 0;
-        shift.least = is_first ? by : std::min(shift.least, by);
-        shift.most = is_first ? by : std::max(shift.most, by);
+    auto const widen = [&](Anchor const& first, Anchor const& last) {
+        bool const is_first = shift.anchors++ == 0;
+        shift.least = is_first ? first.shift : std::min<std::int64_t>(shift.least, first.shift);
+        shift.most = is_first ? last.shift : std::max<std::int64_t>(shift.most, last.shift);
     };
+    auto const place = [](Anchor const& anchor) { return std::pair(anchor.file, anchor.line); };
     auto const is_of_file = [&](auto anchor) {
         return anchor != anchors.end() && anchor->file == finding.file;
     };
-    auto const behind = std::lower_bound(
-        anchors.begin(), anchors.end(), finding, [](Anchor const& anchor, Finding const& one) {
-            return std::tie(anchor.file, anchor.line) < std::tie(one.file, one.line);
-        });
+    auto const behind =
+        std::ranges::lower_bound(anchors, std::pair(finding.file, finding.line), {}, place);
     if (is_of_file(behind)) {
-        widen(*behind);
+        widen(*behind, std::ranges::upper_bound(anchors, place(*behind), {}, place)[-1]);
         if (behind->line == finding.line) {
             ++shift.anchors;  // it stands for both sides
             return;
         }
     }
-    if (behind != anchors.begin() && is_of_file(behind - 1)) widen(*(behind - 1));
+    if (behind != anchors.begin() && is_of_file(behind - 1))
+        widen(*std::ranges::lower_bound(anchors, place(behind[-1]), {}, place), behind[-1]);
 }
 
 LineMap::Shift LineMap::shift(Finding const& older, Finding const& newer) const {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <tuple>
 #include <unordered_map>
 
 namespace sml::results {
@@ -228,17 +229,31 @@ private:
             for (std::size_t i = 0, k = 0; i < group.olds.size() && k < group.news.size();) {
                 Finding const& older = old_at(group.olds[i]);
                 Finding const& newer = new_at(group.news[k]);
-                auto const     moved = std::int64_t{newer.line} - older.line;
-                auto const     shift = lines.shift(older, newer);
-                bool const     is_in_place = lines.distance(older, newer) == 0;
-                if (is_in_place && may(older, newer, shift))
-                    pair(group.olds[i++], group.news[k++], stage);
-                else if (is_in_place ? older.content < newer.content : moved > shift.most)
-                    ++i;
-                else
-                    ++k;
+                auto const     order = place_order(older, newer, lines);
+                if (order == 0 && may(older, newer, lines.shift(older, newer)))
+                    pair(group.olds[i], group.news[k], stage);
+                bool const old_is_first = order < 0 || (order == 0 && has_less_code(older, newer));
+                bool const new_is_first = order > 0 || (order == 0 && has_less_code(newer, older));
+                if (!new_is_first || older.has_partner()) ++i;
+                if (!old_is_first || newer.has_partner()) ++k;
             }
         });
+    }
+
+    // 0 if both are at one place, -1 if the old one is before the new one, 1 if it is behind.
+    static int place_order(Finding const& older, Finding const& newer, LineMap const& lines) {
+        if (lines.distance(older, newer) == 0) return 0;
+        if (older.line <= 0 || newer.line <= 0) return older.line <= 0 ? -1 : 1;
+        auto const moved = std::int64_t{newer.line} - older.line;
+        return moved > lines.shift(older, newer).most ? -1 : 1;
+    }
+
+    // An order that does not depend on the side.
+    static bool has_less_code(Finding const& one, Finding const& other) {
+        auto const code = [](Finding const& of) {
+            return std::tie(of.text, of.function, of.message, of.column, of.content);
+        };
+        return code(one) < code(other);
     }
 
     using Shift = LineMap::Shift;

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Compares pairs of logs whose truth is known, with every kind of edit.
 
-    pairs_test.py BRADEP [FINDINGS [PAIRS]]
+    pairs_test.py BRADEP [FINDINGS [PAIRS [KINDS]]]
 
-Each pair has about FINDINGS findings. BRADEP_SEED chooses the pairs; the seed is printed.
+Each pair has about FINDINGS findings; there are PAIRS pairs of each of KINDS kinds of logs, by default of all.
+BRADEP_SEED chooses them; the seed is printed.
 """
 
 import json
@@ -26,7 +27,7 @@ CONFIGS = [Config(text=text, functions=functions, fingerprints=fingerprints, sha
 
 
 class Pairs(unittest.TestCase):
-    bradep, findings, pairs = None, 300, 2
+    bradep, findings, pairs, kinds = None, 300, 2, len(CONFIGS)
 
     def setUp(self):
         self.seed = int(os.environ.get("BRADEP_SEED", random.SystemRandom().getrandbits(32)))
@@ -49,7 +50,8 @@ class Pairs(unittest.TestCase):
 
     def test_diff_tells_the_truth(self):
         found = 0
-        for number, config in enumerate(CONFIGS * self.pairs):
+        configs = random.Random(self.seed).sample(CONFIGS, self.kinds)
+        for number, config in enumerate(configs * self.pairs):
             seed = self.seed + number
             config.roots = ROOTS[seed % len(ROOTS)]
             with self.subTest(seed=seed, config=str(config)):
@@ -66,6 +68,6 @@ class Pairs(unittest.TestCase):
 
 if __name__ == "__main__":
     Pairs.bradep, *numbers = sys.argv[1:]
-    for name, number in zip(["findings", "pairs"], numbers):
+    for name, number in zip(["findings", "pairs", "kinds"], numbers):
         setattr(Pairs, name, int(number))
     unittest.main(argv=sys.argv[:1])

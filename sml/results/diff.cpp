@@ -58,13 +58,21 @@ private:
         if (input.sources) read_sources(*input.sources, side);
     }
 
+    enum class Texts { none, of_regions, of_lines };
+
+    // Regions of a line and whole lines can't be compared.
+    static Texts texts_of(SideData const& side) {
+        auto texts = Texts::none;
+        for (Finding const& one : side.findings) {
+            if (!one.surroundings.is_none()) return Texts::of_lines;
+            if (!one.text.is_none()) texts = Texts::of_regions;
+        }
+        return texts;
+    }
+
     // Texts that only one side has would make all findings differ.
     void forget_texts_of_one_side() {
-        auto const has_text = [](SideData const& side) {
-            return std::ranges::any_of(side.findings,
-                                       [](Finding const& one) { return !one.text.is_none(); });
-        };
-        if (has_text(olds_) && has_text(news_)) return;
+        if (texts_of(olds_) == texts_of(news_)) return;
         for (OpenSide* const side : {&olds_, &news_})
             for (Finding& one : side->findings) one.text = one.surroundings = {};
     }

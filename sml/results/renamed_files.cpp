@@ -77,7 +77,7 @@ private:
 
     // A finding that is in very many files says nothing.
     void add_group(Group const& group) {
-        constexpr std::size_t most_files = 16;
+        constexpr std::size_t most_files = 64;
         auto const            olds = files_of(olds_, group.olds);
         auto const            news = files_of(news_, group.news);
         if (olds.size() > most_files || news.size() > most_files) return;
@@ -108,12 +108,18 @@ private:
         return likeness.kinds >= least_kinds && 2 * likeness.findings >= fewest;
     }
 
+    // Of a million findings of the larger file, how many are in both.
+    std::size_t share(RenamedFile pair, Likeness const& likeness) const {
+        constexpr std::size_t whole = 1'000'000;
+        return likeness.findings * whole / std::max(in_old_[pair.first], in_new_[pair.second]);
+    }
+
     // The likeliest pairs first. A file is in one pair at most.
     std::vector<RenamedFile> chosen() const {
         std::vector<std::tuple<std::size_t, bool, RenamedFile>> likely;
         for (auto const& [pair, likeness] : likenesses_)
             if (is_likely(pair, likeness))
-                likely.emplace_back(~likeness.findings, !have_one_name(pair), pair);
+                likely.emplace_back(~share(pair, likeness), !have_one_name(pair), pair);
         std::ranges::sort(likely);
         std::vector<bool>        is_taken(files_.size());
         std::vector<RenamedFile> chosen;

@@ -34,6 +34,12 @@ constexpr std::array<Described, 8> all = {{
 
 char const* name_of(Stage stage) { return all[static_cast<std::size_t>(stage)].name; }
 
+Stage stage_named(std::string_view name) {
+    for (std::size_t i = 1; i < all.size(); ++i)
+        if (name == all[i].name) return static_cast<Stage>(i);
+    return Stage::none;
+}
+
 std::string_view meaning_of(Stage stage) { return all[static_cast<std::size_t>(stage)].meaning; }
 
 }  // namespace sml::results

@@ -208,6 +208,22 @@ TEST_F(Diff, SourcesTellFindingsApart) {
     EXPECT_EQ(text.substr(0, text.find('\n')), "1 new, 0 updated, 1 absent, 1 unchanged");
 }
 
+TEST_F(Diff, TextsOfLinesAndOfRegionsAreNotCompared) {
+    auto const with = [](std::string const& region, std::string const& more) {
+        return R"({"ruleId": "r", "message": {"text": "m"}, "locations": [{"physicalLocation": {)"
+               R"("artifactLocation": {"uri": "a.c"}, "region": {"startLine": 3)" +
+               region + "}" + more + "}}]}";
+    };
+    auto const of_region = log("region", with(R"(, "snippet": {"text": "read"})", ""));
+    auto const of_line =
+        log("line",
+            with("", R"(, "contextRegion": {"startLine": 3, "snippet": {"text": "read(f);"}})"));
+    EXPECT_EQ(counts(of_region, of_line), "0 new, 0 updated, 0 absent, 1 unchanged");
+    EXPECT_EQ(counts(of_line, log("other", with("", R"(, "contextRegion": {"startLine": 3,)"
+                                                    R"( "snippet": {"text": "write(f);"}})"))),
+              "1 new, 0 updated, 1 absent, 0 unchanged");
+}
+
 TEST_F(Diff, FlowIsComparedStepByStep) {
     auto const with_flow = [](std::vector<std::string> const& steps) {
         std::string all;

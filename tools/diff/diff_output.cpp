@@ -144,6 +144,56 @@ void add_finding(JsonWriter& json, Statement const& row, Changes& changes) {
     json.close('}');
 }
 
+// "level: "note" -> "error""
+std::string change_text(Statement const& change) {
+    return printable(change.text(0)) + ": " + shown(change, 1) + " -> " + shown(change, 2);
+}
+
+/// What `--explain` prints of both findings.
+constexpr std::array compared = {"tool",     "rule",     "level",     "kind",       "message",
+                                 "category", "payload",  "class",     "suppressed", "uri",
+                                 "line",     "function", "result_set"};
+
+// The old value and, if it is another one, the new value, which follows it in the row.
+void put_compared(std::ostream& out, char const* name, Statement const& row, int of_old) {
+    if (is_null(row, of_old) && is_null(row, of_old + 1)) return;
+    out << "  " << name << ": " << shown(row, of_old);
+    if (text_of(row, of_old) != text_of(row, of_old + 1)) out << " -> " << shown(row, of_old + 1);
+    out << '\n';
+}
+
+// Prints what is counted of other records, if any differ.
+void put_records(std::ostream& out, Statement& records) {
+    std::string line;
+    while (records.step())
+        line += (line.empty() ? "" : ", ") + std::string(records.text(0)) + ": " +
+                std::to_string(records.integer(1)) + " new, " + std::to_string(records.integer(2)) +
+                " absent";
+    if (!line.empty()) out << line << '\n';
+}
+
+// As compilers print theirs.
+std::string line_of(Statement const& row) {
+    std::string text = printable(place_of(row, uri)) + ':';
+    if (!is_null(row, level)) text += ' ' + printable(row.text(level)) + ':';
+    if (!is_null(row, message)) text += ' ' + printable(row.text(message));
+    if (!is_null(row, rule)) text += " [" + printable(row.text(rule)) + ']';
+    if (row.integer(suppressed) != 0) text += " (suppressed)";
+    return text;
+}
+
+std::string markdown_row(Statement const& row, Changes& changes) {
+    std::string text =
+        "| " + std::string(row.text(state)) + " | " + markdown_text(place_of(row, uri)) + " | " +
+        markdown_text(text_of(row, level)) + " | " + markdown_text(text_of(row, message));
+    changes.for_each(row.integer(pair), [&](Statement const& change) {
+        text += "<br>" + markdown_text(change.text(0)) + ": " + markdown_text(shown(change, 1)) +
+                " → " + markdown_text(shown(change, 2));
+    });
+    return text + (row.integer(suppressed) != 0 ? " (suppressed) | " : " | ") +
+           markdown_text(text_of(row, rule)) + " |\n";
+}
+
 }  // namespace
 
 std::vector<std::string> const& diff_states() {
@@ -214,45 +264,26 @@ std::string DiffOutput::summary() {
 void DiffOutput::print_text() {
     auto& out = streams_.out;
     out << summary() << '\n';
-    Statement records(
-        store_.connection().get(),
-        "SELECT name, new - both, old - both FROM records WHERE new > both OR old > both"
-        " ORDER BY rowid");
-    std::string of_records;
-    while (records.step())
-        of_records += (of_records.empty() ? "" : ", ") + std::string(records.text(0)) + ": " +
-                      std::to_string(records.integer(1)) + " new, " +
-                      std::to_string(records.integer(2)) + " absent";
-    if (!of_records.empty()) out << of_records << '\n';
+    Statement records(store_.connection().get(),
+                      "SELECT name, new - both, old - both FROM records"
+                      " WHERE new > both OR old > both ORDER BY rowid");
+    put_records(out, records);
     Changes     changes(store_);
     std::string last_state;
     auto        rows = findings();
     while (rows.step()) {
-        if (rows.text(state) != last_state) out << '\n' << (last_state = rows.text(state)) << ":\n";
-        std::string text = printable(place_of(rows, uri)) + ':';
-        if (!is_null(rows, level)) text += ' ' + printable(rows.text(level)) + ':';
-        if (!is_null(rows, message)) text += ' ' + printable(rows.text(message));
-        if (!is_null(rows, rule)) text += " [" + printable(rows.text(rule)) + ']';
-        if (rows.integer(suppressed) != 0) text += " (suppressed)";
-        out << text << '\n';
+        if (rows.text(state) != last_state) {
+            last_state = rows.text(state);
+            out << '\n' << last_state << ":\n";
+        }
+        out << line_of(rows) << '\n';
         changes.for_each(rows.integer(pair), [&](Statement const& change) {
-            out << "    " << printable(change.text(0)) << ": " << shown(change, 1) << " -> "
-                << shown(change, 2) << '\n';
+            out << "    " << change_text(change) << '\n';
         });
     }
 }
 
-void DiffOutput::print_json() {
-    JsonWriter json(streams_.out, false, sml::inspect::StrayByte::replaced);
-    json.open('{');
-    json.member("counts");
-    json.open('{');
-    auto const of = counts();
-    for (std::string const& one : diff_states()) {
-        json.member(one);
-        sml::inspect::append_json_integer(json.text, of.at(one));
-    }
-    json.close('}');
+void DiffOutput::add_records(JsonWriter& json) {
     json.member("records");
     json.open('{');
     Statement records(store_.connection().get(),
@@ -266,6 +297,20 @@ void DiffOutput::print_json() {
         json.close('}');
     }
     json.close('}');
+}
+
+void DiffOutput::print_json() {
+    JsonWriter json(streams_.out, false, sml::inspect::StrayByte::replaced);
+    json.open('{');
+    json.member("counts");
+    json.open('{');
+    auto const of = counts();
+    for (std::string const& one : diff_states()) {
+        json.member(one);
+        sml::inspect::append_json_integer(json.text, of.at(one));
+    }
+    json.close('}');
+    add_records(json);
     json.member("findings");
     json.open('[');
     Changes changes(store_);
@@ -294,34 +339,25 @@ void DiffOutput::print_lines() {
 
 // Hosts of code take comments of up to 65,536 characters.
 void DiffOutput::print_markdown() {
-    constexpr std::size_t most_bytes = 60000;
-    auto&                 out = streams_.out;
-    std::string           text = "### " + summary() + '\n';
-    Changes               changes(store_);
-    std::uint64_t         left = 0;
-    bool                  has_table = false;
-    auto                  rows = findings();
+    constexpr std::size_t      most_bytes = 60000;
+    constexpr std::string_view head =
+        "\n| state | place | level | finding | rule |\n|---|---|---|---|---|\n";
+    auto&         out = streams_.out;
+    std::size_t   size = 0;
+    std::uint64_t left = 0;
+    Changes       changes(store_);
+    auto          rows = findings();
+    out << "### " << summary() << '\n';
     while (rows.step()) {
-        std::string row;
-        if (!has_table)
-            row = "\n| state | place | level | finding | rule |\n|---|---|---|---|---|\n";
-        row += "| " + std::string(rows.text(state)) + " | " + markdown_text(place_of(rows, uri)) +
-               " | " + markdown_text(text_of(rows, level)) + " | " +
-               markdown_text(text_of(rows, message));
-        changes.for_each(rows.integer(pair), [&](Statement const& change) {
-            row += "<br>" + markdown_text(change.text(0)) + ": " + markdown_text(shown(change, 1)) +
-                   " → " + markdown_text(shown(change, 2));
-        });
-        row += (rows.integer(suppressed) != 0 ? " (suppressed) | " : " | ") +
-               markdown_text(text_of(rows, rule)) + " |\n";
-        if (text.size() + row.size() > most_bytes) {
+        std::string const row = markdown_row(rows, changes);
+        if (size + row.size() > most_bytes) {
             ++left;
             continue;
         }
-        text += row;
-        has_table = true;
+        if (size == 0) out << head;
+        out << row;
+        size += row.size();
     }
-    out << text;
     if (left > 0) out << "\n" << left << " more are not listed.\n";
 }
 
@@ -330,10 +366,8 @@ void DiffOutput::explain(std::vector<std::string> const& keys) {
 }
 
 void DiffOutput::explain(std::string const& key) {
-    constexpr std::array compared = {"tool",     "rule",     "level",     "kind",       "message",
-                                     "category", "payload",  "class",     "suppressed", "uri",
-                                     "line",     "function", "result_set"};
-    std::string          columns;
+    enum : int { of_state, of_stage, of_old, of_new, of_pair, first_compared };
+    std::string columns;
     for (char const* const name : compared) columns += std::string(", o.") + name + ", n." + name;
     Statement rows(store_.connection().get(),
                    "SELECT p.state, p.stage, o.\"key\", n.\"key\", p.pair" + columns +
@@ -345,31 +379,18 @@ void DiffOutput::explain(std::string const& key) {
     Changes changes(store_);
     auto&   out = streams_.out;
     bool    is_found = false;
+    auto    either = [&](int column) {
+        return is_null(rows, column) ? "(none)" : printable(rows.text(column));
+    };
     while (rows.step()) {
         is_found = true;
-        auto const stage_of = [&] {
-            for (int i = 0;; ++i) {
-                auto const        one = static_cast<sml::results::Stage>(i);
-                auto const* const name = name_of(one);
-                if (i == 0 ? is_null(rows, 1) : name == text_of(rows, 1)) return one;
-            }
-        };
-        out << (is_null(rows, 2) ? "(none)" : printable(rows.text(2))) << " -> "
-            << (is_null(rows, 3) ? "(none)" : printable(rows.text(3))) << ": " << rows.text(0)
-            << '\n';
-        out << "  stage " << (is_null(rows, 1) ? "none" : rows.text(1)) << ": "
-            << meaning_of(stage_of()) << '\n';
-        for (std::size_t i = 0; i < compared.size(); ++i) {
-            int const of_old = 5 + 2 * static_cast<int>(i);
-            if (is_null(rows, of_old) && is_null(rows, of_old + 1)) continue;
-            bool const is_equal = text_of(rows, of_old) == text_of(rows, of_old + 1);
-            out << "  " << compared[i] << ": " << shown(rows, of_old);
-            if (!is_equal) out << " -> " << shown(rows, of_old + 1);
-            out << '\n';
-        }
-        changes.for_each(rows.integer(4), [&](Statement const& change) {
-            out << "  differs: " << printable(change.text(0)) << ": " << shown(change, 1) << " -> "
-                << shown(change, 2) << '\n';
+        out << either(of_old) << " -> " << either(of_new) << ": " << rows.text(of_state) << '\n';
+        out << "  stage " << (is_null(rows, of_stage) ? "none" : rows.text(of_stage)) << ": "
+            << sml::results::meaning_of(sml::results::stage_named(text_of(rows, of_stage))) << '\n';
+        for (std::size_t i = 0; i < compared.size(); ++i)
+            put_compared(out, compared[i], rows, first_compared + 2 * static_cast<int>(i));
+        changes.for_each(rows.integer(of_pair), [&](Statement const& change) {
+            out << "  differs: " << change_text(change) << '\n';
         });
     }
     if (!is_found) throw DamagedInput("no finding has the key " + key);

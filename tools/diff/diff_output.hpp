@@ -1,6 +1,7 @@
 #pragma once
 // Prints a diff.
 
+#include <sml/inspect/text/json_writer.hpp>
 #include <sml/results/diff_store.hpp>
 #include "command.hpp"
 
@@ -47,6 +48,7 @@ private:
     sml::tables::Statement findings();
     std::string            summary();
     void                   print_text();
+    void                   add_records(sml::inspect::JsonWriter& json);
     void                   print_json();
     void                   print_lines();
     void                   print_markdown();

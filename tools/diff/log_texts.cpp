@@ -35,7 +35,10 @@ std::optional<std::int64_t> number_at(json::value const*                 value,
                                       std::initializer_list<char const*> path) {
     auto const* const found = at(value, path);
     if (found == nullptr || !found->is_number()) return std::nullopt;
-    return found->to_number<std::int64_t>();
+    // What the importer would refuse is none here: it says so itself.
+    json::error_code error;
+    auto const       number = found->to_number<std::int64_t>(error);
+    return error ? std::nullopt : std::optional(number);
 }
 
 json::array const* list_at(json::value const* value, char const* name) {

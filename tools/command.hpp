@@ -31,6 +31,7 @@ struct Command {
 };
 
 Action declare_canon(CLI::App& app);
+Action declare_diff(CLI::App& app);
 Action declare_digest(CLI::App& app);
 Action declare_dump(CLI::App& app);
 Action declare_encode(CLI::App& app);

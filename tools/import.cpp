@@ -1,3 +1,5 @@
+#include "import.hpp"
+
 #include <sml/bindings/bindings.hpp>
 #include "command.hpp"
 #include "errors.hpp"
@@ -110,6 +112,16 @@ void import_logs(Options const& options, Streams& streams) {
 }
 
 }  // namespace
+
+void import_log(std::string const& log, std::string const& target, std::uint64_t max_size,
+                VerifyOptions const& verify, Streams& streams) {
+    Options options;
+    options.inputs = {log};
+    options.output.target = target;
+    options.max_size = max_size;
+    options.verify = verify;
+    import_logs(options, streams);
+}
 
 Action declare_import(CLI::App& app) {
     auto options = std::make_shared<Options>();

@@ -73,7 +73,8 @@ CLI::Option* declare_query_files(CLI::App& app, QueryOptions& options) {
 
 QueryFiles::QueryFiles(QueryOptions const& options, Streams& streams) : options_(options) {
     if (options.stem) sets_.emplace(root_of(*options.stem), options.verify.walk());
-    for (auto const& file : options.files) add(file, streams);
+    for (std::size_t i = 0; i < options.files.size(); ++i)
+        add(options.files[i], options.names.empty() ? options.files[i] : options.names[i], streams);
 }
 
 void QueryFiles::require_checks() const {
@@ -82,8 +83,8 @@ void QueryFiles::require_checks() const {
                        std::string(sets_->schema().root->stem) + ", which holds no checks");
 }
 
-void QueryFiles::add(std::string const& name, Streams& streams) {
-    auto const bytes = files_.emplace_back(name, options_.max_size).view();
+void QueryFiles::add(std::string const& file, std::string const& name, Streams& streams) {
+    auto const bytes = files_.emplace_back(file, options_.max_size).view();
     auto       contents =
         watch(streams.err, name + ", verifying", bytes.size(), options_.verify,
               [&](VerifyOptions const& watched) { return contents_of(name, bytes, watched); });

@@ -17,6 +17,7 @@ namespace bradep {
 
 struct QueryOptions {
     std::vector<std::string>    files;
+    std::vector<std::string>    names;  ///< of the files, if these are not what messages call them
     std::uint64_t               max_size = std::uint64_t{1} << 40;
     std::optional<std::string>  stem;  ///< empty: the first root that fits the first file
     sml::inspect::VerifyOptions verify;
@@ -41,7 +42,7 @@ public:
     void require_checks() const;
 
 private:
-    void                   add(std::string const& name, Streams& streams);
+    void                   add(std::string const& file, std::string const& name, Streams& streams);
     sml::inspect::Contents contents_of(std::string const& name, std::string_view bytes,
                                        sml::inspect::VerifyOptions const& options) const;
 

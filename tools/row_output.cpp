@@ -181,15 +181,8 @@ private:
 
     // On one line. In markdown, nothing becomes markup.
     std::string shown(std::string_view text) const {
-        std::string line = sml::inspect::printable(text);
-        if (options_.format != RowFormat::markdown) return line;
-        constexpr std::string_view special = "\\`*_{}[]<>()#+!|~&";
-        std::string                escaped;
-        for (char const c : line) {
-            if (special.find(c) != std::string_view::npos) escaped += '\\';
-            escaped += c;
-        }
-        return escaped;
+        if (options_.format == RowFormat::markdown) return markdown_text(text);
+        return sml::inspect::printable(text);
     }
 
     void widen(std::size_t column, std::string_view cell) {
@@ -305,6 +298,16 @@ void declare_row_options(CLI::App& app, RowOptions& options) {
         "Rows only, without the names of the columns");
     app.add_option("--null", options.null, "What is printed for null, except in JSON")
         ->type_name("TEXT");
+}
+
+std::string markdown_text(std::string_view text) {
+    constexpr std::string_view special = "\\`*_{}[]<>()#+!|~&";
+    std::string                escaped;
+    for (char const c : sml::inspect::printable(text)) {
+        if (special.find(c) != std::string_view::npos) escaped += '\\';
+        escaped += c;
+    }
+    return escaped;
 }
 
 std::unique_ptr<RowOutput> row_output(RowOptions const& options, std::ostream& out,

@@ -8,6 +8,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bradep {
@@ -40,6 +41,9 @@ public:
     /// Must be called after the last row, not after a failure.
     virtual void end() {}
 };
+
+/// The text on one line in which nothing is markup.
+std::string markdown_text(std::string_view text);
 
 /// `columns` is the width of the terminal that `out` goes to; 0 if it goes elsewhere. The options
 /// and `out` must outlive the returned object.

@@ -22,6 +22,7 @@ constexpr Command commands[] = {
     {"show", "Print what a result set holds", declare_show},
     {"list", "List findings, one a line", declare_list},
     {"stats", "Count findings by what they have in common, or tell sizes", declare_stats},
+    {"diff", "Tell what is new, updated and absent between result sets or logs", declare_diff},
     {"sql", "Ask result sets in SQL", declare_sql},
     {"export", "Write the tables of result sets to a database or to files", declare_export},
     {"tables", "Print the tables that result sets have in SQL", declare_tables},

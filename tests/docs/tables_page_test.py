@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs every example of the page on tables.
+"""Runs every example of a page, such as that on tables.
 
     tables_page_test.py BRADEP PAGE
 

@@ -1,0 +1,81 @@
+#include <sml/results/paths.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace sml::results;
+using Paths = std::vector<std::string>;
+
+TEST(Paths, HaveOneSpelling) {
+    EXPECT_EQ(path_of("file:///home/a/x.c"), "/home/a/x.c");
+    EXPECT_EQ(path_of("file:/home/a/x.c"), "/home/a/x.c");
+    EXPECT_EQ(path_of("file:///C:/Work/x.c"), "c:/Work/x.c");
+    EXPECT_EQ(path_of("C:\\Work\\x.c"), "c:/Work/x.c");
+    EXPECT_EQ(path_of("file:///c%3A/my%20work/x.c"), "c:/my work/x.c");
+    EXPECT_EQ(path_of("./src//a/../b.c"), "src/b.c");
+    EXPECT_EQ(path_of("../x.c"), "../x.c");
+    EXPECT_EQ(path_of("100%.c"), "100%.c");
+    EXPECT_EQ(path_of("https://host/a//b"), "https://host/a//b");
+    EXPECT_EQ(path_of(""), "");
+}
+
+Paths with_root(std::string const& root, Paths paths) {
+    for (std::string& path : paths) path.insert(0, root);
+    std::ranges::sort(paths);
+    return paths;
+}
+
+TEST(Paths, RootThatAllShareIsFound) {
+    Paths const names = {"src/a.c", "src/net/b.c", "lib/util.c", "test/util.c"};
+    for (auto const& [before, after] :
+         std::vector<std::pair<std::string, std::string>>{{"/home/a/", "/build/"},
+                                                          {"", "/build/"},
+                                                          {"c:/work/", "d:/x/y/"},
+                                                          {"p-1.0/", "p-1.1/"}}) {
+        auto const roots = moved_roots(with_root(before, names), with_root(after, names));
+        ASSERT_EQ(roots.size(), 1u) << before;
+        EXPECT_EQ(roots.front(), (MovedRoot{before, after}));
+    }
+}
+
+TEST(Paths, RootIsFoundAmongFilesThatStay) {
+    Paths const headers = with_root("/usr/include/", {"stdio.h", "stdlib.h", "string.h"});
+    Paths       olds = with_root("/home/a/", {"src/a.c", "src/b.c", "src/c.c", "src/gone.c"});
+    Paths       news = with_root("/build/", {"src/a.c", "src/b.c", "src/c.c", "src/new.c"});
+    olds.insert(olds.end(), headers.begin(), headers.end());
+    news.insert(news.end(), headers.begin(), headers.end());
+    Files const files(olds, news, {});
+    for (std::string const& path : headers) EXPECT_EQ(files.of_old(path), files.of_new(path));
+    EXPECT_EQ(files.of_old("/home/a/src/a.c"), files.of_new("/build/src/a.c"));
+    EXPECT_EQ(files.of_old("/home/a/src/gone.c"), files.of_new("/build/src/gone.c"));
+    EXPECT_NE(files.of_old("/home/a/src/gone.c"), files.of_new("/build/src/new.c"));
+}
+
+TEST(Paths, SingleFileInAnotherDirectoryIsNoMovedRoot) {
+    Paths const olds = {"src/a.c", "src/b.c", "src/x/index.js"};
+    Paths const news = {"src/a.c", "src/b.c", "src/y/index.js"};
+    EXPECT_TRUE(moved_roots(olds, news).empty());
+    EXPECT_EQ(moved_roots({"/a/x.c"}, {"/b/x.c"}), (std::vector<MovedRoot>{{"/a/", "/b/"}}));
+}
+
+TEST(Paths, SwappedSidesHaveSwappedRoots) {
+    Paths const olds = {"/a/src/main.c", "/a/src/util.c", "/b/main.c", "/c/main.c"};
+    Paths const news = {"/a/main.c", "/x/src/main.c", "/x/src/util.c", "/y/main.c"};
+    auto        roots = moved_roots(olds, news);
+    for (MovedRoot& root : roots) std::swap(root.before, root.after);
+    EXPECT_EQ(moved_roots(news, olds), roots);
+}
+
+TEST(Paths, GivenRootComesFirst) {
+    Files const files({"/a/x.c", "/a/y.c"}, {"/b/x.c", "/b/y.c", "/c/x.c"},
+                      {moved_root_of("/a", "file:///c")});
+    EXPECT_EQ(files.of_old("/a/x.c"), files.of_new("/c/x.c"));
+    EXPECT_NE(files.of_old("/a/x.c"), files.of_new("/b/x.c"));
+}
+
+}  // namespace

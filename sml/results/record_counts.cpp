@@ -26,6 +26,21 @@ bool is_of_place(Table const& table, Column const& column) {
     return name.ends_with("_position") || name.ends_with("__reference");
 }
 
+// Whether a column names a file. Of that, only the last part counts: the root can have moved. Of an
+// information record of an import, `second_string` is the file of its check.
+bool is_of_file(Table const& table, Column const& column) {
+    std::string_view const name = column.name;
+    return name == "key0" || name.ends_with("__file") ||
+           (table.name == "infos" && name == "second_string");
+}
+
+tables::Cell last_part(tables::Cell const& cell) {
+    auto const* const held = std::get_if<tables::Text>(&cell);
+    if (held == nullptr) return cell;
+    auto const slash = held->text.find_last_of("/\\");  // npos + 1 is 0
+    return tables::Text{held->text.substr(slash + 1), held->lasts};
+}
+
 void append(std::string& text, tables::Cell const& cell) {
     text += static_cast<char>('0' + cell.index());
     if (auto const* const number = std::get_if<std::int64_t>(&cell))
@@ -42,7 +57,11 @@ void append(std::string& text, tables::Cell const& cell) {
 // The hashes of all rows, sorted.
 std::vector<Hash> contents(ResultSets const& sets, Table const& table) {
     std::vector<bool> is_wanted;
-    for (Column const& column : table.columns) is_wanted.push_back(!is_of_place(table, column));
+    std::vector<bool> has_file;
+    for (Column const& column : table.columns) {
+        is_wanted.push_back(!is_of_place(table, column));
+        has_file.push_back(is_of_file(table, column));
+    }
     auto const        source = source_of(sets, table);
     std::vector<Hash> hashes;
     std::string       text;
@@ -51,7 +70,8 @@ std::vector<Hash> contents(ResultSets const& sets, Table const& table) {
         while (rows->next()) {
             text.clear();
             for (std::size_t i = 0; i < is_wanted.size(); ++i)
-                if (is_wanted[i]) append(text, rows->cell(i));
+                if (is_wanted[i])
+                    append(text, has_file[i] ? last_part(rows->cell(i)) : rows->cell(i));
             hashes.push_back(hash_of(text));
         }
     }

@@ -16,8 +16,7 @@ struct RecordCount {
     std::uint64_t both = 0;  ///< equal in all but place, number and position; each counted once
 };
 
-/// For infos, events, functions and blocks. Files are those of both sides as they are named: a
-/// moved root makes records differ.
+/// For infos, events, functions and blocks. Files are compared by their names without directories.
 std::vector<RecordCount> count_records(tables::ResultSets const& olds,
                                        tables::ResultSets const& news);
 

@@ -295,6 +295,20 @@ TEST_F(DiffOfKernel, CategoriesAreRules) {
               "1 new, 0 updated, 1 absent, 0 unchanged");
 }
 
+TEST_F(DiffOfKernel, OtherRecordsAreTheSameBelowAnotherRoot) {
+    ResultSet olds;
+    ResultSet news;
+    auto&     older = olds.application_results.events[{Strings_T("/home/a/x.c"), 1}];
+    auto&     newer = news.application_results.events[{Strings_T("C:\\b\\x.c"), 2}];
+    older.source_ref.localization = {3, Strings_T("/home/a/y.h"), 4};
+    newer.source_ref.localization = {5, Strings_T("C:\\b\\y.h"), 6};
+    EXPECT_EQ(printed({set("old", olds), set("new", news)}),
+              "0 new, 0 updated, 0 absent, 0 unchanged\n");
+    newer.source_ref.localization.file = Strings_T("C:\\b\\z.h");
+    EXPECT_EQ(printed({set("old", olds), set("new", news)}),
+              "0 new, 0 updated, 0 absent, 0 unchanged\nevents: 1 new, 1 absent\n");
+}
+
 TEST_F(DiffOfKernel, OtherRecordsAreCounted) {
     ResultSet olds;
     ResultSet news;

@@ -38,6 +38,19 @@ void write(JsonWriter& json, std::int32_t number) {
 
 void write(JsonWriter& json, Text const& text) { json.string(text.str()); }
 
+void write(JsonWriter& json, sarif::KeptJson const& value) { json.text += value.text.str(); }
+
+void write(JsonWriter& json, sarif::More const& more) {
+    json.open('{');
+    for (auto const& [pointer, value] : more.texts) {
+        json.next();
+        write(json, pointer);
+        json.text += ':';
+        write(json, value);
+    }
+    json.close('}');
+}
+
 // Results share their texts, so a line can be far longer than the whole set. It is written in
 // pieces and never held in memory as a whole.
 template <class T>
@@ -65,6 +78,11 @@ void add_member(JsonWriter& json, char const* name, T const& value) {
 template <class T>
 void add_member(JsonWriter& json, char const* name, std::optional<T> const& value) {
     if (value) add_member(json, name, *value);
+}
+void add_member(JsonWriter& json, char const* name, sarif::More const& more) {
+    if (more.texts.empty()) return;
+    json.member(name);
+    write(json, more);
 }
 template <class T>
 void add_member(JsonWriter& json, char const* name, std::vector<T> const& elements) {

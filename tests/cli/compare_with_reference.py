@@ -17,7 +17,7 @@ import sarif_reference
 
 ORDER = [
     *("key", "run", "tool", "rule", "level", "kind", "baselineState", "suppressions"),
-    *("message", "locations", "related", "flows", "fingerprints"),
+    *("message", "locations", "related", "flows", "more", "fingerprints"),
 ]
 
 

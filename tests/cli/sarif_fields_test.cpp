@@ -28,11 +28,11 @@ Result result_with(std::string const& lists) {
     auto const log =
         R"j({"version": "2.1.0", "runs": [{}, {}, {"tool": {"driver": {"name": "Tool", "version": "7"}},
         "results": [{"ruleId": "R", "level": "note", "kind": "open", "message": {"text": "m"},
-        "baselineState": "new", "fingerprints": {"f": "complete"}, "locations": [{
+        "baselineState": "new", "rank": 37.5, "fingerprints": {"f": "complete"}, "locations": [{
         "logicalLocations": [{"name": "logic"}], "physicalLocation": {
         "artifactLocation": {"uri": "a.c", "uriBaseId": "SRC"},
         "region": {"startLine": 11, "startColumn": 12, "endLine": 13, "endColumn": 14}}}],
-        "codeFlows": [{"threadFlows": [{"locations": [{"location": {"message": {"text": "step"},
+        "codeFlows": [{"threadFlows": [{"locations": [{"kinds": ["call"], "location": {"message": {"text": "step"},
         "logicalLocations": [{"name": "step logic"}], "physicalLocation": {
         "artifactLocation": {"uri": "b.c", "uriBaseId": "STEP"}, "region": {"startLine": 21}}}}]}]}])j" +
         lists + "}]}]}";
@@ -141,7 +141,7 @@ void write_alone(Row const& row, Part const& part, ResultSet& set, std::string& 
         auto& [key, check] = *tables.checks.begin();
         auto&                            form = set.check_data.front().second;
         bradep::sarif::FilledCheck const record{check, form, key, filling};
-        if (row.table == bradep::sarif::checks_path)
+        if (std::string_view(row.table) == bradep::sarif::checks_path)
             write_into(check.category, record);
         else
             write_into(form, record);

@@ -68,6 +68,49 @@ def without_absent(**members):
     return {name: value for name, value in members.items() if value is not None and value != [] and value != {}}
 
 
+WHOLE, MARKDOWN, LOGICAL = "whole", "markdown", "logical"
+REGION = dict.fromkeys(
+    "charOffset charLength byteOffset byteLength snippet message sourceLanguage properties".split(), WHOLE)
+PHYSICAL = {"region": REGION, "contextRegion": WHOLE, "address": WHOLE, "properties": WHOLE}
+ANY_LOCATION = {
+    "physicalLocation": PHYSICAL, "logicalLocations": LOGICAL, "annotations": WHOLE, "relationships": WHOLE,
+    "properties": WHOLE}
+STEP = {
+    **dict.fromkeys("kinds state nestingLevel executionOrder executionTimeUtc importance taxa module stack "
+                    "webRequest webResponse properties".split(), WHOLE),
+    "location": {"id": WHOLE, "message": MARKDOWN, **ANY_LOCATION}}
+RESULT = {
+    **dict.fromkeys("guid correlationGuid rank occurrenceCount fixes taxa analysisTarget attachments stacks "
+                    "provenance hostedViewerUri workItemUris properties".split(), WHOLE),
+    "message": MARKDOWN,
+    "locations": [{"id": WHOLE, "message": WHOLE, **ANY_LOCATION}],
+    "relatedLocations": [{"message": MARKDOWN, **ANY_LOCATION}],
+    "suppressions": [dict.fromkeys("guid justification location properties".split(), WHOLE)],
+    "codeFlows": [{
+        "message": WHOLE, "properties": WHOLE,
+        "threadFlows": [dict.fromkeys("id message initialState immutableState properties".split(), WHOLE)]}]}
+
+
+def given(value, name):
+    return value.get(name) if isinstance(value, dict) else None
+
+
+def at_index(values, index):
+    is_index = isinstance(index, int) and not isinstance(index, bool)
+    return values[index] if isinstance(values, list) and is_index and 0 <= index < len(values) else None
+
+
+def whole_numbers(value):
+    """1.0 is the integer 1."""
+    if isinstance(value, dict):
+        return {name: whole_numbers(child) for name, child in value.items()}
+    if isinstance(value, list):
+        return [whole_numbers(child) for child in value]
+    if isinstance(value, float) and value == int(value) and abs(value) <= 2**53:
+        return int(value)
+    return value
+
+
 class Run:
     def __init__(self, number, run):
         self.number = number
@@ -208,12 +251,91 @@ class Run:
             location = obj(shared[at], "location")
         location = location if location is not None else {}
         place = self.place(location)
+        known = at_index(given(self.run, "threadFlowLocations"), at)
         return without_absent(
+            more=self.more(thread_flow_location, STEP, other=known),
             uri=place["uri"],
             line=place["line"],
             column=place["column"],
             message=self.message(location, rule, component),
         )
+
+    def resolved(self, value, name):
+        """The value without indices, in property bags as it is."""
+        if name == "properties":
+            return value
+        if isinstance(value, list):
+            return [self.resolved(child, name) for child in value]
+        if not isinstance(value, dict):
+            return value
+        value = {key: child for key, child in value.items() if child is not None}
+        if name in ("artifactLocation", "analysisTarget"):
+            artifact = at_index(given(self.run, "artifacts"), value.pop("index", None))
+            if "uri" not in value:
+                location = given(artifact, "location")
+                for key in ("uri", "uriBaseId"):
+                    if key not in value and isinstance(given(location, key), str):
+                        value[key] = location[key]
+        if name in ("taxa", "target"):
+            value = self.resolved_reference(value)
+        return {key: self.resolved(child, key) for key, child in value.items()}
+
+    def resolved_reference(self, reference):
+        component_reference = reference.get("toolComponent")
+        component = self.driver
+        if component_reference is not None:
+            at, name = given(component_reference, "index"), given(component_reference, "name")
+            taxonomy = at_index(given(self.run, "taxonomies"), at)
+            component = extension = at_index(self.extensions, at)
+            if taxonomy is not None and not (name is not None and given(extension, "name") == name):
+                component = taxonomy
+        at = reference.pop("index", None)
+        entry = first(at_index(given(component, "taxa"), at), at_index(given(component, "rules"), at))
+        if "id" not in reference and isinstance(given(entry, "id"), str):
+            reference["id"] = entry["id"]
+        if isinstance(component_reference, dict):
+            rest = {key: value for key, value in component_reference.items() if key != "index" and value is not None}
+            if "name" not in rest and isinstance(given(component, "name"), str):
+                rest["name"] = component["name"]
+            reference["toolComponent"] = rest
+        elif component_reference is not None:
+            del reference["toolComponent"]
+        return reference
+
+    def logical_locations(self, locations):
+        whole = []
+        for one in locations if isinstance(locations, list) else []:
+            if isinstance(one, dict):
+                shared = at_index(given(self.run, "logicalLocations"), one.get("index"))
+                merged = {**(shared if isinstance(shared, dict) else {}), **one}
+                whole.append({k: v for k, v in merged.items() if k not in ("index", "parentIndex")})
+        says_one_name = len(whole) == 1 and (not whole[0] or list(whole[0]) in (["name"], ["fullyQualifiedName"]))
+        return None if not whole or says_one_name else self.resolved(whole, "logicalLocations")
+
+    def more(self, value, table, before="", other=None):
+        """The properties that have no field, by pointer."""
+        kept = {}
+        for name, how in table.items():
+            child = first(given(value, name), given(other, name))
+            if child is None:
+                continue
+            pointer = before + name
+            if how == MARKDOWN:
+                text = given(child, "markdown")
+                if isinstance(text, str):
+                    arguments = array(child, "arguments")
+                    kept[pointer + "/markdown"] = filled_in(text, arguments) if arguments else text
+            elif how == LOGICAL:
+                kept[pointer] = self.logical_locations(child)
+            elif how == WHOLE:
+                kept[pointer] = whole_numbers(self.resolved(child, name))
+            elif isinstance(child, list):
+                parts = how[0] if isinstance(how, list) else how
+                for at, element in enumerate(child):
+                    kept.update(self.more(element, parts, f"{pointer}/{at}/"))
+            else:
+                kept.update(self.more(child, how[0] if isinstance(how, list) else how, pointer + "/"))
+        return {pointer: child for pointer, child in kept.items() if child is not None}
 
     def check(self, result, ordinals):
         rule, component = self.rule(result)
@@ -249,6 +371,7 @@ class Run:
             locations=[without_absent(**place) for place in locations],
             related=related,
             flows=flows,
+            more=self.more(result, RESULT),
             fingerprints=fingerprints(result),
         )
         return {"key": [uri, ordinals[uri]], "run": self.number, **check}

@@ -1,6 +1,7 @@
 // Prints the rows of tools/sarif/fields.hpp as the tables in docs/sarif.md.
 
 #include "sarif/fields.hpp"
+#include "sarif/kept.hpp"
 
 #include <iostream>
 #include <string>
@@ -91,6 +92,21 @@ void print_section(std::string const& title, Rows const& rows) {
     for_each_row(rows, [](auto const& row) { print_row(row); });
 }
 
+/// Prints a line for each property that is kept as JSON text.
+void print_kept(bradep::sarif::kept::Members const& members, std::string const& before) {
+    using bradep::sarif::kept::How;
+    for (auto const& member : members) {
+        auto const pointer = before + std::string(member.name);
+        // Only lists have a plural.
+        bool const is_list = pointer.ends_with('s');
+        if (member.how == How::parts)
+            print_kept(*member.below, pointer + (is_list ? "/i/" : "/"));
+        else
+            std::cout << "- " << code(pointer + (member.how == How::markdown ? "/markdown" : ""))
+                      << '\n';
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -107,6 +123,10 @@ int main() {
     for_each_row(fields::info_lists, [](auto const& list) {
         print_section("Information records: " + std::string(list.sarif), list.rows);
     });
+    std::cout << "\n**Other properties of a result, by JSON pointer**\n\n";
+    print_kept(bradep::sarif::kept::of_result, "");
+    std::cout << "\n**Other properties of a location of a thread flow, by JSON pointer**\n\n";
+    print_kept(bradep::sarif::kept::of_step, "");
     std::cout << '\n';
     return std::cout.flush() ? 0 : 1;
 }

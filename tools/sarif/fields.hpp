@@ -50,6 +50,9 @@ inline constexpr std::tuple of_step{
                               &QualifiedSignature::qualified_name, &QualifiedName::name>)},
     Field{"`location.message`", "message", &Step::message,
           in_event("optional_string", &Event::optional_string)},
+    Field{"other properties, by pointer", "more", &Step::more,
+          in_event("signature.package", along<&Event::signature, &Signature::package>),
+          Given{1, in_event("first_flag", &Event::first_flag)}},
     Derived{"number of the run, from 0", events_path, "first_int",
             [](auto const&, FilledEvent const& record) { record.event.first_int = record.run; }},
     Derived{"always `DEFECT_EVENT`", events_path, "kind",
@@ -239,9 +242,30 @@ inline constexpr PlaceField first_location{
 inline constexpr ByHand flows{"`codeFlows`", "flows",    &Result::flows, checks_path,
                               "failure",     hold_flows, restore_flows};
 
+inline constexpr ByHand more{
+    "other properties: the pointer in `qualifier`, the text in `name`",
+    "more",
+    &Result::more,
+    checks_path,
+    "located_names",
+    [](More const& all, FilledCheck const& record) {
+        if (all.texts.empty()) return;
+        auto& names = record.check.located_names[record.check.source_ref.localization].first;
+        for (auto const& [pointer, text] : all.texts) {
+            QualifiedName const name{pointer, text};
+            names.insert(name);
+            record.filling.comparisons.count_key(names, name);
+        }
+    },
+    [](More& all, ReadCheck const& record) {
+        for (auto const& [place, located] : record.check.located_names)
+            for (auto const& name : located.first) all.texts.emplace(name.qualifier, name.name);
+    }};
+
 /// The order matters: `message` needs the category, and `flows` needs the run.
-inline constexpr std::tuple of_check{category, run,     tool,           tool_version,   rule, level,
-                                     kind,     message, baseline_state, first_location, flows};
+inline constexpr std::tuple of_check{category, run,  tool,    tool_version,   rule,
+                                     level,    kind, message, baseline_state, first_location,
+                                     flows,    more};
 
 /// A field of the form that repeats a row of the result.
 template <class Row, class Member>
@@ -309,7 +333,8 @@ inline constexpr std::tuple of_line{run,
                                     message,
                                     further_locations,
                                     related_locations,
-                                    flows};
+                                    flows,
+                                    more};
 
 /// The rows of a part of a result.
 constexpr auto const& rows_of(Place const&) { return of_place; }

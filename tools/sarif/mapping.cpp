@@ -93,6 +93,13 @@ private:
             see(value);
         }
     }
+    void see(KeptJson const& json) { see(json.text); }
+    void see(More const& more) {
+        for (auto const& [pointer, text] : more.texts) {
+            see(pointer);
+            see(text);
+        }
+    }
     template <class T>
     void see(std::optional<T> const& value) {
         if (value) see(*value);
@@ -121,7 +128,8 @@ std::size_t most_entries(Result const& result, Filling const& filling) {
     auto const& tables = filling.set.application_results;
     return std::max({filling.set.check_data.size() + 1, filling.size(tables.events) + steps,
                      filling.size(tables.infos) + infos, lists,
-                     result.fingerprints.size() + result.partial_fingerprints.size()});
+                     result.fingerprints.size() + result.partial_fingerprints.size(),
+                     result.more.texts.size()});
 }
 
 void refuse_more(std::size_t found, std::size_t most, char const* what) {

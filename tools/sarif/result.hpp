@@ -35,9 +35,21 @@ struct RelatedPlace {
     bool operator==(RelatedPlace const&) const = default;
 };
 
+/// The text of JSON.
+struct KeptJson {
+    KeptJson(Text const& its_text) : text(its_text) {}
+    operator Text const&() const { return text; }
+
+    Text text;
+
+    bool operator==(KeptJson const&) const = default;
+};
+
 struct Step {
     std::optional<Place> place;
     std::optional<Text>  message;
+    /// An object: the properties that have no field, by JSON pointer.
+    std::optional<KeptJson> more = {};
 
     bool operator==(Step const&) const = default;
 };
@@ -58,6 +70,13 @@ struct Alphabetical {
 };
 using Fingerprints = std::map<Text, Text, Alphabetical>;
 
+/// The properties that have no field, by JSON pointer.
+struct More {
+    std::map<Text, KeptJson, Alphabetical> texts;
+
+    bool operator==(More const&) const = default;
+};
+
 struct Result {
     std::int32_t              run = 0;
     std::optional<Text>       tool;
@@ -73,6 +92,7 @@ struct Result {
     Fingerprints              partial_fingerprints;
     std::vector<Suppression>  suppressions;
     std::optional<Text>       baseline_state;
+    More                      more;
 
     bool operator==(Result const&) const = default;
 };

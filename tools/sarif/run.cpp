@@ -1,6 +1,8 @@
 #include "sarif/run.hpp"
 
+#include <sml/inspect/text/json_text.hpp>
 #include "errors.hpp"
+#include "sarif/kept_properties.hpp"
 #include "sarif/message_format.hpp"
 
 #include <utility>
@@ -55,6 +57,10 @@ std::optional<std::string_view> rule_id(json::value const& result, json::value c
     auto const  id =
         first_given(view(result, "ruleId"), reference ? view(*reference, "id") : std::nullopt);
     return first_given(id, descriptor ? view(*descriptor, "id") : std::nullopt);
+}
+
+std::string pointer_of(std::string const& pointer, kept::Member const& member) {
+    return member.how == kept::How::markdown ? pointer + "/markdown" : pointer;
 }
 
 void read_region(json::value const& region, Place& place) {
@@ -119,6 +125,8 @@ Run::Run(json::value const& run, std::int32_t number, Expansion& expansion)
     }
     add_component(given_driver);
     auto const* extensions = tool ? list(*tool, "extensions") : nullptr;
+    auto const* taxonomies = member(run, "taxonomies");
+    lists_ = {artifacts_, given_driver, extensions, taxonomies ? taxonomies->if_array() : nullptr};
     if (!extensions) return;
     for (auto const& extension : *extensions) add_component(&extension);
     extensions_by_guid_ = {extensions, "guid"};
@@ -243,8 +251,9 @@ Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) {
         if (!shared) points_nowhere(thread_flow_location, "index", "the run's threadFlowLocations");
         location = member(*shared, "location");
     }
-    if (!location) return {};
-    return {place_of(*location), message_of(*location, rule)};
+    auto more = more_of(thread_flow_location);
+    if (!location) return {std::nullopt, std::nullopt, std::move(more)};
+    return {place_of(*location), message_of(*location, rule), std::move(more)};
 }
 
 CodeFlow Run::flow_of(json::value const& code_flow, Rule const& rule) {
@@ -308,7 +317,95 @@ Result Run::resolve(json::value const& given) {
     result.suppressions = suppressions_of(given);
     result.baseline_state = expansion_.text(view(given, "baselineState"), given);
     resolve_places(given, rule, result);
+    keep_more(given, result);
     return result;
+}
+
+// The logical locations, with what their indices lead to; empty if they say one name and no more.
+std::string Run::logical_text(json::value const& logical_locations) const {
+    auto const* const all = logical_locations.if_array();
+    if (!all) return {};
+    json::array resolved;
+    for (auto const& one : *all) {
+        auto const* const own = one.if_object();
+        if (!own) continue;
+        json::object      whole = *own;
+        auto const* const at = own->if_contains("index");
+        auto const* const number = at ? at->if_int64() : nullptr;
+        auto const* const shared =
+            number && *number >= 0 ? element(logical_locations_, static_cast<std::size_t>(*number))
+                                   : nullptr;
+        if (shared && shared->is_object())
+            for (auto const& [name, value] : shared->get_object()) whole.emplace(name, value);
+        whole.erase("index");
+        whole.erase("parentIndex");
+        resolved.push_back(std::move(whole));
+    }
+    auto const says_one_name = [](json::object const& one) {
+        return one.empty() ||
+               (one.size() == 1 && (one.contains("fullyQualifiedName") || one.contains("name")));
+    };
+    if (resolved.empty()) return {};
+    if (resolved.size() == 1 && says_one_name(resolved.front().get_object())) return {};
+    std::string text;
+    append_kept_text(text, "logicalLocations", resolved, lists_, expansion_.limits().message);
+    return text;
+}
+
+// The markdown of a message as a JSON string; empty if there is none.
+std::string Run::markdown_text(json::value const& message) {
+    auto const* const members = message.if_object();
+    auto const* const markdown = members ? members->if_contains("markdown") : nullptr;
+    if (!markdown || !markdown->is_string()) return {};
+    auto const  arguments = arguments_of(message);
+    auto const  pattern = view_of(*markdown);
+    auto const  whole = arguments.empty() ? expansion_.text_of(pattern, message)
+                                          : expansion_.message(pattern, arguments, message);
+    std::string text;
+    sml::inspect::append_json_string(text, whole.str());
+    return text;
+}
+
+// The text of a property that is kept; empty if it has no more than what has a field.
+std::string Run::more_text(kept::Member const& member, json::value const& value) {
+    std::string text;
+    try {
+        if (member.how == kept::How::markdown) return markdown_text(value);
+        if (member.how == kept::How::logical_locations) return logical_text(value);
+        append_kept_text(text, member.name, value, lists_, expansion_.limits().message);
+    } catch (TooMuchResolved const&) {
+        throw Misfit{&value, "what its indices lead to comes to more than --max-message " +
+                                 std::to_string(expansion_.limits().message) + " bytes"};
+    }
+    return text;
+}
+
+std::optional<KeptJson> Run::more_of(json::value const& thread_flow_location) {
+    std::string object;
+    auto const  use = [&](std::string const& pointer, kept::Member const& member,
+                         json::value const& value) {
+        auto const text = more_text(member, value);
+        if (text.empty()) return;
+        object += object.empty() ? '{' : ',';
+        sml::inspect::append_json_string(object, pointer_of(pointer, member));
+        object += ':' + text;
+    };
+    auto const  at = index(thread_flow_location, "index");
+    auto const* shared = at ? element(thread_flow_locations_, *at) : nullptr;
+    KeptProperties(use).of(thread_flow_location, kept::of_step, shared);
+    if (object.empty()) return std::nullopt;
+    return expansion_.text_of(object + '}', thread_flow_location);
+}
+
+void Run::keep_more(json::value const& given, Result& result) {
+    auto const use = [&](std::string const& pointer, kept::Member const& member,
+                         json::value const& value) {
+        auto const text = more_text(member, value);
+        if (text.empty()) return;
+        result.more.texts.emplace(expansion_.text_of(pointer_of(pointer, member), value),
+                                  expansion_.text_of(text, value));
+    };
+    KeptProperties(use).of(given, kept::of_result);
 }
 
 }  // namespace bradep::sarif

@@ -3,11 +3,14 @@
 
 #include "comparisons.hpp"
 #include "sarif/elements_by_text.hpp"
+#include "sarif/kept.hpp"
+#include "sarif/kept_text.hpp"
 #include "sarif/limits.hpp"
 #include "sarif/result.hpp"
 #include "sarif/rule_index.hpp"
 
 #include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +34,7 @@ public:
     /// `where` is the value that is reported if a limit is exceeded.
     Text                text_of(std::string_view text, json::value const& where);
     std::optional<Text> text(std::optional<std::string_view> given, json::value const& where);
+    Limits const&       limits() const { return limits_; }
     Text message(std::string_view pattern, std::vector<std::string_view> const& arguments,
                  json::value const& where);
 
@@ -76,12 +80,18 @@ private:
     CodeFlow                 flow_of(json::value const& code_flow, Rule const& rule);
     Fingerprints             fingerprints_of(json::value const& result, std::string_view name);
     std::vector<Suppression> suppressions_of(json::value const& result);
+    std::string              logical_text(json::value const& logical_locations) const;
+    std::string              markdown_text(json::value const& message);
+    std::string              more_text(kept::Member const& member, json::value const& value);
+    std::optional<KeptJson>  more_of(json::value const& thread_flow_location);
+    void                     keep_more(json::value const& given, Result& result);
 
     Expansion&                                expansion_;
     std::int32_t                              number_;
     json::array const*                        artifacts_ = nullptr;
     json::array const*                        logical_locations_ = nullptr;
     json::array const*                        thread_flow_locations_ = nullptr;
+    RunLists                                  lists_;
     std::optional<Text>                       tool_;
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;

@@ -40,9 +40,10 @@ RunParts::RunParts(Cursor& at, ValueParser& parser) : value_(json::storage_ptr(&
         return;
     }
     value_.emplace_object();
-    constexpr std::string_view names[] = {"tool", artifacts_name, "logicalLocations",
-                                          "threadFlowLocations", results_name};
-    auto const                 parts = members_at(at, names);
+    constexpr std::string_view names[] = {
+        "tool",       artifacts_name, "logicalLocations", "threadFlowLocations",
+        "taxonomies", results_name};
+    auto const parts = members_at(at, names);
     for (std::size_t i = 0; i < parts.size(); ++i)
         if (parts[i]) read(names[i], *parts[i], parser);
 }

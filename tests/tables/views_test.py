@@ -57,8 +57,8 @@ def in_cells(value):
         return "".join(f"\\u{ord(c):04x}" if c == "\0" or 0xDC80 <= ord(c) <= 0xDCFF else c for c in value)
     if isinstance(value, list):
         return [in_cells(one) for one in value]
-    if isinstance(value, dict):
-        return {name: in_cells(one) for name, one in value.items()}
+    if isinstance(value, dict):  # what the set holds as JSON text, `more`, is not in the views
+        return {name: in_cells(one) for name, one in value.items() if name != "more"}
     return value
 
 

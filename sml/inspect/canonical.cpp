@@ -197,7 +197,7 @@ void canonical(Root const& root, std::string_view bytes, TextCollector& collecto
                CanonOptions const& options, Budget& budget, Write const& write) {
     RankedForm ranked(collector.take_ranks(), &budget);
     ranked.bytes.reserve(bytes.size());  // where enough: strings are written shorter
-    Walk       walk(bytes, options, budget);
+    Walk walk(bytes, options, budget);
     Walker(walk, ranked).run(*root.type);
     double const share =
         static_cast<double>(bytes.size()) / static_cast<double>(ranked.bytes.size());

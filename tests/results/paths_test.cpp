@@ -14,8 +14,8 @@ using Paths = std::vector<std::string>;
 TEST(Paths, HaveOneSpelling) {
     EXPECT_EQ(path_of("file:///home/a/x.c"), "/home/a/x.c");
     EXPECT_EQ(path_of("file:/home/a/x.c"), "/home/a/x.c");
-    EXPECT_EQ(path_of("file:///C:/Work/x.c"), "c:/Work/x.c");
-    EXPECT_EQ(path_of("C:\\Work\\x.c"), "c:/Work/x.c");
+    EXPECT_EQ(path_of("file:///C:/Code/x.c"), "c:/Code/x.c");
+    EXPECT_EQ(path_of("C:\\Code\\x.c"), "c:/Code/x.c");
     EXPECT_EQ(path_of("file:///c%3A/my%20work/x.c"), "c:/my work/x.c");
     EXPECT_EQ(path_of("./src//a/../b.c"), "src/b.c");
     EXPECT_EQ(path_of("../x.c"), "../x.c");
@@ -35,7 +35,7 @@ TEST(Paths, RootThatAllShareIsFound) {
     for (auto const& [before, after] :
          std::vector<std::pair<std::string, std::string>>{{"/home/a/", "/build/"},
                                                           {"", "/build/"},
-                                                          {"c:/work/", "d:/x/y/"},
+                                                          {"c:/code/", "d:/x/y/"},
                                                           {"p-1.0/", "p-1.1/"}}) {
         auto const roots = moved_roots(with_root(before, names), with_root(after, names));
         ASSERT_EQ(roots.size(), 1u) << before;

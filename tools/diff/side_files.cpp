@@ -3,6 +3,7 @@
 #include "diff/log_texts.hpp"
 #include "errors.hpp"
 #include "foreign_form.hpp"
+#include "gzip.hpp"
 #include "import.hpp"
 
 #include <algorithm>
@@ -39,7 +40,7 @@ bool is_log(std::string const& name) {
     std::ifstream         file(name, std::ios::binary);
     file.read(start.data(), static_cast<std::streamsize>(enough));
     start.resize(static_cast<std::size_t>(file.gcount()));
-    return foreign_form(start) == json_form || start.starts_with("\x1F\x8B");
+    return foreign_form(start) == json_form || is_gzip(start);
 }
 
 }  // namespace
@@ -84,9 +85,11 @@ SideFiles::SideFiles(std::vector<std::string> const& names, QueryOptions const& 
 
 void SideFiles::import(std::string const& name, Streams& streams) {
     // Standard input can be read only once.
-    if (name != "-")
-        flagged_.back() =
-            flagged_in_log(InputBytes(name, options_.max_size, streams.in).view(), name);
+    if (name != "-") {
+        InputBytes log(name, options_.max_size, streams.in);
+        log.unpack();
+        flagged_.back() = flagged_in_log(log.view(), name);
+    }
     import_log(name, options_.files.back(), options_.max_size, options_.verify, streams);
 }
 

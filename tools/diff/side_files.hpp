@@ -4,7 +4,6 @@
 #include <sml/results/diff.hpp>
 #include "query_files.hpp"
 
-#include <deque>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -37,10 +36,7 @@ public:
     /// Without sources. It refers to this object.
     sml::results::SideInput input() const;
 
-    std::size_t count() const { return options_.files.size(); }
-
 private:
-    void add(std::string const& name, Streams& streams);
     void import(std::string const& name, Streams& streams);
 
     QueryOptions                             options_;

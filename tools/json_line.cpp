@@ -4,6 +4,8 @@
 #include <sml/core/decimal_point.hpp>
 #include <sml/inspect/dump.hpp>
 #include <sml/inspect/text/json_writer.hpp>
+#include "errors.hpp"
+#include "json_cursor.hpp"
 #include "sarif/fields.hpp"
 
 #include <algorithm>
@@ -38,7 +40,36 @@ void write(JsonWriter& json, std::int32_t number) {
 
 void write(JsonWriter& json, Text const& text) { json.string(text.str()); }
 
-void write(JsonWriter& json, sarif::KeptJson const& value) { json.text += value.text.str(); }
+// Whether no character outside quotes and backslashes would be escaped.
+bool has_no_character_to_escape(std::string_view text) {
+    std::string escaped;
+    while (!text.empty()) {
+        auto const run = text.substr(0, text.find_first_of("\"\\"));
+        escaped.clear();
+        sml::inspect::append_json_characters(escaped, run, StrayByte::replaced);
+        if (escaped != run) return false;
+        text.remove_prefix(std::min(run.size() + 1, text.size()));
+    }
+    return true;
+}
+
+bool is_kept_json(std::string_view text) {
+    if (!has_no_character_to_escape(text)) return false;
+    try {
+        return json_input::JsonText(text, {}).view().size() == text.size();
+    } catch (DamagedInput const&) {
+        return false;
+    }
+}
+
+// A set that no import has written can have any text there, which is printed as a string.
+void write(JsonWriter& json, sarif::KeptJson const& value) {
+    auto const text = value.text.str();
+    if (is_kept_json(text))
+        json.text += text;
+    else
+        json.string(text);
+}
 
 void write(JsonWriter& json, sarif::More const& more) {
     json.open('{');

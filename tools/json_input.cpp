@@ -62,16 +62,6 @@ char const* kind_name(json::value const& value) {
     throw Misfit{&value, std::string("expected ") + expected + ", found " + kind_name(value)};
 }
 
-// JSON does not distinguish integers from other numbers: 12 and 12.0 are the same integer.
-std::optional<std::int64_t> integer(json::value const& value) {
-    if (auto const* exact = value.if_int64()) return *exact;
-    auto const*      real = value.if_double();
-    constexpr double limit = 9007199254740992.0;  // integers up to here are exact in a double
-    if (real && std::nearbyint(*real) == *real && std::abs(*real) <= limit)
-        return static_cast<std::int64_t>(*real);
-    return std::nullopt;
-}
-
 std::string escaped_token(std::string_view name) {
     std::string token;
     for (char const c : name) {
@@ -137,6 +127,15 @@ void more_than_json(std::string const& name, std::string_view text, std::size_t 
 
 void cut_off(std::string const& name, std::string_view text, std::size_t used) {
     fail_at(name, text, used, "the JSON text ends too early");
+}
+
+std::optional<std::int64_t> integer(json::value const& value) {
+    if (auto const* exact = value.if_int64()) return *exact;
+    auto const*      real = value.if_double();
+    constexpr double limit = 9007199254740992.0;  // integers up to here are exact in a double
+    if (real && std::nearbyint(*real) == *real && std::abs(*real) <= limit)
+        return static_cast<std::int64_t>(*real);
+    return std::nullopt;
 }
 
 Document::Document(std::string_view text, std::string const& name, std::atomic<std::uint64_t>* done)

@@ -44,6 +44,9 @@ json::array const*          list(json::value const& object, std::string_view nam
 std::optional<std::string>  text(json::value const& object, std::string_view name);
 std::optional<std::int32_t> number(json::value const& object, std::string_view name);
 
+/// The value as an integer, if it is one that is exact: 12 and 12.0 are the same in JSON.
+std::optional<std::int64_t> integer(json::value const& value);
+
 /// An index, or none if it is absent or -1, which is "no index" in SARIF. Throws Misfit for other
 /// negative numbers.
 std::optional<std::size_t> index(json::value const& object, std::string_view name);

@@ -1,12 +1,13 @@
 #include "sarif/kept_text.hpp"
 
 #include <sml/inspect/text/json_text.hpp>
+#include "json_input.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <limits>
-#include <optional>
+#include <initializer_list>
 
 namespace bradep::sarif {
 
@@ -20,7 +21,7 @@ json::value const* member(json::value const* object, std::string_view name) {
 
 json::value const* element(json::array const* list, json::value const* index) {
     if (list == nullptr || index == nullptr) return nullptr;
-    auto const at = index->if_int64();
+    auto const at = json_input::integer(*index);
     bool const is_inside = at && *at >= 0 && static_cast<std::uint64_t>(*at) < list->size();
     return is_inside ? &(*list)[static_cast<std::size_t>(*at)] : nullptr;
 }
@@ -46,8 +47,8 @@ public:
             case json::kind::array: return add_array(name, value.get_array());
             case json::kind::string:
                 return sml::inspect::append_json_string(text_, value.get_string());
-            case json::kind::double_: return add_number(value.get_double());
-            case json::kind::int64: return add_integer(value.get_int64());
+            case json::kind::double_:
+            case json::kind::int64: return add_number(value);
             case json::kind::uint64: return add_integer(value.get_uint64());
             case json::kind::bool_: text_ += value.get_bool() ? "true" : "false"; return;
             case json::kind::null: text_ += "null"; return;
@@ -60,10 +61,13 @@ private:
         text_ += std::to_string(number);
     }
 
-    void add_number(double number) {
-        constexpr double limit = 9007199254740992.0;  // integers up to here are exact in a double
-        if (std::nearbyint(number) == number && std::abs(number) <= limit)
-            return add_integer(static_cast<std::int64_t>(number));
+    void add_number(json::value const& value) {
+        if (auto const whole = json_input::integer(value)) return add_integer(*whole);
+        double const number = value.get_double();
+        if (std::isinf(number)) {  // JSON has no name for it: it was spelled in digits
+            text_ += number < 0 ? "-1e999" : "1e999";
+            return;
+        }
         char       digits[64];
         auto const written = std::to_chars(digits, digits + sizeof digits, number);
         text_.append(digits, written.ptr);
@@ -103,10 +107,10 @@ private:
         is_in_bag_ = was_in_bag;
     }
 
-    void add_members(json::value const& object, std::string_view except = {},
-                     std::string_view and_except = {}, std::string_view last_except = {}) {
+    void add_members(json::value const&                      object,
+                     std::initializer_list<std::string_view> except = {}) {
         for (auto const& [name, value] : object.get_object())
-            if (name != except && name != and_except && name != last_except &&
+            if (std::ranges::count(except, std::string_view(name)) == 0 &&
                 (is_in_bag_ || !value.is_null()))
                 add_member(name, value);
     }
@@ -119,7 +123,7 @@ private:
             if (!member(&object, "uriBaseId"))
                 add_resolved("uriBaseId", member(location, "uriBaseId"));
         }
-        add_members(object, "index");
+        add_members(object, {"index"});
     }
 
     void add_reference(json::value const& reference) {
@@ -134,7 +138,7 @@ private:
         else
             add_resolved("id", member(rule, "id"));
         if (component_reference) add_component(*component_reference, component);
-        add_members(reference, "id", "index", "toolComponent");
+        add_members(reference, {"id", "index", "toolComponent"});
     }
 
     void add_component(json::value const& reference, json::value const* component) {
@@ -145,7 +149,7 @@ private:
             add_member("name", *name);
         else
             add_resolved("name", member(component, "name"));
-        add_members(reference, "name", "index");
+        add_members(reference, {"name", "index"});
         text_ += '}';
     }
 

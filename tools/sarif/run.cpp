@@ -18,6 +18,17 @@ json::value const* element(json::array const* list, std::size_t at) {
     return list && at < list->size() ? &(*list)[at] : nullptr;
 }
 
+// The bytes of the texts in a value, and one for each value.
+std::uint64_t size_of(json::value const& value) {
+    std::uint64_t size = 1;
+    if (auto const* const text = value.if_string()) size += text->size();
+    if (auto const* const elements = value.if_array())
+        for (auto const& one : *elements) size += size_of(one);
+    if (auto const* const members = value.if_object())
+        for (auto const& [name, one] : *members) size += name.size() + size_of(one);
+    return size;
+}
+
 [[noreturn]] void points_nowhere(json::value const& holder, std::string_view index_name,
                                  char const* list_name) {
     auto const* value = member(holder, index_name);
@@ -325,18 +336,22 @@ Result Run::resolve(json::value const& given) {
 std::string Run::logical_text(json::value const& logical_locations) const {
     auto const* const all = logical_locations.if_array();
     if (!all) return {};
-    json::array resolved;
+    json::array   resolved;
+    std::uint64_t shared_size = 0;
     for (auto const& one : *all) {
         auto const* const own = one.if_object();
         if (!own) continue;
         json::object      whole = *own;
         auto const* const at = own->if_contains("index");
-        auto const* const number = at ? at->if_int64() : nullptr;
+        auto const        number = at ? integer(*at) : std::nullopt;
         auto const* const shared =
             number && *number >= 0 ? element(logical_locations_, static_cast<std::size_t>(*number))
                                    : nullptr;
-        if (shared && shared->is_object())
+        if (shared && shared->is_object()) {
+            shared_size += size_of(*shared);  // before it is copied
+            if (shared_size > expansion_.limits().message) throw TooMuchResolved();
             for (auto const& [name, value] : shared->get_object()) whole.emplace(name, value);
+        }
         whole.erase("index");
         whole.erase("parentIndex");
         resolved.push_back(std::move(whole));

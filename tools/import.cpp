@@ -97,10 +97,9 @@ void fill(ResultSet& set, Options const& options, Streams& streams) {
     filler.finish();
 }
 
-void import_logs(Options const& options, Streams& streams) {
+void import_logs(Options const& options, ResultSet& set, Streams& streams) {
     refuse_terminal(options.output, streams);
     refuse_overwriting_an_input(options);
-    auto& set = lasting_set();
     fill(set, options, streams);
     auto const write = [&](std::ostream& out) {
         Progress const progress(streams.err, output_name(options) + ", writing");
@@ -120,7 +119,8 @@ void import_log(std::string const& log, std::string const& target, std::uint64_t
     options.output.target = target;
     options.max_size = max_size;
     options.verify = verify;
-    import_logs(options, streams);
+    ResultSet set;
+    import_logs(options, set, streams);
 }
 
 Action declare_import(CLI::App& app) {
@@ -139,7 +139,7 @@ Action declare_import(CLI::App& app) {
     declare_limits(app, options->verify.limits);
     app.footer("What is written is verified first: it is good, or the command ends with code 1.\n");
     return [options](Streams& streams) {
-        import_logs(*options, streams);
+        import_logs(*options, lasting_set(), streams);
         return exit_done;
     };
 }

@@ -118,11 +118,25 @@ private:
                 return;
             }
         }
-        names_file_ = is_path || name.find('.') != std::string_view::npos;
+        names_file_ = is_path || has_suffix_of_sources(name);
         start_of_name_ = clean_.size();
         put_name(name);
         clean_ += tail;
         if (!tail.empty()) names_file_ = false;
+    }
+
+    // "list.get(0)" is no place.
+    static bool has_suffix_of_sources(std::string_view name) {
+        static constexpr std::array suffixes = {
+            "c"sv,     "cc"sv,   "cpp"sv, "cs"sv,  "css"sv,  "cxx"sv,   "f"sv,    "f90"sv,
+            "go"sv,    "h"sv,    "hh"sv,  "hpp"sv, "html"sv, "hxx"sv,   "inc"sv,  "java"sv,
+            "js"sv,    "json"sv, "jsx"sv, "kt"sv,  "lua"sv,  "m"sv,     "mjs"sv,  "mm"sv,
+            "php"sv,   "pl"sv,   "py"sv,  "rb"sv,  "rs"sv,   "scala"sv, "sh"sv,   "sql"sv,
+            "swift"sv, "toml"sv, "ts"sv,  "tsx"sv, "vue"sv,  "xml"sv,   "yaml"sv, "yml"sv};
+        auto const dot = name.rfind('.');
+        if (dot == std::string_view::npos) return false;
+        return std::ranges::binary_search(suffixes,
+                                          std::string_view(in_lower_case(name.substr(dot + 1))));
     }
 
     static bool is_temporary_directory(std::string_view directory) {
@@ -137,8 +151,11 @@ private:
         auto const        bare = letters == std::string_view::npos ? ""sv : name.substr(letters);
         auto const        lower = in_lower_case(bare.substr(0, 4));
         std::size_t const prefix = lower == "temp" ? 4 : lower.starts_with("tmp") ? 3 : 0;
-        bool const        has_digits = std::ranges::any_of(bare, is_digit);
-        if (prefix == 0 || !has_digits) {
+        auto const        rest = bare.substr(prefix);
+        bool const is_number = rest.find_first_of("0123456789") == rest.find_first_not_of("._-");
+        // Made-up names start with "tmp" and have any characters behind; many words, with "temp".
+        bool const is_temporary = std::ranges::any_of(rest, is_digit) && (prefix == 3 || is_number);
+        if (prefix == 0 || !is_temporary) {
             clean_ += name;
             return;
         }

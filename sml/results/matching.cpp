@@ -162,7 +162,8 @@ private:
                  indices, [&](std::uint32_t index) { return homes.is_only_home(findings[index]); });
         };
         LineMap const lines(olds_.findings, news_.findings);
-        for (Key const key : {by_moved_function, by_moved_text})
+        for (Key const key : {with_content<by_moved_function>, by_moved_function,
+                              with_content<by_moved_text>, by_moved_text})
             for_each(key, [&](Group const& group) {
                 if (have_one_home(olds_.findings, old_homes, group.olds) &&
                     have_one_home(news_.findings, new_homes, group.news))
@@ -274,7 +275,8 @@ private:
     static bool may_have_other_message(Finding const& older, Finding const& newer,
                                        Shift const& shift) {
         if (have_other_texts(older, newer) || have_other_functions(older, newer)) return false;
-        bool const is_exact = shift.is_exactly(std::int64_t{newer.line} - older.line);
+        bool const have_lines = older.line > 0 && newer.line > 0;
+        bool const is_exact = have_lines && shift.is_exactly(std::int64_t{newer.line} - older.line);
         return shift.is_sure() || (is_exact && older.column == newer.column);
     }
 

@@ -16,8 +16,9 @@ namespace {
 
 /// How alike an old and a new file are.
 struct Likeness {
-    std::size_t findings = 0;  // that are in both
-    std::size_t kinds = 0;     // of these, different ones
+    std::size_t findings = 0;       // that are in both
+    std::size_t of_known_code = 0;  // of these, such that more than rule and message are known
+    std::size_t kinds = 0;          // of these, different ones
 };
 
 std::string_view name_in(std::string_view path) { return path.substr(path.rfind('/') + 1); }
@@ -62,7 +63,7 @@ private:
         for (Finding const& older : olds_) {
             if (!older.has_partner() || !is_only_old(older.file)) continue;
             std::uint32_t const file = news_[older.partner].file;
-            if (is_only_new(file)) add({older.file, file}, 1);
+            if (is_only_new(file)) add({older.file, file}, 1, true);
         }
     }
 
@@ -81,8 +82,11 @@ private:
         auto const            olds = files_of(olds_, group.olds);
         auto const            news = files_of(news_, group.news);
         if (olds.size() > most_files || news.size() > most_files) return;
+        Finding const& one = olds_[group.olds.front()];
+        bool const     is_code_known = !one.text.is_none() || !one.function.is_none();
         for (auto const& [older, in_old] : olds)
-            for (auto const& [newer, in_new] : news) add({older, newer}, std::min(in_old, in_new));
+            for (auto const& [newer, in_new] : news)
+                add({older, newer}, std::min(in_old, in_new), is_code_known);
     }
 
     static std::map<std::uint32_t, std::size_t> files_of(std::span<Finding const>       findings,
@@ -92,9 +96,10 @@ private:
         return files;
     }
 
-    void add(RenamedFile pair, std::size_t findings) {
+    void add(RenamedFile pair, std::size_t findings, bool is_code_known) {
         Likeness& likeness = likenesses_[pair];
         likeness.findings += findings;
+        if (is_code_known) likeness.of_known_code += findings;
         ++likeness.kinds;
     }
 
@@ -103,9 +108,11 @@ private:
     }
 
     bool is_likely(RenamedFile pair, Likeness const& likeness) const {
-        std::size_t const fewest = std::min(in_old_[pair.first], in_new_[pair.second]);
+        auto const [fewest, most] = std::minmax(in_old_[pair.first], in_new_[pair.second]);
         std::size_t const least_kinds = have_one_name(pair) ? 1 : 2;
-        return likeness.kinds >= least_kinds && 2 * likeness.findings >= fewest;
+        // Rule and message alone are much the same in many files.
+        bool const is_half = 2 * likeness.of_known_code >= fewest || 2 * likeness.findings >= most;
+        return likeness.kinds >= least_kinds && is_half;
     }
 
     // Of a million findings of the larger file, how many are in both.

@@ -27,7 +27,8 @@ constexpr std::array<Described, 8> all = {{
      "rule and file, and the function with the flagged line, or the line as the findings around "
      "it have moved; the message differs"},
     {"moved",
-     "rule, message, and the function or the surroundings with the flagged line; the file differs"},
+     "rule and function with the flagged line or the message, or rule, message and surroundings; "
+     "the file differs"},
 }};
 
 }  // namespace

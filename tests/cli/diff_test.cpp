@@ -1,5 +1,6 @@
 #include <sml/bindings/bindings.hpp>
 #include "cli_support.hpp"
+#include "packed.hpp"
 #include "result_set.hpp"
 
 #include <gtest/gtest.h>
@@ -182,6 +183,35 @@ TEST_F(Diff, RootThatHasMovedIsFoundOrGiven) {
     EXPECT_EQ(counts(single, other), "1 new, 0 updated, 1 absent, 0 unchanged");
     auto const given = printed({single, other, "--map", "/a/x.c=/b/z.c"});
     EXPECT_EQ(given.substr(0, 5), "1 new");  // a file is no root
+}
+
+TEST_F(Diff, OfSeveralRootsTheGivenOneIsTaken) {
+    auto const olds = log("old", result("r", "a", 1, "", "/a/x.c"));
+    auto const news =
+        log("new", result("r", "a", 1, "", "/b/x.c") + "," + result("r", "a", 1, "", "/c/x.c"));
+    for (std::string const root : {"/b", "/c"}) {
+        auto const text = printed({olds, news, "--map", "/a=" + root});
+        auto const other = root == "/b" ? "/c" : "/b";
+        EXPECT_TRUE(text.starts_with("1 new, 0 updated, 0 absent, 1 unchanged\n")) << text;
+        EXPECT_NE(text.find(std::string(other) + "/x.c:1"), std::string::npos) << text;
+    }
+}
+
+TEST_F(Diff, CompressedLogsAreComparedAsTheyAre) {
+    auto const flagged = [](std::string const& text) {
+        return log_with(R"({"ruleId": "r", "message": {"text": "m"}, "locations": [{)"
+                        R"("physicalLocation": {"artifactLocation": {"uri": "a.c"}, "region": )"
+                        R"({"startLine": 3, "snippet": {"text": ")" +
+                        text + R"("}}}}]})");
+    };
+    for (std::string const name : {"read", "write"})
+        write_bytes(scratch_ / name, packed(flagged(name)));
+    write_bytes(scratch_ / "plain", flagged("read"));
+    EXPECT_EQ(counts(scratch_ / "read", scratch_ / "plain"),
+              "0 new, 0 updated, 0 absent, 1 unchanged");
+    // The snippets tell them apart.
+    EXPECT_EQ(counts(scratch_ / "read", scratch_ / "write"),
+              "1 new, 0 updated, 1 absent, 0 unchanged");
 }
 
 TEST_F(Diff, TextOfTheLineTellsFindingsApart) {

@@ -56,6 +56,20 @@ TEST(Expansion, MessageBeyondTheLimitIsDamageWithItsPlace) {
               "--max-message 9 bytes");
 }
 
+TEST(Expansion, SharedLogicalLocationsAreCountedBeforeTheyAreCopied) {
+    std::string const shared = R"({"fullyQualifiedName": "a", "name": ")" + std::string(100, 'n') +
+                               R"(", "kind": "function"})";
+    auto const log = [&](std::size_t references) {
+        return R"({"version": "2.1.0", "runs": [{"tool": {"driver": {"name": "T"}},)"
+               R"( "logicalLocations": [)" +
+               shared + R"(], "results": [{"message": {"text": "m"}, "locations": [)" +
+               R"({"logicalLocations": [)" + repeated(references, R"({"index": 0})") + "]}]}]}]}";
+    };
+    EXPECT_EQ(complaint_about(log(3), {.message = 1000}), "nothing");
+    EXPECT_TRUE(complaint_about(log(20), {.message = 1000}).ends_with(" bytes"))
+        << complaint_about(log(20), {.message = 1000});
+}
+
 TEST(Expansion, ATextThatIsNotPutTogetherMayBeLonger) {
     auto const log = log_with(R"({"message": {"text": "{0}{0}"}})");
     EXPECT_EQ(complaint_about(log, {.message = 1}), "nothing");

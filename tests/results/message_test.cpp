@@ -38,6 +38,11 @@ TEST(Message, ValuesAndNamesArePartOfIt) {
         {"f(12) is called", "f(13) is called"},
         {"line of 80 characters", "line of 81 characters"},
         {"temperature 3", "temperature 4"},
+        {"'temperature_tail2' is unused", "'template_head1' is unused"},
+        {"list.get(0) is null", "list.get(1) is null"},
+        {"map.remove(7)", "map.remove(8)"},
+        {"connects to 10.0.0.1:80", "connects to 10.0.0.1:8080"},
+        {"example.com:8443", "example.com:443"},
     };
     for (auto const& [one, other] : different)
         EXPECT_NE(without_places(one), without_places(other)) << one;

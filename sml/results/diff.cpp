@@ -145,16 +145,15 @@ private:
             });
     }
 
-    // The steps are content, whatever their order. The file of a finding may have another name.
+    // The file of a finding may have another name.
     void add_steps(OpenSide& side) {
         for_each_step(
             side, [](std::uint32_t) { return true; },
             [&](FlowStep const& step, std::string const& file) {
                 Finding&   one = side.findings[step.finding];
                 Hash const of_file = file == files_[one.file] ? Hash{} : hash_of(file);
-                one.content +=
-                    hash_of({Hash{step.flow, step.thread}, Hash{step.position, 1}, of_file,
-                             hash_of(without_places(step.message.value_or("")))});
+                one.flow += hash_of({Hash{step.flow, step.thread}, Hash{step.position, 1}, of_file,
+                                     hash_of(without_places(step.message.value_or("")))});
             });
     }
 
@@ -170,7 +169,7 @@ private:
         auto const store = [&](OpenSide& side, OpenSide const& other) {
             auto const is_wanted = [&](std::uint32_t index) {
                 Finding const& one = side.findings[index];
-                return one.has_partner() && one.content != other.findings[one.partner].content;
+                return one.has_partner() && !one.has_content_of(other.findings[one.partner]);
             };
             for_each_step(side, is_wanted, [&](FlowStep const& step, std::string const& file) {
                 auto const        found = side.renamed.find(file);
@@ -187,7 +186,7 @@ private:
                                    std::uint32_t new_index) const {
         Finding const& older = olds_.findings[old_index];
         Finding const& newer = news_.findings[new_index];
-        if (older.content == newer.content) return {};
+        if (older.has_content_of(newer)) return {};
         // A step that is in the file of its finding stays there when that moves.
         auto const are_same_files = [&](std::string_view one, std::string_view other) {
             return one == other || (one == files_[older.file] && other == files_[newer.file]);

@@ -29,7 +29,8 @@ struct Finding {
     Hash          function;      ///< none if it is not known
     Hash          text;          ///< of the flagged line; none if it is not known
     Hash          surroundings;  ///< of the lines around; none if they are not known
-    Hash          content;       ///< of all that is compared in a pair
+    Hash          flow;          ///< of the steps of its flows, whatever their order
+    Hash          content;       ///< of all else that is compared in a pair
     std::uint32_t rule = 0;      ///< with the tool, if both sides have that
     std::uint32_t file = 0;      ///< files are numbered in the order of their names
     std::int32_t  line = 0;      ///< 0 if it is not known
@@ -41,8 +42,13 @@ struct Finding {
 
     bool has_partner() const { return partner != none; }
 
+    /// Whether a pair of both would be unchanged.
+    bool has_content_of(Finding const& other) const {
+        return content == other.content && flow == other.flow;
+    }
+
     /// The order in which equal findings are matched.
-    auto rank() const { return std::tie(file, line, column, content, text, ordinal, set); }
+    auto rank() const { return std::tie(file, line, column, flow, content, text, ordinal, set); }
 };
 
 }  // namespace sml::results

@@ -23,7 +23,7 @@ Hash place_of(Finding const& one) { return {one.rule, std::uint64_t{one.file} + 
 template <Key key>
 Hash with_content(Finding const& one) {
     Hash const own = key(one);
-    return own.is_none() ? own : hash_of({own, one.content});
+    return own.is_none() ? own : hash_of({own, one.flow, one.content});
 }
 
 // What is equal in pairs of a stage. None where something that the stage needs is not known.
@@ -194,7 +194,7 @@ private:
             pair(group.olds[i], group.news[i], stage);
     }
 
-    // Not as many: those that have moved as the findings around them.
+    // Not as many: those that have moved as the findings around them; of these, such with one flow.
     void match_some(Stage stage, Key key) {
         if (!has_left(olds_.findings) || !has_left(news_.findings)) return;
         LineMap const lines(olds_.findings, news_.findings);
@@ -205,8 +205,9 @@ private:
         auto const fewer = fewer_olds ? group.olds : group.news;
         auto const more = fewer_olds ? group.news : group.olds;
         auto const cost = [&](std::size_t i, std::size_t k) {
-            return fewer_olds ? lines.distance(old_at(fewer[i]), new_at(more[k]))
-                              : lines.distance(old_at(more[k]), new_at(fewer[i]));
+            Finding const& older = old_at(fewer_olds ? fewer[i] : more[k]);
+            Finding const& newer = new_at(fewer_olds ? more[k] : fewer[i]);
+            return 2 * lines.distance(older, newer) + (older.flow == newer.flow ? 0 : 1);
         };
         for (auto const& [i, k] : cheapest_pairs(fewer.size(), more.size(), cost))
             pair(fewer_olds ? fewer[i] : more[k], fewer_olds ? more[k] : fewer[i], stage);
@@ -252,7 +253,7 @@ private:
     // An order that does not depend on the side.
     static bool has_less_code(Finding const& one, Finding const& other) {
         auto const code = [](Finding const& of) {
-            return std::tie(of.text, of.function, of.message, of.column, of.content);
+            return std::tie(of.text, of.function, of.message, of.column, of.flow, of.content);
         };
         return code(one) < code(other);
     }

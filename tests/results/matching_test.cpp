@@ -40,6 +40,7 @@ Finding random_finding(Random& random, std::uint32_t ordinal) {
     one.function = perhaps(3);
     one.text = perhaps(5);
     one.surroundings = one.text.is_none() ? Hash{} : some(3);
+    one.flow = some(2);
     one.content = some(3);
     one.line = static_cast<std::int32_t>(below(random, 30));
     one.column = static_cast<std::int32_t>(below(random, 3));
@@ -180,6 +181,46 @@ TEST(Matching, OfMoreDuplicatesThoseInPlaceAreMatched) {
     EXPECT_EQ(lines_matched({at(20)}, {at(10), at(20), at(30)}), (Lines{{20, 20}}));
 }
 
+TEST(Matching, OfMoreDuplicatesOfALineThoseWithOneFlowAreMatched) {
+    auto const with_flow = [](std::string_view flow, std::int32_t column, std::string_view level) {
+        Finding one = at(20);
+        one.flow = hash_of(flow);
+        one.content = hash_of(level);
+        one.column = column;
+        return one;
+    };
+    for (std::int32_t const column : {1, 3}) {
+        Finding const gone = with_flow("gone", 2, "error");
+        Finding const older = with_flow("kept", column, "error");
+        Finding const newer = with_flow("kept", 2, "warning");
+        Matched       olds{{gone, older}, {}};
+        Matched       news{{newer}, {}};
+        match(olds, news, files);
+        EXPECT_EQ(news.findings[0].partner, 1u) << column;
+        EXPECT_FALSE(olds.findings[0].has_partner());
+    }
+}
+
+TEST(Matching, WithoutALineNoOtherMessageIsTaken) {
+    Finding older = at(0);
+    Finding newer = at(0);
+    newer.message = newer.loose = hash_of("other");
+    EXPECT_TRUE(matched({{older}, {}}, {{newer}, {}}).empty());
+}
+
+TEST(Matching, OfMovedFindingsThoseWithOneContentAreMatched) {
+    auto const in_file = [](std::uint32_t file, std::int32_t line, std::string_view level) {
+        Finding one = at(line);
+        one.file = file;
+        one.function = hash_of("f()");
+        one.content = hash_of(level);
+        return one;
+    };
+    EXPECT_EQ(
+        lines_matched({in_file(0, 10, "error"), in_file(0, 20, "note")}, {in_file(3, 10, "note")}),
+        (Lines{{20, 10}}));
+}
+
 TEST(Matching, FindingsAroundTellWhereAFindingMustBe) {
     auto const other = [](std::int32_t line) {
         Finding one = at(line);
@@ -228,6 +269,11 @@ TEST(Matching, RenamedFileIsFound) {
     std::vector<Finding> const olds = {in_file(2, "a", 1), in_file(2, "b", 2), in_file(2, "c", 3)};
     std::vector<Finding> const news = {in_file(3, "a", 4), in_file(3, "b", 5), in_file(3, "d", 9)};
     EXPECT_EQ(lines_matched(olds, news), (Lines{{1, 4}, {2, 5}}));
+
+    // Of a file with many more findings, rules and messages alone are not enough.
+    std::vector<Finding> many = news;
+    for (std::int32_t line = 10; line < 16; ++line) many.push_back(in_file(3, "d", line));
+    EXPECT_TRUE(lines_matched(olds, many).empty());
 }
 
 TEST(Alignment, IsTheCheapestWithoutCrossing) {

@@ -269,9 +269,12 @@ class Maker:
     def plant_findings(self):
         rng = self.rng
         places = self.new.places()
-        # Without the text of lines, a new finding could not be told from one that has changed.
-        if self.config.text == "none":
-            self.removed |= {self.class_of(self.new, places, self.new.findings[number]) for number in self.changed}
+        removed = self.removed
+        # Without the text of lines, a new finding could not be told from one that has changed, nor from one that is
+        # gone and whose message could have changed.
+        if is_bare := self.config.text == "none":
+            removed |= {self.class_of(self.new, places, self.new.findings[number]) for number in self.changed}
+            removed = {(rule, file) for rule, _, file in removed}
         for function in self.some(self.new.functions, 0.08):
             rule = rng.choice(list(RULES))
             level, message = RULES[rule]
@@ -281,7 +284,7 @@ class Maker:
             if not own:
                 continue
             file = places[own[0]][0]
-            if (rule, message, file) in self.removed:
+            if ((rule, file) if is_bare else (rule, message, file)) in removed:
                 continue
             line = self.line(self.new, self.flagged_text(rule, name) + f"  // {self.next}")
             own.insert(rng.randint(0, len(own)), line)

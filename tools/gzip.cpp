@@ -52,9 +52,15 @@ void GzipReader::give_input() {
     rest_.remove_prefix(stream_.avail_in);
 }
 
+// Zeros may fill up the file behind the last member.
 void GzipReader::start_next_member() {
-    is_over_ = stream_.avail_in == 0 && rest_.empty();
-    if (!is_over_) ::inflateReset(&stream_);
+    std::string_view const given(reinterpret_cast<char const*>(stream_.next_in), stream_.avail_in);
+    auto const             is_zero = [](char c) { return c == '\0'; };
+    is_over_ = std::ranges::all_of(given, is_zero) && std::ranges::all_of(rest_, is_zero);
+    if (is_over_) return;
+    std::string const start = std::string(given.substr(0, 2)) + std::string(rest_.substr(0, 2));
+    if (!is_gzip(start)) damaged("other bytes follow its end");
+    ::inflateReset(&stream_);
 }
 
 void GzipReader::damaged(std::string const& what) const {

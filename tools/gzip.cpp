@@ -67,4 +67,44 @@ void GzipReader::damaged(std::string const& what) const {
     throw DamagedInput(name_ + ": compressed by gzip, but damaged: " + what);
 }
 
+GzipOutput::Buffer::Buffer(std::ostream& out) : out_(out) {
+    constexpr int memory_level = 8;
+    if (::deflateInit2(&packer_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzip_form, memory_level,
+                       Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::bad_alloc();
+}
+
+GzipOutput::Buffer::~Buffer() { ::deflateEnd(&packer_); }
+
+std::streamsize GzipOutput::Buffer::xsputn(char const* bytes, std::streamsize count) {
+    packer_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes));
+    for (auto left = static_cast<std::size_t>(count); left > 0;) {
+        auto const piece = at_most_all(left);
+        packer_.avail_in = piece;
+        left -= piece;
+        if (!pack(Z_NO_FLUSH)) return 0;
+    }
+    return count;
+}
+
+GzipOutput::Buffer::int_type GzipOutput::Buffer::overflow(int_type byte) {
+    if (traits_type::eq_int_type(byte, traits_type::eof())) return traits_type::not_eof(byte);
+    char const one = traits_type::to_char_type(byte);
+    return xsputn(&one, 1) == 1 ? byte : traits_type::eof();
+}
+
+void GzipOutput::Buffer::finish() { pack(Z_FINISH); }
+
+// Takes all input. Returns whether the stream has taken what came of it.
+bool GzipOutput::Buffer::pack(int flush) {
+    char packed[1 << 14];
+    do {
+        packer_.next_out = reinterpret_cast<Bytef*>(packed);
+        packer_.avail_out = sizeof packed;
+        ::deflate(&packer_, flush);
+        out_.write(packed, static_cast<std::streamsize>(sizeof packed - packer_.avail_out));
+    } while (packer_.avail_out == 0 && out_);
+    return static_cast<bool>(out_);
+}
+
 }  // namespace bradep

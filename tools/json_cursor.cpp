@@ -137,13 +137,11 @@ struct ExactNumbers {
 class ValueParser::Parser {
 public:
     // Returns how many bytes the value takes.
-    std::size_t parse(std::string_view text, json::storage_ptr storage) {
+    std::size_t parse(std::string_view text, json::storage_ptr storage, json::error_code& error) {
         parser_.reset();
+        parser_.handler().digits.clear();
         parser_.handler().stack.reset(std::move(storage));
-        json::error_code error;
-        auto const       used = parser_.write_some(false, text.data(), text.size(), error);
-        if (error) throw json::system_error(error);
-        return used;
+        return parser_.write_some(false, text.data(), text.size(), error);
     }
     json::value release() { return parser_.handler().stack.release(); }
 
@@ -242,8 +240,17 @@ json::value const& ValueParser::parse(Cursor& cursor) {
 }
 
 json::value ValueParser::parse(Cursor& cursor, json::storage_ptr storage) {
-    auto const rest = cursor.text_.substr(cursor.at_);
-    cursor.at_ += parser_->parse(rest, std::move(storage));
+    auto const       rest = cursor.text_.substr(cursor.at_);
+    json::error_code error;
+    cursor.at_ += parser_->parse(rest, std::move(storage), error);
+    if (error) throw json::system_error(error);
+    return parser_->release();
+}
+
+std::optional<json::value> ValueParser::parse(std::string_view text) {
+    json::error_code error;
+    auto const       used = parser_->parse(text, {}, error);
+    if (error || find(text, used, is_blank, false) < text.size()) return std::nullopt;
     return parser_->release();
 }
 

@@ -77,6 +77,8 @@ public:
     json::value const& parse(Cursor& cursor);
     /// The value takes its memory from `storage`.
     json::value parse(Cursor& cursor, json::storage_ptr storage);
+    /// The value that a whole text spells; none if the text is no JSON.
+    std::optional<json::value> parse(std::string_view text);
     /// A value of the same kind: a container comes without its contents, which are only skipped.
     json::value kind_of(Cursor& cursor);
 

@@ -194,8 +194,7 @@ class Run:
                     return rule, component
         demand(at is None or rule_id is not None, f"rule index {at}")
         if rule_id is not None:
-            searched = [component] if component_reference is not None else [component, *self.extensions]
-            for candidate in searched:
+            for candidate in [component, self.driver, *self.extensions]:
                 rule = self.rule_by_id(candidate, rule_id)
                 if rule is not None:
                     return rule, candidate

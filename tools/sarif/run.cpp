@@ -174,8 +174,8 @@ Rule Run::rule_of(json::value const& result) {
     if (at && !id) points_nowhere(*index_holder, index_name, "the rules");
     if (!id) return {nullptr, component.value};
     auto rule = rules_by_id_.find_in(number, *id);
-    if (!rule.descriptor && !component_reference)
-        rule = rules_by_id_.find_from(first_extension, *id);
+    if (!rule.descriptor && number != driver) rule = rules_by_id_.find_in(driver, *id);
+    if (!rule.descriptor) rule = rules_by_id_.find_from(first_extension, *id);
     return {rule.descriptor, rule.descriptor ? components_[rule.component].value : component.value};
 }
 

@@ -84,7 +84,7 @@ Type const                 kinds{.kind = Kind::text, .words = kinds_words};
 constexpr std::string_view levels_words[] = {"none", "note", "warning", "error"};
 Type const                 levels{.kind = Kind::text, .words = levels_words};
 
-constexpr std::string_view suppression_kinds_words[] = {"inSource", "external"};
+constexpr std::string_view suppression_kinds_words[] = {"external", "inSource"};
 Type const                 suppression_kinds{.kind = Kind::text, .words = suppression_kinds_words};
 
 constexpr std::string_view suppression_states_words[] = {"accepted", "underReview", "rejected"};
@@ -260,7 +260,7 @@ constexpr Property of_physical_location[] = {
     {"contextRegion", region},
     {"properties", bag},
     {"region", region}};
-constexpr std::string_view one_of_physical_location[] = {"address", "artifactLocation"};
+constexpr std::string_view one_of_physical_location[] = {"artifactLocation", "address"};
 constinit Type const physical_location{.kind = Kind::object, .properties = of_physical_location, .words = one_of_physical_location};
 
 constexpr Property of_rectangle[] = {

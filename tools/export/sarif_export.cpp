@@ -7,10 +7,13 @@
 #include "read_set.hpp"
 #include "report.hpp"
 #include "sarif/imported_runs.hpp"
+#include "sarif/kernel_runs.hpp"
 #include "sarif/log_writer.hpp"
 
 #include <ios>
 #include <ostream>
+#include <sml/tables/sqlite/database.hpp>
+#include "signals.hpp"
 
 namespace bradep {
 
@@ -35,8 +38,8 @@ void refuse_too_many_runs(sarif::LogSource const& runs, std::uint64_t max_output
                            std::to_string(max_output));
 }
 
-void add_file(sarif::LogWriter& writer, std::string const& file, SarifOptions const& sarif,
-              QueryOptions const& options, Streams& streams) {
+void add_imported(sarif::LogWriter& writer, std::string const& file, SarifOptions const& sarif,
+                  QueryOptions const& options, Streams& streams) {
     ResultSet set;
     read_file(file, options, streams, set);
     try {
@@ -46,6 +49,25 @@ void add_file(sarif::LogWriter& writer, std::string const& file, SarifOptions co
     } catch (DamagedInput const& refusal) {
         throw DamagedInput(input_name(file) + ": " + refusal.what());
     }
+}
+
+// Imported checks come back from their own fields, a kernel's ones from the tables that people ask.
+void add_file(sarif::LogWriter& writer, std::string const& file, SarifOptions const& sarif,
+              QueryOptions options, Streams& streams) {
+    options.files = {file};
+    {
+        QueryFiles const files(options, streams);
+        files.require_checks();
+        try {
+            sml::tables::Database database(files.sets(), Interruption::has_come());
+            if (sarif::holds_kernel_checks(database))
+                return writer.add(sarif::KernelRuns(database, 1));
+        } catch (sml::tables::SqlError const& error) {
+            Interruption::check();
+            throw IoFailure(std::string("cannot write a temporary table: ") + error.what());
+        }
+    }
+    add_imported(writer, file, sarif, options, streams);
 }
 
 void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const& options,
@@ -70,8 +92,6 @@ void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const&
 }  // namespace
 
 void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Streams& streams) {
-    if (options.stem && *options.stem != result_set_stem)
-        throw DamagedInput("only a " + std::string(result_set_stem) + " can be exported as SARIF");
     auto const write = [&](std::ostream& out) {
         if (!sarif.target.ends_with(".gz")) return write_log(out, sarif, options, streams);
         GzipOutput packed(out);

@@ -17,7 +17,7 @@ struct SarifOptions {
 };
 
 /// Writes the runs of all files, in their order, as one log. Throws DamagedInput for a file that
-/// holds no imported result set, and IoFailure.
+/// holds no checks, IoFailure, and Interrupted.
 void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Streams& streams);
 
 }  // namespace bradep

@@ -48,6 +48,10 @@ void add_file(sarif::LogWriter& writer, std::string const& file, SarifOptions co
     }
 }
 
+std::string output_name(SarifOptions const& sarif) {
+    return sarif.target == "-" ? "standard output" : sarif.target;
+}
+
 void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const& options,
                Streams& streams) {
     LimitedOutput limited(out, sarif.max_output);
@@ -57,12 +61,12 @@ void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const&
         for (auto const& file : options.files) add_file(writer, file, sarif, options, streams);
         writer.finish();
     } catch (std::ios_base::failure const&) {
-        limited.refuse_if_cut(sarif.target);
+        limited.refuse_if_cut(output_name(sarif));
         throw;
     }
     auto const& left_out = writer.left_out();
     if (left_out.count > 0)
-        report(streams.err, sarif.target + ": left out " + std::to_string(left_out.count) +
+        report(streams.err, output_name(sarif) + ": left out " + std::to_string(left_out.count) +
                                 (left_out.count == 1 ? " value that" : " values that") +
                                 " SARIF does not allow, the first at " + left_out.first);
 }

@@ -98,6 +98,12 @@ Action declare_export(CLI::App& app) {
         ->type_name("OUT.sarif");
     target->require_option(1);
     declare_query_options(app, *options);
+    app.add_option_function<std::string>(
+           "--limits", [options](std::string const&) { options->sarif.has_upload_limits = true; },
+           "Leave out of the log of --sarif what a service does not take: github, 25,000 results "
+           "a run and 10 MB compressed among others. The most severe results stay")
+        ->type_name("github")
+        ->check(CLI::IsMember({"github"}));
     declare_size(app, "--max-output", options->sarif.max_output,
                  "Bytes of the log that --sarif writes");
     declare_size(app, "--max-result", options->sarif.max_result,

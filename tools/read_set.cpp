@@ -15,16 +15,16 @@ using sml::inspect::Answer;
 
 // Readers use the decimal point of this process. Bytes written with another one are converted to
 // canonical bytes first, which have a dot.
-void read(WalkedInput const& input, sml::inspect::Verdict const& verdict, ResultSet& set) {
+void read(std::string const& name, std::string_view bytes, sml::inspect::Verdict const& verdict,
+          sml::inspect::WalkOptions const& options, ResultSet& set) {
     using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
-    auto const& options = input.options();
     if (options.decimal_point == sml::inspect::plain_point)
-        return Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
+        return Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, bytes.data());
     if (verdict.reason_against_encoding)
-        throw DamagedInput(input.name() + ": can't be read with another decimal point: " +
+        throw DamagedInput(name + ": can't be read with another decimal point: " +
                            described(*verdict.reason_against_encoding));
     std::ostringstream canonical;
-    write_canonical(input.root(), input.bytes(), canonical, options.walk());
+    write_canonical(root_of(result_set_stem), bytes, canonical, options);
     Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, canonical.view().data());
 }
 
@@ -39,7 +39,16 @@ void read_set(WalkedInput const& input, std::ostream& err, ResultSet& set) {
         throw DamagedInput(input.name() + ": " + form_notice(input.bytes()) +
                            "can't be read as a result set: " + described(verdict.findings.back()));
     groups.report(err, input.name(), verdict);
-    read(input, verdict, set);
+    read(input.name(), input.bytes(), verdict, input.options().walk(), set);
+}
+
+void read_set(sml::tables::ResultSet const& verified, sml::inspect::WalkOptions const& options,
+              ResultSet& set) {
+    auto const& root = verified.contents.root();
+    if (root.stem != result_set_stem)
+        throw DamagedInput(verified.name + ": is a " + std::string(root.stem) + ", not a " +
+                           std::string(result_set_stem));
+    read(verified.name, verified.bytes, verified.contents.verdict(), options, set);
 }
 
 }  // namespace bradep

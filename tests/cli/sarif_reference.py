@@ -291,10 +291,14 @@ class Run:
         if property_schema.get("type") == "array" and isinstance(value, list):
             items = property_schema["items"]
             none = items.get("$ref", "").endswith("/notification")
-            return [
+            elements = [
                 element if isinstance(element, list) else self.resolved_one(element, items, strings, listed)
                 for element in value
                 if not (none and given(element, "level") == "none")]
+            if not property_schema.get("uniqueItems"):
+                return elements
+            texts = [json.dumps(whole_numbers(element)) for element in elements]
+            return [element for at, element in enumerate(elements) if texts.index(texts[at]) == at]
         values = property_schema.get("additionalProperties")
         if property_schema.get("type") == "object" and isinstance(values, dict) and isinstance(value, dict):
             return {key: self.resolved_one(child, values, strings, listed)
@@ -400,7 +404,8 @@ class Run:
             names = [k for k, v in merged.items() if k not in ("index", "parentIndex") and v is not None]
             if not names or names in (["name"], ["fullyQualifiedName"]):
                 return None
-        return self.resolved(locations, DEFINITIONS["location"]["properties"]["logicalLocations"], strings) or None
+        schema = DEFINITIONS["location"]["properties"]["logicalLocations"]
+        return whole_numbers(self.resolved(locations, schema, strings)) or None
 
     def more(self, value, table, schema, strings, before="", other=None):
         """The properties that have no field, by pointer."""

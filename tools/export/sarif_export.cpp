@@ -1,92 +1,134 @@
 #include "export/sarif_export.hpp"
 
-#include <sml/inspect/text/json_writer.hpp>
 #include "errors.hpp"
 #include "gzip.hpp"
 #include "output_file.hpp"
-#include "read_set.hpp"
 #include "report.hpp"
-#include "sarif/imported_runs.hpp"
-#include "sarif/kernel_runs.hpp"
 #include "sarif/log_writer.hpp"
-
-#include <ios>
-#include <ostream>
-#include <sml/tables/sqlite/database.hpp>
+#include "sarif/set_runs.hpp"
+#include "sarif/upload_limits.hpp"
 #include "signals.hpp"
+
+#include <algorithm>
+#include <ios>
+#include <optional>
+#include <ostream>
+#include <streambuf>
 
 namespace bradep {
 
 namespace {
 
-void read_file(std::string const& file, QueryOptions const& options, Streams& streams,
-               ResultSet& set) {
-    WalkOptions walk;
-    walk.file = file;
-    walk.max_size = options.max_size;
-    walk.stem = result_set_stem;
-    walk.verify = options.verify;
-    WalkedInput const input(walk, streams);
-    read_set(input, streams.err, set);
-}
+using sarif::Cut;
+using sarif::UploadLimits;
 
 // A set of a few bytes can say that it has any number of runs.
-void refuse_too_many_runs(sarif::LogSource const& runs, std::uint64_t max_output) {
+void refuse_too_many_runs(sarif::LogSource const& runs, std::uint64_t max_output,
+                          std::string const& file) {
     constexpr std::uint64_t least_bytes = 40;  // of a run
     if (runs.runs() > max_output / least_bytes)
-        throw DamagedInput(std::to_string(runs.runs()) + " runs take more than --max-output " +
-                           std::to_string(max_output));
+        throw DamagedInput(file + ": " + std::to_string(runs.runs()) +
+                           " runs take more than --max-output " + std::to_string(max_output));
 }
 
-void add_imported(sarif::LogWriter& writer, std::string const& file, SarifOptions const& sarif,
-                  QueryOptions const& options, Streams& streams) {
-    ResultSet set;
-    read_file(file, options, streams, set);
-    try {
-        sarif::ImportedRuns const runs(set, sarif.max_result);
-        refuse_too_many_runs(runs, sarif.max_output);
-        writer.add(runs);
-    } catch (DamagedInput const& refusal) {
-        throw DamagedInput(input_name(file) + ": " + refusal.what());
-    }
+std::string output_name(SarifOptions const& sarif) {
+    return sarif.target == "-" ? "standard output" : sarif.target;
 }
 
-// Imported checks come back from their own fields, a kernel's ones from the tables that people ask.
-void add_file(sarif::LogWriter& writer, std::string const& file, SarifOptions const& sarif,
-              QueryOptions options, Streams& streams) {
-    options.files = {file};
-    {
-        QueryFiles const files(options, streams);
-        files.require_checks();
+/// Writes the files of a command as one log.
+class Logs {
+public:
+    Logs(SarifOptions const& sarif, QueryOptions const& options, Streams& streams)
+        : sarif_(sarif), options_(options), streams_(streams) {}
+
+    /// Without limits, everything is written.
+    sarif::LeftOut write(std::ostream& out, std::optional<UploadLimits> limits, Cut& cut) {
+        LimitedOutput limited(out, sarif_.max_output);
+        limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
+        sarif::LogWriter writer(limited.stream());
         try {
-            sml::tables::Database database(files.sets(), Interruption::has_come());
-            if (sarif::holds_kernel_checks(database))
-                return writer.add(sarif::KernelRuns(database, 1));
-        } catch (sml::tables::SqlError const& error) {
-            Interruption::check();
-            throw IoFailure(std::string("cannot write a temporary table: ") + error.what());
+            for (auto const& file : options_.files) add(writer, file, limits, cut);
+            writer.finish();
+        } catch (std::ios_base::failure const&) {
+            limited.refuse_if_cut(output_name(sarif_));
+            throw;
         }
+        return writer.left_out();
     }
-    add_imported(writer, file, sarif, options, streams);
+
+private:
+    // One file after another is open.
+    void add(sarif::LogWriter& writer, std::string const& file, std::optional<UploadLimits>& limits,
+             Cut& cut) {
+        auto options = options_;
+        options.files = {file};
+        QueryFiles const files(options, streams_);
+        auto const       runs =
+            sarif::runs_of_set(files.sets(), 1, options.verify.walk(), sarif_.max_result);
+        refuse_too_many_runs(*runs, sarif_.max_output, file);
+        if (!limits) return writer.add(*runs);
+        sarif::LimitedRuns const limited(*runs, *limits, cut);
+        writer.add(limited);
+        limits->runs -= limited.runs();
+    }
+
+    SarifOptions const& sarif_;
+    QueryOptions const& options_;
+    Streams&            streams_;
+};
+
+/// Counts bytes and forgets them.
+class CountedBytes : public std::streambuf {
+public:
+    std::uint64_t count() const { return count_; }
+
+private:
+    std::streamsize xsputn(char const*, std::streamsize count) override {
+        count_ += static_cast<std::uint64_t>(count);
+        return count;
+    }
+    int_type overflow(int_type byte) override {
+        ++count_;
+        return byte;
+    }
+
+    std::uint64_t count_ = 0;
+};
+
+// Limits under which the log, compressed, is small enough: with fewer results if need be.
+UploadLimits limits_that_fit(Logs& logs, std::string const& name) {
+    for (UploadLimits limits;;) {
+        Cut          cut;
+        CountedBytes bytes;
+        std::ostream out(&bytes);
+        GzipOutput   packed(out);
+        logs.write(packed.stream(), limits, cut);
+        packed.finish();
+        if (bytes.count() <= limits.packed_bytes) return limits;
+        if (cut.most_kept == 0)
+            throw DamagedInput(name + ": also without results, the log is larger than " +
+                               std::to_string(limits.packed_bytes) + " bytes");
+        double const share =
+            static_cast<double>(limits.packed_bytes) / static_cast<double>(bytes.count());
+        limits.results =
+            static_cast<std::size_t>(static_cast<double>(cut.most_kept) * share * 0.97);
+    }
 }
 
 void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const& options,
                Streams& streams) {
-    LimitedOutput limited(out, sarif.max_output);
-    limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
-    sarif::LogWriter writer(limited.stream());
-    try {
-        for (auto const& file : options.files) add_file(writer, file, sarif, options, streams);
-        writer.finish();
-    } catch (std::ios_base::failure const&) {
-        limited.refuse_if_cut(sarif.target);
-        throw;
-    }
-    auto const& left_out = writer.left_out();
+    Logs                        logs(sarif, options, streams);
+    auto const                  name = output_name(sarif);
+    std::optional<UploadLimits> limits;
+    if (sarif.has_upload_limits) limits = limits_that_fit(logs, name);
+    Cut        cut;
+    auto const left_out = logs.write(out, limits, cut);
     if (left_out.count > 0)
-        report(streams.err, sarif.target + ": left out " + std::to_string(left_out.count) +
+        report(streams.err, name + ": left out " + std::to_string(left_out.count) +
                                 (left_out.count == 1 ? " value that" : " values that") +
                                 " SARIF does not allow, the first at " + left_out.first);
+    if (auto const words = cut.in_words(); !words.empty())
+        report(streams.err, name + ": left out what is beyond the limits: " + words);
 }
 
 }  // namespace

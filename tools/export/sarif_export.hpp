@@ -12,6 +12,7 @@ namespace bradep {
 
 struct SarifOptions {
     std::string   target;  ///< "-" is standard output; compressed by gzip if it ends with ".gz"
+    bool          has_upload_limits = false;  ///< leaves out what GitHub does not take
     std::uint64_t max_output = default_max_output;
     std::uint64_t max_result = std::uint64_t{1} << 27;
 };

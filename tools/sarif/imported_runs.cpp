@@ -159,7 +159,8 @@ void ImportedRuns::results(std::size_t run, ResultSink const& sink) const {
         auto       object = json_.object_of(result);
         auto const rule = rules.places.find(form->second->second_int);
         if (rule != rules.places.end()) refer(object, rule->second);
-        sink(std::move(object));
+        auto const& key = form->second->first_numbered_name;
+        sink(key->first.str() + ':' + std::to_string(key->second), std::move(object));
     }
 }
 

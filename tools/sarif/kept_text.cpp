@@ -3,6 +3,7 @@
 #include <sml/inspect/text/json_text.hpp>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace bradep::sarif {
@@ -53,10 +54,14 @@ void KeptText::append(std::string& text, schema::Property const& property,
     add(value, property);
 }
 
-void KeptText::append(std::string& text, schema::Type const& type, json::value const& value) {
+void KeptText::append_component(std::string& text, json::value const& component) {
     text_ = &text;
     resolved_ = 0;
-    add(value, &type);
+    if (!component.is_object()) return add(component, nullptr);
+    text += '{';
+    add_members(component, &schema::tool_component, {{"rules", "taxa", "notifications"}});
+    for (auto const* const list : {"taxa", "notifications"}) add_used(component, list);
+    text += '}';
 }
 
 void KeptText::add(json::value const& value, schema::Property const& property) {
@@ -65,7 +70,9 @@ void KeptText::add(json::value const& value, schema::Property const& property) {
     auto const before = descriptors_;
     if (below != std::end(lists_below)) descriptors_ = below->second;
     bool const is_list = value.is_array();
-    if (is_list == (property.shape == Shape::list) && property.shape != Shape::map) {
+    if (is_list && property.shape == Shape::list) {
+        add_list(value.get_array(), property);
+    } else if (!is_list && property.shape == Shape::one) {
         add(value, property.type);
     } else if (value.is_object() && property.shape == Shape::map) {
         *text_ += '{';
@@ -81,6 +88,24 @@ void KeptText::add(json::value const& value, schema::Property const& property) {
     descriptors_ = before;
 }
 
+// Elements that differ in their indices alone become equal. Where SARIF allows no equal ones, the
+// first of them stays.
+void KeptText::add_list(json::array const& list, schema::Property const& property) {
+    bool const            may_repeat = (property.demands & schema::unique) == 0;
+    std::set<std::string> seen;
+    *text_ += '[';
+    for (auto const& one : list) {
+        if (property.type == &schema::notification && is_of_no_level(one)) continue;
+        auto const before = text_->size();
+        separate();
+        auto const start = text_->size();
+        add(one, one.is_array() ? nullptr : property.type);
+        if (!may_repeat && list.size() > 1 && !seen.insert(text_->substr(start)).second)
+            text_->resize(before);
+    }
+    *text_ += ']';
+}
+
 // Without a type, the value is kept as it is.
 void KeptText::add(json::value const& value, schema::Type const* type) {
     switch (value.kind()) {
@@ -88,9 +113,8 @@ void KeptText::add(json::value const& value, schema::Type const* type) {
         case json::kind::array:
             *text_ += '[';
             for (auto const& one : value.get_array()) {
-                if (type == &schema::notification && is_of_no_level(one)) continue;
                 separate();
-                add(one, one.is_array() ? nullptr : type);
+                add(one, nullptr);
             }
             *text_ += ']';
             return;
@@ -120,8 +144,6 @@ void KeptText::add_object(json::value const& object, schema::Type const* type) {
         add_reference(object);
     else if (type == &schema::tool_component_reference)
         add_component_reference(object);
-    else if (type == &schema::tool_component)
-        add_component(object);
     else if (type && type->property("index"))
         add_shared(object, *type);
     else
@@ -202,11 +224,6 @@ void KeptText::add_component_reference(json::value const& reference) {
         add_members(reference, &schema::tool_component_reference, {{"name", "index"}});
     else
         add_members(reference, &schema::tool_component_reference, {{"index"}});
-}
-
-void KeptText::add_component(json::value const& component) {
-    add_members(component, &schema::tool_component, {{"rules", "taxa", "notifications"}});
-    for (auto const* const list : {"taxa", "notifications"}) add_used(component, list);
 }
 
 void KeptText::add_used(json::value const& component, std::string_view list) {

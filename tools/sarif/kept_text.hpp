@@ -14,9 +14,8 @@ struct TooMuchResolved {};
 
 /// Appends texts of values without blanks, with whole numbers without point and exponent. What has
 /// an index stands without it and with what the index leads to, as another log has other lists. A
-/// message that has only an id gets the text. Property bags stand as they are. A tool component
-/// stands without its rules, and with those of its taxa and notifications that are referred to.
-/// Notifications of the level "none" are left out.
+/// message that has only an id gets the text. Property bags stand as they are. Notifications of the
+/// level "none" are left out.
 class KeptText {
 public:
     /// The message strings are those of the rule. The lists must outlive this object. What comes
@@ -26,13 +25,17 @@ public:
 
     /// Throws TooMuchResolved.
     void append(std::string& text, schema::Property const& property, json::value const& value);
-    void append(std::string& text, schema::Type const& type, json::value const& value);
+
+    /// The same for a component of the tool or a taxonomy: without its rules, and with those of its
+    /// taxa and notifications that are referred to.
+    void append_component(std::string& text, json::value const& component);
 
 private:
     struct Names;
 
     void add(json::value const& value, schema::Type const* type);
     void add(json::value const& value, schema::Property const& property);
+    void add_list(json::array const& list, schema::Property const& property);
     void add_members(json::value const& object, schema::Type const* type, Names const& except);
     void add_object(json::value const& object, schema::Type const* type);
     void add_artifact_location(json::value const& location);
@@ -41,7 +44,6 @@ private:
     void add_notification(json::value const& notification);
     void add_reference(json::value const& reference);
     void add_component_reference(json::value const& reference);
-    void add_component(json::value const& component);
     void add_used(json::value const& component, std::string_view list);
     void add_name(std::string_view name);
     void add_resolved(std::string_view name, json::value const* value);

@@ -210,7 +210,7 @@ public:
           fingerprints_(fingerprints) {}
 
     void run(LogSource::ResultSink const& sink) {
-        while (findings_.next()) sink(next());
+        while (findings_.next()) sink(std::string(findings_.text(key)), next());
     }
 
 private:
@@ -328,8 +328,9 @@ private:
 
 }  // namespace
 
-bool holds_kernel_checks(Database& database) {
-    return Query(database, "SELECT 1 FROM findings WHERE run IS NULL LIMIT 1").next();
+bool holds_kernel_checks(Database& database, std::int64_t set) {
+    return Query(database, "SELECT 1 FROM findings" + of_set(set) + " AND run IS NULL LIMIT 1")
+        .next();
 }
 
 KernelRuns::KernelRuns(Database& database, std::int64_t set) : database_(database), set_(set) {

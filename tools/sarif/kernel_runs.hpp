@@ -13,8 +13,8 @@
 
 namespace bradep::sarif {
 
-/// Whether there are checks that no import has written.
-bool holds_kernel_checks(sml::tables::Database& database);
+/// Whether a result set has checks that no import has written.
+bool holds_kernel_checks(sml::tables::Database& database, std::int64_t set);
 
 /// One run with all findings of a result set, as the view `findings` has them: categories are the
 /// rules, information records the related locations, and payloads stand in the property bags.

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace bradep::sarif {
 
@@ -13,7 +14,8 @@ namespace json = boost::json;
 /// Runs as JSON objects in the form of a log. What does not fit SARIF is left out by the writer.
 class LogSource {
 public:
-    using ResultSink = std::function<void(json::object&&)>;
+    /// Takes a result and the key of its finding, as in "src/a.c:1".
+    using ResultSink = std::function<void(std::string const& key, json::object&& result)>;
 
     virtual ~LogSource() = default;
 

@@ -61,7 +61,7 @@ void LogWriter::add_run(LogSource const& source, std::size_t number) {
     json.member("results");
     json.open('[');
     std::size_t results = 0;
-    source.results(number, [&](json::object&& object) {
+    source.results(number, [&](std::string const&, json::object&& object) {
         json::value result = std::move(object);
         if (!make_fit(result, schema::result, pointer + "/results/" + std::to_string(results++),
                       left_out_))

@@ -353,17 +353,26 @@ std::string Run::markdown_text(json::value const& message) {
     return text;
 }
 
-std::string Run::kept_text(schema::Property const& property, json::value const& value,
-                           Rule const& rule) {
+// Calls `append` for what makes the text of the value.
+template <class Append>
+std::string Run::kept_text(json::value const& value, Rule const& rule, Append const& append) {
     auto const most = expansion_.limits().message;
     try {
         std::string text;
-        KeptText(lists_, rule, most).append(text, property, value);
+        KeptText    kept(lists_, rule, most);
+        append(kept, text);
         return text;
     } catch (TooMuchResolved const&) {
         throw Misfit{&value, "what its indices lead to comes to more than --max-message " +
                                  std::to_string(most) + " bytes"};
     }
+}
+
+std::string Run::kept_text(schema::Property const& property, json::value const& value,
+                           Rule const& rule) {
+    return kept_text(value, rule, [&](KeptText& kept, std::string& text) {
+        kept.append(text, property, value);
+    });
 }
 
 // The text of a property that is kept; empty if it has no more than what has a field.
@@ -404,7 +413,6 @@ void Run::keep_more(json::value const& given, Rule const& rule, Result& result) 
 }
 
 constexpr schema::Property one_rule{"rules", schema::reporting_descriptor};
-constexpr schema::Property one_component{"tool", schema::tool_component};
 
 std::optional<Descriptor> Run::descriptor_of(Rule const& rule) {
     auto const* const descriptor = rule.descriptor;
@@ -428,9 +436,11 @@ std::string Run::pointer_of(json::value const* component) {
 
 void Run::keep_component(std::string const& pointer, json::value const& component,
                          RunFacts& facts) {
-    facts.facts.texts.emplace(
-        expansion_.text_of(pointer, component),
-        expansion_.text_of(kept_text(one_component, component, {nullptr, &component}), component));
+    auto const text = kept_text(
+        component, {nullptr, &component},
+        [&](KeptText& kept, std::string& made) { kept.append_component(made, component); });
+    facts.facts.texts.emplace(expansion_.text_of(pointer, component),
+                              expansion_.text_of(text, component));
 }
 
 // Those that define rules of results come first, then those whose taxa and the like are referred

@@ -80,12 +80,14 @@ private:
     std::vector<Suppression> suppressions_of(json::value const& result);
     bool                     says_one_name(json::value const& logical_locations) const;
     std::string              markdown_text(json::value const& message);
-    std::string              kept_text(schema::Property const& property, json::value const& value,
-                                       Rule const& rule);
-    std::string              more_text(kept::Member const& member, schema::Property const& property,
-                                       json::value const& value, Rule const& rule);
-    std::optional<KeptJson>  more_of(json::value const& thread_flow_location, Rule const& rule);
-    void                     keep_more(json::value const& given, Rule const& rule, Result& result);
+    template <class Append>
+    std::string kept_text(json::value const& value, Rule const& rule, Append const& append);
+    std::string kept_text(schema::Property const& property, json::value const& value,
+                          Rule const& rule);
+    std::string more_text(kept::Member const& member, schema::Property const& property,
+                          json::value const& value, Rule const& rule);
+    std::optional<KeptJson>   more_of(json::value const& thread_flow_location, Rule const& rule);
+    void                      keep_more(json::value const& given, Rule const& rule, Result& result);
     std::optional<Descriptor> descriptor_of(Rule const& rule);
     std::string               pointer_of(json::value const* component);
     void keep_component(std::string const& pointer, json::value const& component, RunFacts& facts);

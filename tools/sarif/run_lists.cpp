@@ -86,7 +86,7 @@ void RunLists::use(json::value const* descriptor) {
         if (relationships == nullptr) continue;
         for (auto const& relationship : *relationships)
             if (auto const* const target = found(&relationship, "target"))
-                next.push_back(referred(*target, {"taxa", "rules"}).descriptor);
+                next.push_back(referred(*target, {"taxa"}).descriptor);
     }
 }
 

@@ -15,7 +15,7 @@ import tempfile
 from pathlib import Path
 
 import sarif_reference
-from compare_with_reference import canonical, run_bradep, shown_checks
+from compare_with_reference import difference, run_bradep, shown_checks
 
 ODD_VALUES = [None, True, 2**31, 1.5, [], {}, [None], [{}], "x", 7, -1]
 FITTING_VALUES = {
@@ -95,10 +95,7 @@ def agreement(bradep, log, expected, result_set):
         return None if expected is None and one_line else f"bradep alone refuses: {imported.stderr!r}"
     if expected is None:
         return "the reference alone refuses"
-    shown = list(shown_checks(bradep, result_set))
-    if [canonical(check) for check in shown] == [canonical(check) for check in expected]:
-        return None
-    return f"shown {shown}\nexpected {expected}"
+    return difference(list(shown_checks(bradep, result_set)), expected)
 
 
 def main(bradep, directory, count="300", seed=None):

@@ -26,6 +26,25 @@ def canonical(value):
     return json.dumps(value, sort_keys=True, ensure_ascii=True)
 
 
+def difference(before, after, path=""):
+    """The path of the first difference of two values."""
+    if isinstance(before, dict) and isinstance(after, dict):
+        for name in sorted({*before, *after}):
+            if name not in before or name not in after:
+                return f"{path}/{name} only {'before' if name in before else 'after'}"
+            if found := difference(before[name], after[name], f"{path}/{name}"):
+                return found
+    elif isinstance(before, list) and isinstance(after, list):
+        if len(before) != len(after):
+            return f"{path}: {len(before)} elements, then {len(after)}"
+        for at, (one, other) in enumerate(zip(before, after)):
+            if found := difference(one, other, f"{path}/{at}"):
+                return found
+    elif canonical(before) != canonical(after):
+        return f"{path}: {before!r:.100}, then {after!r:.100}"
+    return None
+
+
 def no_duplicates(pairs):
     names = [name for name, _ in pairs]
     assert len(names) == len(set(names)), f"a member twice in {names}"

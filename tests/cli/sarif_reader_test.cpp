@@ -80,7 +80,7 @@ TEST(SarifReader, RulesAreFoundByIndexIdAndGuidInDriverAndExtensions) {
     EXPECT_EQ(rule("extension by name"), "B1 note");
     EXPECT_EQ(rule("guid in an extension"), "B1 note");
     EXPECT_EQ(rule("id known to an extension only"), "A0 error");
-    EXPECT_EQ(rule("an extension without rules"), "R0 warning");
+    EXPECT_EQ(rule("an extension without rules"), "R0 error");
 }
 
 TEST(SarifReader, AbsentMessageIsNotAnEmptyOne) {

@@ -100,8 +100,8 @@ def given(value, name):
 
 
 def at_index(values, index):
-    is_index = isinstance(index, int) and not isinstance(index, bool)
-    return values[index] if isinstance(values, list) and is_index and 0 <= index < len(values) else None
+    is_index = isinstance(index, (int, float)) and not isinstance(index, bool) and index == index // 1
+    return values[int(index)] if isinstance(values, list) and is_index and 0 <= index < len(values) else None
 
 
 def whole_numbers(value):

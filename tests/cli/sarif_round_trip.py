@@ -22,7 +22,7 @@ import jsonschema
 
 import random_sarif
 import sarif_reference
-from compare_with_reference import canonical, logs
+from compare_with_reference import difference, logs
 from sarif_reference import DEFINITIONS, SCHEMA, first, given, whole_numbers
 
 VALIDATOR = jsonschema.Draft4Validator(SCHEMA)
@@ -114,25 +114,6 @@ def bradep(*arguments):
 def digest(result_set):
     root = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T"
     return bradep("digest", "-q", "--root", root, result_set).stdout.split()[0]
-
-
-def difference(before, after, path=""):
-    """The path of the first difference of two values."""
-    if isinstance(before, dict) and isinstance(after, dict):
-        for name in sorted({*before, *after}):
-            if name not in before or name not in after:
-                return f"{path}/{name} only {'before' if name in before else 'after'}"
-            if found := difference(before[name], after[name], f"{path}/{name}"):
-                return found
-    elif isinstance(before, list) and isinstance(after, list):
-        if len(before) != len(after):
-            return f"{path}: {len(before)} elements, then {len(after)}"
-        for at, (one, other) in enumerate(zip(before, after)):
-            if found := difference(one, other, f"{path}/{at}"):
-                return found
-    elif canonical(before) != canonical(after):
-        return f"{path}: {before!r:.100}, then {after!r:.100}"
-    return None
 
 
 def compare_logs(before, after):

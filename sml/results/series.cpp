@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <numeric>
 #include <set>
 #include <string_view>
@@ -45,20 +46,25 @@ public:
         read_states();
     }
 
+    // What is equal comes first, also with findings that are gone.
     void match_all(std::vector<MovedRoot> const& roots) {
         store_.load_open(olds_);
-        open_ = olds_.findings.size();
-        if (open_ > 0) forget_texts_of_one_side(olds_, news_);
+        if (!olds_.findings.empty()) forget_texts_of_one_side(olds_, news_);
         JoinedNames names(olds_, news_, roots);
         names.apply(olds_);
         names.apply(news_);
         // No finding of the series has this rule.
         for (std::size_t i = 0; i < news_.findings.size(); ++i)
             if (news_.is_left_out[i]) news_.findings[i].rule = Finding::none;
-        match_with_olds(names);
-        if (add_gone(names)) match_with_olds(names);
-        bool const has_moved = !names.paths().roots().empty() || !roots.empty();
-        if (has_moved || !renamed_.empty()) rename_files(names);
+        match_open(names, Stages::equal);
+        load_gone(names);
+        match_with_gone(names, Stages::equal);
+        match_open(names, Stages::all);
+        move_functions();
+        match_with_gone(names, Stages::all);
+        bool const have_moved = !names.paths().roots().empty() || !roots.empty();
+        if (have_moved || !renamed_.empty()) rename_files(names);
+        for (auto const& [id, path] : moved_) store_.move_function(id, path);
     }
 
     RunCounts save(Run const& run) {
@@ -110,36 +116,63 @@ private:
         return !news_.is_left_out[index] && !news_.findings[index].has_partner();
     }
 
-    void match_with_olds(JoinedNames const& names) {
-        for (auto const& [older, newer] : match(olds_, news_, names.files()))
+    void match_open(JoinedNames const& names, Stages stages) {
+        for (auto const& [older, newer] : match(olds_, news_, names.files(), stages))
             renamed_[older] = renamed_[newer] = std::min(older, newer);
+        for (Finding& one : gone_.findings) one.file = number_now(one.file);
     }
 
-    // Adds the findings that are gone and may have come back to the old ones, which keep their
-    // partners. Only those whose rule a new finding has are read. Returns whether there are any.
-    bool add_gone(JoinedNames& names) {
-        StoredSide gone;
-        for (std::string const& rule : new_rules()) store_.load_gone(rule, gone);
-        if (gone.findings.empty()) return false;
-        forget_other_texts(gone, texts_of(news_));
-        names.apply(gone);
-        auto const first = static_cast<std::uint32_t>(olds_.findings.size());
-        for (Finding& one : gone.findings) {
-            if (auto const now = renamed_.find(one.file); now != renamed_.end())
-                one.file = now->second;
-            one.ordinal += first;
-        }
-        for (Fingerprint& print : gone.fingerprints) print.finding += first;
-        append(olds_.findings, gone.findings);
-        append(olds_.fingerprints, gone.fingerprints);
-        append(olds_.ids, gone.ids);
-        append(olds_.is_suppressed, gone.is_suppressed);
-        return true;
+    // As if the findings that are gone were open.
+    void match_with_gone(JoinedNames const& names, Stages stages) {
+        if (gone_.findings.empty()) return;
+        auto const open = static_cast<std::ptrdiff_t>(olds_.findings.size());
+        auto const prints = olds_.fingerprints.size();
+        append(olds_.findings, gone_.findings);
+        append(olds_.fingerprints, gone_.fingerprints);
+        match_open(names, stages);
+        gone_.findings.assign(olds_.findings.begin() + open, olds_.findings.end());
+        olds_.findings.resize(static_cast<std::size_t>(open));
+        olds_.fingerprints.resize(prints);
     }
 
     template <class Values>
     static void append(Values& all, Values const& more) {
         all.insert(all.end(), more.begin(), more.end());
+    }
+
+    // Only those whose rule a new finding has. Their indices follow those of the open ones.
+    void load_gone(JoinedNames& names) {
+        for (std::string const& rule : new_rules()) store_.load_gone(rule, gone_);
+        forget_other_texts(gone_, texts_of(news_));
+        names.apply(gone_);
+        auto const first = static_cast<std::uint32_t>(olds_.findings.size());
+        for (Finding& one : gone_.findings) {
+            one.file = number_now(one.file);
+            one.ordinal += first;
+        }
+        for (Fingerprint& print : gone_.fingerprints) print.finding += first;
+    }
+
+    // Where a function has moved to another file, its findings that are gone have, too.
+    void move_functions() {
+        using Place = std::pair<Hash, std::uint32_t>;
+        std::map<Place, std::uint32_t> files;
+        for (std::size_t i = 0; i < olds_.findings.size(); ++i) {
+            Finding const& older = olds_.findings[i];
+            if (!older.has_partner() || older.function.is_none()) continue;
+            Finding const& newer = news_.findings[older.partner];
+            if (newer.file == older.file || newer.function != older.function) continue;
+            bool const is_first =
+                files.emplace(Place(older.function, older.file), newer.file).second;
+            if (is_first) moved_.emplace_back(olds_.ids[i], path_of_new(older.partner));
+        }
+        for (Finding& one : gone_.findings)
+            if (auto const moved = files.find({one.function, one.file}); moved != files.end())
+                one.file = moved->second;
+    }
+
+    std::string const& path_of_new(std::uint32_t index) const {
+        return news_.paths.all()[news_.file_of[index]];
     }
 
     // In the order of their names.
@@ -157,16 +190,12 @@ private:
         return rules;
     }
 
-    // Findings that are gone stay in their files when these get other names.
+    // Gives the files of the series the paths of the new side.
     void rename_files(JoinedNames const& names) {
-        auto const renamed = [&](std::uint32_t file) {
-            auto const found = renamed_.find(file);
-            return found == renamed_.end() ? file : found->second;
-        };
-        std::unordered_map<std::uint32_t, std::string> paths;  // on the new side
         std::unordered_map<std::string, std::uint32_t> numbers;
         for (std::size_t i = 0; i < names.files().size(); ++i)
-            numbers.emplace(names.files()[i], renamed(static_cast<std::uint32_t>(i)));
+            numbers.emplace(names.files()[i], number_now(static_cast<std::uint32_t>(i)));
+        std::unordered_map<std::uint32_t, std::string> paths;
         for (std::string const& path : news_.paths.all())
             paths.emplace(numbers.at(names.name_of(Side::new_side, path)), path);
         store_.rename_files([&](std::string const& path) {
@@ -178,16 +207,19 @@ private:
         });
     }
 
+    std::uint32_t number_now(std::uint32_t file) const {
+        auto const found = renamed_.find(file);
+        return found == renamed_.end() ? file : found->second;
+    }
+
     void save_olds(std::int64_t run) {
         for (std::size_t i = 0; i < olds_.findings.size(); ++i) {
-            bool const was_open = i < open_;
-            bool const is_open = olds_.findings[i].has_partner();
-            if (was_open && !is_open) {
-                store_.note_gone(olds_.ids[i], run);
-                if (!olds_.is_suppressed[i]) ++counts_.fixed;
-            }
-            if (!was_open && is_open) store_.note_back(olds_.ids[i], run);
+            if (olds_.findings[i].has_partner()) continue;
+            store_.note_gone(olds_.ids[i], run);
+            if (!olds_.is_suppressed[i]) ++counts_.fixed;
         }
+        for (std::size_t i = 0; i < gone_.findings.size(); ++i)
+            if (gone_.findings[i].has_partner()) store_.note_back(gone_.ids[i], run);
     }
 
     // Identities are given in the order of the places.
@@ -211,11 +243,10 @@ private:
 
     void save_new(std::int64_t run, std::uint32_t index, sqlite3_stmt* columns) {
         Finding const& one = news_.findings[index];
-        Sighting const sighting{one, news_.code[index], news_.prints_of[index],
-                                news_.paths.all()[news_.file_of[index]], columns};
-        bool const     is_returned = one.has_partner() && one.partner >= open_;
+        Sighting const sighting{one, news_.code[index], news_.prints_of[index], path_of_new(index),
+                                columns};
         if (one.has_partner())
-            store_.see(olds_.ids[one.partner], sighting);
+            store_.see(id_of(one.partner), sighting);
         else
             store_.add(run, sighting);
         if (news_.is_suppressed[index]) {
@@ -224,18 +255,25 @@ private:
         }
         ++counts_.open;
         if (!one.has_partner()) ++counts_.added;
-        if (is_returned) ++counts_.returned;
+        if (one.has_partner() && one.partner >= olds_.ids.size()) ++counts_.returned;
+    }
+
+    std::int64_t id_of(std::uint32_t partner) const {
+        bool const is_open = partner < olds_.ids.size();
+        return is_open ? olds_.ids[partner] : gone_.ids[partner - olds_.ids.size()];
     }
 
     SeriesStore&             store_;
     std::atomic<bool> const& is_interrupted_;
     DiffStore                texts_;  // of the run
-    StoredSide               olds_;   // the open ones first
-    std::size_t              open_ = 0;
+    StoredSide               olds_;   // the open findings
+    StoredSide               gone_;   // those that may have come back
     NewSide                  news_;
     RunCounts                counts_;
     // The numbers of files that have another name, and the number that both names have.
     std::unordered_map<std::uint32_t, std::uint32_t> renamed_;
+    // Open findings whose functions have moved to files with these paths.
+    std::vector<std::pair<std::int64_t, std::string>> moved_;
 };
 
 }  // namespace

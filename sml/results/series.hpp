@@ -18,9 +18,9 @@ struct Run {
 };
 
 /// Adds a run to a series, in the transaction that the store has begun. Its findings are matched
-/// with the open ones, as `diff` does; those that are new then are matched with those that are
-/// gone. Findings that a log itself says are absent do not count. Throws what reading tables
-/// throws, SqlError while `is_interrupted` is true.
+/// with the open ones by the stages of `diff`, then those that are new with those that are gone.
+/// Findings that a log itself says are absent do not count. Throws what reading tables throws,
+/// SqlError while `is_interrupted` is true.
 RunCounts add_run(Run const& run, DiffOptions const& options, SeriesStore& store,
                   std::atomic<bool> const& is_interrupted);
 

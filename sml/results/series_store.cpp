@@ -69,6 +69,8 @@ std::string tables_sql() {
            "CREATE INDEX identities_open ON identities (gone_run) WHERE gone_run IS NULL;\n"
            "CREATE INDEX identities_gone ON identities (ifnull(rule, ''))\n"
            "  WHERE gone_run IS NOT NULL;\n"
+           "CREATE INDEX identities_gone_function ON identities (function)\n"
+           "  WHERE gone_run IS NOT NULL;\n"
            "CREATE TABLE gaps (\n"
            "  id INTEGER NOT NULL, gone_run INTEGER NOT NULL, back_run INTEGER NOT NULL,\n"
            "  PRIMARY KEY (id, gone_run)) WITHOUT ROWID;\n"
@@ -185,6 +187,9 @@ struct SeriesStore::Statements {
           gone(connection, "UPDATE identities SET gone_run = ? WHERE id = ?"),
           gap(connection, "INSERT INTO gaps SELECT id, gone_run, ? FROM identities WHERE id = ?"),
           back(connection, "UPDATE identities SET gone_run = NULL WHERE id = ?"),
+          move(connection,
+               "UPDATE identities SET file = ?1 WHERE gone_run IS NOT NULL AND (function, file) ="
+               " (SELECT function, file FROM identities WHERE id = ?2)"),
           find_file(connection, "SELECT min(file) FROM files WHERE path = ?"),
           add_file(connection, "INSERT INTO files (path) VALUES (?) RETURNING file"),
           load_gone(connection, load_sql("gone_run IS NOT NULL AND ifnull(rule, '') = ?")) {}
@@ -198,7 +203,7 @@ struct SeriesStore::Statements {
                std::to_string(parameter_behind_sighting()) + " AND " + before + " IS NOT " + after;
     }
 
-    Statement add, see, gone, gap, back, find_file, add_file, load_gone;
+    Statement add, see, gone, gap, back, move, find_file, add_file, load_gone;
 
     // The texts must live until the statement has run.
     static void bind_blob(Statement& statement, int parameter, std::string const& bytes) {
@@ -244,8 +249,8 @@ SeriesStore::~SeriesStore() = default;
 
 std::vector<std::string> const& SeriesStore::columns() {
     static Columns const names = {"tool",     "tool_version", "rule",       "level",  "kind",
-                                "message",  "category",     "uri",        "line",   "column",
-                                "function", "class",        "suppressed", "payload"};
+                                  "message",  "category",     "uri",        "line",   "column",
+                                  "function", "class",        "suppressed", "payload"};
     return names;
 }
 
@@ -350,6 +355,12 @@ void SeriesStore::add_run(std::int64_t number, std::string_view name, std::strin
          {counts.open, counts.added, counts.returned, counts.fixed, counts.suppressed})
         add.bind(++parameter, static_cast<std::int64_t>(count));
     add.step();
+}
+
+void SeriesStore::move_function(std::int64_t finding, std::string_view path_now) {
+    statements_->move.bind(1, file_of(path_now));
+    statements_->move.bind(2, finding);
+    run(statements_->move);
 }
 
 void SeriesStore::rename_files(std::function<std::string(std::string const&)> const& path_now) {

@@ -91,6 +91,10 @@ public:
     /// Gives each file that findings had the path that it has now.
     void rename_files(std::function<std::string(std::string const&)> const& path_now);
 
+    /// The findings that are gone and were in the function and the file of this one are in another
+    /// file now.
+    void move_function(std::int64_t id, std::string_view path);
+
 private:
     struct Statements;
 

@@ -64,12 +64,13 @@ public:
         match_with_gone(names, Stages::all);
         bool const have_moved = !names.paths().roots().empty() || !roots.empty();
         if (have_moved || !renamed_.empty()) rename_files(names);
-        for (auto const& [id, path] : moved_) store_.move_function(id, path);
     }
 
     RunCounts save(Run const& run) {
         std::int64_t const number = store_.last_run() + 1;
         save_olds(number);
+        // Also for findings that are gone as of this run.
+        for (auto const& [id, path] : moved_) store_.move_function(id, path);
         save_news(number);
         store_.add_run(number, run.name, run.digest, counts_);
         return counts_;

@@ -167,7 +167,9 @@ void plot(SeriesFile& series, std::string const& directory, std::string const& t
     PlottedRuns rows;
     series.print(runs_sql(), rows, streams);
     if (rows.runs.empty()) throw DamagedInput(series.name() + ": there are no runs");
-    auto const write = [&](std::ostream& out) { write_plot(out, directory, rows.runs); };
+    auto const write = [&](std::ostream& out) {
+        write_plot(out, "Findings of " + directory, rows.runs);
+    };
     if (target == "-")
         write(streams.out);
     else

@@ -335,7 +335,8 @@ class SeriesMaker(Maker):
         return bool(staying) or not any(one.line in own for one in self.gone.values())
 
     def known_findings(self):
-        return [*self.old.findings.values(), *(one for one in self.gone.values() if one.line in self.old.texts)]
+        """Also those that are gone, and those that come back now."""
+        return (self.old.findings | self.gone | self.new.findings).values()
 
     def like(self, places, one):
         """What a finding that is gone has in common with those that could be taken for it."""

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 
@@ -20,8 +19,8 @@ constexpr double left = 72;
 constexpr double right = 936;
 constexpr double open_top = 84;
 constexpr double open_bottom = 300;
-constexpr double changes_top = 336;
-constexpr double changes_bottom = 456;
+constexpr double changes_top = 356;
+constexpr double changes_bottom = 476;
 constexpr double width_of_letter = 6.6;
 constexpr double height_of_label = 16;
 
@@ -69,13 +68,17 @@ std::string escaped(std::string_view text) {
     return all;
 }
 
-// The distance of about four lines: 1, 2 or 5 times a power of ten.
-std::uint64_t step_of(std::uint64_t most) {
-    std::uint64_t step = 1;
-    for (std::uint64_t power = 1; most / step > 4; power *= 10)
+// The least number with which `is_enough` is true, of 1, 2 and 5 times powers of ten.
+template <class IsEnough>
+std::uint64_t round_number(IsEnough const& is_enough) {
+    for (std::uint64_t power = 1;; power *= 10)
         for (std::uint64_t const digit : {1, 2, 5})
-            if (most / step > 4) step = digit * power;
-    return step;
+            if (is_enough(digit * power)) return digit * power;
+}
+
+// The distance of four lines or fewer.
+std::uint64_t step_of(std::uint64_t most) {
+    return round_number([&](std::uint64_t step) { return most / step <= 4; });
 }
 
 std::string_view last_part(std::string_view path) { return path.substr(path.rfind('/') + 1); }
@@ -85,28 +88,55 @@ std::string_view directory_of(std::string_view path) {
     return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
 }
 
-// The last parts of names, of those that differ; without what follows the last dot.
+// Without the last parts that all names have, such as in nights/1/log.sarif and nights/2/log.sarif.
+void remove_common_ends(std::vector<std::string_view>& names) {
+    auto const are_common = [&] {
+        return std::ranges::all_of(names, [&](std::string_view name) {
+            return last_part(name) == last_part(names.front()) && !directory_of(name).empty();
+        });
+    };
+    while (names.size() > 1 && are_common())
+        for (std::string_view& name : names) name = directory_of(name);
+}
+
+// Without the word that all names start with, such as in nightly-7 and nightly-8.
+void remove_common_word(std::vector<std::string_view>& names) {
+    constexpr std::string_view separators = "-_. ";
+    auto const                 end = names.front().find_first_of(separators);
+    if (names.size() == 1 || end == std::string_view::npos) return;
+    auto const word = names.front().substr(0, end + 1);
+    if (word.find_first_of("0123456789") != std::string_view::npos) return;
+    if (std::ranges::all_of(names, [&](std::string_view name) {
+            return name.starts_with(word) && name.size() > word.size();
+        }))
+        for (std::string_view& name : names) name.remove_prefix(word.size());
+}
+
+// Without one as in log.sarif; v1.2 has none.
+std::string_view without_suffix(std::string_view name) {
+    auto const dot = name.rfind('.');
+    if (dot == 0 || dot == std::string_view::npos) return name;
+    bool const has_digits = name.find_first_of("0123456789", dot) != std::string_view::npos;
+    return has_digits ? name : name.substr(0, dot);
+}
+
+// Short names of runs.
 std::vector<std::string> labels_of(std::vector<PlottedRun> const& runs) {
-    constexpr std::size_t         widest = 20;
+    constexpr std::size_t         widest = 18;
     std::vector<std::string_view> names;
     for (PlottedRun const& run : runs) {
         names.emplace_back(run.name);
         while (names.back().ends_with('/')) names.back().remove_suffix(1);
     }
-    auto const are_equal = [&] {
-        return std::ranges::all_of(names, [&](std::string_view name) {
-            return last_part(name) == last_part(names.front()) && !directory_of(name).empty();
-        });
-    };
-    while (names.size() > 1 && are_equal())
-        for (std::string_view& name : names) name = directory_of(name);
-    std::vector<std::string> labels;
-    for (std::string_view const name : names) {
-        auto const part = last_part(name);
-        auto const dot = part.rfind('.');
-        auto const stem = dot == 0 ? part : part.substr(0, dot);
-        labels.push_back(cut_to_columns(sml::inspect::printable(stem), widest));
+    remove_common_ends(names);
+    for (std::string_view& name : names) {
+        name = last_part(name);
+        name = without_suffix(name);
     }
+    remove_common_word(names);
+    std::vector<std::string> labels;
+    for (std::string_view const name : names)
+        labels.push_back(cut_to_columns(sml::inspect::printable(name), widest));
     return labels;
 }
 
@@ -158,7 +188,7 @@ private:
         return width_of_letter * static_cast<double>(widest_label_ + 2);
     }
     double height() const {
-        return changes_bottom + 40 + (is_turned() ? 0.7 * width_of_labels() : height_of_label);
+        return changes_bottom + 40 + (is_turned() ? 0.82 * width_of_labels() : height_of_label);
     }
 
     void put_text(double at_x, double at_y, char const* kind, std::string_view text,
@@ -238,10 +268,11 @@ private:
     // As many as there is room for.
     void put_labels() {
         double const wanted = is_turned() ? height_of_label : width_of_labels();
-        auto const   step = static_cast<std::size_t>(std::ceil(wanted / slot()));
+        auto const   step = round_number(
+            [&](std::uint64_t runs) { return static_cast<double>(runs) * slot() >= wanted; });
         double const at = changes_bottom + 20;
         for (std::size_t i = 0; i < runs_.size(); i += step) {
-            std::string const turn = " text-anchor=\"end\" transform=\"rotate(-40 " +
+            std::string const turn = " text-anchor=\"end\" transform=\"rotate(-55 " +
                                      text_of(x(i)) + ' ' + text_of(at) + ")\"";
             put_text(x(i), at, "label", labels_[i],
                      is_turned() ? turn.c_str() : " text-anchor=\"middle\"");

@@ -271,9 +271,8 @@ std::uint32_t Names::number_of(std::string_view name) {
 void set_texts(Finding& one, FindingTexts const& texts) {
     set_message(one, without_places(texts.message));
     if (!texts.function.empty()) one.function = hash_of(texts.function);
-    one.content =
-        hash_of({hash_of(texts.level), hash_of(texts.kind), Hash{texts.is_suppressed, 1},
-                 hash_of(texts.class_), one.message});
+    one.content = hash_of({hash_of(texts.level), hash_of(texts.kind), Hash{texts.is_suppressed, 1},
+                           hash_of(texts.class_), one.message});
 }
 
 void set_payload(Finding& one, std::string_view payload) {

@@ -1,8 +1,11 @@
+#include <sml/bindings/bindings.hpp>
 #include <sml/tables/sqlite/connection.hpp>
 #include "cli_support.hpp"
+#include "result_set.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -286,6 +289,28 @@ TEST_F(Track, RootThatHasMovedIsGiven) {
     printed({log("1", at("/a/x.c"))});
     printed({log("2", at("/b/sub/x.c")), "--map", "/a=/b/sub"});
     EXPECT_EQ(ids("all"), "1 ");
+}
+
+// A kernel's checks have no message: a category with a payload.
+TEST_F(Track, ChecksOfAKernelAreFoundAgain) {
+    using sml::Strings_T;
+    auto const set = [&](std::string const& name, std::vector<std::int32_t> const& lines) {
+        bradep::ResultSet value;
+        std::int32_t      number = 0;
+        for (std::int32_t const line : lines) {
+            auto& check = value.application_results.checks[{Strings_T("a.c"), ++number}];
+            check.category.choose<"OVFL">().first_flag = line % 2 == 0;
+            check.source_ref.localization = {line, Strings_T("a.c"), 1};
+        }
+        write_bytes(scratch_ / name,
+                    sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_fromCxx(value));
+        return std::string(scratch_ / name);
+    };
+    printed({set("1", {10, 31}), set("2", {43}), set("3", {18, 47})});
+    EXPECT_EQ(ids("returned"), "1 ");
+    EXPECT_EQ(ids("open"), "1 2 ");
+    EXPECT_NE(printed({"--list", "all", "--format", "json"}).find(R"("payload":"{)"),
+              std::string::npos);
 }
 
 TEST_F(Track, UsageIsChecked) {

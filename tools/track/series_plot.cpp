@@ -72,7 +72,7 @@ std::string escaped(std::string_view text) {
 template <class IsEnough>
 std::uint64_t round_number(IsEnough const& is_enough) {
     for (std::uint64_t power = 1;; power *= 10)
-        for (std::uint64_t const digit : {1, 2, 5})
+        for (unsigned const digit : {1U, 2U, 5U})
             if (is_enough(digit * power)) return digit * power;
 }
 

@@ -31,8 +31,9 @@ void add_files(Export& target, std::string const& name, QueryOptions options, St
     for (auto const& file : std::exchange(options.files, {})) {
         if (!options.stem && target.root() != nullptr) options.stem = target.root()->stem;
         options.files = {file};
-        QueryFiles const files(options, streams);
-        if (!target.add(files.sets())) report(streams.err, file + ": is in " + name + " already");
+        auto const files = std::make_shared<QueryFiles const>(options, streams);
+        if (!target.add({files, &files->sets()}))
+            report(streams.err, file + ": is in " + name + " already");
     }
     target.finish();
 }

@@ -27,6 +27,13 @@ constexpr char const* texts_sql =
     "SELECT message, level, kind, suppressed, class, payload FROM findings WHERE id = ?";
 constexpr int texts_count = 6;
 
+// Apart from places.
+bool have_other_texts(std::optional<std::string> const& older,
+                      std::optional<std::string> const& newer) {
+    if (!older || !newer) return older.has_value() != newer.has_value();
+    return without_places(*older) != without_places(*newer);
+}
+
 // As in "flows[0][0][2].message".
 std::string path_of_step(std::int64_t flow, std::int64_t thread, std::int64_t position) {
     auto const index = [](std::int64_t number) { return '[' + std::to_string(number) + ']'; };
@@ -50,10 +57,7 @@ std::vector<Change> Comparison::changes(std::uint64_t older, std::uint64_t newer
     std::vector<Change> all;
     Texts const         olds = texts_of(older);
     Texts const         news = texts_of(newer);
-    auto const          clean = [](std::optional<std::string> const& text) {
-        return text ? without_places(*text) : std::string();
-    };
-    if (clean(olds[message]) != clean(news[message]))
+    if (have_other_texts(olds[message].value_or(""), news[message].value_or("")))
         all.push_back({"message", olds[message], news[message]});
     for (auto const& [which, name] :
          {std::pair{level, "level"}, std::pair{kind, "kind"}, std::pair{suppressed, "suppressed"},
@@ -105,7 +109,8 @@ void Comparison::add_payload(std::string const& older, std::string const& newer,
     read(older, &Both::first);
     read(newer, &Both::second);
     for (auto const& [path, both] : values)
-        if (both.first != both.second) all.push_back({"payload" + path, both.first, both.second});
+        if (have_other_texts(both.first, both.second))
+            all.push_back({"payload" + path, both.first, both.second});
 }
 
 bool Comparison::are_equal(Step const& older, Step const& newer) const {

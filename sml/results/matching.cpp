@@ -26,6 +26,13 @@ Hash with_content(Finding const& one) {
     return own.is_none() ? own : hash_of({own, one.flow, one.content});
 }
 
+// A key, and that the flows are equal.
+template <Key key>
+Hash with_flow(Finding const& one) {
+    Hash const own = key(one);
+    return own.is_none() ? own : hash_of({own, one.flow});
+}
+
 // What is equal in pairs of a stage. None where something that the stage needs is not known.
 
 Hash by_surroundings_in_function(Finding const& one) {
@@ -131,12 +138,9 @@ private:
 
     // Rule and message are equal, and what is known of the code.
     void match_equal() {
-        match_counted(Stage::surroundings, with_content<by_surroundings_in_function>);
-        match_counted(Stage::surroundings, by_surroundings_in_function);
-        match_counted(Stage::text, with_content<by_text>);
-        match_counted(Stage::text, by_text);
-        match_counted(Stage::function, with_content<by_function>);
-        match_counted(Stage::function, by_function);
+        match_counted_by_content<by_surroundings_in_function>(Stage::surroundings);
+        match_counted_by_content<by_text>(Stage::text);
+        match_counted_by_content<by_function>(Stage::function);
         match_some(Stage::text, with_content<by_text>);
         match_some(Stage::text, by_text);
         match_some(Stage::function, with_content<by_function>);
@@ -193,6 +197,12 @@ private:
         if (group.olds.size() != group.news.size()) return;
         for (std::size_t i = 0; i < group.olds.size(); ++i)
             pair(group.olds[i], group.news[i], stage);
+    }
+
+    template <Key key>
+    void match_counted_by_content(Stage stage) {
+        for (Key const one : {Key(with_content<key>), Key(with_flow<key>), key})
+            match_counted(stage, one);
     }
 
     // Not as many: those that have moved as the findings around them; of these, such with one flow.

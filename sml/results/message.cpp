@@ -218,6 +218,20 @@ private:
     std::size_t      start_of_name_ = 0;      // where that starts in `clean_`
 };
 
+// Takes a string of JSON. Of escapes only those of slashes and quotes are replaced: no other
+// character takes part in a place.
+std::string take_string(std::string_view& json) {
+    std::string text;
+    std::size_t at = 1;
+    for (; at < json.size() && json[at] != '"'; ++at) {
+        bool const is_escape = json[at] == '\\' && at + 1 < json.size();
+        if (is_escape && !is_slash(json[++at]) && json[at] != '"') text += ' ';
+        text += json[at];
+    }
+    json.remove_prefix(std::min(at + 1, json.size()));
+    return text;
+}
+
 }  // namespace
 
 std::string without_places(std::string_view message) { return Cleaner(message).run(); }
@@ -230,14 +244,16 @@ std::string payload_without_places(std::string_view json) {
     while (!json.empty()) {
         auto const* const name = std::ranges::find_if(
             names, [&](std::string_view start) { return json.starts_with(start); });
-        if (name == names.end()) {
+        if (name != names.end()) {
+            clean += *name;
+            json.remove_prefix(name->size());
+            json.remove_prefix(std::min(json.find_first_of(",}"), json.size()));
+        } else if (json.front() == '"') {
+            clean += '"' + without_places(take_string(json)) + '"';
+        } else {
             clean += json.front();
             json.remove_prefix(1);
-            continue;
         }
-        clean += *name;
-        json.remove_prefix(name->size());
-        json.remove_prefix(std::min(json.find_first_of(",}"), json.size()));
     }
     return clean;
 }

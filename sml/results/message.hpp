@@ -10,7 +10,7 @@ namespace sml::results {
 /// addresses, names that are made anew in each run. Numbers that are values stay.
 std::string without_places(std::string_view message);
 
-/// The same for a payload, which is JSON: the positions in it are places.
+/// The same for the texts of a payload, which is JSON, and without the positions in it.
 std::string payload_without_places(std::string_view json);
 
 /// A message that has been made by one of these, without any numbers.

@@ -316,6 +316,19 @@ TEST_F(DiffOfKernel, PayloadIsPartOfTheFinding) {
               "    payload.first_flag: \"1\" -> \"0\"\n");
 }
 
+TEST_F(DiffOfKernel, PlacesInAPayloadAreNoDifference) {
+    ResultSet  olds;
+    ResultSet  news;
+    auto const says = [&](ResultSet& in, std::string const& message) {
+        auto& args = check(in, 1, 10).category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
+        args.message = Strings_T(message.c_str());
+    };
+    says(olds, "freed at /a/main.c:3");
+    says(news, "freed at /b/c/main.c:14");
+    EXPECT_EQ(counts(set("old", olds), set("new", news)),
+              "0 new, 0 updated, 0 absent, 1 unchanged");
+}
+
 TEST_F(DiffOfKernel, CategoriesAreRules) {
     ResultSet olds;
     ResultSet news;

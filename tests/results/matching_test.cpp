@@ -201,6 +201,18 @@ TEST(Matching, OfMoreDuplicatesOfALineThoseWithOneFlowAreMatched) {
     }
 }
 
+TEST(Matching, DuplicatesThatChangedAreToldApartByTheirFlows) {
+    auto const with = [](std::int32_t line, std::string_view flow, std::string_view level) {
+        Finding one = at(line);
+        one.flow = hash_of(flow);
+        one.content = hash_of(level);
+        return one;
+    };
+    EXPECT_EQ(lines_matched({with(10, "x", "error"), with(20, "y", "error")},
+                            {with(11, "y", "note"), with(21, "x", "warning")}),
+              (Lines{{10, 21}, {20, 11}}));
+}
+
 TEST(Matching, WithoutALineNoOtherMessageIsTaken) {
     Finding older = at(0);
     Finding newer = at(0);

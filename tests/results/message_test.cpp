@@ -62,6 +62,10 @@ TEST(Message, WithoutNumbersRunsOfDigitsAreEqual) {
 TEST(Message, PositionsInAPayloadAreNoPartOfIt) {
     EXPECT_EQ(payload_without_places(R"({"first_position":12,"file":"a.c","second_position":3})"),
               payload_without_places(R"({"first_position":9,"file":"a.c","second_position":41})"));
+    EXPECT_EQ(payload_without_places(R"({"file":"C:\\old\\a.c","text":"at line 3 of \"x\""})"),
+              payload_without_places(R"({"file":"/new/a.c","text":"at line 14 of \"x\""})"));
+    EXPECT_NE(payload_without_places(R"({"text":"a\nb"})"),
+              payload_without_places(R"({"text":"c\nb"})"));
     EXPECT_NE(payload_without_places(R"({"first_int":12})"),
               payload_without_places(R"({"first_int":13})"));
 }

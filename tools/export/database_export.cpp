@@ -8,8 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <future>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -169,25 +167,35 @@ void DatabaseExport::open_exported() {
                            " is another one");
 }
 
-bool DatabaseExport::add(ResultSets const& sets) {
+bool DatabaseExport::add(std::shared_ptr<ResultSets const> added) {
     return guarded(name_, [&] {
-        bool const is_first = root_ == nullptr;
+        list_first();
+        ResultSets const& sets = *added;
+        bool const        is_first = root_ == nullptr;
         if (is_first) create_tables(sets);
         if (root_ != sets.schema().root) refuse_other_root(name_, *root_, sets);
-        // The first one is not there already: its rows need not wait for its identity.
-        auto identity = std::async(std::launch::async, [&] { return sets.identity(1); });
-        if (!is_first && has(identity.get())) return false;
-        auto const  number = next_number();
+        if (!is_first && has(sets.identity(1))) return false;
+        auto const number = next_number();
+        if (is_first)
+            first_ = {added, number,
+                      std::async(std::launch::async, [added] { added->identity(1); })};
         auto const  tables = sources_of(sets);
         SetProgress progress(err_, sets.set(1), tables.size());
         for (auto const& table : tables) {
-            if (table->name() != name_of_list) insert(*table, number, progress);
+            if (!is_first || table->name() != name_of_list) insert(*table, number, progress);
             progress.next_table();
         }
-        if (is_first) identity.get();
-        insert(*list_of(sets), number, progress);
         return true;
     });
+}
+
+// It is not there already, so its rows and the indexes need not wait for its digest.
+void DatabaseExport::list_first() {
+    if (!first_) return;
+    first_->identity.get();
+    SetProgress progress(err_, first_->sets->set(1), 1);
+    insert(*list_of(*first_->sets), first_->number, progress);
+    first_.reset();
 }
 
 void DatabaseExport::create_tables(ResultSets const& sets) {
@@ -228,6 +236,7 @@ void DatabaseExport::finish() {
     guarded(name_, [&] {
         if (file_ == File::empty)
             create_indexes_and_views(connection_, Statements(ResultSets(*root_, {})));
+        list_first();
         connection_.run("COMMIT");
     });
 }

@@ -5,6 +5,9 @@
 #include "export/export.hpp"
 
 #include <cstdint>
+#include <future>
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -24,14 +27,22 @@ public:
     DatabaseExport(std::string const& path, File file, std::string name, std::ostream& err);
 
     sml::inspect::Root const* root() const override { return root_; }
-    bool                      add(sml::tables::ResultSets const& sets) override;
+    bool                      add(std::shared_ptr<sml::tables::ResultSets const> sets) override;
     void                      finish() override;
 
 private:
+    /// The first result set of a new database, while its digest is computed.
+    struct First {
+        std::shared_ptr<sml::tables::ResultSets const> sets;
+        std::int64_t                                   number;
+        std::future<void>                              identity;  // its destructor waits
+    };
+
     void         open_exported();
     void         create_tables(sml::tables::ResultSets const& sets);
     bool         has(std::string const& identity);
     std::int64_t next_number();
+    void         list_first();
     void insert(sml::tables::Source const& table, std::int64_t number, SetProgress& progress);
 
     std::string               name_;
@@ -39,6 +50,7 @@ private:
     File                      file_;
     sml::tables::Connection   connection_;
     sml::inspect::Root const* root_ = nullptr;  // once it is known
+    std::optional<First>      first_;
 };
 
 }  // namespace bradep

@@ -208,7 +208,8 @@ fs::path DirectoryExport::file_of(std::string const& table, std::int64_t number)
     return directory_ / table / (std::to_string(number) + '.' + std::string(name_of(format_)));
 }
 
-bool DirectoryExport::add(ResultSets const& sets) {
+bool DirectoryExport::add(std::shared_ptr<ResultSets const> added) {
+    ResultSets const& sets = *added;
     if (root_ != nullptr && root_ != sets.schema().root)
         refuse_other_root(directory_.string(), *root_, sets);
     auto const number = number_of(sets.identity(1));

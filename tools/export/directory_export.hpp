@@ -5,6 +5,7 @@
 #include "export/row_text.hpp"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -26,7 +27,7 @@ public:
     ~DirectoryExport() override;
 
     sml::inspect::Root const* root() const override { return root_; }
-    bool                      add(sml::tables::ResultSets const& sets) override;
+    bool                      add(std::shared_ptr<sml::tables::ResultSets const> sets) override;
     void                      finish() override;
 
 private:

@@ -7,6 +7,7 @@
 #include "signals.hpp"
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -23,7 +24,7 @@ public:
 
     /// Adds the only result set of `sets`. Returns false if it is there already, whatever its name.
     /// Throws DamagedInput, such as if it is of another root, IoFailure, and Interrupted.
-    virtual bool add(sml::tables::ResultSets const& sets) = 0;
+    virtual bool add(std::shared_ptr<sml::tables::ResultSets const> sets) = 0;
 
     /// Must be called once, after the last result set.
     virtual void finish() = 0;

@@ -3,9 +3,11 @@
 #include "errors.hpp"
 #include "export/database_export.hpp"
 #include "export/directory_export.hpp"
+#include "export/sarif_export.hpp"
 #include "output_file.hpp"
 #include "query_files.hpp"
 #include "report.hpp"
+#include "walk_options.hpp"
 
 #include <csignal>
 #include <filesystem>
@@ -24,6 +26,7 @@ struct Options : QueryOptions {
     std::optional<std::string> database;
     std::optional<std::string> csv_directory;
     std::optional<std::string> ndjson_directory;
+    SarifOptions               sarif;
 };
 
 // One file after another is open.
@@ -60,6 +63,7 @@ ExitCode export_files(Options const& options, Streams& streams) {
     IgnoredSignal const file_too_large(SIGXFSZ);
     Interruption        interruption;
     try {
+        if (!options.sarif.target.empty()) export_to_sarif(options.sarif, options, streams);
         if (options.database) export_to_database(*options.database, options, streams);
         if (auto const& name = options.csv_directory)
             export_to_directory(*name, FileFormat::csv, options, streams);
@@ -87,8 +91,17 @@ Action declare_export(CLI::App& app) {
         ->type_name("DIR");
     target->add_option("--ndjson", options->ndjson_directory, "The same of JSON, an object a line")
         ->type_name("DIR");
+    target
+        ->add_option(
+            "--sarif", options->sarif.target,
+            "A SARIF 2.1.0 log of all runs; compressed if it ends with .gz; - is standard output")
+        ->type_name("OUT.sarif");
     target->require_option(1);
     declare_query_options(app, *options);
+    declare_size(app, "--max-output", options->sarif.max_output,
+                 "Bytes of the log that --sarif writes");
+    declare_size(app, "--max-result", options->sarif.max_result,
+                 "Bytes of the texts of one result in that log");
     app.footer(
         "A result set that is there already is not added again. docs/tables.md describes the "
         "tables.\n");

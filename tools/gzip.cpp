@@ -52,13 +52,59 @@ void GzipReader::give_input() {
     rest_.remove_prefix(stream_.avail_in);
 }
 
+// Zeros may fill up the file behind the last member.
 void GzipReader::start_next_member() {
-    is_over_ = stream_.avail_in == 0 && rest_.empty();
-    if (!is_over_) ::inflateReset(&stream_);
+    std::string_view const given(reinterpret_cast<char const*>(stream_.next_in), stream_.avail_in);
+    auto const             is_zero = [](char c) { return c == '\0'; };
+    is_over_ = std::ranges::all_of(given, is_zero) && std::ranges::all_of(rest_, is_zero);
+    if (is_over_) return;
+    std::string const start = std::string(given.substr(0, 2)) + std::string(rest_.substr(0, 2));
+    if (!is_gzip(start)) damaged("other bytes follow its end");
+    ::inflateReset(&stream_);
 }
 
 void GzipReader::damaged(std::string const& what) const {
     throw DamagedInput(name_ + ": compressed by gzip, but damaged: " + what);
+}
+
+GzipOutput::Buffer::Buffer(std::ostream& out) : out_(out) {
+    constexpr int memory_level = 8;
+    if (::deflateInit2(&packer_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzip_form, memory_level,
+                       Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::bad_alloc();
+}
+
+GzipOutput::Buffer::~Buffer() { ::deflateEnd(&packer_); }
+
+std::streamsize GzipOutput::Buffer::xsputn(char const* bytes, std::streamsize count) {
+    packer_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes));
+    for (auto left = static_cast<std::size_t>(count); left > 0;) {
+        auto const piece = at_most_all(left);
+        packer_.avail_in = piece;
+        left -= piece;
+        if (!pack(Z_NO_FLUSH)) return 0;
+    }
+    return count;
+}
+
+GzipOutput::Buffer::int_type GzipOutput::Buffer::overflow(int_type byte) {
+    if (traits_type::eq_int_type(byte, traits_type::eof())) return traits_type::not_eof(byte);
+    char const one = traits_type::to_char_type(byte);
+    return xsputn(&one, 1) == 1 ? byte : traits_type::eof();
+}
+
+void GzipOutput::Buffer::finish() { pack(Z_FINISH); }
+
+// Takes all input. Returns whether the stream has taken what came of it.
+bool GzipOutput::Buffer::pack(int flush) {
+    char packed[1 << 14];
+    do {
+        packer_.next_out = reinterpret_cast<Bytef*>(packed);
+        packer_.avail_out = sizeof packed;
+        ::deflate(&packer_, flush);
+        out_.write(packed, static_cast<std::streamsize>(sizeof packed - packer_.avail_out));
+    } while (packer_.avail_out == 0 && out_);
+    return static_cast<bool>(out_);
 }
 
 }  // namespace bradep

@@ -1,9 +1,11 @@
 #pragma once
-// Unpacks what gzip has packed.
+// Packs as gzip does, and unpacks.
 
 #include <zlib.h>
 
 #include <cstddef>
+#include <ostream>
+#include <streambuf>
 #include <string>
 #include <string_view>
 
@@ -33,6 +35,38 @@ private:
     std::string      name_;
     ::z_stream       stream_{};
     bool             is_over_ = false;
+};
+
+/// A stream whose bytes are packed into another one.
+class GzipOutput {
+public:
+    /// The stream must outlive this object.
+    explicit GzipOutput(std::ostream& out) : buffer_(out), stream_(&buffer_) {}
+
+    std::ostream& stream() { return stream_; }
+
+    /// Must be called after the last byte.
+    void finish() { buffer_.finish(); }
+
+private:
+    class Buffer : public std::streambuf {
+    public:
+        explicit Buffer(std::ostream& out);
+        ~Buffer() override;
+
+        void finish();
+
+    private:
+        std::streamsize xsputn(char const* bytes, std::streamsize count) override;
+        int_type        overflow(int_type byte) override;
+        bool            pack(int flush);
+
+        std::ostream& out_;
+        ::z_stream    packer_{};
+    };
+
+    Buffer       buffer_;
+    std::ostream stream_;
 };
 
 }  // namespace bradep

@@ -72,9 +72,9 @@ std::int32_t import_log(std::string_view text, std::string const& name, Options 
                         std::ostream& err) {
     auto const json = checked(text, name, err);
     Progress   progress(err, name + ", importing", json.view().size());
-    auto const add = [&](sarif::Result&& result) { filler.add(result); };
-    return sarif::read_log(json, name, first_run, add, options.limits, comparisons,
-                           progress.done());
+    auto const add = [&](auto&& part) { filler.add(part); };
+    return sarif::read_log(json, name, first_run, add, options.limits, comparisons, progress.done(),
+                           add);
 }
 
 // A set that is never destroyed: that would take a tenth of the time of a large import, and the

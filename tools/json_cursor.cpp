@@ -6,7 +6,9 @@
 #include <boost/json/basic_parser_impl.hpp>
 
 #include <array>
+#include <charconv>
 #include <cstring>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -83,18 +85,74 @@ private:
     json::basic_parser<NoValues> parser_{parse_options()};
 };
 
+// The stack of a parser that makes values. The library reads about one double of ten that has many
+// digits as one beside the nearest.
+struct ExactNumbers {
+    using Error = json::error_code;
+    using View = json::string_view;
+
+    static constexpr std::size_t max_object_size = json::object::max_size();
+    static constexpr std::size_t max_array_size = json::array::max_size();
+    static constexpr std::size_t max_key_size = json::string::max_size();
+    static constexpr std::size_t max_string_size = json::string::max_size();
+
+    bool on_document_begin(Error&) { return true; }
+    bool on_document_end(Error&) { return true; }
+    bool on_object_begin(Error&) { return true; }
+    bool on_object_end(std::size_t count, Error&) { return stack.push_object(count), true; }
+    bool on_array_begin(Error&) { return true; }
+    bool on_array_end(std::size_t count, Error&) { return stack.push_array(count), true; }
+    bool on_key_part(View part, std::size_t, Error&) { return stack.push_chars(part), true; }
+    bool on_key(View rest, std::size_t, Error&) { return stack.push_key(rest), true; }
+    bool on_string_part(View part, std::size_t, Error&) { return stack.push_chars(part), true; }
+    bool on_string(View rest, std::size_t, Error&) { return stack.push_string(rest), true; }
+    bool on_number_part(View part, Error&) { return digits.append(part), true; }
+    bool on_int64(std::int64_t number, View, Error&) {
+        digits.clear();
+        return stack.push_int64(number), true;
+    }
+    bool on_uint64(std::uint64_t number, View, Error&) {
+        digits.clear();
+        return stack.push_uint64(number), true;
+    }
+    bool on_double(double number, View rest, Error&) {
+        digits.append(rest);
+        double     exact = 0;
+        auto const read = std::from_chars(digits.data(), digits.data() + digits.size(), exact);
+        stack.push_double(read.ec == std::errc() ? exact : number);
+        digits.clear();
+        return true;
+    }
+    bool on_bool(bool value, Error&) { return stack.push_bool(value), true; }
+    bool on_null(Error&) { return stack.push_null(), true; }
+    bool on_comment_part(View, Error&) { return true; }
+    bool on_comment(View, Error&) { return true; }
+
+    json::value_stack stack;
+    std::string       digits;  // of a number that stands in several pieces of the text
+};
+
 }  // namespace
+
+class ValueParser::Parser {
+public:
+    // Returns how many bytes the value takes.
+    std::size_t parse(std::string_view text, json::storage_ptr storage, json::error_code& error) {
+        parser_.reset();
+        parser_.handler().digits.clear();
+        parser_.handler().stack.reset(std::move(storage));
+        return parser_.write_some(false, text.data(), text.size(), error);
+    }
+    json::value release() { return parser_.handler().stack.release(); }
+
+private:
+    json::basic_parser<ExactNumbers> parser_{parse_options()};
+};
 
 JsonText::JsonText(std::string_view text, std::string const& name, std::atomic<std::uint64_t>* done)
     : text_(without_byte_order_mark(text)) {
     Checker checker;
     parse_all(checker, text_, name, done);
-}
-
-Cursor Cursor::from(std::size_t offset) const {
-    Cursor other = *this;
-    other.at_ = offset;
-    return other;
 }
 
 char Cursor::peek() {
@@ -168,7 +226,9 @@ void Cursor::skip_container() {
 }
 
 ValueParser::ValueParser()
-    : buffer_(new unsigned char[first_memory]), parser_({}, parse_options()) {}
+    : buffer_(new unsigned char[first_memory]), parser_(std::make_unique<Parser>()) {}
+
+ValueParser::~ValueParser() = default;
 
 json::value const& ValueParser::parse(Cursor& cursor) {
     value_.reset();
@@ -180,10 +240,18 @@ json::value const& ValueParser::parse(Cursor& cursor) {
 }
 
 json::value ValueParser::parse(Cursor& cursor, json::storage_ptr storage) {
-    auto const rest = cursor.text_.substr(cursor.at_);
-    parser_.reset(std::move(storage));
-    cursor.at_ += parser_.write_some(rest.data(), rest.size());
-    return parser_.release();
+    auto const       rest = cursor.text_.substr(cursor.at_);
+    json::error_code error;
+    cursor.at_ += parser_->parse(rest, std::move(storage), error);
+    if (error) throw json::system_error(error);
+    return parser_->release();
+}
+
+std::optional<json::value> ValueParser::parse(std::string_view text) {
+    json::error_code error;
+    auto const       used = parser_->parse(text, {}, error);
+    if (error || find(text, used, is_blank, false) < text.size()) return std::nullopt;
+    return parser_->release();
 }
 
 json::value ValueParser::kind_of(Cursor& cursor) {

@@ -41,9 +41,6 @@ class Cursor {
 public:
     explicit Cursor(JsonText const& text) : text_(text.view()), ends_(&text.ends_) {}
 
-    /// The same text from another offset on, which must be that of a value.
-    Cursor from(std::size_t offset) const;
-
     /// The offset of the next token.
     std::size_t offset();
     /// The first byte of the next token, 0 at the end.
@@ -69,22 +66,28 @@ private:
     std::size_t                         at_ = 0;
 };
 
-/// Parses the values that cursors stand before, and steps over them.
+/// Parses the values that cursors stand before, and steps over them. A number that is no integer is
+/// read as the nearest double.
 class ValueParser {
 public:
     ValueParser();
+    ~ValueParser();
 
     /// The value lives until the next call, which uses its memory again.
     json::value const& parse(Cursor& cursor);
     /// The value takes its memory from `storage`.
     json::value parse(Cursor& cursor, json::storage_ptr storage);
+    /// The value that a whole text spells; none if the text is no JSON.
+    std::optional<json::value> parse(std::string_view text);
     /// A value of the same kind: a container comes without its contents, which are only skipped.
     json::value kind_of(Cursor& cursor);
 
 private:
+    class Parser;
+
     std::unique_ptr<unsigned char[]>        buffer_;
     std::optional<json::monotonic_resource> arena_;
-    json::parser                            parser_;
+    std::unique_ptr<Parser>                 parser_;
     std::optional<json::value>              value_;  // destroyed before its memory
 };
 

@@ -8,6 +8,7 @@
 #include "json_parsing.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -138,6 +139,25 @@ std::optional<std::int64_t> integer(json::value const& value) {
     return std::nullopt;
 }
 
+void append_json_scalar(std::string& text, json::value const& value,
+                        sml::inspect::StrayByte stray) {
+    if (auto const* const string = value.if_string())
+        return sml::inspect::append_json_string(text, *string, stray);
+    if (auto const whole = integer(value)) return sml::inspect::append_json_integer(text, *whole);
+    if (auto const* const whole = value.if_uint64())
+        return sml::inspect::append_json_integer(text, std::uint64_t{*whole});
+    auto const* const real = value.if_double();
+    if (real == nullptr) {
+        text += value.is_null() ? "null" : value.get_bool() ? "true" : "false";
+    } else if (std::isinf(*real)) {  // JSON has no name for it: it was spelled in digits
+        text += *real < 0 ? "-1e999" : "1e999";
+    } else {
+        char       digits[64];
+        auto const written = std::to_chars(digits, digits + sizeof digits, *real);
+        text.append(digits, written.ptr);
+    }
+}
+
 Document::Document(std::string_view text, std::string const& name, std::atomic<std::uint64_t>* done)
     : root_(parse(without_byte_order_mark(text), name, &arena_, done)) {}
 
@@ -200,6 +220,33 @@ std::optional<std::size_t> index(json::value const& object, std::string_view nam
     if (*at < 0)
         throw Misfit{member(object, name), "index " + std::to_string(*at) + " is negative"};
     return static_cast<std::size_t>(*at);
+}
+
+json::value const* found(json::value const* object, std::string_view name) {
+    auto const* const members = object ? object->if_object() : nullptr;
+    auto const* const value = members ? members->if_contains(name) : nullptr;
+    return value && !value->is_null() ? value : nullptr;
+}
+
+json::array const* found_list(json::value const* object, std::string_view name) {
+    auto const* const value = found(object, name);
+    return value ? value->if_array() : nullptr;
+}
+
+std::optional<std::string_view> found_text(json::value const* object, std::string_view name) {
+    auto const* const value = found(object, name);
+    auto const* const string = value ? value->if_string() : nullptr;
+    if (!string) return std::nullopt;
+    return std::string_view(*string);
+}
+
+json::value const* element(json::array const* list, std::size_t at) {
+    return list && at < list->size() ? &(*list)[at] : nullptr;
+}
+
+json::value const* indexed(json::array const* list, json::value const* index) {
+    auto const at = index ? integer(*index) : std::nullopt;
+    return at && *at >= 0 ? element(list, static_cast<std::size_t>(*at)) : nullptr;
 }
 
 }  // namespace bradep::json_input

@@ -2,6 +2,8 @@
 // Parses JSON and reads members of objects. A value that is absent or null is returned as null or
 // as an empty optional; a value of a wrong type throws a Misfit.
 
+#include <sml/inspect/text/json_text.hpp>
+
 #include <boost/json.hpp>
 
 #include <atomic>
@@ -47,6 +49,10 @@ std::optional<std::int32_t> number(json::value const& object, std::string_view n
 /// The value as an integer, if it is one that is exact: 12 and 12.0 are the same in JSON.
 std::optional<std::int64_t> integer(json::value const& value);
 
+/// Appends a value that is no container. Whole numbers have neither point nor exponent.
+void append_json_scalar(std::string& text, json::value const& value,
+                        sml::inspect::StrayByte stray = sml::inspect::StrayByte::kept);
+
 /// An index, or none if it is absent or -1, which is "no index" in SARIF. Throws Misfit for other
 /// negative numbers.
 std::optional<std::size_t> index(json::value const& object, std::string_view name);
@@ -56,5 +62,15 @@ std::string text_of(json::value const& value);
 /// The same without a copy: the views point into the document.
 std::optional<std::string_view> view(json::value const& object, std::string_view name);
 std::string_view                view_of(json::value const& value);
+
+// The same for values that need not fit: what is absent, null or of a wrong type is null. So may
+// the arguments be.
+
+json::value const*              found(json::value const* object, std::string_view name);
+json::array const*              found_list(json::value const* object, std::string_view name);
+std::optional<std::string_view> found_text(json::value const* object, std::string_view name);
+json::value const*              element(json::array const* list, std::size_t at);
+/// The element whose index is a value of the document.
+json::value const* indexed(json::array const* list, json::value const* index);
 
 }  // namespace bradep::json_input

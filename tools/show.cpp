@@ -1,10 +1,9 @@
-#include <sml/bindings/bindings.hpp>
-#include <sml/inspect/canonical.hpp>
 #include <sml/inspect/text/double_text.hpp>
 #include "command.hpp"
 #include "errors.hpp"
 #include "json_line.hpp"
 #include "limited_output.hpp"
+#include "read_set.hpp"
 #include "set_checks.hpp"
 #include "summary.hpp"
 #include "terminal.hpp"
@@ -19,8 +18,6 @@ namespace bradep {
 
 namespace {
 
-using sml::inspect::Answer;
-
 constexpr std::size_t default_rows = 10;
 
 struct Options : WalkOptions {
@@ -28,34 +25,6 @@ struct Options : WalkOptions {
     std::uint64_t max_output = default_max_output;
     std::size_t   rows = default_rows;
 };
-
-// Readers use the decimal point of this process. Bytes written with another one are converted to
-// canonical bytes first, which have a dot.
-void read(WalkedInput const& input, sml::inspect::Verdict const& verdict, ResultSet& set) {
-    using sml::Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx;
-    auto const& options = input.options();
-    if (options.decimal_point == sml::inspect::plain_point)
-        return Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, input.bytes().data());
-    if (verdict.reason_against_encoding)
-        throw DamagedInput(input.name() + ": can't be read with another decimal point: " +
-                           described(*verdict.reason_against_encoding));
-    std::ostringstream canonical;
-    write_canonical(input.root(), input.bytes(), canonical, options.walk());
-    Base_Gui_Internal_Form_Datas_Aggregated_Results_T_toCxx(set, canonical.view().data());
-}
-
-// Throws DamagedInput for bytes that are not safe to read.
-void decode(WalkedInput const& input, std::ostream& err, ResultSet& set) {
-    if (input.bytes().empty())
-        throw DamagedInput(input.name() + ": not a result set: the file is empty");
-    FindingGroups groups(input.options().listed);
-    auto const    verdict = input.verify(groups);
-    if (verdict.answer == Answer::unsafe)
-        throw DamagedInput(input.name() + ": " + form_notice(input.bytes()) +
-                           "can't be read as a result set: " + described(verdict.findings.back()));
-    groups.report(err, input.name(), verdict);
-    read(input, verdict, set);
-}
 
 void write_json_lines(std::ostream& out, ResultSet const& set) {
     for (auto const& check : checks_of(set)) {
@@ -81,7 +50,7 @@ ExitCode show(Options const& options, Streams& streams) {
     auto const        start = std::chrono::steady_clock::now();
     WalkedInput const input(options, streams);
     ResultSet         set;
-    decode(input, streams.err, set);
+    read_set(input, streams.err, set);
     auto const time = std::chrono::steady_clock::now() - start;
     if (options.json) {
         show_json(set, input.name(), options.max_output, streams.out);

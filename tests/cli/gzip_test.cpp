@@ -77,10 +77,10 @@ TEST(Gzip, DamageIsOneLine) {
     changed[changed.size() - 6] ^= 1;  // in the checksum
     EXPECT_EQ(complaint_of_unpacking(changed),
               "standard input: compressed by gzip, but damaged: incorrect data check");
-    EXPECT_EQ(complaint_of_unpacking(bytes + "x"),
-              "standard input: compressed by gzip, but damaged: it ends too early");
-    EXPECT_EQ(complaint_of_unpacking(bytes + "more"),
-              "standard input: compressed by gzip, but damaged: incorrect header check");
+    for (std::string const more : {"x", "more", "\x1F", "\x1Fx"})
+        EXPECT_EQ(complaint_of_unpacking(bytes + more),
+                  "standard input: compressed by gzip, but damaged: other bytes follow its end");
+    EXPECT_EQ(complaint_of_unpacking(bytes + std::string(512, '\0')), "nothing");
     auto const refused = run_command({"import", "-", "-o", "-"}, changed);
     EXPECT_EQ(refused.code, 1);
     EXPECT_EQ(refused.out, "");

@@ -131,7 +131,7 @@ TEST(ResultMapping, ACheckHoldsWhatItsResultSays) {
     EXPECT_EQ(check.fourth_string.str(), "open");
     EXPECT_EQ(check.fifth_string.str(), "SRC");
     EXPECT_EQ(check.sixth_string.str(), "new");
-    EXPECT_EQ(check.source_ref.kind, 255U);
+    EXPECT_EQ(check.source_ref.kind, 511U);
     EXPECT_EQ(check.source_ref.localization.first_position, 1);
     EXPECT_EQ(check.source_ref.localization.file.str(), "a%20b.c");
     EXPECT_EQ(check.source_ref.localization.second_position, 2);

@@ -11,6 +11,10 @@ import re
 import sys
 import threading
 from collections import Counter
+from pathlib import Path
+
+SCHEMA = json.loads((Path(__file__).parent.parent / "sarif" / "sarif-2.1.0.schema.json").read_text())
+DEFINITIONS = {**SCHEMA["definitions"], "log": SCHEMA}
 
 
 class Damaged(Exception):
@@ -81,7 +85,7 @@ STEP = {
     "location": {"id": WHOLE, "message": MARKDOWN, **ANY_LOCATION}}
 RESULT = {
     **dict.fromkeys("guid correlationGuid rank occurrenceCount fixes taxa analysisTarget attachments stacks "
-                    "provenance hostedViewerUri workItemUris properties".split(), WHOLE),
+                    "provenance hostedViewerUri workItemUris webRequest webResponse properties".split(), WHOLE),
     "message": MARKDOWN,
     "locations": [{"id": WHOLE, "message": WHOLE, **ANY_LOCATION}],
     "relatedLocations": [{"message": MARKDOWN, **ANY_LOCATION}],
@@ -111,7 +115,25 @@ def whole_numbers(value):
     return value
 
 
+LISTS = {
+    "taxa": "taxa", "relationships": "taxa", "associatedRule": "rules", "ruleConfigurationOverrides": "rules",
+    "notificationConfigurationOverrides": "notifications", "toolConfigurationNotifications": "notifications",
+    "toolExecutionNotifications": "notifications"}
+SHARED = {
+    "logicalLocation": "logicalLocations", "address": "addresses", "webRequest": "webRequests",
+    "webResponse": "webResponses"}
+
+
+def part_schema(schema, name):
+    """The schema of a property of an object, or of the elements of a list of objects."""
+    target = schema.get("items", schema)
+    definition = DEFINITIONS[target["$ref"].rsplit("/", 1)[1]] if "$ref" in target else target
+    return definition["properties"][name]
+
+
 class Run:
+    last_name = ""
+
     def __init__(self, number, run):
         self.number = number
         self.run = run
@@ -172,8 +194,7 @@ class Run:
                     return rule, component
         demand(at is None or rule_id is not None, f"rule index {at}")
         if rule_id is not None:
-            searched = [component] if component_reference is not None else [component, *self.extensions]
-            for candidate in searched:
+            for candidate in [component, self.driver, *self.extensions]:
                 rule = self.rule_by_id(candidate, rule_id)
                 if rule is not None:
                     return rule, candidate
@@ -191,6 +212,8 @@ class Run:
             return filled_in(text, arguments) if arguments else text
         message_id = string(message, "id")
         markdown = string(message, "markdown")
+        if markdown is not None and arguments:
+            markdown = filled_in(markdown, arguments)
         if message_id is None:
             return markdown
         for owner, table in (
@@ -253,66 +276,133 @@ class Run:
         place = self.place(location)
         known = at_index(given(self.run, "threadFlowLocations"), at)
         return without_absent(
-            more=self.more(thread_flow_location, STEP, other=known),
+            more=self.more(thread_flow_location, STEP, DEFINITIONS["threadFlowLocation"], (rule, component), other=known),
             uri=place["uri"],
             line=place["line"],
             column=place["column"],
             message=self.message(location, rule, component),
         )
 
-    def resolved(self, value, name):
-        """The value without indices, in property bags as it is."""
-        if name == "properties":
+    def resolved(self, value, property_schema, strings=({}, None), listed="taxa"):
+        """The value without indices, by the types of the schema; property bags as they are."""
+        listed = LISTS.get(self.last_name, listed)
+        if property_schema is None:
             return value
+        if property_schema.get("type") == "array" and isinstance(value, list):
+            items = property_schema["items"]
+            none = items.get("$ref", "").endswith("/notification")
+            return [
+                element if isinstance(element, list) else self.resolved_one(element, items, strings, listed)
+                for element in value
+                if not (none and given(element, "level") == "none")]
+        values = property_schema.get("additionalProperties")
+        if property_schema.get("type") == "object" and isinstance(values, dict) and isinstance(value, dict):
+            return {key: self.resolved_one(child, values, strings, listed)
+                    for key, child in value.items() if child is not None}
         if isinstance(value, list):
-            return [self.resolved(child, name) for child in value]
-        if not isinstance(value, dict):
+            return value
+        return self.resolved_one(value, property_schema, strings, listed)
+
+    def resolved_one(self, value, schema, strings, listed):
+        name = schema.get("$ref", "/").rsplit("/", 1)[1]
+        if not name or name == "propertyBag" or not isinstance(value, dict):
             return value
         value = {key: child for key, child in value.items() if child is not None}
-        if name in ("artifactLocation", "analysisTarget"):
+        if name == "notification":
+            strings = self.descriptor(value.get("descriptor"), ["notifications"]) or ({}, None)
+        if name == "artifactLocation":
             artifact = at_index(given(self.run, "artifacts"), value.pop("index", None))
             if "uri" not in value:
                 location = given(artifact, "location")
                 for key in ("uri", "uriBaseId"):
                     if key not in value and isinstance(given(location, key), str):
                         value[key] = location[key]
-        if name in ("taxa", "target"):
-            value = self.resolved_reference(value)
-        return {key: self.resolved(child, key) for key, child in value.items()}
+        elif name == "message":
+            value = self.resolved_message(value, strings)
+        elif name == "reportingDescriptorReference":
+            found = self.descriptor(value, [listed]) or self.descriptor(value, ["rules"]) or ({}, None)
+            value.pop("index", None)
+            if "id" not in value and isinstance(given(found[0], "id"), str):
+                value["id"] = found[0]["id"]
+        elif name == "toolComponentReference":
+            component = self.any_component(value)
+            value.pop("index", None)
+            if isinstance(given(component, "name"), str):
+                value["name"] = component["name"]
+        elif name in SHARED:
+            shared = at_index(given(self.run, SHARED[name]), value.get("index"))
+            shared = {key: child for key, child in (shared if isinstance(shared, dict) else {}).items()
+                      if child is not None}
+            value = {key: child for key, child in {**shared, **value}.items() if key not in ("index", "parentIndex")}
+        resolved = {}
+        for key, child in value.items():
+            self.last_name = key
+            part = self.resolved(child, DEFINITIONS[name]["properties"].get(key), strings, LISTS.get(key, listed))
+            if part == [] and child != [] and key.endswith("Notifications"):
+                continue
+            resolved[key] = part
+        return resolved
 
-    def resolved_reference(self, reference):
-        component_reference = reference.get("toolComponent")
-        component = self.driver
-        if component_reference is not None:
-            at, name = given(component_reference, "index"), given(component_reference, "name")
-            taxonomy = at_index(given(self.run, "taxonomies"), at)
-            component = extension = at_index(self.extensions, at)
-            if taxonomy is not None and not (name is not None and given(extension, "name") == name):
-                component = taxonomy
-        at = reference.pop("index", None)
-        entry = first(at_index(given(component, "taxa"), at), at_index(given(component, "rules"), at))
-        if "id" not in reference and isinstance(given(entry, "id"), str):
-            reference["id"] = entry["id"]
-        if isinstance(component_reference, dict):
-            rest = {key: value for key, value in component_reference.items() if key != "index" and value is not None}
-            if "name" not in rest and isinstance(given(component, "name"), str):
-                rest["name"] = component["name"]
-            reference["toolComponent"] = rest
-        elif component_reference is not None:
-            del reference["toolComponent"]
-        return reference
+    def resolved_message(self, message, strings):
+        if "text" in message or not isinstance(message.get("id"), str):
+            return message
+        rule, component = strings
+        for owner, table in ((rule, "messageStrings"), (component, "globalMessageStrings"),
+                             (self.driver, "globalMessageStrings")):
+            entry = given(given(owner, table), message["id"])
+            if entry is None:
+                continue
+            if not isinstance(given(entry, "text"), str):
+                return message
+            message = {key: child for key, child in message.items() if key != "id"}
+            message["text"] = entry["text"]
+            if "markdown" not in message and isinstance(entry.get("markdown"), str):
+                message["markdown"] = entry["markdown"]
+            return message
+        return message
 
-    def logical_locations(self, locations):
-        whole = []
-        for one in locations if isinstance(locations, list) else []:
-            if isinstance(one, dict):
-                shared = at_index(given(self.run, "logicalLocations"), one.get("index"))
-                merged = {**(shared if isinstance(shared, dict) else {}), **one}
-                whole.append({k: v for k, v in merged.items() if k not in ("index", "parentIndex")})
-        says_one_name = len(whole) == 1 and (not whole[0] or list(whole[0]) in (["name"], ["fullyQualifiedName"]))
-        return None if not whole or says_one_name else self.resolved(whole, "logicalLocations")
+    def any_component(self, reference):
+        """What a toolComponentReference leads to, which may be a taxonomy."""
+        if reference is None:
+            return self.driver
+        at, name, guid = given(reference, "index"), given(reference, "name"), given(reference, "guid")
+        taxonomies = given(self.run, "taxonomies") or []
+        taxonomy, extension = at_index(taxonomies, at), at_index(self.extensions, at)
+        if taxonomy is not None and not (isinstance(name, str) and given(extension, "name") == name):
+            return taxonomy
+        if extension is not None:
+            return extension
+        for key, wanted in (("guid", guid), ("name", name)):
+            if isinstance(wanted, str):
+                for one in [*(taxonomies if isinstance(taxonomies, list) else []), *self.extensions, self.driver]:
+                    if given(one, key) == wanted:
+                        return one
+        return None
 
-    def more(self, value, table, before="", other=None):
+    def descriptor(self, reference, lists):
+        component = self.any_component(given(reference, "toolComponent"))
+        for name in lists:
+            entries = given(component, name)
+            found = at_index(entries, given(reference, "index"))
+            if found is not None:
+                return found, component
+            for wanted in (given(reference, "guid"), given(reference, "id")):
+                for entry in entries if isinstance(entries, list) and isinstance(wanted, str) else []:
+                    if wanted in (given(entry, "id"), given(entry, "guid")):
+                        return entry, component
+        return None
+
+    def logical_locations(self, locations, strings):
+        locations = locations if isinstance(locations, list) else []
+        if len(locations) == 1 and isinstance(locations[0], dict):
+            shared = at_index(given(self.run, "logicalLocations"), locations[0].get("index"))
+            merged = {**(shared if isinstance(shared, dict) else {}), **locations[0]}
+            names = [k for k, v in merged.items() if k not in ("index", "parentIndex") and v is not None]
+            if not names or names in (["name"], ["fullyQualifiedName"]):
+                return None
+        return self.resolved(locations, DEFINITIONS["location"]["properties"]["logicalLocations"], strings) or None
+
+    def more(self, value, table, schema, strings, before="", other=None):
         """The properties that have no field, by pointer."""
         kept = {}
         for name, how in table.items():
@@ -320,21 +410,24 @@ class Run:
             if child is None:
                 continue
             pointer = before + name
+            its_schema = part_schema(schema, name)
             if how == MARKDOWN:
                 text = given(child, "markdown")
                 if isinstance(text, str):
                     arguments = array(child, "arguments")
                     kept[pointer + "/markdown"] = filled_in(text, arguments) if arguments else text
             elif how == LOGICAL:
-                kept[pointer] = self.logical_locations(child)
+                kept[pointer] = self.logical_locations(child, strings)
             elif how == WHOLE:
-                kept[pointer] = whole_numbers(self.resolved(child, name))
+                self.last_name = name
+                kept[pointer] = whole_numbers(self.resolved(child, its_schema, strings))
             elif isinstance(child, list):
                 parts = how[0] if isinstance(how, list) else how
                 for at, element in enumerate(child):
-                    kept.update(self.more(element, parts, f"{pointer}/{at}/"))
+                    kept.update(self.more(element, parts, its_schema, strings, f"{pointer}/{at}/"))
             else:
-                kept.update(self.more(child, how[0] if isinstance(how, list) else how, pointer + "/"))
+                parts = how[0] if isinstance(how, list) else how
+                kept.update(self.more(child, parts, its_schema, strings, pointer + "/"))
         return {pointer: child for pointer, child in kept.items() if child is not None}
 
     def check(self, result, ordinals):
@@ -371,7 +464,7 @@ class Run:
             locations=[without_absent(**place) for place in locations],
             related=related,
             flows=flows,
-            more=self.more(result, RESULT),
+            more=self.more(result, RESULT, DEFINITIONS["result"], (rule, component)),
             fingerprints=fingerprints(result),
         )
         return {"key": [uri, ordinals[uri]], "run": self.number, **check}

@@ -40,7 +40,8 @@ template <class Rows>
 std::string names_of(Rows const& rows) {
     std::string names;
     for_each_row(rows, [&](auto const& row) {
-        if (row.shown) names += (names.empty() ? "" : ", ") + code(row.shown);
+        if constexpr (requires { row.shown; })
+            if (row.shown) names += (names.empty() ? "" : ", ") + code(row.shown);
     });
     return names;
 }
@@ -57,22 +58,27 @@ std::string shown_as(char const* name) { return name == nullptr ? "" : code(name
 
 template <class Said, class Access, class Bits>
 void print_row(bradep::sarif::Field<Said, Access, Bits> const& row) {
-    print(row.sarif, path_of(row.held), bits_of(row.given), shown_as(row.shown));
+    print(row.sarif.text(), path_of(row.held), bits_of(row.given), shown_as(row.shown));
+}
+
+template <class Said, class Access>
+void print_row(bradep::sarif::Flag<Said, Access> const& row) {
+    print(row.sarif.text(), bits_of(row.given), "", "");
 }
 
 template <class Said, class Hold, class Restore>
 void print_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row) {
-    print(row.sarif, path_of(row.table, row.field), "", shown_as(row.shown));
+    print(row.sarif.text(), path_of(row.table, row.field), "", shown_as(row.shown));
 }
 
 template <class Make>
 void print_row(bradep::sarif::Derived<Make> const& row) {
-    print(row.what, path_of(row.table, row.field), "", "");
+    print(row.what.text(), path_of(row.table, row.field), "", "");
 }
 
 template <class Said, class Shown, class Reference, class Base, class Logical>
 void print_row(fields::PlaceField<Said, Shown, Reference, Base, Logical> const& row) {
-    print(std::string(row.sarif) + ", a place",
+    print(row.sarif.text() + ", a place",
           path_of(row.reference) + ", its base in " + path_of(row.base) + ", its logical name in " +
               path_of(row.logical),
           "", names_of(row.place_rows));
@@ -80,7 +86,7 @@ void print_row(fields::PlaceField<Said, Shown, Reference, Base, Logical> const& 
 
 template <class Said, class Rows>
 void print_row(fields::InfoList<Said, Rows> const& list) {
-    print(list.sarif,
+    print(list.sarif.text(),
           path_of(bradep::sarif::infos_path, "first_string") + " is `" + list.role + "`", "",
           shown_as(list.shown));
 }
@@ -118,15 +124,19 @@ int main() {
     print_section("Places: of a location, in its source reference", fields::of_place);
     print_section("Steps: of a location of a thread flow", fields::of_step);
     print_section("Failures", fields::of_failure);
+    print_section("Rules: `rules/N`", fields::of_descriptor);
+    print_section("Runs: `runs/N/POINTER`", fields::of_run_fact);
     print_section("Information records: their lists", fields::info_lists);
     print_section("Information records: all", fields::of_info);
     for_each_row(fields::info_lists, [](auto const& list) {
-        print_section("Information records: " + std::string(list.sarif), list.rows);
+        print_section("Information records: " + list.sarif.text(), list.rows);
     });
     std::cout << "\n**Other properties of a result, by JSON pointer**\n\n";
     print_kept(bradep::sarif::kept::of_result, "");
     std::cout << "\n**Other properties of a location of a thread flow, by JSON pointer**\n\n";
     print_kept(bradep::sarif::kept::of_step, "");
+    std::cout << "\n**Properties of a run, by JSON pointer**\n\n";
+    print_kept(bradep::sarif::kept::of_run, "");
     std::cout << '\n';
     return std::cout.flush() ? 0 : 1;
 }

@@ -4,10 +4,29 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <tuple>
 #include <type_traits>
 
 namespace bradep::sarif {
+
+/// What a row is about, in a log.
+struct Sarif {
+    /// The property that gets the value, as in `region.startLine`; empty if it is the object
+    /// itself, null if no property of the object gets it.
+    char const* path;
+    char const* description = nullptr;  ///< for docs/sarif.md, if the path does not say it
+
+    constexpr Sarif(char const* its_path, char const* its_description = nullptr)
+        : path(its_path), description(its_description) {}
+
+    std::string text() const {
+        return description ? std::string(description) : "`" + std::string(path) + "`";
+    }
+};
+
+/// A property that is written in another place, or that no log has.
+constexpr Sarif no_property(char const* description) { return {nullptr, description}; }
 
 /// A field of the set: its path, as `bradep dump` spells it, and a function that finds it in a
 /// record.
@@ -100,11 +119,11 @@ private:
 /// A property of a SARIF object and the field that holds it.
 template <class Said, class Access, class Bits = NoBits>
 struct Field {
-    constexpr Field(char const* its_sarif, char const* its_shown, Said its_said,
-                    Held<Access> its_held, Bits its_given = {})
+    constexpr Field(Sarif its_sarif, char const* its_shown, Said its_said, Held<Access> its_held,
+                    Bits its_given = {})
         : sarif(its_sarif), shown(its_shown), said(its_said), held(its_held), given(its_given) {}
 
-    char const*  sarif;  ///< its name in a log
+    Sarif        sarif;
     char const*  shown;  ///< its name in `show --json`; null if it is not printed
     Said         said;   ///< the member of the object
     Held<Access> held;
@@ -131,11 +150,32 @@ struct Field {
     }
 };
 
+/// A property that only a bit holds.
+template <class Said, class Access>
+struct Flag {
+    Sarif         sarif;
+    Said          said;
+    Given<Access> given;
+
+    template <class Part, class Record>
+    void hold(Part const& part, Record const& record) const {
+        if (std::invoke(said, part)) given.set(record);
+    }
+
+    template <class Part, class Record>
+    void restore(Part& part, Record const& record) const {
+        std::invoke(said, part) = given.is_set(record);
+    }
+};
+
+template <class Said, class Access>
+Flag(Sarif, Said, Given<Access>) -> Flag<Said, Access>;
+
 /// A property that needs functions of its own to be written and read: `hold_value(value, record)`
 /// and `restore_value(value, record)`.
 template <class Said, class Hold, class Restore>
 struct ByHand {
-    char const* sarif;
+    Sarif       sarif;
     char const* shown;
     Said        said;
     char const* table;
@@ -155,13 +195,13 @@ struct ByHand {
 };
 
 template <class Said, class Hold, class Restore>
-ByHand(char const*, char const*, Said, char const*, char const*, Hold, Restore)
+ByHand(Sarif, char const*, Said, char const*, char const*, Hold, Restore)
     -> ByHand<Said, Hold, Restore>;
 
 /// A field that is computed from others or is constant. It is written and never read.
 template <class Make>
 struct Derived {
-    char const* what;
+    Sarif       what;
     char const* table;
     char const* field;
     Make        make;  ///< `make(object, record)` writes the field
@@ -176,7 +216,7 @@ struct Derived {
 };
 
 template <class Make>
-Derived(char const*, char const*, char const*, Make) -> Derived<Make>;
+Derived(Sarif, char const*, char const*, Make) -> Derived<Make>;
 
 template <class Use, class... Rows>
 constexpr void for_each_row(std::tuple<Rows...> const& rows, Use const& use) {

@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -33,7 +34,7 @@ struct Logs {
 };
 
 inline constexpr Field runs{
-    "how many `runs`", nullptr, &Logs::runs,
+    no_property("how many `runs`"), nullptr, &Logs::runs,
     held(
         "application_results", "first_int",
         [](auto const& record) -> auto& { return record.set.application_results.first_int; })};
@@ -43,14 +44,16 @@ inline constexpr std::tuple of_logs{runs};
 // A step of a flow is an event.
 
 inline constexpr std::tuple of_step{
-    PlaceField{"`location`", &Step::place, short_place, in_event("source_ref", &Event::source_ref),
+    PlaceField{"location", &Step::place, short_place, in_event("source_ref", &Event::source_ref),
                in_event("first_string", &Event::first_string),
                in_event("signature.qualified_signature.qualified_name.name",
                         along<&Event::signature, &Signature::qualified_signature,
                               &QualifiedSignature::qualified_name, &QualifiedName::name>)},
-    Field{"`location.message`", "message", &Step::message,
+    Field{{"location.message.text", "`location.message`"},
+          "message",
+          &Step::message,
           in_event("optional_string", &Event::optional_string)},
-    Field{"other properties, by pointer", "more", &Step::more,
+    Field{no_property("other properties, by pointer"), "more", &Step::more,
           in_event("signature.package", along<&Event::signature, &Signature::package>),
           Given{1, in_event("first_flag", &Event::first_flag)}},
     Derived{"number of the run, from 0", events_path, "first_int",
@@ -75,17 +78,18 @@ struct InfoHead {
     NumberedKey  check;
 };
 
-inline constexpr Field role{"the list: `location`, `relatedLocation` or `suppression`", nullptr,
-                            &InfoHead::role, in_info("first_string", &Info::first_string)};
-inline constexpr Field position{"the index in it", nullptr, &InfoHead::position,
+inline constexpr Field role{no_property("the list: `location`, `relatedLocation` or `suppression`"),
+                            nullptr, &InfoHead::role, in_info("first_string", &Info::first_string)};
+inline constexpr Field position{no_property("the index in it"), nullptr, &InfoHead::position,
                                 in_info("first_int", &Info::first_int)};
 
 inline constexpr std::tuple of_info{
     role, position,
-    Field{"URI in the key of the check", nullptr, along<&InfoHead::check, &NumberedKey::first>,
+    Field{no_property("URI in the key of the check"), nullptr,
+          along<&InfoHead::check, &NumberedKey::first>,
           in_info("second_string", &Info::second_string)},
-    Field{"ordinal in the key of the check", nullptr, along<&InfoHead::check, &NumberedKey::second>,
-          in_info("second_int", &Info::second_int)},
+    Field{no_property("ordinal in the key of the check"), nullptr,
+          along<&InfoHead::check, &NumberedKey::second>, in_info("second_int", &Info::second_int)},
     Derived{"always `TOOLTIP_INFO`", infos_path, "category",
             [](auto const&, FilledInfo const& record) {
                 record.info.category.choose<"TOOLTIP_INFO">();
@@ -97,8 +101,8 @@ inline constexpr auto tooltip = in_info(
 inline constexpr Given tooltip_is_given{1, in_info("flag", &Info::flag)};
 
 template <class Said>
-constexpr auto place_in_info(char const* sarif, Said said) {
-    return PlaceField{sarif,
+constexpr auto place_in_info(Said said) {
+    return PlaceField{Sarif{"", "the location"},
                       said,
                       of_place,
                       in_info("location", &Info::location),
@@ -106,10 +110,10 @@ constexpr auto place_in_info(char const* sarif, Said said) {
                       in_info("third_string", &Info::third_string)};
 }
 
-inline constexpr std::tuple of_further_location{place_in_info("the location", std::identity())};
+inline constexpr std::tuple of_further_location{place_in_info(std::identity())};
 
 inline constexpr std::tuple of_related_location{
-    ByHand{"`id`", "id", &RelatedPlace::id, infos_path, "string_and_int.1",
+    ByHand{"id", "id", &RelatedPlace::id, infos_path, "string_and_int.1",
            [](std::optional<std::int32_t> const& id, FilledInfo const& record) {
                auto& comparisons = record.filling.comparisons;
                if (id) record.info.string_and_int.emplace(comparisons.interned("id"), *id);
@@ -117,23 +121,27 @@ inline constexpr std::tuple of_related_location{
            [](std::optional<std::int32_t>& id, ReadInfo const& record) {
                if (record.info.string_and_int) id = record.info.string_and_int->second;
            }},
-    place_in_info("the location", &RelatedPlace::place),
-    Field{"`message`", "message", &RelatedPlace::message, tooltip, tooltip_is_given}};
+    place_in_info(&RelatedPlace::place),
+    Field{{"message.text", "`message`"},
+          "message",
+          &RelatedPlace::message,
+          tooltip,
+          tooltip_is_given}};
 
 inline constexpr std::tuple of_suppression{
-    ByHand{"`kind`", "kind", &Suppression::kind, infos_path, "string_and_int.0",
+    ByHand{"kind", "kind", &Suppression::kind, infos_path, "string_and_int.0",
            [](std::optional<Text> const& kind, FilledInfo const& record) {
                if (kind) record.info.string_and_int.emplace(*kind, 0);
            },
            [](std::optional<Text>& kind, ReadInfo const& record) {
                if (record.info.string_and_int) kind = record.info.string_and_int->first;
            }},
-    Field{"`status`", "status", &Suppression::status, tooltip, tooltip_is_given}};
+    Field{"status", "status", &Suppression::status, tooltip, tooltip_is_given}};
 
 /// A list of a result. Each element, from index `first` on, is an information record.
 template <class Said, class Rows>
 struct InfoList {
-    char const* sarif;
+    Sarif       sarif;
     char const* shown;
     Said        said;
     char const* role;
@@ -141,16 +149,26 @@ struct InfoList {
     Rows        rows;  ///< the rows of an element
 };
 template <class Said, class Rows>
-InfoList(char const*, char const*, Said, char const*, std::size_t, Rows) -> InfoList<Said, Rows>;
+InfoList(Sarif, char const*, Said, char const*, std::size_t, Rows) -> InfoList<Said, Rows>;
 
-inline constexpr InfoList further_locations{
-    "`locations[i]`, i from 1", "locations", &Result::locations, "location", 1,
-    of_further_location};
-inline constexpr InfoList related_locations{
-    "`relatedLocations[i]`", "related", &Result::related,
-    "relatedLocation",       0,         of_related_location};
-inline constexpr InfoList suppressions{
-    "`suppressions[i]`", "suppressions", &Result::suppressions, "suppression", 0, of_suppression};
+inline constexpr InfoList further_locations{no_property("`locations[i]`, i from 1"),
+                                            "locations",
+                                            &Result::locations,
+                                            "location",
+                                            1,
+                                            of_further_location};
+inline constexpr InfoList related_locations{{"relatedLocations", "`relatedLocations[i]`"},
+                                            "related",
+                                            &Result::related,
+                                            "relatedLocation",
+                                            0,
+                                            of_related_location};
+inline constexpr InfoList suppressions{{"suppressions", "`suppressions[i]`"},
+                                       "suppressions",
+                                       &Result::suppressions,
+                                       "suppression",
+                                       0,
+                                       of_suppression};
 
 inline constexpr std::tuple info_lists{further_locations, related_locations, suppressions};
 
@@ -166,17 +184,18 @@ struct Fingerprint {
 };
 
 inline constexpr std::tuple of_fingerprint{
-    Field{"the list: `fingerprints` or `partialFingerprints`", nullptr, &Fingerprint::family,
+    Field{no_property("the list: `fingerprints` or `partialFingerprints`"), nullptr,
+          &Fingerprint::family,
           in_fingerprint("0.package", along<&SignatureAndText::first, &Signature::package>)},
-    Field{"the name", nullptr, &Fingerprint::name,
+    Field{no_property("the name"), nullptr, &Fingerprint::name,
           in_fingerprint("0.qualified_signature.qualified_name.name",
                          along<&SignatureAndText::first, &Signature::qualified_signature,
                                &QualifiedSignature::qualified_name, &QualifiedName::name>)},
-    Field{"the value", nullptr, &Fingerprint::value,
+    Field{no_property("the value"), nullptr, &Fingerprint::value,
           in_fingerprint("1", &SignatureAndText::second)}};
 
 template <class Said>
-constexpr auto fingerprints_in(char const* sarif, Said said, char const* family) {
+constexpr auto fingerprints_in(Said said, char const* family) {
     auto const hold_all = [family](Fingerprints const& all, FilledCheck const& record) {
         for (auto const& [name, value] : all) {
             SignatureAndText  held;
@@ -194,8 +213,59 @@ constexpr auto fingerprints_in(char const* sarif, Said said, char const* family)
             if ((one.family.str() == partial_family) == wants_partial) all[one.name] = one.value;
         }
     };
-    return ByHand{sarif,    "fingerprints", said, forms_path, "signature_locations",
+    return ByHand{family,   "fingerprints", said, forms_path, "signature_locations",
                   hold_all, restore_all};
+}
+
+// What is kept of runs and rules, beside the checks. Each rule that results name is kept once.
+
+inline constexpr std::tuple of_descriptor{
+    Field{no_property("the rule's descriptor, as JSON text"), nullptr,
+          along<&Descriptor::text, &KeptJson::text>,
+          in_entry(
+              "0.qualified_name.name",
+              along<&KeptEntry::first, &QualifiedSignature::qualified_name, &QualifiedName::name>)},
+    Field{no_property("the JSON pointer of its tool component in the run"), nullptr,
+          &Descriptor::component,
+          in_entry("0.qualified_name.qualifier",
+                   along<&KeptEntry::first, &QualifiedSignature::qualified_name,
+                         &QualifiedName::qualifier>)}};
+
+/// A property of a run.
+inline constexpr std::tuple of_run_fact{Field{
+    no_property("the property, as JSON text"), nullptr, &KeptJson::text,
+    in_entry("0.qualified_name.name",
+             along<&KeptEntry::first, &QualifiedSignature::qualified_name, &QualifiedName::name>)}};
+
+constexpr std::string_view rules_prefix = "rules/";
+constexpr std::string_view runs_prefix = "runs/";
+
+inline sml::Strings_T rule_key(std::int32_t number, Comparisons& comparisons) {
+    return comparisons.interned(std::string(rules_prefix) + std::to_string(number));
+}
+
+/// The number of the descriptor in the set, from 1. It is added if it is new.
+inline std::int32_t number_of(Descriptor const& descriptor, Filling const& filling) {
+    auto const number = static_cast<std::int32_t>(filling.descriptors.size()) + 1;
+    auto const [known, is_new] =
+        filling.descriptors.try_emplace({descriptor.component, descriptor.text.text}, number);
+    if (!is_new) return known->second;
+    auto const key = rule_key(number, filling.comparisons);
+    auto&      entries = filling.set.application_results.signatures;
+    hold(of_descriptor, descriptor, FilledEntry{filling.at(entries, key)});
+    return number;
+}
+
+/// None if the set has no descriptor of this number.
+inline std::optional<Descriptor> descriptor_at(std::int32_t number, ResultSet const& set) {
+    auto const& entries = set.application_results.signatures;
+    auto const  found = number > 0
+                            ? entries.find(Text(std::string(rules_prefix) + std::to_string(number)))
+                            : entries.end();
+    if (found == entries.end()) return std::nullopt;
+    Descriptor descriptor{{}, Text()};
+    restore(of_descriptor, descriptor, ReadEntry{found->second});
+    return descriptor;
 }
 
 // A result is a check and its form.
@@ -214,36 +284,41 @@ inline constexpr auto message_of_category = in_check(
         return check.category.template arm<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">().message;
     });
 
-inline constexpr Field run{"number of the run, from 0", "run", &Result::run,
+inline constexpr Field run{no_property("number of the run, from 0"), "run", &Result::run,
                            in_check("first_int", &Check::first_int)};
-inline constexpr Field tool{"`tool.driver.name`", "tool", &Result::tool,
+inline constexpr Field tool{no_property("`tool.driver.name`"), "tool", &Result::tool,
                             in_check("first_string", &Check::first_string), given_in_check(1)};
 inline constexpr Field tool_version{
-    "`tool.driver.version`, else `semanticVersion`", nullptr, &Result::tool_version,
+    no_property("`tool.driver.version`, else `semanticVersion`"), nullptr, &Result::tool_version,
     in_check("second_string", &Check::second_string), given_in_check(2)};
-inline constexpr Field rule{"`ruleId`, else `rule.id`, else the rule's `id`", "rule", &Result::rule,
+inline constexpr Field rule{{"ruleId", "`ruleId`, else `rule.id`, else the rule's `id`"},
+                            "rule",
+                            &Result::rule,
                             in_check("optional_string", &Check::optional_string)};
-inline constexpr Field level{"`level`", "level", &Result::level,
+inline constexpr Field level{"level", "level", &Result::level,
                              in_check("third_string", &Check::third_string)};
-inline constexpr Field kind{"`kind`", "kind", &Result::kind,
+inline constexpr Field kind{"kind", "kind", &Result::kind,
                             in_check("fourth_string", &Check::fourth_string)};
-inline constexpr Field message{"`message`", "message", &Result::message, message_of_category,
+inline constexpr Field message{{"message.text", "`message`"},
+                               "message",
+                               &Result::message,
+                               message_of_category,
                                given_in_check(4)};
-inline constexpr Field baseline_state{"`baselineState`", "baselineState", &Result::baseline_state,
+inline constexpr Field baseline_state{"baselineState", "baselineState", &Result::baseline_state,
                                       in_check("sixth_string", &Check::sixth_string),
                                       given_in_check(8)};
 inline constexpr PlaceField first_location{
-    "`locations[0]`",
+    {"locations", "`locations[0]`"},
     &Result::locations,
     std::tuple{},
     in_check("source_ref", &Check::source_ref),
     in_check("fifth_string", &Check::fifth_string),
     in_form("second_optional_name", &CheckForm::second_optional_name)};
-inline constexpr ByHand flows{"`codeFlows`", "flows",    &Result::flows, checks_path,
-                              "failure",     hold_flows, restore_flows};
+inline constexpr ByHand flows{"codeFlows", "flows",    &Result::flows, checks_path,
+                              "failure",   hold_flows, restore_flows};
 
 inline constexpr ByHand more{
-    "other properties: the pointer in `qualifier`, the text in `name`",
+    no_property("other properties: the pointer in `qualifier`, the text in `name`"),
     "more",
     &Result::more,
     checks_path,
@@ -286,10 +361,8 @@ constexpr auto again_of_place(Row const& row, char const* field, Member member) 
                    }};
 }
 
-inline constexpr auto complete =
-    fingerprints_in("`fingerprints`", &Result::fingerprints, complete_family);
-inline constexpr auto partial =
-    fingerprints_in("`partialFingerprints`", &Result::partial_fingerprints, partial_family);
+inline constexpr auto complete = fingerprints_in(&Result::fingerprints, complete_family);
+inline constexpr auto partial = fingerprints_in(&Result::partial_fingerprints, partial_family);
 
 inline constexpr std::tuple of_form_place{
     again_of_place(line, "first_optional_int", &CheckForm::first_optional_int),
@@ -305,6 +378,14 @@ inline constexpr std::tuple of_form{
             }},
     again(run, "first_int", &CheckForm::first_int),
     again(rule, "first_optional_name", &CheckForm::first_optional_name),
+    ByHand{no_property("the number of the rule's descriptor in the set, from 1"), nullptr,
+           &Result::descriptor, forms_path, "second_int",
+           [](std::optional<Descriptor> const& descriptor, FilledCheck const& record) {
+               if (descriptor) record.form.second_int = number_of(*descriptor, record.filling);
+           },
+           [](std::optional<Descriptor>& descriptor, ReadCheck const& record) {
+               descriptor = descriptor_at(record.form.second_int, record.set);
+           }},
     again(level, "name", &CheckForm::name),
     Derived{"`message`, as in the check", forms_path, "category",
             [](auto const&, FilledCheck const& record) {

@@ -16,6 +16,7 @@ enum class How {
     parts,
     markdown,           ///< of a message whose text has a field: only its `markdown`
     logical_locations,  ///< unless one name, which has a field, is all that they say
+    component,          ///< of a run, once its results are known
 };
 
 /// A property that is kept.
@@ -124,7 +125,33 @@ inline constexpr Member  all_of_result[] = {{"guid"},
                                             {"provenance"},
                                             {"hostedViewerUri"},
                                             {"workItemUris"},
+                                            {"webRequest"},
+                                            {"webResponse"},
                                             {"properties"}};
 inline constexpr Members of_result = members(all_of_result);
+
+/// Of the components, those are kept that results refer to, and the driver.
+inline constexpr Member all_of_tool[] = {
+    {"driver", How::component}, {"extensions", How::component}, {"properties"}};
+inline constexpr Members of_tool = members(all_of_tool);
+
+inline constexpr Member  all_of_run[] = {{"tool", of_tool},
+                                         {"taxonomies", How::component},
+                                         {"invocations"},
+                                         {"automationDetails"},
+                                         {"runAggregates"},
+                                         {"baselineGuid"},
+                                         {"originalUriBaseIds"},
+                                         {"versionControlProvenance"},
+                                         {"conversion"},
+                                         {"language"},
+                                         {"columnKind"},
+                                         {"defaultEncoding"},
+                                         {"defaultSourceLanguage"},
+                                         {"newlineSequences"},
+                                         {"redactionTokens"},
+                                         {"specialLocations"},
+                                         {"properties"}};
+inline constexpr Members of_run = members(all_of_run);
 
 }  // namespace bradep::sarif::kept

@@ -1,7 +1,9 @@
 #pragma once
 // Visits the properties of an object that are kept as JSON text.
 
+#include "json_input.hpp"
 #include "sarif/kept.hpp"
+#include "sarif/schema.hpp"
 
 #include <boost/json.hpp>
 
@@ -13,7 +15,8 @@ namespace bradep::sarif {
 
 namespace json = boost::json;
 
-/// Calls `use(pointer, member, value)` for each property of an object, in the order of the table.
+/// Calls `use(pointer, member, property, value)` for each property of an object, in the order of
+/// the table.
 /// The pointer is relative to the object. A value of another kind than SARIF says, in which others
 /// should stand, has none.
 template <class Use>
@@ -22,24 +25,16 @@ public:
     explicit KeptProperties(Use const& use) : use_(use) {}
 
     /// A property that the object does not have is taken from `other`, if that is given.
-    void of(json::value const& object, kept::Members const& members,
+    void of(json::value const& object, schema::Type const& type, kept::Members const& members,
             json::value const* other = nullptr) {
-        for (auto const& member : members)
-            if (auto const* const value = property(&object, other, member.name))
-                below(member.name, *value, member);
+        for (auto const& member : members) {
+            auto const* const own = json_input::found(&object, member.name);
+            auto const* const value = own ? own : json_input::found(other, member.name);
+            if (value) below(member, *type.property(member.name), *value);
+        }
     }
 
 private:
-    static json::value const* property(json::value const* object, json::value const* other,
-                                       std::string_view name) {
-        for (auto const* const from : {object, other}) {
-            auto const* const members = from ? from->if_object() : nullptr;
-            auto const* const value = members ? members->if_contains(name) : nullptr;
-            if (value && !value->is_null()) return value;
-        }
-        return nullptr;
-    }
-
     // Calls `visit` with the name added to the pointer.
     template <class Visit>
     void below_name(std::string_view name, Visit const& visit) {
@@ -50,15 +45,17 @@ private:
         pointer_.resize(length);
     }
 
-    void below(std::string_view name, json::value const& value, kept::Member const& member) {
-        below_name(name, [&] {
+    void below(kept::Member const& member, schema::Property const& property,
+               json::value const& value) {
+        below_name(member.name, [&] {
             if (member.how != kept::How::parts)
-                use_(pointer_, member, value);
+                use_(pointer_, member, property, value);
             else if (auto const* const elements = value.if_array())
                 for (std::size_t i = 0; i < elements->size(); ++i)
-                    below_name(std::to_string(i), [&] { of((*elements)[i], *member.below); });
+                    below_name(std::to_string(i),
+                               [&] { of((*elements)[i], *property.type, *member.below); });
             else
-                of(value, *member.below);
+                of(value, *property.type, *member.below);
         });
     }
 

@@ -3,8 +3,11 @@
 #include "sarif/fields.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
+#include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -94,6 +97,8 @@ private:
         }
     }
     void see(KeptJson const& json) { see(json.text); }
+    void see(Descriptor const& descriptor) { see(descriptor.text); }
+    void see(bool) {}
     void see(More const& more) {
         for (auto const& [pointer, text] : more.texts) {
             see(pointer);
@@ -126,8 +131,8 @@ std::size_t most_entries(Result const& result, Filling const& filling) {
     }
     auto const infos = result.locations.size() + result.related.size() + result.suppressions.size();
     auto const& tables = filling.set.application_results;
-    return std::max({filling.set.check_data.size() + 1, filling.size(tables.events) + steps,
-                     filling.size(tables.infos) + infos, lists,
+    return std::max({filling.set.check_data.size() + 1, tables.signatures.size() + 1,
+                     filling.size(tables.events) + steps, filling.size(tables.infos) + infos, lists,
                      result.fingerprints.size() + result.partial_fingerprints.size(),
                      result.more.texts.size()});
 }
@@ -162,11 +167,16 @@ void add(Result const& result, Filling const& filling, SetLimits const& limits) 
 
 void add_result(Result const& result, ResultSet& set, Comparisons& comparisons,
                 SetLimits const& limits) {
-    add(result, {set, comparisons}, limits);
+    DescriptorNumbers descriptors;
+    for (std::int32_t number = 1; auto const one = fields::descriptor_at(number, set); ++number)
+        descriptors.emplace(std::pair(one->component, one->text.text), number);
+    add(result, {set, comparisons, descriptors}, limits);
 }
 
 struct SetFiller::Tables : LateTables {
     using LateTables::LateTables;
+
+    DescriptorNumbers descriptors;
 };
 
 SetFiller::SetFiller(ResultSet& set, Comparisons& comparisons)
@@ -177,7 +187,21 @@ SetFiller::SetFiller(ResultSet& set, Comparisons& comparisons)
 SetFiller::~SetFiller() = default;
 
 void SetFiller::add(Result const& result) {
-    sarif::add(result, {set_, comparisons_, tables_.get()}, {});
+    sarif::add(result, {set_, comparisons_, tables_->descriptors, tables_.get()}, {});
+}
+
+void SetFiller::add(RunFacts const& facts) {
+    Filling const   filling{set_, comparisons_, tables_->descriptors};
+    SetLimits const limits;
+    auto&           entries = set_.application_results.signatures;
+    auto const      run = std::string(fields::runs_prefix) + std::to_string(facts.run) + '/';
+    for (auto const& [pointer, text] : facts.facts.texts) {
+        refuse_more(text.text.str().size(), limits.text_bytes, "a text of this many bytes:");
+        refuse_more(entries.size() + 1, limits.entries, "this many entries of a map:");
+        auto const key = comparisons_.interned(run + pointer.str());
+        hold(fields::of_run_fact, text, FilledEntry{filling.at(entries, key)});
+    }
+    refuse_more(Text::fAllStrings.size() + 1, limits.strings, "this many strings:");
 }
 
 void SetFiller::finish() { tables_->insert_all(); }
@@ -193,6 +217,27 @@ Result restored_result(CheckForm const& form, ResultSet const& set) {
     for (auto const* info : infos_of(key, set)) restore_info({*info}, result);
     restore(fields::of_form, result, record);
     return result;
+}
+
+std::vector<RunFacts> restored_facts(ResultSet const& set) {
+    std::map<std::int32_t, RunFacts> by_run;
+    for (auto const& [key, entry] : set.application_results.signatures) {
+        std::string_view const name = key.str();
+        if (!name.starts_with(fields::runs_prefix)) continue;
+        auto const   number = name.substr(fields::runs_prefix.size());
+        std::int32_t run = -1;
+        auto const   end = std::from_chars(number.data(), number.data() + number.size(), run).ptr;
+        auto const   rest = number.substr(static_cast<std::size_t>(end - number.data()));
+        if (run < 0 || !rest.starts_with('/')) continue;
+        KeptJson fact{Text()};
+        restore(fields::of_run_fact, fact, ReadEntry{entry});
+        auto& facts = by_run[run];
+        facts.run = run;
+        facts.facts.texts.emplace(std::string(rest.substr(1)), fact);
+    }
+    std::vector<RunFacts> all;
+    for (auto& [run, facts] : by_run) all.push_back(std::move(facts));
+    return all;
 }
 
 bool has_category_of_import(Category const& category) {

@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace bradep::sarif {
 
@@ -35,6 +36,7 @@ public:
 
     /// As `add_result` does, with the same bytes in the end, but faster.
     void add(Result const& result);
+    void add(RunFacts const& facts);
     void finish();
 
 private:
@@ -48,6 +50,9 @@ private:
 /// The result that a check form of the set was made from. Throws DamagedInput if the set does not
 /// hold that check as `add_result` writes it.
 Result restored_result(CheckForm const& form, ResultSet const& set);
+
+/// What is kept of each run beside results, in the order of the runs.
+std::vector<RunFacts> restored_facts(ResultSet const& set);
 
 /// Whether the category is the one that `add_result` gives to all checks. A native check can have
 /// it, too.

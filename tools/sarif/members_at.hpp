@@ -14,7 +14,7 @@ namespace bradep::sarif {
 /// stand; of two with one name the last one.
 template <std::size_t count>
 std::array<std::optional<json_input::Cursor>, count> members_at(
-    json_input::Cursor& at, std::string_view const (&names)[count]) {
+    json_input::Cursor& at, std::array<std::string_view, count> const& names) {
     std::array<std::optional<json_input::Cursor>, count> found;
     for (at.enter(); at.next(); at.skip()) {
         auto const name = at.name();

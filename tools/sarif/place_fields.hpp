@@ -54,29 +54,34 @@ inline constexpr auto upper_half = half_of_reference<32>("upper half of `referen
 inline constexpr auto lower_half = half_of_reference<0>("lower half of `reference`");
 
 inline constexpr Field uri{
-    "`physicalLocation.artifactLocation.uri`", "uri", &Place::uri,
+    "physicalLocation.artifactLocation.uri", "uri", &Place::uri,
     in_reference("localization.file", along<&SourceRef::localization, &Localization::file>),
     given_in_place(2)};
-inline constexpr Field base{"`physicalLocation.artifactLocation.uriBaseId`", "base", &Place::base,
+inline constexpr Field base{"physicalLocation.artifactLocation.uriBaseId", "base", &Place::base,
                             base_text, given_in_place(4)};
 inline constexpr Field line{
-    "`physicalLocation.region.startLine`", "line", &Place::line,
+    "physicalLocation.region.startLine", "line", &Place::line,
     in_reference("localization.first_position",
                  along<&SourceRef::localization, &Localization::first_position>),
     given_in_place(8)};
 inline constexpr Field column{
-    "`physicalLocation.region.startColumn`", "column", &Place::column,
+    "physicalLocation.region.startColumn", "column", &Place::column,
     in_reference("localization.second_position",
                  along<&SourceRef::localization, &Localization::second_position>),
     given_in_place(16)};
-inline constexpr Field end_line{"`physicalLocation.region.endLine`", "endLine", &Place::end_line,
+inline constexpr Field end_line{"physicalLocation.region.endLine", "endLine", &Place::end_line,
                                 upper_half, given_in_place(32)};
-inline constexpr Field end_column{"`physicalLocation.region.endColumn`", "endColumn",
+inline constexpr Field end_column{"physicalLocation.region.endColumn", "endColumn",
                                   &Place::end_column, lower_half, given_in_place(64)};
-inline constexpr Field logical{"`fullyQualifiedName`, else `name`, of `logicalLocations[0]`",
-                               nullptr, &Place::logical, logical_name, given_in_place(128)};
+inline constexpr Field logical{
+    no_property("`fullyQualifiedName`, else `name`, of `logicalLocations[0]`"), nullptr,
+    &Place::logical, logical_name, given_in_place(128)};
 
-inline constexpr std::tuple of_place{uri, base, line, column, end_line, end_column, logical};
+inline constexpr Flag logical_is_short{no_property("that name is a `name`"),
+                                       &Place::logical_is_short, given_in_place(256)};
+
+inline constexpr std::tuple of_place{uri,      base,       line,    column,
+                                     end_line, end_column, logical, logical_is_short};
 inline constexpr std::tuple short_place{uri, line, column};
 
 inline Place const* place_in(Place const& place) { return &place; }
@@ -96,7 +101,7 @@ inline Place& new_place(std::vector<Place>& places) { return places.emplace_back
 /// printed by `show --json` among the members of the object.
 template <class Said, class Shown, class Reference, class Base, class Logical>
 struct PlaceField {
-    char const*     sarif;
+    Sarif           sarif;
     Said            said;
     Shown           place_rows;
     Held<Reference> reference;
@@ -124,7 +129,7 @@ struct PlaceField {
 };
 
 template <class Said, class Shown, class Reference, class Base, class Logical>
-PlaceField(char const*, Said, Shown, Held<Reference>, Held<Base>, Held<Logical>)
+PlaceField(Sarif, Said, Shown, Held<Reference>, Held<Base>, Held<Logical>)
     -> PlaceField<Said, Shown, Reference, Base, Logical>;
 
 }  // namespace bradep::sarif::fields

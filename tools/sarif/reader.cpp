@@ -6,6 +6,7 @@
 #include "sarif/run.hpp"
 #include "sarif/run_parts.hpp"
 
+#include <array>
 #include <limits>
 #include <optional>
 
@@ -31,21 +32,25 @@ void refuse_other_logs(json::value const& log) {
         throw Misfit{&log, "not SARIF: the member \"runs\" is missing"};
 }
 
-void hand_over(Run& run, json::value const& result, ResultSink const& sink) {
+// Calls `use`. What it refuses is `where`.
+template <class Use>
+void hand_over(json::value const& where, Use const& use) {
     try {
-        sink(run.resolve(result));
+        use();
     } catch (DamagedInput const& refusal) {
-        throw Misfit{&result, refusal.what()};
+        throw Misfit{&where, refusal.what()};
     }
 }
 
 class LogReader {
 public:
     LogReader(std::string const& name, std::int32_t first_run, ResultSink const& sink,
-              Limits const& limits, Comparisons& comparisons, std::atomic<std::uint64_t>* done)
+              Limits const& limits, Comparisons& comparisons, std::atomic<std::uint64_t>* done,
+              FactsSink const& facts_sink)
         : name_(name),
           first_run_(first_run),
           sink_(sink),
+          facts_sink_(facts_sink),
           expansion_(limits, comparisons),
           done_(done) {}
 
@@ -64,6 +69,7 @@ private:
     std::string const&          name_;
     std::int32_t                first_run_;
     ResultSink const&           sink_;
+    FactsSink const&            facts_sink_;
     Expansion                   expansion_;
     std::atomic<std::uint64_t>* done_;
     ValueParser                 parser_;
@@ -87,9 +93,9 @@ void LogReader::located(json::value const& root, Pointer const& pointer, Read co
 
 // Where the list of runs stands. Throws DamagedInput if the log is no SARIF.
 Cursor LogReader::runs_of(Cursor log) {
-    constexpr std::string_view names[] = {"version", "runs"};
-    json::value                head;
-    std::optional<Cursor>      runs;
+    constexpr std::array<std::string_view, 2> names = {"version", "runs"};
+    json::value                               head;
+    std::optional<Cursor>                     runs;
     if (log.peek() == '{') {
         auto&      members = head.emplace_object();
         auto const found = members_at(log, names);
@@ -122,6 +128,7 @@ void LogReader::read_run(Cursor& at) {
             json_input::list(parts.value(), "results");  // throws if it is none
             Run run(parts.value(), first_run_ + count_, expansion_);
             if (parts.results()) read_results(parts, run);
+            if (facts_sink_) hand_over(parts.value(), [&] { facts_sink_(run.facts()); });
         });
 }
 
@@ -132,7 +139,7 @@ void LogReader::read_results(RunParts const& parts, Run& run) {
         auto const& result = parser_.parse(at);
         located(
             result, [&] { return run_pointer() + "/results/" + std::to_string(number); },
-            [&] { hand_over(run, result, sink_); });
+            [&] { hand_over(result, [&] { sink_(run.resolve(result)); }); });
         if (done_) done_->store(at.offset(), std::memory_order_relaxed);
     }
 }
@@ -141,8 +148,9 @@ void LogReader::read_results(RunParts const& parts, Run& run) {
 
 std::int32_t read_log(JsonText const& text, std::string const& name, std::int32_t first_run,
                       ResultSink const& sink, Limits const& limits, Comparisons& comparisons,
-                      std::atomic<std::uint64_t>* done) {
-    return LogReader(name, first_run, sink, limits, comparisons, done).read(Cursor(text));
+                      std::atomic<std::uint64_t>* done, FactsSink const& facts_sink) {
+    return LogReader(name, first_run, sink, limits, comparisons, done, facts_sink)
+        .read(Cursor(text));
 }
 
 std::int32_t read_log(std::string_view text, std::string const& name, std::int32_t first_run,

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -47,11 +49,15 @@ struct LateTables {
     LateTable<decltype(Tables::infos)>  infos;
 };
 
+/// The numbers of the descriptors that a set holds, by component and text.
+using DescriptorNumbers = std::map<std::pair<sml::Strings_T, sml::Strings_T>, std::int32_t>;
+
 /// A set to which results are added. The look-ups in its maps and in the string table are counted.
 struct Filling {
-    ResultSet&   set;
-    Comparisons& comparisons;
-    LateTables*  late = nullptr;  ///< if given, it gets the entries of its tables
+    ResultSet&         set;
+    Comparisons&       comparisons;
+    DescriptorNumbers& descriptors;
+    LateTables*        late = nullptr;  ///< if given, it gets the entries of its tables
 
     /// The value of a key that is not in one of the large tables yet.
     template <class Table>
@@ -95,6 +101,15 @@ struct CheckAlone {
     Check const& check;
 };
 
+/// What a run or a rule has, kept as text.
+using KeptEntry = std::pair<QualifiedSignature, std::optional<QualifiedSignature>>;
+struct FilledEntry {
+    KeptEntry& entry;
+};
+struct ReadEntry {
+    KeptEntry const& entry;
+};
+
 struct FilledFailure {
     sml::Failure::T& failure;
 };
@@ -133,6 +148,7 @@ constexpr char const* checks_path = "application_results.checks[*]";
 constexpr char const* forms_path = "check_data[*].1";
 constexpr char const* events_path = "application_results.events[*]";
 constexpr char const* infos_path = "application_results.infos[*]";
+constexpr char const* entries_path = "application_results.signatures[*]";
 constexpr char const* fingerprints_path = "check_data[*].1.signature_locations[*].1";
 
 // Functions that make a `Held` for a field of one of these records. `member` is a member pointer or
@@ -161,6 +177,12 @@ constexpr auto in_info(char const* field, Member member) {
     return held(
         infos_path,
         field, [member](auto const& record) -> auto& { return std::invoke(member, record.info); });
+}
+template <class Member>
+constexpr auto in_entry(char const* field, Member member) {
+    return held(
+        entries_path,
+        field, [member](auto const& record) -> auto& { return std::invoke(member, record.entry); });
 }
 template <class Member>
 constexpr auto in_fingerprint(char const* field, Member member) {

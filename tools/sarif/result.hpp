@@ -23,6 +23,7 @@ struct Place {
     std::optional<std::int32_t> end_line;
     std::optional<std::int32_t> end_column;
     std::optional<Text>         logical;  ///< name of the first logical location
+    bool logical_is_short = false;        ///< it is not its `fullyQualifiedName`, but its `name`
 
     bool operator==(Place const&) const = default;
 };
@@ -77,11 +78,26 @@ struct More {
     bool operator==(More const&) const = default;
 };
 
+/// What the tool says of a rule.
+struct Descriptor {
+    Text     component;  ///< the JSON pointer of its tool component in the run, without first slash
+    KeptJson text;
+
+    bool operator==(Descriptor const&) const = default;
+};
+
+/// What a run has beside results.
+struct RunFacts {
+    std::int32_t run = 0;
+    More         facts;
+};
+
 struct Result {
     std::int32_t              run = 0;
     std::optional<Text>       tool;
     std::optional<Text>       tool_version;
     std::optional<Text>       rule;
+    std::optional<Descriptor> descriptor;
     Text                      level;
     Text                      kind;
     std::optional<Text>       message;

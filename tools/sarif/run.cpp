@@ -5,6 +5,8 @@
 #include "sarif/kept_properties.hpp"
 #include "sarif/message_format.hpp"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 namespace bradep::sarif {
@@ -12,22 +14,6 @@ namespace bradep::sarif {
 namespace {
 
 using namespace json_input;  // member, list, text, number, index
-
-// The element at index `at`; null if there is no list or it is too short.
-json::value const* element(json::array const* list, std::size_t at) {
-    return list && at < list->size() ? &(*list)[at] : nullptr;
-}
-
-// The bytes of the texts in a value, and one for each value.
-std::uint64_t size_of(json::value const& value) {
-    std::uint64_t size = 1;
-    if (auto const* const text = value.if_string()) size += text->size();
-    if (auto const* const elements = value.if_array())
-        for (auto const& one : *elements) size += size_of(one);
-    if (auto const* const members = value.if_object())
-        for (auto const& [name, one] : *members) size += name.size() + size_of(one);
-    return size;
-}
 
 [[noreturn]] void points_nowhere(json::value const& holder, std::string_view index_name,
                                  char const* list_name) {
@@ -121,11 +107,13 @@ Run::Component::Component(json::value const* given)
     : value(given), rules(given ? list(*given, "rules") : nullptr), rules_by_guid(rules, "guid") {}
 
 Run::Run(json::value const& run, std::int32_t number, Expansion& expansion)
-    : expansion_(expansion),
+    : run_(run),
+      expansion_(expansion),
       number_(number),
       artifacts_(list(run, "artifacts")),
       logical_locations_(list(run, "logicalLocations")),
-      thread_flow_locations_(list(run, "threadFlowLocations")) {
+      thread_flow_locations_(list(run, "threadFlowLocations")),
+      lists_(run) {
     auto const* tool = member(run, "tool");
     auto const* given_driver = tool ? member(*tool, "driver") : nullptr;
     if (given_driver) {
@@ -136,8 +124,6 @@ Run::Run(json::value const& run, std::int32_t number, Expansion& expansion)
     }
     add_component(given_driver);
     auto const* extensions = tool ? list(*tool, "extensions") : nullptr;
-    auto const* taxonomies = member(run, "taxonomies");
-    lists_ = {artifacts_, given_driver, extensions, taxonomies ? taxonomies->if_array() : nullptr};
     if (!extensions) return;
     for (auto const& extension : *extensions) add_component(&extension);
     extensions_by_guid_ = {extensions, "guid"};
@@ -188,8 +174,8 @@ Rule Run::rule_of(json::value const& result) {
     if (at && !id) points_nowhere(*index_holder, index_name, "the rules");
     if (!id) return {nullptr, component.value};
     auto rule = rules_by_id_.find_in(number, *id);
-    if (!rule.descriptor && !component_reference)
-        rule = rules_by_id_.find_from(first_extension, *id);
+    if (!rule.descriptor && number != driver) rule = rules_by_id_.find_in(driver, *id);
+    if (!rule.descriptor) rule = rules_by_id_.find_from(first_extension, *id);
     return {rule.descriptor, rule.descriptor ? components_[rule.component].value : component.value};
 }
 
@@ -214,6 +200,7 @@ std::optional<Text> Run::message_of(json::value const& holder, Rule const& rule)
     if (id && !markdown)
         throw Misfit{member(*message, "id"),
                      "no message string has the id \"" + std::string(*id) + "\""};
+    if (markdown && !arguments.empty()) return expansion_.message(*markdown, arguments, *message);
     return expansion_.text(markdown, *message);
 }
 
@@ -230,22 +217,26 @@ void Run::resolve_artifact(json::value const& artifact_location, Place& place) {
     if (!place.base) place.base = expansion_.text(view(*location, "uriBaseId"), artifact_location);
 }
 
-std::optional<std::string_view> Run::logical_name(json::value const& location) const {
+void Run::name_logically(json::value const& location, Place& place) {
     auto const* logical = element(list(location, "logicalLocations"), 0);
-    if (!logical) return std::nullopt;
-    if (auto const full = view(*logical, "fullyQualifiedName")) return full;
+    if (!logical) return;
+    auto const give = [&](std::optional<std::string_view> name, bool is_short) {
+        place.logical = expansion_.text(name, location);
+        place.logical_is_short = name && is_short;
+    };
+    if (auto const full = view(*logical, "fullyQualifiedName")) return give(full, false);
     auto const  name = view(*logical, "name");
     auto const  at = index(*logical, "index");
     auto const* shared = at ? element(logical_locations_, *at) : nullptr;
     if (at && !shared && !name) points_nowhere(*logical, "index", "the run's logicalLocations");
-    if (!shared) return name;
-    if (auto const full = view(*shared, "fullyQualifiedName")) return full;
-    return first_given(name, view(*shared, "name"));
+    if (!shared) return give(name, true);
+    if (auto const full = view(*shared, "fullyQualifiedName")) return give(full, false);
+    give(first_given(name, view(*shared, "name")), true);
 }
 
 Place Run::place_of(json::value const& location) {
     Place place;
-    place.logical = expansion_.text(logical_name(location), location);
+    name_logically(location, place);
     auto const* physical = member(location, "physicalLocation");
     if (!physical) return place;
     if (auto const* artifact_location = member(*physical, "artifactLocation"))
@@ -262,7 +253,7 @@ Step Run::step_of(json::value const& thread_flow_location, Rule const& rule) {
         if (!shared) points_nowhere(thread_flow_location, "index", "the run's threadFlowLocations");
         location = member(*shared, "location");
     }
-    auto more = more_of(thread_flow_location);
+    auto more = more_of(thread_flow_location, rule);
     if (!location) return {std::nullopt, std::nullopt, std::move(more)};
     return {place_of(*location), message_of(*location, rule), std::move(more)};
 }
@@ -319,6 +310,7 @@ Result Run::resolve(json::value const& given) {
     result.tool = tool_;
     result.tool_version = tool_version_;
     result.rule = expansion_.text(rule_id(given, rule.descriptor), given);
+    result.descriptor = descriptor_of(rule);
     auto const kind = view(given, "kind").value_or("fail");
     result.kind = expansion_.text_of(kind, given);
     result.level = expansion_.text_of(level_of(given, kind, rule.descriptor), given);
@@ -328,43 +320,23 @@ Result Run::resolve(json::value const& given) {
     result.suppressions = suppressions_of(given);
     result.baseline_state = expansion_.text(view(given, "baselineState"), given);
     resolve_places(given, rule, result);
-    keep_more(given, result);
+    keep_more(given, rule, result);
     return result;
 }
 
-// The logical locations, with what their indices lead to; empty if they say one name and no more.
-std::string Run::logical_text(json::value const& logical_locations) const {
+// Whether one name, which has a field, is all that the list says.
+bool Run::says_one_name(json::value const& logical_locations) const {
     auto const* const all = logical_locations.if_array();
-    if (!all) return {};
-    json::array   resolved;
-    std::uint64_t shared_size = 0;
-    for (auto const& one : *all) {
-        auto const* const own = one.if_object();
-        if (!own) continue;
-        json::object      whole = *own;
-        auto const* const at = own->if_contains("index");
-        auto const        number = at ? integer(*at) : std::nullopt;
-        auto const* const shared =
-            number && *number >= 0 ? element(logical_locations_, static_cast<std::size_t>(*number))
-                                   : nullptr;
-        if (shared && shared->is_object()) {
-            shared_size += size_of(*shared);  // before it is copied
-            if (shared_size > expansion_.limits().message) throw TooMuchResolved();
-            for (auto const& [name, value] : shared->get_object()) whole.emplace(name, value);
-        }
-        whole.erase("index");
-        whole.erase("parentIndex");
-        resolved.push_back(std::move(whole));
-    }
-    auto const says_one_name = [](json::object const& one) {
-        return one.empty() ||
-               (one.size() == 1 && (one.contains("fullyQualifiedName") || one.contains("name")));
-    };
-    if (resolved.empty()) return {};
-    if (resolved.size() == 1 && says_one_name(resolved.front().get_object())) return {};
-    std::string text;
-    append_kept_text(text, "logicalLocations", resolved, lists_, expansion_.limits().message);
-    return text;
+    if (!all || all->size() != 1 || !all->front().is_object()) return all && all->empty();
+    std::set<std::string_view> names;
+    for (auto const* const from :
+         {&all->front(), lists_.shared(schema::logical_location, all->front())})
+        if (auto const* const members = from ? from->if_object() : nullptr)
+            for (auto const& [name, value] : *members)
+                if (!value.is_null() && name != "index" && name != "parentIndex")
+                    names.insert(name);
+    return names.empty() ||
+           (names.size() == 1 && (names.contains("fullyQualifiedName") || names.contains("name")));
 }
 
 // The markdown of a message as a JSON string; empty if there is none.
@@ -381,46 +353,122 @@ std::string Run::markdown_text(json::value const& message) {
     return text;
 }
 
-// The text of a property that is kept; empty if it has no more than what has a field.
-std::string Run::more_text(kept::Member const& member, json::value const& value) {
-    std::string text;
+std::string Run::kept_text(schema::Property const& property, json::value const& value,
+                           Rule const& rule) {
+    auto const most = expansion_.limits().message;
     try {
-        if (member.how == kept::How::markdown) return markdown_text(value);
-        if (member.how == kept::How::logical_locations) return logical_text(value);
-        append_kept_text(text, member.name, value, lists_, expansion_.limits().message);
+        std::string text;
+        KeptText(lists_, rule, most).append(text, property, value);
+        return text;
     } catch (TooMuchResolved const&) {
         throw Misfit{&value, "what its indices lead to comes to more than --max-message " +
-                                 std::to_string(expansion_.limits().message) + " bytes"};
+                                 std::to_string(most) + " bytes"};
     }
-    return text;
 }
 
-std::optional<KeptJson> Run::more_of(json::value const& thread_flow_location) {
+// The text of a property that is kept; empty if it has no more than what has a field.
+std::string Run::more_text(kept::Member const& member, schema::Property const& property,
+                           json::value const& value, Rule const& rule) {
+    if (member.how == kept::How::markdown) return markdown_text(value);
+    bool const has_field = member.how == kept::How::logical_locations && says_one_name(value);
+    return has_field ? std::string() : kept_text(property, value, rule);
+}
+
+std::optional<KeptJson> Run::more_of(json::value const& thread_flow_location, Rule const& rule) {
     std::string object;
     auto const  use = [&](std::string const& pointer, kept::Member const& member,
-                         json::value const& value) {
-        auto const text = more_text(member, value);
+                         schema::Property const& property, json::value const& value) {
+        auto const text = more_text(member, property, value, rule);
         if (text.empty()) return;
         object += object.empty() ? '{' : ',';
-        sml::inspect::append_json_string(object, pointer_of(pointer, member));
+        sml::inspect::append_json_string(object, sarif::pointer_of(pointer, member));
         object += ':' + text;
     };
     auto const  at = index(thread_flow_location, "index");
     auto const* shared = at ? element(thread_flow_locations_, *at) : nullptr;
-    KeptProperties(use).of(thread_flow_location, kept::of_step, shared);
+    KeptProperties(use).of(thread_flow_location, schema::thread_flow_location, kept::of_step,
+                           shared);
     if (object.empty()) return std::nullopt;
     return expansion_.text_of(object + '}', thread_flow_location);
 }
 
-void Run::keep_more(json::value const& given, Result& result) {
+void Run::keep_more(json::value const& given, Rule const& rule, Result& result) {
     auto const use = [&](std::string const& pointer, kept::Member const& member,
-                         json::value const& value) {
-        auto const text = more_text(member, value);
+                         schema::Property const& property, json::value const& value) {
+        auto const text = more_text(member, property, value, rule);
         if (text.empty()) return;
-        result.more.texts.emplace(expansion_.text_of(pointer_of(pointer, member), value),
+        result.more.texts.emplace(expansion_.text_of(sarif::pointer_of(pointer, member), value),
                                   expansion_.text_of(text, value));
     };
-    KeptProperties(use).of(given, kept::of_result);
+    KeptProperties(use).of(given, schema::result, kept::of_result);
+}
+
+constexpr schema::Property one_rule{"rules", schema::reporting_descriptor};
+constexpr schema::Property one_component{"tool", schema::tool_component};
+
+std::optional<Descriptor> Run::descriptor_of(Rule const& rule) {
+    auto const* const descriptor = rule.descriptor;
+    if (descriptor == nullptr) return std::nullopt;
+    auto const known = descriptors_.find(descriptor);
+    if (known != descriptors_.end()) return known->second;
+    auto const pointer = pointer_of(rule.component);
+    Descriptor made{expansion_.text_of(pointer, *descriptor),
+                    expansion_.text_of(kept_text(one_rule, *descriptor, rule), *descriptor)};
+    return descriptors_.emplace(descriptor, std::move(made)).first->second;
+}
+
+// Extensions are numbered in the order of their first use.
+std::string Run::pointer_of(json::value const* component) {
+    if (component == lists_.driver()) return "tool/driver";
+    auto const known = std::ranges::find(used_extensions_, component);
+    auto const number = known - used_extensions_.begin();
+    if (known == used_extensions_.end()) used_extensions_.push_back(component);
+    return "tool/extensions/" + std::to_string(number);
+}
+
+void Run::keep_component(std::string const& pointer, json::value const& component,
+                         RunFacts& facts) {
+    facts.facts.texts.emplace(
+        expansion_.text_of(pointer, component),
+        expansion_.text_of(kept_text(one_component, component, {nullptr, &component}), component));
+}
+
+// Those that define rules of results come first, then those whose taxa and the like are referred
+// to.
+void Run::keep_extensions(RunFacts& facts) {
+    auto const is_used = [&](json::value const& descriptor) { return lists_.is_used(descriptor); };
+    auto const names_used = [&](json::value const& component) {
+        for (auto const* const name : {"taxa", "notifications"})
+            if (auto const* const descriptors = found_list(&component, name))
+                if (std::ranges::any_of(*descriptors, is_used)) return true;
+        return false;
+    };
+    std::set<json::value const*> const with_rules(used_extensions_.begin(), used_extensions_.end());
+    if (lists_.extensions())
+        for (auto const& one : *lists_.extensions())
+            if (!with_rules.contains(&one) && names_used(one)) used_extensions_.push_back(&one);
+    for (std::size_t i = 0; i < used_extensions_.size(); ++i)
+        keep_component("tool/extensions/" + std::to_string(i), *used_extensions_[i], facts);
+    std::size_t number = 0;
+    if (lists_.taxonomies())
+        for (auto const& one : *lists_.taxonomies())
+            if (names_used(one))
+                keep_component("taxonomies/" + std::to_string(number++), one, facts);
+}
+
+RunFacts Run::facts() {
+    RunFacts   facts{number_, {}};
+    auto const use = [&](std::string const& pointer, kept::Member const& member,
+                         schema::Property const& property, json::value const& value) {
+        if (member.how == kept::How::component) return;
+        facts.facts.texts.emplace(
+            expansion_.text_of(pointer, value),
+            expansion_.text_of(kept_text(property, value, {nullptr, lists_.driver()}), value));
+    };
+    KeptProperties(use).of(run_, schema::run, kept::of_run);
+    if (lists_.driver()) keep_component("tool/driver", *lists_.driver(), facts);
+    keep_extensions(facts);
+    return facts;
 }
 
 }  // namespace bradep::sarif

@@ -8,6 +8,7 @@
 #include "sarif/limits.hpp"
 #include "sarif/result.hpp"
 #include "sarif/rule_index.hpp"
+#include "sarif/run_lists.hpp"
 
 #include <map>
 #include <string>
@@ -17,12 +18,6 @@
 namespace bradep::sarif {
 
 namespace json = boost::json;
-
-/// The descriptor of a rule and the tool component that defines it. Either may be null.
-struct Rule {
-    json::value const* descriptor = nullptr;
-    json::value const* component = nullptr;
-};
 
 /// Makes the texts of the results of a log, within its limits. All members throw json_input::Misfit
 /// beyond them.
@@ -55,6 +50,9 @@ public:
 
     Result resolve(json::value const& result);
 
+    /// What is kept of the run, once all results are resolved: the components depend on them.
+    RunFacts facts();
+
 private:
     // The driver, whose value may be null, or an extension.
     struct Component {
@@ -73,25 +71,35 @@ private:
     std::optional<Text>             message_of(json::value const& holder, Rule const& rule);
     std::optional<std::string_view> message_string(std::string_view id, Rule const& rule) const;
     Place                           place_of(json::value const& location);
-    void resolve_artifact(json::value const& artifact_location, Place& place);
-    void resolve_places(json::value const& given, Rule const& rule, Result& result);
-    std::optional<std::string_view> logical_name(json::value const& location) const;
-    Step                     step_of(json::value const& thread_flow_location, Rule const& rule);
-    CodeFlow                 flow_of(json::value const& code_flow, Rule const& rule);
-    Fingerprints             fingerprints_of(json::value const& result, std::string_view name);
+    void         resolve_artifact(json::value const& artifact_location, Place& place);
+    void         resolve_places(json::value const& given, Rule const& rule, Result& result);
+    void         name_logically(json::value const& location, Place& place);
+    Step         step_of(json::value const& thread_flow_location, Rule const& rule);
+    CodeFlow     flow_of(json::value const& code_flow, Rule const& rule);
+    Fingerprints fingerprints_of(json::value const& result, std::string_view name);
     std::vector<Suppression> suppressions_of(json::value const& result);
-    std::string              logical_text(json::value const& logical_locations) const;
+    bool                     says_one_name(json::value const& logical_locations) const;
     std::string              markdown_text(json::value const& message);
-    std::string              more_text(kept::Member const& member, json::value const& value);
-    std::optional<KeptJson>  more_of(json::value const& thread_flow_location);
-    void                     keep_more(json::value const& given, Result& result);
+    std::string              kept_text(schema::Property const& property, json::value const& value,
+                                       Rule const& rule);
+    std::string              more_text(kept::Member const& member, schema::Property const& property,
+                                       json::value const& value, Rule const& rule);
+    std::optional<KeptJson>  more_of(json::value const& thread_flow_location, Rule const& rule);
+    void                     keep_more(json::value const& given, Rule const& rule, Result& result);
+    std::optional<Descriptor> descriptor_of(Rule const& rule);
+    std::string               pointer_of(json::value const* component);
+    void keep_component(std::string const& pointer, json::value const& component, RunFacts& facts);
+    void keep_extensions(RunFacts& facts);
 
+    json::value const&                        run_;
     Expansion&                                expansion_;
     std::int32_t                              number_;
     json::array const*                        artifacts_ = nullptr;
     json::array const*                        logical_locations_ = nullptr;
     json::array const*                        thread_flow_locations_ = nullptr;
     RunLists                                  lists_;
+    std::map<json::value const*, Descriptor>  descriptors_;
+    std::vector<json::value const*>           used_extensions_;  // in the order of their first use
     std::optional<Text>                       tool_;
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;

@@ -1,7 +1,11 @@
 #include "sarif/run_parts.hpp"
 
+#include "sarif/kept.hpp"
 #include "sarif/members_at.hpp"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -14,6 +18,18 @@ using json_input::ValueParser;
 
 constexpr std::string_view results_name = "results";
 constexpr std::string_view artifacts_name = "artifacts";
+constexpr std::string_view bag_name = "properties";
+
+// The lists that values of the run refer to, and what is kept of the run.
+constexpr auto names = [] {
+    constexpr std::string_view lists[] = {results_name,          artifacts_name, "logicalLocations",
+                                          "threadFlowLocations", "addresses",    "webRequests",
+                                          "webResponses"};
+    std::array<std::string_view, std::size(lists) + std::size(kept::all_of_run)> all;
+    auto const end = std::ranges::copy(lists, all.begin()).out;
+    std::ranges::transform(kept::all_of_run, end, &kept::Member::name);
+    return all;
+}();
 
 // Artifacts can hold whole source files. Only their locations are kept.
 json::value without_contents(json::value const& artifact, json::storage_ptr const& storage) {
@@ -40,9 +56,6 @@ RunParts::RunParts(Cursor& at, ValueParser& parser) : value_(json::storage_ptr(&
         return;
     }
     value_.emplace_object();
-    constexpr std::string_view names[] = {
-        "tool",       artifacts_name, "logicalLocations", "threadFlowLocations",
-        "taxonomies", results_name};
     auto const parts = members_at(at, names);
     for (std::size_t i = 0; i < parts.size(); ++i)
         if (parts[i]) read(names[i], *parts[i], parser);
@@ -55,7 +68,7 @@ void RunParts::read(std::string_view name, Cursor part, ValueParser& parser) {
     } else if (name == results_name) {
         if (part.peek() == '[') results_ = part;
         members.emplace(name, parser.kind_of(part));
-    } else {
+    } else if (name != bag_name || part.peek() == '{') {
         members.emplace(name, parser.parse(part, &arena_));
     }
 }

@@ -10,8 +10,8 @@ namespace bradep::sarif {
 
 namespace json = boost::json;
 
-/// The parts of a run that its results refer to, and where its results are. They may stand in any
-/// order; of two with one name the last one counts.
+/// The parts of a run that its results refer to or that are kept, and where its results are. They
+/// may stand in any order; of two with one name the last one counts.
 class RunParts {
 public:
     /// `at` stands before the run and steps over it.

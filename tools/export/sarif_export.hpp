@@ -1,0 +1,23 @@
+#pragma once
+// Result sets written as a SARIF log.
+
+#include "command.hpp"
+#include "limited_output.hpp"
+#include "query_files.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace bradep {
+
+struct SarifOptions {
+    std::string   target;  ///< "-" is standard output; compressed by gzip if it ends with ".gz"
+    std::uint64_t max_output = default_max_output;
+    std::uint64_t max_result = std::uint64_t{1} << 27;
+};
+
+/// Writes the runs of all files, in their order, as one log. Throws DamagedInput for a file that
+/// holds no imported result set, and IoFailure.
+void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Streams& streams);
+
+}  // namespace bradep

@@ -269,6 +269,19 @@ TEST_F(Track, EqualFindingComesBackBeforeChangedOnesAreMatched) {
     EXPECT_EQ(ids("gone"), "1 ");
 }
 
+TEST_F(Track, FindingComesBackWithoutTheTextThatItHad) {
+    auto const at = [](int line, std::string const& snippet) {
+        return R"({"ruleId": "r", "message": {"text": "m)" + std::to_string(line / 6) +
+               R"("}, "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a.c"},)"
+               R"( "region": {"startLine": )" +
+               std::to_string(line) + snippet + "}}}]}";
+    };
+    std::string const text = R"(, "snippet": {"text": "f(x);"})";
+    printed({log("1", at(3, text) + "," + at(7, text)), log("2", at(3, "")),
+             log("3", at(3, "") + "," + at(11, ""))});
+    EXPECT_EQ(ids("returned"), "2 ");
+}
+
 TEST_F(Track, SourceTellsFindingsApart) {
     for (char const* const side : {"old", "new"}) fs::create_directories(scratch_ / side);
     write_bytes(scratch_ / "old" / "a.c", "read(f);\n\nwrite(f);\n");

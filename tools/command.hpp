@@ -45,6 +45,7 @@ Action declare_show(CLI::App& app);
 Action declare_sql(CLI::App& app);
 Action declare_stats(CLI::App& app);
 Action declare_tables(CLI::App& app);
+Action declare_track(CLI::App& app);
 Action declare_verify(CLI::App& app);
 
 }  // namespace bradep

@@ -2,6 +2,7 @@
 #include "command.hpp"
 #include "diff/diff_output.hpp"
 #include "diff/side_files.hpp"
+#include "diff/side_options.hpp"
 #include "errors.hpp"
 #include "output_file.hpp"
 #include "query_files.hpp"
@@ -51,23 +52,6 @@ std::pair<Names, Names> sides_of(Options const& options) {
     if (!options.sides.empty() || options.olds.empty() || options.news.empty())
         throw CLI::ValidationError("Give OLD and NEW, or --old FILE... and --new FILE...");
     return {options.olds, options.news};
-}
-
-std::vector<sml::results::MovedRoot> roots_of(Names const& maps) {
-    std::vector<sml::results::MovedRoot> roots;
-    for (std::string const& map : maps) {
-        auto const sign = map.find('=');
-        if (sign == std::string::npos)
-            throw CLI::ValidationError("--map " + map + ": there is no = between OLD and NEW");
-        roots.push_back(sml::results::moved_root_of(map.substr(0, sign), map.substr(sign + 1)));
-    }
-    return roots;
-}
-
-void refuse_missing_directory(std::optional<std::string> const& name) {
-    std::error_code error;
-    if (name && !fs::is_directory(*name, error))
-        throw IoFailure("cannot read " + *name + ": no such directory");
 }
 
 // The states that end with code 3.
@@ -128,10 +112,7 @@ void declare_inputs(CLI::App& app, Options& options) {
     app.add_option("--new", options.news, "Instead of NEW: the same")->type_name("FILE...");
     app.add_option("--old-source", options.old_source, "The sources of OLD")->type_name("DIR");
     app.add_option("--new-source", options.new_source, "The sources of NEW")->type_name("DIR");
-    app.add_option("--map", options.maps,
-                   "Paths that start with OLD on the old side start with NEW on the new side")
-        ->type_name("OLD=NEW")
-        ->allow_extra_args(false);
+    declare_map(app, options.maps);
 }
 
 void declare_conditions(CLI::App& app, Options& options) {

@@ -50,15 +50,22 @@ std::size_t after_blanks(std::string_view sql, std::size_t at) {
     return std::min(sql.find_first_not_of(" \t\r\n;", at), sql.size());
 }
 
-// Returns how many rows there were.
 std::uint64_t hand_rows(Database& database, Statement& statement, RowOutput& rows,
+                        Streams& streams) {
+    return hand_rows(
+        statement, [&] { return database.step(statement); }, rows, streams);
+}
+
+}  // namespace
+
+std::uint64_t hand_rows(Statement& statement, std::function<bool()> const& step, RowOutput& rows,
                         Streams& streams) {
     std::vector<std::string> names;
     for (int i = 0; i < sqlite3_column_count(statement.get()); ++i)
         names.emplace_back(sqlite3_column_name(statement.get(), i));
     rows.begin(names);
     std::uint64_t count = 0;
-    while (database.step(statement)) {
+    while (step()) {
         ++count;
         rows.row(statement.get());
         if (!streams.out) return count;  // the caller finds the failure
@@ -66,8 +73,6 @@ std::uint64_t hand_rows(Database& database, Statement& statement, RowOutput& row
     rows.end();
     return count;
 }
-
-}  // namespace
 
 void run_statements(Database& database, std::string const& name, std::string const& sql,
                     RowOptions const& options, Streams& streams) {

@@ -6,10 +6,16 @@
 #include "row_output.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace bradep {
+
+/// Hands the rows of a statement, to the next of which `step` moves, to `rows`. Returns how many
+/// there were.
+std::uint64_t hand_rows(sml::tables::Statement& statement, std::function<bool()> const& step,
+                        RowOutput& rows, Streams& streams);
 
 /// Runs all statements of `sql` and prints their rows. `name` stands before the place of an error.
 /// Throws DamagedInput for a wrong statement, IoFailure for an interrupted one or for trouble with

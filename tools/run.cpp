@@ -23,6 +23,7 @@ constexpr Command commands[] = {
     {"list", "List findings, one a line", declare_list},
     {"stats", "Count findings by what they have in common, or tell sizes", declare_stats},
     {"diff", "Tell what is new, updated and absent between result sets or logs", declare_diff},
+    {"track", "Keep the findings of a series of runs, each under one number", declare_track},
     {"sql", "Ask result sets in SQL", declare_sql},
     {"export", "Write the tables of result sets to a database or to files", declare_export},
     {"tables", "Print the tables that result sets have in SQL", declare_tables},

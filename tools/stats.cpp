@@ -1,9 +1,13 @@
 #include "command.hpp"
 #include "errors.hpp"
+#include "output_file.hpp"
 #include "query.hpp"
 #include "query_files.hpp"
 #include "row_output.hpp"
 #include "signals.hpp"
+#include "terminal.hpp"
+#include "track/series_file.hpp"
+#include "track/series_plot.hpp"
 #include "walk_options.hpp"
 
 #include <algorithm>
@@ -55,6 +59,7 @@ struct Options : QueryOptions {
     bool                         counts_all = false;
     bool                         has_sizes = false;
     bool                         prints_sql = false;
+    std::optional<std::string>   plot;
     RowOptions                   rows;
 
     bool is_overview() const { return by.empty() && !has_sizes; }
@@ -136,7 +141,59 @@ void run_all(sml::tables::Database& database, Options const& options, Streams& s
     }
 }
 
+/// Takes the rows of `runs_sql()`.
+class PlottedRuns : public RowOutput {
+public:
+    void begin(Names const&) override {}
+
+    void row(sqlite3_stmt* statement) override {
+        auto const count = [&](Column column) {
+            return static_cast<std::uint64_t>(sqlite3_column_int64(statement, column));
+        };
+        auto const* const run_name =
+            reinterpret_cast<char const*>(sqlite3_column_text(statement, Column::name));
+        runs.push_back({sqlite3_column_int64(statement, run), run_name, count(open), count(added),
+                        count(returned), count(fixed)});
+    }
+
+    std::vector<PlottedRun> runs;
+
+private:
+    enum Column : int { run, open, added, returned, fixed, suppressed, name };
+};
+
+void plot(SeriesFile& series, std::string const& directory, std::string const& target,
+          Streams& streams) {
+    PlottedRuns rows;
+    series.print(runs_sql(), rows, streams);
+    if (rows.runs.empty()) throw DamagedInput(series.name() + ": there are no runs");
+    auto const write = [&](std::ostream& out) {
+        write_plot(out, "Findings of " + directory, rows.runs);
+    };
+    if (target == "-")
+        write(streams.out);
+    else
+        write_file(target, write);
+}
+
+// Of a series of runs.
+ExitCode stats_of_series(Options const& options, Streams& streams) {
+    if (!options.is_overview() || options.top || options.counts_all || options.prints_sql)
+        throw CLI::ValidationError(
+            "--by, --top, --all, --sizes and --sql are not for a series of runs");
+    std::string const& directory = options.files.front();
+    SeriesFile         series(directory, sml::results::SeriesStore::For::reading);
+    if (options.plot) plot(series, directory, *options.plot, streams);
+    if (options.plot == "-") return exit_done;
+    auto const rows = row_output(options.rows, streams.out, terminal_columns(streams));
+    series.print(runs_sql(), *rows, streams);
+    return exit_done;
+}
+
 ExitCode stats(Options const& options, Streams& streams) {
+    if (options.files.size() == 1 && has_series(options.files.front()))
+        return stats_of_series(options, streams);
+    if (options.plot) throw CLI::ValidationError("--svg goes with the directory of a series");
     if (options.prints_sql) {
         streams.out << joined(statements_of(options), ";\n") << ";\n";
         return exit_done;
@@ -165,11 +222,16 @@ Action declare_stats(CLI::App& app) {
         "--sizes", options->has_sizes,
         "Print how many rows and bytes each table has, its largest entry and how deep it is");
     app.add_flag("--sql", options->prints_sql, "Print the statements instead; no FILE is needed");
+    app.add_option("--svg", options->plot, "Of a series of runs: write a plot, too")
+        ->type_name("OUT.svg");
     declare_row_options(app, options->rows);
     declare_query_files(app, *options)->required(false);
     app.footer(
         "Without --by and --sizes: an overview, with the first ten of each. Suppressed and absent\n"
-        "findings are left out where they are not counted by suppression or state.\n");
+        "findings are left out where they are not counted by suppression or state.\n"
+        "In place of FILE..., the directory of a series that `bradep track` keeps can be given: "
+        "its\n"
+        "runs are printed, with open, new, returned and fixed findings.\n");
     return [options](Streams& streams) { return stats(*options, streams); };
 }
 

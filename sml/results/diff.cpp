@@ -1,7 +1,7 @@
 #include <sml/results/diff.hpp>
 
 #include <sml/results/changes.hpp>
-#include <sml/results/message.hpp>
+#include <sml/results/joined_names.hpp>
 #include <sml/results/record_counts.hpp>
 #include <sml/results/steps.hpp>
 
@@ -31,19 +31,20 @@ public:
         read_one(olds, olds_, interrupted);
         news_.first_id = olds_.findings.size();
         read_one(news, news_, interrupted);
-        forget_texts_of_one_side();
+        forget_texts_of_one_side(olds_, news_);
     }
 
     void join_names(std::vector<MovedRoot> const& roots) {
-        join_rules();
-        names_.emplace(olds_.paths.all(), news_.paths.all(), roots);
-        join_files();
+        names_.emplace(olds_, news_, roots);
+        names_->apply(olds_);
+        names_->apply(news_);
         add_steps(olds_);
         add_steps(news_);
     }
 
     DiffCounts match_and_compare() {
-        for (auto const& [older, newer] : match(olds_, news_, files_)) note_renamed(older, newer);
+        for (auto const& [older, newer] : match(olds_, news_, names_->files()))
+            note_renamed(older, newer);
         store_steps();
         DiffCounts counts;
         Comparison comparison(store_.connection());
@@ -58,88 +59,17 @@ private:
         if (input.sources) read_sources(*input.sources, side);
     }
 
-    enum class Texts { none, of_regions, of_lines };
-
-    // Regions of a line and whole lines can't be compared.
-    static Texts texts_of(SideData const& side) {
-        auto texts = Texts::none;
-        for (Finding const& one : side.findings) {
-            if (!one.surroundings.is_none()) return Texts::of_lines;
-            if (!one.text.is_none()) texts = Texts::of_regions;
-        }
-        return texts;
-    }
-
-    // Texts that only one side has would make all findings differ.
-    void forget_texts_of_one_side() {
-        if (texts_of(olds_) == texts_of(news_)) return;
-        for (OpenSide* const side : {&olds_, &news_})
-            for (Finding& one : side->findings) one.text = one.surroundings = {};
-    }
-
-    // Rules of different tools differ, unless one side does not have the tool: it may have got
-    // another name.
-    void join_rules() {
-        Names      joined;
-        auto const is_in_both = [&](std::string const& tool) {
-            auto const has = [&](SideData const& side) {
-                return std::ranges::count(side.tools.all(), tool) > 0;
-            };
-            return has(olds_) && has(news_);
-        };
-        for (OpenSide* const side : {&olds_, &news_}) {
-            std::vector<std::string> tools;
-            for (std::string const& tool : side->tools.all())
-                tools.push_back(is_in_both(tool) ? tool : std::string());
-            std::vector<std::uint32_t> numbers;
-            for (std::string const& rule : side->rules.all()) {
-                auto const blank = rule.find(' ');
-                numbers.push_back(joined.number_of(tools[std::stoul(rule.substr(0, blank))] + '\0' +
-                                                   rule.substr(blank + 1)));
-            }
-            for (Finding& one : side->findings) one.rule = numbers[one.rule];
-        }
-    }
-
-    // Files get numbers in the order of their names.
-    void join_files() {
-        auto const names_of = [&](OpenSide const& side) {
-            std::vector<std::string> names;
-            for (std::string const& path : side.paths.all()) names.push_back(name_of(side, path));
-            return names;
-        };
-        auto const of_old = names_of(olds_);
-        auto const of_new = names_of(news_);
-        files_ = of_old;
-        files_.insert(files_.end(), of_new.begin(), of_new.end());
-        std::ranges::sort(files_);
-        files_.erase(std::unique(files_.begin(), files_.end()), files_.end());
-        auto const number = [&](OpenSide& side, std::vector<std::string> const& names) {
-            std::vector<std::uint32_t> numbers;
-            for (std::string const& name : names)
-                numbers.push_back(static_cast<std::uint32_t>(
-                    std::ranges::lower_bound(files_, name) - files_.begin()));
-            for (Finding& one : side.findings) one.file = numbers[one.file];
-        };
-        number(olds_, of_old);
-        number(news_, of_new);
-    }
-
-    std::string name_of(OpenSide const& side, std::string const& path) const {
-        return side.side == Side::old_side ? names_->of_old(path) : names_->of_new(path);
-    }
-
     template <class IsWanted, class Use>
     void for_each_step(OpenSide& side, IsWanted const& is_wanted, Use const& use) {
         std::string last_uri;
-        std::string file = name_of(side, "");
+        std::string file = names_->name_of(side.side, "");
         results::for_each_step(
             *side.database,
             [&](std::int64_t set, std::int64_t row) { return side.index_of(set, row); }, is_wanted,
             [&](FlowStep const& step) {
                 if (auto const uri = step.uri.value_or(""); uri != last_uri) {
                     last_uri = uri;
-                    file = name_of(side, path_of(uri));
+                    file = names_->name_of(side.side, path_of(uri));
                 }
                 use(step, file);
             });
@@ -151,17 +81,17 @@ private:
             side, [](std::uint32_t) { return true; },
             [&](FlowStep const& step, std::string const& file) {
                 Finding&   one = side.findings[step.finding];
-                Hash const of_file = file == files_[one.file] ? Hash{} : hash_of(file);
-                one.flow += hash_of({Hash{step.flow, step.thread}, Hash{step.position, 1}, of_file,
-                                     hash_of(without_places(step.message.value_or("")))});
+                Hash const of_file = file == file_of(one) ? Hash{} : hash_of(file);
+                one.flow += hash_of(step, of_file);
             });
     }
 
     // A renamed file has the smaller number on both sides.
     void note_renamed(std::uint32_t older, std::uint32_t newer) {
-        std::string const& name = files_[std::min(older, newer)];
-        olds_.renamed[files_[older]] = name;
-        news_.renamed[files_[newer]] = name;
+        auto const&        files = names_->files();
+        std::string const& name = files[std::min(older, newer)];
+        olds_.renamed[files[older]] = name;
+        news_.renamed[files[newer]] = name;
     }
 
     // Of the findings that will be compared part by part.
@@ -189,7 +119,7 @@ private:
         if (older.has_content_of(newer)) return {};
         // A step that is in the file of its finding stays there when that moves.
         auto const are_same_files = [&](std::string_view one, std::string_view other) {
-            return one == other || (one == files_[older.file] && other == files_[newer.file]);
+            return one == other || (one == file_of(older) && other == file_of(newer));
         };
         return comparison.changes(old_index, news_.first_id + new_index, are_same_files);
     }
@@ -215,11 +145,12 @@ private:
         }
     }
 
-    DiffStore&               store_;
-    OpenSide                 olds_;
-    OpenSide                 news_;
-    std::optional<Files>     names_;
-    std::vector<std::string> files_;  // their names, sorted
+    std::string const& file_of(Finding const& one) const { return names_->files()[one.file]; }
+
+    DiffStore&                 store_;
+    OpenSide                   olds_;
+    OpenSide                   news_;
+    std::optional<JoinedNames> names_;
 };
 
 }  // namespace

@@ -114,11 +114,12 @@ class Matching {
 public:
     Matching(Matched& olds, Matched& news) : olds_(olds), news_(news) {}
 
-    std::vector<RenamedFile> run(std::vector<std::string> const& files) {
+    std::vector<RenamedFile> run(std::vector<std::string> const& files, Stages stages) {
         match_fingerprints();
         auto const renamed = join_renamed_files(olds_.findings, news_.findings, files);
         match_fingerprints();
         match_equal();
+        if (stages == Stages::equal) return renamed;
         match_in_place(Stage::place, by_message, may_be_at_place);
         match_changed();
         match_moved();
@@ -351,9 +352,9 @@ void Matching::match_fingerprints() {
 
 }  // namespace
 
-std::vector<RenamedFile> match(Matched& olds, Matched& news,
-                               std::vector<std::string> const& files) {
-    return Matching(olds, news).run(files);
+std::vector<RenamedFile> match(Matched& olds, Matched& news, std::vector<std::string> const& files,
+                               Stages stages) {
+    return Matching(olds, news).run(files, stages);
 }
 
 }  // namespace sml::results

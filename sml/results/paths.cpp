@@ -258,23 +258,35 @@ Files::Files(Paths olds, Paths news, std::vector<MovedRoot> const& given) : give
     roots_ = moved_roots(olds, news);
 }
 
-std::string Files::of_old(std::string const& path) const { return name_of(path, true); }
-std::string Files::of_new(std::string const& path) const { return name_of(path, false); }
+std::string Files::of_old(std::string const& path) const {
+    return name_of(path, &MovedRoot::before);
+}
+std::string Files::of_new(std::string const& path) const {
+    return name_of(path, &MovedRoot::after);
+}
 
-std::string Files::name_of(std::string const& path, bool is_old) const {
-    auto const part = is_old ? &MovedRoot::before : &MovedRoot::after;
-    auto const named = [&](MovedRoot const& root) {
-        return std::min(root.before, root.after) + path.substr((root.*part).size());
-    };
+std::string Files::moved(std::string const& path) const {
+    auto const* const root = root_of(path, &MovedRoot::before);
+    return root == nullptr ? path : root->after + path.substr(root->before.size());
+}
+
+std::string Files::name_of(std::string const& path, Part part) const {
+    auto const* const root = root_of(path, part);
+    if (root == nullptr) return path;
+    return std::min(root->before, root->after) + path.substr((root->*part).size());
+}
+
+// The root that the path is below; null if none that has moved.
+MovedRoot const* Files::root_of(std::string const& path, Part part) const {
     for (MovedRoot const& root : given_)
-        if (path.starts_with(root.*part)) return named(root);
-    if (std::ranges::binary_search(both_, path)) return path;
+        if (path.starts_with(root.*part)) return &root;
+    if (std::ranges::binary_search(both_, path)) return nullptr;
     MovedRoot const* longest = nullptr;
     for (MovedRoot const& root : roots_)
         if (path.starts_with(root.*part) &&
             (longest == nullptr || (root.*part).size() > (longest->*part).size()))
             longest = &root;
-    return longest == nullptr ? path : named(*longest);
+    return longest;
 }
 
 }  // namespace sml::results

@@ -41,10 +41,16 @@ public:
     std::string of_old(std::string const& path) const;
     std::string of_new(std::string const& path) const;
 
+    /// The path that a file of the old side has, or would have, on the new side.
+    std::string moved(std::string const& path) const;
+
     std::vector<MovedRoot> const& roots() const { return roots_; }
 
 private:
-    std::string name_of(std::string const& path, bool is_old) const;
+    using Part = std::string MovedRoot::*;
+
+    MovedRoot const* root_of(std::string const& path, Part part) const;
+    std::string      name_of(std::string const& path, Part part) const;
 
     std::vector<std::string> both_;   // paths that both sides have, sorted
     std::vector<MovedRoot>   given_;  // the longest ones first

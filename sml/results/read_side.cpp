@@ -208,19 +208,15 @@ private:
     }
 
     void fill(Finding& one, Query const& row, Joined const& joined) {
-        set_message(one, without_places(row.text(message)));
-        if (joined.function != 0) one.function = hash_of(texts_.all()[joined.function]);
-        auto const tool_number = side_.tools.number_of(row.text(tool));
-        one.rule =
-            side_.rules.number_of(std::to_string(tool_number) + ' ' + std::string(row.text(rule)));
+        set_texts(one,
+                  {row.text(message), row.text(level), row.text(kind), texts_.all()[joined.class_],
+                   texts_.all()[joined.function], joined.is_suppressed});
+        one.rule = side_.number_of_rule(row.text(tool), row.text(rule));
         one.file = file_of(row.text(uri));
         one.line = static_cast<std::int32_t>(row.integer(line));
         one.column = static_cast<std::int32_t>(row.integer(Column::column));
         one.ordinal = ordinal_of(row.text(key));
         one.set = static_cast<std::uint16_t>(row.integer(result_set));
-        one.content = hash_of({hash_of(row.text(level)), hash_of(row.text(kind)),
-                               Hash{joined.is_suppressed, 1}, hash_of(texts_.all()[joined.class_]),
-                               one.message});
     }
 
     // Many findings have the file of the one before.
@@ -232,20 +228,13 @@ private:
         return *last_file_;
     }
 
-    static void set_message(Finding& one, std::string const& text) {
-        one.message = hash_of(text);
-        one.loose = hash_of(without_numbers(text));
-    }
-
     // What a kernel's check says is in the payload of its category.
     void read_payloads() {
         Query rows(database_, "SELECT result_set, \"row\", category_args FROM checks");
         while (rows.next()) {
             auto const index = side_.index_of(rows.integer(0), rows.integer(1));
             if (rows.is_null(2) || !is_native_[index]) continue;
-            Finding& one = side_.findings[index];
-            set_message(one, payload_without_places(rows.text(2)));
-            one.content = hash_of({one.content, one.message});
+            set_payload(side_.findings[index], rows.text(2));
             store_.set_payload(id_of(index), rows.text(2));
         }
     }
@@ -265,6 +254,11 @@ private:
     std::optional<std::uint32_t> last_file_;
 };
 
+void set_message(Finding& one, std::string const& text) {
+    one.message = hash_of(text);
+    one.loose = hash_of(without_numbers(text));
+}
+
 }  // namespace
 
 std::uint32_t Names::number_of(std::string_view name) {
@@ -272,6 +266,18 @@ std::uint32_t Names::number_of(std::string_view name) {
         numbers_.try_emplace(std::string(name), static_cast<std::uint32_t>(names_.size()));
     if (is_new) names_.emplace_back(name);
     return found->second;
+}
+
+void set_texts(Finding& one, FindingTexts const& texts) {
+    set_message(one, without_places(texts.message));
+    if (!texts.function.empty()) one.function = hash_of(texts.function);
+    one.content = hash_of({hash_of(texts.level), hash_of(texts.kind), Hash{texts.is_suppressed, 1},
+                           hash_of(texts.class_), one.message});
+}
+
+void set_payload(Finding& one, std::string_view payload) {
+    set_message(one, payload_without_places(payload));
+    one.content = hash_of({one.content, one.message});
 }
 
 void read_side(tables::ResultSets const& sets, Database& database,

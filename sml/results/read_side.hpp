@@ -47,10 +47,25 @@ struct SideData : Matched {
     Names rules;  ///< `Finding::rule` is a number in it, until then; with the number of the tool
     std::vector<std::uint32_t> firsts;  ///< by result set: the index of its first finding
 
+    std::uint32_t number_of_rule(std::string_view tool, std::string_view rule) {
+        return rules.number_of(std::to_string(tools.number_of(tool)) + ' ' + std::string(rule));
+    }
     std::uint32_t index_of(std::int64_t set, std::int64_t row) const {
         return firsts[static_cast<std::size_t>(set)] + static_cast<std::uint32_t>(row);
     }
 };
+
+/// What is compared in a pair, without flows and payload.
+struct FindingTexts {
+    std::string_view message, level, kind, class_;
+    std::string_view function;  ///< not compared
+    bool             is_suppressed = false;
+};
+
+/// Sets the hashes of these.
+void set_texts(Finding& one, FindingTexts const& texts);
+/// The payload of a kernel's check is its message. Must follow `set_texts`.
+void set_payload(Finding& one, std::string_view payload);
 
 /// Reads all findings of the result sets into `side` and into the store. `flagged` has an element
 /// for each result set; it may be empty. Throws what reading the tables throws.

@@ -1,5 +1,6 @@
 #include <sml/results/steps.hpp>
 
+#include <sml/results/message.hpp>
 #include <sml/results/query.hpp>
 
 #include <algorithm>
@@ -93,6 +94,11 @@ struct OpenStep {
 Hash hash_of_key(std::int64_t set, std::string_view uri, std::int64_t ordinal) {
     return hash_of(
         {Hash{static_cast<std::uint64_t>(set), static_cast<std::uint64_t>(ordinal)}, hash_of(uri)});
+}
+
+Hash hash_of(FlowStep const& step, Hash const& of_file) {
+    return hash_of({Hash{step.flow, step.thread}, Hash{step.position, 1}, of_file,
+                    hash_of(without_places(step.message.value_or("")))});
 }
 
 void for_each_step(tables::Database&                                               database,

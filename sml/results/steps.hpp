@@ -21,6 +21,9 @@ struct FlowStep {
     std::optional<std::string_view> uri, message;
 };
 
+/// The hash of a step, `of_file` being that of its file. A flow has the sum of those of its steps.
+Hash hash_of(FlowStep const& step, Hash const& of_file);
+
 /// Calls `use` for each step of the findings for which `is_wanted` is true. The order of the steps
 /// is not theirs. `index_of` numbers findings by result set and row.
 void for_each_step(tables::Database&                                               database,

@@ -45,6 +45,14 @@ class Config:
         return " ".join(f"{field.name}={getattr(self, field.name)}" for field in dataclasses.fields(self))
 
 
+ROOTS = [("", ""), ("/home/a/project/", "/build/42/project/"), ("C:\\work\\", "file:///d:/jenkins/ws/"),
+         ("project-1.0/", "project-1.1/"), ("file:///src/", "/src/"), ("", "/checkout/")]
+CONFIGS = [Config(text=text, functions=functions, fingerprints=fingerprints, shared_fingerprints=shared)
+           for text in ["none", "snippet", "context", "embedded", "source"]
+           for functions in [True, False]
+           for fingerprints, shared in [(False, False), (True, False), (False, True)]]
+
+
 @dataclasses.dataclass
 class Finding:
     number: int
@@ -169,15 +177,17 @@ class Maker:
 
     def edit(self):
         self.places = self.new.places()
-        self.needed = ({one.line for one in self.new.findings.values()}
-                       | {line for one in self.new.findings.values() for line, _ in one.flow}
-                       | {one.place[1] for one in self.new.findings.values() if one.place})
+        self.needed = self.lines_named(self.new.findings.values())
         self.insert_and_remove_lines()
         self.move_functions()
         self.rename_files()
         self.remove_findings()
         self.change_findings()
         self.plant_findings()
+
+    def lines_named(self, findings):
+        return {line for one in findings for line in
+                [one.line, *(line for line, _ in one.flow), *([one.place[1]] if one.place else [])]}
 
     def some(self, values, share):
         values = list(values)
@@ -203,10 +213,15 @@ class Maker:
         if not self.config.functions:
             return
         for function in self.some(self.new.functions, 0.01):
+            if not self.may_move(function):
+                continue
             source = next(file for file, (_, own) in self.new.files.items() if function in own)
             target = self.rng.choice(list(self.new.files))
             self.new.files[source][1].remove(function)
             self.new.files[target][1].append(function)
+
+    def may_move(self, function):
+        return True
 
     def kinds_in(self, world):
         kinds = collections.defaultdict(set)
@@ -235,7 +250,7 @@ class Maker:
     def change_findings(self):
         rng = self.rng
         places = self.old.places()
-        counts = collections.Counter(self.class_of(self.old, places, one) for one in self.old.findings.values())
+        counts = collections.Counter(self.class_of(self.old, places, one) for one in self.known_findings())
         for number in self.some(self.new.findings, 0.08):
             one = self.new.findings[number]
             is_single = counts[self.class_of(self.old, places, one)] == 1
@@ -253,6 +268,9 @@ class Maker:
             else:
                 continue
             self.changed[number].add({"number": "message"}.get(what, what))
+
+    def known_findings(self):
+        return self.old.findings.values()
 
     def change_flow(self, one):
         flow = list(one.flow)
@@ -290,6 +308,56 @@ class Maker:
             own.insert(rng.randint(0, len(own)), line)
             number = self.number()
             self.new.findings[number] = Finding(number, rule, level, message, None, line, rng.randint(1, 40), [])
+
+
+class SeriesMaker(Maker):
+    """Makes one world after another. Findings that are gone can come back."""
+
+    def __init__(self, rng, findings, config):
+        self.gone = {}  # number: Finding
+        super().__init__(rng, findings, config)
+
+    def next_world(self):
+        self.old, self.new = self.new, copy.deepcopy(self.new)
+        self.changed.clear()
+        self.edit()
+
+    def insert_and_remove_lines(self):
+        self.needed |= self.lines_named(self.gone.values())
+        self.staying = set()
+        super().insert_and_remove_lines()
+
+    def may_move(self, function):
+        """With findings that are gone: only if one that stays shows where it has moved to."""
+        own = set(self.new.functions[function][1])
+        staying = [number for number, one in self.new.findings.items() if one.line in own]
+        self.staying |= set(staying[:1])
+        return bool(staying) or not any(one.line in own for one in self.gone.values())
+
+    def known_findings(self):
+        """Also those that are gone, and those that come back now."""
+        return (self.old.findings | self.gone | self.new.findings).values()
+
+    def like(self, places, one):
+        """What a finding that is gone has in common with those that could be taken for it."""
+        kind = self.class_of(self.new, places, one)
+        return kind if self.config.text != "none" else (kind[0], kind[2])
+
+    def remove_findings(self):
+        before, places = dict(self.new.findings), self.new.places()
+        super().remove_findings()
+        self.new.findings |= {number: before[number] for number in self.staying}
+        removed = {number: before[number] for number in before.keys() - self.new.findings.keys()}
+        likes = {self.like(places, one) for one in removed.values()}
+        for number in self.some(self.gone, 0.3) if self.gone else []:
+            if self.like(places, self.gone[number]) not in likes:
+                self.new.findings[number] = self.gone.pop(number)
+        self.gone |= removed
+
+    def plant_findings(self):
+        places = self.new.places()
+        self.removed |= {self.class_of(self.new, places, one) for one in self.gone.values()}
+        super().plant_findings()
 
 
 class Log:
@@ -366,6 +434,14 @@ class Log:
             result["partialFingerprints"] = {"rule/v1": one.rule}
         return result
 
+    def group(self, number):
+        """What can be known of a finding: findings of one group can be exchanged."""
+        one = self.world.findings[number]
+        file, _, function = self.places[one.line]
+        return (one.rule, one.message, one.place and one.place[0], file,
+                function if self.config.functions else None,
+                self.world.texts[one.line] if self.config.text != "none" else None)
+
     def write(self, path, sources):
         path.write_text(json.dumps(self.log), encoding="utf-8")
         if self.config.text == "source":
@@ -385,28 +461,20 @@ class Pair:
         self.old = Log(maker.old, config, config.roots[0], rng)
         self.new = Log(maker.new, config, config.roots[1], rng)
 
-    def group(self, log, number):
-        """What can be known of a finding: findings of one group can be exchanged."""
-        one = log.world.findings[number]
-        file, _, function = log.places[one.line]
-        return (one.rule, one.message, one.place and one.place[0], file,
-                function if self.config.functions else None,
-                log.world.texts[one.line] if self.config.text != "none" else None)
-
     def mistakes(self, diff):
         """What is wrong in the JSON of a diff."""
         olds, news = self.old.world.findings, self.new.world.findings
         expected = collections.Counter()
         for number in olds.keys() | news.keys():
-            old = self.group(self.old, number) if number in olds else None
-            new = self.group(self.new, number) if number in news else None
+            old = self.old.group(number) if number in olds else None
+            new = self.new.group(number) if number in news else None
             kind = ("absent" if new is None else "new" if old is None
                     else "updated" if number in self.changed else "unchanged")
             expected[kind, old, new, self.paths(number) if kind == "updated" else ()] += 1
         found = collections.Counter()
         for one in diff["findings"]:
-            old = self.group(self.old, self.old.keys[one["old"]]) if one["old"] else None
-            new = self.group(self.new, self.new.keys[one["new"]]) if one["new"] else None
+            old = self.old.group(self.old.keys[one["old"]]) if one["old"] else None
+            new = self.new.group(self.new.keys[one["new"]]) if one["new"] else None
             paths = tuple(sorted({change["path"].partition("[")[0] for change in one["changes"]}))
             found[one["state"], old, new, tuple("flow" if path == "flows" else path for path in paths)] += 1
         mistakes = [f"not found: {count} {one}" for one, count in (expected - found).items()]

@@ -16,14 +16,7 @@ import sys
 import tempfile
 import unittest
 
-from pairs import Config, Pair
-
-ROOTS = [("", ""), ("/home/a/project/", "/build/42/project/"), ("C:\\work\\", "file:///d:/jenkins/ws/"),
-         ("project-1.0/", "project-1.1/"), ("file:///src/", "/src/"), ("", "/checkout/")]
-CONFIGS = [Config(text=text, functions=functions, fingerprints=fingerprints, shared_fingerprints=shared)
-           for text in ["none", "snippet", "context", "embedded", "source"]
-           for functions in [True, False]
-           for fingerprints, shared in [(False, False), (True, False), (False, True)]]
+from pairs import CONFIGS, ROOTS, Pair
 
 
 class Pairs(unittest.TestCase):

@@ -1,0 +1,290 @@
+#include <sml/results/series.hpp>
+
+#include <sml/results/joined_names.hpp>
+#include <sml/results/steps.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <numeric>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace sml::results {
+
+namespace {
+
+std::string_view last_part(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+/// The findings of the run, with what is kept of them beside their texts.
+struct NewSide : SideData {
+    NewSide() { side = Side::new_side; }
+
+    // By index.
+    std::vector<std::uint32_t>     file_of;  // the number in `paths`
+    std::vector<Flagged>           code;
+    std::vector<std::vector<Hash>> prints_of;
+    std::vector<bool>              is_suppressed;
+    std::vector<bool>              is_left_out;  // absent
+};
+
+class Adding {
+public:
+    Adding(SeriesStore& store, std::atomic<bool> const& is_interrupted)
+        : store_(store), is_interrupted_(is_interrupted), texts_("") {}
+
+    void read(SideInput const& input) {
+        tables::Database database(*input.sets, is_interrupted_);
+        read_side(*input.sets, database, input.flagged, news_, texts_);
+        if (input.sources) read_sources(*input.sources, news_);
+        add_flows(database);
+        keep();
+        read_states();
+    }
+
+    // What is equal comes first, also with findings that are gone.
+    void match_all(std::vector<MovedRoot> const& roots) {
+        store_.load_open(olds_);
+        if (!olds_.findings.empty()) forget_texts_of_one_side(olds_, news_);
+        JoinedNames names(olds_, news_, roots);
+        names.apply(olds_);
+        names.apply(news_);
+        // No finding of the series has this rule.
+        for (std::size_t i = 0; i < news_.findings.size(); ++i)
+            if (news_.is_left_out[i]) news_.findings[i].rule = Finding::none;
+        match_open(names, Stages::equal);
+        load_gone(names);
+        match_with_gone(names, Stages::equal);
+        match_open(names, Stages::all);
+        move_functions();
+        match_with_gone(names, Stages::all);
+        bool const have_moved = !names.paths().roots().empty() || !roots.empty();
+        if (have_moved || !renamed_.empty()) rename_files(names);
+    }
+
+    RunCounts save(Run const& run) {
+        std::int64_t const number = store_.last_run() + 1;
+        save_olds(number);
+        // Also for findings that are gone as of this run.
+        for (auto const& [id, path] : moved_) store_.move_function(id, path);
+        save_news(number);
+        store_.add_run(number, run.name, run.digest, counts_);
+        return counts_;
+    }
+
+private:
+    // As the files of steps are named here, hashes do not depend on the other side.
+    void add_flows(tables::Database& database) {
+        for_each_step(
+            database, [&](std::int64_t set, std::int64_t row) { return news_.index_of(set, row); },
+            [](std::uint32_t) { return true; },
+            [&](FlowStep const& step) {
+                Finding&          one = news_.findings[step.finding];
+                std::string const path = path_of(step.uri.value_or(""));
+                bool const        is_own = path == news_.paths.all()[one.file];
+                one.flow += hash_of(step, is_own ? Hash{} : hash_of(last_part(path)));
+            });
+    }
+
+    void keep() {
+        news_.prints_of.resize(news_.findings.size());
+        for (Finding const& one : news_.findings) {
+            news_.file_of.push_back(one.file);
+            news_.code.push_back({one.text, one.surroundings});
+        }
+        for (Fingerprint const& print : news_.fingerprints)
+            news_.prints_of[print.finding].push_back(print.value);
+        for (auto& prints : news_.prints_of) std::ranges::sort(prints);
+    }
+
+    void read_states() {
+        news_.is_suppressed.resize(news_.findings.size());
+        news_.is_left_out.resize(news_.findings.size());
+        tables::Statement states(texts_.connection().get(),
+                                 "SELECT id, suppressed, baseline_state IS 'absent' FROM findings");
+        while (states.step()) {
+            auto const index = static_cast<std::size_t>(states.integer(0));
+            news_.is_suppressed[index] = states.integer(1) != 0;
+            news_.is_left_out[index] = states.integer(2) != 0;
+        }
+    }
+
+    bool is_new(std::size_t index) const {
+        return !news_.is_left_out[index] && !news_.findings[index].has_partner();
+    }
+
+    void match_open(JoinedNames const& names, Stages stages) {
+        for (auto const& [older, newer] : match(olds_, news_, names.files(), stages))
+            renamed_[older] = renamed_[newer] = std::min(older, newer);
+        for (Finding& one : gone_.findings) one.file = number_now(one.file);
+    }
+
+    // As if the findings that are gone were open.
+    void match_with_gone(JoinedNames const& names, Stages stages) {
+        if (gone_.findings.empty()) return;
+        auto const open = static_cast<std::ptrdiff_t>(olds_.findings.size());
+        auto const prints = olds_.fingerprints.size();
+        append(olds_.findings, gone_.findings);
+        append(olds_.fingerprints, gone_.fingerprints);
+        match_open(names, stages);
+        gone_.findings.assign(olds_.findings.begin() + open, olds_.findings.end());
+        olds_.findings.resize(static_cast<std::size_t>(open));
+        olds_.fingerprints.resize(prints);
+    }
+
+    template <class Values>
+    static void append(Values& all, Values const& more) {
+        all.insert(all.end(), more.begin(), more.end());
+    }
+
+    // Only those whose rule a new finding has. Their indices follow those of the open ones.
+    void load_gone(JoinedNames& names) {
+        for (std::string const& rule : new_rules()) store_.load_gone(rule, gone_);
+        forget_other_texts(gone_, texts_of(news_));
+        names.apply(gone_);
+        auto const first = static_cast<std::uint32_t>(olds_.findings.size());
+        for (Finding& one : gone_.findings) {
+            one.file = number_now(one.file);
+            one.ordinal += first;
+        }
+        for (Fingerprint& print : gone_.fingerprints) print.finding += first;
+    }
+
+    // Where a function has moved to another file, its findings that are gone have, too.
+    void move_functions() {
+        using Place = std::pair<Hash, std::uint32_t>;
+        std::map<Place, std::uint32_t> files;
+        for (std::size_t i = 0; i < olds_.findings.size(); ++i) {
+            Finding const& older = olds_.findings[i];
+            if (!older.has_partner() || older.function.is_none()) continue;
+            Finding const& newer = news_.findings[older.partner];
+            if (newer.file == older.file || newer.function != older.function) continue;
+            bool const is_first =
+                files.emplace(Place(older.function, older.file), newer.file).second;
+            if (is_first) moved_.emplace_back(olds_.ids[i], path_of_new(older.partner));
+        }
+        for (Finding& one : gone_.findings)
+            if (auto const moved = files.find({one.function, one.file}); moved != files.end())
+                one.file = moved->second;
+    }
+
+    std::string const& path_of_new(std::uint32_t index) const {
+        return news_.paths.all()[news_.file_of[index]];
+    }
+
+    // In the order of their names.
+    std::set<std::string> new_rules() {
+        std::set<std::string> rules;
+        tables::Statement     rule_of(texts_.connection().get(),
+                                      "SELECT rule FROM findings WHERE id = ?");
+        for (std::size_t i = 0; i < news_.findings.size(); ++i) {
+            if (!is_new(i)) continue;
+            rule_of.bind(1, static_cast<std::int64_t>(i));
+            rule_of.step();
+            rules.emplace(rule_of.text(0));
+            rule_of.reset();
+        }
+        return rules;
+    }
+
+    // Gives the files of the series the paths of the new side.
+    void rename_files(JoinedNames const& names) {
+        std::unordered_map<std::string, std::uint32_t> numbers;
+        for (std::size_t i = 0; i < names.files().size(); ++i)
+            numbers.emplace(names.files()[i], number_now(static_cast<std::uint32_t>(i)));
+        std::unordered_map<std::uint32_t, std::string> paths;
+        for (std::string const& path : news_.paths.all())
+            paths.emplace(numbers.at(names.name_of(Side::new_side, path)), path);
+        store_.rename_files([&](std::string const& path) {
+            auto const number = numbers.find(names.name_of(Side::old_side, path));
+            if (number != numbers.end())
+                if (auto const now = paths.find(number->second); now != paths.end())
+                    return now->second;
+            return names.paths().moved(path);
+        });
+    }
+
+    std::uint32_t number_now(std::uint32_t file) const {
+        auto const found = renamed_.find(file);
+        return found == renamed_.end() ? file : found->second;
+    }
+
+    void save_olds(std::int64_t run) {
+        for (std::size_t i = 0; i < olds_.findings.size(); ++i) {
+            if (olds_.findings[i].has_partner()) continue;
+            store_.note_gone(olds_.ids[i], run);
+            if (!olds_.is_suppressed[i]) ++counts_.fixed;
+        }
+        for (std::size_t i = 0; i < gone_.findings.size(); ++i)
+            if (gone_.findings[i].has_partner()) store_.note_back(gone_.ids[i], run);
+    }
+
+    // Identities are given in the order of the places.
+    void save_news(std::int64_t run) {
+        std::vector<std::uint32_t> order(news_.findings.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::ranges::sort(order, [&](std::uint32_t a, std::uint32_t b) {
+            return news_.findings[a].rank() < news_.findings[b].rank();
+        });
+        tables::Statement columns(
+            texts_.connection().get(),
+            "SELECT " + SeriesStore::columns_sql() + " FROM findings WHERE id = ?");
+        for (std::uint32_t const index : order) {
+            if (news_.is_left_out[index]) continue;
+            columns.bind(1, std::int64_t{index});
+            columns.step();
+            save_new(run, index, columns.get());
+            columns.reset();
+        }
+    }
+
+    void save_new(std::int64_t run, std::uint32_t index, sqlite3_stmt* columns) {
+        Finding const& one = news_.findings[index];
+        Sighting const sighting{one, news_.code[index], news_.prints_of[index], path_of_new(index),
+                                columns};
+        if (one.has_partner())
+            store_.see(id_of(one.partner), sighting);
+        else
+            store_.add(run, sighting);
+        if (news_.is_suppressed[index]) {
+            ++counts_.suppressed;
+            return;
+        }
+        ++counts_.open;
+        if (!one.has_partner()) ++counts_.added;
+        if (one.has_partner() && one.partner >= olds_.ids.size()) ++counts_.returned;
+    }
+
+    std::int64_t id_of(std::uint32_t partner) const {
+        bool const is_open = partner < olds_.ids.size();
+        return is_open ? olds_.ids[partner] : gone_.ids[partner - olds_.ids.size()];
+    }
+
+    SeriesStore&             store_;
+    std::atomic<bool> const& is_interrupted_;
+    DiffStore                texts_;  // of the run
+    StoredSide               olds_;   // the open findings
+    StoredSide               gone_;   // those that may have come back
+    NewSide                  news_;
+    RunCounts                counts_;
+    // The numbers of files that have another name, and the number that both names have.
+    std::unordered_map<std::uint32_t, std::uint32_t> renamed_;
+    // Open findings whose functions have moved to files with these paths.
+    std::vector<std::pair<std::int64_t, std::string>> moved_;
+};
+
+}  // namespace
+
+RunCounts add_run(Run const& run, DiffOptions const& options, SeriesStore& store,
+                  std::atomic<bool> const& is_interrupted) {
+    Adding adding(store, is_interrupted);
+    adding.read(run.side);
+    adding.match_all(options.roots);
+    return adding.save(run);
+}
+
+}  // namespace sml::results

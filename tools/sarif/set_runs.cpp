@@ -30,6 +30,16 @@ auto guarded(Work const& work) {
     }
 }
 
+// Does work that refuses a set without saying which one it is.
+template <class Work>
+auto named(std::string const& name, Work const& work) {
+    try {
+        return work();
+    } catch (DamagedInput const& refusal) {
+        throw DamagedInput(name + ": " + refusal.what());
+    }
+}
+
 /// The checks of a set with what they are read from.
 class TabledRuns : public LogSource {
 public:
@@ -51,18 +61,22 @@ private:
 class RestoredRuns : public LogSource {
 public:
     RestoredRuns(sml::tables::ResultSet const& verified, sml::inspect::WalkOptions const& options,
-                 std::uint64_t most) {
+                 std::uint64_t most)
+        : name_(verified.name) {
         read_set(verified, options, set_);
-        runs_.emplace(set_, most);
+        named(name_, [&] { runs_.emplace(set_, most); });
     }
 
     std::size_t  runs() const override { return runs_->runs(); }
-    json::object run(std::size_t number) const override { return runs_->run(number); }
-    void         results(std::size_t run, ResultSink const& sink) const override {
-        runs_->results(run, sink);
+    json::object run(std::size_t number) const override {
+        return named(name_, [&] { return runs_->run(number); });
+    }
+    void results(std::size_t run, ResultSink const& sink) const override {
+        named(name_, [&] { runs_->results(run, sink); });
     }
 
 private:
+    std::string                 name_;
     ResultSet                   set_;
     std::optional<ImportedRuns> runs_;
 };
@@ -81,11 +95,7 @@ std::unique_ptr<LogSource> runs_of_set(sml::tables::ResultSets const& sets, std:
         return std::make_unique<TabledRuns>(std::move(database), number);
     });
     if (tabled) return tabled;
-    try {
-        return std::make_unique<RestoredRuns>(verified, options, most);
-    } catch (DamagedInput const& refusal) {
-        throw DamagedInput(verified.name + ": " + refusal.what());
-    }
+    return std::make_unique<RestoredRuns>(verified, options, most);
 }
 
 void JoinedRuns::add(std::unique_ptr<LogSource> source) {

@@ -1,11 +1,14 @@
 #include <sml/results/diff.hpp>
 #include "command.hpp"
+#include "diff/baseline_runs.hpp"
 #include "diff/diff_output.hpp"
 #include "diff/side_files.hpp"
 #include "diff/side_options.hpp"
 #include "errors.hpp"
+#include "export/sarif_export.hpp"
 #include "output_file.hpp"
 #include "query_files.hpp"
+#include "sarif/set_runs.hpp"
 #include "signals.hpp"
 
 #include <algorithm>
@@ -40,7 +43,8 @@ std::map<std::string, DiffFormat> const& formats() {
     static std::map<std::string, DiffFormat> const all = {{"text", DiffFormat::text},
                                                           {"json", DiffFormat::json},
                                                           {"ndjson", DiffFormat::ndjson},
-                                                          {"markdown", DiffFormat::markdown}};
+                                                          {"markdown", DiffFormat::markdown},
+                                                          {"sarif", DiffFormat::sarif}};
     return all;
 }
 
@@ -60,6 +64,26 @@ Names failing(Names const& given) {
     return given;
 }
 
+// The runs of a side with the states of their findings.
+void add_runs(sarif::JoinedRuns& runs, SideFiles const& files, DiffOutput& output,
+              sml::results::Side side, Options const& options) {
+    auto        states = output.states(side);
+    auto const& sets = files.sets();
+    for (std::int64_t set = 1; set <= sets.count(); ++set)
+        runs.add(std::make_unique<StatedRuns>(
+            sarif::runs_of_set(sets, set, options.verify.walk(), SarifOptions().max_result),
+            std::move(states[sets.set(set).name])));
+}
+
+void print_sarif(DiffOutput& output, Options const& options, SideFiles const& olds,
+                 SideFiles const& news, Streams& streams) {
+    sarif::JoinedRuns old_runs;
+    sarif::JoinedRuns new_runs;
+    add_runs(old_runs, olds, output, sml::results::Side::old_side, options);
+    add_runs(new_runs, news, output, sml::results::Side::new_side, options);
+    write_sarif(BaselineRuns(old_runs, new_runs), streams);
+}
+
 ExitCode compare(Options const& options, SideFiles const& olds, SideFiles const& news,
                  std::string const& file, Streams& streams) {
     auto old_side = olds.input();
@@ -72,10 +96,12 @@ ExitCode compare(Options const& options, SideFiles const& olds, SideFiles const&
         diff(old_side, new_side, {roots_of(options.maps)}, store, Interruption::has_come());
     }
     DiffOutput output(store, options.filter, streams);
-    if (options.explained.empty())
-        output.print(options.format);
-    else
+    if (!options.explained.empty())
         output.explain(options.explained);
+    else if (options.format == DiffFormat::sarif)
+        print_sarif(output, options, olds, news, streams);
+    else
+        output.print(options.format);
     return output.count(failing(options.fails_on)) > 0 ? exit_found : exit_done;
 }
 
@@ -143,8 +169,9 @@ void declare_conditions(CLI::App& app, Options& options) {
 void declare_outputs(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
            "--format", [&options](std::string const& name) { options.format = formats().at(name); },
-           "text, json, ndjson or markdown")
-        ->check(CLI::IsMember({"text", "json", "ndjson", "markdown"}))
+           "text, json, ndjson, markdown, or sarif: a log with the state of each result, those of "
+           "absent findings included")
+        ->check(CLI::IsMember({"text", "json", "ndjson", "markdown", "sarif"}))
         ->default_str("text")
         ->type_name("FORMAT");
     app.add_option("--explain", options.explained,

@@ -4,6 +4,7 @@
 #include "result_set.hpp"
 
 #include <gtest/gtest.h>
+#include <boost/json.hpp>
 
 #include <cstdint>
 #include <string>
@@ -145,6 +146,64 @@ TEST_F(DiffOfAll, SidesAreTwo) {
     EXPECT_EQ(diff({old_, new_, "--old-source", scratch_ / "none"}).code, 2);
     EXPECT_EQ(diff({old_, scratch_ / "none"}).code, 2);
     EXPECT_EQ(printed({"--old", old_, "--new", new_}), printed({old_, new_}));
+}
+
+std::string results_of_run(std::string const& log, std::size_t run) {
+    std::string all;
+    auto const  value = boost::json::parse(log);
+    for (auto const& result : value.at("runs").at(run).at("results").as_array()) {
+        all += all.empty() ? "" : ", ";
+        all += result.at("baselineState").as_string();
+        all += ' ';
+        all += result.at_pointer("/message/text").as_string();
+    }
+    return all;
+}
+
+TEST_F(DiffOfAll, SarifHasTheStatesAndTheAbsentFindings) {
+    auto const log = printed({old_, new_, "--format", "sarif"});
+    EXPECT_EQ(results_of_run(log, 0),
+              "unchanged p leaks, updated m is 0, new q | <b>, absent n is 0");
+    EXPECT_EQ(boost::json::parse(log).at("runs").as_array().size(), 1u);
+    auto const part =
+        printed({old_, new_, "--format", "sarif", "--state", "new", "--level", "warning"});
+    EXPECT_EQ(results_of_run(part, 0), "new q | <b>");
+}
+
+TEST_F(Diff, SarifKeepsRunsOfToolsThatAreGone) {
+    auto const of_tools = [&](std::string const& name, std::vector<std::string> const& tools) {
+        std::string runs;
+        for (auto const& tool : tools) {
+            runs += runs.empty() ? "" : ",";
+            runs += R"({"tool": {"driver": {"name": ")" + tool + R"(", "rules": [{"id": ")" + name +
+                    R"("}]}},)" + R"( "results": [)" +
+                    result(name, name + " by " + tool, 3, R"(, "ruleIndex": 0)") + "]}";
+        }
+        write_bytes(scratch_ / name, R"({"version": "2.1.0", "runs": [)" + runs + "]}");
+        return std::string(scratch_ / name);
+    };
+    auto const log = printed(
+        {of_tools("one", {"gone", "kept"}), of_tools("two", {"kept"}), "--format", "sarif"});
+    EXPECT_EQ(results_of_run(log, 0), "new two by kept, absent one by kept");
+    EXPECT_EQ(results_of_run(log, 1), "absent one by gone");
+    auto const value = boost::json::parse(log);
+    EXPECT_EQ(value.at("runs").as_array().size(), 2u);
+    // Only where the rules are its own does a result say which one it is.
+    EXPECT_TRUE(value.at_pointer("/runs/0/results/0").as_object().contains("ruleIndex"));
+    EXPECT_FALSE(value.at_pointer("/runs/0/results/1").as_object().contains("ruleIndex"));
+    EXPECT_TRUE(value.at_pointer("/runs/1/results/0").as_object().contains("ruleIndex"));
+}
+
+TEST_F(DiffOfAll, SarifHasKernelChecks) {
+    ResultSet olds;
+    ResultSet news;
+    for (auto* const set : {&olds, &news}) {
+        Check& check = set->application_results.checks[{Strings_T("a.c"), set == &olds ? 1 : 2}];
+        check.category.choose<"ZDV">();
+        check.source_ref.localization = {3, Strings_T("a.c"), 1};
+    }
+    auto const log = printed({set("olds", olds), set("news", news), "--format", "sarif"});
+    EXPECT_EQ(results_of_run(log, 0), "unchanged A division by zero.");
 }
 
 TEST_F(Diff, LogThatIsDamagedIsRefused) {

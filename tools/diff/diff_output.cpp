@@ -212,6 +212,7 @@ void DiffOutput::print(DiffFormat format) {
         case DiffFormat::json: return print_json();
         case DiffFormat::ndjson: return print_lines();
         case DiffFormat::markdown: return print_markdown();
+        case DiffFormat::sarif: break;
     }
 }
 
@@ -234,6 +235,19 @@ Statement DiffOutput::selection(std::string const& columns, std::string const& r
 }
 
 Statement DiffOutput::findings() { return selection(finding_columns, finding_order, true); }
+
+std::map<std::string, StatesByKey> DiffOutput::states(sml::results::Side side) {
+    bool const                         is_new = side == sml::results::Side::new_side;
+    auto                               rows = is_new
+                                                  ? selection("new_result_set, new_key, state", " AND new_key IS NOT NULL", true)
+                                                  : selection("old_result_set, old_key, state", " AND state = 'absent'", true);
+    std::map<std::string, StatesByKey> all;
+    while (rows.step()) {
+        auto const name = std::ranges::find(diff_states(), rows.text(2));
+        all[std::string(rows.text(0))].emplace(rows.text(1), *name);
+    }
+    return all;
+}
 
 DiffOutput::Counts DiffOutput::counts() {
     Counts counts;

@@ -4,6 +4,7 @@
 #include <sml/inspect/text/json_writer.hpp>
 #include <sml/results/diff_store.hpp>
 #include "command.hpp"
+#include "diff/baseline_runs.hpp"
 
 #include <cstdint>
 #include <map>
@@ -12,7 +13,7 @@
 
 namespace bradep {
 
-enum class DiffFormat { text, json, ndjson, markdown };
+enum class DiffFormat { text, json, ndjson, markdown, sarif };
 
 /// Which findings are printed and counted.
 struct DiffFilter {
@@ -29,11 +30,16 @@ public:
     /// All arguments must outlive this object.
     DiffOutput(sml::results::DiffStore& store, DiffFilter const& filter, Streams& streams);
 
+    /// Requires another format than SARIF.
     void print(DiffFormat format);
 
     /// Prints how findings with these keys were matched. Throws DamagedInput for a key that no
     /// finding has.
     void explain(std::vector<std::string> const& keys);
+
+    /// The states of the findings of the new side, or of those of the old side that are absent, by
+    /// the name of their result set and by key.
+    std::map<std::string, StatesByKey> states(sml::results::Side side);
 
     /// How many findings have one of these states and are not suppressed.
     std::uint64_t count(std::vector<std::string> const& states);

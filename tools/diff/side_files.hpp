@@ -36,6 +36,8 @@ public:
     /// Without sources. It refers to this object.
     sml::results::SideInput input() const;
 
+    sml::tables::ResultSets const& sets() const { return files_->sets(); }
+
 private:
     void import(std::string const& name, Streams& streams);
 

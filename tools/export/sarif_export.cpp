@@ -22,17 +22,31 @@ namespace {
 using sarif::Cut;
 using sarif::UploadLimits;
 
-// A set of a few bytes can say that it has any number of runs.
-void refuse_too_many_runs(sarif::LogSource const& runs, std::uint64_t max_output,
-                          std::string const& file) {
-    constexpr std::uint64_t least_bytes = 40;  // of a run
-    if (runs.runs() > max_output / least_bytes)
-        throw DamagedInput(file + ": " + std::to_string(runs.runs()) +
-                           " runs take more than --max-output " + std::to_string(max_output));
-}
-
 std::string output_name(SarifOptions const& sarif) {
     return sarif.target == "-" ? "standard output" : sarif.target;
+}
+
+// Writes one log of what `add` gives to the writer.
+template <class Add>
+sarif::LeftOut write_limited(std::ostream& out, SarifOptions const& sarif, Add const& add) {
+    LimitedOutput limited(out, sarif.max_output);
+    limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
+    sarif::LogWriter writer(limited.stream());
+    try {
+        add(writer);
+        writer.finish();
+    } catch (std::ios_base::failure const&) {
+        limited.refuse_if_cut(output_name(sarif));
+        throw;
+    }
+    return writer.left_out();
+}
+
+void report_left_out(sarif::LeftOut const& left_out, std::string const& name, Streams& streams) {
+    if (left_out.count == 0) return;
+    report(streams.err, name + ": left out " + std::to_string(left_out.count) +
+                            (left_out.count == 1 ? " value that" : " values that") +
+                            " SARIF does not allow, the first at " + left_out.first);
 }
 
 /// Writes the files of a command as one log.
@@ -43,17 +57,9 @@ public:
 
     /// Without limits, everything is written.
     sarif::LeftOut write(std::ostream& out, std::optional<UploadLimits> limits, Cut& cut) {
-        LimitedOutput limited(out, sarif_.max_output);
-        limited.stream().exceptions(std::ios::badbit);  // ends the work at the limit
-        sarif::LogWriter writer(limited.stream());
-        try {
+        return write_limited(out, sarif_, [&](sarif::LogWriter& writer) {
             for (auto const& file : options_.files) add(writer, file, limits, cut);
-            writer.finish();
-        } catch (std::ios_base::failure const&) {
-            limited.refuse_if_cut(output_name(sarif_));
-            throw;
-        }
-        return writer.left_out();
+        });
     }
 
 private:
@@ -65,7 +71,6 @@ private:
         QueryFiles const files(options, streams_);
         auto const       runs =
             sarif::runs_of_set(files.sets(), 1, options.verify.walk(), sarif_.max_result);
-        refuse_too_many_runs(*runs, sarif_.max_output, file);
         if (!limits) return writer.add(*runs);
         sarif::LimitedRuns const limited(*runs, *limits, cut);
         writer.add(limited);
@@ -123,10 +128,7 @@ void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const&
     if (sarif.has_upload_limits) limits = limits_that_fit(logs, name);
     Cut        cut;
     auto const left_out = logs.write(out, limits, cut);
-    if (left_out.count > 0)
-        report(streams.err, name + ": left out " + std::to_string(left_out.count) +
-                                (left_out.count == 1 ? " value that" : " values that") +
-                                " SARIF does not allow, the first at " + left_out.first);
+    report_left_out(left_out, name, streams);
     if (auto const words = cut.in_words(); !words.empty())
         report(streams.err, name + ": left out what is beyond the limits: " + words);
 }
@@ -142,6 +144,14 @@ void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Str
     };
     if (sarif.target == "-") return write(streams.out);
     write_file(sarif.target, write);
+}
+
+void write_sarif(sarif::LogSource const& runs, Streams& streams) {
+    SarifOptions sarif;
+    sarif.target = "-";
+    auto const left_out =
+        write_limited(streams.out, sarif, [&](sarif::LogWriter& writer) { writer.add(runs); });
+    report_left_out(left_out, output_name(sarif), streams);
 }
 
 }  // namespace bradep

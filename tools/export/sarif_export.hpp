@@ -4,6 +4,7 @@
 #include "command.hpp"
 #include "limited_output.hpp"
 #include "query_files.hpp"
+#include "sarif/log_source.hpp"
 
 #include <cstdint>
 #include <string>
@@ -20,5 +21,8 @@ struct SarifOptions {
 /// Writes the runs of all files, in their order, as one log. Throws DamagedInput for a file that
 /// holds no checks, IoFailure, and Interrupted.
 void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Streams& streams);
+
+/// Writes runs as a log to standard output, within the same limits. Throws DamagedInput.
+void write_sarif(sarif::LogSource const& runs, Streams& streams);
 
 }  // namespace bradep

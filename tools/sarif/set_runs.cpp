@@ -65,6 +65,9 @@ public:
         : name_(verified.name) {
         read_set(verified, options, set_);
         named(name_, [&] { runs_.emplace(set_, most); });
+        // A few bytes can say any number.
+        if (runs() > verified.bytes.size())
+            throw DamagedInput(name_ + ": says that it has " + std::to_string(runs()) + " runs");
     }
 
     std::size_t  runs() const override { return runs_->runs(); }

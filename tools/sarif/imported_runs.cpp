@@ -63,8 +63,8 @@ ImportedRuns::ImportedRuns(ResultSet const& set, std::uint64_t most) : set_(set)
 
 std::pair<ImportedRuns::Forms::const_iterator, ImportedRuns::Forms::const_iterator>
 ImportedRuns::forms_of(std::size_t run) const {
-    auto const range = std::ranges::equal_range(forms_, run, {}, &Forms::value_type::first);
-    return {range.begin(), range.end()};
+    return {std::ranges::lower_bound(forms_, run, {}, &Forms::value_type::first),
+            std::ranges::upper_bound(forms_, run, {}, &Forms::value_type::first)};
 }
 
 More const& ImportedRuns::facts_of(std::size_t run) const {

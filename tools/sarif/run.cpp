@@ -6,6 +6,7 @@
 #include "sarif/message_format.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <utility>
 
@@ -357,8 +358,9 @@ std::string Run::markdown_text(json::value const& message) {
 // than one of a result: it can be a list of all warnings of the tool.
 template <class Append>
 std::string Run::kept_text(json::value const& value, Rule const& rule, Append const& append) {
-    constexpr std::uint64_t for_run = 64;
-    auto const              most = expansion_.limits().message * (is_over_ ? for_run : 1);
+    std::uint64_t const times = is_over_ ? 64 : 1;
+    auto const          whole = std::numeric_limits<std::uint64_t>::max();
+    auto const          most = std::min(expansion_.limits().message, whole / times) * times;
     try {
         std::string text;
         KeptText    kept(lists_, rule, most);

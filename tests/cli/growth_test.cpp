@@ -115,6 +115,20 @@ TEST(Growth, ManyExtensionsFoundByGuidOrName) {
         });
 }
 
+TEST(Growth, ARuleInEachOfManyExtensions) {
+    expect_linear([](std::size_t n) {
+        std::string extensions;
+        std::string results;
+        for (std::size_t i = 0; i < n; ++i) {
+            auto const id = std::to_string(i);
+            extensions +=
+                (i == 0 ? R"({"rules":[{"id":")" : R"(,{"rules":[{"id":")") + id + "\"}]}";
+            results += (i == 0 ? R"({"ruleId":")" : R"(,{"ruleId":")") + id + "\"}";
+        }
+        return log_of_tool(R"("extensions":[)" + extensions + "]", results);
+    });
+}
+
 TEST(Growth, IdsThatNoExtensionKnows) {
     expect_linear([](std::size_t n) {
         return log_of_tool(R"("extensions":[)" + repeated(n, R"({"rules":[{"id":"r"}]})") + "]",

@@ -56,14 +56,14 @@ inline constexpr std::tuple of_step{
     Field{no_property("other properties, by pointer"), "more", &Step::more,
           in_event("signature.package", along<&Event::signature, &Signature::package>),
           Given{1, in_event("first_flag", &Event::first_flag)}},
-    Derived{"number of the run, from 0", events_path, "first_int",
+    Derived{no_property("number of the run, from 0"), events_path, "first_int",
             [](auto const&, FilledEvent const& record) { record.event.first_int = record.run; }},
-    Derived{"always `DEFECT_EVENT`", events_path, "kind",
+    Derived{no_property("always `DEFECT_EVENT`"), events_path, "kind",
             [](auto const&, FilledEvent const& record) {
                 record.event.kind->choose<"DEFECT_EVENT">();
             }}};
 
-inline constexpr std::tuple of_failure{Derived{"always `UNKNOWN`", checks_path,
+inline constexpr std::tuple of_failure{Derived{no_property("always `UNKNOWN`"), checks_path,
                                                "failure.technology",
                                                [](auto const&, FilledFailure const& record) {
                                                    record.failure.technology.choose<"UNKNOWN">();
@@ -90,7 +90,7 @@ inline constexpr std::tuple of_info{
           in_info("second_string", &Info::second_string)},
     Field{no_property("ordinal in the key of the check"), nullptr,
           along<&InfoHead::check, &NumberedKey::second>, in_info("second_int", &Info::second_int)},
-    Derived{"always `TOOLTIP_INFO`", infos_path, "category",
+    Derived{no_property("always `TOOLTIP_INFO`"), infos_path, "category",
             [](auto const&, FilledInfo const& record) {
                 record.info.category.choose<"TOOLTIP_INFO">();
             }}};
@@ -275,7 +275,7 @@ constexpr auto given_in_check(std::uint32_t bits) {
 }
 
 inline constexpr Derived category{
-    "always `BF_CHECKER_WITH_PRECOMPUTED_MESSAGE`", checks_path, "category",
+    no_property("always `BF_CHECKER_WITH_PRECOMPUTED_MESSAGE`"), checks_path, "category",
     [](auto const&, FilledCheck const& record) {
         record.check.category.choose<"BF_CHECKER_WITH_PRECOMPUTED_MESSAGE">();
     }};
@@ -372,7 +372,7 @@ inline constexpr std::tuple of_form_place{
 
 /// Must be filled after `of_check`, because some rows read the check.
 inline constexpr std::tuple of_form{
-    Derived{"the key of the check", forms_path, "first_numbered_name",
+    Derived{no_property("the key of the check"), forms_path, "first_numbered_name",
             [](auto const&, FilledCheck const& record) {
                 record.form.first_numbered_name = record.key;
             }},
@@ -387,15 +387,15 @@ inline constexpr std::tuple of_form{
                descriptor = descriptor_at(record.form.second_int, record.set);
            }},
     again(level, "name", &CheckForm::name),
-    Derived{"`message`, as in the check", forms_path, "category",
+    Derived{no_property("`message`, as in the check"), forms_path, "category",
             [](auto const&, FilledCheck const& record) {
                 record.form.category = record.check.category;
             }},
-    Derived{"`locations[0]`, as in its source reference", forms_path, "localization",
+    Derived{no_property("`locations[0]`, as in its source reference"), forms_path, "localization",
             [](auto const&, FilledCheck const& record) {
                 record.form.localization = record.check.source_ref.localization;
             }},
-    Derived{"always `UNCLASSIFIED`", forms_path, "classification.classification_class",
+    Derived{no_property("always `UNCLASSIFIED`"), forms_path, "classification.classification_class",
             [](auto const&, FilledCheck const& record) {
                 record.form.classification.classification_class =
                     sml::Results_API_base::GUI_Check_Classification_base::UNCLASSIFIED;

@@ -7,7 +7,6 @@
 #include "sarif/schema.hpp"
 
 #include <algorithm>
-#include <optional>
 #include <set>
 #include <string>
 
@@ -64,8 +63,8 @@ ImportedRuns::ImportedRuns(ResultSet const& set, std::uint64_t most) : set_(set)
 
 std::pair<ImportedRuns::Forms::const_iterator, ImportedRuns::Forms::const_iterator>
 ImportedRuns::forms_of(std::size_t run) const {
-    auto const range = std::ranges::equal_range(forms_, run, {}, &Forms::value_type::first);
-    return {range.begin(), range.end()};
+    return {std::ranges::lower_bound(forms_, run, {}, &Forms::value_type::first),
+            std::ranges::upper_bound(forms_, run, {}, &Forms::value_type::first)};
 }
 
 More const& ImportedRuns::facts_of(std::size_t run) const {
@@ -74,18 +73,11 @@ More const& ImportedRuns::facts_of(std::size_t run) const {
     return facts == facts_.end() ? none : facts->second;
 }
 
-// The index in the tool's components; none if the run has no such component.
-std::optional<std::size_t> ImportedRuns::component_at(std::string const& pointer,
-                                                      std::size_t        extensions) const {
-    if (pointer == driver_pointer) return 0;
-    for (std::size_t i = 0; i < extensions; ++i)
-        if (pointer == std::string(extensions_prefix) + std::to_string(i)) return i + 1;
-    return std::nullopt;
-}
-
 // The rules of a component stand in the order of their numbers, so in that of their first use.
 ImportedRuns::Rules ImportedRuns::rules_of(std::size_t run) const {
-    auto const             extensions = components(facts_of(run), extensions_prefix).size();
+    std::map<std::string, std::size_t> pointers{{std::string(driver_pointer), 0}};
+    for (auto left = components(facts_of(run), extensions_prefix).size(); left > 0; --left)
+        pointers.emplace(std::string(extensions_prefix) + std::to_string(left - 1), left);
     std::set<std::int32_t> numbers;
     auto const [first, last] = forms_of(run);
     for (auto form = first; form != last; ++form) numbers.insert(form->second->second_int);
@@ -93,17 +85,18 @@ ImportedRuns::Rules ImportedRuns::rules_of(std::size_t run) const {
     std::map<std::pair<std::size_t, std::string>, std::size_t> known;
     for (auto const number : numbers) {
         auto const descriptor = fields::descriptor_at(number, set_);
-        auto const component =
-            descriptor ? component_at(descriptor->component.str(), extensions) : std::nullopt;
-        if (!component) continue;
-        auto    value = json_.value_of_text(descriptor->text.text.str());
-        LeftOut left_out;
+        auto const known_component =
+            descriptor ? pointers.find(descriptor->component.str()) : pointers.end();
+        if (known_component == pointers.end()) continue;
+        auto const component = known_component->second;
+        auto       value = json_.value_of_text(descriptor->text.text.str());
+        LeftOut    left_out;
         if (!make_fit(value, schema::reporting_descriptor, "", left_out)) continue;
-        auto& list = rules.lists[*component];
+        auto& list = rules.lists[component];
         auto const [at, is_new] =
-            known.try_emplace({*component, json::serialize(value)}, list.size());
+            known.try_emplace({component, json::serialize(value)}, list.size());
         if (is_new) list.push_back(std::move(value));
-        rules.places.emplace(number, RuleAt{*component, at->second});
+        rules.places.emplace(number, RuleAt{component, at->second});
     }
     return rules;
 }

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,11 +41,9 @@ private:
     std::pair<Forms::const_iterator, Forms::const_iterator> forms_of(std::size_t run) const;
     More const&                                             facts_of(std::size_t run) const;
     Rules                                                   rules_of(std::size_t run) const;
-    json::array                values_of(std::vector<KeptJson> const& texts) const;
-    static void                refer(json::object& result, RuleAt const& rule);
-    std::optional<std::size_t> component_at(std::string const& pointer,
-                                            std::size_t        extensions) const;
-    json::object               driver_without_facts(std::size_t run) const;
+    json::array  values_of(std::vector<KeptJson> const& texts) const;
+    static void  refer(json::object& result, RuleAt const& rule);
+    json::object driver_without_facts(std::size_t run) const;
 
     ResultSet const&            set_;
     Forms                       forms_;

@@ -6,6 +6,7 @@
 #include "sarif/message_format.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <utility>
 
@@ -353,18 +354,22 @@ std::string Run::markdown_text(json::value const& message) {
     return text;
 }
 
-// Calls `append` for what makes the text of the value.
+// Calls `append` for what makes the text of the value. A property of a run may refer to far more
+// than one of a result: it can be a list of all warnings of the tool.
 template <class Append>
 std::string Run::kept_text(json::value const& value, Rule const& rule, Append const& append) {
-    auto const most = expansion_.limits().message;
+    std::uint64_t const times = is_over_ ? 64 : 1;
+    auto const          whole = std::numeric_limits<std::uint64_t>::max();
+    auto const          most = std::min(expansion_.limits().message, whole / times) * times;
     try {
         std::string text;
         KeptText    kept(lists_, rule, most);
         append(kept, text);
         return text;
     } catch (TooMuchResolved const&) {
-        throw Misfit{&value, "what its indices lead to comes to more than --max-message " +
-                                 std::to_string(most) + " bytes"};
+        throw Misfit{&value, "what its indices lead to comes to more than " +
+                                 std::string(is_over_ ? "64 times " : "") + "--max-message " +
+                                 std::to_string(expansion_.limits().message) + " bytes"};
     }
 }
 
@@ -428,10 +433,9 @@ std::optional<Descriptor> Run::descriptor_of(Rule const& rule) {
 // Extensions are numbered in the order of their first use.
 std::string Run::pointer_of(json::value const* component) {
     if (component == lists_.driver()) return "tool/driver";
-    auto const known = std::ranges::find(used_extensions_, component);
-    auto const number = known - used_extensions_.begin();
-    if (known == used_extensions_.end()) used_extensions_.push_back(component);
-    return "tool/extensions/" + std::to_string(number);
+    auto const [number, is_new] = used_numbers_.try_emplace(component, used_extensions_.size());
+    if (is_new) used_extensions_.push_back(component);
+    return "tool/extensions/" + std::to_string(number->second);
 }
 
 void Run::keep_component(std::string const& pointer, json::value const& component,
@@ -453,10 +457,9 @@ void Run::keep_extensions(RunFacts& facts) {
                 if (std::ranges::any_of(*descriptors, is_used)) return true;
         return false;
     };
-    std::set<json::value const*> const with_rules(used_extensions_.begin(), used_extensions_.end());
     if (lists_.extensions())
         for (auto const& one : *lists_.extensions())
-            if (!with_rules.contains(&one) && names_used(one)) used_extensions_.push_back(&one);
+            if (names_used(one)) pointer_of(&one);
     for (std::size_t i = 0; i < used_extensions_.size(); ++i)
         keep_component("tool/extensions/" + std::to_string(i), *used_extensions_[i], facts);
     std::size_t number = 0;
@@ -467,6 +470,7 @@ void Run::keep_extensions(RunFacts& facts) {
 }
 
 RunFacts Run::facts() {
+    is_over_ = true;
     RunFacts   facts{number_, {}};
     auto const use = [&](std::string const& pointer, kept::Member const& member,
                          schema::Property const& property, json::value const& value) {

@@ -102,6 +102,7 @@ private:
     RunLists                                  lists_;
     std::map<json::value const*, Descriptor>  descriptors_;
     std::vector<json::value const*>           used_extensions_;  // in the order of their first use
+    std::map<json::value const*, std::size_t> used_numbers_;     // index of each of these
     std::optional<Text>                       tool_;
     std::optional<Text>                       tool_version_;
     std::vector<Component>                    components_;
@@ -109,6 +110,7 @@ private:
     ElementsByText                            extensions_by_guid_{nullptr, "guid"};
     ElementsByText                            extensions_by_name_{nullptr, "name"};
     RuleIndex                                 rules_by_id_;
+    bool                                      is_over_ = false;  // all results are resolved
 };
 
 }  // namespace bradep::sarif

@@ -10,6 +10,7 @@ import json
 import os
 import pathlib
 import random
+import signal
 import sqlite3
 import subprocess
 import sys
@@ -145,6 +146,21 @@ class Properties(unittest.TestCase):
                               one["line"])) for one in self.diff(*self.logs)["findings"])
         self.assertEqual(found, wanted)
         self.assertEqual(updated, changed)
+
+    def test_interrupted_import_leaves_nothing(self):
+        results = json.loads(self.logs[0].read_bytes())["runs"][0]["results"]
+        log = self.directory / "large.sarif"
+        log.write_text(json.dumps({"version": "2.1.0", "runs": [{
+            "tool": {"driver": {"name": "T"}}, "results": results * 100}]}), encoding="utf-8")
+        temporary = self.directory / "temporary"
+        temporary.mkdir()
+        process = subprocess.Popen([self.bradep, "diff", log, log], stdout=subprocess.DEVNULL,
+                                   env={**os.environ, "TMPDIR": str(temporary)})
+        while not any(temporary.iterdir()):
+            self.assertIsNone(process.poll(), "it is over before it was interrupted")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(), -signal.SIGINT)
+        self.assertEqual(list(temporary.iterdir()), [])
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@
 #include "foreign_form.hpp"
 #include "gzip.hpp"
 #include "import.hpp"
+#include "signals.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -69,6 +70,12 @@ SideFiles::SideFiles(std::vector<std::string> const& names, QueryOptions const& 
     // So nothing depends on the order in which they are given.
     std::ranges::sort(options_.names);
     std::optional<TemporaryDirectory> imported;
+    Interruption                      interruption;
+    auto const                        end_if_interrupted = [&] {
+        if (!Interruption::has_come()) return;
+        imported.reset();
+        interruption.end_process();
+    };
     for (std::string const& name : options_.names) {
         flagged_.emplace_back();
         if (!is_log(name)) {
@@ -78,9 +85,11 @@ SideFiles::SideFiles(std::vector<std::string> const& names, QueryOptions const& 
         if (!imported) imported.emplace();
         options_.files.push_back(imported->path() / std::to_string(options_.files.size()));
         import(name, streams);
+        end_if_interrupted();
     }
     files_ = std::make_unique<QueryFiles>(options_, streams);
     files_->require_checks();
+    end_if_interrupted();
 }
 
 void SideFiles::import(std::string const& name, Streams& streams) {

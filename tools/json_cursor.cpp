@@ -87,20 +87,8 @@ private:
 
 // The stack of a parser that makes values. The library reads about one double of ten that has many
 // digits as one beside the nearest.
-struct ExactNumbers {
-    using Error = json::error_code;
-    using View = json::string_view;
-
-    static constexpr std::size_t max_object_size = json::object::max_size();
-    static constexpr std::size_t max_array_size = json::array::max_size();
-    static constexpr std::size_t max_key_size = json::string::max_size();
-    static constexpr std::size_t max_string_size = json::string::max_size();
-
-    bool on_document_begin(Error&) { return true; }
-    bool on_document_end(Error&) { return true; }
-    bool on_object_begin(Error&) { return true; }
+struct ExactNumbers : NoValues {
     bool on_object_end(std::size_t count, Error&) { return stack.push_object(count), true; }
-    bool on_array_begin(Error&) { return true; }
     bool on_array_end(std::size_t count, Error&) { return stack.push_array(count), true; }
     bool on_key_part(View part, std::size_t, Error&) { return stack.push_chars(part), true; }
     bool on_key(View rest, std::size_t, Error&) { return stack.push_key(rest), true; }
@@ -125,8 +113,6 @@ struct ExactNumbers {
     }
     bool on_bool(bool value, Error&) { return stack.push_bool(value), true; }
     bool on_null(Error&) { return stack.push_null(), true; }
-    bool on_comment_part(View, Error&) { return true; }
-    bool on_comment(View, Error&) { return true; }
 
     json::value_stack stack;
     std::string       digits;  // of a number that stands in several pieces of the text

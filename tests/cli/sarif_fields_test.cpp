@@ -123,7 +123,7 @@ void expect_row(bradep::sarif::ByHand<Said, Hold, Restore> const& row, Part cons
     auto const path = path_of(row.table, row.field);
     auto const value = value_at(path, set);
     using Value = std::decay_t<decltype(std::invoke(row.said, part))>;
-    if constexpr (requires(Value value) { json_of(content_of(value)); }) {
+    if constexpr (requires(Value one) { json_of(content_of(one)); }) {
         EXPECT_EQ(value, json_of(std::invoke(row.said, part))) << row.sarif.text();
     }
     EXPECT_NE(value, "") << row.sarif.text();

@@ -118,25 +118,43 @@ private:
                 return;
             }
         }
-        names_file_ = is_path || has_suffix_of_sources(name);
+        names_source_ = is_path || has_suffix_of_sources(name);
+        names_file_ = names_source_ || can_be_file(name);
         start_of_name_ = clean_.size();
         put_name(name);
         clean_ += tail;
-        if (!tail.empty()) names_file_ = false;
+        if (!tail.empty()) forget_file();
     }
 
-    // "list.get(0)" is no place.
+    void forget_file() { names_file_ = names_source_ = false; }
+
+    static std::string suffix_of(std::string_view name) {
+        auto const dot = name.rfind('.');
+        return dot == std::string_view::npos ? std::string() : in_lower_case(name.substr(dot + 1));
+    }
+
+    // Before a number in brackets: "list.get(0)" is no place.
     static bool has_suffix_of_sources(std::string_view name) {
         static constexpr std::array suffixes = {
-            "c"sv,     "cc"sv,   "cpp"sv, "cs"sv,  "css"sv,  "cxx"sv,   "f"sv,    "f90"sv,
-            "go"sv,    "h"sv,    "hh"sv,  "hpp"sv, "html"sv, "hxx"sv,   "inc"sv,  "java"sv,
-            "js"sv,    "json"sv, "jsx"sv, "kt"sv,  "lua"sv,  "m"sv,     "mjs"sv,  "mm"sv,
-            "php"sv,   "pl"sv,   "py"sv,  "rb"sv,  "rs"sv,   "scala"sv, "sh"sv,   "sql"sv,
-            "swift"sv, "toml"sv, "ts"sv,  "tsx"sv, "vue"sv,  "xml"sv,   "yaml"sv, "yml"sv};
-        auto const dot = name.rfind('.');
-        if (dot == std::string_view::npos) return false;
-        return std::ranges::binary_search(suffixes,
-                                          std::string_view(in_lower_case(name.substr(dot + 1))));
+            "adb"sv,   "ads"sv, "asm"sv,    "bas"sv,    "c"sv,    "cc"sv,   "cmake"sv, "cpp"sv,
+            "cs"sv,    "css"sv, "cu"sv,     "cxx"sv,    "dart"sv, "erl"sv,  "f"sv,     "f90"sv,
+            "fs"sv,    "go"sv,  "gradle"sv, "groovy"sv, "h"sv,    "hh"sv,   "hpp"sv,   "hs"sv,
+            "html"sv,  "hxx"sv, "inc"sv,    "java"sv,   "js"sv,   "json"sv, "jsx"sv,   "kt"sv,
+            "kts"sv,   "lua"sv, "m"sv,      "md"sv,     "mjs"sv,  "ml"sv,   "mm"sv,    "pas"sv,
+            "php"sv,   "pl"sv,  "pm"sv,     "proto"sv,  "ps1"sv,  "py"sv,   "rb"sv,    "rs"sv,
+            "scala"sv, "sh"sv,  "sql"sv,    "swift"sv,  "tf"sv,   "toml"sv, "ts"sv,    "tsx"sv,
+            "txt"sv,   "vb"sv,  "vue"sv,    "xaml"sv,   "xml"sv,  "yaml"sv, "yml"sv};
+        static_assert(std::ranges::is_sorted(suffixes));
+        return std::ranges::binary_search(suffixes, std::string_view(suffix_of(name)));
+    }
+
+    // Before a colon and a number: "example.com:8443" and "10.0.0.1:80" are no places.
+    static bool can_be_file(std::string_view name) {
+        static constexpr std::array domains = {"com"sv, "edu"sv,   "gov"sv, "internal"sv,
+                                               "io"sv,  "local"sv, "net"sv, "org"sv};
+        auto const                  suffix = suffix_of(name);
+        return !suffix.empty() && is_letter(suffix.front()) &&
+               !std::ranges::binary_search(domains, std::string_view(suffix));
     }
 
     static bool is_temporary_directory(std::string_view directory) {
@@ -179,7 +197,7 @@ private:
 
     void put_temporary() {
         clean_ += temporary;
-        names_file_ = false;
+        forget_file();
         expects_place_ = false;
     }
 
@@ -189,9 +207,9 @@ private:
         char const c = text_[at_++];
         clean_ += c;
         bool const is_link = c == '(' && clean_.size() > 1 && clean_[clean_.size() - 2] == ']';
-        bool const opens = (c == ':' || c == '(') && names_file_;
+        bool const opens = (c == ':' && names_file_) || (c == '(' && names_source_);
         if (opens || is_link) return take_numbers(opens);
-        names_file_ = false;
+        forget_file();
         if ("\t :#="sv.find(c) == std::string_view::npos) expects_place_ = false;
     }
 
@@ -206,7 +224,7 @@ private:
                                  is_digit(text_[at_ + 1]);
             if (goes_on) clean_ += text_[at_++];
         }
-        names_file_ = false;
+        forget_file();
         expects_place_ = false;
     }
 
@@ -214,7 +232,8 @@ private:
     std::size_t      at_ = 0;
     std::string      clean_;
     bool             expects_place_ = false;  // the word before said that a number is a line
-    bool             names_file_ = false;     // the word before was the name of a file
+    bool             names_file_ = false;     // the word before can be the name of a file
+    bool             names_source_ = false;   // it is a path, or has a suffix of sources
     std::size_t      start_of_name_ = 0;      // where that starts in `clean_`
 };
 

@@ -61,14 +61,14 @@ TEST(UploadLimits, TheMostSevereResultsStay) {
         UploadLimits limits;
         limits.results = most;
         Cut         cut;
-        LimitedRuns limited(all, limits, cut);
+        LimitedRuns limited(all, {0}, limits, cut);
         EXPECT_EQ(ids_of(limited, 0), kept[most]);
         EXPECT_EQ(cut.results, 6 - most);
         EXPECT_EQ(cut.most_kept, most);
     }
 }
 
-TEST(UploadLimits, RunsRulesAndTagsAreCut) {
+TEST(UploadLimits, RulesAndTagsAreCut) {
     GivenRuns const all(R"([
         {"tool": {"driver": {"name": "T", "rules": [
              {"id": "a", "properties": {"tags": ["1", "2", "3"]}}, {"id": "b"}, {"id": "c"}]},
@@ -76,11 +76,10 @@ TEST(UploadLimits, RunsRulesAndTagsAreCut) {
          "results": [{"ruleId": "b", "ruleIndex": 1}, {"ruleId": "c", "ruleIndex": 2}]},
         {"tool": {"driver": {"name": "U"}}, "results": []}])");
     UploadLimits    limits;
-    limits.runs = 1;
     limits.rules = 2;
     limits.tags = 1;
     Cut         cut;
-    LimitedRuns limited(all, limits, cut);
+    LimitedRuns limited(all, {0}, limits, cut);
     EXPECT_EQ(limited.runs(), 1u);
     EXPECT_EQ(json::value(limited.run(0)).at("tool"),
               json::parse(R"({"driver": {"name": "T", "rules":
@@ -92,7 +91,26 @@ TEST(UploadLimits, RunsRulesAndTagsAreCut) {
     });
     EXPECT_TRUE(results.at(0).contains("ruleIndex"));
     EXPECT_FALSE(results.at(1).contains("ruleIndex"));
-    EXPECT_EQ(cut.in_words(), "1 run, 2 rules, 2 tags");
+    EXPECT_EQ(cut.in_words(), "2 rules, 2 tags");
+}
+
+TEST(UploadLimits, TheHeaviestRunsStay) {
+    auto const run = [](std::vector<std::string> const& levels) {
+        std::string results;
+        for (auto const& level : levels)
+            results += (results.empty() ? "" : ",") + (R"({"level": ")" + level + "\"}");
+        return R"({"results": [)" + results + "]}";
+    };
+    GivenRuns const all("[" + run({}) + "," + run({"note", "note"}) + "," + run({"error"}) + "," +
+                        run({"note", "warning"}) + "," + run({"none", "error"}) + "," + run({}) +
+                        "]");
+    auto const      weights = weights_of(all);
+    EXPECT_EQ(weights.at(3), (RunWeight{0, 1, 1, 0}));
+    std::vector<std::vector<bool>> const kept = {
+        {0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 1, 0}, {0, 0, 1, 0, 1, 0}, {0, 0, 1, 1, 1, 0},
+        {0, 1, 1, 1, 1, 0}, {1, 1, 1, 1, 1, 0}, {1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1}};
+    for (std::size_t most = 0; most < kept.size(); ++most)
+        EXPECT_EQ(heaviest(weights, most), kept[most]) << most;
 }
 
 TEST(UploadLimits, LocationsAreCut) {
@@ -103,7 +121,7 @@ TEST(UploadLimits, LocationsAreCut) {
     limits.locations = 2;
     limits.flow_locations = 3;
     Cut         cut;
-    LimitedRuns limited(all, limits, cut);
+    LimitedRuns limited(all, {0}, limits, cut);
     limited.results(0, [&](std::string const&, json::object&& result) {
         EXPECT_EQ(json::value(result), json::parse(R"({"ruleId": "r", "locations": [{}, {}],
             "codeFlows": [{"threadFlows": [{"locations": [{}, {}]}, {"locations": [{}]}]},

@@ -9,11 +9,12 @@
 #include "sarif/upload_limits.hpp"
 #include "signals.hpp"
 
-#include <algorithm>
 #include <ios>
 #include <optional>
 #include <ostream>
 #include <streambuf>
+#include <utility>
+#include <vector>
 
 namespace bradep {
 
@@ -49,32 +50,52 @@ void report_left_out(sarif::LeftOut const& left_out, std::string const& name, St
                             " SARIF does not allow, the first at " + left_out.first);
 }
 
+/// What is written of a log that is limited.
+struct Limited {
+    UploadLimits      limits;
+    std::vector<bool> runs;  // of all files: whether each is kept
+};
+
 /// Writes the files of a command as one log.
 class Logs {
 public:
     Logs(SarifOptions const& sarif, QueryOptions const& options, Streams& streams)
         : sarif_(sarif), options_(options), streams_(streams) {}
 
-    /// Without limits, everything is written.
-    sarif::LeftOut write(std::ostream& out, std::optional<UploadLimits> limits, Cut& cut) {
+    /// Without limits, everything is written. `cut` counts what is left out.
+    sarif::LeftOut write(std::ostream& out, std::optional<Limited> const& limited, Cut& cut) {
+        std::size_t runs = 0;
         return write_limited(out, sarif_, [&](sarif::LogWriter& writer) {
-            for (auto const& file : options_.files) add(writer, file, limits, cut);
+            for_each([&](sarif::LogSource const& all) {
+                if (!limited) return writer.add(all);
+                std::vector<std::size_t> kept;
+                for (std::size_t run = 0; run < all.runs(); ++run)
+                    if (limited->runs[runs++]) kept.push_back(run);
+                cut.runs += all.runs() - kept.size();
+                writer.add(sarif::LimitedRuns(all, std::move(kept), limited->limits, cut));
+            });
         });
     }
 
+    std::vector<bool> heaviest_runs(std::size_t most) {
+        std::vector<sarif::RunWeight> weights;
+        for_each([&](sarif::LogSource const& all) {
+            auto const of_file = sarif::weights_of(all);
+            weights.insert(weights.end(), of_file.begin(), of_file.end());
+        });
+        return sarif::heaviest(weights, most);
+    }
+
 private:
-    // One file after another is open.
-    void add(sarif::LogWriter& writer, std::string const& file, std::optional<UploadLimits>& limits,
-             Cut& cut) {
-        auto options = options_;
-        options.files = {file};
-        QueryFiles const files(options, streams_);
-        auto const       runs =
-            sarif::runs_of_set(files.sets(), 1, options.verify.walk(), sarif_.max_result);
-        if (!limits) return writer.add(*runs);
-        sarif::LimitedRuns const limited(*runs, *limits, cut);
-        writer.add(limited);
-        limits->runs -= limited.runs();
+    // Hands over the runs of each file. One file after another is open.
+    template <class Use>
+    void for_each(Use const& use) {
+        for (auto const& file : options_.files) {
+            auto options = options_;
+            options.files = {file};
+            QueryFiles const files(options, streams_);
+            use(*sarif::runs_of_set(files.sets(), 1, options.verify.walk(), sarif_.max_result));
+        }
     }
 
     SarifOptions const& sarif_;
@@ -100,35 +121,37 @@ private:
     std::uint64_t count_ = 0;
 };
 
-// Limits under which the log, compressed, is small enough: with fewer results if need be.
-UploadLimits limits_that_fit(Logs& logs, std::string const& name) {
-    for (UploadLimits limits;;) {
+// What of a log is small enough when it is compressed: fewer results if need be.
+Limited what_fits(Logs& logs, std::string const& name) {
+    Limited limited{{}, logs.heaviest_runs(UploadLimits().runs)};
+    auto&   limits = limited.limits;
+    for (;;) {
         Cut          cut;
         CountedBytes bytes;
         std::ostream out(&bytes);
         GzipOutput   packed(out);
-        logs.write(packed.stream(), limits, cut);
+        logs.write(packed.stream(), limited, cut);
         packed.finish();
-        if (bytes.count() <= limits.packed_bytes) return limits;
+        if (bytes.count() <= limits.packed_bytes) return limited;
         if (cut.most_kept == 0)
             throw DamagedInput(name + ": also without results, the log is larger than " +
                                std::to_string(limits.packed_bytes) + " bytes");
         double const share =
             static_cast<double>(limits.packed_bytes) / static_cast<double>(bytes.count());
+        constexpr double reserve = 0.97;  // what is left may not be as compressible
         limits.results =
-            static_cast<std::size_t>(static_cast<double>(cut.most_kept) * share * 0.97);
+            static_cast<std::size_t>(static_cast<double>(cut.most_kept) * share * reserve);
     }
 }
 
 void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const& options,
                Streams& streams) {
-    Logs                        logs(sarif, options, streams);
-    auto const                  name = output_name(sarif);
-    std::optional<UploadLimits> limits;
-    if (sarif.has_upload_limits) limits = limits_that_fit(logs, name);
-    Cut        cut;
-    auto const left_out = logs.write(out, limits, cut);
-    report_left_out(left_out, name, streams);
+    Logs                   logs(sarif, options, streams);
+    auto const             name = output_name(sarif);
+    std::optional<Limited> limited;
+    if (sarif.has_upload_limits) limited = what_fits(logs, name);
+    Cut cut;
+    report_left_out(logs.write(out, limited, cut), name, streams);
     if (auto const words = cut.in_words(); !words.empty())
         report(streams.err, name + ": left out what is beyond the limits: " + words);
 }

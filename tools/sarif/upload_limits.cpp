@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <numeric>
 #include <string_view>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 namespace bradep::sarif {
 
@@ -46,13 +45,18 @@ struct Weight {
     auto order() const { return std::tuple(level, rank, -static_cast<std::ptrdiff_t>(number)); }
 };
 
-Weight weight_of(json::object const& result, std::size_t number) {
-    static constexpr std::array<std::string_view, 4> levels = {"none", "note", "warning", "error"};
-    auto const* const                                level = result.if_contains("level");
+constexpr std::array<std::string_view, 4> levels = {"none", "note", "warning", "error"};
+
+// The position in `levels`; behind them for another one.
+std::size_t level_of(json::object const& result) {
+    auto const* const      level = result.if_contains("level");
     std::string_view const name = level && level->is_string() ? level->get_string() : "warning";
-    auto const* const      rank = result.if_contains("rank");
-    return {static_cast<std::size_t>(std::ranges::find(levels, name) - levels.begin()),
-            rank && rank->is_number() ? rank->to_number<double>() : -1.0, number};
+    return static_cast<std::size_t>(std::ranges::find(levels, name) - levels.begin());
+}
+
+Weight weight_of(json::object const& result, std::size_t number) {
+    auto const* const rank = result.if_contains("rank");
+    return {level_of(result), rank && rank->is_number() ? rank->to_number<double>() : -1.0, number};
 }
 
 }  // namespace
@@ -72,15 +76,26 @@ std::string Cut::in_words() const {
     return words;
 }
 
-LimitedRuns::LimitedRuns(LogSource const& all, UploadLimits const& limits, Cut& cut)
-    : all_(all), limits_(limits), cut_(cut) {
-    cut_.runs += all_.runs() - runs();
+std::vector<RunWeight> weights_of(LogSource const& source) {
+    std::vector<RunWeight> weights(source.runs());
+    for (std::size_t run = 0; run < weights.size(); ++run)
+        source.results(run, [&](std::string const&, json::object&& result) {
+            ++weights[run][levels.size() - 1 - std::min(level_of(result), levels.size() - 1)];
+        });
+    return weights;
 }
 
-std::size_t LimitedRuns::runs() const { return std::min(all_.runs(), limits_.runs); }
+std::vector<bool> heaviest(std::vector<RunWeight> const& runs, std::size_t most) {
+    std::vector<std::size_t> order(runs.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::stable_sort(order, std::greater(), [&](std::size_t run) { return runs[run]; });
+    std::vector<bool> kept(runs.size());
+    for (std::size_t i = 0; i < std::min(most, order.size()); ++i) kept[order[i]] = true;
+    return kept;
+}
 
 json::object LimitedRuns::run(std::size_t number) const {
-    auto       run = all_.run(number);
+    auto       run = all_.run(kept_[number]);
     auto const limit_rules = [&](json::object& component) {
         auto* const rules = list_in(component, "rules");
         cut_.rules += cut_list(rules, limits_.rules);
@@ -99,7 +114,7 @@ json::object LimitedRuns::run(std::size_t number) const {
 // Which results of a run matter most.
 std::vector<bool> LimitedRuns::chosen(std::size_t run) const {
     std::vector<Weight> weights;
-    all_.results(run, [&](std::string const&, json::object&& result) {
+    all_.results(kept_[run], [&](std::string const&, json::object&& result) {
         weights.push_back(weight_of(result, weights.size()));
     });
     std::vector<bool> is_chosen(weights.size(), weights.size() <= limits_.results);
@@ -115,7 +130,7 @@ void LimitedRuns::results(std::size_t run, ResultSink const& sink) const {
     auto const kept = std::ranges::count(is_chosen, true);
     cut_.most_kept = std::max(cut_.most_kept, static_cast<std::uint64_t>(kept));
     std::size_t number = 0;
-    all_.results(run, [&](std::string const& key, json::object&& result) {
+    all_.results(kept_[run], [&](std::string const& key, json::object&& result) {
         if (!is_chosen[number++]) {
             ++cut_.results;
             return;

@@ -3,9 +3,11 @@
 
 #include "sarif/log_source.hpp"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bradep::sarif {
@@ -36,14 +38,27 @@ struct Cut {
     std::string in_words() const;
 };
 
-/// Runs without what is beyond the limits: of runs, rules, tags and locations the last ones; of
+/// How many results of a run are errors, warnings, notes and others.
+using RunWeight = std::array<std::size_t, 4>;
+
+/// The weights of the runs, in their order.
+std::vector<RunWeight> weights_of(LogSource const& source);
+
+/// Which `most` runs matter most: those with more errors, then with more warnings and so on, then
+/// the first ones.
+std::vector<bool> heaviest(std::vector<RunWeight> const& runs, std::size_t most);
+
+/// Some runs without what is beyond the limits: of rules, tags and locations the last ones; of
 /// results the least severe, by level and then by rank.
 class LimitedRuns : public LogSource {
 public:
-    /// All arguments must outlive this object. `cut` counts what is left out.
-    LimitedRuns(LogSource const& all, UploadLimits const& limits, Cut& cut);
+    /// Has the runs with the numbers `kept`. The other arguments must outlive this object. `cut`
+    /// counts what is left out of these runs.
+    LimitedRuns(LogSource const& all, std::vector<std::size_t> kept, UploadLimits const& limits,
+                Cut& cut)
+        : all_(all), kept_(std::move(kept)), limits_(limits), cut_(cut) {}
 
-    std::size_t  runs() const override;
+    std::size_t  runs() const override { return kept_.size(); }
     json::object run(std::size_t number) const override;
     void         results(std::size_t run, ResultSink const& sink) const override;
 
@@ -51,9 +66,10 @@ private:
     std::vector<bool> chosen(std::size_t run) const;
     void              trim(json::object& result) const;
 
-    LogSource const&    all_;
-    UploadLimits const& limits_;
-    Cut&                cut_;
+    LogSource const&         all_;
+    std::vector<std::size_t> kept_;
+    UploadLimits const&      limits_;
+    Cut&                     cut_;
 };
 
 }  // namespace bradep::sarif

@@ -72,7 +72,7 @@ void add_runs(sarif::JoinedRuns& runs, SideFiles const& files, DiffOutput& outpu
     for (std::int64_t set = 1; set <= sets.count(); ++set)
         runs.add(std::make_unique<StatedRuns>(
             sarif::runs_of_set(sets, set, options.verify.walk(), SarifOptions().max_result),
-            std::move(states[sets.set(set).name])));
+            states[sets.set(set).name]));
 }
 
 void print_sarif(DiffOutput& output, Options const& options, SideFiles const& olds,

@@ -91,11 +91,10 @@ Action declare_export(CLI::App& app) {
         ->type_name("DIR");
     target->add_option("--ndjson", options->ndjson_directory, "The same of JSON, an object a line")
         ->type_name("DIR");
-    target
-        ->add_option(
-            "--sarif", options->sarif.target,
-            "A SARIF 2.1.0 log of all runs; compressed if it ends with .gz; - is standard output")
-        ->type_name("OUT.sarif");
+    auto* const sarif = target->add_option(
+        "--sarif", options->sarif.target,
+        "A SARIF 2.1.0 log of all runs; compressed if it ends with .gz; - is standard output");
+    sarif->type_name("OUT.sarif");
     target->require_option(1);
     declare_query_options(app, *options);
     app.add_option_function<std::string>(
@@ -103,6 +102,7 @@ Action declare_export(CLI::App& app) {
            "Leave out of the log of --sarif what a service does not take: github, 25,000 results "
            "a run and 10 MB compressed among others. The most severe results stay")
         ->type_name("github")
+        ->needs(sarif)
         ->check(CLI::IsMember({"github"}));
     declare_size(app, "--max-output", options->sarif.max_output,
                  "Bytes of the log that --sarif writes");

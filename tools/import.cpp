@@ -33,14 +33,6 @@ struct Options {
     VerifyOptions            verify;  // for verifying the output
 };
 
-void refuse_overwriting_an_input(Options const& options) {
-    std::error_code error;  // not reported here: opening the file reports it
-    for (auto const& input : options.inputs)
-        if (std::filesystem::is_regular_file(options.output.target, error) &&
-            std::filesystem::equivalent(input, options.output.target, error))
-            throw IoFailure("the output " + options.output.target + " is also an input");
-}
-
 std::string output_name(Options const& options) {
     return options.output.target == "-" ? "standard output" : options.output.target;
 }
@@ -99,7 +91,7 @@ void fill(ResultSet& set, Options const& options, Streams& streams) {
 
 void import_logs(Options const& options, ResultSet& set, Streams& streams) {
     refuse_terminal(options.output, streams);
-    refuse_overwriting_an_input(options);
+    refuse_overwriting_an_input(options.output.target, options.inputs);
     fill(set, options, streams);
     auto const write = [&](std::ostream& out) {
         Progress const progress(streams.err, output_name(options) + ", writing");

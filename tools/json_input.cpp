@@ -63,19 +63,6 @@ char const* kind_name(json::value const& value) {
     throw Misfit{&value, std::string("expected ") + expected + ", found " + kind_name(value)};
 }
 
-std::string escaped_token(std::string_view name) {
-    std::string token;
-    for (char const c : name) {
-        if (c == '~')
-            token += "~0";
-        else if (c == '/')
-            token += "~1";
-        else
-            token += c;
-    }
-    return token;
-}
-
 // Appends the path from `here` to `wanted`. Returns false if `wanted` is not below `here`.
 bool find_path(json::value const& here, json::value const* wanted, std::vector<std::string>& path) {
     if (&here == wanted) return true;
@@ -128,6 +115,19 @@ void more_than_json(std::string const& name, std::string_view text, std::size_t 
 
 void cut_off(std::string const& name, std::string_view text, std::size_t used) {
     fail_at(name, text, used, "the JSON text ends too early");
+}
+
+std::string escaped_token(std::string_view name) {
+    std::string token;
+    for (char const c : name) {
+        if (c == '~')
+            token += "~0";
+        else if (c == '/')
+            token += "~1";
+        else
+            token += c;
+    }
+    return token;
 }
 
 std::optional<std::int64_t> integer(json::value const& value) {

@@ -46,6 +46,9 @@ json::array const*          list(json::value const& object, std::string_view nam
 std::optional<std::string>  text(json::value const& object, std::string_view name);
 std::optional<std::int32_t> number(json::value const& object, std::string_view name);
 
+/// A name as a token of a JSON pointer.
+std::string escaped_token(std::string_view name);
+
 /// The value as an integer, if it is one that is exact: 12 and 12.0 are the same in JSON.
 std::optional<std::int64_t> integer(json::value const& value);
 

@@ -272,4 +272,12 @@ void write_seekable(std::string const& target, std::ostream& standard_output,
         write_file(target, write_whole);
 }
 
+void refuse_overwriting_an_input(std::string const&              target,
+                                 std::vector<std::string> const& inputs) {
+    std::error_code error;  // not reported here: opening the file reports it
+    for (auto const& input : inputs)
+        if (fs::is_regular_file(target, error) && fs::equivalent(input, target, error))
+            throw IoFailure("the output " + target + " is also an input");
+}
+
 }  // namespace bradep

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace bradep {
 
@@ -33,6 +34,9 @@ void create_file(std::filesystem::path const&                             target
 void write_seekable(std::string const& target, std::ostream& standard_output,
                     std::function<void(std::ostream&)> const&    write,
                     std::function<void(std::string_view)> const& check = nullptr);
+
+/// Throws IoFailure if the target is one of the files `inputs`.
+void refuse_overwriting_an_input(std::string const& target, std::vector<std::string> const& inputs);
 
 /// Removes the named temporary file that is being written, if there is one, for a process that is
 /// about to end without unwinding.

@@ -188,10 +188,11 @@ TEST_F(Diff, SarifKeepsRunsOfToolsThatAreGone) {
     EXPECT_EQ(results_of_run(log, 1), "absent one by gone");
     auto const value = boost::json::parse(log);
     EXPECT_EQ(value.at("runs").as_array().size(), 2u);
-    // Only where the rules are its own does a result say which one it is.
-    EXPECT_TRUE(value.at_pointer("/runs/0/results/0").as_object().contains("ruleIndex"));
-    EXPECT_FALSE(value.at_pointer("/runs/0/results/1").as_object().contains("ruleIndex"));
-    EXPECT_TRUE(value.at_pointer("/runs/1/results/0").as_object().contains("ruleIndex"));
+    EXPECT_EQ(value.at_pointer("/runs/0/tool/driver/rules"),
+              boost::json::parse(R"([{"id": "two"}, {"id": "one"}])"));
+    EXPECT_EQ(value.at_pointer("/runs/0/results/0/ruleIndex"), 0);
+    EXPECT_EQ(value.at_pointer("/runs/0/results/1/ruleIndex"), 1);
+    EXPECT_EQ(value.at_pointer("/runs/1/results/0/ruleIndex"), 0);
 }
 
 TEST_F(DiffOfAll, SarifHasKernelChecks) {

@@ -224,6 +224,39 @@ TEST(ExportSarif, WhatOneResultTakesIsLimited) {
                    "what is to be printed is larger than --max-output 1048576");
 }
 
+TEST(ExportSarif, TheSetIsNotOverwritten) {
+    Scratch const scratch;
+    auto const    set = (scratch / "set").string();
+    import_to(set, log_with(R"({"message": {"text": "m"}})"));
+    auto const before = bytes_of(set);
+    auto const done = run_command({"export", set, "--sarif", set});
+    EXPECT_EQ(done.code, 2);
+    EXPECT_EQ(done.err, "bradep: the output " + set + " is also an input\n");
+    EXPECT_EQ(bytes_of(set), before);
+}
+
+TEST(ExportSarif, WhatIsLeftOutOfRulesIsSaid) {
+    Scratch const scratch;
+    import_to(scratch / "set", R"({"version": "2.1.0", "runs": [{"tool": {"driver": {"name": "T",
+        "rules": [{"id": "A", "helpUri": 7}, {"guid": "nonsense"}]}}, "results": [
+        {"ruleIndex": 1, "message": {"text": "m"}}, {"ruleIndex": 0, "message": {"text": "m"}}]}]})");
+    auto const done = exported({scratch / "set"});
+    EXPECT_EQ(done.code, 0);
+    EXPECT_EQ(done.err,
+              "bradep: standard output: left out 3 values that SARIF does not allow, the "
+              "first at /runs/0/tool/driver/rules/0/helpUri\n");
+    auto const log = parsed(done.out);
+    EXPECT_EQ(text_of(log, "/runs/0/tool/driver/rules"), R"([{"id":"A"}])");
+    EXPECT_EQ(text_of(log, "/runs/0/results/1/ruleIndex"), "0");
+    EXPECT_FALSE(log.at_pointer("/runs/0/results/0").as_object().contains("ruleIndex"));
+}
+
+TEST(ExportSarif, LimitsGoWithALog) {
+    auto const done = run_command({"export", "set", "--sqlite", "db", "--limits", "github"});
+    EXPECT_EQ(done.code, 2);
+    EXPECT_NE(done.err.find("--limits requires --sarif"), std::string::npos) << done.err;
+}
+
 TEST(ExportSarif, AFailureLeavesNoFile) {
     Scratch const scratch;
     write_bytes(scratch / "set", "no set");

@@ -68,30 +68,34 @@ TEST(UploadLimits, TheMostSevereResultsStay) {
     }
 }
 
-TEST(UploadLimits, RulesAndTagsAreCut) {
+TEST(UploadLimits, RulesThatResultsHaveStay) {
     GivenRuns const all(R"([
         {"tool": {"driver": {"name": "T", "rules": [
              {"id": "a", "properties": {"tags": ["1", "2", "3"]}}, {"id": "b"}, {"id": "c"}]},
          "extensions": [{"name": "E", "rules": [{"id": "d"}, {"id": "e"}, {"id": "f"}]}]},
-         "results": [{"ruleId": "b", "ruleIndex": 1}, {"ruleId": "c", "ruleIndex": 2}]},
-        {"tool": {"driver": {"name": "U"}}, "results": []}])");
+         "results": [{"ruleId": "c", "ruleIndex": 2, "level": "error"},
+                     {"ruleId": "b", "ruleIndex": 1, "level": "note"},
+                     {"ruleId": "f", "level": "error",
+                      "rule": {"index": 2, "toolComponent": {"index": 0}}},
+                     {"ruleId": "a", "ruleIndex": 0, "level": "error"}]}])");
     UploadLimits    limits;
-    limits.rules = 2;
+    limits.results = 3;
+    limits.rules = 5;
     limits.tags = 1;
     Cut         cut;
     LimitedRuns limited(all, {0}, limits, cut);
-    EXPECT_EQ(limited.runs(), 1u);
     EXPECT_EQ(json::value(limited.run(0)).at("tool"),
               json::parse(R"({"driver": {"name": "T", "rules":
-        [{"id": "a", "properties": {"tags": ["1"]}}, {"id": "b"}]},
-        "extensions": [{"name": "E", "rules": [{"id": "d"}, {"id": "e"}]}]})"));
-    std::vector<json::object> results;
+        [{"id": "a", "properties": {"tags": ["1"]}}, {"id": "c"}]},
+        "extensions": [{"name": "E", "rules": [{"id": "f"}]}]})"));
+    std::vector<std::int64_t> indices;
     limited.results(0, [&](std::string const&, json::object&& result) {
-        results.push_back(std::move(result));
+        json::value const value = result;
+        auto const        pointer = result.contains("rule") ? "/rule/index" : "/ruleIndex";
+        indices.push_back(value.at_pointer(pointer).as_int64());
     });
-    EXPECT_TRUE(results.at(0).contains("ruleIndex"));
-    EXPECT_FALSE(results.at(1).contains("ruleIndex"));
-    EXPECT_EQ(cut.in_words(), "2 rules, 2 tags");
+    EXPECT_EQ(indices, (std::vector<std::int64_t>{1, 0, 0}));
+    EXPECT_EQ(cut.in_words(), "1 result, 3 rules, 2 tags");
 }
 
 TEST(UploadLimits, TheHeaviestRunsStay) {
@@ -124,8 +128,7 @@ TEST(UploadLimits, LocationsAreCut) {
     LimitedRuns limited(all, {0}, limits, cut);
     limited.results(0, [&](std::string const&, json::object&& result) {
         EXPECT_EQ(json::value(result), json::parse(R"({"ruleId": "r", "locations": [{}, {}],
-            "codeFlows": [{"threadFlows": [{"locations": [{}, {}]}, {"locations": [{}]}]},
-                          {"threadFlows": [{"locations": []}]}]})"));
+            "codeFlows": [{"threadFlows": [{"locations": [{}, {}]}, {"locations": [{}]}]}]})"));
     });
     EXPECT_EQ(cut.in_words(), "1 location, 3 flow locations");
 }

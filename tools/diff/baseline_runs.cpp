@@ -1,5 +1,7 @@
 #include "diff/baseline_runs.hpp"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace bradep {
@@ -22,10 +24,41 @@ bool has_results(sarif::LogSource const& source, std::size_t run) {
     return has_some;
 }
 
-// In another run, the same rule may stand elsewhere or not at all.
-void forget_place_of_rule(json::object& result) {
-    result.erase("ruleIndex");
-    result.erase("rule");
+json::object* object_in(json::object* object, std::string_view name) {
+    auto* const value = object ? object->if_contains(name) : nullptr;
+    return value ? value->if_object() : nullptr;
+}
+
+// The driver's rules; null if there are none.
+json::array* rules_in(json::object& run) {
+    auto* const driver = object_in(object_in(&run, "tool"), "driver");
+    auto* const rules = driver ? driver->if_contains("rules") : nullptr;
+    return rules ? rules->if_array() : nullptr;
+}
+
+std::string text_in(json::value const& object, std::string_view name) {
+    auto const* const members = object.if_object();
+    auto const* const value = members ? members->if_contains(name) : nullptr;
+    auto const* const text = value ? value->if_string() : nullptr;
+    return text ? std::string(*text) : std::string();
+}
+
+// The rule of the driver that a result refers to.
+json::value const* rule_of(json::object const& result, json::array const* rules) {
+    auto const* const value = result.if_contains("ruleIndex");
+    auto const* const index = value ? value->if_int64() : nullptr;
+    if (!index || !rules || *index < 0 || std::cmp_greater_equal(*index, rules->size()))
+        return nullptr;
+    return &(*rules)[static_cast<std::size_t>(*index)];
+}
+
+// Adds what the old run's results need of it and the new run does not have.
+void add_base_uris(json::object& run, json::object& old_run) {
+    auto* const olds = object_in(&old_run, "originalUriBaseIds");
+    if (!olds) return;
+    auto& news = run["originalUriBaseIds"];
+    if (!news.is_object()) news.emplace_object();
+    for (auto const& [name, location] : *olds) news.get_object().emplace(name, location);
 }
 
 }  // namespace
@@ -54,7 +87,40 @@ BaselineRuns::BaselineRuns(sarif::LogSource const& olds, sarif::LogSource const&
 }
 
 json::object BaselineRuns::run(std::size_t number) const {
-    return number < news_.runs() ? news_.run(number) : olds_.run(others_[number - news_.runs()]);
+    if (number >= news_.runs()) return olds_.run(others_[number - news_.runs()]);
+    auto run = news_.run(number);
+    if (absent_.contains(number)) add_rules(run, number);
+    return run;
+}
+
+void BaselineRuns::add_rules(json::object& run, std::size_t number) const {
+    Rules&      known = rules_[number];
+    json::array added;
+    auto* const own = rules_in(run);
+    std::size_t count = own ? own->size() : 0;
+    for (std::size_t i = 0; i < count; ++i)
+        known.try_emplace(text_in((*own)[i], "id"), static_cast<std::int64_t>(i));
+    for (std::size_t const old_number : absent_.at(number)) {
+        auto              old_run = olds_.run(old_number);
+        auto const* const old_rules = rules_in(old_run);
+        bool              has_results = false;
+        olds_.results(old_number, [&](std::string const&, json::object&& result) {
+            has_results = true;
+            auto const* const rule = rule_of(result, old_rules);
+            if (!rule) return;
+            auto const [at, is_new] =
+                known.try_emplace(text_in(*rule, "id"), static_cast<std::int64_t>(count));
+            if (!is_new) return;
+            added.push_back(*rule);
+            ++count;
+        });
+        if (has_results) add_base_uris(run, old_run);
+    }
+    if (added.empty()) return;
+    if (own)
+        own->insert(own->end(), added.begin(), added.end());
+    else if (auto* const driver = object_in(object_in(&run, "tool"), "driver"))
+        (*driver)["rules"] = std::move(added);
 }
 
 void BaselineRuns::results(std::size_t run, ResultSink const& sink) const {
@@ -62,11 +128,20 @@ void BaselineRuns::results(std::size_t run, ResultSink const& sink) const {
     news_.results(run, sink);
     auto const absent = absent_.find(run);
     if (absent == absent_.end()) return;
-    for (std::size_t const old_run : absent->second)
+    if (!rules_.contains(run)) this->run(run);
+    Rules const& known = rules_.at(run);
+    for (std::size_t const old_run : absent->second) {
+        auto              old_object = olds_.run(old_run);
+        auto const* const old_rules = rules_in(old_object);
         olds_.results(old_run, [&](std::string const& key, json::object&& result) {
-            forget_place_of_rule(result);
+            auto const* const rule = rule_of(result, old_rules);
+            if (rule)
+                result["ruleIndex"] = known.at(text_in(*rule, "id"));
+            else
+                result.erase("rule");  // of an extension: that may stand elsewhere
             sink(key, std::move(result));
         });
+    }
 }
 
 }  // namespace bradep

@@ -4,6 +4,7 @@
 #include "sarif/log_source.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -33,8 +34,8 @@ private:
 };
 
 /// The runs of the new side. Behind the results of the first run of a tool are those of the old
-/// side's runs of that tool, which are absent. Old runs of tools that have no run follow, if they
-/// have results.
+/// side's runs of that tool, which are absent; rules and base URIs that only these have are added.
+/// Old runs of tools that have no run follow, if they have results.
 class BaselineRuns : public sarif::LogSource {
 public:
     /// The sources must outlive this object. All results of `olds` are absent ones.
@@ -45,10 +46,16 @@ public:
     void                results(std::size_t run, ResultSink const& sink) const override;
 
 private:
+    /// The indices of the driver's rules by their ids.
+    using Rules = std::map<std::string, std::int64_t>;
+
+    void add_rules(sarif::json::object& run, std::size_t number) const;
+
     sarif::LogSource const&                         olds_;
     sarif::LogSource const&                         news_;
     std::map<std::size_t, std::vector<std::size_t>> absent_;  // old runs, by the new run
     std::vector<std::size_t>                        others_;  // old runs
+    mutable std::map<std::size_t, Rules>            rules_;   // of runs with absent results
 };
 
 }  // namespace bradep

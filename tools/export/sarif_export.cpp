@@ -38,7 +38,7 @@ sarif::LeftOut write_limited(std::ostream& out, SarifOptions const& sarif, Add c
         writer.finish();
     } catch (std::ios_base::failure const&) {
         limited.refuse_if_cut(output_name(sarif));
-        throw;
+        if (sarif.target != "-") throw;  // standard output keeps the reason
     }
     return writer.left_out();
 }
@@ -166,6 +166,7 @@ void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Str
         packed.finish();
     };
     if (sarif.target == "-") return write(streams.out);
+    refuse_overwriting_an_input(sarif.target, options.files);
     write_file(sarif.target, write);
 }
 

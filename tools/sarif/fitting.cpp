@@ -83,7 +83,7 @@ private:
     template <class Fits>
     bool below(std::string_view name, Fits const& fits) {
         auto const length = pointer_.size();
-        (pointer_ += '/') += name;
+        (pointer_ += '/') += json_input::escaped_token(name);
         bool const does_fit = fits();
         if (!does_fit) left_out_.add(pointer_);
         pointer_.resize(length);

@@ -83,6 +83,7 @@ ImportedRuns::Rules ImportedRuns::rules_of(std::size_t run) const {
     for (auto form = first; form != last; ++form) numbers.insert(form->second->second_int);
     Rules                                                      rules;
     std::map<std::pair<std::size_t, std::string>, std::size_t> known;
+    std::vector<std::pair<std::size_t, json::value>>           unfit;  // by component
     for (auto const number : numbers) {
         auto const descriptor = fields::descriptor_at(number, set_);
         auto const known_component =
@@ -90,14 +91,19 @@ ImportedRuns::Rules ImportedRuns::rules_of(std::size_t run) const {
         if (known_component == pointers.end()) continue;
         auto const component = known_component->second;
         auto       value = json_.value_of_text(descriptor->text.text.str());
-        LeftOut    left_out;
-        if (!make_fit(value, schema::reporting_descriptor, "", left_out)) continue;
+        LeftOut    not_counted;  // the writer makes them fit, and counts
+        auto       written = value;
+        if (!make_fit(written, schema::reporting_descriptor, "", not_counted)) {
+            unfit.emplace_back(component, std::move(value));
+            continue;
+        }
         auto& list = rules.lists[component];
         auto const [at, is_new] =
-            known.try_emplace({component, json::serialize(value)}, list.size());
+            known.try_emplace({component, json::serialize(written)}, list.size());
         if (is_new) list.push_back(std::move(value));
         rules.places.emplace(number, RuleAt{component, at->second});
     }
+    for (auto& [component, value] : unfit) rules.lists[component].push_back(std::move(value));
     return rules;
 }
 

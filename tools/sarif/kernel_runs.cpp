@@ -125,6 +125,20 @@ std::string uri_of(std::string_view path) {
     return uri;
 }
 
+// Braces around one value are a list for one compiler and that value for another.
+template <class Value>
+json::object with(std::string_view name, Value&& value) {
+    json::object object;
+    object.emplace(name, std::forward<Value>(value));
+    return object;
+}
+
+json::array list_of(json::object one) {
+    json::array list;
+    list.push_back(std::move(one));
+    return list;
+}
+
 json::object region_of(std::int64_t line, std::int64_t column) {
     json::object region;
     if (line > 0) region["startLine"] = line;
@@ -136,7 +150,7 @@ json::object region_of(std::int64_t line, std::int64_t column) {
 json::object location_of(Query const& row, int first) {
     json::object physical;
     if (auto const path = row.text(first); !path.empty())
-        physical["artifactLocation"] = {{"uri", uri_of(path)}};
+        physical["artifactLocation"] = with("uri", uri_of(path));
     auto region = region_of(row.integer(first + 1), row.integer(first + 2));
     if (!region.empty() && !physical.empty()) physical["region"] = std::move(region);
     json::object location;
@@ -252,14 +266,14 @@ private:
         auto const index = std::ranges::lower_bound(rules_, findings_.text(rule));
         result["ruleIndex"] = index - rules_.begin();
         result["level"] = level_of_finding();
-        result["message"] = {{"text", message_of_finding()}};
+        result["message"] = with("text", message_of_finding());
         add_location(result, row);
         add_flow(result, row);
         add_related(result, row);
-        result["partialFingerprints"] = {
-            {"finding/v1", fingerprints_.at(static_cast<std::size_t>(row))}};
+        result["partialFingerprints"] =
+            with("finding/v1", fingerprints_.at(static_cast<std::size_t>(row)));
         if (findings_.integer(suppressed) != 0)
-            result["suppressions"] = {json::object{{"kind", "external"}}};
+            result["suppressions"] = list_of(with("kind", "external"));
         properties_of(result)["key"] = findings_.text(key);
         if (auto const name = findings_.text(class_); !name.empty())
             properties_of(result)["class"] = name;
@@ -284,8 +298,9 @@ private:
         auto       location = location_of(findings_, uri);
         auto const name = functions_.of(row);
         if (!name.empty())
-            location["logicalLocations"] = {json::object{{"name", name}, {"kind", "function"}}};
-        if (!location.empty()) result["locations"] = {std::move(location)};
+            location["logicalLocations"] =
+                list_of(json::object{{"name", name}, {"kind", "function"}});
+        if (!location.empty()) result["locations"] = list_of(std::move(location));
     }
 
     void add_flow(json::object& result, std::int64_t row) {
@@ -294,23 +309,24 @@ private:
             auto location = location_of(event, 3);
             auto said =
                 event.text(6).empty() ? in_words(event.text(1)) : std::string(event.text(6));
-            if (!said.empty()) location["message"] = {{"text", std::move(said)}};
-            json::object step{{"location", std::move(location)}};
+            if (!said.empty()) location["message"] = with("text", std::move(said));
+            json::object step = with("location", std::move(location));
             set_payload(step, event.text(2));
             if (auto const arm = event.text(7); !arm.empty())
-                properties_of(step)["value"] = {{"arm", arm}, {"args", value_of(event.text(8))}};
+                properties_of(step)["value"] =
+                    json::object{{"arm", arm}, {"args", value_of(event.text(8))}};
             steps.push_back(std::move(step));
         });
         if (steps.empty()) return;
-        result["codeFlows"] = {json::object{
-            {"threadFlows", json::array{json::object{{"locations", std::move(steps)}}}}}};
+        auto thread = with("locations", std::move(steps));
+        result["codeFlows"] = list_of(with("threadFlows", list_of(std::move(thread))));
     }
 
     void add_related(json::object& result, std::int64_t row) {
         json::array all;
         infos_.for_each(row, [&](Query const& info) {
             auto location = location_of(info, 3);
-            location["message"] = {{"text", in_words(info.text(1))}};
+            location["message"] = with("text", in_words(info.text(1)));
             set_payload(location, info.text(2));
             all.push_back(std::move(location));
         });
@@ -358,12 +374,13 @@ KernelRuns::KernelRuns(Database& database, std::int64_t set) : database_(databas
 json::object KernelRuns::run(std::size_t) const {
     json::array descriptors;
     for (std::string const& rule : rules_) {
-        json::object descriptor{{"id", rule}};
+        json::object descriptor = with("id", rule);
         if (auto const text = description_of_category(rule); !text.empty())
-            descriptor["shortDescription"] = {{"text", text}};
+            descriptor["shortDescription"] = with("text", text);
         descriptors.push_back(std::move(descriptor));
     }
-    return {{"tool", {{"driver", {{"name", "kernel"}, {"rules", std::move(descriptors)}}}}}};
+    json::object driver{{"name", "kernel"}, {"rules", std::move(descriptors)}};
+    return with("tool", with("driver", std::move(driver)));
 }
 
 void KernelRuns::results(std::size_t, ResultSink const& sink) const {

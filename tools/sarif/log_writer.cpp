@@ -3,6 +3,7 @@
 #include <sml/inspect/text/json_writer.hpp>
 #include "json_input.hpp"
 #include "sarif/schema.hpp"
+#include "signals.hpp"
 
 #include <string>
 #include <utility>
@@ -62,6 +63,7 @@ void LogWriter::add_run(LogSource const& source, std::size_t number) {
     json.open('[');
     std::size_t results = 0;
     source.results(number, [&](std::string const&, json::object&& object) {
+        Interruption::check();
         json::value result = std::move(object);
         if (!make_fit(result, schema::result, pointer + "/results/" + std::to_string(results++),
                       left_out_))

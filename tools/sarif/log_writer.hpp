@@ -14,7 +14,7 @@ public:
     /// The stream must outlive this object.
     explicit LogWriter(std::ostream& out) : out_(out) {}
 
-    /// Adds the runs of a source. Throws OutputEnded if the stream fails.
+    /// Adds the runs of a source. Throws Interrupted, and what the source throws.
     void add(LogSource const& source);
     /// Must be called once, at the end.
     void finish();

@@ -1,5 +1,7 @@
 #include "sarif/upload_limits.hpp"
 
+#include "signals.hpp"
+
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -21,6 +23,18 @@ json::object* object_in(json::object& object, std::string_view name) {
     return value ? value->if_object() : nullptr;
 }
 
+json::object const* object_in(json::object const* object, std::string_view name) {
+    auto const* const value = object ? object->if_contains(name) : nullptr;
+    return value ? value->if_object() : nullptr;
+}
+
+std::optional<std::size_t> index_in(json::object const* object, std::string_view name) {
+    auto const* const value = object ? object->if_contains(name) : nullptr;
+    auto const* const index = value ? value->if_int64() : nullptr;
+    if (!index || *index < 0) return std::nullopt;
+    return static_cast<std::size_t>(*index);
+}
+
 // Leaves the first elements; returns how many others there were.
 std::size_t cut_list(json::array* list, std::size_t most) {
     if (list == nullptr || list->size() <= most) return 0;
@@ -36,6 +50,17 @@ void for_each_object(json::array* list, Use const& use) {
         if (auto* const object = element.if_object()) use(*object);
 }
 
+// Erases the objects of which a list has become empty.
+void erase_if_empty(json::array* objects, std::string_view name) {
+    if (objects == nullptr) return;
+    auto const is_empty = [&](json::value& one) {
+        auto* const object = one.if_object();
+        auto* const list = object ? list_in(*object, name) : nullptr;
+        return list && list->empty();
+    };
+    objects->erase(std::remove_if(objects->begin(), objects->end(), is_empty), objects->end());
+}
+
 /// How much a result matters; greater is more.
 struct Weight {
     std::size_t level;
@@ -49,8 +74,10 @@ constexpr std::array<std::string_view, 4> levels = {"none", "note", "warning", "
 
 // The position in `levels`; behind them for another one.
 std::size_t level_of(json::object const& result) {
-    auto const* const      level = result.if_contains("level");
-    std::string_view const name = level && level->is_string() ? level->get_string() : "warning";
+    auto const* const value = result.if_contains("level");
+    auto const* const text = value ? value->if_string() : nullptr;
+    std::string_view  name = "warning";
+    if (text) name = *text;
     return static_cast<std::size_t>(std::ranges::find(levels, name) - levels.begin());
 }
 
@@ -80,6 +107,7 @@ std::vector<RunWeight> weights_of(LogSource const& source) {
     std::vector<RunWeight> weights(source.runs());
     for (std::size_t run = 0; run < weights.size(); ++run)
         source.results(run, [&](std::string const&, json::object&& result) {
+            Interruption::check();
             ++weights[run][levels.size() - 1 - std::min(level_of(result), levels.size() - 1)];
         });
     return weights;
@@ -95,65 +123,126 @@ std::vector<bool> heaviest(std::vector<RunWeight> const& runs, std::size_t most)
 }
 
 json::object LimitedRuns::run(std::size_t number) const {
-    auto       run = all_.run(kept_[number]);
-    auto const limit_rules = [&](json::object& component) {
-        auto* const rules = list_in(component, "rules");
-        cut_.rules += cut_list(rules, limits_.rules);
-        for_each_object(rules, [&](json::object& rule) {
-            if (auto* const bag = object_in(rule, "properties"))
-                cut_.tags += cut_list(list_in(*bag, "tags"), limits_.tags);
-        });
-    };
-    if (auto* const tool = object_in(run, "tool")) {
-        if (auto* const driver = object_in(*tool, "driver")) limit_rules(*driver);
-        for_each_object(list_in(*tool, "extensions"), limit_rules);
-    }
+    auto        run = all_.run(kept_[number]);
+    Kept const& kept = kept_of(number);
+    auto* const tool = object_in(run, "tool");
+    if (!tool) return run;
+    if (auto* const driver = object_in(*tool, "driver")) keep_rules(*driver, 0, kept);
+    std::size_t component = 0;
+    for_each_object(list_in(*tool, "extensions"),
+                    [&](json::object& extension) { keep_rules(extension, ++component, kept); });
     return run;
 }
 
+void LimitedRuns::keep_rules(json::object& component, std::size_t number, Kept const& kept) const {
+    auto* const rules = list_in(component, "rules");
+    if (!rules) return;
+    if (!kept.has_all_rules) {
+        json::array left;
+        for (std::size_t i = 0; i < rules->size(); ++i)
+            if (kept.rules.contains({number, i})) left.push_back(std::move((*rules)[i]));
+        cut_.rules += rules->size() - left.size();
+        *rules = std::move(left);
+    }
+    for_each_object(rules, [&](json::object& rule) {
+        if (auto* const bag = object_in(rule, "properties"))
+            cut_.tags += cut_list(list_in(*bag, "tags"), limits_.tags);
+    });
+}
+
+std::optional<LimitedRuns::RuleAt> LimitedRuns::rule_of(json::object const& result) {
+    if (auto const index = index_in(&result, "ruleIndex")) return RuleAt{0, *index};
+    auto const* const reference = object_in(&result, "rule");
+    auto const        index = index_in(reference, "index");
+    auto const        component = index_in(object_in(reference, "toolComponent"), "index");
+    if (!index || !component) return std::nullopt;
+    return RuleAt{*component + 1, *index};
+}
+
 // Which results of a run matter most.
-std::vector<bool> LimitedRuns::chosen(std::size_t run) const {
+LimitedRuns::Kept const& LimitedRuns::kept_of(std::size_t run) const {
+    auto const [at, is_new] = kept_of_runs_.try_emplace(run);
+    Kept& kept = at->second;
+    if (!is_new) return kept;
     std::vector<Weight> weights;
     all_.results(kept_[run], [&](std::string const&, json::object&& result) {
+        Interruption::check();
         weights.push_back(weight_of(result, weights.size()));
     });
-    std::vector<bool> is_chosen(weights.size(), weights.size() <= limits_.results);
-    if (weights.size() <= limits_.results) return is_chosen;
-    auto const end = weights.begin() + static_cast<std::ptrdiff_t>(limits_.results);
-    std::ranges::nth_element(weights, end, std::greater(), &Weight::order);
-    for (auto one = weights.begin(); one != end; ++one) is_chosen[one->number] = true;
-    return is_chosen;
+    kept.results.assign(weights.size(), weights.size() <= limits_.results);
+    if (weights.size() > limits_.results) {
+        auto const end = weights.begin() + static_cast<std::ptrdiff_t>(limits_.results);
+        std::ranges::nth_element(weights, end, std::greater(), &Weight::order);
+        for (auto one = weights.begin(); one != end; ++one) kept.results[one->number] = true;
+    }
+    choose_rules(run, kept);
+    return kept;
+}
+
+// The results that are kept have no more rules than a run may have.
+void LimitedRuns::choose_rules(std::size_t run, Kept& kept) const {
+    std::size_t count = 0;
+    auto        given = all_.run(kept_[run]);
+    if (auto* const tool = object_in(given, "tool")) {
+        auto const add = [&](json::object& component) {
+            if (auto const* const rules = list_in(component, "rules")) count += rules->size();
+        };
+        if (auto* const driver = object_in(*tool, "driver")) add(*driver);
+        for_each_object(list_in(*tool, "extensions"), add);
+    }
+    kept.has_all_rules = count <= limits_.rules;
+    if (kept.has_all_rules) return;
+    std::size_t number = 0;
+    all_.results(kept_[run], [&](std::string const&, json::object&& result) {
+        if (!kept.results[number++]) return;
+        if (auto const rule = rule_of(result)) kept.rules.emplace(*rule, 0);
+    });
+    std::size_t component = 0;
+    std::size_t index = 0;
+    for (auto& [rule, new_index] : kept.rules) {
+        if (rule.component != component) index = 0;
+        component = rule.component;
+        new_index = index++;
+    }
 }
 
 void LimitedRuns::results(std::size_t run, ResultSink const& sink) const {
-    auto const is_chosen = chosen(run);
-    auto const kept = std::ranges::count(is_chosen, true);
-    cut_.most_kept = std::max(cut_.most_kept, static_cast<std::uint64_t>(kept));
+    Kept const& kept = kept_of(run);
+    auto const  count = std::ranges::count(kept.results, true);
+    cut_.most_kept = std::max(cut_.most_kept, static_cast<std::uint64_t>(count));
     std::size_t number = 0;
     all_.results(kept_[run], [&](std::string const& key, json::object&& result) {
-        if (!is_chosen[number++]) {
+        if (!kept.results[number++]) {
             ++cut_.results;
             return;
         }
-        trim(result);
+        trim(result, kept);
         sink(key, std::move(result));
     });
 }
 
-void LimitedRuns::trim(json::object& result) const {
-    auto const* const index = result.if_contains("ruleIndex");
-    if (index && index->is_int64() && std::cmp_greater_equal(index->get_int64(), limits_.rules))
-        result.erase("ruleIndex");
+void LimitedRuns::trim(json::object& result, Kept const& kept) const {
+    if (auto const rule = rule_of(result); rule && !kept.has_all_rules) {
+        auto const index = static_cast<std::int64_t>(kept.rules.at(*rule));
+        if (rule->component == 0)
+            result["ruleIndex"] = index;
+        else
+            result["rule"].get_object()["index"] = index;
+    }
     for (std::string_view const name : {"locations", "relatedLocations"})
         cut_.locations += cut_list(list_in(result, name), limits_.locations);
     std::size_t left = limits_.flow_locations;
-    for_each_object(list_in(result, "codeFlows"), [&](json::object& flow) {
-        for_each_object(list_in(flow, "threadFlows"), [&](json::object& thread) {
+    auto* const flows = list_in(result, "codeFlows");
+    for_each_object(flows, [&](json::object& flow) {
+        auto* const threads = list_in(flow, "threadFlows");
+        for_each_object(threads, [&](json::object& thread) {
             auto* const steps = list_in(thread, "locations");
             cut_.flow_locations += cut_list(steps, left);
             if (steps) left -= steps->size();
         });
+        erase_if_empty(threads, "locations");
     });
+    erase_if_empty(flows, "threadFlows");
 }
 
 }  // namespace bradep::sarif

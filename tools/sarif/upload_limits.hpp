@@ -4,8 +4,11 @@
 #include "sarif/log_source.hpp"
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -48,8 +51,8 @@ std::vector<RunWeight> weights_of(LogSource const& source);
 /// the first ones.
 std::vector<bool> heaviest(std::vector<RunWeight> const& runs, std::size_t most);
 
-/// Some runs without what is beyond the limits: of rules, tags and locations the last ones; of
-/// results the least severe, by level and then by rank.
+/// Some runs without what is beyond the limits: of tags and locations the last ones; of results the
+/// least severe, by level and then by rank; of too many rules those that no result has.
 class LimitedRuns : public LogSource {
 public:
     /// Has the runs with the numbers `kept`. The other arguments must outlive this object. `cut`
@@ -63,13 +66,33 @@ public:
     void         results(std::size_t run, ResultSink const& sink) const override;
 
 private:
-    std::vector<bool> chosen(std::size_t run) const;
-    void              trim(json::object& result) const;
+    /// Where a rule stands: in the driver, or in an extension, counted from 1.
+    struct RuleAt {
+        std::size_t component;
+        std::size_t index;
+
+        auto operator<=>(RuleAt const&) const = default;
+    };
+    /// What is kept of a run.
+    struct Kept {
+        std::vector<bool>             results;  // whether each is kept
+        std::map<RuleAt, std::size_t> rules;    // the new indices of those that are kept
+        bool                          has_all_rules = true;
+    };
+
+    static std::optional<RuleAt> rule_of(json::object const& result);
+
+    Kept const& kept_of(std::size_t run) const;
+    void        choose_rules(std::size_t run, Kept& kept) const;
+    void        keep_rules(json::object& component, std::size_t number, Kept const& kept) const;
+    void        trim(json::object& result, Kept const& kept) const;
 
     LogSource const&         all_;
     std::vector<std::size_t> kept_;
     UploadLimits const&      limits_;
     Cut&                     cut_;
+
+    mutable std::map<std::size_t, Kept> kept_of_runs_;
 };
 
 }  // namespace bradep::sarif

@@ -365,31 +365,26 @@ class Run:
             return message
         return message
 
-    def any_component(self, reference, prefers_taxonomies=True):
+    def any_component(self, reference):
         """What a toolComponentReference leads to, which may be a taxonomy."""
         if reference is None:
             return self.driver
-        by_guid = self.component_with("guid", given(reference, "guid"))
-        if by_guid is not None:
-            return by_guid
-        at, name = given(reference, "index"), given(reference, "name")
+        at, name, guid = given(reference, "index"), given(reference, "name"), given(reference, "guid")
         taxonomies = given(self.run, "taxonomies") or []
         taxonomy, extension = at_index(taxonomies, at), at_index(self.extensions, at)
-        is_extension = not prefers_taxonomies or isinstance(name, str) and given(extension, "name") == name
-        if taxonomy is not None and not (is_extension and extension is not None):
+        if taxonomy is not None and not (isinstance(name, str) and given(extension, "name") == name):
             return taxonomy
-        return extension if extension is not None else self.component_with("name", name)
-
-    def component_with(self, key, wanted):
-        taxonomies = given(self.run, "taxonomies")
-        if isinstance(wanted, str):
-            for one in [*(taxonomies if isinstance(taxonomies, list) else []), *self.extensions, self.driver]:
-                if given(one, key) == wanted:
-                    return one
+        if extension is not None:
+            return extension
+        for key, wanted in (("guid", guid), ("name", name)):
+            if isinstance(wanted, str):
+                for one in [*(taxonomies if isinstance(taxonomies, list) else []), *self.extensions, self.driver]:
+                    if given(one, key) == wanted:
+                        return one
         return None
 
     def descriptor(self, reference, lists):
-        component = self.any_component(given(reference, "toolComponent"), "taxa" in lists)
+        component = self.any_component(given(reference, "toolComponent"))
         for name in lists:
             entries = given(component, name)
             found = at_index(entries, given(reference, "index"))

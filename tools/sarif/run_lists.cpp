@@ -33,18 +33,17 @@ json::value const* RunLists::shared(schema::Type const& type, json::value const&
     return list == shared_.end() ? nullptr : indexed(list->second, found(&object, "index"));
 }
 
-json::value const* RunLists::component(json::value const* reference, Prefers prefers) const {
+json::value const* RunLists::component(json::value const* reference) const {
     if (reference == nullptr) return driver_;
-    if (auto const guid = found_text(reference, "guid"))
-        if (auto const known = by_guid_.find(*guid); known != by_guid_.end()) return known->second;
     auto const        name = found_text(reference, "name");
     auto const* const index = found(reference, "index");
     auto const* const taxonomy = indexed(taxonomies_, index);
     auto const* const extension = indexed(extensions_, index);
-    bool const        is_extension =
-        prefers == Prefers::extensions || (name && found_text(extension, "name") == name);
-    if (taxonomy && !(is_extension && extension)) return taxonomy;
+    bool const        is_extension = name && found_text(extension, "name") == name;
+    if (taxonomy && !is_extension) return taxonomy;
     if (extension) return extension;
+    if (auto const guid = found_text(reference, "guid"))
+        if (auto const known = by_guid_.find(*guid); known != by_guid_.end()) return known->second;
     auto const known = name ? by_name_.find(*name) : by_name_.end();
     return known == by_name_.end() ? nullptr : known->second;
 }
@@ -62,9 +61,7 @@ json::value const* RunLists::by_id(json::array const& list, std::string_view id)
 
 Rule RunLists::referred(json::value const&                      reference,
                         std::initializer_list<std::string_view> lists) {
-    bool const        are_taxa = std::ranges::count(lists, "taxa") > 0;
-    auto const* const its_component = component(
-        found(&reference, "toolComponent"), are_taxa ? Prefers::taxonomies : Prefers::extensions);
+    auto const* const its_component = component(found(&reference, "toolComponent"));
     for (auto const name : lists)
         if (auto const* const one =
                 indexed(found_list(its_component, name), found(&reference, "index")))

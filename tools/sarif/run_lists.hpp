@@ -36,15 +36,10 @@ public:
     /// itself are taken from there.
     json::value const* shared(schema::Type const& type, json::value const& object) const;
 
-    /// In which list an index is looked for first.
-    enum class Prefers : std::uint8_t { taxonomies, extensions };
-
-    /// The component that a toolComponentReference refers to; without one, the driver. A known guid
-    /// decides. An index may be one of the taxonomies of the run or of the tool's extensions: it
-    /// is an extension's if that has the name that the reference gives, else that of the list
-    /// that is preferred, if it is long enough.
-    json::value const* component(json::value const* reference,
-                                 Prefers            prefers = Prefers::taxonomies) const;
+    /// The component that a toolComponentReference refers to; without one, the driver. An index may
+    /// be one of the taxonomies of the run or of the tool's extensions: it is that of the list
+    /// where it has the name that the reference gives, else of the first that is long enough.
+    json::value const* component(json::value const* reference) const;
 
     /// What a reportingDescriptorReference refers to, in one of these lists of its component.
     Rule referred(json::value const& reference, std::initializer_list<std::string_view> lists);

@@ -15,6 +15,9 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
+// What names of files have in place of the root.
+std::string const& least_of(MovedRoot const& root) { return std::min(root.before, root.after); }
+
 int digit_of(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -265,6 +268,16 @@ std::string Files::of_new(std::string const& path) const {
     return name_of(path, &MovedRoot::after);
 }
 
+std::vector<std::string> Files::olds_named(std::string const& name) const {
+    Paths paths = {name};
+    for (auto const* const roots : {&given_, &roots_})
+        for (MovedRoot const& root : *roots)
+            if (auto const& least = least_of(root); name.starts_with(least))
+                paths.push_back(root.before + name.substr(least.size()));
+    std::erase_if(paths, [&](std::string const& path) { return of_old(path) != name; });
+    return paths;
+}
+
 std::string Files::moved(std::string const& path) const {
     auto const* const root = root_of(path, &MovedRoot::before);
     return root == nullptr ? path : root->after + path.substr(root->before.size());
@@ -273,7 +286,7 @@ std::string Files::moved(std::string const& path) const {
 std::string Files::name_of(std::string const& path, Part part) const {
     auto const* const root = root_of(path, part);
     if (root == nullptr) return path;
-    return std::min(root->before, root->after) + path.substr((root->*part).size());
+    return least_of(*root) + path.substr((root->*part).size());
 }
 
 // The root that the path is below; null if none that has moved.

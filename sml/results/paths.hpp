@@ -41,6 +41,9 @@ public:
     std::string of_old(std::string const& path) const;
     std::string of_new(std::string const& path) const;
 
+    /// The paths that a file with this name can have on the old side.
+    std::vector<std::string> olds_named(std::string const& name) const;
+
     /// The path that a file of the old side has, or would have, on the new side.
     std::string moved(std::string const& path) const;
 

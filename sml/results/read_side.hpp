@@ -50,6 +50,11 @@ struct SideData : Matched {
     std::uint32_t number_of_rule(std::string_view tool, std::string_view rule) {
         return rules.number_of(std::to_string(tools.number_of(tool)) + ' ' + std::string(rule));
     }
+    /// The rule's id, by a number in `rules`.
+    std::string_view id_of_rule(std::uint32_t number) const {
+        std::string_view const rule = rules.all()[number];
+        return rule.substr(rule.find(' ') + 1);
+    }
     std::uint32_t index_of(std::int64_t set, std::int64_t row) const {
         return firsts[static_cast<std::size_t>(set)] + static_cast<std::uint32_t>(row);
     }

@@ -9,6 +9,7 @@
 #include <map>
 #include <numeric>
 #include <set>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -26,6 +27,7 @@ struct NewSide : SideData {
 
     // By index.
     std::vector<std::uint32_t>     file_of;  // the number in `paths`
+    std::vector<std::uint32_t>     rule_of;  // the number in `rules`
     std::vector<Flagged>           code;
     std::vector<std::vector<Hash>> prints_of;
     std::vector<bool>              is_suppressed;
@@ -60,6 +62,7 @@ public:
         load_gone(names);
         match_with_gone(names, Stages::equal);
         match_open(names, Stages::all);
+        load_gone(names);
         move_functions();
         match_with_gone(names, Stages::all);
         bool const have_moved = !names.paths().roots().empty() || !roots.empty();
@@ -94,6 +97,7 @@ private:
         news_.prints_of.resize(news_.findings.size());
         for (Finding const& one : news_.findings) {
             news_.file_of.push_back(one.file);
+            news_.rule_of.push_back(one.rule);
             news_.code.push_back({one.text, one.surroundings});
         }
         for (Fingerprint const& print : news_.fingerprints)
@@ -141,17 +145,83 @@ private:
         all.insert(all.end(), more.begin(), more.end());
     }
 
-    // Only those whose rule a new finding has. Their indices follow those of the open ones.
+    // Those that a stage could match with a new finding, as far as files have been joined by now.
+    // Their indices follow those of the open ones.
     void load_gone(JoinedNames& names) {
-        for (std::string const& rule : new_rules()) store_.load_gone(rule, gone_);
-        forget_other_texts(gone_, texts_of(news_));
-        names.apply(gone_);
-        auto const first = static_cast<std::uint32_t>(olds_.findings.size());
-        for (Finding& one : gone_.findings) {
+        if (!store_.has_gone()) return;
+        auto ids = gone_ids(names);
+        std::erase_if(ids, [&](std::int64_t id) { return !loaded_.insert(id).second; });
+        StoredSide more;
+        store_.load(ids, more);
+        forget_other_texts(more, texts_of(news_));
+        names.apply(more);
+        auto const first =
+            static_cast<std::uint32_t>(olds_.findings.size() + gone_.findings.size());
+        for (Finding& one : more.findings) {
             one.file = number_now(one.file);
             one.ordinal += first;
         }
-        for (Fingerprint& print : gone_.fingerprints) print.finding += first;
+        for (Fingerprint& print : more.fingerprints) print.finding += first;
+        append(gone_.findings, more.findings);
+        append(gone_.fingerprints, more.fingerprints);
+        append(gone_.ids, more.ids);
+    }
+
+    /// New findings of one file: where those that are gone may have been.
+    struct Nearby {
+        std::set<std::string>      paths;
+        std::set<std::string_view> rules;
+    };
+
+    // In the file, in the function, or in a file that had an equal one: it may have another name.
+    // A file is read with all rules, so that it can be judged whether it has.
+    std::set<std::int64_t> gone_ids(JoinedNames const& names) {
+        std::set<std::int64_t>          ids;
+        std::map<std::uint32_t, Nearby> files;
+        std::set<Hash>                  traces;
+        tables::Statement               function_of(texts_.connection().get(),
+                                                    "SELECT function FROM findings WHERE id = ?");
+        for (std::uint32_t i = 0; i < news_.findings.size(); ++i) {
+            if (!is_new(i)) continue;
+            Nearby& nearby = files[news_.findings[i].file];
+            nearby.rules.insert(rule_id(i));
+            if (auto const trace = trace_of(i); traces.insert(trace).second)
+                for (std::string& path : store_.gone_files(trace))
+                    nearby.paths.insert(std::move(path));
+            function_of.bind(1, std::int64_t{i});
+            if (function_of.step() && !function_of.text(0).empty())
+                store_.add_gone_in_function(function_of.text(0), rule_id(i), ids);
+            function_of.reset();
+        }
+        add_paths(names, files);
+        for (auto const& [file, nearby] : files)
+            for (std::string const& path : nearby.paths)
+                for (std::string_view const rule : nearby.rules)
+                    store_.add_gone_in_file(path, rule, ids);
+        return ids;
+    }
+
+    // Those that the files have in the series.
+    void add_paths(JoinedNames const& names, std::map<std::uint32_t, Nearby>& files) const {
+        auto const add = [&](std::uint32_t file, Nearby& nearby) {
+            for (std::string& path : names.paths().olds_named(names.files()[file]))
+                nearby.paths.insert(std::move(path));
+        };
+        for (auto& [file, nearby] : files) add(file, nearby);
+        for (auto const& [before, now] : renamed_)
+            if (auto const found = files.find(now); found != files.end())
+                add(before, found->second);
+    }
+
+    std::string_view rule_id(std::size_t index) const {
+        return news_.id_of_rule(news_.rule_of[index]);
+    }
+
+    // Findings with one trace can be the same in files with different names.
+    Hash trace_of(std::size_t index) const {
+        Finding const& one = news_.findings[index];
+        return hash_of(
+            {hash_of(rule_id(index)), one.message, one.function, news_.code[index].text});
     }
 
     // Where a function has moved to another file, its findings that are gone have, too.
@@ -174,21 +244,6 @@ private:
 
     std::string const& path_of_new(std::uint32_t index) const {
         return news_.paths.all()[news_.file_of[index]];
-    }
-
-    // In the order of their names.
-    std::set<std::string> new_rules() {
-        std::set<std::string> rules;
-        tables::Statement     rule_of(texts_.connection().get(),
-                                      "SELECT rule FROM findings WHERE id = ?");
-        for (std::size_t i = 0; i < news_.findings.size(); ++i) {
-            if (!is_new(i)) continue;
-            rule_of.bind(1, static_cast<std::int64_t>(i));
-            rule_of.step();
-            rules.emplace(rule_of.text(0));
-            rule_of.reset();
-        }
-        return rules;
     }
 
     // Gives the files of the series the paths of the new side.
@@ -244,8 +299,9 @@ private:
 
     void save_new(std::int64_t run, std::uint32_t index, sqlite3_stmt* columns) {
         Finding const& one = news_.findings[index];
-        Sighting const sighting{one, news_.code[index], news_.prints_of[index], path_of_new(index),
-                                columns};
+        Sighting const sighting{
+            one,    news_.code[index], news_.prints_of[index], trace_of(index), path_of_new(index),
+            columns};
         if (one.has_partner())
             store_.see(id_of(one.partner), sighting);
         else
@@ -266,9 +322,10 @@ private:
 
     SeriesStore&             store_;
     std::atomic<bool> const& is_interrupted_;
-    DiffStore                texts_;  // of the run
-    StoredSide               olds_;   // the open findings
-    StoredSide               gone_;   // those that may have come back
+    DiffStore                texts_;   // of the run
+    StoredSide               olds_;    // the open findings
+    StoredSide               gone_;    // those that may have come back; without names
+    std::set<std::int64_t>   loaded_;  // their ids
     NewSide                  news_;
     RunCounts                counts_;
     // The numbers of files that have another name, and the number that both names have.

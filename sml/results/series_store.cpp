@@ -17,13 +17,13 @@ namespace {
 constexpr int application_id = 0x62645431;
 // Changes with the tables, and with what the hashes in `identities` are made of: findings could
 // not be found again by hashes that were made otherwise.
-constexpr int version = 1;
+constexpr int version = 2;
 
 using Columns = std::vector<std::string>;
 
 // Of a finding: what matching needs and no other column says.
 Columns const& own_columns() {
-    static Columns const names = {"file", "flow", "code", "fingerprints"};
+    static Columns const names = {"file", "flow", "code", "fingerprints", "trace"};
     return names;
 }
 
@@ -62,14 +62,17 @@ std::string tables_sql() {
            "CREATE TABLE identities (\n"
            "  id INTEGER PRIMARY KEY, first_run INTEGER NOT NULL, gone_run INTEGER,\n"
            "  file INTEGER NOT NULL, flow BLOB, code BLOB, fingerprints BLOB,\n"
+           "  trace BLOB NOT NULL,\n"
            "  tool TEXT, tool_version TEXT, rule TEXT, level TEXT, kind TEXT, message TEXT,\n"
            "  category TEXT, uri TEXT, line INTEGER, \"column\" INTEGER, function TEXT, class "
            "TEXT,\n"
            "  suppressed INTEGER NOT NULL, payload TEXT);\n"
            "CREATE INDEX identities_open ON identities (gone_run) WHERE gone_run IS NULL;\n"
-           "CREATE INDEX identities_gone ON identities (ifnull(rule, ''))\n"
+           "CREATE INDEX identities_gone_file ON identities (file, ifnull(rule, ''))\n"
            "  WHERE gone_run IS NOT NULL;\n"
-           "CREATE INDEX identities_gone_function ON identities (function)\n"
+           "CREATE INDEX identities_gone_function ON identities (function, ifnull(rule, ''))\n"
+           "  WHERE gone_run IS NOT NULL;\n"
+           "CREATE INDEX identities_gone_trace ON identities (trace, file)\n"
            "  WHERE gone_run IS NOT NULL;\n"
            "CREATE TABLE gaps (\n"
            "  id INTEGER NOT NULL, gone_run INTEGER NOT NULL, back_run INTEGER NOT NULL,\n"
@@ -89,6 +92,10 @@ std::string load_sql(char const* condition) {
            " FROM identities JOIN files USING (file) WHERE " +
            std::string(condition) + " ORDER BY id";
 }
+
+// Of the findings that are gone and have one trace. What is in very many files says nothing.
+constexpr std::size_t most_looked_at = 1000;
+constexpr std::size_t most_files = 16;
 
 // Hashes as bytes, the same on every machine.
 constexpr std::size_t bytes_of_hash = 16;
@@ -176,6 +183,14 @@ void add_all_to_side(Statement& rows, StoredSide& side) {
     rows.reset();
 }
 
+void add_ids(Statement& rows, std::string_view place, std::string_view rule_id,
+             std::set<std::int64_t>& ids) {
+    rows.bind(1, place);
+    rows.bind(2, rule_id);
+    while (rows.step()) ids.insert(rows.integer(0));
+    rows.reset();
+}
+
 }  // namespace
 
 struct SeriesStore::Statements {
@@ -192,7 +207,18 @@ struct SeriesStore::Statements {
                " (SELECT function, file FROM identities WHERE id = ?2)"),
           find_file(connection, "SELECT min(file) FROM files WHERE path = ?"),
           add_file(connection, "INSERT INTO files (path) VALUES (?) RETURNING file"),
-          load_gone(connection, load_sql("gone_run IS NOT NULL AND ifnull(rule, '') = ?")) {}
+          gone_in_file(connection, gone_sql("file IN (SELECT file FROM files WHERE path = ?)")),
+          gone_in_function(connection, gone_sql("function = ?")),
+          gone_files(connection,
+                     "SELECT DISTINCT path FROM (SELECT file FROM identities WHERE trace = ?"
+                     " AND gone_run IS NOT NULL LIMIT " +
+                         std::to_string(most_looked_at) + ") JOIN files USING (file)"),
+          load_one(connection, load_sql("id = ?")) {}
+
+    static std::string gone_sql(std::string const& condition) {
+        return "SELECT id FROM identities WHERE gone_run IS NOT NULL AND " + condition +
+               " AND ifnull(rule, '') = ?";
+    }
 
     // What is as it was need not be written.
     static std::string see_sql() {
@@ -203,7 +229,8 @@ struct SeriesStore::Statements {
                std::to_string(parameter_behind_sighting()) + " AND " + before + " IS NOT " + after;
     }
 
-    Statement add, see, gone, gap, back, move, find_file, add_file, load_gone;
+    Statement add, see, gone, gap, back, move, find_file, add_file, gone_in_file, gone_in_function,
+        gone_files, load_one;
 
     // The texts must live until the statement has run.
     static void bind_blob(Statement& statement, int parameter, std::string const& bytes) {
@@ -222,7 +249,7 @@ struct SeriesStore::Statements {
         Flagged const&   code = sighting.code;
         std::array const blobs = {hashes(sighting.finding.flow, {sighting.finding.flow}),
                                   hashes(code.text, {code.text, code.surroundings}),
-                                  bytes_of(sighting.fingerprints)};
+                                  bytes_of(sighting.fingerprints), bytes_of({sighting.trace})};
         int              parameter = 0;
         statement.bind(++parameter, file);
         for (std::string const& blob : blobs) bind_blob(statement, ++parameter, blob);
@@ -299,10 +326,37 @@ void SeriesStore::load_open(StoredSide& side) {
     add_all_to_side(rows, side);
 }
 
-void SeriesStore::load_gone(std::string_view rule_id, StoredSide& side) {
-    auto& rows = statements_->load_gone;
-    rows.bind(1, rule_id);
-    add_all_to_side(rows, side);
+bool SeriesStore::has_gone() {
+    return number_of(connection_,
+                     "SELECT EXISTS (SELECT 1 FROM identities WHERE gone_run IS NOT NULL)") != 0;
+}
+
+void SeriesStore::add_gone_in_file(std::string_view path_of_file, std::string_view rule_id,
+                                   std::set<std::int64_t>& ids) {
+    add_ids(statements_->gone_in_file, path_of_file, rule_id, ids);
+}
+
+void SeriesStore::add_gone_in_function(std::string_view name, std::string_view rule_id,
+                                       std::set<std::int64_t>& ids) {
+    add_ids(statements_->gone_in_function, name, rule_id, ids);
+}
+
+std::vector<std::string> SeriesStore::gone_files(Hash const& trace) {
+    auto&             rows = statements_->gone_files;
+    std::string const bytes = bytes_of({trace});
+    Statements::bind_blob(rows, 1, bytes);
+    std::vector<std::string> paths;
+    while (rows.step()) paths.emplace_back(rows.text(0));
+    rows.reset();
+    if (paths.size() > most_files) paths.clear();
+    return paths;
+}
+
+void SeriesStore::load(std::set<std::int64_t> const& ids, StoredSide& side) {
+    for (std::int64_t const one : ids) {
+        statements_->load_one.bind(1, one);
+        add_all_to_side(statements_->load_one, side);
+    }
 }
 
 std::int64_t SeriesStore::file_of(std::string_view path_of_file) {

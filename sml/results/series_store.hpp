@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -41,6 +42,7 @@ struct Sighting {
     Finding const&    finding;
     Flagged           code;  ///< that of the finding may be forgotten
     std::vector<Hash> fingerprints;
+    Hash              trace;    ///< by which it can be found in whatever file
     std::string_view  path;     ///< of its file
     sqlite3_stmt*     columns;  ///< at a row of `SeriesStore::columns()`
 };
@@ -73,8 +75,17 @@ public:
 
     /// The open findings.
     void load_open(StoredSide& side);
-    /// The findings that are gone, of this rule of any tool.
-    void load_gone(std::string_view rule, StoredSide& side);
+    /// Whether any finding is gone.
+    bool has_gone();
+    // The findings that are gone, of this rule of any tool, in a file or in a function.
+    void add_gone_in_file(std::string_view path, std::string_view rule,
+                          std::set<std::int64_t>& ids);
+    void add_gone_in_function(std::string_view function, std::string_view rule,
+                              std::set<std::int64_t>& ids);
+    /// The files in which findings with this trace are gone; none if they are many.
+    std::vector<std::string> gone_files(Hash const& trace);
+    /// The findings with these ids, in their order.
+    void load(std::set<std::int64_t> const& ids, StoredSide& side);
 
     /// The columns of a finding that are kept as they are, of DiffStore's table `findings`.
     static std::vector<std::string> const& columns();

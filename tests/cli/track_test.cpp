@@ -160,7 +160,7 @@ TEST_F(TrackOfThreeRuns, SeriesOfAnotherVersionIsRefused) {
         auto const refused = track(arguments);
         EXPECT_EQ(refused.code, 1);
         EXPECT_EQ(refused.err,
-                  "bradep: " + database() + ": is a series of version 7, not of version 1\n");
+                  "bradep: " + database() + ": is a series of version 7, not of version 2\n");
     }
     EXPECT_EQ(stats({}).code, 1);
     EXPECT_EQ(bytes_of(database()), before);

@@ -50,7 +50,10 @@ struct SideData : Matched {
     std::uint32_t number_of_rule(std::string_view tool, std::string_view rule) {
         return rules.number_of(std::to_string(tools.number_of(tool)) + ' ' + std::string(rule));
     }
-    /// The rule's id, by a number in `rules`.
+    // The parts of a rule, by its number in `rules`.
+    std::string const& tool_of_rule(std::uint32_t number) const {
+        return tools.all()[std::stoul(rules.all()[number])];
+    }
     std::string_view id_of_rule(std::uint32_t number) const {
         std::string_view const rule = rules.all()[number];
         return rule.substr(rule.find(' ') + 1);

@@ -35,6 +35,8 @@ struct NewSide : SideData {
 };
 
 class Adding {
+    using Numbers = std::vector<std::uint32_t>;
+
 public:
     Adding(SeriesStore& store, std::atomic<bool> const& is_interrupted)
         : store_(store), is_interrupted_(is_interrupted), texts_("") {}
@@ -53,6 +55,9 @@ public:
         store_.load_open(olds_);
         if (!olds_.findings.empty()) forget_texts_of_one_side(olds_, news_);
         JoinedNames names(olds_, news_, roots);
+        series_tools_ = store_.tools();
+        other_olds_ = names.rules_of(olds_, series_tools_);
+        other_news_ = names.rules_of(news_, series_tools_);
         names.apply(olds_);
         names.apply(news_);
         // No finding of the series has this rule.
@@ -71,6 +76,7 @@ public:
 
     RunCounts save(Run const& run) {
         std::int64_t const number = store_.last_run() + 1;
+        store_.add_tools(news_.tools.all());
         save_olds(number);
         // Also for findings that are gone as of this run.
         for (auto const& [id, path] : moved_) store_.move_function(id, path);
@@ -130,6 +136,7 @@ private:
     // As if the findings that are gone were open.
     void match_with_gone(JoinedNames const& names, Stages stages) {
         if (gone_.findings.empty()) return;
+        exchange_rules();
         auto const open = static_cast<std::ptrdiff_t>(olds_.findings.size());
         auto const prints = olds_.fingerprints.size();
         append(olds_.findings, gone_.findings);
@@ -138,6 +145,16 @@ private:
         gone_.findings.assign(olds_.findings.begin() + open, olds_.findings.end());
         olds_.findings.resize(static_cast<std::size_t>(open));
         olds_.fingerprints.resize(prints);
+        exchange_rules();
+    }
+
+    // A tool may have got another name if no open finding is of the new one. A finding that is gone
+    // can only be of the new one if no run ever had it.
+    void exchange_rules() {
+        for (auto const& [side, rules] :
+             {std::pair<SideData&, Numbers&>(olds_, other_olds_), {news_, other_news_}})
+            for (std::size_t i = 0; i < rules.size(); ++i)
+                std::swap(side.findings[i].rule, rules[i]);
     }
 
     template <class Values>
@@ -154,7 +171,9 @@ private:
         StoredSide more;
         store_.load(ids, more);
         forget_other_texts(more, texts_of(news_));
+        auto const rules = names.rules_of(more, series_tools_);
         names.apply(more);
+        for (std::size_t i = 0; i < rules.size(); ++i) more.findings[i].rule = rules[i];
         auto const first =
             static_cast<std::uint32_t>(olds_.findings.size() + gone_.findings.size());
         for (Finding& one : more.findings) {
@@ -322,8 +341,11 @@ private:
 
     SeriesStore&             store_;
     std::atomic<bool> const& is_interrupted_;
-    DiffStore                texts_;   // of the run
-    StoredSide               olds_;    // the open findings
+    DiffStore                texts_;         // of the run
+    StoredSide               olds_;          // the open findings
+    std::vector<std::string> series_tools_;  // of all runs
+    Numbers                  other_olds_;    // the rules with which gone ones are compared
+    Numbers                  other_news_;
     StoredSide               gone_;    // those that may have come back; without names
     std::set<std::int64_t>   loaded_;  // their ids
     NewSide                  news_;

@@ -59,6 +59,7 @@ std::string tables_sql() {
            "CREATE INDEX runs_by_digest ON runs (digest);\n"
            "CREATE TABLE files (file INTEGER PRIMARY KEY, path TEXT NOT NULL);\n"
            "CREATE INDEX files_by_path ON files (path);\n"
+           "CREATE TABLE tools (tool TEXT PRIMARY KEY) WITHOUT ROWID;\n"
            "CREATE TABLE identities (\n"
            "  id INTEGER PRIMARY KEY, first_run INTEGER NOT NULL, gone_run INTEGER,\n"
            "  file INTEGER NOT NULL, flow BLOB, code BLOB, fingerprints BLOB,\n"
@@ -326,6 +327,13 @@ void SeriesStore::load_open(StoredSide& side) {
     add_all_to_side(rows, side);
 }
 
+std::vector<std::string> SeriesStore::tools() {
+    std::vector<std::string> names;
+    Statement                rows(connection_.get(), "SELECT tool FROM tools");
+    while (rows.step()) names.emplace_back(rows.text(0));
+    return names;
+}
+
 bool SeriesStore::has_gone() {
     return number_of(connection_,
                      "SELECT EXISTS (SELECT 1 FROM identities WHERE gone_run IS NOT NULL)") != 0;
@@ -372,6 +380,14 @@ std::int64_t SeriesStore::file_of(std::string_view path_of_file) {
         if (known->second != 0) break;
     }
     return known->second;
+}
+
+void SeriesStore::add_tools(std::vector<std::string> const& names) {
+    Statement add_one(connection_.get(), "INSERT OR IGNORE INTO tools VALUES (?)");
+    for (std::string const& name : names) {
+        add_one.bind(1, std::string_view(name));
+        run(add_one);
+    }
 }
 
 void SeriesStore::add(std::int64_t first_run, Sighting const& sighting) {

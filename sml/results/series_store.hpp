@@ -47,7 +47,7 @@ struct Sighting {
     sqlite3_stmt*     columns;  ///< at a row of `SeriesStore::columns()`
 };
 
-/// Tables `runs`, `identities`, `gaps` and `files`, and the view `findings`; docs/track.md
+/// Tables `runs`, `identities`, `gaps`, `files` and `tools`, and the view `findings`; docs/track.md
 /// describes them. Members throw tables::SqlError.
 class SeriesStore {
 public:
@@ -75,6 +75,9 @@ public:
 
     /// The open findings.
     void load_open(StoredSide& side);
+    /// The tools of all runs.
+    std::vector<std::string> tools();
+
     /// Whether any finding is gone.
     bool has_gone();
     // The findings that are gone, of this rule of any tool, in a file or in a function.
@@ -92,6 +95,7 @@ public:
     /// The same for a statement.
     static std::string columns_sql();
 
+    void add_tools(std::vector<std::string> const& names);
     void add(std::int64_t run, Sighting const& sighting);
     void see(std::int64_t id, Sighting const& sighting);
     void note_gone(std::int64_t id, std::int64_t run);

@@ -255,6 +255,39 @@ TEST_F(Track, FindingThatIsGoneMovesWithItsFile) {
     EXPECT_EQ(ids("returned").size(), 2u);
 }
 
+std::string log_of_tools(std::vector<std::string> const& tools) {
+    std::string runs;
+    for (std::string const& tool : tools)
+        runs += (runs.empty() ? "" : ", ") + (R"({"tool": {"driver": {"name": ")" + tool) +
+                R"("}}, "results": [)" + finding("r", "m", 5) + "]}";
+    return R"({"version": "2.1.0", "runs": [)" + runs + "]}";
+}
+
+TEST_F(Track, FindingThatIsGoneBelongsToItsTool) {
+    int        number = 0;
+    auto const add = [&](std::vector<std::string> const& tools) {
+        auto const name = scratch_ / std::to_string(++number);
+        write_bytes(name, log_of_tools(tools));
+        printed({name, "--again"});
+    };
+    add({"A", "B"});
+    add({});
+    add({"B"});
+    EXPECT_EQ(ids("open"), "2 ");
+    add({});
+    add({"C"});  // a new name of either
+    EXPECT_EQ(ids("returned").size(), 2u);
+}
+
+TEST_F(Track, ToolMayGetItsOldNameBack) {
+    for (char const* const tool : {"A", "B", "A "}) {
+        std::string const name = scratch_ / tool;
+        write_bytes(name, log_of_tools({std::string(tool, 1)}));
+        printed({name, "--again"});
+    }
+    EXPECT_EQ(ids("all"), "1 ");
+}
+
 // What is equal to a finding that is gone is that one, not a changed one that is open.
 TEST_F(Track, EqualFindingComesBackBeforeChangedOnesAreMatched) {
     auto const with_text = [](std::string const& message, int line) {

@@ -80,6 +80,10 @@ void set_payload(Finding& one, std::string_view payload);
 void read_side(tables::ResultSets const& sets, tables::Database& database,
                std::vector<FlaggedByForm> const& flagged, SideData& side, DiffStore& store);
 
+/// Leaves out findings, and the rules, tools and files that only these have. `index_of` has no
+/// meaning then.
+void erase_findings(SideData& side, std::vector<bool> const& is_erased);
+
 /// Looks for the flagged lines in the sources below a directory.
 void read_sources(std::string const& directory, SideData& side);
 

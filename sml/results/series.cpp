@@ -31,7 +31,7 @@ struct NewSide : SideData {
     std::vector<Flagged>           code;
     std::vector<std::vector<Hash>> prints_of;
     std::vector<bool>              is_suppressed;
-    std::vector<bool>              is_left_out;  // absent
+    std::vector<std::int64_t>      ids;  // in the texts
 };
 
 class Adding {
@@ -46,8 +46,8 @@ public:
         read_side(*input.sets, database, input.flagged, news_, texts_);
         if (input.sources) read_sources(*input.sources, news_);
         add_flows(database);
-        keep();
         read_states();
+        keep();
     }
 
     // What is equal comes first, also with findings that are gone.
@@ -60,9 +60,6 @@ public:
         other_news_ = names.rules_of(news_, series_tools_);
         names.apply(olds_);
         names.apply(news_);
-        // No finding of the series has this rule.
-        for (std::size_t i = 0; i < news_.findings.size(); ++i)
-            if (news_.is_left_out[i]) news_.findings[i].rule = Finding::none;
         match_open(names, Stages::equal);
         load_gone(names);
         match_with_gone(names, Stages::equal);
@@ -111,21 +108,22 @@ private:
         for (auto& prints : news_.prints_of) std::ranges::sort(prints);
     }
 
+    // What a log says is absent is not there. The texts have the indices as ids.
     void read_states() {
-        news_.is_suppressed.resize(news_.findings.size());
-        news_.is_left_out.resize(news_.findings.size());
+        std::vector<bool> is_absent;
         tables::Statement states(texts_.connection().get(),
-                                 "SELECT id, suppressed, baseline_state IS 'absent' FROM findings");
+                                 "SELECT id, suppressed, baseline_state IS 'absent' FROM findings"
+                                 " ORDER BY id");
         while (states.step()) {
-            auto const index = static_cast<std::size_t>(states.integer(0));
-            news_.is_suppressed[index] = states.integer(1) != 0;
-            news_.is_left_out[index] = states.integer(2) != 0;
+            is_absent.push_back(states.integer(2) != 0);
+            if (is_absent.back()) continue;
+            news_.ids.push_back(states.integer(0));
+            news_.is_suppressed.push_back(states.integer(1) != 0);
         }
+        if (news_.ids.size() < is_absent.size()) erase_findings(news_, is_absent);
     }
 
-    bool is_new(std::size_t index) const {
-        return !news_.is_left_out[index] && !news_.findings[index].has_partner();
-    }
+    bool is_new(std::size_t index) const { return !news_.findings[index].has_partner(); }
 
     void match_open(JoinedNames const& names, Stages stages) {
         for (auto const& [older, newer] : match(olds_, news_, names.files(), stages))
@@ -207,7 +205,7 @@ private:
             if (auto const trace = trace_of(i); traces.insert(trace).second)
                 for (std::string& path : store_.gone_files(trace))
                     nearby.paths.insert(std::move(path));
-            function_of.bind(1, std::int64_t{i});
+            function_of.bind(1, news_.ids[i]);
             if (function_of.step() && !function_of.text(0).empty())
                 store_.add_gone_in_function(function_of.text(0), rule_id(i), ids);
             function_of.reset();
@@ -308,8 +306,7 @@ private:
             texts_.connection().get(),
             "SELECT " + SeriesStore::columns_sql() + " FROM findings WHERE id = ?");
         for (std::uint32_t const index : order) {
-            if (news_.is_left_out[index]) continue;
-            columns.bind(1, std::int64_t{index});
+            columns.bind(1, news_.ids[index]);
             columns.step();
             save_new(run, index, columns.get());
             columns.reset();

@@ -223,6 +223,33 @@ TEST_F(Track, AbsentFindingsAreNotThere) {
     EXPECT_EQ(ids("new"), "2 ");
 }
 
+// Its file and its root are not there either.
+TEST_F(Track, AbsentFindingsHaveNoPartInWhatHasMoved) {
+    auto const three = [](std::string const& uri, std::string const& more) {
+        std::string all;
+        for (char const* const rule : {"r", "s", "t"}) {
+            all += (all.empty() ? "" : ", ") + finding(rule, "m", 5, more);
+            all.replace(all.rfind("src/a.c"), 7, uri);
+        }
+        return all;
+    };
+    int        number = 0;
+    auto const add = [&](std::vector<std::string> const& before,
+                         std::vector<std::string> const& now) {
+        std::string all;
+        for (std::string const& uri : now) all += (all.empty() ? "" : ", ") + three(uri, "");
+        for (std::string const& uri : before)
+            all += ", " + three(uri, R"(, "baselineState": "absent")");
+        return printed({log(std::to_string(++number), all)}).substr(7, 43);
+    };
+    EXPECT_EQ(add({}, {"a.c"}), "3 open, 3 new, 0 returned, 0 fixed, 0 suppr");
+    EXPECT_EQ(add({"a.c"}, {"b.c"}), "3 open, 0 new, 0 returned, 0 fixed, 0 suppr");
+    fs::remove_all(series_);
+    add({}, {"/old/a.c", "/old/b.c"});
+    EXPECT_EQ(add({"/old/a.c", "/old/b.c"}, {"/new/a.c", "/new/b.c"}),
+              "6 open, 0 new, 0 returned, 0 fixed, 0 suppr");
+}
+
 TEST_F(Track, DirectoryIsOneRun) {
     fs::create_directory(scratch_ / "night");
     log("night/a", finding("r", "a", 1));

@@ -242,6 +242,26 @@ std::vector<MovedRoot> moved_roots(Paths const& all_olds, Paths const& all_news)
     return roots;
 }
 
+std::vector<MovedRoot> roots_to_move(std::vector<MovedRoot> const& given, Paths const& olds,
+                                     Paths const& news) {
+    auto const has = [](Paths const& paths, std::string const& part, std::string const& other) {
+        return std::ranges::any_of(paths, [&](std::string const& path) {
+            bool const is_below_other = other.size() > part.size() && path.starts_with(other);
+            return path.starts_with(part) && !is_below_other;
+        });
+    };
+    auto const is_there_alone = [&](Paths const& paths, std::string const& part,
+                                    std::string const& other) {
+        return has(paths, part, other) && !has(paths, other, part);
+    };
+    auto roots = given;
+    std::erase_if(roots, [&](MovedRoot const& root) {
+        return is_there_alone(olds, root.after, root.before) ||
+               is_there_alone(news, root.before, root.after);
+    });
+    return roots;
+}
+
 Files::Files(Paths olds, Paths news, std::vector<MovedRoot> const& given) : given_(given) {
     std::ranges::stable_sort(given_, std::ranges::greater(),
                              [](MovedRoot const& root) { return root.before.size(); });

@@ -29,6 +29,13 @@ MovedRoot moved_root_of(std::string_view before, std::string_view after);
 std::vector<MovedRoot> moved_roots(std::vector<std::string> const& olds,
                                    std::vector<std::string> const& news);
 
+/// The given roots without those that cannot have moved between both sides: the old side has paths
+/// below `after` and none below `before`, or the new one has it the other way round. A path that is
+/// below both counts for the longer one.
+std::vector<MovedRoot> roots_to_move(std::vector<MovedRoot> const&   given,
+                                     std::vector<std::string> const& olds,
+                                     std::vector<std::string> const& news);
+
 /// Names files so that those of both sides can be compared.
 class Files {
 public:

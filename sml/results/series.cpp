@@ -51,7 +51,10 @@ public:
     }
 
     // What is equal comes first, also with findings that are gone.
-    void match_all(std::vector<MovedRoot> const& roots) {
+    void match_all(std::vector<MovedRoot> const& given) {
+        // A root that had moved before moves nothing, also if all findings below it are gone.
+        auto const roots =
+            given.empty() ? given : roots_to_move(given, store_.paths(), news_.paths.all());
         store_.load_open(olds_);
         if (!olds_.findings.empty()) forget_texts_of_one_side(olds_, news_);
         JoinedNames names(olds_, news_, roots);

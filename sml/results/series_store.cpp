@@ -132,6 +132,13 @@ std::int64_t number_of(Connection& connection, char const* sql) {
     return statement.step() ? statement.integer(0) : 0;
 }
 
+std::vector<std::string> texts_of(Connection& connection, char const* sql) {
+    std::vector<std::string> texts;
+    Statement                rows(connection.get(), sql);
+    while (rows.step()) texts.emplace_back(rows.text(0));
+    return texts;
+}
+
 void run(Statement& statement) {
     statement.step();
     statement.reset();
@@ -327,11 +334,12 @@ void SeriesStore::load_open(StoredSide& side) {
     add_all_to_side(rows, side);
 }
 
+std::vector<std::string> SeriesStore::paths() {
+    return texts_of(connection_, "SELECT DISTINCT path FROM files");
+}
+
 std::vector<std::string> SeriesStore::tools() {
-    std::vector<std::string> names;
-    Statement                rows(connection_.get(), "SELECT tool FROM tools");
-    while (rows.step()) names.emplace_back(rows.text(0));
-    return names;
+    return texts_of(connection_, "SELECT tool FROM tools");
 }
 
 bool SeriesStore::has_gone() {

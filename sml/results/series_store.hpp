@@ -75,6 +75,8 @@ public:
 
     /// The open findings.
     void load_open(StoredSide& side);
+    /// The paths of all findings.
+    std::vector<std::string> paths();
     /// The tools of all runs.
     std::vector<std::string> tools();
 

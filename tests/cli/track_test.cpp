@@ -364,6 +364,27 @@ TEST_F(Track, RootThatHasMovedIsGiven) {
     EXPECT_EQ(ids("all"), "1 ");
 }
 
+TEST_F(Track, RootThatHasMovedCanBeGivenAgain) {
+    auto const at = [](std::string const& uri, int line) {
+        std::string one = finding("r", "m" + std::to_string(line), line);
+        return one.replace(one.find("src/a.c"), 7, uri);
+    };
+    auto const add = [&](std::string const& name, std::string const& results,
+                         std::vector<std::string> const& more) {
+        std::vector<std::string> arguments = {log(name, results)};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return printed(arguments).substr(7, 36);
+    };
+    std::vector<std::string> const moved = {"--again", "--map", "/a=/b/sub"};
+    std::string                    news;
+    for (int line : {10, 20, 30, 40}) news += ", " + at("/b/sub/x.c", line);
+    add("1", at("/a/x.c", 1), {});
+    EXPECT_EQ(add("2", at("/b/sub/x.c", 1), moved), "1 open, 0 new, 0 returned, 0 fixed, ");
+    EXPECT_EQ(add("3", at("/b/sub/x.c", 1) + news, moved), "5 open, 4 new, 0 returned, 0 fixed, ");
+    EXPECT_EQ(add("4", "", moved), "0 open, 0 new, 0 returned, 5 fixed, ");
+    EXPECT_EQ(add("5", at("/b/sub/x.c", 1), moved), "1 open, 0 new, 1 returned, 0 fixed, ");
+}
+
 // A kernel's checks have no message: a category with a payload.
 TEST_F(Track, ChecksOfAKernelAreFoundAgain) {
     using sml::Strings_T;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <sstream>
 #include <string>
@@ -212,6 +213,31 @@ TEST_F(Track, SuppressedFindingsAreCountedApart) {
     for (std::string line; std::getline(lines, line);) columns += line.substr(0, 11) + '\n';
     EXPECT_EQ(columns, "1,1,1,0,0,1\n2,1,0,0,0,1\n3,1,0,0,0,0\n4,0,0,0,1,1\n5,0,0,0,0,0\n");
     EXPECT_EQ(ids("gone"), "1 2 3 ");
+}
+
+TEST_F(Track, ListsAreAsLongAsTheCountsSay) {
+    std::string const suppressed = R"(, "suppressions": [{"kind": "x"}])";
+    auto const        all = [&](std::vector<std::string> const& rules, std::string const& hidden) {
+        std::string text;
+        for (std::string const& rule : rules)
+            text += (text.empty() ? "" : ", ") +
+                    finding(rule, "m", 1, hidden.find(rule) == std::string::npos ? "" : suppressed);
+        return text;
+    };
+    std::string counted;
+    std::string listed;
+    int         number = 0;
+    for (auto const& results : {all({"a", "b", "c", "d"}, "b"), all({"a", "d"}, "d"),
+                                all({"b", "c", "d", "e", "f"}, "ceb"), all({"f"}, "")}) {
+        auto const name = log(std::to_string(++number), results);
+        counted += printed({name, "--format", "csv", "--no-header"});
+        listed += std::to_string(number);
+        for (char const* const state : {"open", "new", "returned", "fixed", "suppressed"})
+            listed += ',' + std::to_string(std::ranges::count(ids(state), ' '));
+        listed += ',' + name + '\n';
+    }
+    EXPECT_EQ(counted, listed);
+    EXPECT_NE(counted.find("\n3,2,1,0,1,3,"), std::string::npos) << counted;
 }
 
 TEST_F(Track, AbsentFindingsAreNotThere) {

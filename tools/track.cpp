@@ -100,7 +100,7 @@ std::optional<AddedRun> add(std::string const& name, Options const& options, Str
         store.begin();
         if (auto const there = store.run_with(run.digest); there && !options.adds_again) {
             report(streams.err, name + ": is in " + options.directory + " already, as run " +
-                                    std::to_string(*there));
+                                    std::to_string(*there) + "; not added (--again adds it)");
             return std::nullopt;
         }
         auto const counts =

@@ -112,7 +112,7 @@ TEST_F(TrackOfThreeRuns, RunThatIsThereAlreadyChangesNothing) {
     EXPECT_EQ(again.code, 0);
     EXPECT_EQ(again.out, "");
     EXPECT_EQ(again.err, "bradep: " + std::string(scratch_ / "two") + ": is in " + series_ +
-                             " already, as run 2\n");
+                             " already, as run 2; not added (--again adds it)\n");
     EXPECT_EQ(bytes_of(database()), before);
     run_command({"import", scratch_ / "two", "-o", scratch_ / "set"});
     EXPECT_NE(track({scratch_ / "set"}).err.find("as run 2"), std::string::npos);

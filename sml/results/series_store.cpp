@@ -274,6 +274,10 @@ SeriesStore::SeriesStore(std::string const& file, For purpose,
     : connection_(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
                             (purpose == For::adding ? SQLITE_OPEN_CREATE : 0)) {
     connection_.interrupt_by(is_interrupted);
+    if (purpose == For::reading && is_empty()) {
+        connection_ = Connection(":memory:");
+        connection_.run(tables_sql());
+    }
     connection_.run(
         "PRAGMA busy_timeout = 60000; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE");
     if (purpose == For::adding) return;
@@ -295,6 +299,12 @@ std::string SeriesStore::columns_sql() {
     return joined(all);
 }
 
+// An interrupted first run leaves such a file.
+bool SeriesStore::is_empty() {
+    return number_of(connection_, "PRAGMA application_id") == 0 &&
+           number_of(connection_, "SELECT count(*) FROM sqlite_schema") == 0;
+}
+
 // Why the database is no series of this version; empty if it is one.
 std::string SeriesStore::problem() {
     if (number_of(connection_, "PRAGMA application_id") != application_id)
@@ -307,9 +317,7 @@ std::string SeriesStore::problem() {
 
 void SeriesStore::begin() {
     connection_.run("BEGIN IMMEDIATE");
-    bool const is_empty = number_of(connection_, "PRAGMA application_id") == 0 &&
-                          number_of(connection_, "SELECT count(*) FROM sqlite_schema") == 0;
-    if (is_empty) connection_.run(tables_sql());
+    if (is_empty()) connection_.run(tables_sql());
     if (auto const why = problem(); !why.empty()) throw NoSeries(why);
     statements_ = std::make_unique<Statements>(connection_.get());
 }

@@ -53,8 +53,8 @@ class SeriesStore {
 public:
     enum class For : std::uint8_t { reading, adding };
 
-    /// Statements fail while `is_interrupted` is true. It must outlive this object. Throws NoSeries
-    /// for reading from a file that is none.
+    /// Statements fail while `is_interrupted` is true. It must outlive this object. An empty
+    /// file is a series without runs. Throws NoSeries for reading from another file.
     SeriesStore(std::string const& file, For purpose, std::atomic<bool> const& is_interrupted);
     ~SeriesStore();
     SeriesStore(SeriesStore const&) = delete;
@@ -115,6 +115,7 @@ public:
 private:
     struct Statements;
 
+    bool         is_empty();
     std::string  problem();
     std::int64_t file_of(std::string_view path);
 

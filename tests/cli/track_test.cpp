@@ -167,6 +167,18 @@ TEST_F(TrackOfThreeRuns, SeriesOfAnotherVersionIsRefused) {
     EXPECT_EQ(bytes_of(database()), before);
 }
 
+TEST_F(TrackOfThreeRuns, DamagedSeriesIsCalledSo) {
+    auto bytes = bytes_of(database());
+    std::fill(bytes.begin() + 4096, bytes.end(), '\x55');
+    write_bytes(database(), bytes);
+    for (auto const& arguments : {std::vector<std::string>{}, {log("four", b(1))}}) {
+        auto const refused = track(arguments);
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_EQ(refused.err,
+                  "bradep: " + database() + ": is damaged (database disk image is malformed)\n");
+    }
+}
+
 TEST_F(Track, OtherFileIsRefused) {
     fs::create_directory(series_);
     auto const set = log("set", "");
@@ -196,6 +208,11 @@ TEST_F(Track, SeriesThatIsMissingIsMadeByTheFirstRunAlone) {
 TEST_F(Track, EmptyFileBecomesASeries) {
     fs::create_directory(series_);
     write_bytes(database(), "");
+    EXPECT_EQ(printed({"--format", "csv"}), "run,open,new,returned,fixed,suppressed,name\n");
+    EXPECT_EQ(stats({"--format", "csv"}).out, "run,open,new,returned,fixed,suppressed,name\n");
+    EXPECT_EQ(printed({"--list", "all", "--format", "csv", "--no-header"}), "");
+    EXPECT_EQ(stats({"--svg", "-"}).err, "bradep: " + database() + ": there are no runs\n");
+    EXPECT_EQ(bytes_of(database()), "");
     EXPECT_EQ(printed({log("none", "")}).substr(0, 44),
               "run 1: 0 open, 0 new, 0 returned, 0 fixed, 0");
     printed({log("one", finding("r", "m", 1))});

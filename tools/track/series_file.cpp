@@ -52,8 +52,8 @@ void SeriesFile::refuse(SqlError const& error) const {
         case SQLITE_INTERRUPT: throw IoFailure("interrupted");
         case SQLITE_BUSY: throw IoFailure("cannot use " + name_ + ": another process adds to it");
         case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
             throw DamagedInput(name_ + ": is no series of runs (" + error.what() + ')');
+        case SQLITE_CORRUPT: throw DamagedInput(name_ + ": is damaged (" + error.what() + ')');
         default: throw IoFailure("cannot use " + name_ + ": " + error.what());
     }
 }

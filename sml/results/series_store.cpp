@@ -278,8 +278,7 @@ SeriesStore::SeriesStore(std::string const& file, For purpose,
         connection_ = Connection(":memory:");
         connection_.run(tables_sql());
     }
-    connection_.run(
-        "PRAGMA busy_timeout = 60000; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE");
+    connection_.run("PRAGMA cache_size = -65536; PRAGMA temp_store = FILE");
     if (purpose == For::adding) return;
     if (auto const why = problem(); !why.empty()) throw NoSeries(why);
 }

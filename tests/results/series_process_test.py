@@ -4,6 +4,7 @@
     series_process_test.py BRADEP
 """
 
+import contextlib
 import json
 import pathlib
 import random
@@ -117,6 +118,21 @@ class Processes(unittest.TestCase):
         else:
             self.assertEqual((out, err, process.returncode), ("", "bradep: interrupted\n", 2))
             self.assertEqual(self.contents(), before)
+
+    def test_a_signal_ends_the_wait_for_another_process(self):
+        self.track(self.sets[0])
+        with contextlib.closing(sqlite3.connect(self.database, isolation_level=None)) as other:
+            other.execute("BEGIN IMMEDIATE")
+            process = self.start(self.sets[1])
+            with self.assertRaises(subprocess.TimeoutExpired):
+                process.wait(1)
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=10)
+            self.assertEqual((out, err, process.returncode), ("", "bradep: interrupted\n", 2))
+            process = self.start(self.sets[1])
+            time.sleep(0.2)
+            other.execute("COMMIT")
+            self.assertIn("run 2: ", process.communicate(timeout=10)[0])
 
     def test_processes_wait_for_one_another(self):
         processes = [self.start(one) for one in self.sets[:4]]

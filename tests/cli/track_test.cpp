@@ -482,6 +482,14 @@ TEST_F(TrackOfThreeRuns, PlotHasEachRunAndNoMarkupOfNames) {
     EXPECT_EQ(odd.substr(odd.size() - 7), "</svg>\n");
 }
 
+TEST_F(Track, PlotHasNoCharactersThatXmlRefuses) {
+    printed({log("x\xEF\xBF\xBEy\xEF\xBF\xBFz\x01\xFF", "")});
+    auto const svg = stats({"--svg", "-"}).out;
+    EXPECT_EQ(svg.find("\xEF\xBF\xBE"), std::string::npos);
+    EXPECT_EQ(svg.find("\xEF\xBF\xBF"), std::string::npos);
+    EXPECT_NE(svg.find(">x\xEF\xBF\xBDy\xEF\xBF\xBDz\\u{1}\\xff</text>"), std::string::npos) << svg;
+}
+
 TEST_F(Track, PlotOfOneRun) {
     printed({log("v1.2", "")});
     auto const svg = stats({"--svg", "-"});

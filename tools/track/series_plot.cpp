@@ -56,9 +56,17 @@ std::string text_of(std::uint64_t count) {
     return text;
 }
 
+// In place of U+FFFE and U+FFFF, which no XML may have, stands U+FFFD.
+std::string with_characters_of_xml(std::string text) {
+    for (std::string_view const refused : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"})
+        for (auto at = text.find(refused); at != std::string::npos; at = text.find(refused, at))
+            text.replace(at, refused.size(), "\xEF\xBF\xBD");
+    return text;
+}
+
 std::string escaped(std::string_view text) {
     std::string all;
-    for (char const c : sml::inspect::printable(text)) switch (c) {
+    for (char const c : with_characters_of_xml(sml::inspect::printable(text))) switch (c) {
             case '&': all += "&amp;"; break;
             case '<': all += "&lt;"; break;
             case '>': all += "&gt;"; break;

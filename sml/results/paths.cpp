@@ -76,10 +76,6 @@ std::string resolved(std::string_view path) {
     return text;
 }
 
-std::string_view name_in(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
-}
-
 // The length of the longest end that both paths have and that starts behind a slash of each.
 std::size_t common_end(std::string_view a, std::string_view b) {
     std::size_t const most = std::min(a.size(), b.size());
@@ -201,6 +197,10 @@ void remove_moved(Paths& olds, Paths& news, MovedRoot const& root) {
 }
 
 }  // namespace
+
+std::string_view name_in(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+}
 
 std::string path_of(std::string_view uri) {
     std::string path = decoded(without_scheme(uri));

@@ -12,6 +12,9 @@ namespace sml::results {
 /// lower case, and without empty parts, `.` and `..` as far as they can be resolved.
 std::string path_of(std::string_view uri);
 
+/// The part of a path behind its last slash.
+std::string_view name_in(std::string_view path);
+
 /// A part that paths of the old side start with, and what those of the new side start with instead.
 /// Both end with a slash or are empty.
 struct MovedRoot {

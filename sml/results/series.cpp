@@ -1,6 +1,7 @@
 #include <sml/results/series.hpp>
 
 #include <sml/results/joined_names.hpp>
+#include <sml/results/paths.hpp>
 #include <sml/results/steps.hpp>
 
 #include <algorithm>
@@ -18,8 +19,6 @@
 namespace sml::results {
 
 namespace {
-
-std::string_view last_part(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 /// The findings of the run, with what is kept of them beside their texts.
 struct NewSide : SideData {
@@ -95,7 +94,7 @@ private:
                 Finding&          one = news_.findings[step.finding];
                 std::string const path = path_of(step.uri.value_or(""));
                 bool const        is_own = path == news_.paths.all()[one.file];
-                one.flow += hash_of(step, is_own ? Hash{} : hash_of(last_part(path)));
+                one.flow += hash_of(step, is_own ? Hash{} : hash_of(name_in(path)));
             });
     }
 

@@ -1,6 +1,7 @@
 #include <sml/results/series_store.hpp>
 
 #include <sml/results/paths.hpp>
+#include <sml/tables/schema_sql.hpp>
 
 #include <array>
 #include <cstddef>
@@ -27,25 +28,46 @@ Columns const& own_columns() {
     return names;
 }
 
-std::string quoted(std::string const& name) { return '"' + name + '"'; }
+/// A column of a finding that is kept as it is.
+struct KeptColumn {
+    char const* name;
+    char const* type;
+};
+
+constexpr KeptColumn kept_columns[] = {{"tool", "TEXT"},
+                                       {"tool_version", "TEXT"},
+                                       {"rule", "TEXT"},
+                                       {"level", "TEXT"},
+                                       {"kind", "TEXT"},
+                                       {"message", "TEXT"},
+                                       {"category", "TEXT"},
+                                       {"uri", "TEXT"},
+                                       {"line", "INTEGER"},
+                                       {"column", "INTEGER"},
+                                       {"function", "TEXT"},
+                                       {"class", "TEXT"},
+                                       {"suppressed", "INTEGER NOT NULL"},
+                                       {"payload", "TEXT"}};
+
+// With a comma before each.
+std::string kept_columns_with_types() {
+    std::string text;
+    for (KeptColumn const& one : kept_columns)
+        text += ", " + tables::quoted_name(one.name) + ' ' + one.type;
+    return text;
+}
 
 Columns columns_of_sighting() {
     Columns all = own_columns();
-    for (std::string const& name : SeriesStore::columns()) all.push_back(quoted(name));
+    all.insert(all.end(), SeriesStore::columns().begin(), SeriesStore::columns().end());
     return all;
-}
-
-std::string joined(Columns const& all) {
-    std::string text;
-    for (std::string const& one : all) text += (text.empty() ? "" : ", ") + one;
-    return text;
 }
 
 // ?1, ?2 and so on.
 std::string parameters(std::size_t count) {
-    Columns all;
-    for (std::size_t i = 1; i <= count; ++i) all.push_back('?' + std::to_string(i));
-    return joined(all);
+    std::string all;
+    for (std::size_t i = 1; i <= count; ++i) all += (i == 1 ? "?" : ", ?") + std::to_string(i);
+    return all;
 }
 
 int parameter_behind_sighting() { return static_cast<int>(columns_of_sighting().size()) + 1; }
@@ -63,11 +85,9 @@ std::string tables_sql() {
            "CREATE TABLE identities (\n"
            "  id INTEGER PRIMARY KEY, first_run INTEGER NOT NULL, gone_run INTEGER,\n"
            "  file INTEGER NOT NULL, flow BLOB, code BLOB, fingerprints BLOB,\n"
-           "  trace BLOB NOT NULL,\n"
-           "  tool TEXT, tool_version TEXT, rule TEXT, level TEXT, kind TEXT, message TEXT,\n"
-           "  category TEXT, uri TEXT, line INTEGER, \"column\" INTEGER, function TEXT, class "
-           "TEXT,\n"
-           "  suppressed INTEGER NOT NULL, payload TEXT);\n"
+           "  trace BLOB NOT NULL" +
+           kept_columns_with_types() +
+           ");\n"
            "CREATE INDEX identities_open ON identities (gone_run) WHERE gone_run IS NULL;\n"
            "CREATE INDEX identities_gone_file ON identities (file, ifnull(rule, ''))\n"
            "  WHERE gone_run IS NOT NULL;\n"
@@ -203,7 +223,7 @@ void add_ids(Statement& rows, std::string_view place, std::string_view rule_id,
 
 struct SeriesStore::Statements {
     explicit Statements(sqlite3* connection)
-        : add(connection, "INSERT INTO identities (" + joined(columns_of_sighting()) +
+        : add(connection, "INSERT INTO identities (" + tables::quoted_names(columns_of_sighting()) +
                               ", first_run) VALUES (" +
                               parameters(columns_of_sighting().size() + 1) + ')'),
           see(connection, see_sql()),
@@ -231,7 +251,7 @@ struct SeriesStore::Statements {
     // What is as it was need not be written.
     static std::string see_sql() {
         auto const        names = columns_of_sighting();
-        std::string const before = '(' + joined(names) + ')';
+        std::string const before = '(' + tables::quoted_names(names) + ')';
         std::string const after = '(' + parameters(names.size()) + ')';
         return "UPDATE identities SET " + before + " = " + after + " WHERE id = ?" +
                std::to_string(parameter_behind_sighting()) + " AND " + before + " IS NOT " + after;
@@ -286,17 +306,15 @@ SeriesStore::SeriesStore(std::string const& file, For purpose,
 SeriesStore::~SeriesStore() = default;
 
 std::vector<std::string> const& SeriesStore::columns() {
-    static Columns const names = {"tool",     "tool_version", "rule",       "level",  "kind",
-                                  "message",  "category",     "uri",        "line",   "column",
-                                  "function", "class",        "suppressed", "payload"};
+    static Columns const names = [] {
+        Columns all;
+        for (KeptColumn const& one : kept_columns) all.emplace_back(one.name);
+        return all;
+    }();
     return names;
 }
 
-std::string SeriesStore::columns_sql() {
-    Columns all;
-    for (std::string const& name : columns()) all.push_back(quoted(name));
-    return joined(all);
-}
+std::string SeriesStore::columns_sql() { return tables::quoted_names(columns()); }
 
 // An interrupted first run leaves such a file.
 bool SeriesStore::is_empty() {

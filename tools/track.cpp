@@ -42,11 +42,12 @@ struct Options : QueryOptions {
 std::map<std::string, char const*> const& states() {
     static std::map<std::string, char const*> const all = {
         {"all", "1"},
-        {"open", "state = 'open'"},
+        {"open", "state = 'open' AND NOT suppressed"},
         {"gone", "state = 'gone'"},
-        {"new", "first_run = last AND state = 'open'"},
-        {"returned", "back_run = last AND state = 'open'"},
-        {"fixed", "gone_run = last"}};
+        {"new", "first_run = last AND state = 'open' AND NOT suppressed"},
+        {"returned", "back_run = last AND state = 'open' AND NOT suppressed"},
+        {"fixed", "gone_run = last AND NOT suppressed"},
+        {"suppressed", "state = 'open' AND suppressed"}};
     return all;
 }
 
@@ -99,7 +100,7 @@ std::optional<AddedRun> add(std::string const& name, Options const& options, Str
         store.begin();
         if (auto const there = store.run_with(run.digest); there && !options.adds_again) {
             report(streams.err, name + ": is in " + options.directory + " already, as run " +
-                                    std::to_string(*there));
+                                    std::to_string(*there) + "; not added (--again adds it)");
             return std::nullopt;
         }
         auto const counts =
@@ -156,8 +157,8 @@ Action declare_track(CLI::App& app) {
                    "Runs, in their order: each a result set, a SARIF log or a directory of these")
         ->type_name("");
     app.add_option("--list", options->listed,
-                   "Print findings with their identities: all, open, gone, or those that are new, "
-                   "returned or fixed in the last run")
+                   "Print findings with their identities: all, gone, or those that the table of "
+                   "the runs counts for the last run: open, new, returned, fixed, suppressed")
         ->type_name("STATE")
         ->check(CLI::IsMember(names_of_states()));
     app.add_option("--source", options->source, "The sources of SET")->type_name("DIR");

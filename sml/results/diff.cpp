@@ -35,7 +35,7 @@ public:
     }
 
     void join_names(std::vector<MovedRoot> const& roots) {
-        names_.emplace(olds_, news_, roots);
+        names_.emplace(olds_, news_, roots_to_move(roots, olds_.paths.all(), news_.paths.all()));
         names_->apply(olds_);
         names_->apply(news_);
         add_steps(olds_);

@@ -6,8 +6,8 @@ namespace sml::results {
 
 namespace {
 
-bool has_tool(SideData const& side, std::string const& tool) {
-    return std::ranges::count(side.tools.all(), tool) > 0;
+bool has_tool(std::vector<std::string> const& tools, std::string_view tool) {
+    return std::ranges::find(tools, tool) != tools.end();
 }
 
 void forget_text(Finding& one) { one.text = one.surroundings = {}; }
@@ -29,12 +29,19 @@ std::string JoinedNames::name_of(Side side, std::string const& path) const {
     return side == Side::old_side ? paths_.of_old(path) : paths_.of_new(path);
 }
 
-// A rule of a side starts with the number of its tool.
-std::uint32_t JoinedNames::rule_number(SideData const& side, std::string const& rule) {
-    auto const         blank = rule.find(' ');
-    std::string const& tool = side.tools.all()[std::stoul(rule.substr(0, blank))];
-    bool const         is_in_both = has_tool(olds_, tool) && has_tool(news_, tool);
-    return rules_.number_of((is_in_both ? tool : std::string()) + '\0' + rule.substr(blank + 1));
+std::vector<std::uint32_t> JoinedNames::rules_of(SideData const&                 side,
+                                                 std::vector<std::string> const& old_tools) {
+    std::vector<std::uint32_t> numbers;
+    for (std::uint32_t rule = 0; rule < side.rules.all().size(); ++rule) {
+        std::string const& tool = side.tool_of_rule(rule);
+        bool const is_in_both = has_tool(old_tools, tool) && has_tool(news_.tools.all(), tool);
+        numbers.push_back(rules_.number_of((is_in_both ? tool : std::string()) + '\0' +
+                                           std::string(side.id_of_rule(rule))));
+    }
+    std::vector<std::uint32_t> rules;
+    rules.reserve(side.findings.size());
+    for (Finding const& one : side.findings) rules.push_back(numbers[one.rule]);
+    return rules;
 }
 
 std::uint32_t JoinedNames::file_number(std::string const& name) {
@@ -48,14 +55,13 @@ std::uint32_t JoinedNames::file_number(std::string const& name) {
 }
 
 void JoinedNames::apply(SideData& side) {
-    std::vector<std::uint32_t> rules;
+    auto const                 rules = rules_of(side, olds_.tools.all());
     std::vector<std::uint32_t> files;
-    for (std::string const& rule : side.rules.all()) rules.push_back(rule_number(side, rule));
     for (std::string const& path : side.paths.all())
         files.push_back(file_number(name_of(side.side, path)));
-    for (Finding& one : side.findings) {
-        one.rule = rules[one.rule];
-        one.file = files[one.file];
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        side.findings[i].rule = rules[i];
+        side.findings[i].file = files[side.findings[i].file];
     }
 }
 

@@ -24,6 +24,11 @@ public:
     /// have no part in finding out which roots have moved.
     void apply(SideData& side);
 
+    /// The numbers that the rules of the findings get if the old side has had these tools. Must
+    /// precede `apply`.
+    std::vector<std::uint32_t> rules_of(SideData const&                 side,
+                                        std::vector<std::string> const& old_tools);
+
     /// The name of a file: the same for both sides if its path differs in the root alone.
     std::string name_of(Side side, std::string const& path) const;
 
@@ -34,7 +39,6 @@ public:
     Files const& paths() const { return paths_; }
 
 private:
-    std::uint32_t rule_number(SideData const& side, std::string const& rule);
     std::uint32_t file_number(std::string const& name);
 
     SideData const&          olds_;

@@ -15,6 +15,9 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
+// What names of files have in place of the root.
+std::string const& least_of(MovedRoot const& root) { return std::min(root.before, root.after); }
+
 int digit_of(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -71,10 +74,6 @@ std::string resolved(std::string_view path) {
         text += part;
     }
     return text;
-}
-
-std::string_view name_in(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
 }
 
 // The length of the longest end that both paths have and that starts behind a slash of each.
@@ -199,6 +198,10 @@ void remove_moved(Paths& olds, Paths& news, MovedRoot const& root) {
 
 }  // namespace
 
+std::string_view name_in(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
+}
+
 std::string path_of(std::string_view uri) {
     std::string path = decoded(without_scheme(uri));
     std::ranges::replace(path, '\\', '/');
@@ -239,6 +242,26 @@ std::vector<MovedRoot> moved_roots(Paths const& all_olds, Paths const& all_news)
     return roots;
 }
 
+std::vector<MovedRoot> roots_to_move(std::vector<MovedRoot> const& given, Paths const& olds,
+                                     Paths const& news) {
+    auto const has = [](Paths const& paths, std::string const& part, std::string const& other) {
+        return std::ranges::any_of(paths, [&](std::string const& path) {
+            bool const is_below_other = other.size() > part.size() && path.starts_with(other);
+            return path.starts_with(part) && !is_below_other;
+        });
+    };
+    auto const is_there_alone = [&](Paths const& paths, std::string const& part,
+                                    std::string const& other) {
+        return has(paths, part, other) && !has(paths, other, part);
+    };
+    auto roots = given;
+    std::erase_if(roots, [&](MovedRoot const& root) {
+        return is_there_alone(olds, root.after, root.before) ||
+               is_there_alone(news, root.before, root.after);
+    });
+    return roots;
+}
+
 Files::Files(Paths olds, Paths news, std::vector<MovedRoot> const& given) : given_(given) {
     std::ranges::stable_sort(given_, std::ranges::greater(),
                              [](MovedRoot const& root) { return root.before.size(); });
@@ -265,6 +288,16 @@ std::string Files::of_new(std::string const& path) const {
     return name_of(path, &MovedRoot::after);
 }
 
+std::vector<std::string> Files::olds_named(std::string const& name) const {
+    Paths paths = {name};
+    for (auto const* const roots : {&given_, &roots_})
+        for (MovedRoot const& root : *roots)
+            if (auto const& least = least_of(root); name.starts_with(least))
+                paths.push_back(root.before + name.substr(least.size()));
+    std::erase_if(paths, [&](std::string const& path) { return of_old(path) != name; });
+    return paths;
+}
+
 std::string Files::moved(std::string const& path) const {
     auto const* const root = root_of(path, &MovedRoot::before);
     return root == nullptr ? path : root->after + path.substr(root->before.size());
@@ -273,7 +306,7 @@ std::string Files::moved(std::string const& path) const {
 std::string Files::name_of(std::string const& path, Part part) const {
     auto const* const root = root_of(path, part);
     if (root == nullptr) return path;
-    return std::min(root->before, root->after) + path.substr((root->*part).size());
+    return least_of(*root) + path.substr((root->*part).size());
 }
 
 // The root that the path is below; null if none that has moved.

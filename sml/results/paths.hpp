@@ -12,6 +12,9 @@ namespace sml::results {
 /// lower case, and without empty parts, `.` and `..` as far as they can be resolved.
 std::string path_of(std::string_view uri);
 
+/// The part of a path behind its last slash.
+std::string_view name_in(std::string_view path);
+
 /// A part that paths of the old side start with, and what those of the new side start with instead.
 /// Both end with a slash or are empty.
 struct MovedRoot {
@@ -29,6 +32,13 @@ MovedRoot moved_root_of(std::string_view before, std::string_view after);
 std::vector<MovedRoot> moved_roots(std::vector<std::string> const& olds,
                                    std::vector<std::string> const& news);
 
+/// The given roots without those that cannot have moved between both sides: the old side has paths
+/// below `after` and none below `before`, or the new one has it the other way round. A path that is
+/// below both counts for the longer one.
+std::vector<MovedRoot> roots_to_move(std::vector<MovedRoot> const&   given,
+                                     std::vector<std::string> const& olds,
+                                     std::vector<std::string> const& news);
+
 /// Names files so that those of both sides can be compared.
 class Files {
 public:
@@ -40,6 +50,9 @@ public:
     // The name of a file: the same for both sides if its path differs in the root alone.
     std::string of_old(std::string const& path) const;
     std::string of_new(std::string const& path) const;
+
+    /// The paths that a file with this name can have on the old side.
+    std::vector<std::string> olds_named(std::string const& name) const;
 
     /// The path that a file of the old side has, or would have, on the new side.
     std::string moved(std::string const& path) const;

@@ -285,6 +285,24 @@ void read_side(tables::ResultSets const& sets, Database& database,
     Reading(sets, database, side, store).run(flagged);
 }
 
+void erase_findings(SideData& side, std::vector<bool> const& is_erased) {
+    SideData                   kept;
+    std::vector<std::uint32_t> indices(side.findings.size(), Finding::none);
+    kept.side = side.side;
+    kept.first_id = side.first_id;
+    for (std::size_t i = 0; i < side.findings.size(); ++i) {
+        if (is_erased[i]) continue;
+        indices[i] = static_cast<std::uint32_t>(kept.findings.size());
+        Finding& one = kept.findings.emplace_back(side.findings[i]);
+        one.rule = kept.number_of_rule(side.tool_of_rule(one.rule), side.id_of_rule(one.rule));
+        one.file = kept.paths.number_of(side.paths.all()[one.file]);
+    }
+    for (Fingerprint const& print : side.fingerprints)
+        if (auto const index = indices[print.finding]; index != Finding::none)
+            kept.fingerprints.push_back({print.value, index});
+    side = std::move(kept);
+}
+
 void read_sources(std::string const& directory, SideData& side) {
     std::vector<std::uint32_t> by_file(side.findings.size());
     std::iota(by_file.begin(), by_file.end(), 0);

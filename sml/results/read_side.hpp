@@ -50,6 +50,14 @@ struct SideData : Matched {
     std::uint32_t number_of_rule(std::string_view tool, std::string_view rule) {
         return rules.number_of(std::to_string(tools.number_of(tool)) + ' ' + std::string(rule));
     }
+    // The parts of a rule, by its number in `rules`.
+    std::string const& tool_of_rule(std::uint32_t number) const {
+        return tools.all()[std::stoul(rules.all()[number])];
+    }
+    std::string_view id_of_rule(std::uint32_t number) const {
+        std::string_view const rule = rules.all()[number];
+        return rule.substr(rule.find(' ') + 1);
+    }
     std::uint32_t index_of(std::int64_t set, std::int64_t row) const {
         return firsts[static_cast<std::size_t>(set)] + static_cast<std::uint32_t>(row);
     }
@@ -71,6 +79,10 @@ void set_payload(Finding& one, std::string_view payload);
 /// for each result set; it may be empty. Throws what reading the tables throws.
 void read_side(tables::ResultSets const& sets, tables::Database& database,
                std::vector<FlaggedByForm> const& flagged, SideData& side, DiffStore& store);
+
+/// Leaves out findings, and the rules, tools and files that only these have. `index_of` has no
+/// meaning then.
+void erase_findings(SideData& side, std::vector<bool> const& is_erased);
 
 /// Looks for the flagged lines in the sources below a directory.
 void read_sources(std::string const& directory, SideData& side);

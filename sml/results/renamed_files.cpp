@@ -1,6 +1,7 @@
 #include <sml/results/renamed_files.hpp>
 
 #include <sml/results/groups.hpp>
+#include <sml/results/paths.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -20,8 +21,6 @@ struct Likeness {
     std::size_t of_known_code = 0;  // of these, such that more than rule and message are known
     std::size_t kinds = 0;          // of these, different ones
 };
-
-std::string_view name_in(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 /// How many findings each file has.
 std::vector<std::size_t> counts(std::span<Finding const> findings, std::size_t files) {

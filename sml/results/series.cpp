@@ -1,6 +1,7 @@
 #include <sml/results/series.hpp>
 
 #include <sml/results/joined_names.hpp>
+#include <sml/results/paths.hpp>
 #include <sml/results/steps.hpp>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <map>
 #include <numeric>
 #include <set>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -18,21 +20,22 @@ namespace sml::results {
 
 namespace {
 
-std::string_view last_part(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
 /// The findings of the run, with what is kept of them beside their texts.
 struct NewSide : SideData {
     NewSide() { side = Side::new_side; }
 
     // By index.
     std::vector<std::uint32_t>     file_of;  // the number in `paths`
+    std::vector<std::uint32_t>     rule_of;  // the number in `rules`
     std::vector<Flagged>           code;
     std::vector<std::vector<Hash>> prints_of;
     std::vector<bool>              is_suppressed;
-    std::vector<bool>              is_left_out;  // absent
+    std::vector<std::int64_t>      ids;  // in the texts
 };
 
 class Adding {
+    using Numbers = std::vector<std::uint32_t>;
+
 public:
     Adding(SeriesStore& store, std::atomic<bool> const& is_interrupted)
         : store_(store), is_interrupted_(is_interrupted), texts_("") {}
@@ -42,24 +45,28 @@ public:
         read_side(*input.sets, database, input.flagged, news_, texts_);
         if (input.sources) read_sources(*input.sources, news_);
         add_flows(database);
-        keep();
         read_states();
+        keep();
     }
 
     // What is equal comes first, also with findings that are gone.
-    void match_all(std::vector<MovedRoot> const& roots) {
+    void match_all(std::vector<MovedRoot> const& given) {
+        // A root that had moved before moves nothing, also if all findings below it are gone.
+        auto const roots =
+            given.empty() ? given : roots_to_move(given, store_.paths(), news_.paths.all());
         store_.load_open(olds_);
         if (!olds_.findings.empty()) forget_texts_of_one_side(olds_, news_);
         JoinedNames names(olds_, news_, roots);
+        series_tools_ = store_.tools();
+        other_olds_ = names.rules_of(olds_, series_tools_);
+        other_news_ = names.rules_of(news_, series_tools_);
         names.apply(olds_);
         names.apply(news_);
-        // No finding of the series has this rule.
-        for (std::size_t i = 0; i < news_.findings.size(); ++i)
-            if (news_.is_left_out[i]) news_.findings[i].rule = Finding::none;
         match_open(names, Stages::equal);
         load_gone(names);
         match_with_gone(names, Stages::equal);
         match_open(names, Stages::all);
+        load_gone(names);
         move_functions();
         match_with_gone(names, Stages::all);
         bool const have_moved = !names.paths().roots().empty() || !roots.empty();
@@ -68,6 +75,7 @@ public:
 
     RunCounts save(Run const& run) {
         std::int64_t const number = store_.last_run() + 1;
+        store_.add_tools(news_.tools.all());
         save_olds(number);
         // Also for findings that are gone as of this run.
         for (auto const& [id, path] : moved_) store_.move_function(id, path);
@@ -86,7 +94,7 @@ private:
                 Finding&          one = news_.findings[step.finding];
                 std::string const path = path_of(step.uri.value_or(""));
                 bool const        is_own = path == news_.paths.all()[one.file];
-                one.flow += hash_of(step, is_own ? Hash{} : hash_of(last_part(path)));
+                one.flow += hash_of(step, is_own ? Hash{} : hash_of(name_in(path)));
             });
     }
 
@@ -94,6 +102,7 @@ private:
         news_.prints_of.resize(news_.findings.size());
         for (Finding const& one : news_.findings) {
             news_.file_of.push_back(one.file);
+            news_.rule_of.push_back(one.rule);
             news_.code.push_back({one.text, one.surroundings});
         }
         for (Fingerprint const& print : news_.fingerprints)
@@ -101,21 +110,22 @@ private:
         for (auto& prints : news_.prints_of) std::ranges::sort(prints);
     }
 
+    // What a log says is absent is not there. The texts have the indices as ids.
     void read_states() {
-        news_.is_suppressed.resize(news_.findings.size());
-        news_.is_left_out.resize(news_.findings.size());
+        std::vector<bool> is_absent;
         tables::Statement states(texts_.connection().get(),
-                                 "SELECT id, suppressed, baseline_state IS 'absent' FROM findings");
+                                 "SELECT id, suppressed, baseline_state IS 'absent' FROM findings"
+                                 " ORDER BY id");
         while (states.step()) {
-            auto const index = static_cast<std::size_t>(states.integer(0));
-            news_.is_suppressed[index] = states.integer(1) != 0;
-            news_.is_left_out[index] = states.integer(2) != 0;
+            is_absent.push_back(states.integer(2) != 0);
+            if (is_absent.back()) continue;
+            news_.ids.push_back(states.integer(0));
+            news_.is_suppressed.push_back(states.integer(1) != 0);
         }
+        if (news_.ids.size() < is_absent.size()) erase_findings(news_, is_absent);
     }
 
-    bool is_new(std::size_t index) const {
-        return !news_.is_left_out[index] && !news_.findings[index].has_partner();
-    }
+    bool is_new(std::size_t index) const { return !news_.findings[index].has_partner(); }
 
     void match_open(JoinedNames const& names, Stages stages) {
         for (auto const& [older, newer] : match(olds_, news_, names.files(), stages))
@@ -126,6 +136,7 @@ private:
     // As if the findings that are gone were open.
     void match_with_gone(JoinedNames const& names, Stages stages) {
         if (gone_.findings.empty()) return;
+        exchange_rules();
         auto const open = static_cast<std::ptrdiff_t>(olds_.findings.size());
         auto const prints = olds_.fingerprints.size();
         append(olds_.findings, gone_.findings);
@@ -134,6 +145,16 @@ private:
         gone_.findings.assign(olds_.findings.begin() + open, olds_.findings.end());
         olds_.findings.resize(static_cast<std::size_t>(open));
         olds_.fingerprints.resize(prints);
+        exchange_rules();
+    }
+
+    // A tool may have got another name if no open finding is of the new one. A finding that is gone
+    // can only be of the new one if no run ever had it.
+    void exchange_rules() {
+        for (auto const& [side, rules] :
+             {std::pair<SideData&, Numbers&>(olds_, other_olds_), {news_, other_news_}})
+            for (std::size_t i = 0; i < rules.size(); ++i)
+                std::swap(side.findings[i].rule, rules[i]);
     }
 
     template <class Values>
@@ -141,17 +162,85 @@ private:
         all.insert(all.end(), more.begin(), more.end());
     }
 
-    // Only those whose rule a new finding has. Their indices follow those of the open ones.
+    // Those that a stage could match with a new finding, as far as files have been joined by now.
+    // Their indices follow those of the open ones.
     void load_gone(JoinedNames& names) {
-        for (std::string const& rule : new_rules()) store_.load_gone(rule, gone_);
-        forget_other_texts(gone_, texts_of(news_));
-        names.apply(gone_);
-        auto const first = static_cast<std::uint32_t>(olds_.findings.size());
-        for (Finding& one : gone_.findings) {
+        if (!store_.has_gone()) return;
+        auto ids = gone_ids(names);
+        std::erase_if(ids, [&](std::int64_t id) { return !loaded_.insert(id).second; });
+        StoredSide more;
+        store_.load(ids, more);
+        forget_other_texts(more, texts_of(news_));
+        auto const rules = names.rules_of(more, series_tools_);
+        names.apply(more);
+        for (std::size_t i = 0; i < rules.size(); ++i) more.findings[i].rule = rules[i];
+        auto const first =
+            static_cast<std::uint32_t>(olds_.findings.size() + gone_.findings.size());
+        for (Finding& one : more.findings) {
             one.file = number_now(one.file);
             one.ordinal += first;
         }
-        for (Fingerprint& print : gone_.fingerprints) print.finding += first;
+        for (Fingerprint& print : more.fingerprints) print.finding += first;
+        append(gone_.findings, more.findings);
+        append(gone_.fingerprints, more.fingerprints);
+        append(gone_.ids, more.ids);
+    }
+
+    /// New findings of one file: where those that are gone may have been.
+    struct Nearby {
+        std::set<std::string>      paths;
+        std::set<std::string_view> rules;
+    };
+
+    // In the file, in the function, or in a file that had an equal one: it may have another name.
+    // A file is read with all rules, so that it can be judged whether it has.
+    std::set<std::int64_t> gone_ids(JoinedNames const& names) {
+        std::set<std::int64_t>          ids;
+        std::map<std::uint32_t, Nearby> files;
+        std::set<Hash>                  traces;
+        tables::Statement               function_of(texts_.connection().get(),
+                                                    "SELECT function FROM findings WHERE id = ?");
+        for (std::uint32_t i = 0; i < news_.findings.size(); ++i) {
+            if (!is_new(i)) continue;
+            Nearby& nearby = files[news_.findings[i].file];
+            nearby.rules.insert(rule_id(i));
+            if (auto const trace = trace_of(i); traces.insert(trace).second)
+                for (std::string& path : store_.gone_files(trace))
+                    nearby.paths.insert(std::move(path));
+            function_of.bind(1, news_.ids[i]);
+            if (function_of.step() && !function_of.text(0).empty())
+                store_.add_gone_in_function(function_of.text(0), rule_id(i), ids);
+            function_of.reset();
+        }
+        add_paths(names, files);
+        for (auto const& [file, nearby] : files)
+            for (std::string const& path : nearby.paths)
+                for (std::string_view const rule : nearby.rules)
+                    store_.add_gone_in_file(path, rule, ids);
+        return ids;
+    }
+
+    // Those that the files have in the series.
+    void add_paths(JoinedNames const& names, std::map<std::uint32_t, Nearby>& files) const {
+        auto const add = [&](std::uint32_t file, Nearby& nearby) {
+            for (std::string& path : names.paths().olds_named(names.files()[file]))
+                nearby.paths.insert(std::move(path));
+        };
+        for (auto& [file, nearby] : files) add(file, nearby);
+        for (auto const& [before, now] : renamed_)
+            if (auto const found = files.find(now); found != files.end())
+                add(before, found->second);
+    }
+
+    std::string_view rule_id(std::size_t index) const {
+        return news_.id_of_rule(news_.rule_of[index]);
+    }
+
+    // Findings with one trace can be the same in files with different names.
+    Hash trace_of(std::size_t index) const {
+        Finding const& one = news_.findings[index];
+        return hash_of(
+            {hash_of(rule_id(index)), one.message, one.function, news_.code[index].text});
     }
 
     // Where a function has moved to another file, its findings that are gone have, too.
@@ -174,21 +263,6 @@ private:
 
     std::string const& path_of_new(std::uint32_t index) const {
         return news_.paths.all()[news_.file_of[index]];
-    }
-
-    // In the order of their names.
-    std::set<std::string> new_rules() {
-        std::set<std::string> rules;
-        tables::Statement     rule_of(texts_.connection().get(),
-                                      "SELECT rule FROM findings WHERE id = ?");
-        for (std::size_t i = 0; i < news_.findings.size(); ++i) {
-            if (!is_new(i)) continue;
-            rule_of.bind(1, static_cast<std::int64_t>(i));
-            rule_of.step();
-            rules.emplace(rule_of.text(0));
-            rule_of.reset();
-        }
-        return rules;
     }
 
     // Gives the files of the series the paths of the new side.
@@ -234,8 +308,7 @@ private:
             texts_.connection().get(),
             "SELECT " + SeriesStore::columns_sql() + " FROM findings WHERE id = ?");
         for (std::uint32_t const index : order) {
-            if (news_.is_left_out[index]) continue;
-            columns.bind(1, std::int64_t{index});
+            columns.bind(1, news_.ids[index]);
             columns.step();
             save_new(run, index, columns.get());
             columns.reset();
@@ -244,8 +317,9 @@ private:
 
     void save_new(std::int64_t run, std::uint32_t index, sqlite3_stmt* columns) {
         Finding const& one = news_.findings[index];
-        Sighting const sighting{one, news_.code[index], news_.prints_of[index], path_of_new(index),
-                                columns};
+        Sighting const sighting{
+            one,    news_.code[index], news_.prints_of[index], trace_of(index), path_of_new(index),
+            columns};
         if (one.has_partner())
             store_.see(id_of(one.partner), sighting);
         else
@@ -266,9 +340,13 @@ private:
 
     SeriesStore&             store_;
     std::atomic<bool> const& is_interrupted_;
-    DiffStore                texts_;  // of the run
-    StoredSide               olds_;   // the open findings
-    StoredSide               gone_;   // those that may have come back
+    DiffStore                texts_;         // of the run
+    StoredSide               olds_;          // the open findings
+    std::vector<std::string> series_tools_;  // of all runs
+    Numbers                  other_olds_;    // the rules with which gone ones are compared
+    Numbers                  other_news_;
+    StoredSide               gone_;    // those that may have come back; without names
+    std::set<std::int64_t>   loaded_;  // their ids
     NewSide                  news_;
     RunCounts                counts_;
     // The numbers of files that have another name, and the number that both names have.

@@ -1,6 +1,7 @@
 #include <sml/results/series_store.hpp>
 
 #include <sml/results/paths.hpp>
+#include <sml/tables/schema_sql.hpp>
 
 #include <array>
 #include <cstddef>
@@ -17,35 +18,56 @@ namespace {
 constexpr int application_id = 0x62645431;
 // Changes with the tables, and with what the hashes in `identities` are made of: findings could
 // not be found again by hashes that were made otherwise.
-constexpr int version = 1;
+constexpr int version = 2;
 
 using Columns = std::vector<std::string>;
 
 // Of a finding: what matching needs and no other column says.
 Columns const& own_columns() {
-    static Columns const names = {"file", "flow", "code", "fingerprints"};
+    static Columns const names = {"file", "flow", "code", "fingerprints", "trace"};
     return names;
 }
 
-std::string quoted(std::string const& name) { return '"' + name + '"'; }
+/// A column of a finding that is kept as it is.
+struct KeptColumn {
+    char const* name;
+    char const* type;
+};
+
+constexpr KeptColumn kept_columns[] = {{"tool", "TEXT"},
+                                       {"tool_version", "TEXT"},
+                                       {"rule", "TEXT"},
+                                       {"level", "TEXT"},
+                                       {"kind", "TEXT"},
+                                       {"message", "TEXT"},
+                                       {"category", "TEXT"},
+                                       {"uri", "TEXT"},
+                                       {"line", "INTEGER"},
+                                       {"column", "INTEGER"},
+                                       {"function", "TEXT"},
+                                       {"class", "TEXT"},
+                                       {"suppressed", "INTEGER NOT NULL"},
+                                       {"payload", "TEXT"}};
+
+// With a comma before each.
+std::string kept_columns_with_types() {
+    std::string text;
+    for (KeptColumn const& one : kept_columns)
+        text += ", " + tables::quoted_name(one.name) + ' ' + one.type;
+    return text;
+}
 
 Columns columns_of_sighting() {
     Columns all = own_columns();
-    for (std::string const& name : SeriesStore::columns()) all.push_back(quoted(name));
+    all.insert(all.end(), SeriesStore::columns().begin(), SeriesStore::columns().end());
     return all;
-}
-
-std::string joined(Columns const& all) {
-    std::string text;
-    for (std::string const& one : all) text += (text.empty() ? "" : ", ") + one;
-    return text;
 }
 
 // ?1, ?2 and so on.
 std::string parameters(std::size_t count) {
-    Columns all;
-    for (std::size_t i = 1; i <= count; ++i) all.push_back('?' + std::to_string(i));
-    return joined(all);
+    std::string all;
+    for (std::size_t i = 1; i <= count; ++i) all += (i == 1 ? "?" : ", ?") + std::to_string(i);
+    return all;
 }
 
 int parameter_behind_sighting() { return static_cast<int>(columns_of_sighting().size()) + 1; }
@@ -59,17 +81,19 @@ std::string tables_sql() {
            "CREATE INDEX runs_by_digest ON runs (digest);\n"
            "CREATE TABLE files (file INTEGER PRIMARY KEY, path TEXT NOT NULL);\n"
            "CREATE INDEX files_by_path ON files (path);\n"
+           "CREATE TABLE tools (tool TEXT PRIMARY KEY) WITHOUT ROWID;\n"
            "CREATE TABLE identities (\n"
            "  id INTEGER PRIMARY KEY, first_run INTEGER NOT NULL, gone_run INTEGER,\n"
            "  file INTEGER NOT NULL, flow BLOB, code BLOB, fingerprints BLOB,\n"
-           "  tool TEXT, tool_version TEXT, rule TEXT, level TEXT, kind TEXT, message TEXT,\n"
-           "  category TEXT, uri TEXT, line INTEGER, \"column\" INTEGER, function TEXT, class "
-           "TEXT,\n"
-           "  suppressed INTEGER NOT NULL, payload TEXT);\n"
+           "  trace BLOB NOT NULL" +
+           kept_columns_with_types() +
+           ");\n"
            "CREATE INDEX identities_open ON identities (gone_run) WHERE gone_run IS NULL;\n"
-           "CREATE INDEX identities_gone ON identities (ifnull(rule, ''))\n"
+           "CREATE INDEX identities_gone_file ON identities (file, ifnull(rule, ''))\n"
            "  WHERE gone_run IS NOT NULL;\n"
-           "CREATE INDEX identities_gone_function ON identities (function)\n"
+           "CREATE INDEX identities_gone_function ON identities (function, ifnull(rule, ''))\n"
+           "  WHERE gone_run IS NOT NULL;\n"
+           "CREATE INDEX identities_gone_trace ON identities (trace, file)\n"
            "  WHERE gone_run IS NOT NULL;\n"
            "CREATE TABLE gaps (\n"
            "  id INTEGER NOT NULL, gone_run INTEGER NOT NULL, back_run INTEGER NOT NULL,\n"
@@ -89,6 +113,10 @@ std::string load_sql(char const* condition) {
            " FROM identities JOIN files USING (file) WHERE " +
            std::string(condition) + " ORDER BY id";
 }
+
+// Of the findings that are gone and have one trace. What is in very many files says nothing.
+constexpr std::size_t most_looked_at = 1000;
+constexpr std::size_t most_files = 16;
 
 // Hashes as bytes, the same on every machine.
 constexpr std::size_t bytes_of_hash = 16;
@@ -122,6 +150,13 @@ bool is_null(Statement const& row, int column) {
 std::int64_t number_of(Connection& connection, char const* sql) {
     Statement statement(connection.get(), sql);
     return statement.step() ? statement.integer(0) : 0;
+}
+
+std::vector<std::string> texts_of(Connection& connection, char const* sql) {
+    std::vector<std::string> texts;
+    Statement                rows(connection.get(), sql);
+    while (rows.step()) texts.emplace_back(rows.text(0));
+    return texts;
 }
 
 void run(Statement& statement) {
@@ -176,11 +211,19 @@ void add_all_to_side(Statement& rows, StoredSide& side) {
     rows.reset();
 }
 
+void add_ids(Statement& rows, std::string_view place, std::string_view rule_id,
+             std::set<std::int64_t>& ids) {
+    rows.bind(1, place);
+    rows.bind(2, rule_id);
+    while (rows.step()) ids.insert(rows.integer(0));
+    rows.reset();
+}
+
 }  // namespace
 
 struct SeriesStore::Statements {
     explicit Statements(sqlite3* connection)
-        : add(connection, "INSERT INTO identities (" + joined(columns_of_sighting()) +
+        : add(connection, "INSERT INTO identities (" + tables::quoted_names(columns_of_sighting()) +
                               ", first_run) VALUES (" +
                               parameters(columns_of_sighting().size() + 1) + ')'),
           see(connection, see_sql()),
@@ -192,18 +235,30 @@ struct SeriesStore::Statements {
                " (SELECT function, file FROM identities WHERE id = ?2)"),
           find_file(connection, "SELECT min(file) FROM files WHERE path = ?"),
           add_file(connection, "INSERT INTO files (path) VALUES (?) RETURNING file"),
-          load_gone(connection, load_sql("gone_run IS NOT NULL AND ifnull(rule, '') = ?")) {}
+          gone_in_file(connection, gone_sql("file IN (SELECT file FROM files WHERE path = ?)")),
+          gone_in_function(connection, gone_sql("function = ?")),
+          gone_files(connection,
+                     "SELECT DISTINCT path FROM (SELECT file FROM identities WHERE trace = ?"
+                     " AND gone_run IS NOT NULL LIMIT " +
+                         std::to_string(most_looked_at) + ") JOIN files USING (file)"),
+          load_one(connection, load_sql("id = ?")) {}
+
+    static std::string gone_sql(std::string const& condition) {
+        return "SELECT id FROM identities WHERE gone_run IS NOT NULL AND " + condition +
+               " AND ifnull(rule, '') = ?";
+    }
 
     // What is as it was need not be written.
     static std::string see_sql() {
         auto const        names = columns_of_sighting();
-        std::string const before = '(' + joined(names) + ')';
+        std::string const before = '(' + tables::quoted_names(names) + ')';
         std::string const after = '(' + parameters(names.size()) + ')';
         return "UPDATE identities SET " + before + " = " + after + " WHERE id = ?" +
                std::to_string(parameter_behind_sighting()) + " AND " + before + " IS NOT " + after;
     }
 
-    Statement add, see, gone, gap, back, move, find_file, add_file, load_gone;
+    Statement add, see, gone, gap, back, move, find_file, add_file, gone_in_file, gone_in_function,
+        gone_files, load_one;
 
     // The texts must live until the statement has run.
     static void bind_blob(Statement& statement, int parameter, std::string const& bytes) {
@@ -222,7 +277,7 @@ struct SeriesStore::Statements {
         Flagged const&   code = sighting.code;
         std::array const blobs = {hashes(sighting.finding.flow, {sighting.finding.flow}),
                                   hashes(code.text, {code.text, code.surroundings}),
-                                  bytes_of(sighting.fingerprints)};
+                                  bytes_of(sighting.fingerprints), bytes_of({sighting.trace})};
         int              parameter = 0;
         statement.bind(++parameter, file);
         for (std::string const& blob : blobs) bind_blob(statement, ++parameter, blob);
@@ -239,8 +294,11 @@ SeriesStore::SeriesStore(std::string const& file, For purpose,
     : connection_(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
                             (purpose == For::adding ? SQLITE_OPEN_CREATE : 0)) {
     connection_.interrupt_by(is_interrupted);
-    connection_.run(
-        "PRAGMA busy_timeout = 60000; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE");
+    if (purpose == For::reading && is_empty()) {
+        connection_ = Connection(":memory:");
+        connection_.run(tables_sql());
+    }
+    connection_.run("PRAGMA cache_size = -65536; PRAGMA temp_store = FILE");
     if (purpose == For::adding) return;
     if (auto const why = problem(); !why.empty()) throw NoSeries(why);
 }
@@ -248,16 +306,20 @@ SeriesStore::SeriesStore(std::string const& file, For purpose,
 SeriesStore::~SeriesStore() = default;
 
 std::vector<std::string> const& SeriesStore::columns() {
-    static Columns const names = {"tool",     "tool_version", "rule",       "level",  "kind",
-                                  "message",  "category",     "uri",        "line",   "column",
-                                  "function", "class",        "suppressed", "payload"};
+    static Columns const names = [] {
+        Columns all;
+        for (KeptColumn const& one : kept_columns) all.emplace_back(one.name);
+        return all;
+    }();
     return names;
 }
 
-std::string SeriesStore::columns_sql() {
-    Columns all;
-    for (std::string const& name : columns()) all.push_back(quoted(name));
-    return joined(all);
+std::string SeriesStore::columns_sql() { return tables::quoted_names(columns()); }
+
+// An interrupted first run leaves such a file.
+bool SeriesStore::is_empty() {
+    return number_of(connection_, "PRAGMA application_id") == 0 &&
+           number_of(connection_, "SELECT count(*) FROM sqlite_schema") == 0;
 }
 
 // Why the database is no series of this version; empty if it is one.
@@ -272,9 +334,7 @@ std::string SeriesStore::problem() {
 
 void SeriesStore::begin() {
     connection_.run("BEGIN IMMEDIATE");
-    bool const is_empty = number_of(connection_, "PRAGMA application_id") == 0 &&
-                          number_of(connection_, "SELECT count(*) FROM sqlite_schema") == 0;
-    if (is_empty) connection_.run(tables_sql());
+    if (is_empty()) connection_.run(tables_sql());
     if (auto const why = problem(); !why.empty()) throw NoSeries(why);
     statements_ = std::make_unique<Statements>(connection_.get());
 }
@@ -299,10 +359,45 @@ void SeriesStore::load_open(StoredSide& side) {
     add_all_to_side(rows, side);
 }
 
-void SeriesStore::load_gone(std::string_view rule_id, StoredSide& side) {
-    auto& rows = statements_->load_gone;
-    rows.bind(1, rule_id);
-    add_all_to_side(rows, side);
+std::vector<std::string> SeriesStore::paths() {
+    return texts_of(connection_, "SELECT DISTINCT path FROM files");
+}
+
+std::vector<std::string> SeriesStore::tools() {
+    return texts_of(connection_, "SELECT tool FROM tools");
+}
+
+bool SeriesStore::has_gone() {
+    return number_of(connection_,
+                     "SELECT EXISTS (SELECT 1 FROM identities WHERE gone_run IS NOT NULL)") != 0;
+}
+
+void SeriesStore::add_gone_in_file(std::string_view path_of_file, std::string_view rule_id,
+                                   std::set<std::int64_t>& ids) {
+    add_ids(statements_->gone_in_file, path_of_file, rule_id, ids);
+}
+
+void SeriesStore::add_gone_in_function(std::string_view name, std::string_view rule_id,
+                                       std::set<std::int64_t>& ids) {
+    add_ids(statements_->gone_in_function, name, rule_id, ids);
+}
+
+std::vector<std::string> SeriesStore::gone_files(Hash const& trace) {
+    auto&             rows = statements_->gone_files;
+    std::string const bytes = bytes_of({trace});
+    Statements::bind_blob(rows, 1, bytes);
+    std::vector<std::string> paths;
+    while (rows.step()) paths.emplace_back(rows.text(0));
+    rows.reset();
+    if (paths.size() > most_files) paths.clear();
+    return paths;
+}
+
+void SeriesStore::load(std::set<std::int64_t> const& ids, StoredSide& side) {
+    for (std::int64_t const one : ids) {
+        statements_->load_one.bind(1, one);
+        add_all_to_side(statements_->load_one, side);
+    }
 }
 
 std::int64_t SeriesStore::file_of(std::string_view path_of_file) {
@@ -318,6 +413,14 @@ std::int64_t SeriesStore::file_of(std::string_view path_of_file) {
         if (known->second != 0) break;
     }
     return known->second;
+}
+
+void SeriesStore::add_tools(std::vector<std::string> const& names) {
+    Statement add_one(connection_.get(), "INSERT OR IGNORE INTO tools VALUES (?)");
+    for (std::string const& name : names) {
+        add_one.bind(1, std::string_view(name));
+        run(add_one);
+    }
 }
 
 void SeriesStore::add(std::int64_t first_run, Sighting const& sighting) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -41,18 +42,19 @@ struct Sighting {
     Finding const&    finding;
     Flagged           code;  ///< that of the finding may be forgotten
     std::vector<Hash> fingerprints;
+    Hash              trace;    ///< by which it can be found in whatever file
     std::string_view  path;     ///< of its file
     sqlite3_stmt*     columns;  ///< at a row of `SeriesStore::columns()`
 };
 
-/// Tables `runs`, `identities`, `gaps` and `files`, and the view `findings`; docs/track.md
+/// Tables `runs`, `identities`, `gaps`, `files` and `tools`, and the view `findings`; docs/track.md
 /// describes them. Members throw tables::SqlError.
 class SeriesStore {
 public:
     enum class For : std::uint8_t { reading, adding };
 
-    /// Statements fail while `is_interrupted` is true. It must outlive this object. Throws NoSeries
-    /// for reading from a file that is none.
+    /// Statements fail while `is_interrupted` is true. It must outlive this object. An empty
+    /// file is a series without runs. Throws NoSeries for reading from another file.
     SeriesStore(std::string const& file, For purpose, std::atomic<bool> const& is_interrupted);
     ~SeriesStore();
     SeriesStore(SeriesStore const&) = delete;
@@ -73,14 +75,29 @@ public:
 
     /// The open findings.
     void load_open(StoredSide& side);
-    /// The findings that are gone, of this rule of any tool.
-    void load_gone(std::string_view rule, StoredSide& side);
+    /// The paths of all findings.
+    std::vector<std::string> paths();
+    /// The tools of all runs.
+    std::vector<std::string> tools();
+
+    /// Whether any finding is gone.
+    bool has_gone();
+    // The findings that are gone, of this rule of any tool, in a file or in a function.
+    void add_gone_in_file(std::string_view path, std::string_view rule,
+                          std::set<std::int64_t>& ids);
+    void add_gone_in_function(std::string_view function, std::string_view rule,
+                              std::set<std::int64_t>& ids);
+    /// The files in which findings with this trace are gone; none if they are many.
+    std::vector<std::string> gone_files(Hash const& trace);
+    /// The findings with these ids, in their order.
+    void load(std::set<std::int64_t> const& ids, StoredSide& side);
 
     /// The columns of a finding that are kept as they are, of DiffStore's table `findings`.
     static std::vector<std::string> const& columns();
     /// The same for a statement.
     static std::string columns_sql();
 
+    void add_tools(std::vector<std::string> const& names);
     void add(std::int64_t run, Sighting const& sighting);
     void see(std::int64_t id, Sighting const& sighting);
     void note_gone(std::int64_t id, std::int64_t run);
@@ -98,6 +115,7 @@ public:
 private:
     struct Statements;
 
+    bool         is_empty();
     std::string  problem();
     std::int64_t file_of(std::string_view path);
 

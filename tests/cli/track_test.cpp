@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <sstream>
 #include <string>
@@ -111,7 +112,7 @@ TEST_F(TrackOfThreeRuns, RunThatIsThereAlreadyChangesNothing) {
     EXPECT_EQ(again.code, 0);
     EXPECT_EQ(again.out, "");
     EXPECT_EQ(again.err, "bradep: " + std::string(scratch_ / "two") + ": is in " + series_ +
-                             " already, as run 2\n");
+                             " already, as run 2; not added (--again adds it)\n");
     EXPECT_EQ(bytes_of(database()), before);
     run_command({"import", scratch_ / "two", "-o", scratch_ / "set"});
     EXPECT_NE(track({scratch_ / "set"}).err.find("as run 2"), std::string::npos);
@@ -160,10 +161,22 @@ TEST_F(TrackOfThreeRuns, SeriesOfAnotherVersionIsRefused) {
         auto const refused = track(arguments);
         EXPECT_EQ(refused.code, 1);
         EXPECT_EQ(refused.err,
-                  "bradep: " + database() + ": is a series of version 7, not of version 1\n");
+                  "bradep: " + database() + ": is a series of version 7, not of version 2\n");
     }
     EXPECT_EQ(stats({}).code, 1);
     EXPECT_EQ(bytes_of(database()), before);
+}
+
+TEST_F(TrackOfThreeRuns, DamagedSeriesIsCalledSo) {
+    auto bytes = bytes_of(database());
+    std::fill(bytes.begin() + 4096, bytes.end(), '\x55');
+    write_bytes(database(), bytes);
+    for (auto const& arguments : {std::vector<std::string>{}, {log("four", b(1))}}) {
+        auto const refused = track(arguments);
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_EQ(refused.err,
+                  "bradep: " + database() + ": is damaged (database disk image is malformed)\n");
+    }
 }
 
 TEST_F(Track, OtherFileIsRefused) {
@@ -195,6 +208,11 @@ TEST_F(Track, SeriesThatIsMissingIsMadeByTheFirstRunAlone) {
 TEST_F(Track, EmptyFileBecomesASeries) {
     fs::create_directory(series_);
     write_bytes(database(), "");
+    EXPECT_EQ(printed({"--format", "csv"}), "run,open,new,returned,fixed,suppressed,name\n");
+    EXPECT_EQ(stats({"--format", "csv"}).out, "run,open,new,returned,fixed,suppressed,name\n");
+    EXPECT_EQ(printed({"--list", "all", "--format", "csv", "--no-header"}), "");
+    EXPECT_EQ(stats({"--svg", "-"}).err, "bradep: " + database() + ": there are no runs\n");
+    EXPECT_EQ(bytes_of(database()), "");
     EXPECT_EQ(printed({log("none", "")}).substr(0, 44),
               "run 1: 0 open, 0 new, 0 returned, 0 fixed, 0");
     printed({log("one", finding("r", "m", 1))});
@@ -214,6 +232,31 @@ TEST_F(Track, SuppressedFindingsAreCountedApart) {
     EXPECT_EQ(ids("gone"), "1 2 3 ");
 }
 
+TEST_F(Track, ListsAreAsLongAsTheCountsSay) {
+    std::string const suppressed = R"(, "suppressions": [{"kind": "x"}])";
+    auto const        all = [&](std::vector<std::string> const& rules, std::string const& hidden) {
+        std::string text;
+        for (std::string const& rule : rules)
+            text += (text.empty() ? "" : ", ") +
+                    finding(rule, "m", 1, hidden.find(rule) == std::string::npos ? "" : suppressed);
+        return text;
+    };
+    std::string counted;
+    std::string listed;
+    int         number = 0;
+    for (auto const& results : {all({"a", "b", "c", "d"}, "b"), all({"a", "d"}, "d"),
+                                all({"b", "c", "d", "e", "f"}, "ceb"), all({"f"}, "")}) {
+        auto const name = log(std::to_string(++number), results);
+        counted += printed({name, "--format", "csv", "--no-header"});
+        listed += std::to_string(number);
+        for (char const* const state : {"open", "new", "returned", "fixed", "suppressed"})
+            listed += ',' + std::to_string(std::ranges::count(ids(state), ' '));
+        listed += ',' + name + '\n';
+    }
+    EXPECT_EQ(counted, listed);
+    EXPECT_NE(counted.find("\n3,2,1,0,1,3,"), std::string::npos) << counted;
+}
+
 TEST_F(Track, AbsentFindingsAreNotThere) {
     std::string const absent = R"(, "baselineState": "absent")";
     printed({log("1", finding("r", "m", 1) + "," + finding("s", "m", 2, absent)),
@@ -221,6 +264,33 @@ TEST_F(Track, AbsentFindingsAreNotThere) {
     EXPECT_EQ(ids("all"), "1 2 ");
     EXPECT_EQ(ids("fixed"), "1 ");
     EXPECT_EQ(ids("new"), "2 ");
+}
+
+// Its file and its root are not there either.
+TEST_F(Track, AbsentFindingsHaveNoPartInWhatHasMoved) {
+    auto const three = [](std::string const& uri, std::string const& more) {
+        std::string all;
+        for (char const* const rule : {"r", "s", "t"}) {
+            all += (all.empty() ? "" : ", ") + finding(rule, "m", 5, more);
+            all.replace(all.rfind("src/a.c"), 7, uri);
+        }
+        return all;
+    };
+    int        number = 0;
+    auto const add = [&](std::vector<std::string> const& before,
+                         std::vector<std::string> const& now) {
+        std::string all;
+        for (std::string const& uri : now) all += (all.empty() ? "" : ", ") + three(uri, "");
+        for (std::string const& uri : before)
+            all += ", " + three(uri, R"(, "baselineState": "absent")");
+        return printed({log(std::to_string(++number), all)}).substr(7, 43);
+    };
+    EXPECT_EQ(add({}, {"a.c"}), "3 open, 3 new, 0 returned, 0 fixed, 0 suppr");
+    EXPECT_EQ(add({"a.c"}, {"b.c"}), "3 open, 0 new, 0 returned, 0 fixed, 0 suppr");
+    fs::remove_all(series_);
+    add({}, {"/old/a.c", "/old/b.c"});
+    EXPECT_EQ(add({"/old/a.c", "/old/b.c"}, {"/new/a.c", "/new/b.c"}),
+              "6 open, 0 new, 0 returned, 0 fixed, 0 suppr");
 }
 
 TEST_F(Track, DirectoryIsOneRun) {
@@ -253,6 +323,39 @@ TEST_F(Track, FindingThatIsGoneMovesWithItsFile) {
     EXPECT_EQ(printed({"--list", "all", "--format", "csv", "--no-header"}).find(",gone,"),
               std::string::npos);
     EXPECT_EQ(ids("returned").size(), 2u);
+}
+
+std::string log_of_tools(std::vector<std::string> const& tools) {
+    std::string runs;
+    for (std::string const& tool : tools)
+        runs += (runs.empty() ? "" : ", ") + (R"({"tool": {"driver": {"name": ")" + tool) +
+                R"("}}, "results": [)" + finding("r", "m", 5) + "]}";
+    return R"({"version": "2.1.0", "runs": [)" + runs + "]}";
+}
+
+TEST_F(Track, FindingThatIsGoneBelongsToItsTool) {
+    int        number = 0;
+    auto const add = [&](std::vector<std::string> const& tools) {
+        auto const name = scratch_ / std::to_string(++number);
+        write_bytes(name, log_of_tools(tools));
+        printed({name, "--again"});
+    };
+    add({"A", "B"});
+    add({});
+    add({"B"});
+    EXPECT_EQ(ids("open"), "2 ");
+    add({});
+    add({"C"});  // a new name of either
+    EXPECT_EQ(ids("returned").size(), 2u);
+}
+
+TEST_F(Track, ToolMayGetItsOldNameBack) {
+    for (char const* const tool : {"A", "B", "A "}) {
+        std::string const name = scratch_ / tool;
+        write_bytes(name, log_of_tools({std::string(tool, 1)}));
+        printed({name, "--again"});
+    }
+    EXPECT_EQ(ids("all"), "1 ");
 }
 
 // What is equal to a finding that is gone is that one, not a changed one that is open.
@@ -302,6 +405,27 @@ TEST_F(Track, RootThatHasMovedIsGiven) {
     printed({log("1", at("/a/x.c"))});
     printed({log("2", at("/b/sub/x.c")), "--map", "/a=/b/sub"});
     EXPECT_EQ(ids("all"), "1 ");
+}
+
+TEST_F(Track, RootThatHasMovedCanBeGivenAgain) {
+    auto const at = [](std::string const& uri, int line) {
+        std::string one = finding("r", "m" + std::to_string(line), line);
+        return one.replace(one.find("src/a.c"), 7, uri);
+    };
+    auto const add = [&](std::string const& name, std::string const& results,
+                         std::vector<std::string> const& more) {
+        std::vector<std::string> arguments = {log(name, results)};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return printed(arguments).substr(7, 36);
+    };
+    std::vector<std::string> const moved = {"--again", "--map", "/a=/b/sub"};
+    std::string                    news;
+    for (int line : {10, 20, 30, 40}) news += ", " + at("/b/sub/x.c", line);
+    add("1", at("/a/x.c", 1), {});
+    EXPECT_EQ(add("2", at("/b/sub/x.c", 1), moved), "1 open, 0 new, 0 returned, 0 fixed, ");
+    EXPECT_EQ(add("3", at("/b/sub/x.c", 1) + news, moved), "5 open, 4 new, 0 returned, 0 fixed, ");
+    EXPECT_EQ(add("4", "", moved), "0 open, 0 new, 0 returned, 5 fixed, ");
+    EXPECT_EQ(add("5", at("/b/sub/x.c", 1), moved), "1 open, 0 new, 1 returned, 0 fixed, ");
 }
 
 // A kernel's checks have no message: a category with a payload.
@@ -356,6 +480,14 @@ TEST_F(TrackOfThreeRuns, PlotHasEachRunAndNoMarkupOfNames) {
     EXPECT_NE(odd.find(">a&lt;b&gt;&amp;&quot;c</text>"), std::string::npos) << odd;
     EXPECT_EQ(odd.find("a<b"), std::string::npos);
     EXPECT_EQ(odd.substr(odd.size() - 7), "</svg>\n");
+}
+
+TEST_F(Track, PlotHasNoCharactersThatXmlRefuses) {
+    printed({log("x\xEF\xBF\xBEy\xEF\xBF\xBFz\x01\xFF", "")});
+    auto const svg = stats({"--svg", "-"}).out;
+    EXPECT_EQ(svg.find("\xEF\xBF\xBE"), std::string::npos);
+    EXPECT_EQ(svg.find("\xEF\xBF\xBF"), std::string::npos);
+    EXPECT_NE(svg.find(">x\xEF\xBF\xBDy\xEF\xBF\xBDz\\u{1}\\xff</text>"), std::string::npos) << svg;
 }
 
 TEST_F(Track, PlotOfOneRun) {

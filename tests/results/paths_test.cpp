@@ -78,4 +78,31 @@ TEST(Paths, GivenRootComesFirst) {
     EXPECT_NE(files.of_old("/a/x.c"), files.of_new("/b/x.c"));
 }
 
+TEST(Paths, RootThatHadMovedOrHasNotIsNotMoved) {
+    std::vector<MovedRoot> const a_to_b = {moved_root_of("/a", "/b")};
+    std::vector<MovedRoot> const b_to_a = {moved_root_of("/b", "/a")};
+    std::vector<MovedRoot> const none;
+    EXPECT_EQ(roots_to_move(a_to_b, {"/a/x"}, {"/b/x"}), a_to_b);
+    EXPECT_EQ(roots_to_move(a_to_b, {"/a/x", "/b/y"}, {"/b/x"}), a_to_b);
+    EXPECT_EQ(roots_to_move(a_to_b, {"/a/x"}, {"/b/x", "/a/y"}), a_to_b);
+    for (auto const& roots : {a_to_b, b_to_a}) {
+        EXPECT_EQ(roots_to_move(roots, {"/a/x"}, {"/a/x"}), none);
+        EXPECT_EQ(roots_to_move(roots, {"/b/x"}, {"/b/x"}), none);
+        EXPECT_EQ(roots_to_move(roots, {}, {}), roots);
+    }
+    EXPECT_EQ(roots_to_move(b_to_a, {"/a/x"}, {"/b/x"}), none);
+}
+
+TEST(Paths, RootInTheOtherOneCanMove) {
+    for (auto const& [before, after] : std::vector<std::pair<std::string, std::string>>{
+             {"/a", "/a/sub"}, {"/a/sub", "/a"}, {"", "/a"}, {"/a", ""}}) {
+        std::vector<MovedRoot> const given = {moved_root_of(before, after)};
+        Paths const                  olds = {given[0].before + "x"};
+        Paths const                  news = {given[0].after + "x"};
+        EXPECT_EQ(roots_to_move(given, olds, news), given) << before;
+        EXPECT_TRUE(roots_to_move(given, news, news).empty()) << before;
+        EXPECT_TRUE(roots_to_move(given, olds, olds).empty()) << before;
+    }
+}
+
 }  // namespace

@@ -4,6 +4,8 @@
     series_process_test.py BRADEP
 """
 
+import contextlib
+import json
 import pathlib
 import random
 import resource
@@ -117,6 +119,21 @@ class Processes(unittest.TestCase):
             self.assertEqual((out, err, process.returncode), ("", "bradep: interrupted\n", 2))
             self.assertEqual(self.contents(), before)
 
+    def test_a_signal_ends_the_wait_for_another_process(self):
+        self.track(self.sets[0])
+        with contextlib.closing(sqlite3.connect(self.database, isolation_level=None)) as other:
+            other.execute("BEGIN IMMEDIATE")
+            process = self.start(self.sets[1])
+            with self.assertRaises(subprocess.TimeoutExpired):
+                process.wait(1)
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=10)
+            self.assertEqual((out, err, process.returncode), ("", "bradep: interrupted\n", 2))
+            process = self.start(self.sets[1])
+            time.sleep(0.2)
+            other.execute("COMMIT")
+            self.assertIn("run 2: ", process.communicate(timeout=10)[0])
+
     def test_processes_wait_for_one_another(self):
         processes = [self.start(one) for one in self.sets[:4]]
         for process in processes:
@@ -167,6 +184,34 @@ class Processes(unittest.TestCase):
         late = self.cost(RUNS - 1)
         print(f"in times of a diff: run 4 costs {early:.2f}, run {RUNS} {late:.2f}")
         self.assertLess(late, 2 * early)
+
+    def write_log(self, name, places):
+        """Findings of four rules, all of a rule with one message."""
+        results = [{"ruleId": f"r{file % 4}", "message": {"text": "The value is never read"}, "locations": [
+            {"physicalLocation": {"artifactLocation": {"uri": f"src/{file}.c"}, "region": {"startLine": line}}}]}
+                   for file, line in places]
+        log = self.directory / name
+        log.write_text(json.dumps({"version": "2.1.0", "runs": [
+            {"tool": {"driver": {"name": "Maker"}}, "results": results}]}))
+        return log
+
+    def test_adding_a_run_does_not_cost_what_is_gone(self):
+        files = 1000
+        few = self.write_log("few", [(file, 7) for file in range(100)])
+        many = self.write_log("many", [(file, line) for file in range(files) for line in range(1, 41)])
+        more = self.write_log("more", [(file, 7) for file in range(100)] + [(file, 3) for file in range(files, files + 5)])
+        seconds = {}
+        for name, runs in {"without": [few], "with": [many, few]}.items():
+            self.track(*runs)
+            kept = self.database.read_bytes()
+            costs = []
+            for _ in range(5):
+                costs.append(self.seconds_of("track", self.series, more))
+                self.database.write_bytes(kept)
+            seconds[name] = min(costs)
+            self.database.unlink()
+        print(f"seconds of user and system time: {seconds}")
+        self.assertLess(seconds["with"], 2 * seconds["without"])
 
 
 if __name__ == "__main__":

@@ -90,7 +90,8 @@ class SeriesTruth(unittest.TestCase):
         log.write(file, sources)
         given = ["--source", sources] if log.config.text == "source" else []
         counts = json.loads(self.run_bradep("track", directory / "series", file, *given, "--format", "ndjson"))
-        listed = self.run_bradep("track", directory / "series", "--list", "open", "--format", "ndjson")
+        listed = "".join(self.run_bradep("track", directory / "series", "--list", state, "--format", "ndjson")
+                         for state in ["open", "suppressed"])
         expected = truth.expected(log)
         tracked = truth.tracked(log, [json.loads(line) for line in listed.splitlines()])
         mistakes = [f"not found: {count} {one}" for one, count in (expected - tracked).items()]

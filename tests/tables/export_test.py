@@ -197,6 +197,19 @@ class Export(unittest.TestCase):
         self.assertEqual([process.wait(timeout=600) for process in processes], [0, 0])
         self.expect(self.expected, "sqlite", target)
 
+    def test_a_signal_ends_the_wait_for_another_process(self):
+        target = self.own / "out.db"
+        self.export(self.sets[:1], "sqlite", target)
+        before = contents(target)
+        with contextlib.closing(sqlite3.connect(target, isolation_level=None)) as other:
+            other.execute("BEGIN IMMEDIATE")
+            process = subprocess.Popen([self.bradep, "export", *self.sets[1:], "--sqlite", target])
+            with self.assertRaises(subprocess.TimeoutExpired):
+                process.wait(timeout=1)
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(timeout=10), -signal.SIGINT)
+        self.assertEqual(contents(target), before)
+
     def test_only_one_process_writes_to_a_directory(self):
         for kind, target in self.for_each_target(FORMATS):
             self.export(self.sets[:1], kind, target)

@@ -123,8 +123,9 @@ auto guarded(std::string const& name, Work const& work) {
     try {
         return work();
     } catch (SqlError const& error) {
-        int const code = error.code & 0xFF;
-        if (code == SQLITE_INTERRUPT) throw Interrupted();
+        int const  code = error.code & 0xFF;
+        bool const is_waiting = code == SQLITE_BUSY && Interruption::has_come();
+        if (code == SQLITE_INTERRUPT || is_waiting) throw Interrupted();
         if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT)
             throw DamagedInput(name + ": is no database that export has written (" + error.what() +
                                ')');
@@ -145,7 +146,7 @@ DatabaseExport::DatabaseExport(std::string const& path, File file, std::string n
     guarded(name_, [&] {
         connection_.interrupt_by(Interruption::has_come());
         connection_.run(
-            "PRAGMA busy_timeout = 60000; PRAGMA cache_size = -65536; PRAGMA temp_store = FILE;"
+            "PRAGMA cache_size = -65536; PRAGMA temp_store = FILE;"
             "PRAGMA threads = 2");
         if (file == File::exported) return open_exported();
         // An incomplete one is removed, so nothing needs to be undone.

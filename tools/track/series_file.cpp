@@ -50,10 +50,12 @@ SeriesFile::SeriesFile(std::string const& directory, SeriesStore::For purpose)
 void SeriesFile::refuse(SqlError const& error) const {
     switch (error.code & 0xFF) {
         case SQLITE_INTERRUPT: throw IoFailure("interrupted");
-        case SQLITE_BUSY: throw IoFailure("cannot use " + name_ + ": another process adds to it");
+        case SQLITE_BUSY:
+            if (Interruption::has_come()) throw IoFailure("interrupted");
+            throw IoFailure("cannot use " + name_ + ": another process adds to it");
         case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
             throw DamagedInput(name_ + ": is no series of runs (" + error.what() + ')');
+        case SQLITE_CORRUPT: throw DamagedInput(name_ + ": is damaged (" + error.what() + ')');
         default: throw IoFailure("cannot use " + name_ + ": " + error.what());
     }
 }

@@ -1,6 +1,7 @@
 #include "track/series_plot.hpp"
 
 #include <sml/inspect/text/quote.hpp>
+#include <sml/results/paths.hpp>
 #include "terminal.hpp"
 
 #include <algorithm>
@@ -56,9 +57,17 @@ std::string text_of(std::uint64_t count) {
     return text;
 }
 
+// In place of U+FFFE and U+FFFF, which no XML may have, stands U+FFFD.
+std::string with_characters_of_xml(std::string text) {
+    for (std::string_view const refused : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"})
+        for (auto at = text.find(refused); at != std::string::npos; at = text.find(refused, at))
+            text.replace(at, refused.size(), "\xEF\xBF\xBD");
+    return text;
+}
+
 std::string escaped(std::string_view text) {
     std::string all;
-    for (char const c : sml::inspect::printable(text)) switch (c) {
+    for (char const c : with_characters_of_xml(sml::inspect::printable(text))) switch (c) {
             case '&': all += "&amp;"; break;
             case '<': all += "&lt;"; break;
             case '>': all += "&gt;"; break;
@@ -81,8 +90,6 @@ std::uint64_t step_of(std::uint64_t most) {
     return round_number([&](std::uint64_t step) { return most / step <= 4; });
 }
 
-std::string_view last_part(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
 std::string_view directory_of(std::string_view path) {
     auto const slash = path.rfind('/');
     return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
@@ -92,7 +99,8 @@ std::string_view directory_of(std::string_view path) {
 void remove_common_ends(std::vector<std::string_view>& names) {
     auto const are_common = [&] {
         return std::ranges::all_of(names, [&](std::string_view name) {
-            return last_part(name) == last_part(names.front()) && !directory_of(name).empty();
+            return sml::results::name_in(name) == sml::results::name_in(names.front()) &&
+                   !directory_of(name).empty();
         });
     };
     while (names.size() > 1 && are_common())
@@ -130,7 +138,7 @@ std::vector<std::string> labels_of(std::vector<PlottedRun> const& runs) {
     }
     remove_common_ends(names);
     for (std::string_view& name : names) {
-        name = last_part(name);
+        name = sml::results::name_in(name);
         name = without_suffix(name);
     }
     remove_common_word(names);

@@ -1,7 +1,9 @@
 #include <sml/tables/sqlite/connection.hpp>
 
+#include <chrono>
 #include <limits>
 #include <new>
+#include <thread>
 
 namespace sml::tables {
 
@@ -77,12 +79,27 @@ Connection::Connection(std::string const& file, int flags) {
     sqlite3_extended_result_codes(connection, 1);
 }
 
+namespace {
+
+bool is_set(void* flag) { return static_cast<std::atomic<bool> const*>(flag)->load(); }
+
+// Called when another connection holds the lock, for the `count`th time in turn.
+int wait_for_lock(void* flag, int count) {
+    constexpr auto step = std::chrono::milliseconds(10);
+    constexpr auto longest = std::chrono::minutes(1);
+    if (is_set(flag) || count * step >= longest) return 0;
+    std::this_thread::sleep_for(step);
+    return 1;
+}
+
+}  // namespace
+
 void Connection::interrupt_by(std::atomic<bool> const& is_interrupted) {
     constexpr int steps = 1000;  // of a statement's program between two questions
-    auto const    ask = [](void* flag) {
-        return static_cast<std::atomic<bool> const*>(flag)->load() ? 1 : 0;
-    };
-    sqlite3_progress_handler(get(), steps, ask, const_cast<std::atomic<bool>*>(&is_interrupted));
+    auto const    ask = [](void* flag) { return is_set(flag) ? 1 : 0; };
+    auto* const   flag = const_cast<std::atomic<bool>*>(&is_interrupted);
+    sqlite3_progress_handler(get(), steps, ask, flag);
+    sqlite3_busy_handler(get(), wait_for_lock, flag);
 }
 
 void Connection::run(std::string const& sql) {

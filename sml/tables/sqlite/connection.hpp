@@ -74,8 +74,9 @@ public:
 
     sqlite3* get() const { return connection_.get(); }
 
-    /// Makes statements fail with SQLITE_INTERRUPT while `is_interrupted` is true. It must outlive
-    /// this object.
+    /// Makes statements wait for other connections for a minute at most, and then fail with
+    /// SQLITE_BUSY. While `is_interrupted` is true, they fail with SQLITE_INTERRUPT, or SQLITE_BUSY
+    /// if they have to wait. It must outlive this object.
     void interrupt_by(std::atomic<bool> const& is_interrupted);
 
     /// Runs statements without results. Throws SqlError.

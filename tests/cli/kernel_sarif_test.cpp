@@ -160,7 +160,7 @@ TEST_F(KernelSarif, FingerprintsStayThoughLinesRootsAndOrdinalsMove) {
 
 TEST_F(KernelSarif, PathsAreUris) {
     std::vector<std::pair<std::string, std::string>> const uris = {
-        {"C:\\work\\a b.c", "file:///C:/work/a%20b.c"},
+        {"C:\\src\\a b.c", "file:///C:/src/a%20b.c"},
         {"/src/a%b.c", "file:///src/a%25b.c"},
         {"file:///src/a.c", "file:///src/a.c"},
         {"a:b.c", "a%3Ab.c"},

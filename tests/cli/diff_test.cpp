@@ -195,6 +195,32 @@ TEST_F(Diff, SarifKeepsRunsOfToolsThatAreGone) {
     EXPECT_EQ(value.at_pointer("/runs/1/results/0/ruleIndex"), 0);
 }
 
+TEST_F(Diff, SarifRefersToRulesByTheirIds) {
+    auto const with_rule = [&](std::string const& name, std::string const& rules, int index) {
+        write_bytes(scratch_ / name,
+                    R"({"version": "2.1.0", "runs": [{"tool": {"driver": {"name": )"
+                    R"("T", "rules": [)" +
+                        rules + R"(]}}, "results": [)" +
+                        result(name, name, 3, R"(, "ruleIndex": )" + std::to_string(index)) +
+                        "]}]}");
+        return std::string(scratch_ / name);
+    };
+    auto const news = with_rule("new", R"({"id": "new"})", 0);
+    auto const log = boost::json::parse(
+        diff({with_rule("old", R"({"id": "old"})", 0), news, "--format", "sarif"}).out);
+    auto const& rules = log.at_pointer("/runs/0/tool/driver/rules").as_array();
+    for (auto const& one : log.at_pointer("/runs/0/results").as_array()) {
+        auto const index = static_cast<std::size_t>(one.at("ruleIndex").as_int64());
+        EXPECT_EQ(rules.at(index).at("id"), one.at("ruleId"));
+    }
+    auto const nameless =
+        boost::json::parse(diff({with_rule("old", R"({"name": "a"})", 0),
+                                 with_rule("new", R"({"name": "b"})", 0), "--format", "sarif"})
+                               .out);
+    EXPECT_TRUE(nameless.at_pointer("/runs/0/results/0").as_object().contains("ruleIndex"));
+    EXPECT_FALSE(nameless.at_pointer("/runs/0/results/1").as_object().contains("ruleIndex"));
+}
+
 TEST_F(DiffOfAll, SarifHasKernelChecks) {
     ResultSet olds;
     ResultSet news;

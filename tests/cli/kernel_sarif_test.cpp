@@ -134,6 +134,13 @@ TEST_F(KernelSarif, ClassTellsTheLevel) {
     auto const result = only_result();
     EXPECT_EQ(result.at("level"), "error");
     EXPECT_EQ(result.at_pointer("/properties/class"), "CRITICAL_CHK");
+
+    sml::Check_Classification::T_Check_Classification other;
+    other.choose<"INPUT_IMPACT">();
+    check("a.c", 1, 3).classifications.insert(other);
+    auto const with_both = only_result();
+    EXPECT_EQ(with_both.at("level"), "error");
+    EXPECT_EQ(with_both.at_pointer("/properties/class"), "CRITICAL_CHK,INPUT_IMPACT");
 }
 
 std::vector<std::string> fingerprints(json::array const& results) {

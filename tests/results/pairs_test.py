@@ -8,26 +8,17 @@ BRADEP_SEED chooses them; the seed is printed.
 """
 
 import json
-import os
-import pathlib
 import random
 import subprocess
 import sys
-import tempfile
 import unittest
 
 from pairs import CONFIGS, ROOTS, Pair
+from seeded import Seeded
 
 
-class Pairs(unittest.TestCase):
+class Pairs(Seeded):
     bradep, findings, pairs, kinds = None, 300, 2, len(CONFIGS)
-
-    def setUp(self):
-        self.seed = int(os.environ.get("BRADEP_SEED", random.SystemRandom().getrandbits(32)))
-        print(f"BRADEP_SEED={self.seed}", flush=True)
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.directory = pathlib.Path(directory.name)
 
     def diff(self, pair, directory):
         files, sources = [], []

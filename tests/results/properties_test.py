@@ -8,34 +8,29 @@ BRADEP_SEED chooses the logs; the seed is printed.
 
 import json
 import os
-import pathlib
 import random
 import signal
 import sqlite3
 import subprocess
 import sys
-import tempfile
 import unittest
 
 from pairs import Config, Pair
+from seeded import Seeded
 
 PARTS = 3
 SWAPPED = {"new": "absent", "absent": "new", "unchanged": "unchanged", "updated": "updated"}
 
 
-class Properties(unittest.TestCase):
+class Properties(Seeded):
     bradep = None
 
     def setUp(self):
-        seed = int(os.environ.get("BRADEP_SEED", random.SystemRandom().getrandbits(32)))
-        print(f"BRADEP_SEED={seed}", flush=True)
-        self.rng = random.Random(seed)
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.directory = pathlib.Path(directory.name)
+        super().setUp()
+        self.rng = random.Random(self.seed)
         config = Config(text=self.rng.choice(["none", "snippet", "context"]), functions=self.rng.random() < 0.5,
                         fingerprints=self.rng.random() < 0.3, roots=self.rng.choice([("", ""), ("/a/", "c:/b/")]))
-        self.pair = Pair(seed, 400, config)
+        self.pair = Pair(self.seed, 400, config)
         self.logs = []
         for side in ["old", "new"]:
             self.logs.append(self.directory / f"{side}.sarif")

@@ -9,15 +9,13 @@ of logs, by default of all. BRADEP_SEED chooses them; the seed is printed.
 
 import collections
 import json
-import os
-import pathlib
 import random
 import subprocess
 import sys
-import tempfile
 import unittest
 
 from pairs import CONFIGS, ROOTS, Log, SeriesMaker
+from seeded import Seeded
 
 
 class Truth:
@@ -68,16 +66,12 @@ class Truth:
         return log.uri(file), line, one.column, one.rule, log.message(one)
 
 
-class SeriesTruth(unittest.TestCase):
+class SeriesTruth(Seeded):
     maxDiff = None
     bradep, findings, runs, kinds = None, 200, 10, len(CONFIGS)
 
     def setUp(self):
-        self.seed = int(os.environ.get("BRADEP_SEED", random.SystemRandom().getrandbits(32)))
-        print(f"BRADEP_SEED={self.seed}", flush=True)
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.directory = pathlib.Path(directory.name)
+        super().setUp()
         self.states = collections.Counter()
 
     def run_bradep(self, *arguments):

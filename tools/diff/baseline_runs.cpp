@@ -1,21 +1,26 @@
 #include "diff/baseline_runs.hpp"
 
+#include "sarif/fitting.hpp"
+#include "sarif/json_members.hpp"
+
+#include <algorithm>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace bradep {
 
 namespace json = sarif::json;
+using sarif::index_in;
+using sarif::list_in;
+using sarif::object_in;
+using sarif::text_in;
 
 namespace {
 
 std::string name_of_tool(sarif::LogSource const& source, std::size_t number) {
-    json::value const         run = source.run(number);
-    boost::system::error_code error;
-    auto const* const         name = run.find_pointer("/tool/driver/name", error);
-    auto const* const         text = name ? name->if_string() : nullptr;
-    return text ? std::string(*text) : std::string();
+    auto const        run = source.run(number);
+    auto const* const driver = object_in(object_in(&run, "tool"), "driver");
+    return text_in(driver, "name");
 }
 
 bool has_results(sarif::LogSource const& source, std::size_t run) {
@@ -24,32 +29,26 @@ bool has_results(sarif::LogSource const& source, std::size_t run) {
     return has_some;
 }
 
-json::object* object_in(json::object* object, std::string_view name) {
-    auto* const value = object ? object->if_contains(name) : nullptr;
-    return value ? value->if_object() : nullptr;
+template <class Run>
+auto* rules_in(Run& run) {
+    return list_in(object_in(object_in(&run, "tool"), "driver"), "rules");
 }
 
-// The driver's rules; null if there are none.
-json::array* rules_in(json::object& run) {
-    auto* const driver = object_in(object_in(&run, "tool"), "driver");
-    auto* const rules = driver ? driver->if_contains("rules") : nullptr;
-    return rules ? rules->if_array() : nullptr;
+// How many of the rules a log will have: those that SARIF does not allow stand behind the others.
+std::size_t count_fitting(json::array const& rules) {
+    auto const fits = [](json::value rule) {
+        sarif::LeftOut not_counted;
+        return make_fit(rule, sarif::schema::reporting_descriptor, "", not_counted);
+    };
+    return static_cast<std::size_t>(std::ranges::find_if_not(rules, fits) - rules.begin());
 }
 
-std::string text_in(json::value const& object, std::string_view name) {
-    auto const* const members = object.if_object();
-    auto const* const value = members ? members->if_contains(name) : nullptr;
-    auto const* const text = value ? value->if_string() : nullptr;
-    return text ? std::string(*text) : std::string();
-}
-
-// The rule of the driver that a result refers to.
+// The rule of the driver that a result refers to; null for one that has no id to be known by.
 json::value const* rule_of(json::object const& result, json::array const* rules) {
-    auto const* const value = result.if_contains("ruleIndex");
-    auto const* const index = value ? value->if_int64() : nullptr;
-    if (!index || !rules || *index < 0 || std::cmp_greater_equal(*index, rules->size()))
-        return nullptr;
-    return &(*rules)[static_cast<std::size_t>(*index)];
+    auto const index = index_in(&result, "ruleIndex");
+    if (!index || !rules || *index >= rules->size()) return nullptr;
+    json::value const& rule = (*rules)[*index];
+    return text_in(rule.if_object(), "id").empty() ? nullptr : &rule;
 }
 
 // Adds what the old run's results need of it and the new run does not have.
@@ -94,12 +93,12 @@ json::object BaselineRuns::run(std::size_t number) const {
 }
 
 void BaselineRuns::add_rules(json::object& run, std::size_t number) const {
-    Rules&      known = rules_[number];
-    json::array added;
-    auto* const own = rules_in(run);
-    std::size_t count = own ? own->size() : 0;
-    for (std::size_t i = 0; i < count; ++i)
-        known.try_emplace(text_in((*own)[i], "id"), static_cast<std::int64_t>(i));
+    Rules&            known = rules_[number];
+    json::array       added;
+    auto* const       own = rules_in(run);
+    std::size_t const fitting = own ? count_fitting(*own) : 0;
+    for (std::size_t i = 0; i < fitting; ++i)
+        known.try_emplace(text_in((*own)[i].if_object(), "id"), static_cast<std::int64_t>(i));
     for (std::size_t const old_number : absent_.at(number)) {
         auto              old_run = olds_.run(old_number);
         auto const* const old_rules = rules_in(old_run);
@@ -108,17 +107,16 @@ void BaselineRuns::add_rules(json::object& run, std::size_t number) const {
             has_results = true;
             auto const* const rule = rule_of(result, old_rules);
             if (!rule) return;
-            auto const [at, is_new] =
-                known.try_emplace(text_in(*rule, "id"), static_cast<std::int64_t>(count));
-            if (!is_new) return;
-            added.push_back(*rule);
-            ++count;
+            auto const index = static_cast<std::int64_t>(fitting + added.size());
+            if (known.try_emplace(text_in(rule->if_object(), "id"), index).second)
+                added.push_back(*rule);
         });
         if (has_results) add_base_uris(run, old_run);
     }
     if (added.empty()) return;
     if (own)
-        own->insert(own->end(), added.begin(), added.end());
+        own->insert(own->begin() + static_cast<std::ptrdiff_t>(fitting), added.begin(),
+                    added.end());
     else if (auto* const driver = object_in(object_in(&run, "tool"), "driver"))
         (*driver)["rules"] = std::move(added);
 }
@@ -135,10 +133,9 @@ void BaselineRuns::results(std::size_t run, ResultSink const& sink) const {
         auto const* const old_rules = rules_in(old_object);
         olds_.results(old_run, [&](std::string const& key, json::object&& result) {
             auto const* const rule = rule_of(result, old_rules);
-            if (rule)
-                result["ruleIndex"] = known.at(text_in(*rule, "id"));
-            else
-                result.erase("rule");  // of an extension: that may stand elsewhere
+            result.erase("rule");  // of an extension: that may stand elsewhere
+            result.erase("ruleIndex");
+            if (rule) result["ruleIndex"] = known.at(text_in(rule->if_object(), "id"));
             sink(key, std::move(result));
         });
     }

@@ -283,8 +283,9 @@ private:
 
     // A set has no colours, but some checks have been classified.
     std::string_view level_of_finding() const {
-        for (std::string_view const severe : {"CRITICAL", "CRITICAL_CHK", "PROVEN"})
-            if (findings_.text(class_) == severe) return "error";
+        auto const classes = ',' + std::string(findings_.text(class_)) + ',';
+        for (char const* const severe : {",CRITICAL,", ",CRITICAL_CHK,", ",PROVEN,"})
+            if (classes.find(severe) != std::string::npos) return "error";
         return findings_.text(level);
     }
 

@@ -1,5 +1,6 @@
 #include "sarif/upload_limits.hpp"
 
+#include "sarif/json_members.hpp"
 #include "signals.hpp"
 
 #include <algorithm>
@@ -12,28 +13,6 @@
 namespace bradep::sarif {
 
 namespace {
-
-json::array* list_in(json::object& object, std::string_view name) {
-    auto* const value = object.if_contains(name);
-    return value ? value->if_array() : nullptr;
-}
-
-json::object* object_in(json::object& object, std::string_view name) {
-    auto* const value = object.if_contains(name);
-    return value ? value->if_object() : nullptr;
-}
-
-json::object const* object_in(json::object const* object, std::string_view name) {
-    auto const* const value = object ? object->if_contains(name) : nullptr;
-    return value ? value->if_object() : nullptr;
-}
-
-std::optional<std::size_t> index_in(json::object const* object, std::string_view name) {
-    auto const* const value = object ? object->if_contains(name) : nullptr;
-    auto const* const index = value ? value->if_int64() : nullptr;
-    if (!index || *index < 0) return std::nullopt;
-    return static_cast<std::size_t>(*index);
-}
 
 // Leaves the first elements; returns how many others there were.
 std::size_t cut_list(json::array* list, std::size_t most) {
@@ -54,8 +33,7 @@ void for_each_object(json::array* list, Use const& use) {
 void erase_if_empty(json::array* objects, std::string_view name) {
     if (objects == nullptr) return;
     auto const is_empty = [&](json::value& one) {
-        auto* const object = one.if_object();
-        auto* const list = object ? list_in(*object, name) : nullptr;
+        auto* const list = list_in(one.if_object(), name);
         return list && list->empty();
     };
     objects->erase(std::remove_if(objects->begin(), objects->end(), is_empty), objects->end());
@@ -74,10 +52,7 @@ constexpr std::array<std::string_view, 4> levels = {"none", "note", "warning", "
 
 // The position in `levels`; behind them for another one.
 std::size_t level_of(json::object const& result) {
-    auto const* const value = result.if_contains("level");
-    auto const* const text = value ? value->if_string() : nullptr;
-    std::string_view  name = "warning";
-    if (text) name = *text;
+    auto const name = result.contains("level") ? text_in(&result, "level") : "warning";
     return static_cast<std::size_t>(std::ranges::find(levels, name) - levels.begin());
 }
 
@@ -125,17 +100,17 @@ std::vector<bool> heaviest(std::vector<RunWeight> const& runs, std::size_t most)
 json::object LimitedRuns::run(std::size_t number) const {
     auto        run = all_.run(kept_[number]);
     Kept const& kept = kept_of(number);
-    auto* const tool = object_in(run, "tool");
+    auto* const tool = object_in(&run, "tool");
     if (!tool) return run;
-    if (auto* const driver = object_in(*tool, "driver")) keep_rules(*driver, 0, kept);
+    if (auto* const driver = object_in(tool, "driver")) keep_rules(*driver, 0, kept);
     std::size_t component = 0;
-    for_each_object(list_in(*tool, "extensions"),
+    for_each_object(list_in(tool, "extensions"),
                     [&](json::object& extension) { keep_rules(extension, ++component, kept); });
     return run;
 }
 
 void LimitedRuns::keep_rules(json::object& component, std::size_t number, Kept const& kept) const {
-    auto* const rules = list_in(component, "rules");
+    auto* const rules = list_in(&component, "rules");
     if (!rules) return;
     if (!kept.has_all_rules) {
         json::array left;
@@ -145,8 +120,8 @@ void LimitedRuns::keep_rules(json::object& component, std::size_t number, Kept c
         *rules = std::move(left);
     }
     for_each_object(rules, [&](json::object& rule) {
-        if (auto* const bag = object_in(rule, "properties"))
-            cut_.tags += cut_list(list_in(*bag, "tags"), limits_.tags);
+        if (auto* const bag = object_in(&rule, "properties"))
+            cut_.tags += cut_list(list_in(bag, "tags"), limits_.tags);
     });
 }
 
@@ -183,12 +158,12 @@ LimitedRuns::Kept const& LimitedRuns::kept_of(std::size_t run) const {
 void LimitedRuns::choose_rules(std::size_t run, Kept& kept) const {
     std::size_t count = 0;
     auto        given = all_.run(kept_[run]);
-    if (auto* const tool = object_in(given, "tool")) {
+    if (auto* const tool = object_in(&given, "tool")) {
         auto const add = [&](json::object& component) {
-            if (auto const* const rules = list_in(component, "rules")) count += rules->size();
+            if (auto const* const rules = list_in(&component, "rules")) count += rules->size();
         };
-        if (auto* const driver = object_in(*tool, "driver")) add(*driver);
-        for_each_object(list_in(*tool, "extensions"), add);
+        if (auto* const driver = object_in(tool, "driver")) add(*driver);
+        for_each_object(list_in(tool, "extensions"), add);
     }
     kept.has_all_rules = count <= limits_.rules;
     if (kept.has_all_rules) return;
@@ -230,13 +205,13 @@ void LimitedRuns::trim(json::object& result, Kept const& kept) const {
             result["rule"].get_object()["index"] = index;
     }
     for (std::string_view const name : {"locations", "relatedLocations"})
-        cut_.locations += cut_list(list_in(result, name), limits_.locations);
+        cut_.locations += cut_list(list_in(&result, name), limits_.locations);
     std::size_t left = limits_.flow_locations;
-    auto* const flows = list_in(result, "codeFlows");
+    auto* const flows = list_in(&result, "codeFlows");
     for_each_object(flows, [&](json::object& flow) {
-        auto* const threads = list_in(flow, "threadFlows");
+        auto* const threads = list_in(&flow, "threadFlows");
         for_each_object(threads, [&](json::object& thread) {
-            auto* const steps = list_in(thread, "locations");
+            auto* const steps = list_in(&thread, "locations");
             cut_.flow_locations += cut_list(steps, left);
             if (steps) left -= steps->size();
         });

@@ -19,7 +19,7 @@ namespace bradep::sarif {
 struct UploadLimits {
     std::size_t   runs = 20;
     std::size_t   results = 25'000;           ///< of a run
-    std::size_t   rules = 25'000;             ///< of a tool component
+    std::size_t   rules = 25'000;             ///< of a run
     std::size_t   tags = 20;                  ///< of a rule
     std::size_t   locations = 1'000;          ///< of a result
     std::size_t   flow_locations = 10'000;    ///< of a result, in all of its flows

@@ -1,10 +1,13 @@
 #include <sml/tables/rows_ahead.hpp>
 
-#include <array>
+#include <condition_variable>
 #include <cstdint>
-#include <future>
+#include <deque>
+#include <exception>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -55,36 +58,118 @@ struct Batch {
     }
 };
 
+/// Batches on their way from the thread that reads rows to the one that takes them.
+class Belt {
+public:
+    /// The next batch that has been read. Waits for it, and throws what reading it threw.
+    std::unique_ptr<Batch> take() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return !read_.empty() || error_ != nullptr; });
+        if (read_.empty()) std::rethrow_exception(error_);
+        auto batch = std::move(read_.front());
+        read_.pop_front();
+        return batch;
+    }
+
+    /// Gives back a batch that is no longer needed.
+    void give_back(std::unique_ptr<Batch> batch) {
+        std::unique_lock const lock(mutex_);
+        empty_.push_back(std::move(batch));
+        changed_.notify_all();
+    }
+
+    /// A batch to read into. Waits for one; null if no more are wanted.
+    std::unique_ptr<Batch> take_empty() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return !empty_.empty() || is_stopped_; });
+        if (is_stopped_) return nullptr;
+        auto batch = std::move(empty_.back());
+        empty_.pop_back();
+        return batch;
+    }
+
+    void put(std::unique_ptr<Batch> batch) {
+        std::unique_lock const lock(mutex_);
+        read_.push_back(std::move(batch));
+        changed_.notify_all();
+    }
+
+    /// Reading has failed: nothing more is put.
+    void fail(std::exception_ptr error) {
+        std::unique_lock const lock(mutex_);
+        error_ = std::move(error);
+        changed_.notify_all();
+    }
+
+    void stop() {
+        std::unique_lock const lock(mutex_);
+        is_stopped_ = true;
+        changed_.notify_all();
+    }
+
+private:
+    std::mutex                          mutex_;
+    std::condition_variable             changed_;
+    std::deque<std::unique_ptr<Batch>>  read_;
+    std::vector<std::unique_ptr<Batch>> empty_;
+    std::exception_ptr                  error_;
+    bool                                is_stopped_ = false;
+};
+
 class RowsAhead : public RowStream {
 public:
     RowsAhead(std::unique_ptr<RowStream> rows, std::size_t columns)
         : rows_(std::move(rows)), columns_(columns) {}
 
+    ~RowsAhead() override {
+        belt_.stop();
+        if (reader_.joinable()) reader_.join();
+    }
+
     bool next() override {
-        if (++at_ < present().numbers.size()) return true;
-        if (is_begun_ && !present().is_full()) return false;
-        if (is_begun_)
-            reading_.get();
-        else
-            read(following());
-        is_begun_ = true;
-        present_ = 1 - present_;
-        at_ = 0;
-        if (present().is_full())
-            reading_ = std::async(std::launch::async, [this] { read(following()); });
-        return !present().numbers.empty();
+        if (present_ == nullptr) {
+            begin();
+        } else if (++at_ >= present_->numbers.size()) {
+            if (!present_->is_full()) return false;
+            belt_.give_back(std::move(present_));
+            present_ = belt_.take();
+            at_ = 0;
+        }
+        return at_ < present_->numbers.size();
     }
 
     Cell cell(std::size_t column) override {
-        return present().cells[at_ * (columns_ - 1) + column - 1];
+        return present_->cells[at_ * (columns_ - 1) + column - 1];
     }
-    std::int64_t  row() const override { return present().numbers[at_]; }
-    std::uint64_t offset() const override { return present().offsets[at_]; }
+    std::int64_t  row() const override { return present_->numbers[at_]; }
+    std::uint64_t offset() const override { return present_->offsets[at_]; }
 
 private:
-    Batch&       following() { return batches_[1 - present_]; }
-    Batch&       present() { return batches_[present_]; }
-    Batch const& present() const { return batches_[present_]; }
+    static constexpr int batches = 4;
+
+    // A table that fits into one batch needs no thread.
+    void begin() {
+        present_ = std::make_unique<Batch>();
+        read(*present_);
+        if (!present_->is_full()) return;
+        for (int i = 1; i < batches; ++i) belt_.give_back(std::make_unique<Batch>());
+        reader_ = std::thread([this] { read_all(); });
+    }
+
+    void read_all() {
+        try {
+            bool is_last = false;
+            while (!is_last) {
+                auto batch = belt_.take_empty();
+                if (batch == nullptr) return;
+                read(*batch);
+                is_last = !batch->is_full();
+                belt_.put(std::move(batch));
+            }
+        } catch (...) {
+            belt_.fail(std::current_exception());
+        }
+    }
 
     void read(Batch& batch) {
         batch.clear();
@@ -98,11 +183,10 @@ private:
 
     std::unique_ptr<RowStream> rows_;
     std::size_t                columns_;
-    std::array<Batch, 2>       batches_;
-    std::size_t                present_ = 0;  // the one that rows are taken from
+    std::unique_ptr<Batch>     present_;  // the one that rows are taken from
     std::size_t                at_ = 0;
-    bool                       is_begun_ = false;
-    std::future<void>          reading_;  // its destructor waits for the thread
+    Belt                       belt_;
+    std::thread                reader_;
 };
 
 }  // namespace

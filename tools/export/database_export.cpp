@@ -176,21 +176,22 @@ bool DatabaseExport::add(std::shared_ptr<ResultSets const> added) {
         if (is_first) create_tables(sets);
         if (root_ != sets.schema().root) refuse_other_root(name_, *root_, sets);
         if (!is_first && has(sets.identity(1))) return false;
-        auto const number = next_number();
-        if (is_first)
-            first_ = {added, number,
-                      std::async(std::launch::async, [added] { added->identity(1); })};
+        auto const  number = next_number();
         auto const  tables = sources_of(sets);
         SetProgress progress(err_, sets.set(1), tables.size());
         for (auto const& table : tables) {
             if (!is_first || table->name() != name_of_list) insert(*table, number, progress);
             progress.next_table();
         }
+        if (is_first)
+            first_ = {added, number,
+                      std::async(std::launch::async, [added] { added->identity(1); })};
         return true;
     });
 }
 
-// It is not there already, so its rows and the indexes need not wait for its digest.
+// It is not there already, so its rows need not wait for its digest. That is computed beside the
+// indexes, which take one thread; rows take two.
 void DatabaseExport::list_first() {
     if (!first_) return;
     first_->identity.get();

@@ -7,8 +7,8 @@
 
 namespace sml::tables {
 
-/// The same rows with all columns, read some thousand cells ahead by another thread. Their texts last
-/// until the next row. The memory that it takes does not depend on the number of rows.
+/// The same rows with all columns, read some thousand cells ahead by another thread. Their texts
+/// last until the next row. The memory that it takes does not depend on the number of rows.
 std::unique_ptr<RowStream> rows_ahead(std::unique_ptr<RowStream> rows, std::size_t columns);
 
 }  // namespace sml::tables

@@ -371,17 +371,18 @@ class Run:
             return self.driver
         at, name, guid = given(reference, "index"), given(reference, "name"), given(reference, "guid")
         taxonomies = given(self.run, "taxonomies") or []
+
+        def first_with(key, wanted):
+            lists = [*(taxonomies if isinstance(taxonomies, list) else []), *self.extensions, self.driver]
+            return next((one for one in lists if isinstance(wanted, str) and given(one, key) == wanted), None)
+
+        known = first_with("guid", guid)
+        if known is not None:
+            return known
         taxonomy, extension = at_index(taxonomies, at), at_index(self.extensions, at)
         if taxonomy is not None and not (isinstance(name, str) and given(extension, "name") == name):
             return taxonomy
-        if extension is not None:
-            return extension
-        for key, wanted in (("guid", guid), ("name", name)):
-            if isinstance(wanted, str):
-                for one in [*(taxonomies if isinstance(taxonomies, list) else []), *self.extensions, self.driver]:
-                    if given(one, key) == wanted:
-                        return one
-        return None
+        return extension if extension is not None else first_with("name", name)
 
     def descriptor(self, reference, lists):
         component = self.any_component(given(reference, "toolComponent"))

@@ -35,6 +35,8 @@ json::value const* RunLists::shared(schema::Type const& type, json::value const&
 
 json::value const* RunLists::component(json::value const* reference) const {
     if (reference == nullptr) return driver_;
+    if (auto const guid = found_text(reference, "guid"))
+        if (auto const known = by_guid_.find(*guid); known != by_guid_.end()) return known->second;
     auto const        name = found_text(reference, "name");
     auto const* const index = found(reference, "index");
     auto const* const taxonomy = indexed(taxonomies_, index);
@@ -42,8 +44,6 @@ json::value const* RunLists::component(json::value const* reference) const {
     bool const        is_extension = name && found_text(extension, "name") == name;
     if (taxonomy && !is_extension) return taxonomy;
     if (extension) return extension;
-    if (auto const guid = found_text(reference, "guid"))
-        if (auto const known = by_guid_.find(*guid); known != by_guid_.end()) return known->second;
     auto const known = name ? by_name_.find(*name) : by_name_.end();
     return known == by_name_.end() ? nullptr : known->second;
 }

@@ -36,9 +36,10 @@ public:
     /// itself are taken from there.
     json::value const* shared(schema::Type const& type, json::value const& object) const;
 
-    /// The component that a toolComponentReference refers to; without one, the driver. An index may
-    /// be one of the taxonomies of the run or of the tool's extensions: it is that of the list
-    /// where it has the name that the reference gives, else of the first that is long enough.
+    /// The component that a toolComponentReference refers to; without one, the driver. A GUID that
+    /// a component has decides alone. An index may be one of the taxonomies of the run or of the
+    /// tool's extensions: it is that of the list where it has the name that the reference gives,
+    /// else of the first that is long enough.
     json::value const* component(json::value const* reference) const;
 
     /// What a reportingDescriptorReference refers to, in one of these lists of its component.

@@ -14,7 +14,7 @@ namespace {
 using Texts = std::vector<std::optional<std::string>>;
 
 std::optional<std::string> text_of(tables::Statement const& row, int column) {
-    if (sqlite3_column_type(row.get(), column) == SQLITE_NULL) return std::nullopt;
+    if (row.is_null(column)) return std::nullopt;
     return std::string(row.text(column));
 }
 

@@ -21,12 +21,10 @@ public:
     /// Moves to the next row. Returns false after the last one. Throws what reading tables throws.
     bool next() { return database_.step(statement_); }
 
-    sqlite3_stmt* get() const { return statement_.get(); }
-    bool is_null(int column) const { return sqlite3_column_type(get(), column) == SQLITE_NULL; }
+    sqlite3_stmt*    get() const { return statement_.get(); }
+    bool             is_null(int column) const { return statement_.is_null(column); }
     std::int64_t     integer(int column) const { return statement_.integer(column); }
-    std::string_view text(int column) const {
-        return is_null(column) ? std::string_view() : statement_.text(column);
-    }
+    std::string_view text(int column) const { return statement_.text(column); }
 
 private:
     tables::Statement prepared() {

@@ -143,10 +143,6 @@ std::vector<Hash> hashes_of(Statement const& row, int column) {
     return hashes;
 }
 
-bool is_null(Statement const& row, int column) {
-    return sqlite3_column_type(row.get(), column) == SQLITE_NULL;
-}
-
 std::int64_t number_of(Connection& connection, char const* sql) {
     Statement statement(connection.get(), sql);
     return statement.step() ? statement.integer(0) : 0;
@@ -189,7 +185,7 @@ void add_to_side(Statement const& row, StoredSide& side) {
     Finding&   one = side.findings.emplace_back();
     set_texts(one, {row.text(message), row.text(level), row.text(kind), row.text(class_),
                     row.text(function), row.integer(suppressed) != 0});
-    if (!is_null(row, payload)) set_payload(one, row.text(payload));
+    if (!row.is_null(payload)) set_payload(one, row.text(payload));
     if (auto const hashes = hashes_of(row, flow); !hashes.empty()) one.flow = hashes[0];
     if (auto const hashes = hashes_of(row, code); hashes.size() == 2) {
         one.text = hashes[0];
@@ -348,7 +344,7 @@ void SeriesStore::commit() {
 std::optional<std::int64_t> SeriesStore::run_with(std::string_view digest) {
     Statement found(connection_.get(), "SELECT max(run) FROM runs WHERE digest = ?");
     found.bind(1, digest);
-    if (!found.step() || is_null(found, 0)) return std::nullopt;
+    if (!found.step() || found.is_null(0)) return std::nullopt;
     return found.integer(0);
 }
 

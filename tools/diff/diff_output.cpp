@@ -53,13 +53,6 @@ constexpr char const* finding_order =
     " uri, line, \"column\", rule, message, length(new_key), new_key, length(old_key), old_key,"
     " new_result_set, old_result_set";
 
-bool is_null(Statement const& row, int column) {
-    return sqlite3_column_type(row.get(), column) == SQLITE_NULL;
-}
-std::string_view text_of(Statement const& row, int column) {
-    return is_null(row, column) ? std::string_view() : row.text(column);
-}
-
 std::string alternatives(std::string const& condition, std::size_t count) {
     std::string sql;
     for (std::size_t i = 0; i < count; ++i) sql += (i == 0 ? "" : " OR ") + condition;
@@ -68,16 +61,16 @@ std::string alternatives(std::string const& condition, std::size_t count) {
 
 // "src/a.c:12:3"
 std::string place_of(Statement const& row, int of_uri) {
-    std::string place(is_null(row, of_uri) ? "-" : row.text(of_uri));
-    if (is_null(row, of_uri + 1)) return place;
+    std::string place(row.is_null(of_uri) ? "-" : row.text(of_uri));
+    if (row.is_null(of_uri + 1)) return place;
     place += ':' + std::string(row.text(of_uri + 1));
-    if (!is_null(row, of_uri + 2)) place += ':' + std::string(row.text(of_uri + 2));
+    if (!row.is_null(of_uri + 2)) place += ':' + std::string(row.text(of_uri + 2));
     return place;
 }
 
 /// A value of a change on a line of its own: short, without line breaks.
 std::string shown(Statement const& row, int column) {
-    return is_null(row, column) ? "(none)" : sml::inspect::quoted(row.text(column), 200);
+    return row.is_null(column) ? "(none)" : sml::inspect::quoted(row.text(column), 200);
 }
 
 /// The changes of a pair.
@@ -100,7 +93,7 @@ private:
 
 void add_text(JsonWriter& json, char const* name, Statement const& row, int column) {
     json.member(name);
-    if (is_null(row, column))
+    if (row.is_null(column))
         json.text += "null";
     else
         json.string(row.text(column));
@@ -108,7 +101,7 @@ void add_text(JsonWriter& json, char const* name, Statement const& row, int colu
 
 void add_number(JsonWriter& json, char const* name, Statement const& row, int column) {
     json.member(name);
-    if (is_null(row, column))
+    if (row.is_null(column))
         json.text += "null";
     else
         sml::inspect::append_json_integer(json.text, row.integer(column));
@@ -156,9 +149,9 @@ constexpr std::array compared = {"tool",     "rule",     "level",     "kind",   
 
 // The old value and, if it is another one, the new value, which follows it in the row.
 void put_compared(std::ostream& out, char const* name, Statement const& row, int of_old) {
-    if (is_null(row, of_old) && is_null(row, of_old + 1)) return;
+    if (row.is_null(of_old) && row.is_null(of_old + 1)) return;
     out << "  " << name << ": " << shown(row, of_old);
-    if (text_of(row, of_old) != text_of(row, of_old + 1)) out << " -> " << shown(row, of_old + 1);
+    if (row.text(of_old) != row.text(of_old + 1)) out << " -> " << shown(row, of_old + 1);
     out << '\n';
 }
 
@@ -175,23 +168,23 @@ void put_records(std::ostream& out, Statement& records) {
 // As compilers print theirs.
 std::string line_of(Statement const& row) {
     std::string text = printable(place_of(row, uri)) + ':';
-    if (!is_null(row, level)) text += ' ' + printable(row.text(level)) + ':';
-    if (!is_null(row, message)) text += ' ' + printable(row.text(message));
-    if (!is_null(row, rule)) text += " [" + printable(row.text(rule)) + ']';
+    if (!row.is_null(level)) text += ' ' + printable(row.text(level)) + ':';
+    if (!row.is_null(message)) text += ' ' + printable(row.text(message));
+    if (!row.is_null(rule)) text += " [" + printable(row.text(rule)) + ']';
     if (row.integer(suppressed) != 0) text += " (suppressed)";
     return text;
 }
 
 std::string markdown_row(Statement const& row, Changes& changes) {
-    std::string text =
-        "| " + std::string(row.text(state)) + " | " + markdown_text(place_of(row, uri)) + " | " +
-        markdown_text(text_of(row, level)) + " | " + markdown_text(text_of(row, message));
+    std::string text = "| " + std::string(row.text(state)) + " | " +
+                       markdown_text(place_of(row, uri)) + " | " + markdown_text(row.text(level)) +
+                       " | " + markdown_text(row.text(message));
     changes.for_each(row.integer(pair), [&](Statement const& change) {
         text += "<br>" + markdown_text(change.text(0)) + ": " + markdown_text(shown(change, 1)) +
                 " → " + markdown_text(shown(change, 2));
     });
     return text + (row.integer(suppressed) != 0 ? " (suppressed) | " : " | ") +
-           markdown_text(text_of(row, rule)) + " |\n";
+           markdown_text(row.text(rule)) + " |\n";
 }
 
 }  // namespace
@@ -394,13 +387,13 @@ void DiffOutput::explain(std::string const& key) {
     auto&   out = streams_.out;
     bool    is_found = false;
     auto    either = [&](int column) {
-        return is_null(rows, column) ? "(none)" : printable(rows.text(column));
+        return rows.is_null(column) ? "(none)" : printable(rows.text(column));
     };
     while (rows.step()) {
         is_found = true;
         out << either(of_old) << " -> " << either(of_new) << ": " << rows.text(of_state) << '\n';
-        out << "  stage " << (is_null(rows, of_stage) ? "none" : rows.text(of_stage)) << ": "
-            << sml::results::meaning_of(sml::results::stage_named(text_of(rows, of_stage))) << '\n';
+        out << "  stage " << (rows.is_null(of_stage) ? "none" : rows.text(of_stage)) << ": "
+            << sml::results::meaning_of(sml::results::stage_named(rows.text(of_stage))) << '\n';
         for (std::size_t i = 0; i < compared.size(); ++i)
             put_compared(out, compared[i], rows, first_compared + 2 * static_cast<int>(i));
         changes.for_each(rows.integer(of_pair), [&](Statement const& change) {

@@ -61,6 +61,10 @@ void Statement::bind(int parameter, sqlite3_value* value) {
     check(sqlite3_bind_value(get(), parameter, value));
 }
 
+bool Statement::is_null(int column) const {
+    return sqlite3_column_type(get(), column) == SQLITE_NULL;
+}
+
 std::int64_t Statement::integer(int column) const { return sqlite3_column_int64(get(), column); }
 
 std::string_view Statement::text(int column) const {

@@ -51,7 +51,8 @@ public:
     void bind_null(int parameter);
     void bind(int parameter, sqlite3_value* value);
 
-    // Columns are counted from 0.
+    // Columns are counted from 0. A null is the number 0 and the empty text.
+    bool             is_null(int column) const;
     std::int64_t     integer(int column) const;
     std::string_view text(int column) const;
 

@@ -258,6 +258,23 @@ TEST_F(Diff, BaselineStateIsNotCompared) {
     EXPECT_EQ(counts(olds, news), "0 new, 0 updated, 0 absent, 1 unchanged");
 }
 
+TEST_F(Diff, KindsAreCompared) {
+    auto const olds = log("old", result("r", "m", 3, R"(, "kind": "open")"));
+    auto const news = log("new", result("r", "m", 3, R"(, "kind": "pass")"));
+    EXPECT_EQ(printed({olds, news}),
+              "0 new, 1 updated, 0 absent, 0 unchanged\n"
+              "\nupdated:\nsrc/a.c:3: none: m [r]\n    kind: \"open\" -> \"pass\"\n");
+}
+
+TEST_F(Diff, PlacesInAMessageAreNoDifference) {
+    auto const olds = log("old", result("r", "taken at line 3", 5, R"(, "level": "note")"));
+    auto const news = log("new", result("r", "taken at line 7", 9, R"(, "level": "error")"));
+    EXPECT_EQ(printed({olds, news}),
+              "0 new, 1 updated, 0 absent, 0 unchanged\n"
+              "\nupdated:\nsrc/a.c:9: error: taken at line 7 [r]\n"
+              "    level: \"note\" -> \"error\"\n");
+}
+
 TEST_F(Diff, RootThatHasMovedIsFoundOrGiven) {
     auto const olds = log("old", result("r", "a", 1, "", "file:///C:/my%20work/src/x.c") + "," +
                                      result("r", "a", 1, "", "file:///C:/my%20work/y.c"));

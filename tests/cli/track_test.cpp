@@ -325,6 +325,21 @@ TEST_F(Track, FindingThatIsGoneMovesWithItsFile) {
     EXPECT_EQ(ids("returned").size(), 2u);
 }
 
+TEST_F(Track, FindingThatIsGoneMovesWithItsFunction) {
+    auto const at = [](std::string const& uri, std::string const& message,
+                       std::string const& function) {
+        return R"({"ruleId": "r", "message": {"text": ")" + message +
+               R"("}, "locations": [{"physicalLocation": {"artifactLocation": {"uri": ")" + uri +
+               R"("}}, "logicalLocations": [{"fullyQualifiedName": ")" + function + R"("}]}]})";
+    };
+    std::string const stays = at("a.c", "c", "g()") + "," + at("b.c", "d", "h()") + ",";
+    printed({log("1", stays + at("a.c", "a", "f()") + "," + at("a.c", "b", "f()")),
+             log("2", stays + at("a.c", "a", "f()")), log("3", stays + at("b.c", "a", "f()")),
+             log("4", stays + at("b.c", "a", "f()") + "," + at("b.c", "b", "f()"))});
+    EXPECT_EQ(ids("all"), "1 2 3 4 ");
+    EXPECT_EQ(ids("returned").size(), 2u);
+}
+
 std::string log_of_tools(std::vector<std::string> const& tools) {
     std::string runs;
     for (std::string const& tool : tools)

@@ -233,6 +233,20 @@ TEST(Matching, OfMovedFindingsThoseWithOneContentAreMatched) {
         (Lines{{20, 10}}));
 }
 
+TEST(Matching, FunctionThatSeveralFilesHaveDoesNotMove) {
+    auto const in_file = [](std::uint32_t file, std::string_view said, std::int32_t line) {
+        Finding one = at(line);
+        one.file = file;
+        one.message = one.loose = hash_of(said);
+        one.function = hash_of("f()");
+        return one;
+    };
+    EXPECT_EQ(lines_matched({in_file(0, "a", 10)}, {in_file(3, "a", 20)}), (Lines{{10, 20}}));
+    EXPECT_EQ(lines_matched({in_file(0, "a", 10), in_file(1, "b", 30)},
+                            {in_file(3, "a", 20), in_file(1, "b", 30)}),
+              (Lines{{30, 30}}));
+}
+
 TEST(Matching, FindingsAroundTellWhereAFindingMustBe) {
     auto const other = [](std::int32_t line) {
         Finding one = at(line);
@@ -264,6 +278,29 @@ TEST(Matching, SharedFingerprintDecidesNothing) {
                 (Pairs{{10, 20, Stage::fingerprint}}));
 }
 
+TEST(Matching, FingerprintNeedsTheMessageOrTheFile) {
+    auto const print = hash_of("own");
+    Finding    newer = at(20);
+    newer.message = newer.loose = hash_of("other");
+    newer.file = 3;
+    EXPECT_TRUE(matched({{at(10)}, {{print, 0}}}, {{newer}, {{print, 0}}}).empty());
+    newer.message = newer.loose = at(10).message;
+    EXPECT_EQ(matched({{at(10)}, {{print, 0}}}, {{newer}, {{print, 0}}}),
+              (Pairs{{10, 20, Stage::fingerprint}}));
+}
+
+TEST(Matching, FindingWithTwoFingerprintsHasOnePartner) {
+    auto const one = hash_of("one");
+    auto const other = hash_of("other");
+    Finding    changed = at(5);
+    changed.message = changed.loose = hash_of("changed");
+    Matched olds{{at(10)}, {{one, 0}, {other, 0}}};
+    Matched news{{changed, at(20)}, {{one, 0}, {other, 1}}};
+    match(olds, news, files);
+    EXPECT_EQ(olds.findings[0].partner, 1u);
+    EXPECT_FALSE(news.findings[0].has_partner());
+}
+
 TEST(Matching, RulesThatDifferAreNeverMatched) {
     Finding other = at(10);
     other.rule = 1;
@@ -286,6 +323,11 @@ TEST(Matching, RenamedFileIsFound) {
     std::vector<Finding> many = news;
     for (std::int32_t line = 10; line < 16; ++line) many.push_back(in_file(3, "d", line));
     EXPECT_TRUE(lines_matched(olds, many).empty());
+
+    // Of two files that have its findings, the one with more of them.
+    std::vector<Finding> const both = {in_file(3, "a", 4), in_file(3, "b", 5), in_file(3, "c", 6),
+                                       in_file(0, "a", 7), in_file(0, "b", 8)};
+    EXPECT_EQ(lines_matched(olds, both), (Lines{{1, 4}, {2, 5}, {3, 6}}));
 }
 
 TEST(Alignment, IsTheCheapestWithoutCrossing) {

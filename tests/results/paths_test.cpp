@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -63,12 +64,23 @@ TEST(Paths, SingleFileInAnotherDirectoryIsNoMovedRoot) {
     EXPECT_EQ(moved_roots({"/a/x.c"}, {"/b/x.c"}), (std::vector<MovedRoot>{{"/a/", "/b/"}}));
 }
 
+TEST(Paths, RootWithFewOfItsFilesOnBothSidesHasNotMoved) {
+    Paths const olds = with_root("/a/", {"1.c", "2.c", "3.c", "4.c", "5.c"});
+    EXPECT_TRUE(moved_roots(olds, with_root("/b/", {"1.c", "2.c", "6.c", "7.c", "8.c"})).empty());
+    EXPECT_EQ(moved_roots(olds, with_root("/b/", {"1.c", "2.c", "6.c", "7.c"})).size(), 1u);
+}
+
 TEST(Paths, SwappedSidesHaveSwappedRoots) {
-    Paths const olds = {"/a/src/main.c", "/a/src/util.c", "/b/main.c", "/c/main.c"};
-    Paths const news = {"/a/main.c", "/x/src/main.c", "/x/src/util.c", "/y/main.c"};
-    auto        roots = moved_roots(olds, news);
-    for (MovedRoot& root : roots) std::swap(root.before, root.after);
-    EXPECT_EQ(moved_roots(news, olds), roots);
+    for (auto const& [olds, news] : std::vector<std::pair<Paths, Paths>>{
+             {{"/a/src/main.c", "/a/src/util.c", "/b/main.c", "/c/main.c"},
+              {"/a/main.c", "/x/src/main.c", "/x/src/util.c", "/y/main.c"}},
+             // As many paths speak for /a/ and /x/ as for /a/sub/ and /0/.
+             {{"/a/sub/f.c", "/a/sub/g.c", "/a/sub/h.c"},
+              {"/0/f.c", "/0/g.c", "/0/h.c", "/x/sub/f.c", "/x/sub/g.c"}}}) {
+        auto roots = moved_roots(olds, news);
+        for (MovedRoot& root : roots) std::swap(root.before, root.after);
+        EXPECT_EQ(moved_roots(news, olds), roots) << olds[0];
+    }
 }
 
 TEST(Paths, GivenRootComesFirst) {

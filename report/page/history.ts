@@ -6,8 +6,7 @@ import { h, own, svg } from "./dom";
 import type { HistoryRun } from "./table";
 import { count, cut } from "./text";
 
-const WIDTH = 800;
-const HEIGHT = 260;
+const HEIGHT = 220;
 const MARGIN = { top: 12, right: 16, bottom: 28, left: 56 };
 
 type Series = "open" | "new" | "fixed";
@@ -17,22 +16,29 @@ const SERIES: { name: Series; label: string }[] = [
     { name: "fixed", label: "Fixed" },
 ];
 
+/** The plot is drawn as wide as the page is, so that its texts have the size of others. */
+function pageWidth(): number {
+    return Math.max(260, Math.min(1400, document.documentElement.clientWidth - 80));
+}
+
 interface Scales {
+    width: number;
     x(run: number): number;
     y(value: number): number;
     ticks: number[];
 }
 
 function scales(runs: HistoryRun[]): Scales {
+    const width = pageWidth();
     const most = Math.max(1, ...runs.map((run) => Math.max(run.open, run.new, run.fixed)));
     const y = scaleLinear().domain([0, most]).nice(4).range([HEIGHT - MARGIN.bottom, MARGIN.top]);
-    const x = scaleLinear().domain([0, Math.max(1, runs.length - 1)]).range([MARGIN.left, WIDTH - MARGIN.right]);
-    return { x, y, ticks: y.ticks(4).filter(Number.isInteger) };
+    const x = scaleLinear().domain([0, Math.max(1, runs.length - 1)]).range([MARGIN.left, width - MARGIN.right]);
+    return { width, x, y, ticks: y.ticks(4).filter(Number.isInteger) };
 }
 
-function axes(runs: HistoryRun[], { x, y, ticks }: Scales): SVGElement[] {
+function axes(runs: HistoryRun[], { width, x, y, ticks }: Scales): SVGElement[] {
     const parts = ticks.flatMap((tick) => [
-        svg("line", { class: "grid-line", x1: MARGIN.left, x2: WIDTH - MARGIN.right, y1: y(tick), y2: y(tick) }),
+        svg("line", { class: "grid-line", x1: MARGIN.left, x2: width - MARGIN.right, y1: y(tick), y2: y(tick) }),
         svg("text", { class: "tick", x: MARGIN.left - 8, y: y(tick) + 4, "text-anchor": "end" }, count(tick)),
     ]);
     const ends: [number, string][] = runs.length > 1 ? [[0, "start"], [runs.length - 1, "end"]] : [[0, "start"]];
@@ -66,7 +72,7 @@ export function renderHistory(runs: HistoryRun[] | undefined): HTMLElement | nul
     const found = scales(runs);
     const last = runs[runs.length - 1];
     const label = `Open findings over ${runs.length} runs, now ${last.open}; new in the last run ${last.new}, fixed ${last.fixed}`;
-    const plot = svg("svg", { class: "plot", viewBox: `0 0 ${WIDTH} ${HEIGHT}`, role: "img", "aria-label": label },
+    const plot = svg("svg", { class: "plot", viewBox: `0 0 ${found.width} ${HEIGHT}`, role: "img", "aria-label": label },
         axes(runs, found), SERIES.flatMap(({ name }) => curve(runs, name, found)));
     const key = SERIES.map(({ name, label: text }) => {
         const sample = svg("svg", { class: "sample", viewBox: "0 0 24 8", "aria-hidden": "true" },

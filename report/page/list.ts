@@ -131,7 +131,7 @@ export class FindingList {
             "data-focus": "direction",
             title: "Reverse the order",
             onclick: () => this.page.go({ descending: !descending }),
-        }, descending ? "↓ last first" : "↑ first first");
+        }, descending ? "↓ Descending" : "↑ Ascending");
         const key = document.activeElement instanceof HTMLElement ? document.activeElement.dataset.focus : undefined;
         const inside = this.toolbar.contains(document.activeElement);
         fill(this.toolbar,

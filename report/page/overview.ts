@@ -6,7 +6,6 @@ import { renderHistory } from "./history";
 import { icon } from "./icons";
 import { messageText } from "./message";
 import { nameOf, type Page } from "./page";
-import { filtered } from "./order";
 import { type Dimension, textOf } from "./table";
 import { count, counted, cut } from "./text";
 import { type Cell, directoryTree, renderTreemap } from "./treemap";
@@ -123,12 +122,28 @@ function tiles(page: Page): HTMLElement {
     return h("ul", { class: "tiles" }, h("li", {}, total), items);
 }
 
-/** The first findings of the list, so that a reader can start with them. */
+const FIRST_FINDINGS = 5;
+
+/** The first open finding of each of the first rules, in the order of the list. */
+function firstOfRules({ model, state }: Page): number[] {
+    const found: number[] = [];
+    const seen = new Set<string>();
+    for (const finding of model.sorter.all(state.sort, state.descending)) {
+        if (model.outcome.failing[finding] !== 0) continue;
+        const text = (name: string): string => textOf(model.table, name, finding);
+        if (seen.has(text("rule")) || text("suppressed") === "yes" || text("state") === "absent") continue;
+        seen.add(text("rule"));
+        if (found.push(finding) === FIRST_FINDINGS) break;
+    }
+    return found;
+}
+
+/** Findings of several rules, so that a reader can start with them. */
 function first(page: Page): Child {
     const { model } = page;
-    const order = filtered(model.sorter.all(page.state.sort, page.state.descending), model.outcome).slice(0, 5);
+    const order = firstOfRules(page);
     if (order.length === 0) return null;
-    const items = [...order].map((finding) => {
+    const items = order.map((finding) => {
         const level = textOf(model.table, "level", finding);
         const uri = model.shortened(textOf(model.table, "file", finding));
         const line = model.table.columns.get("line")?.[finding];
@@ -138,7 +153,7 @@ function first(page: Page): Child {
             own(cut(text, 200), { class: "first-text" }), own(`${uri}${line ? `:${line}` : ""}`, { class: "first-place" })));
     });
     const all = h("a", { class: "button", href: page.link({ view: "findings" }) }, `All ${counted(model.outcome.count, "finding")}`);
-    return h("section", { class: "card wide" }, h("h2", {}, "Start here"), h("ol", { class: "first" }, [...items]), all);
+    return h("section", { class: "card wide" }, h("h2", {}, "Start here"), h("ol", { class: "first" }, items), all);
 }
 
 function where(page: Page): Child {

@@ -144,10 +144,11 @@ export function renderTreemap(root: Directory, pick: (cell: Cell) => void): HTML
     const found = cells(root).filter((cell) => cell.findings > 0);
     if (found.length < 2) return null;
     const limits = densitySteps(found.map(density));
-    const tree = hierarchy<Cell | null>(null, (data) => (data === null ? found : null));
-    const layout = treemap<Cell | null>().size([1, 1]);
-    const leaves = layout(tree.sum((cell) => cell?.findings ?? 0).sort((a, b) => b.value - a.value)).leaves();
-    const buttons = leaves.map((leaf) => cellButton(leaf as Rectangle<Cell>, limits, pick));
+    const whole: Cell = { path: "", direct: false, findings: 0, files: 0 };
+    const tree = hierarchy(whole, (cell) => (cell === whole ? found : null));
+    const layout = treemap<Cell>().size([1, 1]);
+    const leaves = layout(tree.sum((cell) => cell.findings).sort((a, b) => b.value - a.value)).leaves();
+    const buttons = leaves.map((leaf) => cellButton(leaf, limits, pick));
     const map = h("div", { class: "treemap", role: "group", "aria-label": "Directories by findings" }, buttons);
     return h("section", { class: "card wide" }, h("h2", {}, "Where they are"), map, legend(limits));
 }

@@ -1,11 +1,12 @@
 // Elements are made here and nowhere else, from names in the code and text nodes: no markup is ever parsed.
 
-import { pieces, plain } from "./text";
+import { cut, pieces, plain } from "./text";
 
 export type Child = Node | string | number | null | undefined | false;
 type Value = string | number | boolean | null | undefined | ((event: any) => void);
 export type Attributes = Record<string, Value>;
 
+const LONGEST_ATTRIBUTE = 4000;
 const SVG = "http://www.w3.org/2000/svg";
 
 /** True for an address that may be linked: on the web, a mail address, or within the page. */
@@ -20,7 +21,7 @@ function setAttribute(element: Element, name: string, value: Value): void {
         return;
     }
     if (name === "href" && !isLinkable(String(value))) return;
-    element.setAttribute(name, value === true ? "" : plain(String(value)));
+    element.setAttribute(name, value === true ? "" : plain(cut(String(value), LONGEST_ATTRIBUTE)));
 }
 
 function textNodes(text: string): Node[] {

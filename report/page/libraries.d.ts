@@ -8,6 +8,7 @@ declare module "markdown-it" {
         html?: boolean;
         linkify?: boolean;
         typographer?: boolean;
+        maxNesting?: number;
     }
     export default class MarkdownIt {
         constructor(options?: Options);

@@ -4,13 +4,14 @@ import purify from "dompurify";
 import MarkdownIt from "markdown-it";
 import { h, isLinkable, own } from "./dom";
 
-/** Longer texts are shown as they are, since markdown can take long. */
-const LONGEST = 200_000;
+/** Longer texts, and those with more brackets, are shown as they are: links take time that grows with the square. */
+const LONGEST = 100_000;
+const MOST_BRACKETS = 1000;
 
 const TAGS = ["a", "b", "blockquote", "br", "code", "del", "em", "h1", "h2", "h3", "h4", "h5", "h6", "hr", "i", "li",
     "ol", "p", "pre", "s", "strong", "table", "tbody", "td", "th", "thead", "tr", "ul"];
 
-const markdown = new MarkdownIt({ html: false, linkify: false, typographer: false });
+const markdown = new MarkdownIt({ html: false, linkify: false, typographer: false, maxNesting: 20 });
 markdown.renderer.rules.image = (tokens, index) =>
     `<em>[image: ${markdown.utils.escapeHtml(tokens[index].content)}]</em>`;
 
@@ -44,7 +45,7 @@ function lowerHeadings(fragment: DocumentFragment): void {
 
 /** Elements for a markdown text. */
 export function renderMarkdown(text: string): HTMLElement {
-    if (text.length > LONGEST) return h("pre", { class: "prose" }, own(text));
+    if (text.length > LONGEST || text.split("[").length > MOST_BRACKETS) return h("pre", { class: "prose" }, own(text));
     const fragment = purify.sanitize(markdown.render(text), {
         ALLOWED_TAGS: TAGS,
         ALLOWED_ATTR: ["href"],

@@ -8,30 +8,30 @@ export interface Part {
     target?: string;
 }
 
-const LINK = /\[((?:[^\\\]]|\\.)+)\]\(([^()\s]+)\)/gs;
-
-function unescape(text: string): string {
-    return text.replace(/\\([[\]\\])/g, "$1");
-}
+/** What matters for links: escaped characters, brackets, and the target behind a bracket. */
+const TOKEN = /\\[^]|\[|\](?:\(([^()\s]+)\))?/g;
 
 /** The parts of a message. A target is the id of a related location or an address. */
 export function messageParts(text: string): Part[] {
     const parts: Part[] = [];
     let end = 0;
-    for (const match of text.matchAll(LINK)) {
-        if (isEscaped(text, match.index!)) continue;
-        if (match.index! > end) parts.push({ text: unescape(text.slice(end, match.index)) });
-        parts.push({ text: unescape(match[1]), target: match[2] });
-        end = match.index! + match[0].length;
+    let open = -1;
+    for (const { 0: token, 1: target, index } of text.matchAll(TOKEN)) {
+        if (token === "[") open = index!;
+        if (!token.startsWith("]")) continue;
+        if (target !== undefined && open >= 0 && index! > open + 1) {
+            if (open > end) parts.push({ text: unescape(text.slice(end, open)) });
+            parts.push({ text: text.slice(open + 1, index).replace(/\\([[\]\\])/g, "$1"), target });
+            end = index! + token.length;
+        }
+        open = -1;
     }
     if (end < text.length) parts.push({ text: unescape(text.slice(end)) });
     return parts;
 }
 
-function isEscaped(text: string, at: number): boolean {
-    let backslashes = 0;
-    while (text[at - 1 - backslashes] === "\\") ++backslashes;
-    return backslashes % 2 === 1;
+function unescape(text: string): string {
+    return text.replace(/\\([[\]])/g, "$1");
 }
 
 /** The text of a message without its links. */

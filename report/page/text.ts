@@ -5,7 +5,7 @@ const HIDDEN = /[\p{Cc}\p{Cs}\p{Zl}\p{Zp}\p{DI}\p{Bidi_C}\ufff9-\ufffb]/u;
 const HIDDEN_PARTS = /([\p{Cc}\p{Cs}\p{Zl}\p{Zp}\p{DI}\p{Bidi_C}\ufff9-\ufffb])/u;
 const VISIBLE_ANYHOW = new Set(["\t", "\n", "\ufe0e", "\ufe0f"]);
 
-/** A run of text, or the mark of one hidden character. */
+/** A run of text, or the marks of a run of hidden characters. */
 export interface Piece {
     text: string;
     mark: boolean;
@@ -24,8 +24,9 @@ export function pieces(text: string): Piece[] {
         if (part === "") continue;
         const mark = HIDDEN.test(part) && !VISIBLE_ANYHOW.has(part);
         const last = found[found.length - 1];
-        if (!mark && last && !last.mark) last.text += part;
-        else found.push({ text: mark ? markOf(part) : part, mark });
+        const shown = mark ? markOf(part) : part;
+        if (last?.mark === mark) last.text += shown;
+        else found.push({ text: shown, mark });
     }
     return found;
 }

@@ -12,6 +12,14 @@ export interface Directory {
     children: Directory[];
 }
 
+const MOST_LEVELS = 50;
+const TOP = new RegExp(`^(?:[^/]*/){0,${MOST_LEVELS}}`);
+
+/** The directory of a URI, or the one that is so many levels deep. */
+function topOf(uri: string): string {
+    return TOP.exec(uri)![0];
+}
+
 /** Makes the tree of directories of files with these counts; directories with one directory in them are joined. */
 export function directoryTree(uris: string[], counts: Uint32Array): Directory {
     const root: Directory = { path: "", findings: 0, files: 0, children: [] };
@@ -26,7 +34,7 @@ export function directoryTree(uris: string[], counts: Uint32Array): Directory {
     };
     counts.forEach((findings, number) => {
         if (findings === 0) return;
-        const directory = find(uris[number].slice(0, uris[number].lastIndexOf("/") + 1));
+        const directory = find(topOf(uris[number]));
         directory.findings += findings;
         directory.files += 1;
     });

@@ -66,7 +66,7 @@ export class SourcePane {
     private missing(uri: string, reason: string | undefined, region: Region, current: Mark): HTMLElement {
         const what = uri === "" ? "No place is known." : "The source of this file is not in the report";
         const why = uri === "" ? "" : reason ? `: ${reason}.` : ".";
-        const where = region.startLine ? ` The place is line ${count(region.startLine)}.` : "";
+        const where = region.startLine ? ` The place is line ${region.startLine}.` : "";
         return h("div", { class: "no-source" }, h("p", {}, what, own(why), where), this.note(current));
     }
 
@@ -100,7 +100,7 @@ export class SourcePane {
             this.body.scrollTop = from < shown.first ? top + this.body.scrollHeight - height : top;
             this.body.focus({ preventScroll: true });
         };
-        return h("button", { type: "button", class: "link more-lines", onclick }, `Show lines ${count(from)} to ${count(to)}`);
+        return h("button", { type: "button", class: "link more-lines", onclick }, `Show lines ${from} to ${to}`);
     }
 
     private line(shown: Shown, number: number): HTMLElement {

@@ -1,4 +1,4 @@
-#include "source_directory.hpp"
+#include <report/writer/source_directory.hpp>
 
 #include <sml/results/paths.hpp>
 

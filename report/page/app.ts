@@ -211,7 +211,7 @@ export class App implements Page {
     }
 
     private escape(): boolean {
-        if (this.box.has(document.activeElement)) this.list.focus();
+        if (this.box.has(document.activeElement)) (this.state.view === "findings" ? this.list : this.main).focus();
         else if (this.state.finding !== null) this.back();
         else return false;
         return true;

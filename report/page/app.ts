@@ -63,8 +63,10 @@ export class App implements Page {
     private footer(): HTMLElement {
         const { sets, old_sets: old, source } = this.model.index;
         const names = (list: { name: string }[]): Child[] => list.slice(0, 10).flatMap((set, i) => [i ? ", " : null, own(set.name)]);
-        const skipped = Object.entries(source?.skipped ?? {}).flatMap(([reason, many], i) => [i ? ", " : "; left out: ", own(`${counted(many, "file")} (${reason})`)]);
-        const files = source ? h("p", {}, "Source of ", counted(Object.keys(source.files).length, "file"), skipped) : null;
+        const skipped = Object.entries(source?.skipped ?? {});
+        const read = Object.keys(source?.files ?? {}).length - skipped.reduce((sum, [, many]) => sum + many, 0);
+        const left = skipped.flatMap(([reason, many], i) => [i ? ", " : "; left out: ", own(`${counted(many, "file")} (${reason})`)]);
+        const files = source ? h("p", {}, "Source of ", counted(read, "file"), left) : null;
         const licences = isSingleFile()
             ? h("button", { type: "button", class: "link", onclick: () => void this.showLicences() }, "Licences")
             : h("a", { href: "licences.txt" }, "Licences");

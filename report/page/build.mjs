@@ -30,7 +30,7 @@ function checkTypes() {
 }
 
 function bundle(entry, output, ...more) {
-    run("esbuild", [entry, "--bundle", "--minify", "--legal-comments=none", "--charset=utf8", "--log-level=warning", "--inject:dompurify_mend.js",
+    run("esbuild", [entry, "--bundle", "--minify", "--legal-comments=none", "--charset=utf8", "--log-level=warning", "--inject:dompurify_mend.mjs",
         "--target=chrome114,firefox121", `--outfile=${output}`, ...more]);
 }
 

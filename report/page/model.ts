@@ -23,7 +23,7 @@ export interface Detail {
 
 /** A file of source, or why there is none. */
 export interface Source {
-    uri: string;
+    uri?: string;
     text?: string;
     skipped?: string;
 }
@@ -105,10 +105,6 @@ export class Model {
         const size = this.index.chunk_size;
         const details = await this.details.get(`details-${Math.floor(finding / size)}`);
         return details[finding % size];
-    }
-
-    hasSource(uri: string): boolean {
-        return this.sources.has(uri);
     }
 
     /** The source of a file, null if the report has none. */

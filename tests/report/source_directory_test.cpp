@@ -1,4 +1,4 @@
-#include "../../report/writer/source_directory.hpp"
+#include <report/writer/source_directory.hpp>
 
 #include <gtest/gtest.h>
 

@@ -64,7 +64,9 @@ public:
         EXPECT_TRUE(chunks.emplace(name, packed).second) << name;
     }
 
-    std::string content(std::string const& name) const { return inflated(from_base64(chunks.at(name))); }
+    std::string content(std::string const& name) const {
+        return inflated(from_base64(chunks.at(name)));
+    }
     json::value value(std::string const& name) const { return json::parse(content(name)); }
 
     std::map<std::string, std::string> chunks;
@@ -78,9 +80,9 @@ std::map<std::string, std::vector<std::uint32_t>> columns_of(Kept const& kept) {
     std::size_t at = 0;
     std::map<std::string, std::vector<std::uint32_t>> columns;
     for (auto const& column : index.at("columns").as_array()) {
-        auto const  type = std::string(column.at("type").as_string());
+        auto const        type = std::string(column.at("type").as_string());
         std::size_t const width = type == "u8" ? 1 : type == "u16" ? 2 : 4;
-        auto& values = columns[std::string(column.at("name").as_string())];
+        auto&             values = columns[std::string(column.at("name").as_string())];
         for (std::size_t i = 0; i < count; ++i) {
             std::uint32_t value = 0;
             for (std::size_t byte = 0; byte < width; ++byte, ++at)
@@ -141,14 +143,15 @@ TEST(ReportWriter, ColumnsAreAsWideAsTheirLargestValue) {
 
 // A report as it was given to the writer.
 struct Given {
-    std::vector<FindingColumns>                       findings;
+    std::vector<FindingColumns>                        findings;
     std::vector<std::array<std::string, text_columns>> texts;
-    std::vector<std::string>                          details;
+    std::vector<std::string>                           details;
 };
 
 std::string random_text(std::mt19937_64& random) {
-    static std::vector<std::string> const pieces = {"a", "\"", "\\", "</script>", "\n", "é", "😀",
-                                                    "\\udc80", "<b>", "\x7F", "\xE2\x80\xAE", "'"};
+    static std::vector<std::string> const pieces = {
+        "a", "\"",      "\\",  "</script>", "\n",           "é",
+        "😀", "\\udc80", "<b>", "\x7F",      "\xE2\x80\xAE", "'"};
     std::string text;
     for (auto left = random() % 5; left > 0; --left) text += pieces[random() % pieces.size()];
     return text;
@@ -181,12 +184,12 @@ void expect(Given const& given, Kept const& kept) {
     auto const columns = columns_of(kept);
     auto const size = index.at("chunk_size").to_number<std::size_t>();
     auto const text_of = [&](std::string const& name, std::uint32_t number) {
-        auto const all = name == "message" ? kept.value("messages")
-                                           : index.at("dictionaries").at(name);
+        auto const all =
+            name == "message" ? kept.value("messages") : index.at("dictionaries").at(name);
         return std::string(all.as_array().at(number).as_string());
     };
-    constexpr std::array names = {"tool",    "rule", "level",    "kind", "category", "class",
-                                  "message", "uri",  "function", "state"};
+    constexpr std::array names = {"tool",  "rule",    "level", "kind",     "category",
+                                  "class", "message", "uri",   "function", "state"};
     for (std::size_t i = 0; i < given.findings.size(); ++i) {
         auto const& finding = given.findings[i];
         for (std::size_t column = 0; column < text_columns; ++column)
@@ -219,8 +222,8 @@ TEST(ReportWriter, WritesWhatItWasGiven) {
 }
 
 TEST(ReportWriter, EqualInputGivesEqualBytes) {
-    auto const      seed = runs::seed();
-    auto const      written = [&] {
+    auto const seed = runs::seed();
+    auto const written = [&] {
         std::mt19937_64 random(seed);
         Kept            kept;
         ReportWriter    writer(kept);
@@ -242,8 +245,7 @@ TEST(ReportWriter, SaysWhatDescribesTheReport) {
                    false});
     auto const index = kept.value("index");
     EXPECT_EQ(index.at("title"), "</title>\xEF\xBF\xBD");
-    EXPECT_EQ(index.at("sets"),
-              json::parse(R"([{"name":"a.set","bytes":30,"digest":"0123"},
+    EXPECT_EQ(index.at("sets"), json::parse(R"([{"name":"a.set","bytes":30,"digest":"0123"},
                               {"name":"b.sarif","bytes":7,"digest":null}])"));
     EXPECT_EQ(index.at("old_sets"), json::parse(R"([{"name":"old.set","bytes":1,"digest":"x"}])"));
     EXPECT_EQ(index.at("history"), json::parse(R"([
@@ -264,8 +266,7 @@ TEST(ReportWriter, FilesThatAreLeftOutForOneReasonShareAChunk) {
     EXPECT_EQ(source.at("skipped"), json::parse(R"({"missing":2,"binary":1})"));
     EXPECT_EQ(source.at("files"), json::parse(R"({"a.c":0,"b.c":1,"c.c":2,"d.c":0})"));
     EXPECT_EQ(kept.value("source-0"), json::parse(R"({"skipped":"missing"})"));
-    EXPECT_EQ(kept.value("source-1"),
-              json::parse(R"({"uri":"b.c","text":"int b;\uFFFD\n"})"));
+    EXPECT_EQ(kept.value("source-1"), json::parse(R"({"uri":"b.c","text":"int b;\uFFFD\n"})"));
     EXPECT_EQ(kept.value("source-2"), json::parse(R"({"skipped":"binary"})"));
 }
 

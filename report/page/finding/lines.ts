@@ -12,7 +12,7 @@ export interface Lines {
 
 /** Splits a file into lines. */
 export function fileLines(text: string): Lines {
-    return { first: 1, lines: text.split(/\r\n|\n/), missing: 0 };
+    return cutLast({ first: 1, lines: text.split(/\r\n|\n/), missing: 0 });
 }
 
 function snippetOf(region: Region | undefined): string {
@@ -29,7 +29,7 @@ export function snippetLines(region: Region, context: Region | undefined): Lines
     return cutLast({ first: region.startLine ?? 1, lines: text.split(/\r\n|\n/), missing: (region.startColumn ?? 1) - 1 });
 }
 
-/** A snippet that ends with a line break has no further line. */
+/** A text that ends with a line break has no further line. */
 function cutLast(lines: Lines): Lines {
     if (lines.lines.length > 1 && lines.lines[lines.lines.length - 1] === "") lines.lines.pop();
     return lines;

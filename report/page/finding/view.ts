@@ -144,8 +144,9 @@ export class FindingView {
 
     private everything(): HTMLElement {
         const { record } = this.detail;
+        const rule = componentOf(this.result, this.run)?.rule;
         return h("details", { class: "part" }, h("summary", {}, h("h3", {}, "Everything else")),
-            tree("result", this.result), record ? tree("record", record) : null);
+            tree("result", this.result), record ? tree("record", record) : null, rule ? tree("rule", rule) : null);
     }
 
     private follow(id: number): (() => void) | undefined {

@@ -1,3 +1,4 @@
+#include <report/writer/packed.hpp>
 #include <report/writer/page.hpp>
 #include <report/writer/report_writer.hpp>
 #include <report/writer/source_directory.hpp>
@@ -190,6 +191,7 @@ void write_single(Report& report, Options const& options) {
         ChunkElements chunks(out);
         out << page.before;
         report.write(chunks);
+        chunks.add("licences", report::Packer().packed(report::page_files().licences));
         out << page.behind;
     });
 }

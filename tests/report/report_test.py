@@ -19,7 +19,10 @@ import unittest
 
 from report_reader import Page, Report
 
-RESULT_SET = "Base_Gui_Internal_Form_Datas_Aggregated_Results_T"
+# The roots with checks, and where these are.
+CHECKS = {"Base_Gui_Internal_Form_Datas_Aggregated_Results_T": "application_results.checks",
+          "Application_Results_Application_Results": "checks"}
+RESULT_SET = next(iter(CHECKS))
 # Logs that hold what no other has, beside the fixtures.
 MORE_LOGS = [path for directory in filter(None, os.environ.get("BRADEP_SARIF_DIRS", "").split(":"))
              for path in sorted(pathlib.Path(directory).glob("*.sarif"))]
@@ -40,11 +43,6 @@ def lines(text):
 
 def place(number):
     return number if 0 < (number or 0) < 2**32 else 0
-
-
-def keyed(results, name):
-    """By key, which the exported results of kernel sets hold; else in the order of the log."""
-    return {result["properties"]["key"]: result for result in results} if name else results
 
 
 class ReportData(unittest.TestCase):
@@ -73,18 +71,29 @@ class ReportData(unittest.TestCase):
         run(self.bradep, "import", *logs, "-o", target)
         return target
 
-    def asked(self, sets, sql):
-        return lines(run(self.bradep, "sql", "--format", "ndjson", "--root", RESULT_SET, *sets, sql))
+    def random_sets(self):
+        """Sets with checks that no import has made, with their roots."""
+        directory = self.here / f"random{next(self.numbers)}"
+        directory.mkdir()
+        print(run(self.random_values, directory).decode().strip())
+        found = [(root, one) for root in CHECKS for one in sorted(directory.glob(f"{root}.random*"))
+                 if self.asked([one], "SELECT finding FROM findings", root)]
+        self.assertGreater(len(found), 0)
+        return found
 
-    def expect_what_others_say(self, sets, report):
+    def asked(self, sets, sql, root=RESULT_SET):
+        return lines(run(self.bradep, "sql", "--format", "ndjson", "--root", root, *sets, sql))
+
+    def expect_what_others_say(self, sets, report, root=RESULT_SET):
         """Everything but states, identities and sources."""
-        rows = {(row["result_set"] - 1, row["key"]): row for row in self.asked(sets, "SELECT * FROM findings")}
+        rows = {(row["result_set"] - 1, row["key"]): row
+                for row in self.asked(sets, "SELECT * FROM findings", root)}
         details, columns = report.details(), report.columns()
         self.assertEqual(report.index["findings"], len(rows))
         self.assertEqual(len(details), len(rows))
         results = []
         for one in sets:
-            log = json.loads(run(self.bradep, "export", one, "--sarif", "-"))
+            log = json.loads(run(self.bradep, "export", "--root", root, one, "--sarif", "-"))
             results.append([(run_number, result) for run_number, run in enumerate(log["runs"])
                             for result in run.pop("results")])
             if one == sets[0]:
@@ -93,7 +102,7 @@ class ReportData(unittest.TestCase):
         self.assertEqual(report.runs(), runs)
         self.expect_columns(rows, details, columns)
         self.expect_results(results, details, columns)
-        self.expect_records(sets, details)
+        self.expect_records(sets, details, root)
 
     def expect_columns(self, rows, details, columns):
         seen = set()
@@ -130,11 +139,10 @@ class ReportData(unittest.TestCase):
             if len(results) == 1:
                 self.assertEqual([run for run, _ in found[number]], [run for run, _ in of_set])
 
-    def expect_records(self, sets, details):
+    def expect_records(self, sets, details, root):
         for number, one in enumerate(sets):
-            path = "application_results.checks"
             records = {f"{file}:{ordinal}": (file, ordinal, value) for (file, ordinal), value in
-                       lines(run(self.bradep, "dump", "--root", RESULT_SET, one, "--ndjson", path))}
+                       lines(run(self.bradep, "dump", "--root", root, one, "--ndjson", CHECKS[root]))}
             found = {f"{detail['record'][0][0]}:{detail['record'][0][1]}": (*detail["record"][0], detail["record"][1])
                      for detail in details if detail["set"] == number}
             self.assertEqual(found, records)
@@ -162,14 +170,9 @@ class ReportData(unittest.TestCase):
             self.assertEqual(one["digest"], run(self.bradep, "digest", one["name"]).split()[0].decode())
 
     def test_sets_that_no_import_has_made(self):
-        values = self.here / "random"
-        values.mkdir()
-        print(run(self.random_values, values).decode().strip())
-        sets = sorted(values.glob(f"{RESULT_SET}*"))
-        self.assertGreater(len(sets), 0)
-        for one in sets:
+        for root, one in self.random_sets():
             with self.subTest(one=one.name):
-                self.expect_what_others_say([one], self.report("--root", RESULT_SET, one))
+                self.expect_what_others_say([one], self.report("--root", root, one), root)
 
     def test_a_diff(self):
         old, new = self.pair()
@@ -234,14 +237,11 @@ class ReportData(unittest.TestCase):
         self.assertEqual(sorted(self.report(log, "--track", series).columns()["identity"]), list(range(1, 51)))
 
     def test_a_series_of_kernel_sets(self):
-        values = self.here / "kernel"
-        values.mkdir()
-        print(run(self.random_values, values).decode().strip())
-        one = sorted(values.glob(f"{RESULT_SET}*"))[0]
-        series = self.here / "kernel-series"
-        run(self.bradep, "track", series, "--root", RESULT_SET, one)
-        identities = self.report("--root", RESULT_SET, one, "--track", series).columns()["identity"]
-        self.assertEqual(sorted(identities), list(range(1, len(identities) + 1)))
+        for root, one in self.random_sets():
+            series = self.here / f"series{next(self.numbers)}"
+            run(self.bradep, "track", series, "--root", root, one)
+            identities = self.report("--root", root, one, "--track", series).columns()["identity"]
+            self.assertEqual(sorted(identities), list(range(1, len(identities) + 1)))
 
     def test_another_run_of_a_series_has_no_numbers(self):
         old, new = self.pair()
@@ -341,7 +341,7 @@ class ReportData(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ReportData.bradep, ReportData.random_values, ReportData.fixtures = sys.argv[1:4]
+    ReportData.bradep, ReportData.random_values, ReportData.fixtures = map(os.path.abspath, sys.argv[1:4])
     print(f"BRADEP_SEED={SEED}")
     os.environ["BRADEP_SEED"] = str(SEED)
     unittest.main(argv=sys.argv[:1])

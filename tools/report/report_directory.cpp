@@ -2,6 +2,7 @@
 
 #include <report/writer/page.hpp>
 #include "errors.hpp"
+#include "output_file.hpp"
 
 #include <fcntl.h>
 #include <stdio.h>
@@ -66,10 +67,12 @@ bool check_target(fs::path const& target) {
     return true;
 }
 
-// Without links, and without a slash at the end.
+// Without links, and without a slash or a dot at the end.
 fs::path resolved(fs::path const& target) {
-    auto path = fs::weakly_canonical(fs::absolute(target));
-    if (!path.has_filename()) path = path.parent_path();
+    auto path = fs::absolute(target);
+    while (path.has_relative_path() && (!path.has_filename() || path.filename() == "."))
+        path = path.parent_path();
+    path = fs::weakly_canonical(without_links(path));
     if (!path.has_filename()) refuse(target, "is the root of the file system");
     return path;
 }

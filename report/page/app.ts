@@ -200,6 +200,7 @@ export class App implements Page {
             else this.detail.replaceChildren(this.detailBar, view.element);
             if (keep) this.detailBar.querySelector<HTMLElement>("button:focus")?.focus();
             await view.open();
+            performance.mark("bradep-finding");
             this.detail.scrollTop = 0;
             if (!keep) view.focus();
         } catch (error) {

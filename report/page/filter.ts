@@ -119,11 +119,14 @@ const wordCache = new Map<string, Uint8Array[]>();
 
 /** For each of the dictionaries, which texts have the word. Kept, since words are typed letter by letter. */
 function textsWithWord(word: string, searched: SearchedTexts[]): Uint8Array[] {
-    const key = `${searched.map((one) => one.texts.length).join()} ${word}`;
+    const keyOf = (text: string): string => `${searched.map((one) => one.texts.length).join()} ${text}`;
+    const key = keyOf(word);
     const known = wordCache.get(key);
     if (known) return known;
+    const shorter = wordCache.get(keyOf(word.slice(0, -1)));
     const pattern = new RegExp(escapeRegex(word), "iu");
-    const found = searched.map(({ texts }) => Uint8Array.from(texts, (text) => Number(pattern.test(text))));
+    const found = searched.map(({ texts }, i) =>
+        Uint8Array.from(texts, (text, number) => (shorter && shorter[i][number] === 0 ? 0 : Number(pattern.test(text)))));
     if (wordCache.size >= 16) wordCache.delete(wordCache.keys().next().value!);
     wordCache.set(key, found);
     return found;

@@ -16,8 +16,10 @@ async function start(root: HTMLElement): Promise<void> {
     fill(root, h("div", { class: "loading" }, h("h1", {}, own(index.title || "Report")), h("p", { role: "status" }, `Loading ${counted(index.findings, "finding")} …`)));
     const model = await Model.load(index);
     const app = new App(model, root);
+    performance.mark("bradep-overview");
     await model.loadMessages();
     app.messagesCame();
+    performance.mark("bradep-ready");
 }
 
 const root = document.getElementById("app")!;

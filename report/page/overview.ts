@@ -14,6 +14,8 @@ const FIRST_BARS = 8;
 const MORE_BARS = 100;
 const opened = new Set<string>();
 
+type Lists = Map<Dimension, Bar[]>;
+
 interface Bar {
     text: string;
     findings: number;
@@ -68,8 +70,7 @@ function moreButton(page: Page, dimension: Dimension, many: number): Child {
     return h("button", attributes, open ? "Show fewer" : `Show ${all}`);
 }
 
-function facet(page: Page, dimension: Dimension): Child {
-    const list = bars(page, dimension);
+function facet(page: Page, dimension: Dimension, list: Bar[]): Child {
     if (list.length < 2 && !list.some((bar) => bar.pressed)) return null;
     const most = Math.max(...list.map((bar) => bar.findings));
     const shown = list.slice(0, opened.has(dimension.name) ? MORE_BARS : FIRST_BARS);
@@ -82,10 +83,9 @@ function facet(page: Page, dimension: Dimension): Child {
 }
 
 /** What all findings have in common: dimensions with one text. */
-function inCommon(page: Page): Child {
+function inCommon(lists: Lists): Child {
     const parts: Child[] = [];
-    for (const dimension of page.model.table.dimensions.values()) {
-        const list = bars(page, dimension);
+    for (const [dimension, list] of lists) {
         const simple = list.length === 1 && !list[0].pressed && list[0].text !== "" && dimension.name !== "suppressed";
         if (simple && dimension.name !== "run") {
             parts.push(h("div", {}, h("dt", {}, dimension.label), h("dd", {}, own(list[0].text))));
@@ -106,12 +106,12 @@ function tile(page: Page, field: string, text: string, findings: number): HTMLEl
     }, h("span", { class: "tile-count" }, count(findings)), h("span", { class: "tile-name" }, icon(text), text)));
 }
 
-function tiles(page: Page): HTMLElement {
+function tiles(page: Page, lists: Lists): HTMLElement {
     const { model } = page;
     const items: HTMLElement[] = [];
     for (const name of ["level", "state"]) {
         const dimension = model.table.dimensions.get(name)!;
-        const used = bars(page, dimension).filter((bar) => bar.text !== "");
+        const used = lists.get(dimension)!.filter((bar) => bar.text !== "");
         if (name === "state" && used.length === 0) continue;
         for (const bar of used) items.push(tile(page, name, bar.text, bar.findings));
     }
@@ -174,7 +174,9 @@ export function renderOverview(page: Page): HTMLElement {
     if (model.outcome.count === 0 && page.state.terms.length === 0) {
         return h("div", { class: "overview" }, h("p", { class: "empty" }, "There are no findings."), renderHistory(model.index.history));
     }
-    const facets = [...model.table.dimensions.values()].map((dimension) => facet(page, dimension));
-    return h("div", { class: "overview" }, tiles(page), first(page), where(page), renderHistory(model.index.history),
-        facets, inCommon(page));
+    const lists: Lists = new Map();
+    for (const dimension of model.table.dimensions.values()) lists.set(dimension, bars(page, dimension));
+    const facets = [...lists].map(([dimension, list]) => facet(page, dimension, list));
+    return h("div", { class: "overview" }, tiles(page, lists), first(page), where(page), renderHistory(model.index.history),
+        facets, inCommon(lists));
 }

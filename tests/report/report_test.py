@@ -119,7 +119,7 @@ class ReportData(unittest.TestCase):
                 names = result.get("locations", [{}])[0].get("logicalLocations", [{}])
                 expected["function"] = names[0].get("name", "")
             self.assertEqual({name: columns[name][i] for name in COLUMNS}, expected)
-            self.assertEqual(columns["state"][i], "")
+            self.assertEqual(columns["state"][i], row["baseline_state"] or "")
         self.assertEqual(seen, set(rows))
 
     def expect_results(self, results, details, columns):

@@ -37,7 +37,7 @@ namespace {
 enum Column : int {
     finding,
     first_text,
-    run = first_text + 9,  // behind the texts of the writer but for the state
+    run = first_text + static_cast<int>(report::text_columns),
     line,
     column,
     suppressed,
@@ -45,8 +45,9 @@ enum Column : int {
 };
 
 std::string columns_sql(std::int64_t set) {
-    return "SELECT finding, tool, rule, level, kind, category, class, message, uri, function, run,"
-           " line, \"column\", suppressed, \"key\" FROM findings WHERE result_set = " +
+    return "SELECT finding, tool, rule, level, kind, category, class, message, uri, function,"
+           " baseline_state, run, line, \"column\", suppressed, \"key\" FROM findings WHERE "
+           "result_set = " +
            std::to_string(set);
 }
 
@@ -188,7 +189,8 @@ private:
         is_added = true;
         ++added_;
         columns.run = last_run_;
-        columns.of(TextColumn::state) = all_.writer_.number_of(TextColumn::state, state_of(row));
+        if (auto const state = state_of(row); !state.empty())
+            columns.of(TextColumn::state) = all_.writer_.number_of(TextColumn::state, state);
         if (result != nullptr) take_from_result(columns, is_native, *result);
         json_.open('{');
         if (result != nullptr) {

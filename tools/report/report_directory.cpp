@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 namespace bradep {
 
@@ -43,27 +44,27 @@ void refuse(fs::path const& target, std::string const& why) {
 }
 
 // Nothing that somebody has put there is removed.
-void refuse_other_files(fs::path const& target) {
+void refuse_other_files(fs::path const& target, fs::path const& name_of_target) {
     for (auto const& entry : fs::directory_iterator(target)) {
         auto const name = entry.path().filename();
         if (name == data || std::ranges::count(files_of_page, name.string()) > 0) continue;
-        refuse(target, "holds " + name.string() + ", which is no part of a report");
+        refuse(name_of_target, "holds " + name.string() + ", which is no part of a report");
     }
     for (auto const& entry : fs::directory_iterator(target / data))
         if (entry.path().extension() != ".js")
-            refuse(target, "holds " + (data / entry.path().filename()).string() +
-                               ", which is no part of a report");
+            refuse(name_of_target, "holds " + (data / entry.path().filename()).string() +
+                                       ", which is no part of a report");
 }
 
-// Returns whether there is a report.
-bool check_target(fs::path const& target) {
+// Returns whether there is a report. `name_of_target` is how the user calls it.
+bool check_target(fs::path const& target, fs::path const& name_of_target) {
     auto const status = fs::status(target);
     if (!fs::exists(status)) return false;
-    if (!fs::is_directory(status)) refuse(target, "is no directory");
+    if (!fs::is_directory(status)) refuse(name_of_target, "is no directory");
     if (fs::is_empty(target)) return false;
     if (!starts_with(target / data / "index.js", start_of_chunk("index")))
-        refuse(target, "is neither empty nor a report");
-    refuse_other_files(target);
+        refuse(name_of_target, "is neither empty nor a report");
+    refuse_other_files(target, name_of_target);
     return true;
 }
 
@@ -110,10 +111,10 @@ auto guarded(fs::path const& target, Work const& work) {
 
 }  // namespace
 
-ReportDirectory::ReportDirectory(fs::path const& target) {
-    guarded(target, [&] {
-        target_ = resolved(target);
-        check_target(target_);
+ReportDirectory::ReportDirectory(fs::path target) : name_(std::move(target)) {
+    guarded(name_, [&] {
+        target_ = resolved(name_);
+        check_target(target_, name_);
         parts_ = target_.parent_path() / ("." + target_.filename().string() + ".bradep-report");
         do {  // another process may have made it a report meanwhile
             lock_.reset();
@@ -150,12 +151,12 @@ void ReportDirectory::publish(std::string_view title) {
     write("report.css", files.style);
     write("licences.txt", files.licences);
     lock_->flush();
-    guarded(target_, [&] { take_place(); });
+    guarded(name_, [&] { take_place(); });
 }
 
 void ReportDirectory::take_place() {
     if (fs::exists(target_)) take_mode(target_, parts_);
-    if (!check_target(target_)) {
+    if (!check_target(target_, name_)) {
         // An empty directory is replaced, too.
         if (::rename(parts_.c_str(), target_.c_str()) != 0) cannot_write(target_, errno);
         return lock_->flush();

@@ -17,7 +17,7 @@ class ReportDirectory : public report::ChunkOutput {
 public:
     /// The target must be new, empty or a report with nothing else in it; a symbolic link is
     /// followed. Throws IoFailure, also if another process writes a report there.
-    explicit ReportDirectory(std::filesystem::path const& target);
+    explicit ReportDirectory(std::filesystem::path target);
     ~ReportDirectory() override;
     ReportDirectory(ReportDirectory const&) = delete;
     ReportDirectory& operator=(ReportDirectory const&) = delete;
@@ -32,9 +32,10 @@ private:
     void write(std::filesystem::path const& file, std::string_view text);
     void take_place();
 
-    std::filesystem::path        target_;
-    std::filesystem::path        parts_;  // the hidden directory
-    std::optional<DirectoryLock> lock_;   // on it
+    std::filesystem::path        name_;    // as the user spells the target
+    std::filesystem::path        target_;  // without links
+    std::filesystem::path        parts_;   // the hidden directory
+    std::optional<DirectoryLock> lock_;    // on it
 };
 
 }  // namespace bradep

@@ -88,8 +88,8 @@ async function replacement(model: Model, uri: string, one: any, linesOf: LineTex
     const removed = await linesOf(uri, region);
     const inserted = typeof one.insertedContent?.text === "string" ? one.insertedContent.text : "";
     return h("div", { class: "replacement" }, h("p", {}, own(model.shortened(uri)), position(region)),
-        removed.length > 0 ? h("pre", { class: "removed" }, removed.map((line) => h("del", {}, own(`− ${line}\n`)))) : null,
-        inserted !== "" ? h("pre", { class: "inserted" }, inserted.split("\n").map((line: string) => h("ins", {}, own(`+ ${line}\n`)))) : null);
+        removed.length > 0 ? h("pre", { class: "removed", tabindex: 0 }, removed.map((line) => h("del", {}, own(`− ${line}\n`)))) : null,
+        inserted !== "" ? h("pre", { class: "inserted", tabindex: 0 }, inserted.split("\n").map((line: string) => h("ins", {}, own(`+ ${line}\n`)))) : null);
 }
 
 /** Changes of files that would mend the finding; `linesOf` gives the text that a region has now. */

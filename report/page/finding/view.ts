@@ -146,7 +146,7 @@ export class FindingView {
         const { record } = this.detail;
         const rule = componentOf(this.result, this.run)?.rule;
         return h("details", { class: "part" }, h("summary", {}, h("h3", {}, "Everything else")),
-            tree("result", this.result), record ? tree("record", record) : null, rule ? tree("rule", rule) : null);
+            tree("result", this.result), record ? [tree("key", record[0]), tree("record", record[1])] : null, rule ? tree("rule", rule) : null);
     }
 
     private follow(id: number): (() => void) | undefined {

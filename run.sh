@@ -1,6 +1,7 @@
 #!/bin/bash
 # Installs what is missing, builds, analyses the C programs in examples/analysed with the Clang
-# static analyser, imports its SARIF into a result set and shows it. Prints its path at the end.
+# static analyser, imports its SARIF into a result set, shows it and writes a report for the browser. Prints
+# the paths of both at the end.
 set -euo pipefail
 cd "$(dirname "$0")"
 source scripts/prepare.sh
@@ -17,5 +18,8 @@ analyse_examples results/sarif
 echo "== importing"
 "$bradep" import results/sarif/*.sarif -o "$result_set"
 "$bradep" show "$result_set"
+echo "== report"
+"$bradep" report "$result_set" -o results/report --source-root examples/analysed --title "examples/analysed"
 echo
 echo "$PWD/$result_set"
+echo "$PWD/results/report/index.html"

@@ -39,6 +39,7 @@ Action declare_export(CLI::App& app);
 Action declare_identify(CLI::App& app);
 Action declare_import(CLI::App& app);
 Action declare_list(CLI::App& app);
+Action declare_report(CLI::App& app);
 Action declare_roots(CLI::App& app);
 Action declare_schema(CLI::App& app);
 Action declare_show(CLI::App& app);

@@ -2,8 +2,8 @@
 
 #include "errors.hpp"
 #include "limited_output.hpp"
+#include "messages.hpp"
 #include "path_check.hpp"
-#include "report.hpp"
 #include "terminal.hpp"
 #include "walk_options.hpp"
 
@@ -56,9 +56,10 @@ ExitCode dump_file(Options const& options, CLI::App const& app, Streams& streams
     streams.out.flush();  // so that the findings appear after the JSON
     report_findings(streams.err, input.name(), dumped.findings);
     if (auto const more = dumped.odd_count - odd_ones(dumped.findings))
-        report(streams.err, input.name() + ": " + std::to_string(more) + " more odd findings");
+        print_message(streams.err,
+                      input.name() + ": " + std::to_string(more) + " more odd findings");
     if (!dumped.found && dumped.answer != Answer::unsafe)
-        report(streams.err, input.name() + ": " + missing_part(dump_options.path, dumped));
+        print_message(streams.err, input.name() + ": " + missing_part(dump_options.path, dumped));
     return dumped.found && dumped.answer != Answer::unsafe ? exit_done : exit_no;
 }
 

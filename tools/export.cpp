@@ -4,9 +4,9 @@
 #include "export/database_export.hpp"
 #include "export/directory_export.hpp"
 #include "export/sarif_export.hpp"
+#include "messages.hpp"
 #include "output_file.hpp"
 #include "query_files.hpp"
-#include "report.hpp"
 #include "walk_options.hpp"
 
 #include <csignal>
@@ -36,7 +36,7 @@ void add_files(Export& target, std::string const& name, QueryOptions options, St
         options.files = {file};
         auto const files = std::make_shared<QueryFiles const>(options, streams);
         if (!target.add({files, &files->sets()}))
-            report(streams.err, file + ": is in " + name + " already");
+            print_message(streams.err, file + ": is in " + name + " already");
     }
     target.finish();
 }

@@ -1,7 +1,7 @@
 #include "finding_groups.hpp"
 
+#include "messages.hpp"
 #include "path_check.hpp"
-#include "report.hpp"
 #include "walk_options.hpp"
 
 namespace bradep {
@@ -28,11 +28,11 @@ void FindingGroups::report(std::ostream& err, std::string const& name,
         left -= group.count;
         report_findings(err, name, group.first);
         if (auto const more = group.count - group.first.size())
-            bradep::report(
-                err, name + ": " + std::to_string(more) + " more at " + group.path + " (odd)");
+            print_message(err,
+                          name + ": " + std::to_string(more) + " more at " + group.path + " (odd)");
     }
     report_findings(err, name, verdict.findings);
-    if (left > 0) bradep::report(err, name + ": " + std::to_string(left) + " more odd findings");
+    if (left > 0) print_message(err, name + ": " + std::to_string(left) + " more odd findings");
 }
 
 }  // namespace bradep

@@ -64,20 +64,6 @@ private:
     Handler handlers_[3] = {{SIGINT, SIG_DFL}, {SIGTERM, SIG_DFL}, {SIGHUP, SIG_DFL}};
 };
 
-fs::path without_links(fs::path target) {
-    constexpr int   most_links = 40;  // as many as the kernel follows
-    auto const      named_target = target;
-    std::error_code error;
-    for (int i = 0;; ++i) {
-        auto const status = fs::symlink_status(target, error);
-        if (!fs::status_known(status)) cannot_write(named_target, error.value());
-        if (!fs::is_symlink(status)) return target;
-        if (i == most_links) cannot_write(named_target, ELOOP);
-        target = target.parent_path() / fs::read_symlink(target, error);
-        if (error) cannot_write(named_target, error.value());
-    }
-}
-
 void write_to(std::streambuf& buffer, fs::path const& target,
               std::function<void(std::ostream&)> const& write) {
     std::ostream stream(&buffer);
@@ -228,6 +214,20 @@ void write_beside(fs::path const& named_target, std::function<void(std::ostream&
 }
 
 }  // namespace
+
+fs::path without_links(fs::path target) {
+    constexpr int   most_links = 40;  // as many as the kernel follows
+    auto const      named_target = target;
+    std::error_code error;
+    for (int i = 0;; ++i) {
+        auto const status = fs::symlink_status(target, error);
+        if (!fs::status_known(status)) cannot_write(named_target, error.value());
+        if (!fs::is_symlink(status)) return target;
+        if (i == most_links) cannot_write(named_target, ELOOP);
+        target = target.parent_path() / fs::read_symlink(target, error);
+        if (error) cannot_write(named_target, error.value());
+    }
+}
 
 void remove_temporary_file() noexcept {
     if (!file_to_remove.empty()) ::unlink(file_to_remove.c_str());

@@ -13,6 +13,10 @@ namespace bradep {
 /// without one.
 enum class Temporary { unnamed_where_possible, named };
 
+/// Where a path leads whose last part may be a symbolic link, also to what does not exist. Throws
+/// IoFailure.
+std::filesystem::path without_links(std::filesystem::path target);
+
 /// Writes a new file in the directory of `target`, which replaces `target` once all of it is on the
 /// disk: after a failure there is no new file, and an old one is unchanged. A symbolic link is
 /// followed. A target that is not a regular file (a pipe, a device) is written to directly. Throws

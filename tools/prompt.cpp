@@ -1,8 +1,8 @@
 #include "prompt.hpp"
 
 #include "errors.hpp"
+#include "messages.hpp"
 #include "query.hpp"
-#include "report.hpp"
 #include "signals.hpp"
 
 #include <editline/readline.h>
@@ -200,7 +200,7 @@ private:
 
     void failed(ExitCode code, std::string_view what) {
         streams_.out.flush();
-        report(streams_.err, what);
+        print_message(streams_.err, what);
         streams_.err.flush();
         code_ = code;
     }

@@ -4,8 +4,8 @@
 #include <sml/inspect/text/nearest.hpp>
 #include "command.hpp"
 #include "errors.hpp"
+#include "messages.hpp"
 #include "noting_output.hpp"
-#include "report.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -23,6 +23,9 @@ constexpr Command commands[] = {
     {"list", "List findings, one a line", declare_list},
     {"stats", "Count findings by what they have in common, or tell sizes", declare_stats},
     {"diff", "Tell what is new, updated and absent between result sets or logs", declare_diff},
+#ifdef BRADEP_REPORT
+    {"report", "Write a report that browsers open from disk", declare_report},
+#endif
     {"track", "Keep the findings of a series of runs, each under one number", declare_track},
     {"sql", "Ask result sets in SQL", declare_sql},
     {"export", "Write the tables of result sets to a database or to files", declare_export},
@@ -42,7 +45,7 @@ constexpr char const* exit_codes =
     "cannot be read or written, or no memory left. Errors go to standard error.";
 
 int ended(std::ostream& err, ExitCode code, std::string const& what) {
-    report(err, what);
+    print_message(err, what);
     return code;
 }
 

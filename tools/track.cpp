@@ -1,12 +1,11 @@
-#include <sml/inspect/sha256.hpp>
 #include <sml/inspect/text/quote.hpp>
 #include <sml/results/series.hpp>
 #include "command.hpp"
 #include "diff/side_files.hpp"
 #include "diff/side_options.hpp"
 #include "errors.hpp"
+#include "messages.hpp"
 #include "query_files.hpp"
-#include "report.hpp"
 #include "row_output.hpp"
 #include "signals.hpp"
 #include "terminal.hpp"
@@ -65,17 +64,6 @@ std::string findings_sql(std::string const& state, bool is_text) {
            states().at(state) + " ORDER BY id";
 }
 
-// That of a set, or of the sorted digests of several.
-std::string digest_of(sml::tables::ResultSets const& sets) {
-    if (sets.count() == 1) return sets.identity(1);
-    Names all;
-    for (std::int64_t i = 1; i <= sets.count(); ++i) all.push_back(sets.identity(i) + '\n');
-    std::ranges::sort(all);
-    sml::inspect::Sha256 hash;
-    for (std::string const& one : all) hash.add(one);
-    return "sets:" + hash.hexadecimal();
-}
-
 struct AddedRun {
     std::int64_t            number;
     sml::results::RunCounts counts;
@@ -99,8 +87,9 @@ std::optional<AddedRun> add(std::string const& name, Options const& options, Str
     return file.use([&](SeriesStore& store) -> std::optional<AddedRun> {
         store.begin();
         if (auto const there = store.run_with(run.digest); there && !options.adds_again) {
-            report(streams.err, name + ": is in " + options.directory + " already, as run " +
-                                    std::to_string(*there) + "; not added (--again adds it)");
+            print_message(streams.err, name + ": is in " + options.directory + " already, as run " +
+                                           std::to_string(*there) +
+                                           "; not added (--again adds it)");
             return std::nullopt;
         }
         auto const counts =

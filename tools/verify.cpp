@@ -1,5 +1,5 @@
 #include "errors.hpp"
-#include "report.hpp"
+#include "messages.hpp"
 #include "walk_options.hpp"
 
 #include <memory>
@@ -29,7 +29,7 @@ ExitCode verify_file(WalkOptions const& options, bool strict, Streams& streams) 
     Verdict const     verdict = input.verify(groups);
     auto const        form = form_notice(input.bytes());
     if (options.stem && verdict.answer == Answer::unsafe && !form.empty())
-        report(streams.err, input.name() + ": " + form + "not " + *options.stem);
+        print_message(streams.err, input.name() + ": " + form + "not " + *options.stem);
     groups.report(streams.err, input.name(), verdict);
     streams.out << printable(input.name()) << ": " << name_of(verdict.answer) << '\n'
                 << "  root      " << input.root().stem << '\n'

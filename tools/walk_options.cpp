@@ -5,7 +5,7 @@
 #include "errors.hpp"
 #include "finding_groups.hpp"
 #include "foreign_form.hpp"
-#include "report.hpp"
+#include "messages.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -159,10 +159,10 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     });
     auto const best = candidates.front();
     if (best.answer == Answer::unsafe) {
-        report(streams_.err, name_ + ": " + form_notice(bytes()) + "fits no root; read as " +
-                                 std::string(best.root->stem) + ", which came furthest, to byte " +
-                                 std::to_string(best.walked) + " of " +
-                                 std::to_string(bytes().size()));
+        print_message(streams_.err,
+                      name_ + ": " + form_notice(bytes()) + "fits no root; read as " +
+                          std::string(best.root->stem) + ", which came furthest, to byte " +
+                          std::to_string(best.walked) + " of " + std::to_string(bytes().size()));
         return best.root;
     }
     std::erase_if(candidates, [&](Candidate const& other) {
@@ -171,7 +171,7 @@ Root const* WalkedInput::choose_root(bool quiet) const {
     auto const notice =
         "read as " + std::string(best.root->stem) + "; it also fits " + stems_of(candidates);
     if (!candidates.empty() && !quiet && streams_.notices.insert(notice).second)
-        report(streams_.err, name_ + ": " + notice);
+        print_message(streams_.err, name_ + ": " + notice);
     return best.root;
 }
 
@@ -211,8 +211,8 @@ std::string described(Finding const& finding) {
 void report_findings(std::ostream& err, std::string const& name,
                      std::vector<Finding> const& findings) {
     for (Finding const& finding : findings)
-        report(err, name + ": " + described(finding) +
-                        (finding.severity == Severity::odd ? " (odd)" : " (unsafe)"));
+        print_message(err, name + ": " + described(finding) +
+                               (finding.severity == Severity::odd ? " (odd)" : " (unsafe)"));
 }
 
 ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions options, Streams& streams,
@@ -224,13 +224,13 @@ ExitCode for_each_file(std::vector<std::string> const& files, WalkOptions option
         try {
             end_with(act(options));
         } catch (DamagedInput const& error) {
-            report(streams.err, error.what());
+            print_message(streams.err, error.what());
             end_with(exit_no);
         } catch (IoFailure const& error) {
-            report(streams.err, error.what());
+            print_message(streams.err, error.what());
             end_with(exit_usage_or_io);
         } catch (BudgetExceeded const&) {
-            report(streams.err, input_name(file) + ": " + out_of_own_memory);
+            print_message(streams.err, input_name(file) + ": " + out_of_own_memory);
             end_with(exit_usage_or_io);
         }
         streams.out.flush();  // before messages of the next file on standard error

@@ -25,12 +25,19 @@ void Sha256::add(std::string_view bytes) {
     check(EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()));
 }
 
-std::string Sha256::hexadecimal() {
-    constexpr char                digits[] = "0123456789abcdef";
+std::string Sha256::bytes() {
     std::array<unsigned char, 32> sum;
     check(EVP_DigestFinal_ex(context_.get(), sum.data(), nullptr));
-    std::string text;
-    for (unsigned char const byte : sum) (text += digits[byte >> 4]) += digits[byte & 15];
+    return {sum.begin(), sum.end()};
+}
+
+std::string Sha256::hexadecimal() {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string    text;
+    for (char const one : bytes()) {
+        auto const byte = static_cast<unsigned char>(one);
+        (text += digits[byte >> 4]) += digits[byte & 15];
+    }
     return text;
 }
 

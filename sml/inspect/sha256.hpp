@@ -15,7 +15,9 @@ public:
 
     void add(std::string_view bytes);
 
-    /// 64 hexadecimal digits in lower case; nothing can be added afterwards.
+    /// The 32 bytes of the hash; nothing can be added afterwards.
+    std::string bytes();
+    /// The same as 64 hexadecimal digits in lower case.
     std::string hexadecimal();
 
 private:

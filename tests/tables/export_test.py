@@ -217,7 +217,7 @@ class Export(unittest.TestCase):
             fcntl.flock(descriptor, fcntl.LOCK_EX)
             said = self.export(self.sets, kind, target, code=2)
             os.close(descriptor)
-            self.assertIn("another export is writing there", said)
+            self.assertIn("another process is writing there", said)
 
     def test_two_sets_of_one_number_are_refused_in_files(self):
         for kind, target in self.for_each_target(FORMATS):

@@ -5,14 +5,9 @@
 #include "errors.hpp"
 #include "export/load_scripts.hpp"
 #include "export/view_rows.hpp"
+#include "new_files.hpp"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <charconv>
-#include <cstring>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -29,10 +24,6 @@ namespace {
 
 constexpr char const* schema_directory = "schema";
 constexpr char const* parts_directory = ".bradep-export";
-
-[[noreturn]] void cannot_write(fs::path const& path, int error) {
-    throw IoFailure("cannot write " + path.string() + ": " + std::strerror(error));
-}
 
 void make_directory(fs::path const& directory) {
     std::error_code error;
@@ -58,43 +49,8 @@ std::int64_t number_of(std::string_view identity) {
     return number >> surplus_bits;
 }
 
-/// A new file. Text is appended to `text`, and written when that is long.
-class OutputText {
-public:
-    explicit OutputText(fs::path path, mode_t mode = 0666)
-        : path_(std::move(path)),
-          descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
-        if (descriptor_ < 0) cannot_write(path_, errno);
-    }
-    ~OutputText() { ::close(descriptor_); }
-    OutputText(OutputText const&) = delete;
-    OutputText& operator=(OutputText const&) = delete;
-
-    std::string text;
-
-    void write_if_long() {
-        constexpr std::size_t long_text = std::size_t{1} << 20;
-        if (text.size() >= long_text) write();
-    }
-
-    void write() {
-        std::string_view rest = text;
-        while (!rest.empty()) {
-            ssize_t const written = ::write(descriptor_, rest.data(), rest.size());
-            if (written < 0 && errno == EINTR) continue;
-            if (written < 0) cannot_write(path_, errno);
-            rest.remove_prefix(static_cast<std::size_t>(written));
-        }
-        text.clear();
-    }
-
-private:
-    fs::path path_;
-    int      descriptor_;
-};
-
 void write_text(fs::path const& path, std::string const& text, mode_t mode) {
-    OutputText file(path, mode);
+    NewFile file(path, mode);
     file.text = text;
     file.write();
 }
@@ -107,24 +63,6 @@ std::string text_of(fs::path const& path) {
 }
 
 }  // namespace
-
-void DirectoryExport::Lock::take(fs::path const& directory) {
-    directory_ = directory;
-    descriptor_ = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor_ < 0) cannot_write(directory, errno);
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK)
-        throw IoFailure("cannot write " + directory.string() + ": another export is writing there");
-    cannot_write(directory, errno);
-}
-
-DirectoryExport::Lock::~Lock() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-}
-
-void DirectoryExport::Lock::flush() const {
-    if (::syncfs(descriptor_) != 0) cannot_write(directory_, errno);
-}
 
 /// The files of one result set while they are written. Unless `publish` has returned, they are
 /// removed.
@@ -154,7 +92,7 @@ public:
 
     /// Makes the parts their targets, in the order in which they were asked for. The last one only
     /// when the others are on the disk.
-    void publish(Lock const& lock) {
+    void publish(DirectoryLock const& lock) {
         for (auto const& [from, to] : moves_) {
             if (to.parent_path() != directory_) make_directory(to.parent_path());
             if (&to == &moves_.back().second) lock.flush();
@@ -175,7 +113,7 @@ DirectoryExport::DirectoryExport(fs::path directory, FileFormat format, std::ost
     std::error_code error;
     is_new_ = fs::create_directory(directory_, error);
     if (error) cannot_write(directory_, error.value());
-    lock_.take(directory_);
+    lock_.emplace(directory_);
     fs::remove_all(directory_ / parts_directory, error);  // of a process that was killed
     if (error) cannot_write(directory_ / parts_directory, error.value());
     if (!is_empty()) read_mark();
@@ -222,7 +160,7 @@ bool DirectoryExport::add(std::shared_ptr<ResultSets const> added) {
         Interruption::check();
         throw IoFailure(std::string("cannot write a temporary table: ") + error.what());
     }
-    parts.publish(lock_);
+    parts.publish(*lock_);
     root_ = sets.schema().root;
     return true;
 }
@@ -256,7 +194,7 @@ void DirectoryExport::write_tables(ResultSets const& sets, std::int64_t number, 
                            RowStream& rows) {
         if (rows.next()) {
             RowText const format(format_, columns);
-            OutputText    file(parts.part_of(file_of(name, number)));
+            NewFile       file(parts.part_of(file_of(name, number)));
             file.text = format.header();
             do {
                 progress.at(rows.offset());
@@ -278,6 +216,6 @@ void DirectoryExport::write_tables(ResultSets const& sets, std::int64_t number, 
     write_table(*list_of(sets));
 }
 
-void DirectoryExport::finish() { lock_.flush(); }
+void DirectoryExport::finish() { lock_->flush(); }
 
 }  // namespace bradep

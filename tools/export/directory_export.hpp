@@ -3,6 +3,7 @@
 
 #include "export/export.hpp"
 #include "export/row_text.hpp"
+#include "new_files.hpp"
 
 #include <filesystem>
 #include <memory>
@@ -31,23 +32,6 @@ public:
     void                      finish() override;
 
 private:
-    /// An open directory, on which this process has the only lock.
-    class Lock {
-    public:
-        Lock() = default;
-        ~Lock();
-        Lock(Lock const&) = delete;
-        Lock& operator=(Lock const&) = delete;
-
-        void take(std::filesystem::path const& directory);
-        /// Writes to the disk all that has been written to its file system.
-        void flush() const;
-
-    private:
-        int                   descriptor_ = -1;
-        std::filesystem::path directory_;
-    };
-
     class Parts;
 
     std::filesystem::path file_of(std::string const& table, std::int64_t number) const;
@@ -57,12 +41,12 @@ private:
     void                  write_schema(sml::inspect::Root const& root, Parts& parts);
     void write_tables(sml::tables::ResultSets const& sets, std::int64_t number, Parts& parts);
 
-    std::filesystem::path     directory_;
-    FileFormat                format_;
-    std::ostream&             err_;
-    bool                      is_new_ = false;
-    Lock                      lock_;
-    sml::inspect::Root const* root_ = nullptr;  // once it is known
+    std::filesystem::path        directory_;
+    FileFormat                   format_;
+    std::ostream&                err_;
+    bool                         is_new_ = false;
+    std::optional<DirectoryLock> lock_;
+    sml::inspect::Root const*    root_ = nullptr;  // once it is known
 };
 
 }  // namespace bradep

@@ -2,8 +2,8 @@
 
 #include "errors.hpp"
 #include "gzip.hpp"
+#include "messages.hpp"
 #include "output_file.hpp"
-#include "report.hpp"
 #include "sarif/log_writer.hpp"
 #include "sarif/set_runs.hpp"
 #include "sarif/upload_limits.hpp"
@@ -41,13 +41,6 @@ sarif::LeftOut write_limited(std::ostream& out, SarifOptions const& sarif, Add c
         if (sarif.target != "-") throw;  // standard output keeps the reason
     }
     return writer.left_out();
-}
-
-void report_left_out(sarif::LeftOut const& left_out, std::string const& name, Streams& streams) {
-    if (left_out.count == 0) return;
-    report(streams.err, name + ": left out " + std::to_string(left_out.count) +
-                            (left_out.count == 1 ? " value that" : " values that") +
-                            " SARIF does not allow, the first at " + left_out.first);
 }
 
 /// What is written of a log that is limited.
@@ -151,12 +144,19 @@ void write_log(std::ostream& out, SarifOptions const& sarif, QueryOptions const&
     std::optional<Limited> limited;
     if (sarif.has_upload_limits) limited = what_fits(logs, name);
     Cut cut;
-    report_left_out(logs.write(out, limited, cut), name, streams);
+    print_left_out(logs.write(out, limited, cut), name, streams);
     if (auto const words = cut.in_words(); !words.empty())
-        report(streams.err, name + ": left out what is beyond the limits: " + words);
+        print_message(streams.err, name + ": left out what is beyond the limits: " + words);
 }
 
 }  // namespace
+
+void print_left_out(sarif::LeftOut const& left_out, std::string const& name, Streams& streams) {
+    if (left_out.count == 0) return;
+    print_message(streams.err, name + ": left out " + std::to_string(left_out.count) +
+                                   (left_out.count == 1 ? " value that" : " values that") +
+                                   " SARIF does not allow, the first at " + left_out.first);
+}
 
 void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Streams& streams) {
     auto const write = [&](std::ostream& out) {
@@ -175,7 +175,7 @@ void write_sarif(sarif::LogSource const& runs, Streams& streams) {
     sarif.target = "-";
     auto const left_out =
         write_limited(streams.out, sarif, [&](sarif::LogWriter& writer) { writer.add(runs); });
-    report_left_out(left_out, output_name(sarif), streams);
+    print_left_out(left_out, output_name(sarif), streams);
 }
 
 }  // namespace bradep

@@ -4,6 +4,7 @@
 #include "command.hpp"
 #include "limited_output.hpp"
 #include "query_files.hpp"
+#include "sarif/fitting.hpp"
 #include "sarif/log_source.hpp"
 
 #include <cstdint>
@@ -24,5 +25,8 @@ void export_to_sarif(SarifOptions const& sarif, QueryOptions const& options, Str
 
 /// Writes runs as a log to standard output, within the same limits. Throws DamagedInput.
 void write_sarif(sarif::LogSource const& runs, Streams& streams);
+
+/// Says how much was left out because SARIF does not allow it. `name` is what it was left out of.
+void print_left_out(sarif::LeftOut const& left_out, std::string const& name, Streams& streams);
 
 }  // namespace bradep

@@ -19,19 +19,21 @@ constexpr char const* start_of_log =
     R"({"$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json",)"
     R"("version":"2.1.0","runs":[)";
 
-void write(JsonWriter& json, json::value const& value) {
+}  // namespace
+
+void write_value(JsonWriter& json, json::value const& value) {
     if (auto const* const object = value.if_object()) {
         json.open('{');
         for (auto const& [name, member] : *object) {
             json.member(name);
-            write(json, member);
+            write_value(json, member);
         }
         json.close('}');
     } else if (auto const* const list = value.if_array()) {
         json.open('[');
         for (auto const& element : *list) {
             json.next();
-            write(json, element);
+            write_value(json, element);
         }
         json.close(']');
     } else if (auto const* const text = value.if_string()) {
@@ -40,8 +42,6 @@ void write(JsonWriter& json, json::value const& value) {
         json_input::append_json_scalar(json.text, value);
     }
 }
-
-}  // namespace
 
 void LogWriter::add(LogSource const& source) {
     for (std::size_t number = 0; number < source.runs(); ++number) add_run(source, number);
@@ -57,7 +57,7 @@ void LogWriter::add_run(LogSource const& source, std::size_t number) {
     json.open('{');
     for (auto const& [name, value] : run.get_object()) {
         json.member(name);
-        write(json, value);
+        write_value(json, value);
     }
     json.member("results");
     json.open('[');
@@ -70,7 +70,7 @@ void LogWriter::add_run(LogSource const& source, std::size_t number) {
             return;
         json.next();
         json.text += '\n';
-        write(json, result);
+        write_value(json, result);
     });
     json.close(']');
     json.close('}');

@@ -1,12 +1,16 @@
 #pragma once
 // Writes SARIF 2.1.0.
 
+#include <sml/inspect/text/json_writer.hpp>
 #include "sarif/fitting.hpp"
 #include "sarif/log_source.hpp"
 
 #include <ostream>
 
 namespace bradep::sarif {
+
+/// Writes a value as logs have it: an integral number without point and exponent.
+void write_value(sml::inspect::JsonWriter& json, json::value const& value);
 
 /// Writes one log, result by result. What `add` has been given no longer needs to exist.
 class LogWriter {

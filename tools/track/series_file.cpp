@@ -1,11 +1,14 @@
 #include "track/series_file.hpp"
 
+#include <sml/inspect/sha256.hpp>
 #include "errors.hpp"
 #include "query.hpp"
 #include "signals.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace bradep {
 
@@ -70,6 +73,16 @@ void SeriesFile::print(std::string const& sql, RowOutput& rows, Streams& streams
         hand_rows(
             statement, [&] { return statement.step(); }, rows, streams);
     });
+}
+
+std::string digest_of(sml::tables::ResultSets const& sets) {
+    if (sets.count() == 1) return sets.identity(1);
+    std::vector<std::string> all;
+    for (std::int64_t i = 1; i <= sets.count(); ++i) all.push_back(sets.identity(i) + '\n');
+    std::ranges::sort(all);
+    sml::inspect::Sha256 hash;
+    for (std::string const& one : all) hash.add(one);
+    return "sets:" + hash.hexadecimal();
 }
 
 std::string runs_sql() { return runs_sql_from(1); }

@@ -2,6 +2,7 @@
 // The database of a series of runs in its directory.
 
 #include <sml/results/series_store.hpp>
+#include <sml/tables/result_sets.hpp>
 #include "command.hpp"
 #include "row_output.hpp"
 
@@ -45,6 +46,9 @@ private:
     std::string                              name_;
     std::optional<sml::results::SeriesStore> store_;
 };
+
+/// The digest of a run: that of its set, or of the sorted digests of several.
+std::string digest_of(sml::tables::ResultSets const& sets);
 
 /// A statement for the rows of all runs.
 std::string runs_sql();

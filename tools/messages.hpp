@@ -12,7 +12,7 @@ constexpr char const* out_of_own_memory =
 
 /// Writes a message to standard error: "bradep: ", then the text on one line, whatever characters
 /// it has.
-inline void report(std::ostream& err, std::string_view what) {
+inline void print_message(std::ostream& err, std::string_view what) {
     err << "bradep: " << sml::inspect::printable(what) << '\n';
 }
 

@@ -1,8 +1,8 @@
 #!/bin/bash
 # Installs what is missing, builds, and runs all tests: built by g++, then by clang under
-# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then runs the test of several
-# threads under ThreadSanitizer, and each fuzz target for BRADEP_FUZZ_SECONDS of a processor, 60 by
-# default.
+# AddressSanitizer and UndefinedBehaviorSanitizer with leak detection. Then tests reports in a headless
+# browser, runs the test of several threads under ThreadSanitizer, and each fuzz target for
+# BRADEP_FUZZ_SECONDS of a processor, 60 by default.
 #
 #   ./test.sh            the checks that every change must pass
 #   ./test.sh --all      also builds by clang without sanitizers and by g++ under them, and runs the
@@ -46,6 +46,11 @@ for preset in "${presets[@]}"; do
     build "$preset"
     ctest --preset "$preset" --parallel "$(nproc)"
 done
+
+echo "== report"
+all_budgets=()
+! "$all" || all_budgets=(--all)
+tests/report/run.sh build/dev/tools/bradep "${all_budgets[@]}"
 
 # The ThreadSanitizer of this compiler fails if the kernel randomises addresses with too many bits.
 echo "== tsan"

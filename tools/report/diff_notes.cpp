@@ -60,8 +60,7 @@ void DiffNotes::add(std::size_t               finding, report::FindingColumns&,
         details.open('{');
         int column = 0;
         for (char const* const name : {"path", "old", "new"}) {
-            bool const is_null = sqlite3_column_type(changes_.get(), column) == SQLITE_NULL;
-            if (!is_null) details.string_member(name, changes_.text(column));
+            if (!changes_.is_null(column)) details.string_member(name, changes_.text(column));
             ++column;
         }
         details.close('}');

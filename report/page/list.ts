@@ -240,18 +240,20 @@ export class FindingList {
         const { table } = this.model;
         const text = (name: string): string => textOf(table, name, finding);
         const line = table.columns.get("line")?.[finding];
-        const place = `${this.model.shortened(text("file"))}${line ? `:${line}` : ""}`;
+        const directory = this.model.shortened(text("directory"));
+        const place = `${text("file").slice(text("directory").length)}${line ? `:${line}` : ""}`;
         const message = cut(messageText(cut(this.model.message(finding), 2 * LONGEST_TEXT)), LONGEST_TEXT);
         const note = text("suppressed") === "yes" && h("span", { class: "badge" }, "suppressed");
         const open = finding === this.page.state.finding;
         const more = this.rows.groups ? { "aria-level": 2 } : {};
-        const cell = (name: string, ...children: Child[]): HTMLElement =>
+        const cell = (name: string, ...children: (Child | Child[])[]): HTMLElement =>
             h("div", { role: "gridcell", class: `cell-${name}` }, ...children);
         return h("div", { ...attributes, ...more, class: `${attributes.class}${open ? " open" : ""}`, "aria-selected": String(open) },
             cell("level", icon(text("level")), h("span", {}, text("level"))),
             cell("message", note, own(message || text("rule"), { class: "row-message" })),
             cell("rule", own(cut(text("rule"), LONGEST_TEXT), { title: text("rule") })),
-            cell("file", own(cut(place, LONGEST_TEXT), { title: text("file"), class: "row-place" })),
+            cell("file", own(cut(place, LONGEST_TEXT), { title: text("file"), class: "row-place" }),
+                directory ? [" ", own(cut(directory, LONGEST_TEXT), { class: "row-directory" })] : null),
             this.hasStates && cell("state", icon(text("state")), h("span", {}, text("state"))));
     }
 

@@ -82,6 +82,15 @@ function facet(page: Page, dimension: Dimension, list: Bar[]): Child {
         moreButton(page, dimension, list.length));
 }
 
+/** False for a dimension that says what another one says, too, or only counts: runs without names. */
+function isTelling(page: Page, { name }: Dimension, lists: Lists): boolean {
+    if (name === "run") return page.model.runs.some((run) => run.automationDetails?.id);
+    if (name !== "category") return true;
+    const { dimensions } = page.model.table;
+    const said = (of: string): string => JSON.stringify(lists.get(dimensions.get(of)!)!.map((bar) => [bar.text, bar.findings]));
+    return lists.get(dimensions.get("category")!)!.some((bar) => bar.pressed) || said("category") !== said("rule");
+}
+
 /** What all findings have in common: dimensions with one text. */
 function inCommon(lists: Lists): Child {
     const parts: Child[] = [];
@@ -176,7 +185,7 @@ export function renderOverview(page: Page): HTMLElement {
     }
     const lists: Lists = new Map();
     for (const dimension of model.table.dimensions.values()) lists.set(dimension, bars(page, dimension));
-    const facets = [...lists].map(([dimension, list]) => facet(page, dimension, list));
+    const facets = [...lists].filter(([dimension]) => isTelling(page, dimension, lists)).map(([dimension, list]) => facet(page, dimension, list));
     return h("div", { class: "overview" }, tiles(page, lists), first(page), where(page), renderHistory(model.index.history),
         facets, inCommon(lists));
 }

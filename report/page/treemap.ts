@@ -125,9 +125,8 @@ function cellButton({ data, x0, x1, y0, y1 }: Rectangle<Cell>, limits: number[],
         "aria-label": `${plain(name) || "no directory"}: ${text}`,
         onclick: () => pick(data),
     });
-    if (x1 - x0 > 0.07 && y1 - y0 > 0.09) {
-        button.append(h("span", { class: "cell-name" }, own(shortName(data))), h("span", {}, count(data.findings)));
-    }
+    if (x1 - x0 > 0.07 && y1 - y0 > 0.06) button.append(h("span", { class: "cell-name" }, own(shortName(data))));
+    if (x1 - x0 > 0.07 && y1 - y0 > 0.12) button.append(h("span", {}, count(data.findings)));
     Object.assign(button.style, { left: percent(x0), top: percent(y0), width: percent(x1 - x0), height: percent(y1 - y0) });
     return button;
 }

@@ -22,6 +22,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -72,12 +73,14 @@ public:
 
     /// Writes all chunks.
     void write(report::ChunkOutput& output) {
-        ReportWriter    writer(output);
+        // Digests take a while. No other thread asks for them meanwhile.
+        auto         described = std::async(std::launch::async, [this] { return description(); });
+        ReportWriter writer(output);
         ReportedSources sources;
         add_findings(writer, news_, Side::new_side, sources);
         if (olds_) add_findings(writer, *olds_, Side::old_side, sources);
         if (options_.sources) add_sources(writer, sources);
-        writer.finish(description());
+        writer.finish(described.get());
     }
 
     std::string title() const {

@@ -22,7 +22,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,14 +72,12 @@ public:
 
     /// Writes all chunks.
     void write(report::ChunkOutput& output) {
-        // Digests take a while. No other thread asks for them meanwhile.
-        auto         described = std::async(std::launch::async, [this] { return description(); });
-        ReportWriter writer(output);
+        ReportWriter    writer(output);
         ReportedSources sources;
         add_findings(writer, news_, Side::new_side, sources);
         if (olds_) add_findings(writer, *olds_, Side::old_side, sources);
         if (options_.sources) add_sources(writer, sources);
-        writer.finish(described.get());
+        writer.finish(description());
     }
 
     std::string title() const {
@@ -146,7 +143,7 @@ private:
     static std::vector<report::ReportedSet> sets_of(sml::tables::ResultSets const& sets) {
         std::vector<report::ReportedSet> all;
         for (std::int64_t i = 1; i <= sets.count(); ++i)
-            all.push_back({sets.set(i).name, sets.set(i).bytes.size(), sets.identity(i)});
+            all.push_back({sets.set(i).name, sets.set(i).bytes.size()});
         return all;
     }
 

@@ -19,7 +19,6 @@ export interface Index {
 export interface ResultSet {
     name: string;
     bytes: number;
-    digest: string | null;
 }
 
 /** A run of a series. */

@@ -76,11 +76,6 @@ void add_sets(JsonWriter& json, std::string_view name, std::vector<ReportedSet> 
         json.open('{');
         json.string_member("name", set.name);
         add_number(json, "bytes", set.bytes);
-        json.member("digest");
-        if (set.digest.empty())
-            json.text += "null";
-        else
-            json.string(set.digest);
         json.close('}');
     }
     json.close(']');

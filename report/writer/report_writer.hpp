@@ -51,7 +51,6 @@ struct FindingColumns {
 struct ReportedSet {
     std::string   name;
     std::uint64_t bytes = 0;
-    std::string   digest;  ///< empty if there is none
 };
 
 /// A run of a series.

@@ -116,7 +116,10 @@ TEST_P(Sources, WithNulsAreNoText) {
     EXPECT_EQ(read("b.o"), "- no text");
 }
 
-INSTANTIATE_TEST_SUITE_P(Opened, Sources, testing::Values(Opening::beneath, Opening::by_parts));
+INSTANTIATE_TEST_SUITE_P(Opened, Sources, testing::Values(Opening::beneath, Opening::by_parts),
+                         [](auto const& tested) {
+                             return tested.param == Opening::beneath ? "Beneath" : "ByParts";
+                         });
 
 TEST(SourceDirectory, MustBeADirectory) {
     EXPECT_THROW(SourceDirectory("/dev/null"), fs::filesystem_error);

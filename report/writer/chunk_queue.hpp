@@ -2,12 +2,10 @@
 // Packs chunks while the next ones are made.
 
 #include <report/writer/chunk_output.hpp>
+#include <sml/tables/bounded_queue.hpp>
 
-#include <condition_variable>
-#include <deque>
+#include <cstddef>
 #include <exception>
-#include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -35,16 +33,14 @@ private:
         std::string content;
     };
 
-    void                 pack_all();
-    std::optional<Chunk> next();
+    static constexpr std::size_t most_waiting = 8;
 
-    ChunkOutput&            output_;
-    std::mutex              mutex_;
-    std::condition_variable changed_;
-    std::deque<Chunk>       chunks_;
-    bool                    is_complete_ = false;  // no chunks will follow
-    std::exception_ptr      failure_;
-    std::thread             thread_;  // the last member: it uses the others
+    void pack_all();
+
+    ChunkOutput&                     output_;
+    sml::tables::BoundedQueue<Chunk> chunks_{most_waiting};
+    std::exception_ptr               failure_;  // set before the queue is stopped
+    std::thread                      thread_;   // the last member: it uses the others
 };
 
 }  // namespace bradep::report

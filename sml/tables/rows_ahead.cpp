@@ -1,10 +1,9 @@
 #include <sml/tables/rows_ahead.hpp>
 
-#include <condition_variable>
+#include <sml/tables/bounded_queue.hpp>
+
 #include <cstdint>
-#include <deque>
 #include <exception>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -58,71 +57,14 @@ struct Batch {
     }
 };
 
-/// Batches on their way from the thread that reads rows to the one that takes them.
-class Belt {
-public:
-    /// The next batch that has been read. Waits for it, and throws what reading it threw.
-    std::unique_ptr<Batch> take() {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] { return !read_.empty() || error_ != nullptr; });
-        if (read_.empty()) std::rethrow_exception(error_);
-        auto batch = std::move(read_.front());
-        read_.pop_front();
-        return batch;
-    }
-
-    /// Gives back a batch that is no longer needed.
-    void give_back(std::unique_ptr<Batch> batch) {
-        std::unique_lock const lock(mutex_);
-        empty_.push_back(std::move(batch));
-        changed_.notify_all();
-    }
-
-    /// A batch to read into. Waits for one; null if no more are wanted.
-    std::unique_ptr<Batch> take_empty() {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] { return !empty_.empty() || is_stopped_; });
-        if (is_stopped_) return nullptr;
-        auto batch = std::move(empty_.back());
-        empty_.pop_back();
-        return batch;
-    }
-
-    void put(std::unique_ptr<Batch> batch) {
-        std::unique_lock const lock(mutex_);
-        read_.push_back(std::move(batch));
-        changed_.notify_all();
-    }
-
-    /// Reading has failed: nothing more is put.
-    void fail(std::exception_ptr error) {
-        std::unique_lock const lock(mutex_);
-        error_ = std::move(error);
-        changed_.notify_all();
-    }
-
-    void stop() {
-        std::unique_lock const lock(mutex_);
-        is_stopped_ = true;
-        changed_.notify_all();
-    }
-
-private:
-    std::mutex                          mutex_;
-    std::condition_variable             changed_;
-    std::deque<std::unique_ptr<Batch>>  read_;
-    std::vector<std::unique_ptr<Batch>> empty_;
-    std::exception_ptr                  error_;
-    bool                                is_stopped_ = false;
-};
-
 class RowsAhead : public RowStream {
 public:
     RowsAhead(std::unique_ptr<RowStream> rows, std::size_t columns)
         : rows_(std::move(rows)), columns_(columns) {}
 
     ~RowsAhead() override {
-        belt_.stop();
+        empty_.stop();
+        read_.stop();
         if (reader_.joinable()) reader_.join();
     }
 
@@ -131,8 +73,8 @@ public:
             begin();
         } else if (++at_ >= present_->numbers.size()) {
             if (!present_->is_full()) return false;
-            belt_.give_back(std::move(present_));
-            present_ = belt_.take();
+            empty_.put(std::move(present_));
+            present_ = std::move(read_.take().value());  // a full one is never the last
             at_ = 0;
         }
         return at_ < present_->numbers.size();
@@ -145,14 +87,16 @@ public:
     std::uint64_t offset() const override { return present_->offsets[at_]; }
 
 private:
-    static constexpr int batches = 4;
+    using Batches = BoundedQueue<std::unique_ptr<Batch>>;
+
+    static constexpr std::size_t batches = 4;
 
     // A table that fits into one batch needs no thread.
     void begin() {
         present_ = std::make_unique<Batch>();
         read(*present_);
         if (!present_->is_full()) return;
-        for (int i = 1; i < batches; ++i) belt_.give_back(std::make_unique<Batch>());
+        for (std::size_t i = 1; i < batches; ++i) empty_.put(std::make_unique<Batch>());
         reader_ = std::thread([this] { read_all(); });
     }
 
@@ -160,14 +104,14 @@ private:
         try {
             bool is_last = false;
             while (!is_last) {
-                auto batch = belt_.take_empty();
-                if (batch == nullptr) return;
-                read(*batch);
-                is_last = !batch->is_full();
-                belt_.put(std::move(batch));
+                auto batch = empty_.take();
+                if (!batch) return;
+                read(**batch);
+                is_last = !(*batch)->is_full();
+                if (!read_.put(std::move(*batch))) return;
             }
         } catch (...) {
-            belt_.fail(std::current_exception());
+            read_.end(std::current_exception());
         }
     }
 
@@ -185,7 +129,8 @@ private:
     std::size_t                columns_;
     std::unique_ptr<Batch>     present_;  // the one that rows are taken from
     std::size_t                at_ = 0;
-    Belt                       belt_;
+    Batches                    read_{batches};
+    Batches                    empty_{batches};  // to read into
     std::thread                reader_;
 };
 
